@@ -1,0 +1,24 @@
+# The flags of every target of ours, in one interface library that is never installed.
+add_library(lumivane_compile INTERFACE)
+
+# The same bits on every x86-64 machine: no fused multiply-add, no value-changing optimisation.
+target_compile_options(lumivane_compile INTERFACE -ffp-contract=off -fno-fast-math)
+
+target_compile_options(lumivane_compile INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  # The model has no virtual destructors: each owner deletes through the exact class.
+  $<$<COMPILE_LANGUAGE:CXX>:-Wno-delete-non-virtual-dtor>
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wno-delete-non-abstract-non-virtual-dtor>)
+if(LUMIVANE_WERROR)
+  target_compile_options(lumivane_compile INTERFACE -Werror)
+endif()
+
+if(LUMIVANE_SANITIZE)
+  target_compile_options(lumivane_compile INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(lumivane_compile INTERFACE -fsanitize=address,undefined)
+endif()
+if(LUMIVANE_COVERAGE)
+  target_compile_options(lumivane_compile INTERFACE --coverage -O0)
+  target_link_options(lumivane_compile INTERFACE --coverage)
+endif()

@@ -1,0 +1,16 @@
+#include <lumivane/cmd/Log.h>
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace Lumivane::Cmd {
+
+int logMessage(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int count = std::vprintf(format, arguments);
+  va_end(arguments);
+  return count;
+}
+
+}  // namespace Lumivane::Cmd

@@ -1,0 +1,1 @@
+// The kernels are headers; this file gives their object library a body.
