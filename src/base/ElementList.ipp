@@ -1,0 +1,88 @@
+#pragma once
+
+// The bodies of the list pattern. Each list's .cpp includes this file and the element's header, and
+// instantiates the pattern once.
+
+#include "base/Indices.h"
+
+#include <lumivane/base/ElementList.h>
+#include <lumivane/jzon/Node.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+namespace Lumivane::Base {
+
+template <class Element>
+void destroyElements(const std::vector<Element*>& elements) {
+  std::vector<Element*> distinct(elements);
+  std::sort(distinct.begin(), distinct.end(), std::less<>());
+  distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+  for (Element* element : distinct)
+    if (element != nullptr) ElementTraits<Element>::destroyElement(element);
+}
+
+template <class Element>
+ElementList<Element>::ElementList() : items(new Vector()) {}
+
+template <class Element>
+ElementList<Element>::~ElementList() {
+  clear();
+  delete items;
+  items = nullptr;
+}
+
+template <class Element>
+void ElementList<Element>::clear() {
+  if (items == nullptr) return;
+  destroyElements(*items);
+  items->clear();
+}
+
+template <class Element>
+Jzon::Node ElementList<Element>::serialize() {
+  Jzon::Node node = Jzon::array();
+  if (items == nullptr) return node;
+  for (Element* element : *items)
+    node.add(element == nullptr ? Jzon::null() : element->serialize());
+  return node;
+}
+
+template <class Element>
+BaseLibClass* ElementList<Element>::deserialize(Jzon::Node node) {
+  if (!node.isArray()) return this;
+  for (std::size_t i = 0; i < node.getCount(); ++i) {
+    std::unique_ptr<Element> element(new Element());
+    append(static_cast<Element*>(element->deserialize(node.get(i))));
+    element.release();
+  }
+  return this;
+}
+
+template <class Element>
+Element* ElementList<Element>::at(int index) const {
+  return itemAt(items, index);
+}
+
+template <class Element>
+void ElementList<Element>::insert(int index, Element* element) {
+  insertItem(items, index, element);
+}
+
+template <class Element>
+void ElementList<Element>::append(Element* element) {
+  appendItem(items, element);
+}
+
+template <class Element>
+void ElementList<Element>::erase(int index) {
+  eraseAt(items, index);
+}
+
+template <class Element>
+void ElementList<Element>::erase(const Element* element) {
+  eraseItem(items, element);
+}
+
+}  // namespace Lumivane::Base
