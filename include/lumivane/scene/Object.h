@@ -1,0 +1,108 @@
+#pragma once
+
+#include <lumivane/base/BaseLibClass.h>
+#include <lumivane/export.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <vtkPolyData.h>
+#include <vtkSmartPointer.h>
+
+namespace Lumivane {
+namespace Geometry {
+class EdgeStartPoint2d;
+class Faces;
+class Overlays;
+class Parts;
+class Regions;
+}  // namespace Geometry
+namespace Scene {
+
+/// One solid or surface of a scene: its regions with their faces, parts and overlays. Besides that
+/// it carries the working data of the last shot, which reaches no file.
+///
+/// Owns its four lists, each of which may be null; the working data is not freed by it. Getters
+/// hand out what stays the object's; setters take over and free nothing. Copies share everything
+/// but the id: of two copies, destroy one.
+class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
+ public:
+  Object() = default;                          ///< Null lists, no id, no pen.
+  Object(const Object&) = default;             ///< Shares lists and working data.
+  Object& operator=(const Object&) = default;  ///< Shares them; frees nothing.
+  ~Object();                                   ///< Deletes the four lists.
+
+  const std::string& getId() const { return id; }           ///< Carried to the shot's Object2d.
+  void setId(std::string value) { id = std::move(value); }  ///< Need not be unique.
+  int getPartsCount() const { return partsCount; }       ///< As in the file; not the parts' count.
+  void setPartsCount(int count) { partsCount = count; }  ///< Leaves the parts alone.
+  int getPenNumber() const { return penNumber; }         ///< From 1 in the scene's pens; -1 unset.
+  void setPenNumber(int number) { penNumber = number; }  ///< Unchecked.
+
+  Geometry::Faces* getFaces() const { return faces; }
+  void setFaces(Geometry::Faces* value) { faces = value; }
+  Geometry::Parts* getParts() const { return parts; }
+  void setParts(Geometry::Parts* value) { parts = value; }
+  Geometry::Regions* getRegions() const { return regions; }
+  void setRegions(Geometry::Regions* value) { regions = value; }
+  Geometry::Overlays* getOverlays() const { return overlays; }
+  void setOverlays(Geometry::Overlays* value) { overlays = value; }
+
+  /// Working data: one polydata for each region; null before a shot.
+  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsPolyData() const { return regionsPolyData; }
+  void setRegionsPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
+    regionsPolyData = value;
+  }
+  /// Working data: the same, clipped by the plane through the eye.
+  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsClippedPolyData() const {
+    return regionsClippedPolyData;
+  }
+  void setRegionsClippedPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
+    regionsClippedPolyData = value;
+  }
+  /// Working data: for each region its visible polygons, lists of points of 3 doubles.
+  std::vector<std::vector<std::vector<std::vector<double>>>>* getRegionsVisiblePolygons() const {
+    return regionsVisiblePolygons;
+  }
+  void setRegionsVisiblePolygons(
+      std::vector<std::vector<std::vector<std::vector<double>>>>* value) {
+    regionsVisiblePolygons = value;
+  }
+  /// Working data: for each region its projected polygons.
+  std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* getRegionsProjectedPolygons()
+      const {
+    return regionsProjectedPolygons;
+  }
+  void setRegionsProjectedPolygons(
+      std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* value) {
+    regionsProjectedPolygons = value;
+  }
+  /// Working data: the position, from 0, of the region that holds the camera, or -1.
+  int getCameraInRegionIndex() const { return cameraInRegionIndex; }
+  void setCameraInRegionIndex(int index) { cameraInRegionIndex = index; }
+
+  /// An object with "Id" and "Pen" where set, "PartsCount" from 0 on, and the lists not null.
+  Jzon::Node serialize() override;
+  /// Reads the same keys; a list whose key holds no array stays as it is, and a list that was there
+  /// before is not freed.
+  Base::BaseLibClass* deserialize(Jzon::Node node) override;
+
+ private:
+  std::string id;
+  int partsCount = 0;
+  int penNumber = -1;
+  Geometry::Faces* faces = nullptr;
+  Geometry::Parts* parts = nullptr;
+  Geometry::Regions* regions = nullptr;
+  Geometry::Overlays* overlays = nullptr;
+  std::vector<vtkSmartPointer<vtkPolyData>>* regionsPolyData = nullptr;
+  std::vector<vtkSmartPointer<vtkPolyData>>* regionsClippedPolyData = nullptr;
+  std::vector<std::vector<std::vector<std::vector<double>>>>* regionsVisiblePolygons = nullptr;
+  std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* regionsProjectedPolygons =
+      nullptr;
+  int cameraInRegionIndex = -1;
+};
+
+}  // namespace Scene
+}  // namespace Lumivane

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <lumivane/base/ElementList.h>
+#include <lumivane/export.h>
+#include <lumivane/scene/Object.h>
+
+namespace Lumivane {
+
+extern template class Base::ElementList<Scene::Object>;  // instantiated in src/scene/Objects.cpp
+
+namespace Scene {
+
+/// The objects of a scene; an object number is a position here plus 1.
+class LUMIVANE_EXPORT Objects : public Base::ElementList<Object> {
+ public:
+  /// The vector itself, still the list's.
+  Vector* getObjects() { return items; }
+  /// Takes over the vector and its elements; frees nothing.
+  void setObjects(Vector* newItems) { items = newItems; }
+  /// The element at a position from 0, still the list's. \throws std::out_of_range
+  Object* getObject(int index) { return at(index); }
+  /// Appends the element and owns it from now on; null and duplicates are stored as well.
+  void addObject(Object* element) { append(element); }
+  /// Inserts before `index`, the count appending, and owns the element. \throws std::out_of_range
+  void insertObject(int index, Object* element) { insert(index, element); }
+  /// Takes the element out; the caller owns it from now on. \throws std::out_of_range
+  void removeObject(int index) { erase(index); }
+  /// Takes every occurrence of the pointer out; the caller owns it from now on.
+  void removeObject(Object* element) { erase(element); }
+};
+
+}  // namespace Scene
+}  // namespace Lumivane
