@@ -1,0 +1,56 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <vector>
+
+namespace Lumivane::Algorithm {
+
+/// An upright rectangle of the picture, in plane coordinates.
+///
+/// The default bound is the state of an empty union: both minima are the largest finite double,
+/// both maxima its negative, so that the first point or bound taken in replaces all four.
+class LUMIVANE_EXPORT Bounds2D {
+ public:
+  /// The default bound.
+  Bounds2D();
+  Bounds2D(double xMin, double xMax, double yMin, double yMax);
+  Bounds2D(const Bounds2D& other) = default;
+  Bounds2D& operator=(const Bounds2D& other) = default;
+  /// The union of `bounds`; the default bound if there are none. A value that is not a number is
+  /// never taken in.
+  explicit Bounds2D(const std::vector<Bounds2D>& bounds);
+
+  double getXMin() const;
+  void setXMin(double value);
+  double getXMax() const;
+  void setXMax(double value);
+  double getYMin() const;
+  void setYMin(double value);
+  double getYMax() const;
+  void setYMax(double value);
+
+  /// The bounds of a list of points.
+  ///
+  /// \param points  each of at least 2 coordinates; further ones are ignored
+  /// \return a new object, which the caller owns; the default bound for an empty list
+  /// \throws std::out_of_range "invalid vector subscript" if a point has fewer than 2 coordinates
+  static Bounds2D* getBounds(std::vector<std::vector<double>> points);
+
+  /// Whether two bounds share a point. There is no tolerance.
+  ///
+  /// (1) Swapping `a` and `b` keeps the result. (2) Bounds that merely touch, be it in one corner,
+  /// share a point. (3) A default bound meets no finite one.
+  static bool isBoundsIntersected(const Bounds2D& a, const Bounds2D& b);
+
+  /// Whether all four values are exactly those of the default bound.
+  static bool isDefaultBounds(const Bounds2D& bounds);
+
+ private:
+  double xMin;
+  double xMax;
+  double yMin;
+  double yMax;
+};
+
+}  // namespace Lumivane::Algorithm

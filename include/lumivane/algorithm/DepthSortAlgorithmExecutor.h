@@ -1,0 +1,81 @@
+#pragma once
+
+#include <lumivane/algorithm/IntersectionType.h>
+#include <lumivane/export.h>
+
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+namespace Lumivane::Shot {
+class Shot2d;
+}
+
+namespace Lumivane::Algorithm {
+
+class ObjectData;
+
+/// Puts the faces of a shot into the order in which they are drawn, back to front, and removes the
+/// faces that are wholly hidden.
+///
+/// Serves one shot: make one, set scene and shot, call `run`, drop it. Owns neither of the two. Its
+/// working objects, which no caller can reach, end with it; hence it cannot be copied.
+///
+/// The method is a painter's algorithm on whole faces: after Newell, Newell and Sancha, "A Solution
+/// to the Hidden Surface Problem" (1972), with a graph of drawn-before relations in place of their
+/// list.
+class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
+ public:
+  DepthSortAlgorithmExecutor();
+  ~DepthSortAlgorithmExecutor();
+  DepthSortAlgorithmExecutor(const DepthSortAlgorithmExecutor&) = delete;
+  DepthSortAlgorithmExecutor& operator=(const DepthSortAlgorithmExecutor&) = delete;
+
+  /// The scene that the shot was made from; stays the caller's.
+  void setScene(Scene::Scene3D* value);
+  /// The shot to be ordered; stays the caller's.
+  void setShot(Shot::Shot2d* value);
+
+  /// Orders the shot. Its regions are replaced by copies in drawing order, and the faces of every
+  /// object by one new face per drawn face, in drawing order; hidden faces and faces without points
+  /// are gone. The old regions and faces are destroyed. Everything else stays.
+  ///
+  /// The progress record runs from 30 towards 100. With no scene or no shot only the first line is
+  /// printed. A cycle among the relations is survived: see `Graph::topologicalSort`.
+  ///
+  /// \throws std::out_of_range if a face, a region or an object refers to something that is not
+  ///         there; the shot is then as it was
+  void run();
+
+ private:
+  using Point = std::vector<double>;
+  using Polygon = std::vector<Point>;
+
+  // The frame: DepthSortAlgorithmExecutor.cpp.
+  void fillObjectDataList();
+  void classifyObjects();
+  void releaseObjectDataList();
+
+  // One cell for every pair of objects: DepthSortClassify.cpp.
+  void classifyObjectsByBoundingBoxes();
+
+  // From the cells to the shot: DepthSortOrder.cpp.
+  void calculateObjectsOrder();
+  void rewriteShot();
+
+  // How two polygons lie to each other: DepthSortRelations.cpp.
+  double rotate(Point a, Point b, Point c);
+  bool intersect(const Point& a, const Point& b, const Point& c, const Point& d);
+  bool isContainsPointArea(const Polygon& polygon, const Point& point);
+  bool isPolygonsEquals(Polygon first, Polygon second);
+  IntersectionType getPolygonsIntersectionType(Polygon* first, Polygon* second);
+  int checkPolygonsLocation(const Polygon& first, const Polygon& second);
+
+  std::vector<ObjectData*>* objectDataList;
+  std::vector<std::vector<int>>* classificationMatrix;
+  Scene::Scene3D* scene;
+  Shot::Shot2d* shot;
+};
+
+}  // namespace Lumivane::Algorithm

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Geometry {
+class Region2d;
+}
+
+namespace Lumivane::Algorithm {
+
+class Bounds2D;
+class ProjectedPolygonData;
+
+/// What the depth sort orders: one face of one object of the shot.
+///
+/// A face may have been torn into several polygons by the projection. Element k of the source
+/// regions, of the source polygons and of the projected polygons is the same piece of the face.
+/// All lists are pointers that setters store and nobody here frees; copies share them, and the id
+/// as well.
+class LUMIVANE_EXPORT ObjectData {
+ public:
+  using Regions = std::vector<Geometry::Region2d*>;
+  /// A polygon is a list of points, a point a vector of 3 coordinates of the scene.
+  using SourcePolygons = std::vector<std::vector<std::vector<double>>>;
+  using ProjectedPolygons = std::vector<ProjectedPolygonData*>;
+
+  /// Draws the next id of the process; the first object ever made has the id "1". No lists, and
+  /// the depth index -1.
+  ObjectData();
+  /// Copies the id too, and shares the lists.
+  ObjectData(const ObjectData& other) = default;
+  ObjectData& operator=(const ObjectData& other) = default;
+
+  /// The decimal text of a running number, unique in the process.
+  std::string getId() const;
+
+  /// The id of the object of the shot, and so of the scene, that the face belongs to.
+  std::string getSourceObject() const;
+  void setSourceObject(std::string value);
+
+  Regions* getSourceRegions() const;
+  void setSourceRegions(Regions* value);
+
+  SourcePolygons* getSourcePolygons() const;
+  void setSourcePolygons(SourcePolygons* value);
+
+  ProjectedPolygons* getProjectedPolygons() const;
+  /// Stores the pointer, then calls `calculateProjectedBounds2D`.
+  void setProjectedPolygons(ProjectedPolygons* value);
+
+  Bounds2D* getProjectedBounds() const;
+  void setProjectedBounds(Bounds2D* value);
+
+  /// Place in the drawing order, from 1; -1 while unset.
+  int getDepthIndex() const;
+  void setDepthIndex(int value);
+
+  /// Sets the projected bounds to a new object, the union of the polygons' bounds, in which a
+  /// polygon without bounds counts as a default bound. Without polygons they stay unchanged. An
+  /// earlier object is not freed.
+  void calculateProjectedBounds2D();
+
+  /// Whether the depth index of `first` is less than that of `second`, strictly.
+  static bool compareByDepthIndex(const ObjectData* first, const ObjectData* second);
+
+ private:
+  static int idCounter;
+
+  std::string id;
+  std::string sourceObject;
+  Regions* sourceRegions;
+  SourcePolygons* sourcePolygons;
+  ProjectedPolygons* projectedPolygons;
+  Bounds2D* projectedBounds;
+  int depthIndex;
+};
+
+}  // namespace Lumivane::Algorithm

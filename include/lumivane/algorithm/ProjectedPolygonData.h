@@ -1,0 +1,38 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <vector>
+
+namespace Lumivane::Algorithm {
+
+class Bounds2D;
+
+/// A polygon of the picture with its bounds, as the depth sort works on it.
+///
+/// Owns neither: copies share both, and the destructor does nothing.
+class LUMIVANE_EXPORT ProjectedPolygonData {
+ public:
+  using Points = std::vector<std::vector<double>>;
+
+  /// Without points and bounds.
+  ProjectedPolygonData();
+
+  Points* getPoints() const;
+  /// Stores the pointer and frees nothing. If it is not null and the list is not empty, `bounds`
+  /// becomes a new object around the points; otherwise it stays as it was.
+  ///
+  /// \param value  points of 2 coordinates, a ring whose first point is not repeated; borrowed
+  /// \throws std::out_of_range "invalid vector subscript" if a point has fewer than 2 coordinates
+  void setPoints(Points* value);
+
+  Bounds2D* getBounds() const;
+  /// Stores the pointer and frees nothing.
+  void setBounds(Bounds2D* value);
+
+ private:
+  Points* points;
+  Bounds2D* bounds;
+};
+
+}  // namespace Lumivane::Algorithm
