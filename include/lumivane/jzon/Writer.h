@@ -1,0 +1,50 @@
+#pragma once
+
+#include <lumivane/export.h>
+#include <lumivane/jzon/Format.h>
+#include <lumivane/jzon/Node.h>
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+namespace Jzon {
+
+/// Turns a tree of nodes into text.
+///
+/// Nothing is indented whatever the format says, and no line break stands behind the root. Strings
+/// are escaped, names are written as they stand, and an invalid child writes nothing behind its
+/// name. Trees of any depth are written without recursion. Errors of a stream or file are not
+/// reported.
+class LUMIVANE_EXPORT Writer {
+ public:
+  /// A writer without line breaks and spaces.
+  Writer();
+  explicit Writer(const Format& format);
+
+  void setFormat(const Format& format);
+
+  /// Writes the tree to the stream; an invalid node writes nothing.
+  void writeStream(const Node& node, std::ostream& stream) const;
+  /// Writes the tree over the front of `json`. Given the empty text, `json` becomes the tree's
+  /// text; of a longer text the tail stays.
+  void writeString(const Node& node, std::string& json) const;
+  /// Writes the tree to a file, replacing what is there. Nothing happens if it cannot be opened.
+  void writeFile(const Node& node, const std::string& path) const;
+
+ private:
+  struct Position;
+
+  void writeNode(const Node& node, unsigned int level, std::ostream& stream) const;
+  const Node* writeObject(Position& position, unsigned int level, std::ostream& stream) const;
+  const Node* writeArray(Position& position, unsigned int level, std::ostream& stream) const;
+  void writeValue(const Node& node, std::ostream& stream) const;
+  std::string getIndentation(unsigned int level) const;
+
+  Format format;
+  char indentationChar;
+  const std::string* newline;
+  const std::string* spacing;
+};
+
+}  // namespace Jzon
