@@ -4,6 +4,7 @@
 // instantiates the pattern once.
 
 #include "base/Indices.h"
+#include "base/SerializeOrNull.h"
 
 #include <lumivane/base/ElementList.h>
 #include <lumivane/jzon/Node.h>
@@ -44,8 +45,7 @@ template <class Element>
 Jzon::Node ElementList<Element>::serialize() {
   Jzon::Node node = Jzon::array();
   if (items == nullptr) return node;
-  for (Element* element : *items)
-    node.add(element == nullptr ? Jzon::null() : element->serialize());
+  for (Element* element : *items) node.add(serializeOrNull(element));
   return node;
 }
 

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace Lumivane::Base {
+
+/// How a shot is drawn; making a shot ignores it.
+enum class ViewDisplayStyle : int {
+  Filled = 0,
+  Outline = 1,          ///< without the filled polygons
+  HalfTransparent = 2,  ///< the filled polygons with half their opacity
+};
+
+}  // namespace Lumivane::Base

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <lumivane/base/ViewCamera.h>
+#include <lumivane/export.h>
+
+namespace Lumivane::Base {
+
+/// A camera with an opening of its own: 60 degrees both ways, unless set otherwise.
+class LUMIVANE_EXPORT ViewNormalCamera : public ViewCamera {
+ public:
+  ViewNormalCamera();
+
+  using ViewCamera::setHorizontalAngle;
+  using ViewCamera::setVerticalAngle;
+};
+
+}  // namespace Lumivane::Base
