@@ -1,14 +1,7 @@
 #pragma once
 
 #include <lumivane/export.h>
-
-namespace Jzon {
-class Node;
-}
-
-namespace Lumivane {
-namespace Jzon = ::Jzon;
-}
+#include <lumivane/jzon/Node.h>
 
 namespace Lumivane::Base {
 
