@@ -3,8 +3,7 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Point2d.h>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A vertex of a polygon that also says whether the edge from it to the next vertex is to be drawn.
 /// Its file form is that of a Point2d, so the flag never reaches a file. Copies keep the flag.
@@ -21,5 +20,4 @@ class LUMIVANE_EXPORT EdgeStartPoint2d : public Point2d {
   bool hasEdge = true;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

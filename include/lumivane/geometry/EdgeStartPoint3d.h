@@ -3,8 +3,7 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Point3d.h>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A vertex of a polygon that also says whether the edge from it to the next vertex is to be drawn.
 /// Its file form is that of a Point3d, so the flag never reaches a file. Copies keep the flag.
@@ -21,5 +20,4 @@ class LUMIVANE_EXPORT EdgeStartPoint3d : public Point3d {
   bool hasEdge = true;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// One face in the picture: the numbers of its polygons in the shot's regions. No number is
 /// checked.
@@ -41,5 +40,4 @@ class LUMIVANE_EXPORT Face2d : public Base::BaseLibClass {
   std::vector<int>* regions;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -4,22 +4,26 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Face.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Face>;  // instantiated in src/geometry/Faces.cpp
+/// No class of the model has a virtual destructor, so a VFace among the faces is told apart.
+template <>
+struct LUMIVANE_EXPORT ElementTraits<Geometry::Face> {
+  /// Deletes the face as what it is: a VFace with its values, anything else as a Face.
+  static void destroyElement(Geometry::Face* face);
+};
 
-namespace Geometry {
+extern template class ElementList<Geometry::Face>;  // instantiated in src/geometry/Faces.cpp
+
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The faces of a scene object; a face number is a position here plus 1. Reading makes plain faces
-/// only. A VFace that a host adds is owned like any face and is freed with all it holds.
+/// only. A VFace that a host adds is destroyed as one.
 class LUMIVANE_EXPORT Faces : public Base::ElementList<Face> {
  public:
-  Faces();
-  Faces(const Faces&) = default;             ///< Shares the vector and its elements.
-  Faces& operator=(const Faces&) = default;  ///< Shares the vector; frees nothing.
-  ~Faces();                                  ///< Deletes the faces, then the vector.
-
-  void clear();  ///< Deletes every face and keeps the vector, now empty.
+  Faces() = default;  ///< An empty list.
 
   /// The vector itself, still the list's.
   Vector* getFaces() { return items; }
@@ -35,10 +39,6 @@ class LUMIVANE_EXPORT Faces : public Base::ElementList<Face> {
   void removeFace(int index) { erase(index); }
   /// Takes every occurrence of the pointer out; the caller owns it from now on.
   void removeFace(Face* element) { erase(element); }
-
- private:
-  void deleteValueFaces();
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

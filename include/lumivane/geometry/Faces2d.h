@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Face2d.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Face2d>;  // instantiated in
-                                                            // src/geometry/Faces2d.cpp
+extern template class ElementList<Geometry::Face2d>;  // instantiated in src/geometry/Faces2d.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The faces of an object of a shot; a face number is a position here plus 1.
 class LUMIVANE_EXPORT Faces2d : public Base::ElementList<Face2d> {
  public:
+  Faces2d() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getFaces() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -35,5 +38,4 @@ class LUMIVANE_EXPORT Faces2d : public Base::ElementList<Face2d> {
   int indexOf(Face2d* face);
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

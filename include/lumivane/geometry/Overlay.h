@@ -3,8 +3,7 @@
 #include <lumivane/base/BaseLibClass.h>
 #include <lumivane/export.h>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A reference to one face of one object, by their numbers from 1; -1 is not set. A true value.
 class LUMIVANE_EXPORT Overlay : public Base::BaseLibClass {
@@ -24,5 +23,4 @@ class LUMIVANE_EXPORT Overlay : public Base::BaseLibClass {
   int faceNumber = -1;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Overlay.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Overlay>;  // instantiated in
-                                                             // src/geometry/Overlays.cpp
+extern template class ElementList<Geometry::Overlay>;  // instantiated in src/geometry/Overlays.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The overlays of a scene object.
 class LUMIVANE_EXPORT Overlays : public Base::ElementList<Overlay> {
  public:
+  Overlays() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getOverlays() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -30,5 +33,4 @@ class LUMIVANE_EXPORT Overlays : public Base::ElementList<Overlay> {
   void removeOverlay(Overlay* element) { erase(element); }
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A group of regions of one scene object: the numbers of the regions in its Regions. No number is
 /// checked.
@@ -41,5 +40,4 @@ class LUMIVANE_EXPORT Part : public Base::BaseLibClass {
   std::vector<int>* regions;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

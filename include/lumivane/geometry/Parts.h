@@ -4,15 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Part.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Part>;  // instantiated in src/geometry/Parts.cpp
+extern template class ElementList<Geometry::Part>;  // instantiated in src/geometry/Parts.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The parts of a scene object.
 class LUMIVANE_EXPORT Parts : public Base::ElementList<Part> {
  public:
+  Parts() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getParts() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -29,5 +33,4 @@ class LUMIVANE_EXPORT Parts : public Base::ElementList<Part> {
   void removePart(Part* element) { erase(element); }
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A point of the flat plane of a shot; both coordinates lie within -1 to 1 in a finished shot,
 /// x to the right of the picture and y upward. In a file: `[x, y]`.
@@ -40,5 +39,4 @@ class LUMIVANE_EXPORT Point2d : public Base::BaseLibClass {
   double y = 0.0;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

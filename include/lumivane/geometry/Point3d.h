@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A point of a scene, in scene units; also the store of a scene's vertices. In a file:
 /// `[x, y, z]`.
@@ -43,5 +42,4 @@ class LUMIVANE_EXPORT Point3d : public Base::BaseLibClass {
   double z = 0.0;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Point2d.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Point2d>;  // instantiated in
-                                                             // src/geometry/Points2d.cpp
+extern template class ElementList<Geometry::Point2d>;  // instantiated in src/geometry/Points2d.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The points of a shot; a point number is a position here plus 1.
 class LUMIVANE_EXPORT Points2d : public Base::ElementList<Point2d> {
  public:
+  Points2d() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getPoints() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -35,5 +38,4 @@ class LUMIVANE_EXPORT Points2d : public Base::ElementList<Point2d> {
   int indexOf(Point2d* point);
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Point3d.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Point3d>;  // instantiated in
-                                                             // src/geometry/Points3d.cpp
+extern template class ElementList<Geometry::Point3d>;  // instantiated in src/geometry/Points3d.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The points of a scene; a point number is a position here plus 1.
 class LUMIVANE_EXPORT Points3d : public Base::ElementList<Point3d> {
  public:
+  Points3d() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getPoints() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -30,5 +33,4 @@ class LUMIVANE_EXPORT Points3d : public Base::ElementList<Point3d> {
   void removePoint(Point3d* element) { erase(element); }
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// One polygon of a scene object: the numbers of its points in the scene's Points3d, with the
 /// numbers of its brush and of its face. The polygon is closed implicitly. No number is checked.
@@ -63,5 +62,4 @@ class LUMIVANE_EXPORT Region : public Base::BaseLibClass {
   std::vector<int>* dockingEdges;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

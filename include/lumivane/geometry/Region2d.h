@@ -7,8 +7,7 @@
 #include <optional>
 #include <vector>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// One flat polygon of a shot: the numbers of its points in the shot's Points2d, where it came from
 /// and how it is drawn. The polygon is closed implicitly. No number is checked.
@@ -83,5 +82,4 @@ class LUMIVANE_EXPORT Region2d : public Base::BaseLibClass {
   std::optional<Base::Color> overrideColor;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

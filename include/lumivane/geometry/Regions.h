@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Region.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Geometry::Region>;  // instantiated in
-                                                            // src/geometry/Regions.cpp
+extern template class ElementList<Geometry::Region>;  // instantiated in src/geometry/Regions.cpp
 
-namespace Geometry {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Geometry {
 
 /// The polygons of a scene object; a region number is a position here plus 1.
 class LUMIVANE_EXPORT Regions : public Base::ElementList<Region> {
  public:
+  Regions() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getRegions() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -30,5 +33,4 @@ class LUMIVANE_EXPORT Regions : public Base::ElementList<Region> {
   void removeRegion(Region* element) { erase(element); }
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

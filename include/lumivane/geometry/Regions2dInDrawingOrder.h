@@ -4,16 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Region2d.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<
-    Geometry::Region2d>;  // instantiated in src/geometry/Regions2dInDrawingOrder.cpp
+extern template class ElementList<Geometry::Region2d>;  // instantiated in
+                                                        // src/geometry/Regions2dInDrawingOrder.cpp
+}  // namespace Lumivane::Base
 
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// All polygons of a shot, the first drawn first; a region number is a position here plus 1.
 class LUMIVANE_EXPORT Regions2dInDrawingOrder : public Base::ElementList<Region2d> {
  public:
+  Regions2dInDrawingOrder() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getRegions() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -30,5 +33,4 @@ class LUMIVANE_EXPORT Regions2dInDrawingOrder : public Base::ElementList<Region2
   void removeRegion(Region2d* element) { erase(element); }
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

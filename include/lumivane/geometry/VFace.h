@@ -6,8 +6,7 @@
 #include <map>
 #include <optional>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A face that carries values of numbered properties, by which a shot can colour its regions.
 ///
@@ -36,5 +35,4 @@ class LUMIVANE_EXPORT VFace : public Face {
   std::map<int, double>* propertyValues;
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -3,8 +3,7 @@
 #include <lumivane/export.h>
 #include <lumivane/geometry/Point3d.h>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 
 /// A direction in space: the data and the file form of a Point3d.
 class LUMIVANE_EXPORT Vector3d : public Point3d {
@@ -15,5 +14,4 @@ class LUMIVANE_EXPORT Vector3d : public Point3d {
   Vector3d(double xValue, double yValue, double zValue) : Point3d(xValue, yValue, zValue) {}
 };
 
-}  // namespace Geometry
-}  // namespace Lumivane
+}  // namespace Lumivane::Geometry

@@ -10,15 +10,15 @@
 #include <vtkPolyData.h>
 #include <vtkSmartPointer.h>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 class EdgeStartPoint2d;
 class Faces;
 class Overlays;
 class Parts;
 class Regions;
-}  // namespace Geometry
-namespace Scene {
+}  // namespace Lumivane::Geometry
+
+namespace Lumivane::Scene {
 
 /// One solid or surface of a scene: its regions with their faces, parts and overlays. Besides that
 /// it carries the working data of the last shot, which reaches no file.
@@ -40,17 +40,20 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   int getPenNumber() const { return penNumber; }         ///< From 1 in the scene's pens; -1 unset.
   void setPenNumber(int number) { penNumber = number; }  ///< Unchecked.
 
-  Geometry::Faces* getFaces() const { return faces; }
-  void setFaces(Geometry::Faces* value) { faces = value; }
-  Geometry::Parts* getParts() const { return parts; }
-  void setParts(Geometry::Parts* value) { parts = value; }
-  Geometry::Regions* getRegions() const { return regions; }
-  void setRegions(Geometry::Regions* value) { regions = value; }
-  Geometry::Overlays* getOverlays() const { return overlays; }
-  void setOverlays(Geometry::Overlays* value) { overlays = value; }
+  Geometry::Faces* getFaces() const { return faces; }        ///< Still the object's; may be null.
+  void setFaces(Geometry::Faces* value) { faces = value; }   ///< Takes over; frees nothing.
+  Geometry::Parts* getParts() const { return parts; }        ///< Still the object's; may be null.
+  void setParts(Geometry::Parts* value) { parts = value; }   ///< Takes over; frees nothing.
+  Geometry::Regions* getRegions() const { return regions; }  ///< Still the object's; may be null.
+  void setRegions(Geometry::Regions* value) { regions = value; }  ///< Takes over; frees nothing.
+  Geometry::Overlays* getOverlays() const {
+    return overlays;
+  }  ///< Still the object's; may be null.
+  void setOverlays(Geometry::Overlays* value) { overlays = value; }  ///< Takes over; frees nothing.
 
   /// Working data: one polydata for each region; null before a shot.
   std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsPolyData() const { return regionsPolyData; }
+  /// Stores the pointer; frees nothing.
   void setRegionsPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
     regionsPolyData = value;
   }
@@ -58,6 +61,7 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsClippedPolyData() const {
     return regionsClippedPolyData;
   }
+  /// Stores the pointer; frees nothing.
   void setRegionsClippedPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
     regionsClippedPolyData = value;
   }
@@ -65,6 +69,7 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   std::vector<std::vector<std::vector<std::vector<double>>>>* getRegionsVisiblePolygons() const {
     return regionsVisiblePolygons;
   }
+  /// Stores the pointer; frees nothing.
   void setRegionsVisiblePolygons(
       std::vector<std::vector<std::vector<std::vector<double>>>>* value) {
     regionsVisiblePolygons = value;
@@ -74,12 +79,14 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
       const {
     return regionsProjectedPolygons;
   }
+  /// Stores the pointer; frees nothing.
   void setRegionsProjectedPolygons(
       std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* value) {
     regionsProjectedPolygons = value;
   }
   /// Working data: the position, from 0, of the region that holds the camera, or -1.
   int getCameraInRegionIndex() const { return cameraInRegionIndex; }
+  /// Unchecked.
   void setCameraInRegionIndex(int index) { cameraInRegionIndex = index; }
 
   /// An object with "Id" and "Pen" where set, "PartsCount" from 0 on, and the lists not null.
@@ -104,5 +111,4 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   int cameraInRegionIndex = -1;
 };
 
-}  // namespace Scene
-}  // namespace Lumivane
+}  // namespace Lumivane::Scene

@@ -4,15 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/scene/Object.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Scene::Object>;  // instantiated in src/scene/Objects.cpp
+extern template class ElementList<Scene::Object>;  // instantiated in src/scene/Objects.cpp
 
-namespace Scene {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Scene {
 
 /// The objects of a scene; an object number is a position here plus 1.
 class LUMIVANE_EXPORT Objects : public Base::ElementList<Object> {
  public:
+  Objects() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getObjects() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -29,5 +33,4 @@ class LUMIVANE_EXPORT Objects : public Base::ElementList<Object> {
   void removeObject(Object* element) { erase(element); }
 };
 
-}  // namespace Scene
-}  // namespace Lumivane
+}  // namespace Lumivane::Scene

@@ -3,24 +3,24 @@
 #include <lumivane/base/BaseLibClass.h>
 #include <lumivane/export.h>
 
-namespace Lumivane {
-namespace Algorithm {
+namespace Lumivane::Algorithm {
 class ShotParameters;
-}
-namespace Base {
+}  // namespace Lumivane::Algorithm
+namespace Lumivane::Base {
 class Brushes;
 class Pens;
 class Properties;
 class Scales;
 class View;
-}  // namespace Base
-namespace Geometry {
+}  // namespace Lumivane::Base
+namespace Lumivane::Geometry {
 class Points3d;
-}
-namespace Shot {
+}  // namespace Lumivane::Geometry
+namespace Lumivane::Shot {
 class Shot2d;
-}
-namespace Scene {
+}  // namespace Lumivane::Shot
+
+namespace Lumivane::Scene {
 class Objects;
 
 /// What a scene file turns into and what a shot is made from: one pool of points, of brushes and of
@@ -36,18 +36,22 @@ class LUMIVANE_EXPORT Scene3D : public Base::BaseLibClass {
   Scene3D& operator=(const Scene3D&) = default;  ///< Shares the lists; frees nothing.
   ~Scene3D();                                    ///< Deletes the lists.
 
-  Base::Brushes* getBrushes() const { return brushes; }
-  void setBrushes(Base::Brushes* value) { brushes = value; }
-  Base::Pens* getPens() const { return pens; }
-  void setPens(Base::Pens* value) { pens = value; }
-  Geometry::Points3d* getPoints() const { return points; }
-  void setPoints(Geometry::Points3d* value) { points = value; }
-  Objects* getObjects() const { return objects; }
-  void setObjects(Objects* value) { objects = value; }
-  Base::Properties* getProperties() const { return properties; }
-  void setProperties(Base::Properties* value) { properties = value; }
-  Base::Scales* getScales() const { return scales; }
-  void setScales(Base::Scales* value) { scales = value; }
+  Base::Brushes* getBrushes() const { return brushes; }       ///< Still the scene's; may be null.
+  void setBrushes(Base::Brushes* value) { brushes = value; }  ///< Takes over; frees nothing.
+  Base::Pens* getPens() const { return pens; }                ///< Still the scene's; may be null.
+  void setPens(Base::Pens* value) { pens = value; }           ///< Takes over; frees nothing.
+  Geometry::Points3d* getPoints() const { return points; }    ///< Still the scene's; may be null.
+  void setPoints(Geometry::Points3d* value) { points = value; }  ///< Takes over; frees nothing.
+  Objects* getObjects() const { return objects; }       ///< Still the scene's; may be null.
+  void setObjects(Objects* value) { objects = value; }  ///< Takes over; frees nothing.
+  Base::Properties* getProperties() const {
+    return properties;
+  }  ///< Still the scene's; may be null.
+  void setProperties(Base::Properties* value) {
+    properties = value;
+  }                                                        ///< Takes over; frees nothing.
+  Base::Scales* getScales() const { return scales; }       ///< Still the scene's; may be null.
+  void setScales(Base::Scales* value) { scales = value; }  ///< Takes over; frees nothing.
 
   /// An object with a key for each list that is not null.
   Jzon::Node serialize() override;
@@ -75,5 +79,4 @@ class LUMIVANE_EXPORT Scene3D : public Base::BaseLibClass {
   Base::Scales* scales = nullptr;
 };
 
-}  // namespace Scene
-}  // namespace Lumivane
+}  // namespace Lumivane::Scene

@@ -6,11 +6,11 @@
 #include <string>
 #include <utility>
 
-namespace Lumivane {
-namespace Geometry {
+namespace Lumivane::Geometry {
 class Faces2d;
-}
-namespace Shot {
+}  // namespace Lumivane::Geometry
+
+namespace Lumivane::Shot {
 
 /// A scene object as a shot sees it: its id and its faces.
 ///
@@ -37,5 +37,4 @@ class LUMIVANE_EXPORT Object2d : public Base::BaseLibClass {
   Geometry::Faces2d* faces = nullptr;
 };
 
-}  // namespace Shot
-}  // namespace Lumivane
+}  // namespace Lumivane::Shot

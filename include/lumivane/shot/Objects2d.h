@@ -4,15 +4,19 @@
 #include <lumivane/export.h>
 #include <lumivane/shot/Object2d.h>
 
-namespace Lumivane {
+namespace Lumivane::Base {
 
-extern template class Base::ElementList<Shot::Object2d>;  // instantiated in src/shot/Objects2d.cpp
+extern template class ElementList<Shot::Object2d>;  // instantiated in src/shot/Objects2d.cpp
 
-namespace Shot {
+}  // namespace Lumivane::Base
+
+namespace Lumivane::Shot {
 
 /// The objects of a shot; an object number is a position here plus 1.
 class LUMIVANE_EXPORT Objects2d : public Base::ElementList<Object2d> {
  public:
+  Objects2d() = default;  ///< An empty list.
+
   /// The vector itself, still the list's.
   Vector* getObjects() { return items; }
   /// Takes over the vector and its elements; frees nothing.
@@ -29,5 +33,4 @@ class LUMIVANE_EXPORT Objects2d : public Base::ElementList<Object2d> {
   void removeObject(Object2d* element) { erase(element); }
 };
 
-}  // namespace Shot
-}  // namespace Lumivane
+}  // namespace Lumivane::Shot

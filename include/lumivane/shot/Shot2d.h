@@ -3,19 +3,19 @@
 #include <lumivane/base/BaseLibClass.h>
 #include <lumivane/export.h>
 
-namespace Lumivane {
-namespace Base {
+namespace Lumivane::Base {
 class Brushes;
 class Pens;
 class Property;
 class Scale;
 class View;
-}  // namespace Base
-namespace Geometry {
+}  // namespace Lumivane::Base
+namespace Lumivane::Geometry {
 class Points2d;
 class Regions2dInDrawingOrder;
-}  // namespace Geometry
-namespace Shot {
+}  // namespace Lumivane::Geometry
+
+namespace Lumivane::Shot {
 class Objects2d;
 
 /// A flat vector picture of a scene: a pool of points, brushes and pens, all polygons in the order
@@ -33,22 +33,26 @@ class LUMIVANE_EXPORT Shot2d : public Base::BaseLibClass {
   Shot2d& operator=(const Shot2d&) = default;  ///< Shares them; frees nothing.
   ~Shot2d();                                   ///< Deletes everything but the view.
 
-  Base::Brushes* getBrushes() const { return brushes; }
-  void setBrushes(Base::Brushes* value) { brushes = value; }
-  Base::Pens* getPens() const { return pens; }
-  void setPens(Base::Pens* value) { pens = value; }
-  Geometry::Points2d* getPoints() const { return points; }
-  void setPoints(Geometry::Points2d* value) { points = value; }
-  Geometry::Regions2dInDrawingOrder* getRegions() const { return regions; }
-  void setRegions(Geometry::Regions2dInDrawingOrder* value) { regions = value; }
-  Objects2d* getObjects() const { return objects; }
-  void setObjects(Objects2d* value) { objects = value; }
-  Base::Scale* getScale() const { return scale; }
-  void setScale(Base::Scale* value) { scale = value; }
-  Base::Property* getProperty() const { return property; }
-  void setProperty(Base::Property* value) { property = value; }
-  Base::View* getView() const { return view; }       ///< The caller's.
-  void setView(Base::View* value) { view = value; }  ///< Borrowed, never deleted.
+  Base::Brushes* getBrushes() const { return brushes; }          ///< Still the shot's; may be null.
+  void setBrushes(Base::Brushes* value) { brushes = value; }     ///< Takes over; frees nothing.
+  Base::Pens* getPens() const { return pens; }                   ///< Still the shot's; may be null.
+  void setPens(Base::Pens* value) { pens = value; }              ///< Takes over; frees nothing.
+  Geometry::Points2d* getPoints() const { return points; }       ///< Still the shot's; may be null.
+  void setPoints(Geometry::Points2d* value) { points = value; }  ///< Takes over; frees nothing.
+  Geometry::Regions2dInDrawingOrder* getRegions() const {
+    return regions;
+  }  ///< Still the shot's; may be null.
+  void setRegions(Geometry::Regions2dInDrawingOrder* value) {
+    regions = value;
+  }                                                              ///< Takes over; frees nothing.
+  Objects2d* getObjects() const { return objects; }              ///< Still the shot's; may be null.
+  void setObjects(Objects2d* value) { objects = value; }         ///< Takes over; frees nothing.
+  Base::Scale* getScale() const { return scale; }                ///< Still the shot's; may be null.
+  void setScale(Base::Scale* value) { scale = value; }           ///< Takes over; frees nothing.
+  Base::Property* getProperty() const { return property; }       ///< Still the shot's; may be null.
+  void setProperty(Base::Property* value) { property = value; }  ///< Takes over; frees nothing.
+  Base::View* getView() const { return view; }                   ///< The caller's.
+  void setView(Base::View* value) { view = value; }              ///< Borrowed, never deleted.
 
   /// An object with a key for each list that is not null.
   Jzon::Node serialize() override;
@@ -69,5 +73,4 @@ class LUMIVANE_EXPORT Shot2d : public Base::BaseLibClass {
   Base::View* view = nullptr;
 };
 
-}  // namespace Shot
-}  // namespace Lumivane
+}  // namespace Lumivane::Shot
