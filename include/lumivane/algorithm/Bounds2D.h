@@ -14,21 +14,22 @@ class LUMIVANE_EXPORT Bounds2D {
  public:
   /// The default bound.
   Bounds2D();
-  Bounds2D(double xMin, double xMax, double yMin, double yMax);
+  Bounds2D(double xMinValue, double xMaxValue, double yMinValue, double yMaxValue)
+      : xMin(xMinValue), xMax(xMaxValue), yMin(yMinValue), yMax(yMaxValue) {}
   Bounds2D(const Bounds2D& other) = default;
   Bounds2D& operator=(const Bounds2D& other) = default;
   /// The union of `bounds`; the default bound if there are none. A value that is not a number is
   /// never taken in.
   explicit Bounds2D(const std::vector<Bounds2D>& bounds);
 
-  double getXMin() const;
-  void setXMin(double value);
-  double getXMax() const;
-  void setXMax(double value);
-  double getYMin() const;
-  void setYMin(double value);
-  double getYMax() const;
-  void setYMax(double value);
+  double getXMin() const { return xMin; }
+  void setXMin(double value) { xMin = value; }
+  double getXMax() const { return xMax; }
+  void setXMax(double value) { xMax = value; }
+  double getYMin() const { return yMin; }
+  void setYMin(double value) { yMin = value; }
+  double getYMax() const { return yMax; }
+  void setYMax(double value) { yMax = value; }
 
   /// The bounds of a list of points.
   ///

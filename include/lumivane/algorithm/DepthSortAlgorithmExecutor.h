@@ -32,10 +32,8 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   DepthSortAlgorithmExecutor(const DepthSortAlgorithmExecutor&) = delete;
   DepthSortAlgorithmExecutor& operator=(const DepthSortAlgorithmExecutor&) = delete;
 
-  /// The scene that the shot was made from; stays the caller's.
-  void setScene(Scene::Scene3D* value);
-  /// The shot to be ordered; stays the caller's.
-  void setShot(Shot::Shot2d* value);
+  void setScene(Scene::Scene3D* value) { scene = value; }  ///< What the shot was made from.
+  void setShot(Shot::Shot2d* value) { shot = value; }      ///< What is to be ordered.
 
   /// Orders the shot. Its regions are replaced by copies in drawing order, and the faces of every
   /// object by one new face per drawn face, in drawing order; hidden faces and faces without points
@@ -72,10 +70,10 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   IntersectionType getPolygonsIntersectionType(Polygon* first, Polygon* second);
   int checkPolygonsLocation(const Polygon& first, const Polygon& second);
 
-  std::vector<ObjectData*>* objectDataList;
+  std::vector<ObjectData*>* objectDataList = nullptr;
   std::vector<std::vector<int>>* classificationMatrix;
-  Scene::Scene3D* scene;
-  Shot::Shot2d* shot;
+  Scene::Scene3D* scene = nullptr;
+  Shot::Shot2d* shot = nullptr;
 };
 
 }  // namespace Lumivane::Algorithm

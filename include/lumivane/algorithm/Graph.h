@@ -13,8 +13,7 @@ namespace Lumivane::Algorithm {
 /// A node is a string and exists only as an end of some edge. Sorting consumes the edges.
 class LUMIVANE_EXPORT Graph {
  public:
-  /// A graph without edges.
-  Graph();
+  Graph() = default;  ///< A graph without edges.
   /// One edge per row, in the order of the rows: from element 0 to element 1 of the row. Further
   /// elements are ignored.
   ///
@@ -53,7 +52,7 @@ class LUMIVANE_EXPORT Graph {
 
  private:
   std::vector<Edge> edges;
-  std::string logFileName;
+  std::string logFileName = "log_sort.txt";
 };
 
 }  // namespace Lumivane::Algorithm

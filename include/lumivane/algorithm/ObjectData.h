@@ -3,6 +3,7 @@
 #include <lumivane/export.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Lumivane::Geometry {
@@ -35,28 +36,28 @@ class LUMIVANE_EXPORT ObjectData {
   ObjectData& operator=(const ObjectData& other) = default;
 
   /// The decimal text of a running number, unique in the process.
-  std::string getId() const;
+  std::string getId() const { return id; }
 
   /// The id of the object of the shot, and so of the scene, that the face belongs to.
-  std::string getSourceObject() const;
-  void setSourceObject(std::string value);
+  std::string getSourceObject() const { return sourceObject; }
+  void setSourceObject(std::string value) { sourceObject = std::move(value); }
 
-  Regions* getSourceRegions() const;
-  void setSourceRegions(Regions* value);
+  Regions* getSourceRegions() const { return sourceRegions; }
+  void setSourceRegions(Regions* value) { sourceRegions = value; }
 
-  SourcePolygons* getSourcePolygons() const;
-  void setSourcePolygons(SourcePolygons* value);
+  SourcePolygons* getSourcePolygons() const { return sourcePolygons; }
+  void setSourcePolygons(SourcePolygons* value) { sourcePolygons = value; }
 
-  ProjectedPolygons* getProjectedPolygons() const;
+  ProjectedPolygons* getProjectedPolygons() const { return projectedPolygons; }
   /// Stores the pointer, then calls `calculateProjectedBounds2D`.
   void setProjectedPolygons(ProjectedPolygons* value);
 
-  Bounds2D* getProjectedBounds() const;
-  void setProjectedBounds(Bounds2D* value);
+  Bounds2D* getProjectedBounds() const { return projectedBounds; }
+  void setProjectedBounds(Bounds2D* value) { projectedBounds = value; }
 
   /// Place in the drawing order, from 1; -1 while unset.
-  int getDepthIndex() const;
-  void setDepthIndex(int value);
+  int getDepthIndex() const { return depthIndex; }
+  void setDepthIndex(int value) { depthIndex = value; }
 
   /// Sets the projected bounds to a new object, the union of the polygons' bounds, in which a
   /// polygon without bounds counts as a default bound. Without polygons they stay unchanged. An
@@ -71,11 +72,11 @@ class LUMIVANE_EXPORT ObjectData {
 
   std::string id;
   std::string sourceObject;
-  Regions* sourceRegions;
-  SourcePolygons* sourcePolygons;
-  ProjectedPolygons* projectedPolygons;
-  Bounds2D* projectedBounds;
-  int depthIndex;
+  Regions* sourceRegions = nullptr;
+  SourcePolygons* sourcePolygons = nullptr;
+  ProjectedPolygons* projectedPolygons = nullptr;
+  Bounds2D* projectedBounds = nullptr;
+  int depthIndex = -1;
 };
 
 }  // namespace Lumivane::Algorithm

@@ -15,10 +15,9 @@ class LUMIVANE_EXPORT ProjectedPolygonData {
  public:
   using Points = std::vector<std::vector<double>>;
 
-  /// Without points and bounds.
-  ProjectedPolygonData();
+  ProjectedPolygonData() = default;  ///< Without points and bounds.
 
-  Points* getPoints() const;
+  Points* getPoints() const { return points; }
   /// Stores the pointer and frees nothing. If it is not null and the list is not empty, `bounds`
   /// becomes a new object around the points; otherwise it stays as it was.
   ///
@@ -26,13 +25,12 @@ class LUMIVANE_EXPORT ProjectedPolygonData {
   /// \throws std::out_of_range "invalid vector subscript" if a point has fewer than 2 coordinates
   void setPoints(Points* value);
 
-  Bounds2D* getBounds() const;
-  /// Stores the pointer and frees nothing.
-  void setBounds(Bounds2D* value);
+  Bounds2D* getBounds() const { return bounds; }
+  void setBounds(Bounds2D* value) { bounds = value; }  ///< Stores it; frees nothing.
 
  private:
-  Points* points;
-  Bounds2D* bounds;
+  Points* points = nullptr;
+  Bounds2D* bounds = nullptr;
 };
 
 }  // namespace Lumivane::Algorithm

@@ -1,0 +1,219 @@
+// The frame of the depth sort: what is ordered, and the order of the steps. The chapters:
+// DepthSortClassify.cpp decides one cell for every pair of objects, with the tests of
+// DepthSortRelations.cpp; DepthSortOrder.cpp makes one order of the cells and rewrites the shot.
+//
+// The shot is only read until the order is known, so an exception leaves it as it was.
+
+#include "algorithm/SortObjects.h"
+#include "utils/Shapes.h"
+
+#include <lumivane/algorithm/Bounds2D.h>
+#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
+#include <lumivane/algorithm/ObjectData.h>
+#include <lumivane/algorithm/ProjectedPolygonData.h>
+#include <lumivane/cmd/Log.h>
+#include <lumivane/geometry/Face2d.h>
+#include <lumivane/geometry/Faces2d.h>
+#include <lumivane/geometry/Point2d.h>
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region.h>
+#include <lumivane/geometry/Region2d.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+namespace Lumivane::Algorithm {
+namespace {
+
+using Points = ProjectedPolygonData::Points;
+
+// The index of a number that counts from 1. The smallest int becomes the largest: no index at all,
+// too, and no overflow.
+int indexOfNumber(int number) { return static_cast<int>(static_cast<unsigned>(number) - 1U); }
+
+template <class T>
+T& existing(T* pointer) {
+  if (pointer == nullptr) Utils::throwInvalidSubscript();
+  return *pointer;
+}
+
+// The coordinates of points by number. The list of points throws on a number that it does not hold.
+template <class PointList>
+std::unique_ptr<Points> pointsByNumber(const std::vector<int>* numbers, PointList* points) {
+  auto result = std::make_unique<Points>();
+  if (numbers == nullptr) return result;
+  result->reserve(numbers->size());
+  for (const int number : *numbers)
+    result->push_back(existing(existing(points).getPoint(indexOfNumber(number))).toVector());
+  return result;
+}
+
+struct ReleaseRegions {
+  void operator()(ObjectData::Regions* regions) const {
+    for (const Geometry::Region2d* region : *regions) delete region;
+    delete regions;
+  }
+};
+
+struct ReleasePolygons {
+  void operator()(ObjectData::ProjectedPolygons* polygons) const {
+    for (const ProjectedPolygonData* polygon : *polygons) {
+      delete polygon->getPoints();
+      delete polygon->getBounds();
+      delete polygon;
+    }
+    delete polygons;
+  }
+};
+
+using OwnedRegions = std::unique_ptr<ObjectData::Regions, ReleaseRegions>;
+using OwnedPolygons = std::unique_ptr<ObjectData::ProjectedPolygons, ReleasePolygons>;
+using OwnedSources = std::unique_ptr<ObjectData::SourcePolygons>;
+
+// The lists of one face while they grow.
+struct FaceLists {
+  OwnedRegions regions{new ObjectData::Regions()};
+  OwnedSources sources{new ObjectData::SourcePolygons()};
+  OwnedPolygons polygons{new ObjectData::ProjectedPolygons()};
+};
+
+// Where the numbers of faces and regions lead to.
+struct Pools {
+  const std::vector<Geometry::Region2d*>& regions;
+  Geometry::Points2d* planePoints;
+  Geometry::Points3d* scenePoints;
+};
+
+const Geometry::Region2d& addCopy(FaceLists& lists, const Geometry::Region2d& region) {
+  lists.regions->push_back(nullptr);
+  lists.regions->back() = new Geometry::Region2d(region);
+  return *lists.regions->back();
+}
+
+void addPolygon(FaceLists& lists, std::unique_ptr<Points> points) {
+  lists.polygons->push_back(new ProjectedPolygonData());
+  lists.polygons->back()->setPoints(points.release());
+}
+
+// One piece of a face. A region without points stays in the list of regions all the same, which
+// then is longer than the two lists of polygons.
+void addPiece(FaceLists& lists, int regionNumber, const Pools& pools, const Scene::Object* object) {
+  const auto position = static_cast<std::size_t>(indexOfNumber(regionNumber));
+  if (position >= pools.regions.size()) Utils::throwInvalidSubscript();
+  const Geometry::Region2d& region = addCopy(lists, existing(pools.regions[position]));
+
+  std::unique_ptr<Points> points = pointsByNumber(region.getPoints(), pools.planePoints);
+  if (points->empty()) return;
+  addPolygon(lists, std::move(points));
+
+  Geometry::Regions& sourceRegions = existing(existing(object).getRegions());
+  const Geometry::Region& source =
+      existing(sourceRegions.getRegion(indexOfNumber(region.getSourceRegionNumber())));
+  const std::unique_ptr<Points> corners = pointsByNumber(source.getPoints(), pools.scenePoints);
+  if (!corners->empty()) lists.sources->push_back(std::move(*corners));
+}
+
+// The object of a face, which takes the lists over; null if the face has no polygon.
+std::unique_ptr<ObjectData> objectOf(const Geometry::Face2d& face, const Pools& pools,
+                                     const Shot::Object2d& shotObject,
+                                     const Scene::Object* sceneObject) {
+  FaceLists lists;
+  if (face.getRegions() != nullptr)
+    for (const int number : *face.getRegions()) addPiece(lists, number, pools, sceneObject);
+  if (lists.polygons->empty()) return nullptr;
+
+  auto object = std::make_unique<ObjectData>();
+  object->setSourceObject(shotObject.getId());
+  object->setProjectedPolygons(lists.polygons.release());  // computes the bounds as well
+  object->setSourcePolygons(lists.sources.release());
+  object->setSourceRegions(lists.regions.release());
+  return object;
+}
+
+// The first object of each id.
+std::unordered_map<std::string, const Scene::Object*> objectsById(Scene::Objects* objects) {
+  std::unordered_map<std::string, const Scene::Object*> result;
+  for (const Scene::Object* object : elementsOf(objects, &Scene::Objects::getObjects))
+    if (object != nullptr) result.emplace(object->getId(), object);
+  return result;
+}
+
+}  // namespace
+
+void releaseSortObject(ObjectData* object) {
+  OwnedRegions{object->getSourceRegions()};
+  OwnedPolygons{object->getProjectedPolygons()};
+  OwnedSources{object->getSourcePolygons()};
+  delete object->getProjectedBounds();
+  delete object;
+}
+
+DepthSortAlgorithmExecutor::DepthSortAlgorithmExecutor()
+    : classificationMatrix(new std::vector<std::vector<int>>()) {}
+
+DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
+  releaseObjectDataList();
+  delete classificationMatrix;
+}
+
+void DepthSortAlgorithmExecutor::run() {
+  Cmd::logMessage("Calculating objects order\n\n");
+  if (scene == nullptr || shot == nullptr) return;
+  fillObjectDataList();
+  classifyObjects();
+  calculateObjectsOrder();
+}
+
+void DepthSortAlgorithmExecutor::fillObjectDataList() {
+  if (scene == nullptr || shot == nullptr) return;
+  releaseObjectDataList();
+  objectDataList = new std::vector<ObjectData*>();
+
+  const auto sources = objectsById(scene->getObjects());
+  const Pools pools{elementsOf(shot->getRegions(), &Geometry::Regions2dInDrawingOrder::getRegions),
+                    shot->getPoints(), scene->getPoints()};
+  for (const Shot::Object2d* object :
+       elementsOf(shot->getObjects(), &Shot::Objects2d::getObjects)) {
+    if (object == nullptr) continue;
+    const auto source = sources.find(object->getId());
+    for (const Geometry::Face2d* face :
+         elementsOf(object->getFaces(), &Geometry::Faces2d::getFaces)) {
+      if (face == nullptr) continue;
+      std::unique_ptr<ObjectData> data =
+          objectOf(*face, pools, *object, source == sources.end() ? nullptr : source->second);
+      if (data == nullptr) continue;
+      objectDataList->push_back(data.get());
+      data.release();
+    }
+  }
+  const std::size_t count = objectDataList->size();
+  if (count != 0)
+    classificationMatrix->resize(classificationMatrix->size() + count, std::vector<int>(count, 0));
+}
+
+void DepthSortAlgorithmExecutor::classifyObjects() {
+  if (scene != nullptr && shot != nullptr) classifyObjectsByBoundingBoxes();
+}
+
+// Nobody outside can hold a pointer to what the list refers to, except to the regions that became
+// the shot's; those have left their lists by then.
+void DepthSortAlgorithmExecutor::releaseObjectDataList() {
+  if (objectDataList == nullptr) return;
+  for (ObjectData* object : *objectDataList) releaseSortObject(object);
+  delete objectDataList;
+  objectDataList = nullptr;
+}
+
+}  // namespace Lumivane::Algorithm
