@@ -16,9 +16,9 @@ inline double toRadians(double degrees) { return degrees * Pi / 180.0; }
 /// `value` rounded to 1 to 6 decimals, halves away from zero; more digits count as 6, and with 0
 /// or fewer the value comes back as it is.
 inline double roundD(double value, int digits) {
-  constexpr double Scales[] = {10.0, 100.0, 1000.0, 10000.0, 100000.0, 1000000.0};
+  constexpr double scales[] = {10.0, 100.0, 1000.0, 10000.0, 100000.0, 1000000.0};
   if (digits <= 0) return value;
-  const double scale = Scales[digits > 6 ? 5 : digits - 1];
+  const double scale = scales[digits > 6 ? 5 : digits - 1];
   return std::round(scale * value) / scale;
 }
 

@@ -20,6 +20,7 @@ void parse(std::initializer_list<std::string> options) {
   std::vector<std::string> texts = {"-if=program"};
   texts.insert(texts.end(), options);
   std::vector<char*> argv;
+  argv.reserve(texts.size());
   for (std::string& text : texts) argv.push_back(text.data());
   CmdManager::parseArgs(static_cast<int>(argv.size()), argv.data());
 }

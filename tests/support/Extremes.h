@@ -12,7 +12,7 @@
 namespace Lumivane::Test {
 
 inline double anyDouble(std::mt19937_64& random) {
-  constexpr double Extremes[] = {0.0,
+  constexpr double extremes[] = {0.0,
                                  -0.0,
                                  1e200,
                                  -1e200,
@@ -24,7 +24,7 @@ inline double anyDouble(std::mt19937_64& random) {
                                  -std::numeric_limits<double>::infinity(),
                                  std::numeric_limits<double>::quiet_NaN()};
   const std::uint64_t kind = random() % 20;
-  if (kind == 0) return Extremes[random() % (sizeof Extremes / sizeof Extremes[0])];
+  if (kind == 0) return extremes[random() % (sizeof extremes / sizeof extremes[0])];
   if (kind < 8) return static_cast<double>(static_cast<int>(random() % 5) - 2);
   return std::uniform_real_distribution<double>(-5.0, 5.0)(random);
 }
