@@ -11,6 +11,7 @@ namespace Lumivane::Cmd {
 /// guarded: call parseArgs before any other work.
 class LUMIVANE_EXPORT CmdManager {
  public:
+  /// Does nothing: there is no state but the static one.
   CmdManager() = default;
 
   /// Reads options of the form name=value into the settings; a later one overrides an earlier one.

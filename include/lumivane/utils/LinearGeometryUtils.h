@@ -31,9 +31,13 @@ class LUMIVANE_EXPORT LinearGeometryUtils {
   /// \throws std::out_of_range if v has fewer than 3 elements
   static std::vector<double> getNormalizedVector3D(std::vector<double> v);
 
+  /// The length of a vector of 3.
+  ///
   /// \throws std::out_of_range if v has fewer than 3 elements
   static double getVectorLenght3D(std::vector<double> v);
 
+  /// The length of a vector of 2.
+  ///
   /// \throws std::out_of_range if v has fewer than 2 elements
   static double getVectorLenght2D(std::vector<double> v);
 
@@ -115,7 +119,10 @@ class LUMIVANE_EXPORT LinearGeometryUtils {
   /// unchanged, and 6 is the most: more count as 6.
   static double roundD(double value, int digits);
 
+  /// An angle in radians, in degrees.
   static double toDegrees(double radians);
+
+  /// An angle in degrees, in radians.
   static double toRadians(double degrees);
 };
 

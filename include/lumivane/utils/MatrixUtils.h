@@ -21,27 +21,35 @@ class LUMIVANE_EXPORT MatrixUtils {
   static std::vector<double> multiplyVector3OnMatrix3(std::vector<double> v,
                                                       std::vector<std::vector<double>> m);
 
-  /// \return the determinant of a matrix of 3 rows of 3; 0.0 on a wrong shape, without a message
+  /// The determinant of a matrix.
+  ///
+  /// \param m  3 rows of 3
+  /// \return 0.0 on a wrong shape, without a message
   static double getDeterminant3(std::vector<std::vector<double>> m);
 
   /// The matrix of algebraic complements, but for one element: that of row 0, column 1 is
   /// -(m22 * m10 - m20 - m12), with a subtraction where a product would be.
   ///
-  /// \return 3 rows of 3; empty, with a message, unless m has 3 rows of 3
+  /// \param m  3 rows of 3
+  /// \return 3 rows of 3; empty, with a message, on a wrong shape
   static std::vector<std::vector<double>> getMatrixOfAlgebraicComplements3(
       std::vector<std::vector<double>> m);
 
-  /// \return m with rows and columns exchanged; empty, with a message, unless m has 3 rows of 3
+  /// The matrix with rows and columns exchanged.
+  ///
+  /// \param m  3 rows of 3
+  /// \return 3 rows of 3; empty, with a message, on a wrong shape
   static std::vector<std::vector<double>> getTransposedMatrix3(std::vector<std::vector<double>> m);
 
-  /// \return each element times s; any shape is taken and kept
+  /// Each element times s, in spite of the name for a matrix of any shape, which is kept.
   static std::vector<std::vector<double>> getMatrixMultipliedOnScalar3(
       std::vector<std::vector<double>> m, double s);
 
-  /// \return each element times s; any size is taken
+  /// Each element times s, for a vector of any size.
   static std::vector<double> getVectorMultipliedOnScalar(std::vector<double> v, double s);
 
-  /// \return each element divided by s; v unchanged if s is exactly 0.0. Any size is taken
+  /// Each element divided by s, for a vector of any size; the vector unchanged, without a message,
+  /// if s is exactly 0.0.
   static std::vector<double> getVectorDividedOnScalar(std::vector<double> v, double s);
 
   /// A matrix divided by its determinant. In spite of the name this is not the inverse, except for

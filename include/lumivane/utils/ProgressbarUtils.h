@@ -21,17 +21,23 @@ class LUMIVANE_EXPORT ProgressbarUtils {
 
   /// Adds 1 to the count of objects done.
   void increaseHandledObjectsCounter();
+  /// The count of objects done.
   int getHandledObjectsCount();
+
+  /// The count of objects in all.
   int getTotalObjectsCount();
+  /// Sets the count of objects in all.
   void setTotalObjectsCount(int count);
 
   /// Free text of the current stage.
   std::string getStatus();
+  /// Sets the text of the current stage.
   void setStatus(std::string text);
 
   /// The percentage of the whole shot, from 0 to 100. A finished shot leaves it at its last value,
   /// below 100.
   double getProgress();
+  /// Sets the percentage; it is not checked.
   void setProgress(double percent);
   /// Adds to the percentage.
   void increaseProgress(double percent);
