@@ -46,9 +46,8 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   void setParts(Geometry::Parts* value) { parts = value; }   ///< Takes over; frees nothing.
   Geometry::Regions* getRegions() const { return regions; }  ///< Still the object's; may be null.
   void setRegions(Geometry::Regions* value) { regions = value; }  ///< Takes over; frees nothing.
-  Geometry::Overlays* getOverlays() const {
-    return overlays;
-  }  ///< Still the object's; may be null.
+  /// Still the object's; may be null.
+  Geometry::Overlays* getOverlays() const { return overlays; }
   void setOverlays(Geometry::Overlays* value) { overlays = value; }  ///< Takes over; frees nothing.
 
   /// Working data: one polydata for each region; null before a shot.

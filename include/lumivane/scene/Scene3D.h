@@ -44,9 +44,8 @@ class LUMIVANE_EXPORT Scene3D : public Base::BaseLibClass {
   void setPoints(Geometry::Points3d* value) { points = value; }  ///< Takes over; frees nothing.
   Objects* getObjects() const { return objects; }       ///< Still the scene's; may be null.
   void setObjects(Objects* value) { objects = value; }  ///< Takes over; frees nothing.
-  Base::Properties* getProperties() const {
-    return properties;
-  }  ///< Still the scene's; may be null.
+  /// Still the scene's; may be null.
+  Base::Properties* getProperties() const { return properties; }
   void setProperties(Base::Properties* value) {
     properties = value;
   }                                                        ///< Takes over; frees nothing.

@@ -39,9 +39,8 @@ class LUMIVANE_EXPORT Shot2d : public Base::BaseLibClass {
   void setPens(Base::Pens* value) { pens = value; }              ///< Takes over; frees nothing.
   Geometry::Points2d* getPoints() const { return points; }       ///< Still the shot's; may be null.
   void setPoints(Geometry::Points2d* value) { points = value; }  ///< Takes over; frees nothing.
-  Geometry::Regions2dInDrawingOrder* getRegions() const {
-    return regions;
-  }  ///< Still the shot's; may be null.
+  /// Still the shot's; may be null.
+  Geometry::Regions2dInDrawingOrder* getRegions() const { return regions; }
   void setRegions(Geometry::Regions2dInDrawingOrder* value) {
     regions = value;
   }                                                              ///< Takes over; frees nothing.

@@ -1,0 +1,9 @@
+#include "base/ElementList.ipp"
+
+#include <lumivane/geometry/Overlays.h>
+
+namespace Lumivane::Base {
+
+template class ElementList<Geometry::Overlay>;
+
+}  // namespace Lumivane::Base
