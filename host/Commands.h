@@ -1,0 +1,20 @@
+#pragma once
+
+namespace Lumivane::Host {
+
+struct Json5Options;
+struct ShotOptions;
+struct ShowOptions;
+
+/// The commands. Each throws HostError when it cannot be done.
+
+/// Makes a shot of a scene; writes the shot, a picture and statistics as far as asked for.
+void runShot(const ShotOptions& options);
+
+/// Opens the two windows on a scene and a shot, and returns when they are closed.
+void runShow(const ShowOptions& options);
+
+/// Converts JSON5 to JSON.
+void runJson5(const Json5Options& options);
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,41 @@
+#include "Commands.h"
+#include "HostError.h"
+#include "Input.h"
+#include "Options.h"
+#include "Output.h"
+
+#include <lumivane/io/DataReader.h>
+#include <lumivane/jzon/Node.h>
+#include <lumivane/jzon/Parser.h>
+
+#include <iostream>
+
+namespace Lumivane::Host {
+namespace {
+
+// Infinity and NaN have a JSON5 form but no JSON form.
+void warnIfNoJson(const std::string& file, const std::string& json) {
+  Jzon::Parser parser;
+  if (parser.parseString(json).isValid()) return;
+  std::cerr << "lumivane: " << oneLine(file)
+            << ": warning: the result is no JSON: " << oneLine(parser.getError()) << std::endl;
+}
+
+void writeStandardOutput(const std::string& text) {
+  std::cout << text << std::flush;
+  if (!std::cout) throw HostError("standard output", "cannot be written");
+}
+
+}  // namespace
+
+void runJson5(const Json5Options& options) {
+  const std::string json = IO::DataReader().Json5_to_Json(readBytes(options.file));
+  if (json.empty()) throw HostError(options.file, "cannot be converted");
+  warnIfNoJson(options.file, json);
+  if (options.out.empty())
+    writeStandardOutput(json + "\n");
+  else
+    writeFile(options.out, json + "\n");
+}
+
+}  // namespace Lumivane::Host

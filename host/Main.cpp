@@ -1,0 +1,66 @@
+#include "Commands.h"
+#include "HostError.h"
+#include "Options.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace Lumivane::Host {
+namespace {
+
+enum ExitStatus : int { Done = 0, Failed = 1, WrongArguments = 2 };
+
+int fail(ExitStatus status, const std::string& text) {
+  std::cout.flush();
+  std::fflush(stdout);
+  std::cerr << "lumivane: " << oneLine(text) << std::endl;
+  return status;
+}
+
+int run(const std::vector<std::string>& arguments) {
+  CLI::App app("Makes flat vector pictures of what one eye sees of a scene.", "lumivane");
+  app.set_version_flag("--version", "lumivane " LUMIVANE_VERSION);
+  app.require_subcommand(1);
+
+  ShotOptions shot;
+  ShowOptions show;
+  Json5Options json5;
+  setShotOptions(*app.add_subcommand("shot", "Make a shot of a scene, as a file and as a picture"),
+                 shot);
+  CLI::App* const showCommand =
+      app.add_subcommand("show", "Show a scene and a shot in two windows");
+  setShowOptions(*showCommand, show);
+  setJson5Options(*app.add_subcommand("json5", "Convert JSON5 to JSON"), json5);
+
+  try {
+    std::vector<std::string> reversed = joinedVectorOptions(arguments);
+    std::reverse(reversed.begin(), reversed.end());
+    app.parse(reversed);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+    return fail(WrongArguments, std::string(error.what()) + " (see --help)");
+  }
+  show.viewGiven = viewWasGiven(*showCommand);
+
+  if (app.got_subcommand("shot")) runShot(shot);
+  if (app.got_subcommand("show")) runShow(show);
+  if (app.got_subcommand("json5")) runJson5(json5);
+  return Done;
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
+
+int main(int argc, char** argv) {
+  using namespace Lumivane::Host;
+  try {
+    return run({argv + (argc > 0 ? 1 : 0), argv + argc});
+  } catch (const std::exception& error) {
+    return fail(Failed, error.what());
+  }
+}

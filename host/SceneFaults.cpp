@@ -1,0 +1,134 @@
+#include "SceneFaults.h"
+
+#include "Options.h"
+
+#include <lumivane/base/Brushes.h>
+#include <lumivane/base/Pens.h>
+#include <lumivane/base/Properties.h>
+#include <lumivane/base/Scales.h>
+#include <lumivane/geometry/Faces.h>
+#include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region2d.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <vector>
+
+namespace Lumivane::Host {
+namespace {
+
+template <class Vector>
+size_t count(const Vector* vector) {
+  return vector == nullptr ? 0 : vector->size();
+}
+
+bool isNumberOf(int number, size_t count) {
+  return number >= 1 && static_cast<size_t>(number) <= count;
+}
+
+// "point 9, but there are 1 to 8"
+std::string wrong(const std::string& what, int number, size_t count) {
+  return what + " " + std::to_string(number) + ", but there are " +
+         (count == 0 ? "none" : "1 to " + std::to_string(count));
+}
+
+std::string regionFault(Geometry::Region& region, size_t points, size_t faces) {
+  if (region.getPoints() != nullptr)
+    for (const int number : *region.getPoints())
+      if (!isNumberOf(number, points)) return wrong("point", number, points);
+  if (region.getDockingEdges() != nullptr)
+    for (const int number : *region.getDockingEdges())
+      if (number < 1) return "docking edge " + std::to_string(number) + ", but they count from 1";
+  if (!isNumberOf(region.getFaceNumber(), faces))
+    return wrong("face", region.getFaceNumber(), faces);
+  return "";
+}
+
+std::string objectFault(Scene::Object& object, size_t points) {
+  if (object.getRegions() == nullptr) return "";
+  const auto* const regions = object.getRegions()->getRegions();
+  const size_t faces = object.getFaces() == nullptr ? 0 : count(object.getFaces()->getFaces());
+  for (size_t i = 0; i < count(regions); ++i) {
+    if ((*regions)[i] == nullptr) continue;
+    const std::string fault = regionFault(*(*regions)[i], points, faces);
+    if (!fault.empty())
+      return "object \"" + object.getId() + "\", region " + std::to_string(i + 1) + ": " + fault;
+  }
+  return "";
+}
+
+// "object "A", region 3 (drawn as number 12): brush 9, but there are 1 to 8"
+std::string place(Shot::Shot2d& shot, Geometry::Region2d& region, size_t position) {
+  const auto* const objects =
+      shot.getObjects() == nullptr ? nullptr : shot.getObjects()->getObjects();
+  const int number = region.getObjectNumber();
+  const std::string drawn = "region " + std::to_string(position + 1) + " of the shot";
+  if (!isNumberOf(number, count(objects))) return drawn + ": ";
+  const Shot::Object2d* const object = (*objects)[static_cast<size_t>(number) - 1];
+  if (object == nullptr) return drawn + ": ";
+  return "object \"" + object->getId() + "\", region " +
+         std::to_string(region.getSourceRegionNumber()) + " (" + drawn + "): ";
+}
+
+template <class Check>
+std::string firstFault(Shot::Shot2d& shot, const Check& check) {
+  const auto* const regions =
+      shot.getRegions() == nullptr ? nullptr : shot.getRegions()->getRegions();
+  for (size_t i = 0; i < count(regions); ++i) {
+    if ((*regions)[i] == nullptr) continue;
+    const std::string fault = check(*(*regions)[i]);
+    if (!fault.empty()) return place(shot, *(*regions)[i], i) + fault;
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view) {
+  const size_t scales = scene.getScales() == nullptr ? 0 : count(scene.getScales()->getScales());
+  if (view.property > 0 && view.scale > 0 && !isNumberOf(view.scale, scales))
+    return wrong("--scale", view.scale, scales);
+  if (scene.getObjects() == nullptr) return "";
+  const size_t points = scene.getPoints() == nullptr ? 0 : count(scene.getPoints()->getPoints());
+  const auto* const objects = scene.getObjects()->getObjects();
+  for (size_t i = 0; i < count(objects); ++i) {
+    if ((*objects)[i] == nullptr) continue;
+    const std::string fault = objectFault(*(*objects)[i], points);
+    if (!fault.empty()) return fault;
+  }
+  return "";
+}
+
+std::string shotFault(Shot::Shot2d& shot) {
+  // Without a list of brushes or pens, defaults are drawn.
+  const auto* const brushes =
+      shot.getBrushes() == nullptr ? nullptr : shot.getBrushes()->getBrushes();
+  const auto* const pens = shot.getPens() == nullptr ? nullptr : shot.getPens()->getPens();
+  return firstFault(shot, [brushes, pens](Geometry::Region2d& region) -> std::string {
+    if (count(region.getPoints()) == 0) return "";
+    if (brushes != nullptr && !isNumberOf(region.getBrushNumber(), brushes->size()))
+      return wrong("brush", region.getBrushNumber(), brushes->size());
+    if (pens != nullptr && !isNumberOf(region.getPenNumber(), pens->size()))
+      return wrong("pen", region.getPenNumber(), pens->size());
+    return "";
+  });
+}
+
+std::string shotPointsFault(Shot::Shot2d& shot) {
+  const size_t points = shot.getPoints() == nullptr ? 0 : count(shot.getPoints()->getPoints());
+  return firstFault(shot, [points](Geometry::Region2d& region) -> std::string {
+    if (region.getPoints() == nullptr) return "";
+    for (const int number : *region.getPoints())
+      if (!isNumberOf(number, points)) return wrong("point", number, points);
+    return "";
+  });
+}
+
+}  // namespace Lumivane::Host

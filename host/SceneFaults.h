@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+namespace Lumivane::Shot {
+class Shot2d;
+}
+
+namespace Lumivane::Host {
+
+struct ViewOptions;
+
+/// The library reports a wrong number in a document by an exception that does not say where. These
+/// look for the first number that points at nothing, and name the object and region concerned.
+/// Empty if there is none.
+std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view);
+
+/// The same for the brushes and pens of a shot that is to be drawn.
+std::string shotFault(Shot::Shot2d& shot);
+
+/// The same for a shot file that is to be shown: its points as well.
+std::string shotPointsFault(Shot::Shot2d& shot);
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,105 @@
+#include "Stats.h"
+
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewOrientation3D.h>
+#include <lumivane/geometry/Faces2d.h>
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/jzon/Node.h>
+#include <lumivane/jzon/Writer.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <charconv>
+#include <set>
+
+#include <sys/resource.h>
+
+namespace Lumivane::Host {
+namespace {
+
+// As few digits as read back to the same double; the node's own text has 6.
+Jzon::Node number(double value) {
+  char text[32];
+  const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
+  return Jzon::Node(Jzon::Node::T_NUMBER, std::string(text, end.ptr));
+}
+
+Jzon::Node number(size_t value) { return Jzon::Node(static_cast<unsigned long long>(value)); }
+
+// The faces that the depth sort was given: those with a polygon in the picture.
+size_t sortedFaces(Scene::Object& object) {
+  const auto* const projected = object.getRegionsProjectedPolygons();
+  if (projected == nullptr || object.getRegions() == nullptr) return 0;
+  std::set<int> faces;
+  for (size_t i = 0; i < projected->size(); ++i)
+    for (const auto& polygon : (*projected)[i])
+      if (!polygon.empty())
+        faces.insert(object.getRegions()->getRegion(static_cast<int>(i))->getFaceNumber());
+  return faces.size();
+}
+
+size_t sortedFaces(Scene::Scene3D& scene) {
+  size_t count = 0;
+  for (Scene::Object* const object : *scene.getObjects()->getObjects())
+    if (object != nullptr) count += sortedFaces(*object);
+  return count;
+}
+
+size_t drawnFaces(Shot::Shot2d& shot) {
+  size_t count = 0;
+  for (const Shot::Object2d* const object : *shot.getObjects()->getObjects())
+    if (object->getFaces() != nullptr) count += object->getFaces()->getFaces()->size();
+  return count;
+}
+
+size_t peakMemoryBytes() {
+  struct rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<size_t>(usage.ru_maxrss) * 1024;  // told in kibibytes
+}
+
+Jzon::Node eyeNode(Shot::Shot2d& shot) {
+  const Geometry::Point3d* const eye = shot.getView()->getOrientation()->getEyePosition();
+  Jzon::Node node = Jzon::array();
+  node.add(number(eye->getX()));
+  node.add(number(eye->getY()));
+  node.add(number(eye->getZ()));
+  return node;
+}
+
+Jzon::Node secondsNode(const Seconds& seconds) {
+  Jzon::Node node = Jzon::object();
+  node.add("read", number(seconds.read));
+  node.add("shot", number(seconds.shot));
+  node.add("write", number(seconds.write));
+  node.add("png", number(seconds.png));
+  return node;
+}
+
+}  // namespace
+
+std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& seconds) {
+  const size_t drawn = drawnFaces(shot);
+  Jzon::Node root = Jzon::object();
+  root.add("points", number(shot.getPoints()->getPoints()->size()));
+  root.add("regions", number(shot.getRegions()->getRegions()->size()));
+  root.add("faces_drawn", number(drawn));
+  root.add("faces_hidden", number(sortedFaces(scene) - drawn));
+  root.add("objects", number(shot.getObjects()->getObjects()->size()));
+  root.add("eye", eyeNode(shot));
+  root.add("seconds", secondsNode(seconds));
+  root.add("peak_memory_bytes", number(peakMemoryBytes()));
+
+  std::string text;
+  Jzon::Writer(Jzon::Format{true, true, true, 1}).writeString(root, text);
+  return text + "\n";
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+namespace Lumivane::Shot {
+class Shot2d;
+}
+
+namespace Lumivane::Host {
+
+/// Seconds by stage; 0 for a stage that was not asked for.
+struct Seconds {
+  double read = 0.0;
+  double shot = 0.0;
+  double write = 0.0;
+  double png = 0.0;
+};
+
+/// Adds the time from its construction to its end to a stage.
+class Timer {
+ public:
+  explicit Timer(double& seconds) : target(seconds), start(std::chrono::steady_clock::now()) {}
+  Timer(const Timer&) = delete;
+  Timer& operator=(const Timer&) = delete;
+  ~Timer() {
+    target += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  }
+
+ private:
+  double& target;
+  std::chrono::steady_clock::time_point start;
+};
+
+/// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
+///
+/// \param scene  the scene that the shot was made of, as the shot left it
+std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& seconds);
+
+}  // namespace Lumivane::Host

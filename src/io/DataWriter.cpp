@@ -1,0 +1,41 @@
+#include "io/PathLog.h"
+
+#include <lumivane/cmd/Log.h>
+#include <lumivane/io/DataWriter.h>
+#include <lumivane/jzon/Node.h>
+#include <lumivane/jzon/Writer.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Shot2d.h>
+
+namespace Lumivane::IO {
+namespace {
+
+Jzon::Writer documentWriter() { return Jzon::Writer(Jzon::Format{true, true, true, 1}); }
+
+std::string writtenText(Base::BaseLibClass* model) {
+  std::string json;
+  documentWriter().writeString(model->serialize(), json);
+  return json;
+}
+
+void writeDocument(Base::BaseLibClass* model, const std::string& path) {
+  logPath("Writing: ", path);
+  documentWriter().writeFile(model->serialize(), path);
+  Cmd::logMessage("Writing end\n\n");
+}
+
+}  // namespace
+
+std::string DataWriter::writeSceneString(Scene::Scene3D* scene) { return writtenText(scene); }
+
+void DataWriter::writeSceneFile(Scene::Scene3D* scene, const std::string& path) {
+  writeDocument(scene, path);
+}
+
+std::string DataWriter::writeShotString(Shot::Shot2d* shot) { return writtenText(shot); }
+
+void DataWriter::writeShotFile(Shot::Shot2d* shot, const std::string& path) {
+  writeDocument(shot, path);
+}
+
+}  // namespace Lumivane::IO
