@@ -170,7 +170,7 @@ TEST(DataReaderDeathTest, StandardOutputIsFlushedBeforeTheProcessEnds) {
           DataReader().readSceneFile("no/such/file");
       },
       ::testing::ExitedWithCode(7), "Could not open");
-  EXPECT_EQ("Reading: no/such/file\n", Test::fileBytes(out));
+  EXPECT_EQ("Reading: no/such/file\n", Lumivane::Test::fileBytes(out));
 }
 
 }  // namespace

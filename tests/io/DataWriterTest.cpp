@@ -58,7 +58,7 @@ TEST(DataWriter, FileThatCannotBeOpenedIsNotReported) {
   const std::string path = folder.path("missing/s.json");
   Scene::Scene3D scene;
   std::string log;
-  EXPECT_EQ("", Test::capturedStderr([&] {
+  EXPECT_EQ("", Lumivane::Test::capturedStderr([&] {
               log = capturedStdout([&] { DataWriter().writeSceneFile(&scene, path); });
             }));
   EXPECT_EQ("Writing: " + path + "\nWriting end\n\n", log);

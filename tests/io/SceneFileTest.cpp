@@ -75,11 +75,11 @@ const char* const WholeWritten =
     "}";
 
 TEST(SceneFile, WholeSceneHasOneKeyALineAndNoIndentation) {
-  const Test::TempFolder folder;
+  const Lumivane::Test::TempFolder folder;
   const std::string path = folder.path("scene.json");
   const ScenePointer scene = read(Whole);
-  Test::capturedStdout([&] { DataWriter().writeSceneFile(scene.get(), path); });
-  EXPECT_EQ(WholeWritten, Test::fileBytes(path));
+  Lumivane::Test::capturedStdout([&] { DataWriter().writeSceneFile(scene.get(), path); });
+  EXPECT_EQ(WholeWritten, Lumivane::Test::fileBytes(path));
   EXPECT_EQ(WholeWritten, rewritten(WholeWritten));
 }
 

@@ -43,15 +43,15 @@ const char* const WholeWritten =
     "}";
 
 TEST(ShotFile, WholeShotHasOneKeyALineAndNoIndentation) {
-  const Test::TempFolder folder;
+  const Lumivane::Test::TempFolder folder;
   const std::string path = folder.path("shot.json");
   const ShotPointer shot = read(
       "{\"Brushes\":[[200,200,200,255]],\"Pens\":[[0,0,0,255,1]],"
       "\"Points\":[[0,0],[0.5,0],[0,0.5]],\"Regions\":[{\"Object\":1,\"Pen\":1,\"Brush\":1,"
       "\"Face\":1,\"SourceRegion\":1,\"Points\":[1,2,3]}],"
       "\"Objects\":[{\"Id\":\"A\",\"Faces\":[{\"Regions\":[1]}]}]}");
-  Test::capturedStdout([&] { DataWriter().writeShotFile(shot.get(), path); });
-  EXPECT_EQ(WholeWritten, Test::fileBytes(path));
+  Lumivane::Test::capturedStdout([&] { DataWriter().writeShotFile(shot.get(), path); });
+  EXPECT_EQ(WholeWritten, Lumivane::Test::fileBytes(path));
 }
 
 TEST(ShotFile, EmptyObjectGivesFiveNullLists) {
