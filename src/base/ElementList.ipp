@@ -55,7 +55,7 @@ BaseLibClass* ElementList<Element>::deserialize(Jzon::Node node) {
   for (std::size_t i = 0; i < node.getCount(); ++i) {
     std::unique_ptr<Element> element(new Element());
     append(static_cast<Element*>(element->deserialize(node.get(i))));
-    element.release();
+    (void)element.release();  // the list owns it now
   }
   return this;
 }

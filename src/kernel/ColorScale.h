@@ -9,9 +9,9 @@ namespace Lumivane::Kernel {
 
 // Truncation toward zero; what no int can hold, not a number too, is the lowest int.
 inline int truncatedOrLowest(double value) {
-  constexpr double PastHighest = 2147483648.0;
-  constexpr double PastLowest = -2147483649.0;
-  if (!(value > PastLowest && value < PastHighest)) return std::numeric_limits<int>::min();
+  constexpr double pastHighest = 2147483648.0;
+  constexpr double pastLowest = -2147483649.0;
+  if (!(value > pastLowest && value < pastHighest)) return std::numeric_limits<int>::min();
   return static_cast<int>(value);
 }
 

@@ -11,11 +11,14 @@ extern template class ElementList<Brush>;
 /// The brushes of a scene or shot; a brush number is a position here plus 1.
 class LUMIVANE_EXPORT Brushes : public ElementList<Brush> {
  public:
+  /// An empty list with a vector of its own.
   Brushes() = default;
 
+  /// The list's own vector, not a copy; null after the setter took null.
   Vector* getBrushes() { return items; }
   /// Takes the vector over; the old one is not freed.
   void setBrushes(Vector* brushes) { items = brushes; }
+  /// The element at a position from 0, which the list still owns.
   /// \throws std::out_of_range unless 0 <= index < count
   Brush* getBrush(int index) { return at(index); }
   /// Takes the brush over; null and duplicates are stored as well.

@@ -13,9 +13,13 @@ class LUMIVANE_EXPORT Color : public BaseLibClass {
   /// Stores the components as they are, without any check.
   Color(int r, int g, int b, int a);
 
+  /// The red component; only a constructor can make it leave 0 to 255, and so for the others.
   int getRed() const { return red; }
+  /// The green component.
   int getGreen() const { return green; }
+  /// The blue component.
   int getBlue() const { return blue; }
+  /// The opacity: 0 is transparent, 255 opaque.
   int getAlpha() const { return alpha; }
 
   /// \throws std::out_of_range unless 0 <= value <= 255; the component then keeps its old value

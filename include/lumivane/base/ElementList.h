@@ -28,6 +28,7 @@ struct ElementTraits {
 template <class Element>
 class LUMIVANE_EXPORT ElementList : public BaseLibClass {
  public:
+  /// The type of the vector that is held by pointer.
   using Vector = std::vector<Element*>;
 
   /// Deletes every element and keeps the vector, now empty.
@@ -44,16 +45,22 @@ class LUMIVANE_EXPORT ElementList : public BaseLibClass {
   BaseLibClass* deserialize(Jzon::Node node) override;
 
  protected:
+  /// An empty list with a vector of its own.
   ElementList();
+  /// Shares the vector and its elements.
   ElementList(const ElementList&) = default;
+  /// Shares the vector and its elements; frees nothing.
   ElementList& operator=(const ElementList&) = default;
+  /// Deletes every element, then the vector.
   ~ElementList();
 
+  /// The element at a position from 0.
   /// \throws std::out_of_range unless 0 <= index < count
   Element* at(int index) const;
   /// Inserts before `index`; the count itself appends.
   /// \throws std::out_of_range unless 0 <= index <= count
   void insert(int index, Element* element);
+  /// Null and duplicates are stored as well.
   void append(Element* element);
   /// Takes the element out, which the caller owns from now on.
   /// \throws std::out_of_range unless 0 <= index < count
@@ -61,7 +68,7 @@ class LUMIVANE_EXPORT ElementList : public BaseLibClass {
   /// Takes every occurrence of the pointer out, which the caller owns from now on.
   void erase(const Element* element);
 
-  Vector* items;
+  Vector* items;  ///< null only after a setter took null
 };
 
 }  // namespace Lumivane::Base

@@ -13,6 +13,7 @@ class LUMIVANE_EXPORT Pen : public Color {
   /// Stores what it is given as it is, without any check; even a negative width.
   Pen(int r, int g, int b, int a, double width);
 
+  /// The line width; 1 unless set.
   double getWidth() const { return width; }
 
   /// Not a number passes the check and is stored.

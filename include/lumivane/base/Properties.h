@@ -17,8 +17,10 @@ extern template class ElementList<Property>;
 /// element once, however often it stands in the list.
 class LUMIVANE_EXPORT Properties : public ElementList<Property> {
  public:
+  /// An empty list with a vector of its own.
   Properties() = default;
 
+  /// The list's own vector, not a copy; null after the setter took null.
   Vector* getProperties() { return items; }
   /// Takes the vector over and deletes the old vector object, but not its elements, which the
   /// caller owns from now on. Setting the vector that is held changes nothing.

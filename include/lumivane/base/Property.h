@@ -12,12 +12,16 @@ class LUMIVANE_EXPORT Property : public BaseLibClass {
  public:
   /// Number -1 and an empty name.
   Property();
+  /// A property of that number and name.
   Property(int number, std::string name);
 
+  /// The name.
   std::string getName() const { return name; }
+  /// Any text, the empty one too.
   void setName(std::string value);
   /// The property's own number, which is no position in a list; -1 means not set.
   int getNumber() const { return number; }
+  /// Any number; it is not checked for being unique.
   void setNumber(int value) { number = value; }
 
   /// \return `[number, name]`

@@ -17,11 +17,16 @@ class LUMIVANE_EXPORT Scale : public BaseLibClass {
  public:
   /// No name, no stops.
   Scale();
+  /// Copies the name and shares the stops.
   Scale(const Scale&) = default;
+  /// Copies the name and shares the stops; the old stops are not freed.
   Scale& operator=(const Scale&) = default;
+  /// Deletes the map of the stops.
   ~Scale();
 
+  /// The name.
   std::string getName() const { return name; }
+  /// Any text, the empty one too.
   void setName(std::string value);
 
   /// The stops by value, ascending; the scale's own map, not a copy.

@@ -18,11 +18,17 @@ class LUMIVANE_EXPORT View : public BaseLibClass {
   /// No camera, no orientation, filled.
   View();
 
+  /// The camera, which the caller owns; null unless set.
   ViewCamera* getCamera() { return camera; }
+  /// Keeps the pointer; the caller still owns the camera.
   void setCamera(ViewCamera* viewCamera) { camera = viewCamera; }
+  /// The orientation, which the caller owns; null unless set.
   ViewOrientation3D* getOrientation() { return orientation; }
+  /// Keeps the pointer; the caller still owns the orientation.
   void setOrientation(ViewOrientation3D* viewOrientation) { orientation = viewOrientation; }
+  /// How the shot is drawn.
   ViewDisplayStyle getDisplayStyle() const { return displayStyle; }
+  /// How the shot is drawn; making it does not depend on this.
   void setDisplayStyle(ViewDisplayStyle style) { displayStyle = style; }
 
   /// \return an empty object, whatever the view holds

@@ -10,6 +10,7 @@ namespace Lumivane::Base {
 /// `ViewNormalCamera` only. It is written to JSON but never read back.
 class LUMIVANE_EXPORT ViewCamera : public BaseLibClass {
  public:
+  /// The kind, which the class sets for good.
   ViewCameraKind getKind() const { return kind; }
   /// Horizontal opening in degrees.
   double getHorizontalAngle() const { return horizontalAngle; }
@@ -22,11 +23,16 @@ class LUMIVANE_EXPORT ViewCamera : public BaseLibClass {
  protected:
   /// Undefined kind, 60 degrees both ways.
   ViewCamera();
+  /// A camera of that kind; the opening in degrees.
   ViewCamera(ViewCameraKind cameraKind, double horizontalDegrees, double verticalDegrees);
+  /// Copies all fields.
   ViewCamera(const ViewCamera&) = default;
+  /// Copies all fields.
   ViewCamera& operator=(const ViewCamera&) = default;
 
+  /// Horizontal opening in degrees, not checked.
   void setHorizontalAngle(double degrees) { horizontalAngle = degrees; }
+  /// Vertical opening in degrees, not checked.
   void setVerticalAngle(double degrees) { verticalAngle = degrees; }
 
  private:

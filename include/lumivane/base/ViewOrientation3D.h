@@ -20,15 +20,24 @@ class LUMIVANE_EXPORT ViewOrientation3D : public BaseLibClass {
   ViewOrientation3D();
   /// Takes the three objects over.
   ViewOrientation3D(Geometry::Point3d* eye, Geometry::Vector3d* forward, Geometry::Vector3d* up);
+  /// Shares the three objects.
   ViewOrientation3D(const ViewOrientation3D&) = default;
+  /// Shares the three objects; the old ones are not freed.
   ViewOrientation3D& operator=(const ViewOrientation3D&) = default;
+  /// Deletes the three objects.
   ~ViewOrientation3D();
 
+  /// Where the eye stands, in scene units; making a shot may move it.
   Geometry::Point3d* getEyePosition() { return eyePosition; }
+  /// Takes the point over; the old one is not freed, and so for the others.
   void setEyePosition(Geometry::Point3d* position) { eyePosition = position; }
+  /// The direction of looking, of any length.
   Geometry::Vector3d* getForwardDirection() { return forwardDirection; }
+  /// Takes the vector over.
   void setForwardDirection(Geometry::Vector3d* direction) { forwardDirection = direction; }
+  /// The upward direction, of any length.
   Geometry::Vector3d* getUpDirection() { return upDirection; }
+  /// Takes the vector over.
   void setUpDirection(Geometry::Vector3d* direction) { upDirection = direction; }
 
   /// \return `[eyePosition, forwardDirection, upDirection]`, JSON null where there is no object
