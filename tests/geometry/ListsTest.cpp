@@ -13,6 +13,7 @@ namespace Lumivane::Test {
 namespace {
 
 struct Points2dCase {
+  static constexpr const char* Name = "Points2d";
   static ListOperations<Geometry::Points2d, Geometry::Point2d> operations() {
     using List = Geometry::Points2d;
     return {&List::getPoints,   &List::setPoints,   &List::getPoint,   &List::addPoint,
@@ -21,6 +22,7 @@ struct Points2dCase {
 };
 
 struct Points3dCase {
+  static constexpr const char* Name = "Points3d";
   static ListOperations<Geometry::Points3d, Geometry::Point3d> operations() {
     using List = Geometry::Points3d;
     return {&List::getPoints,   &List::setPoints,   &List::getPoint,   &List::addPoint,
@@ -29,6 +31,7 @@ struct Points3dCase {
 };
 
 struct FacesCase {
+  static constexpr const char* Name = "Faces";
   static ListOperations<Geometry::Faces, Geometry::Face> operations() {
     using List = Geometry::Faces;
     return {&List::getFaces,   &List::setFaces,   &List::getFace,   &List::addFace,
@@ -37,6 +40,7 @@ struct FacesCase {
 };
 
 struct Faces2dCase {
+  static constexpr const char* Name = "Faces2d";
   static ListOperations<Geometry::Faces2d, Geometry::Face2d> operations() {
     using List = Geometry::Faces2d;
     return {&List::getFaces,   &List::setFaces,   &List::getFace,   &List::addFace,
@@ -45,6 +49,7 @@ struct Faces2dCase {
 };
 
 struct RegionsCase {
+  static constexpr const char* Name = "Regions";
   static ListOperations<Geometry::Regions, Geometry::Region> operations() {
     using List = Geometry::Regions;
     return {&List::getRegions,   &List::setRegions,   &List::getRegion,   &List::addRegion,
@@ -53,6 +58,7 @@ struct RegionsCase {
 };
 
 struct Regions2dInDrawingOrderCase {
+  static constexpr const char* Name = "Regions2dInDrawingOrder";
   static ListOperations<Geometry::Regions2dInDrawingOrder, Geometry::Region2d> operations() {
     using List = Geometry::Regions2dInDrawingOrder;
     return {&List::getRegions,   &List::setRegions,   &List::getRegion,   &List::addRegion,
@@ -61,6 +67,7 @@ struct Regions2dInDrawingOrderCase {
 };
 
 struct PartsCase {
+  static constexpr const char* Name = "Parts";
   static ListOperations<Geometry::Parts, Geometry::Part> operations() {
     using List = Geometry::Parts;
     return {&List::getParts,   &List::setParts,   &List::getPart,   &List::addPart,
@@ -69,6 +76,7 @@ struct PartsCase {
 };
 
 struct OverlaysCase {
+  static constexpr const char* Name = "Overlays";
   static ListOperations<Geometry::Overlays, Geometry::Overlay> operations() {
     using List = Geometry::Overlays;
     return {&List::getOverlays,   &List::setOverlays,   &List::getOverlay,   &List::addOverlay,
@@ -78,7 +86,7 @@ struct OverlaysCase {
 
 using ListsCases = ::testing::Types<Points2dCase, Points3dCase, FacesCase, Faces2dCase, RegionsCase,
                                     Regions2dInDrawingOrderCase, PartsCase, OverlaysCase>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Lists, ModelList, ListsCases);
+INSTANTIATE_TYPED_TEST_SUITE_P(Lists, ModelList, ListsCases, CaseNames);
 
 }  // namespace
 }  // namespace Lumivane::Test

@@ -115,7 +115,15 @@ class NumberList : public ::testing::Test {
 
 using Cases = ::testing::Types<PointsOf<Region>, DockingEdgesOf<Region>, PointsOf<Region2d>,
                                DockingEdgesOf<Region2d>, RegionsOf<Part>, RegionsOf<Face2d>>;
-TYPED_TEST_SUITE(NumberList, Cases);
+
+// The key alone would be ambiguous: two records have points.
+struct CaseNames {
+  template <class Case>
+  static std::string GetName(int index) {
+    return Case::operations().key + std::to_string(index);
+  }
+};
+TYPED_TEST_SUITE(NumberList, Cases, CaseNames);
 
 TYPED_TEST(NumberList, IsThereAndEmptyAtFirst) {
   ASSERT_NE(nullptr, this->vector());

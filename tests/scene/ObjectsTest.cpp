@@ -6,6 +6,7 @@ namespace Lumivane::Test {
 namespace {
 
 struct ObjectsCase {
+  static constexpr const char* Name = "Objects";
   static ListOperations<Scene::Objects, Scene::Object> operations() {
     using List = Scene::Objects;
     return {&List::getObjects,   &List::setObjects,   &List::getObject,   &List::addObject,
@@ -14,7 +15,7 @@ struct ObjectsCase {
 };
 
 using ObjectsCases = ::testing::Types<ObjectsCase>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Objects, ModelList, ObjectsCases);
+INSTANTIATE_TYPED_TEST_SUITE_P(Objects, ModelList, ObjectsCases, CaseNames);
 
 }  // namespace
 }  // namespace Lumivane::Test

@@ -6,6 +6,7 @@ namespace Lumivane::Test {
 namespace {
 
 struct Objects2dCase {
+  static constexpr const char* Name = "Objects2d";
   static ListOperations<Shot::Objects2d, Shot::Object2d> operations() {
     using List = Shot::Objects2d;
     return {&List::getObjects,   &List::setObjects,   &List::getObject,   &List::addObject,
@@ -14,7 +15,7 @@ struct Objects2dCase {
 };
 
 using Objects2dCases = ::testing::Types<Objects2dCase>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Objects2d, ModelList, Objects2dCases);
+INSTANTIATE_TYPED_TEST_SUITE_P(Objects2d, ModelList, Objects2dCases, CaseNames);
 
 }  // namespace
 }  // namespace Lumivane::Test

@@ -26,7 +26,16 @@ struct ListOperations {
   void (L::*remove)(E*);
 };
 
-/// What every list of the model promises. A case is a class with a static `operations()`.
+/// Names the tests of a list after it.
+struct CaseNames {
+  template <class Case>
+  static std::string GetName(int) {
+    return Case::Name;
+  }
+};
+
+/// What every list of the model promises. A case is a class with a static `operations()` and the
+/// list's `Name`.
 template <class Case>
 class ModelList : public ::testing::Test {
  protected:
