@@ -51,16 +51,13 @@ void addVector(CLI::App& command, const std::string& name, Vector& target,
       ->default_str(vectorText(target));
 }
 
-void addNumber(CLI::App& command, const std::string& name, double& target, double least,
-               double greatest, const std::string& help) {
-  const auto check = [name, least, greatest](const std::string& text) -> std::string {
+// A finite number that is not negative.
+void addNumber(CLI::App& command, const std::string& name, double& target,
+               const std::string& help) {
+  const auto check = [](const std::string& text) -> std::string {
     double number = 0.0;
-    if (readNumber(text, number) && std::isfinite(number) && number >= least && number <= greatest)
-      return "";
-    if (std::isfinite(greatest))
-      return "\"" + text + "\" is not a number from " + CLI::detail::to_string(least) + " to " +
-             CLI::detail::to_string(greatest);
-    return "\"" + text + "\" is not a finite number of at least " + CLI::detail::to_string(least);
+    if (readNumber(text, number) && std::isfinite(number) && number >= 0.0) return "";
+    return "\"" + text + "\" is not a finite number of at least 0";
   };
   command.add_option(name, target, help)
       ->check(check, "")
@@ -69,7 +66,6 @@ void addNumber(CLI::App& command, const std::string& name, double& target, doubl
 }
 
 void addViewOptions(CLI::App& command, ViewOptions& view) {
-  constexpr double NoLimit = HUGE_VAL;
   addVector(command, "--eye", view.eye, "where the eye stands");
   addVector(command, "--forward", view.forward, "the direction of the picture's centre");
   addVector(command, "--up", view.up, "the direction of the picture's upper edge");
@@ -80,15 +76,13 @@ void addViewOptions(CLI::App& command, ViewOptions& view) {
       ->type_name("N");
   command.add_option("--scale", view.scale, "number of the scale to colour by, from 1")
       ->type_name("N");
-  addNumber(command, "--d1", view.d1, 0.0, NoLimit,
-            "an eye closer than this to a polygon is moved off it");
-  addNumber(command, "--d2", view.d2, 0.0, NoLimit,
-            "if it looks along the polygon to within this many degrees");
+  addNumber(command, "--d1", view.d1, "an eye closer than this to a polygon is moved off it");
+  addNumber(command, "--d2", view.d2, "if it looks along the polygon to within this many degrees");
   command.add_option("--segments", view.segments, "least number of pieces of an edge")
       ->type_name("N")
       ->check(CLI::Range(1, 1048576))
       ->capture_default_str();
-  addNumber(command, "--max-length", view.maxLength, 0.0, 1.0,
+  addNumber(command, "--max-length", view.maxLength,
             "greatest length of a piece in the picture; 0 for no limit");
   command.add_option("--style", view.style, "how the shot is drawn")
       ->check(CLI::IsMember({"filled", "outline", "half"}))
