@@ -6,8 +6,11 @@
 
 #include <lumivane/jzon/Parser.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Jzon {
@@ -20,12 +23,14 @@ bool isWhiteSpace(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r';  // no vertical tab
 }
 
-// Only the letters of the keywords matter, so the locale is left out.
-std::string upperCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
+// Whether the text is the keyword in any case. Only ASCII letters matter, so the locale is left
+// out.
+bool isKeyword(const std::string& text, std::string_view upperKeyword) {
+  const auto isSame = [](char c, char upper) {
+    return (c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c) == upper;
+  };
+  return text.size() == upperKeyword.size() &&
+         std::equal(text.begin(), text.end(), upperKeyword.begin(), isSame);
 }
 
 }  // namespace
@@ -165,12 +170,11 @@ void Parser::readString(std::istream& stream, DataQueue& data) {
 }
 
 bool Parser::interpretValue(const std::string& value, DataQueue& data) {
-  const std::string upper = upperCase(value);
-  if (upper == "NULL") {
+  if (isKeyword(value, "NULL")) {
     data.emplace(Node::T_NULL, std::string());
-  } else if (upper == "TRUE") {
+  } else if (isKeyword(value, "TRUE")) {
     data.emplace(Node::T_BOOL, "true");
-  } else if (upper == "FALSE") {
+  } else if (isKeyword(value, "FALSE")) {
     data.emplace(Node::T_BOOL, "false");
   } else if (Lumivane::Kernel::isNumberText(value)) {
     data.emplace(Node::T_NUMBER, value);
@@ -223,7 +227,7 @@ bool Parser::assembleEnd(Token token, Assembly& assembly) {
                            : "Mismatched end and beginning of array");
   }
 
-  const Node::NamedNode closed = assembly.open.back();
+  const Node::NamedNode closed = std::move(assembly.open.back());
   assembly.open.pop_back();
   if (assembly.open.empty()) {
     assembly.root = closed.second;
@@ -238,7 +242,7 @@ bool Parser::assembleEnd(Token token, Assembly& assembly) {
 // A name and its colon are taken anywhere, also in arrays, where the name is of no use.
 bool Parser::assembleValue(TokenQueue& tokens, DataQueue& data, Assembly& assembly) {
   if (data.empty()) return fail("Missing data for value");
-  const auto [type, text] = data.front();
+  const auto [type, text] = std::move(data.front());
   data.pop();
 
   if (!tokens.empty() && tokens.front() == T_NAME_SEPARATOR) {
