@@ -11,11 +11,12 @@ class customMouseInteractorStyle  // NOLINT(readability-identifier-naming): the 
     : public vtkInteractorStyleTrackballCamera {
  public:
   static customMouseInteractorStyle* New();
-  vtkTypeMacro(customMouseInteractorStyle, vtkInteractorStyleTrackballCamera);
 
   void OnLeftButtonDown() override { vtkInteractorStyleTrackballCamera::OnMiddleButtonDown(); }
   void OnMiddleButtonDown() override { vtkInteractorStyleTrackballCamera::OnMiddleButtonDown(); }
   void OnRightButtonDown() override { vtkInteractorStyleTrackballCamera::OnRightButtonDown(); }
+
+  vtkTypeMacro(customMouseInteractorStyle, vtkInteractorStyleTrackballCamera)
 };
 
 inline customMouseInteractorStyle* customMouseInteractorStyle::New() {

@@ -1,5 +1,5 @@
 #include "utils/Shapes.h"
-#include "view/OrientationMarker.h"
+#include "view/Windows.h"
 
 #include <lumivane/view/DebugViewer.h>
 
@@ -9,20 +9,8 @@
 #include <vtkInteractorStyleTrackballCamera.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
-#include <vtkRenderWindow.h>
-#include <vtkRenderer.h>
 
 namespace Lumivane::View {
-namespace {
-
-void addActors(vtkRenderer* renderer, vtkActorCollection* actors) {
-  vtkCollectionSimpleIterator position = nullptr;
-  actors->InitTraversal(position);
-  while (vtkActor* actor = actors->GetNextActor(position)) renderer->AddActor(actor);
-}
-
-}  // namespace
-
 // Written out, since VTK's smart pointer leaves its source as it is in one of the two forms.
 DebugViewer::DebugViewer(DebugViewer&& other) noexcept
     : actors(std::exchange(other.actors, nullptr)) {}

@@ -23,7 +23,7 @@ namespace Lumivane::View {
 class LUMIVANE_EXPORT Viewer {
  public:
   /// Reads a scene file and a shot file and shows both. With an empty name nothing is read or
-  /// opened. What was read is not freed.
+  /// opened. What was read is freed when the windows are closed.
   ///
   /// A file that cannot be opened ends the process, as the reader does.
   static void createSceneAndShotView(std::string sceneFile, std::string shotFile);

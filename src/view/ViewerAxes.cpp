@@ -1,0 +1,131 @@
+// The axes of the projection, drawn over a shot in its own coordinates, at z 0.
+
+#include "utils/Shapes.h"
+
+#include <lumivane/view/Viewer.h>
+
+#include <vtkAppendPolyData.h>
+#include <vtkConeSource.h>
+#include <vtkLineSource.h>
+#include <vtkNew.h>
+#include <vtkPolyDataMapper.h>
+#include <vtkProperty.h>
+#include <vtkRegularPolygonSource.h>
+#include <vtkTextActor3D.h>
+#include <vtkTextProperty.h>
+
+namespace Lumivane::View {
+namespace {
+
+struct Place {
+  double x;
+  double y;
+};
+
+vtkSmartPointer<vtkPolyData> line(Place from, Place to, double z) {
+  const vtkNew<vtkLineSource> source;
+  source->SetPoint1(from.x, from.y, z);
+  source->SetPoint2(to.x, to.y, z);
+  source->Update();
+  return source->GetOutput();
+}
+
+// The head of an axis: a cone of two sides, flat in the picture.
+vtkSmartPointer<vtkPolyData> arrowHead(Place center, Place direction) {
+  const vtkNew<vtkConeSource> source;
+  source->SetResolution(2);
+  source->SetRadius(0.025);
+  source->SetHeight(0.05);
+  source->SetCenter(center.x, center.y, 0.0);
+  source->SetDirection(direction.x, direction.y, 0.0);
+  source->Update();
+  return source->GetOutput();
+}
+
+// What both projections have: two axes with their heads.
+template <class MakeActor>
+void addArrows(vtkRenderer* renderer, MakeActor makeActor) {
+  renderer->AddActor(makeActor(line({-1.1, 0.0}, {1.1, 0.0}, 0.0), {0, 0, 0, 128}));
+  renderer->AddActor(makeActor(line({0.0, -1.1}, {0.0, 1.1}, 0.0), {0, 0, 0, 128}));
+  renderer->AddActor(makeActor(arrowHead({1.1, 0.0}, {1.0, 0.0}), {0, 0, 0, 255}));
+  renderer->AddActor(makeActor(arrowHead({0.0, 1.1}, {0.0, 1.0}), {0, 0, 0, 255}));
+}
+
+void addLabel(vtkRenderer* renderer, const char* text, Place position) {
+  const vtkNew<vtkTextActor3D> actor;
+  actor->SetInput(text);
+  actor->SetScale(0.004);
+  actor->GetTextProperty()->SetFontSize(20);
+  actor->GetTextProperty()->SetColor(0.0, 0.0, 0.0);
+  actor->SetPosition(position.x, position.y, 0.0);
+  renderer->AddActor(actor);
+}
+
+}  // namespace
+
+void Viewer::createRadialProjectionAxes(vtkRenderer* renderer) {
+  addArrows(renderer, createActor);
+  addLabel(renderer, "u", {1.075, -0.1});
+  addLabel(renderer, "v", {-0.075, 1.05});
+  double center[3] = {0.0, 0.0, 0.0};
+  for (const double radius : {1.0, 0.88, 0.77, 0.66, 0.55, 0.44, 0.33, 0.22, 0.11}) {
+    renderer->AddActor(createCirclePd(radius, center));
+  }
+}
+
+void Viewer::createSquareProjectionAxes(vtkRenderer* renderer) {
+  addArrows(renderer, createActor);
+  addLabel(renderer, "u1", {1.05, -0.1});
+  addLabel(renderer, "v1", {-0.12, 1.05});
+  double center[3] = {0.0, 0.0, 0.0};
+  double bounds[4] = {-1.0, 1.0, -1.0, 1.0};
+  renderer->AddActor(createGrid(center, bounds, 20.0, 20.0));
+}
+
+vtkSmartPointer<vtkActor> Viewer::createActor(vtkPolyData* polyData, std::vector<int> color) {
+  if (color.size() < 4) Utils::throwInvalidSubscript();
+  const vtkNew<vtkPolyDataMapper> mapper;
+  mapper->SetInputData(polyData);
+  auto actor = vtkSmartPointer<vtkActor>::New();
+  actor->SetMapper(mapper);
+  actor->GetProperty()->SetColor(color[0] / 255.0, color[1] / 255.0, color[2] / 255.0);
+  actor->GetProperty()->SetOpacity(color[3] / 255.0);
+  return actor;
+}
+
+vtkSmartPointer<vtkActor> Viewer::createGrid(double* center, double* bounds, double columns,
+                                             double rows) {
+  const double width = bounds[1] - bounds[0];
+  const double height = bounds[3] - bounds[2];
+  const double stepX = width / columns;
+  const double stepY = height / rows;
+  const Place origin = {center[0] - width * 0.5, center[1] - height * 0.5};
+  const double z = center[2];
+
+  // Deliberate: each line is added once for every step of the other loop, so that the many faint
+  // copies on one place darken each other.
+  const vtkNew<vtkAppendPolyData> filter;
+  for (int i = 0; columns >= i; ++i) {
+    const double x = origin.x + i * stepX;
+    for (int j = 0; rows >= j; ++j) {
+      const double y = origin.y + j * stepY;
+      filter->AddInputData(line({x, origin.y}, {x, origin.y + height}, z));
+      filter->AddInputData(line({origin.x, y}, {origin.x + width, y}, z));
+    }
+  }
+  filter->Update();
+  return createActor(filter->GetOutput(), {128, 128, 128, 10});
+}
+
+vtkSmartPointer<vtkActor> Viewer::createCirclePd(double radius, double* center) {
+  const vtkNew<vtkRegularPolygonSource> source;
+  source->SetNumberOfSides(50);
+  source->SetRadius(radius);
+  source->SetCenter(center);
+  source->GeneratePolylineOn();
+  source->GeneratePolygonOff();
+  source->Update();
+  return createActor(source->GetOutput(), {128, 128, 128, 128});
+}
+
+}  // namespace Lumivane::View
