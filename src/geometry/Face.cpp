@@ -14,6 +14,7 @@ Face::Face() : normal(new Vector3d(0.0, 0.0, 1.0)) {}
 Face::Face(const Face& other) : Part(other), normal(other.getNormal()), normalIsKnown(true) {}
 
 Face& Face::operator=(const Face& other) {
+  if (this == &other) return *this;
   Part::operator=(other);
   setNormal(other.getNormal());
   return *this;

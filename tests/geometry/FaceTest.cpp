@@ -171,6 +171,14 @@ TEST(Face, AnAssignmentSharesNormalAndRegionsAndFreesNothing) {
   target.setRegions(nullptr);
 }
 
+TEST(Face, AssigningAFaceToItselfChangesNothing) {
+  Face face;
+  face.addRegion(1);
+  const Face& same = face;
+  face = same;
+  EXPECT_EQ("{\n\"Regions\": [1],\n\"Normal\": [0,0,1]\n}", textOf(face));
+}
+
 TEST(VFace, TakesNoValueForANegativeNumber) {
   VFace face;
   EXPECT_FALSE(face.setProperty(-1, 2.0));
