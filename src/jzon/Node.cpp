@@ -74,6 +74,7 @@ Node::Node(bool value) : data(new NodeData(T_BOOL, textOf(value))) {}
 Node::~Node() { release(data); }
 
 Node& Node::operator=(const Node& other) noexcept {
+  if (this == &other) return *this;
   // The new data is held before the old goes: `other` may be a child of this node.
   NodeData* const old = data;
   data = other.data;
