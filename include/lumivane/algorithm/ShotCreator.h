@@ -114,9 +114,8 @@ class LUMIVANE_EXPORT ShotCreator {
   ///         its orientation is null, if the camera's kind is neither, or if `scene` has no objects
   ///         list.
   /// \throws std::invalid_argument naming an object with regions but without a faces list
-  /// \throws std::out_of_range for a wrong point or face number, and with "invalid vector
-  /// subscript"
-  ///         for parallel or zero forward and up directions
+  /// \throws std::out_of_range for a wrong point or face number; for parallel or zero forward and
+  ///         up directions with the text "invalid vector subscript"
   /// \throws std::length_error naming object and region when splitting has no end
   Shot::Shot2d* makeShot(Scene::Scene3D* scene, Base::View* view, ShotParameters* parameters);
 
@@ -233,6 +232,17 @@ class LUMIVANE_EXPORT ShotCreator {
   static constexpr double pointsPrecision = 1e-07;
   /// Distance between two drawing layers along z.
   static constexpr double depthShift = 0.1;
+
+  void checkObjects();
+
+  // First pass: ShotCreatorPass1.cpp.
+  void projectObjects(ProjectionType type);
+  void projectObject(Scene::Object* object, ProjectionType type);
+  std::vector<Polygon> getVisiblePolygons(Scene::Object* object, int regionIndex, const Point& eye);
+
+  // Second pass: ShotCreatorBuild.cpp.
+  Shot::Shot2d* buildShot();
+  Shot::Shot2d* buildInteriorShot(ProjectionType type);
 
   Scene::Scene3D* scene = nullptr;
   Base::Brushes* brushes = nullptr;

@@ -1,0 +1,302 @@
+// The second pass: the records of the shot, made from what the first left on each object.
+
+#include "algorithm/SceneAccess.h"
+#include "base/Indices.h"
+#include "kernel/Angle.h"
+#include "kernel/Docking.h"
+#include "kernel/PointPool.h"
+
+#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
+#include <lumivane/algorithm/ShotCreator.h>
+#include <lumivane/base/Brush.h>
+#include <lumivane/base/Brushes.h>
+#include <lumivane/base/Camera.h>
+#include <lumivane/base/Pen.h>
+#include <lumivane/base/Pens.h>
+#include <lumivane/base/Properties.h>
+#include <lumivane/base/Scale.h>
+#include <lumivane/base/Scales.h>
+#include <lumivane/cmd/Log.h>
+#include <lumivane/geometry/EdgeStartPoint2d.h>
+#include <lumivane/geometry/Face2d.h>
+#include <lumivane/geometry/Faces.h>
+#include <lumivane/geometry/Faces2d.h>
+#include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Region.h>
+#include <lumivane/geometry/Region2d.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/geometry/VFace.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
+#include <lumivane/shot/Shot2d.h>
+#include <lumivane/utils/ProgressbarUtils.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace Lumivane::Algorithm {
+
+using Geometry::EdgeStartPoint2d;
+using Geometry::Face2d;
+using Geometry::Faces2d;
+using Geometry::Point2d;
+using Geometry::Region2d;
+using ProjectedPolygons = std::vector<ShotCreator::ProjectedPolygon>;
+
+namespace {
+
+// Destroys a shot that is not finished, and not what it shares with the scene.
+struct UnfinishedShotDeleter {
+  void operator()(Shot::Shot2d* shot) const {
+    shot->setBrushes(nullptr);
+    shot->setPens(nullptr);
+    shot->setScale(nullptr);
+    shot->setProperty(nullptr);
+    delete shot;
+  }
+};
+using UnfinishedShot = std::unique_ptr<Shot::Shot2d, UnfinishedShotDeleter>;
+
+UnfinishedShot newShot(Base::View* view) {
+  UnfinishedShot shot(new Shot::Shot2d());
+  shot->setView(view);
+  shot->setPoints(new Geometry::Points2d());
+  shot->setRegions(new Geometry::Regions2dInDrawingOrder());
+  shot->setObjects(new Shot::Objects2d());
+  return shot;
+}
+
+// The object's record; owned by the shot from now on.
+Faces2d& addObject(Shot::Shot2d& shot, const Scene::Object& object) {
+  auto* object2d = new Shot::Object2d();
+  shot.getObjects()->addObject(object2d);
+  object2d->setId(object.getId());
+  object2d->setFaces(new Faces2d());
+  return *object2d->getFaces();
+}
+
+std::vector<std::vector<int>> dockingEdgesOf(const ProjectedPolygons& polygons, double precision) {
+  std::vector<std::vector<Kernel::Vec2>> plain(polygons.size());
+  for (std::size_t i = 0; i < polygons.size(); ++i) {
+    plain[i].reserve(polygons[i].size());
+    for (const EdgeStartPoint2d* point : polygons[i]) {
+      plain[i].push_back({point->getX(), point->getY()});
+    }
+  }
+  return Kernel::dockingEdges(plain, precision);
+}
+
+// Appends each number once, in the order of first appearance, to those that are there.
+void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::size_t edgeCount) {
+  std::vector<bool> isThere(edgeCount + 1, false);
+  for (const int number : numbers) isThere[static_cast<std::size_t>(number)] = true;
+  for (const int number : more) {
+    const auto position = static_cast<std::size_t>(number);
+    if (!isThere[position]) numbers.push_back(number);
+    isThere[position] = true;
+  }
+}
+
+}  // namespace
+
+/// Makes the regions of a shot, object by object, merging their points into one list.
+class ShotBuilder {
+ public:
+  ShotBuilder(Shot::Shot2d& builtShot, int colourProperty, double edgePrecision)
+      : shot(builtShot),
+        pool(Point2d::Precision),
+        propertyNum(colourProperty),
+        dockingPrecision(edgePrecision) {}
+
+  void build(Scene::Object& object, int objectNumber) {
+    Faces2d& faces2d = addObject(shot, object);
+    for (std::size_t f = 0; f < faceCount(object); ++f) faces2d.addFace(new Face2d());
+
+    const auto* projected = object.getRegionsProjectedPolygons();
+    // Without a list of regions, what an earlier shot has left says nothing.
+    if (projected != nullptr && object.getRegions() != nullptr) {
+      for (std::size_t r = 0; r < projected->size(); ++r) {
+        if ((*projected)[r].empty()) continue;
+        buildRegions(object, objectNumber, static_cast<int>(r), (*projected)[r], faces2d);
+      }
+    }
+    removeEmptyFaces(faces2d);
+  }
+
+ private:
+  static std::size_t faceCount(const Scene::Object& object) {
+    return object.getFaces() == nullptr ? 0 : Base::countOf(object.getFaces()->getFaces());
+  }
+
+  void buildRegions(Scene::Object& object, int objectNumber, int regionIndex,
+                    const ProjectedPolygons& polygons, Faces2d& faces2d) {
+    std::vector<std::vector<int>> docking(polygons.size());
+    if (polygons.size() > 1) docking = dockingEdgesOf(polygons, dockingPrecision);
+    const Geometry::Region& region = *object.getRegions()->getRegion(regionIndex);
+    const int facePosition = positionOfNumber(region.getFaceNumber());
+    const auto colour = overrideColour(object.getFaces()->getFace(facePosition));
+
+    for (std::size_t p = 0; p < polygons.size(); ++p) {
+      auto* region2d = new Region2d();
+      shot.getRegions()->addRegion(region2d);
+      region2d->setObjectNumber(objectNumber);
+      region2d->setPenNumber(object.getPenNumber());
+      region2d->setBrushNumber(region.getBrushNumber());
+      region2d->setFaceNumber(region.getFaceNumber());
+      region2d->setSourceRegionNumber(regionIndex + 1);
+      if (colour) region2d->setOverrideColor(*colour);
+      fillPoints(*region2d, polygons[p], docking[p]);
+      if (region.getFaceNumber() < 0) {
+        // Unreachable as long as the face is looked up above.
+        Cmd::logMessage("Scene::Object \"%s\" has region \"%d\" with undefined face number\n",
+                        object.getId().c_str(), regionIndex);
+        continue;
+      }
+      const auto regionNumber = static_cast<int>(shot.getRegions()->getRegions()->size());
+      faces2d.getFace(facePosition)->addRegion(regionNumber);
+    }
+  }
+
+  // The colour that the face's value of the chosen property has on the chosen scale.
+  std::optional<Base::Color> overrideColour(Geometry::Face* face) const {
+    if (shot.getProperty() == nullptr || shot.getScale() == nullptr) return std::nullopt;
+    const auto* valued = dynamic_cast<Geometry::VFace*>(face);
+    if (valued == nullptr) return std::nullopt;
+    const std::optional<double> value = valued->getPropertyValue(propertyNum);
+    if (!value) return std::nullopt;
+    return shot.getScale()->getColor(*value);
+  }
+
+  // The region's points, and its docking edges: those found between the polygons first, then those
+  // of points without an edge.
+  void fillPoints(Region2d& region2d, const ShotCreator::ProjectedPolygon& polygon,
+                  const std::vector<int>& docking) {
+    std::vector<int>& indices = *region2d.getPoints();
+    indices.reserve(polygon.size());
+    std::vector<int> edgeless;
+    for (const EdgeStartPoint2d* point : polygon) {
+      indices.push_back(pointNumber({point->getX(), point->getY()}));
+      if (!point->getHasEdge()) edgeless.push_back(static_cast<int>(indices.size()));
+    }
+    appendOnce(*region2d.getDockingEdges(), docking, polygon.size());
+    appendOnce(*region2d.getDockingEdges(), edgeless, polygon.size());
+  }
+
+  // The number of the first point of the shot that agrees, or of a new one.
+  int pointNumber(Kernel::Vec2 point) {
+    std::size_t position = pool.find(point);
+    if (position == Kernel::PointPool::None) {
+      position = pool.add(point);
+      shot.getPoints()->addPoint(new Point2d(point.x, point.y));
+    }
+    return static_cast<int>(position) + 1;
+  }
+
+  // A face's position here is no longer its number in the scene once a face before it is gone.
+  static void removeEmptyFaces(Faces2d& faces2d) {
+    Faces2d::Vector& list = *faces2d.getFaces();
+    const auto isEmpty = [](const Face2d* face) { return numbersOf(face->getRegions()).empty(); };
+    const auto end = std::stable_partition(list.begin(), list.end(),
+                                           [&](const Face2d* face) { return !isEmpty(face); });
+    std::for_each(end, list.end(), [](Face2d* face) { delete face; });
+    list.erase(end, list.end());
+  }
+
+  Shot::Shot2d& shot;
+  Kernel::PointPool pool;
+  int propertyNum;
+  double dockingPrecision;
+};
+
+Shot::Shot2d* ShotCreator::buildShot() {
+  UnfinishedShot shot = newShot(view);
+  shot->setBrushes(brushes);
+  shot->setPens(pens);
+  const bool isColoured =
+      propertyNum > 0 && scaleNum > 0 && properties != nullptr && scales != nullptr;
+  if (isColoured) {
+    shot->setScale(scales->getScale(scaleNum - 1));
+    shot->setProperty(properties->getProperty(propertyNum));
+  }
+
+  const std::size_t count = Base::countOf(objects->getObjects());
+  const double step = 15.0 / static_cast<double>(std::max<std::size_t>(count, 1));
+  ShotBuilder builder(*shot, propertyNum, pointsPrecision);
+  for (std::size_t i = 0; i < count; ++i) {
+    Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step + 15.0);
+    builder.build(*(*objects->getObjects())[i], static_cast<int>(i) + 1);
+  }
+
+  DepthSortAlgorithmExecutor depthSort;
+  depthSort.setScene(scene);
+  depthSort.setShot(shot.get());
+  depthSort.run();
+  return shot.release();
+}
+
+namespace {
+
+// The whole picture area: the rim of the disc, or the square.
+std::vector<Kernel::Vec2> pictureBoundary(ProjectionType type) {
+  if (type != ProjectionType::Radial && static_cast<int>(type) != 2) {
+    return {{-1.0, 1.0}, {1.0, 1.0}, {1.0, -1.0}, {-1.0, -1.0}};
+  }
+  std::vector<Kernel::Vec2> rim;
+  for (int degrees = 0; degrees < 360; degrees += 6) {
+    const double angle = Kernel::toRadians(degrees);
+    rim.push_back({std::cos(angle), std::sin(angle)});
+  }
+  return rim;
+}
+
+void setInteriorColour(Shot::Shot2d& shot, Base::Camera* camera) {
+  const Base::Color* colour = camera == nullptr ? nullptr : camera->getInteriorColor();
+  shot.setBrushes(new Base::Brushes());
+  shot.getBrushes()->addBrush(colour == nullptr
+                                  ? new Base::Brush(64, 64, 64, 255)
+                                  : new Base::Brush(colour->getRed(), colour->getGreen(),
+                                                    colour->getBlue(), colour->getAlpha()));
+  shot.setPens(new Base::Pens());
+  shot.getPens()->addPen(new Base::Pen());
+}
+
+// The one region of an interior shot, in the one face of the camera's object.
+void addInteriorRegion(Shot::Shot2d& shot, Faces2d& faces2d, int objectNumber,
+                       ProjectionType type) {
+  auto* region2d = new Region2d();
+  shot.getRegions()->addRegion(region2d);
+  region2d->setObjectNumber(objectNumber);
+  region2d->setPenNumber(1);
+  region2d->setBrushNumber(1);
+  region2d->setFaceNumber(1);
+  for (const Kernel::Vec2& point : pictureBoundary(type)) {
+    shot.getPoints()->addPoint(new Point2d(point.x, point.y));
+    region2d->addPoint(static_cast<int>(region2d->getPoints()->size()) + 1);
+  }
+  faces2d.addFace(new Face2d());
+  faces2d.getFace(0)->addRegion(1);
+}
+
+}  // namespace
+
+Shot::Shot2d* ShotCreator::buildInteriorShot(ProjectionType type) {
+  UnfinishedShot shot = newShot(view);
+  setInteriorColour(*shot, camera);
+  int objectNumber = 0;
+  for (const Scene::Object* object : *objects->getObjects()) {
+    ++objectNumber;
+    Faces2d& faces2d = addObject(*shot, *object);
+    if (object == cameraObject) addInteriorRegion(*shot, faces2d, objectNumber, type);
+  }
+  return shot.release();
+}
+
+}  // namespace Lumivane::Algorithm

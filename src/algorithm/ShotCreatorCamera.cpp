@@ -1,0 +1,71 @@
+// Where the camera stands against the scene.
+
+#include "algorithm/SceneAccess.h"
+#include "kernel/ConvexArea.h"
+#include "kernel/Vec.h"
+#include "utils/Reports.h"
+#include "utils/Shapes.h"
+
+#include <lumivane/algorithm/ShotCreator.h>
+#include <lumivane/base/View.h>
+
+#include <cmath>
+
+#include <vtkIdList.h>
+#include <vtkOBBTree.h>
+#include <vtkPoints.h>
+
+namespace Lumivane::Algorithm {
+
+using Kernel::Vec3;
+
+namespace {
+
+// How often a ray meets the surface, along a stretch that ends beyond all of it.
+vtkIdType crossingCount(vtkPolyData* data, Vec3 eye, Vec3 direction) {
+  double bounds[6];
+  data->GetBounds(bounds);
+  const double dx = bounds[1] - bounds[0];
+  const double dy = bounds[3] - bounds[2];
+  const double dz = bounds[5] - bounds[4];
+  const double length = std::sqrt(dy * dy + dx * dx + dz * dz) + 10.0;
+  const Vec3 end = eye + length * direction;
+
+  const double from[3] = {eye.x, eye.y, eye.z};
+  const double to[3] = {end.x, end.y, end.z};
+  const vtkNew<vtkPoints> crossings;
+  const vtkNew<vtkIdList> ids;
+  const vtkNew<vtkOBBTree> tree;
+  tree->SetDataSet(data);
+  tree->BuildLocator();
+  if (tree->IntersectWithLine(from, to, crossings, ids) == 0) return 0;
+  return crossings->GetNumberOfPoints();
+}
+
+}  // namespace
+
+bool ShotCreator::isPointInArea3dConvex(Point point, Polygon polygon) {
+  if (polygon.empty()) return false;
+  return Kernel::isInConvexArea(Utils::toVec3(point), Utils::toVec3s(polygon));
+}
+
+void ShotCreator::checkCameraOnPolygonAndShift(PolyDataList* polyData) {
+  // Deliberate: an empty check. The shift is made later, for each clipped cell.
+  static_cast<void>(polyData);
+}
+
+bool ShotCreator::isCameraInObject(PolyDataList* polyData) {
+  if (polyData == nullptr || polyData->empty()) return false;
+  const Vec3 eye = eyeOf(*view);
+  const Vec3 direction = Utils::reported(Kernel::normalise(forwardOf(*view)));
+  vtkIdType count = 0;
+  for (vtkPolyData* data : *polyData) {
+    if (data == nullptr || data->GetNumberOfPoints() == 0 || data->GetNumberOfCells() == 0) {
+      continue;
+    }
+    count += crossingCount(data, eye, direction);
+  }
+  return count % 2 == 1;
+}
+
+}  // namespace Lumivane::Algorithm

@@ -1,0 +1,186 @@
+// From visible polygons to polygons on the plane. The protected operations by containers and the
+// loop over an object's regions share RegionProjector, which works on fixed-size values.
+
+#include "algorithm/RegionProjector.h"
+#include "algorithm/SceneAccess.h"
+#include "base/Indices.h"
+#include "kernel/Docking.h"
+#include "kernel/Split.h"
+#include "utils/Reports.h"
+#include "utils/Shapes.h"
+
+#include <lumivane/algorithm/ProjectionType.h>
+#include <lumivane/algorithm/ShotCreator.h>
+#include <lumivane/base/View.h>
+#include <lumivane/cmd/CmdManager.h>
+#include <lumivane/cmd/Log.h>
+#include <lumivane/geometry/EdgeStartPoint2d.h>
+#include <lumivane/geometry/EdgeStartPoint3d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/scene/Object.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Lumivane::Algorithm {
+
+using Geometry::EdgeStartPoint2d;
+using Geometry::EdgeStartPoint3d;
+using Kernel::Vec3;
+
+namespace {
+
+// The region that holds the camera is split this many times finer.
+constexpr std::int64_t CameraRegionFactor = 300;
+
+ShotCreator::ProjectedPolygon edgeStartPoints(const PlanePolygon& polygon) {
+  ShotCreator::ProjectedPolygon result;
+  result.reserve(polygon.size());
+  for (const PlanePoint& point : polygon) {
+    result.push_back(new EdgeStartPoint2d(point.at.x, point.at.y));
+    result.back()->setHasEdge(point.hasEdge);
+  }
+  return result;
+}
+
+std::vector<Vec3> regionPointsOf(Geometry::Region* region, Geometry::Points3d* points) {
+  std::vector<Vec3> result;
+  if (region == nullptr) return result;
+  for (const int number : numbersOf(region->getPoints())) {
+    result.push_back(scenePoint(points, number));
+  }
+  return result;
+}
+
+// The frame of a view: forward, and the direction to the left of the picture.
+Kernel::BackFrame frameOfView(Base::View& view) {
+  const Vec3 up = Utils::reported(Kernel::normalise(upOf(view)));
+  const Vec3 forward = Utils::reported(Kernel::normalise(forwardOf(view)));
+  const Vec3 right = Utils::reported(Kernel::normalise(Kernel::cross(up, forward)));
+  return Kernel::backFrame(right, forward);
+}
+
+std::vector<std::vector<Vec3>> plainPolygons(const std::vector<ShotCreator::Polygon>& polygons) {
+  std::vector<std::vector<Vec3>> result;
+  result.reserve(polygons.size());
+  for (const ShotCreator::Polygon& polygon : polygons) result.push_back(Utils::toVec3s(polygon));
+  return result;
+}
+
+ShotCreator::RegionProjections* edgeStartPoints(
+    const std::vector<std::vector<PlanePolygon>>& regions) {
+  auto* result = new ShotCreator::RegionProjections(regions.size());
+  for (std::size_t r = 0; r < regions.size(); ++r) {
+    for (const PlanePolygon& polygon : regions[r]) {
+      (*result)[r].push_back(edgeStartPoints(polygon));
+    }
+  }
+  return result;
+}
+
+[[noreturn]] void throwEndlessSplitting(const Scene::Object& object, std::size_t regionIndex) {
+  throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
+                          std::to_string(regionIndex + 1) +
+                          ": no splitting brings its pieces below the length limit");
+}
+
+}  // namespace
+
+std::vector<EdgeStartPoint3d*> ShotCreator::splitPoints(std::vector<int>* dockingEdges,
+                                                        Polygon polygon, int segmentCount) {
+  const std::vector<Vec3> corners = Utils::toVec3s(polygon);
+  std::vector<std::pair<Vec3, bool>> split;
+  std::vector<Vec3> edgePoints;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    edgePoints.clear();
+    const Vec3 next = corners[(i + 1) % corners.size()];
+    if (!Kernel::appendSplitEdge(corners[i], next, segmentCount, edgePoints)) return {};
+    const bool hasEdge = !holdsNumber(dockingEdges, static_cast<std::int64_t>(i) + 1);
+    for (const Vec3& point : edgePoints) split.emplace_back(point, hasEdge);
+  }
+
+  std::vector<EdgeStartPoint3d*> result;
+  result.reserve(split.size());
+  for (const auto& [point, hasEdge] : split) {
+    result.push_back(new EdgeStartPoint3d(point.x, point.y, point.z));
+    result.back()->setHasEdge(hasEdge);
+  }
+  return result;
+}
+
+ShotCreator::ProjectedPolygon ShotCreator::projectPointsRadial(std::vector<int>* dockingEdges,
+                                                               Polygon polygon,
+                                                               Polygon regionPoints, Point eye,
+                                                               Point right, Point forward,
+                                                               int segmentCount) {
+  RegionProjector projector({ProjectionType::Radial, Utils::toVec3(eye),
+                             Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
+                             dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
+  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
+}
+
+ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>* dockingEdges,
+                                                               Polygon polygon,
+                                                               Polygon regionPoints, Point eye,
+                                                               Point right, Point forward,
+                                                               int segmentCount) {
+  RegionProjector projector({ProjectionType::Square, Utils::toVec3(eye),
+                             Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
+                             dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
+  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
+}
+
+ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
+                                                           RegionPolygons* polygons,
+                                                           ProjectionType type) {
+  const std::optional<ProjectionType> acting = actingType(type);
+  // Plain values until all is done: an exception then leaves nothing behind.
+  std::vector<std::vector<PlanePolygon>> projected(Base::countOf(polygons));
+  for (std::size_t r = 0; r < projected.size(); ++r) {
+    const int index = static_cast<int>(r);
+    Geometry::Region* region = object->getRegions()->getRegion(index);
+    // Wrong numbers and a view without a frame are found for every region, projected or not.
+    std::vector<Vec3> regionPoints = regionPointsOf(region, points);
+    const Kernel::BackFrame frame = frameOfView(*view);
+    if (!acting) continue;
+
+    const std::vector<int>* docking = region == nullptr ? nullptr : region->getDockingEdges();
+    RegionProjector projector(
+        {*acting, eyeOf(*view), frame, docking, std::move(regionPoints), pointsPrecision});
+    std::int64_t firstCount = Cmd::CmdManager::minSegmentsNumber;
+    if (index == object->getCameraInRegionIndex()) firstCount *= CameraRegionFactor;
+    auto result = projector.settle(plainPolygons((*polygons)[r]), firstCount,
+                                   Cmd::CmdManager::maxSegmentsLength);
+    if (!result) throwEndlessSplitting(*object, r);
+    projected[r] = std::move(result->polygons);
+  }
+  return edgeStartPoints(projected);
+}
+
+std::vector<std::vector<int>> ShotCreator::getDockingEdges(std::vector<ProjectedPolygon> polygons) {
+  std::vector<std::vector<Kernel::Vec2>> plain(polygons.size());
+  for (std::size_t i = 0; i < polygons.size(); ++i)
+    for (const EdgeStartPoint2d* point : polygons[i])
+      plain[i].push_back({point->getX(), point->getY()});
+  return Kernel::dockingEdges(plain, pointsPrecision);
+}
+
+void ShotCreator::printPoints(Polygon polygon) {
+  if (polygon.empty()) return;
+  Cmd::logMessage("[\n");
+  for (const Point& point : polygon) {
+    Cmd::logMessage("[");
+    for (const double coordinate : point) Cmd::logMessage("%g ", coordinate);
+    Cmd::logMessage("]\n");
+  }
+  Cmd::logMessage("]\n");
+}
+
+}  // namespace Lumivane::Algorithm
