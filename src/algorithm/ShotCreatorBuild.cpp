@@ -7,6 +7,7 @@
 #include "kernel/PointPool.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
+#include <lumivane/algorithm/ProjectionType.h>
 #include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/Brush.h>
 #include <lumivane/base/Brushes.h>
@@ -105,9 +106,7 @@ void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::si
   }
 }
 
-}  // namespace
-
-/// Makes the regions of a shot, object by object, merging their points into one list.
+// Makes the regions of a shot, object by object, merging their points into one list.
 class ShotBuilder {
  public:
   ShotBuilder(Shot::Shot2d& builtShot, int colourProperty, double edgePrecision)
@@ -215,6 +214,8 @@ class ShotBuilder {
   int propertyNum;
   double dockingPrecision;
 };
+
+}  // namespace
 
 Shot::Shot2d* ShotCreator::buildShot() {
   UnfinishedShot shot = newShot(view);
