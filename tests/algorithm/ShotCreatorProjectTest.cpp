@@ -99,14 +99,13 @@ std::vector<std::vector<Kernel::Vec3>> plainPolygons(const Json& polygons) {
 const VectorTests regionVectors("projectRegion", [](const VectorCase& c) {
   checkedRun(c, [&] {
     const bool isRadial = c.in["type"] == "Radial";
-    RegionProjector projector(
-        {isRadial ? ProjectionType::Radial : ProjectionType::Square,
-         Utils::toVec3(toVector(c.in["eye"])),
-         Kernel::backFrame(Utils::toVec3(toVector(c.in["right"])),
-                           Utils::toVec3(toVector(c.in["forward"]))),
-         nullptr,
-         {},
-         1e-07});
+    RegionProjector projector({isRadial ? ProjectionType::Radial : ProjectionType::Square,
+                               Utils::toVec3(toVector(c.in["eye"])),
+                               Kernel::backFrame(Utils::toVec3(toVector(c.in["right"])),
+                                                 Utils::toVec3(toVector(c.in["forward"]))),
+                               nullptr,
+                               {},
+                               1e-07});
     const auto result = projector.settle(plainPolygons(c.in["polygons"]), c.in["first"],
                                          toDouble(c.in["maxSegmentsLength"]));
     ASSERT_TRUE(result);
@@ -218,7 +217,8 @@ std::string dockingError(std::vector<int> docking, const Polygon& regionPoints) 
 TEST(ProjectPointsRadial, DockingNumberBelowOneIsTakenWithItsSign) {
   EXPECT_EQ("invalid vector subscript", dockingError({0}, wallAhead()));
   EXPECT_EQ("invalid vector subscript", dockingError({-3}, wallAhead()));  // its end is at -3
-  EXPECT_EQ("invalid vector subscript", dockingError({std::numeric_limits<int>::min()}, wallAhead()));
+  EXPECT_EQ("invalid vector subscript",
+            dockingError({std::numeric_limits<int>::min()}, wallAhead()));
   EXPECT_EQ("nothing thrown", dockingError({0}, {{3, 0, 0}}));  // -1 modulo 1 is 0
 }
 
@@ -231,17 +231,17 @@ TEST(ProjectPointsRadial, PointsCloserThanThePrecisionCollapseIntoTheFirst) {
   // Far away, two corners fall together; the second is the start of a docking edge.
   const Polygon far = {{1e6, 0, 0}, {1e6, 0.01, 0}, {1e6, 1e6, 0}, {1e6, 1e6, 1e6}};
   std::vector<int> docking = {2};
-  const auto points = taken(
-      ShotCreatorProbe::projectPointsRadial(&docking, far, far, Origin, Right, Forward, 1));
+  const auto points =
+      taken(ShotCreatorProbe::projectPointsRadial(&docking, far, far, Origin, Right, Forward, 1));
   ASSERT_EQ(3u, points.size());
   EXPECT_TRUE(points[0].hasEdge);
 }
 
 TEST(ProjectPointsRadial, FirstAndLastPointAreNotCompared) {
   const Polygon far = {{1e6, 0, 0}, {1e6, 1e6, 0}, {1e6, 1e6, 1e6}, {1e6, 0.01, 0}};
-  EXPECT_EQ(4u, taken(ShotCreatorProbe::projectPointsRadial(nullptr, far, far, Origin, Right,
-                                                            Forward, 1))
-                    .size());
+  EXPECT_EQ(
+      4u, taken(ShotCreatorProbe::projectPointsRadial(nullptr, far, far, Origin, Right, Forward, 1))
+              .size());
 }
 
 const std::string ZeroLength = "Zero-length vector cannot be normalized\n";
@@ -261,12 +261,13 @@ TEST(ProjectPointsSquare, NoFrameEndsAtTheFirstPoint) {
   EXPECT_EQ(ZeroLength + Singular, printed);
 }
 
-// Two nearly parallel directions: a third without length, and yet a determinant.
+// Two tiny directions, nearly parallel: a third without length, and yet a determinant.
 TEST(ProjectPointsSquare, MessageOfAThirdWithoutLengthComesForEveryPoint) {
-  const Coordinates right = {1e154, 1e-160, 0};
-  const Coordinates forward = {1e154, 2e-160, 0};
+  const Coordinates right = {0x1.70887af69a4e2p-246, 0, 0x1.48365721697aep-246};
+  const Coordinates forward = {0x1.46284b3a6770dp-246, 0, 0x1.22790b2d959aep-246};
   const auto frame = Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward));
-  if (!frame.thirdHasNoLength || frame.singular) GTEST_SKIP() << "no such frame";
+  ASSERT_TRUE(frame.thirdHasNoLength);
+  ASSERT_FALSE(frame.singular);
   EXPECT_EQ(ZeroLength + ZeroLength + ZeroLength + ZeroLength, capturedStdout([&] {
               taken(ShotCreatorProbe::projectPointsSquare(nullptr, wallAhead(), wallAhead(), Origin,
                                                           right, forward, 1));
@@ -307,8 +308,8 @@ TEST(ProjectPoints, WithoutALimitEveryEdgeIsCutOnce) {
   p.shotScene.addRegion(p.object, wallAhead());
   p.polygons = {{wallAhead()}};
   for (const double noLimit : {0.0, 1.5}) {
-    const SegmentSettings settings(7, noLimit);
-    EXPECT_EQ(28u, p.project(ProjectionType::Radial)[0][0].size());
+    const SegmentSettings settings(4, noLimit);
+    EXPECT_EQ(16u, p.project(ProjectionType::Radial)[0][0].size());
   }
 }
 
@@ -459,9 +460,8 @@ TEST(ProjectPoints, ParallelDirectionsPrintForEveryRegionAndEndAtTheFirstPoint) 
   p.shotScene.setUp({2, 0, 0});
   p.polygons = {{{}}, {wallAhead()}};
   std::string text;
-  const std::string printed = capturedStdout([&] {
-    text = thrownText<std::out_of_range>([&] { p.project(ProjectionType::Radial); });
-  });
+  const std::string printed = capturedStdout(
+      [&] { text = thrownText<std::out_of_range>([&] { p.project(ProjectionType::Radial); }); });
   EXPECT_EQ("invalid vector subscript", text);
   EXPECT_EQ(ZeroLength + ZeroLength + ZeroLength + Singular, printed);
 }
@@ -483,15 +483,16 @@ TEST(GetDockingEdges, PiecesOfASharedEdgeAreAllFound) {
 }
 
 TEST(GetDockingEdges, OnePolygonHasAnEmptyList) {
-  EXPECT_EQ((Numbers{{}}), ShotCreatorProbe::getDockingEdges(
-                               PlanePolygons({{{0, 0}, {1, 0}, {0, 1}}}).pointers));
+  EXPECT_EQ((Numbers{{}}),
+            ShotCreatorProbe::getDockingEdges(PlanePolygons({{{0, 0}, {1, 0}, {0, 1}}}).pointers));
 }
 
 // ---- The debug aid ---------------------------------------------------------------------------
 
 TEST(PrintPoints, PrintsALineForEachPoint) {
-  EXPECT_EQ("[\n[1 2.5 -3 ]\n[4 ]\n]\n",
-            capturedStdout([] { ShotCreatorProbe::printPoints({{1, 2.5, -3}, {4}}); }));
+  EXPECT_EQ("[\n[1 2.5 -3 ]\n[4 ]\n]\n", capturedStdout([] {
+              ShotCreatorProbe::printPoints({{1, 2.5, -3}, {4}});
+            }));
 }
 
 TEST(PrintPoints, AnEmptyPolygonPrintsNothing) {

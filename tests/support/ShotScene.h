@@ -42,8 +42,8 @@ namespace Lumivane::Test {
 using Coordinates = std::vector<double>;
 using PolygonPoints = std::vector<Coordinates>;
 
-/// A square of the side 2 across the x axis at `x`, wound clockwise as seen from the origin, so that
-/// an eye there keeps it.
+/// A square of the side 2 across the x axis at `x`, wound clockwise as seen from the origin, so
+/// that an eye there keeps it.
 inline PolygonPoints wallAhead(double x = 3.0) {
   return {{x, -1, -1}, {x, 1, -1}, {x, 1, 1}, {x, -1, 1}};
 }
