@@ -1,9 +1,15 @@
 #include "support/JsonText.h"
 
+#include <lumivane/algorithm/ShotParameters.h>
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewNormalCamera.h>
 #include <lumivane/base/ViewOrientation3D.h>
 #include <lumivane/base/ViewSphericalCamera.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -52,6 +58,23 @@ TEST(View, ReadingChangesNothing) {
   read(view, "[1,2,3]");
   EXPECT_EQ(&camera, view.getCamera());
   EXPECT_EQ(ViewDisplayStyle::Filled, view.getDisplayStyle());
+}
+
+TEST(View, OnlyACameraOfADefinedKindYieldsAShot) {
+  class BareCamera : public ViewCamera {};
+  BareCamera bare;
+  ViewSphericalCamera spherical;
+  ViewOrientation3D orientation;
+  Scene::Scene3D scene;
+  scene.setObjects(new Scene::Objects());
+  Algorithm::ShotParameters parameters;
+  View view;
+  view.setOrientation(&orientation);
+  view.setCamera(&bare);
+  EXPECT_EQ(nullptr, scene.makeShot(&view, &parameters));
+  view.setCamera(&spherical);
+  const std::unique_ptr<Shot::Shot2d> shot(scene.makeShot(&view, &parameters));
+  EXPECT_NE(nullptr, shot);
 }
 
 TEST(ViewDisplayStyle, HasItsNumbers) {
