@@ -99,7 +99,7 @@ void setFaceValue(Scene::Scene3D& scene, const Json& entry) {
   valued->setProperty(entry.at(2).get<int>(), Lumivane::Test::toDouble(entry.at(3)));
 }
 
-Json eyeOf(const Base::View& view) { return view.getOrientation()->getEyePosition()->toVector(); }
+Json eyeOf(Base::View& view) { return view.getOrientation()->getEyePosition()->toVector(); }
 
 Json overrideColorOf(Geometry::Region2d& region) {
   if (!region.getOverrideColor()) return nullptr;

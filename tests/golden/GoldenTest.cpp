@@ -36,7 +36,7 @@ Json jsonOf(const fs::path& path) {
   return text.empty() ? Json() : Json::parse(text);
 }
 
-std::string quoted(const std::string& text) {
+std::string shellQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return result + "'";
@@ -54,7 +54,7 @@ class Scratch {
   ~Scratch() { fs::remove_all(path_); }
   const fs::path& path() const { return path_; }
   int run(const std::string& command) const {
-    return std::system(("cd " + quoted(path_.string()) + " && " + command).c_str());
+    return std::system(("cd " + shellQuoted(path_.string()) + " && " + command).c_str());
   }
 
  private:
@@ -114,8 +114,8 @@ void expectStats(const Json& expected, const Json& actual, const fs::path& folde
 
 void checkLibrary(const fs::path& folder, const std::string& name) {
   const Scratch scratch;
-  ASSERT_EQ(0, scratch.run(quoted(caseProgram) + " " + quoted(folder.string()) + " " +
-                           quoted(name) + " out >console.txt"))
+  ASSERT_EQ(0, scratch.run(shellQuoted(caseProgram) + " " + shellQuoted(folder.string()) + " " +
+                           shellQuoted(name) + " out >console.txt"))
       << textOf(scratch.path() / "console.txt");
   const Json expected = jsonOf(folder / (name + ".stats.json"));
   const Json actual = jsonOf(scratch.path() / "out.stats.json");
@@ -141,8 +141,8 @@ std::string coordinates(const Json& json, const char* key, const std::string& ot
 
 std::string shotCommand(const fs::path& folder, const std::string& name, const Json& view) {
   std::ostringstream command;
-  command << quoted(lumivaneProgram) << " shot "
-          << quoted((folder / (name + ".scene.json")).string())
+  command << shellQuoted(lumivaneProgram) << " shot "
+          << shellQuoted((folder / (name + ".scene.json")).string())
           << " --eye=" << coordinates(view, "eye", "0,0,0")
           << " --forward=" << coordinates(view, "forward", "1,0,0")
           << " --up=" << coordinates(view, "up", "0,0,1") << " --camera "
