@@ -1,0 +1,330 @@
+// The camera against the scene, and the choice of polygons by their normals.
+
+#include "algorithm/CellNormals.h"
+#include "support/Capture.h"
+#include "support/ShotCreatorProbe.h"
+#include "support/ShotScene.h"
+#include "support/Vectors.h"
+
+#include <lumivane/utils/VtkUtils.h>
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Test {
+namespace {
+
+using Utils::VtkUtils;
+
+// A direction that is not parallel to `forward`.
+Coordinates someUp(const Coordinates& forward) {
+  return std::abs(forward[2]) > std::abs(forward[0]) ? Coordinates{1, 0, 0} : Coordinates{0, 0, 1};
+}
+
+// ---- The cases of the data files -------------------------------------------------------------
+
+const VectorTests areaVectors("isPointInArea3dConvex", [](const VectorCase& c) {
+  checkedRun(c, [&] {
+    EXPECT_EQ(c.out.get<bool>(), ShotCreatorProbe::isPointInArea3dConvex(
+                                     toVector(c.in["point"]), toVectors(c.in["polygon"])));
+  });
+});
+
+const VectorTests normalVectors("cellNormals", [](const VectorCase& c) {
+  std::vector<std::vector<double>> normals;
+  for (const auto& cell :
+       Algorithm::normalCells(VtkUtils::createPolydataFromPolygon(toVectors(c.in["polygon"])))) {
+    normals.push_back({cell.normal.x, cell.normal.y, cell.normal.z});
+  }
+  EXPECT_TRUE(sameBits(toVectors(c.out), normals));
+});
+
+const VectorTests shiftVectors("cameraShift", [](const VectorCase& c) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, toVectors(c.in["polygon"]));
+  s.setEye(toVector(c.in["eye"]));
+  s.setForward(toVector(c.in["forward"]));
+  s.setUp(someUp(toVector(c.in["forward"])));
+  s.parameters.setD1(toDouble(c.in["D1"]));
+  s.parameters.setD2(toDouble(c.in["D2"]));
+  capturedStdout([&] { s.makeShot(); });
+  EXPECT_TRUE(sameBits(toVector(c.out[0]), s.eye()));
+  EXPECT_EQ(c.out[1].get<int>(), object.getCameraInRegionIndex());
+});
+
+const VectorTests visibleVectors("visiblePolygons", [](const VectorCase& c) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, toVectors(c.in["polygon"]));
+  s.setEye(toVector(c.in["eye"]));
+  s.setForward(toVector(c.in["forward"]));
+  s.setUp(someUp(toVector(c.in["forward"])));
+  s.parameters.setD1(0.0);
+  capturedStdout([&] { s.makeShot(); });
+  ASSERT_NE(nullptr, object.getRegionsVisiblePolygons());
+  const auto& polygons = (*object.getRegionsVisiblePolygons())[0];
+  ASSERT_EQ(c.out.size(), polygons.size());
+  for (std::size_t i = 0; i < polygons.size(); ++i) {
+    EXPECT_TRUE(sameBits(toVectors(c.out[i]), polygons[i])) << "polygon " << i;
+  }
+});
+
+// ---- Over a polygon --------------------------------------------------------------------------
+
+const PolygonPoints Square = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
+
+bool isOverSquare(const Coordinates& point) {
+  return ShotCreatorProbe::isPointInArea3dConvex(point, Square);
+}
+
+TEST(IsPointInArea3dConvex, CentreAndEdgesAreInAndCornersAreOut) {
+  EXPECT_TRUE(isOverSquare({1, 1, 0}));
+  EXPECT_TRUE(isOverSquare({1, 0, 0}));
+  EXPECT_FALSE(isOverSquare({0, 0, 0}));
+}
+
+TEST(IsPointInArea3dConvex, FarOutAndAboveAreOut) {
+  EXPECT_FALSE(isOverSquare({50, 1, 0}));
+  EXPECT_FALSE(isOverSquare({1, 1, 0.5}));
+}
+
+TEST(IsPointInArea3dConvex, NoPolygonHasNoArea) {
+  EXPECT_FALSE(ShotCreatorProbe::isPointInArea3dConvex({0, 0, 0}, {}));
+}
+
+// ---- The shift -------------------------------------------------------------------------------
+
+// A wall in the plane y = 2, seen by an eye that looks along it: its normal is (0, 1, 0).
+const PolygonPoints SideWall = {{-4, 2, -3}, {-4, 2, 3}, {4, 2, 3}, {4, 2, -3}};
+
+struct Shift {
+  Coordinates eye;
+  int cameraInRegionIndex;
+};
+
+Shift shiftAt(const Coordinates& eye, const Coordinates& forward) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, {{20, 20, 0}, {20, 21, 0}, {20, 20, 1}});
+  s.addRegion(object, SideWall, 2);
+  s.setEye(eye);
+  s.setForward(forward);
+  capturedStdout([&] { s.makeShot(); });
+  return {s.eye(), object.getCameraInRegionIndex()};
+}
+
+TEST(CameraShift, EyeOnAWallIsSteppedFiveTimesD1Behind) {
+  const Shift shift = shiftAt({0, 1.995, 0}, {1, 0, 0});
+  EXPECT_EQ(0.0, shift.eye[0]);
+  EXPECT_NEAR(1.95, shift.eye[1], 1e-12);
+  EXPECT_EQ(0.0, shift.eye[2]);
+  EXPECT_EQ(1, shift.cameraInRegionIndex);
+}
+
+TEST(CameraShift, EyeThatLooksAwayFromTheWallStays) {
+  const double degrees2 = 2.0 * 3.141592653589793 / 180.0;
+  const Shift shift = shiftAt({0, 1.995, 0}, {std::cos(degrees2), std::sin(degrees2), 0});
+  EXPECT_EQ((Coordinates{0, 1.995, 0}), shift.eye);
+  EXPECT_EQ(-1, shift.cameraInRegionIndex);
+}
+
+TEST(CameraShift, EyeInThePlaneButBesideTheOutlineStays) {
+  const Shift shift = shiftAt({0, 2, 5}, {1, 0, 0});
+  EXPECT_EQ((Coordinates{0, 2, 5}), shift.eye);
+  EXPECT_EQ(-1, shift.cameraInRegionIndex);
+}
+
+TEST(CameraShift, EyeAtTheDistanceD1Stays) {
+  EXPECT_EQ((Coordinates{0, 1.75, 0}), [] {
+    ShotScene s;
+    s.addRegion(s.addObject(), SideWall);
+    s.setEye({0, 1.75, 0});
+    s.parameters.setD1(0.25);
+    capturedStdout([&] { s.makeShot(); });
+    return s.eye();
+  }());
+}
+
+// The second cell starts from the eye before the object, not from where the first put it.
+TEST(CameraShift, LastHitWinsAndStartsFromTheEyeBeforeTheObject) {
+  const PolygonPoints back(SideWall.rbegin(), SideWall.rend());
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, SideWall);
+  s.addRegion(object, back, 2);  // culled at this eye, and yet it shifts
+  s.setEye({0, 1.995, 0});
+  capturedStdout([&] { s.makeShot(); });
+  EXPECT_NEAR(2.05, s.eye()[1], 1e-12);
+  EXPECT_EQ(1, object.getCameraInRegionIndex());
+}
+
+TEST(CameraShift, LaterObjectsUseTheNewEye) {
+  ShotScene s;
+  s.addRegion(s.addObject("wall"), SideWall);
+  Scene::Object& later = s.addObject("later");
+  // Its plane y = 1.97 lies between the old eye and the new one.
+  s.addRegion(later, {{5, 1.97, -3}, {5, 1.97, 3}, {9, 1.97, 3}, {9, 1.97, -3}});
+  s.setEye({0, 1.995, 0});
+  capturedStdout([&] { s.makeShot(); });
+  EXPECT_FALSE((*later.getRegionsVisiblePolygons())[0][0].empty());
+}
+
+TEST(CameraShift, IndexStaysFromShotToShot) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, SideWall);
+  s.setEye({0, 1.995, 0});
+  capturedStdout([&] { s.makeShot(); });
+  s.forget();
+  s.setEye({0, 0, 0});
+  capturedStdout([&] { s.makeShot(); });
+  EXPECT_EQ(0, object.getCameraInRegionIndex());
+  EXPECT_GE((*object.getRegionsProjectedPolygons())[0][0].size(), 7000u);
+}
+
+TEST(CheckCameraOnPolygonAndShift, ChangesNothing) {
+  ShotScene s;
+  s.setEye({0, 1.995, 0});
+  ShotCreatorProbe creator;
+  creator.setView(&s.view);
+  ShotCreatorProbe::PolyDataList list = {VtkUtils::createPolydataFromPolygon(SideWall)};
+  creator.checkCameraOnPolygonAndShift(&list);
+  creator.checkCameraOnPolygonAndShift(nullptr);
+  EXPECT_EQ((Coordinates{0, 1.995, 0}), s.eye());
+}
+
+// ---- The choice by normals -------------------------------------------------------------------
+
+std::vector<PolygonPoints> visibleOf(const PolygonPoints& polygon, const Coordinates& eye) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, polygon);
+  s.setEye(eye);
+  capturedStdout([&] { s.makeShot(); });
+  return (*object.getRegionsVisiblePolygons())[0];
+}
+
+TEST(VisiblePolygons, PolygonSeenFromItsWrongSideLeavesAnEmptyOne) {
+  EXPECT_EQ((std::vector<PolygonPoints>{{}}), visibleOf(reversed(wallAhead()), {0, 0, 0}));
+  EXPECT_EQ((std::vector<PolygonPoints>{wallAhead()}), visibleOf(wallAhead(), {0, 0, 0}));
+}
+
+TEST(VisiblePolygons, PolygonWithItsFirstPointAtTheEyeIsKept) {
+  const PolygonPoints atEye = {{0, 0, 0}, {1, 1, 0}, {1, 0, 1}};
+  EXPECT_EQ(1u, visibleOf(atEye, {0, 0, 0}).size());
+  EXPECT_FALSE(visibleOf(atEye, {0, 0, 0})[0].empty());
+  const PolygonPoints turned = {{0, 0, 0}, {1, 0, 1}, {1, 1, 0}};
+  EXPECT_FALSE(visibleOf(turned, {0, 0, 0})[0].empty());
+}
+
+TEST(VisiblePolygons, PolygonSeenAlongItsPlaneIsDropped) {
+  EXPECT_EQ((std::vector<PolygonPoints>{{}}),
+            visibleOf({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}, {0, 0, 0}));
+}
+
+TEST(VisiblePolygons, AngleThatIsNoNumberAppendsNothing) {
+  // A corner beyond single precision: its cell has a normal that is no number.
+  const double huge = 1e200;
+  EXPECT_TRUE(visibleOf({{huge, -1, -1}, {3, 1, -1}, {3, 1, 1}}, {0, 0, 0}).empty());
+}
+
+// ---- In an object ----------------------------------------------------------------------------
+
+// All sides are wound so that their normals point outward.
+const std::vector<PolygonPoints> BoxSides = {
+    {{-1, -1, -1}, {-1, 1, -1}, {1, 1, -1}, {1, -1, -1}},
+    {{-1, -1, 1}, {1, -1, 1}, {1, 1, 1}, {-1, 1, 1}},
+    {{-1, -1, -1}, {1, -1, -1}, {1, -1, 1}, {-1, -1, 1}},
+    {{-1, 1, -1}, {-1, 1, 1}, {1, 1, 1}, {1, 1, -1}},
+    {{-1, -1, -1}, {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}},
+    {{1, -1, -1}, {1, 1, -1}, {1, 1, 1}, {1, -1, 1}},
+};
+
+ShotCreatorProbe::PolyDataList boxInSixPieces() {
+  ShotCreatorProbe::PolyDataList list;
+  for (const PolygonPoints& side : BoxSides) {
+    list.push_back(VtkUtils::createPolydataFromPolygon(side));
+  }
+  return list;
+}
+
+ShotCreatorProbe::PolyDataList boxInOnePiece() {
+  const vtkNew<vtkPoints> points;
+  const vtkNew<vtkCellArray> cells;
+  for (const PolygonPoints& side : BoxSides) {
+    vtkIdType ids[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+      ids[i] = points->InsertNextPoint(side[i][0], side[i][1], side[i][2]);
+    }
+    cells->InsertNextCell(4, ids);
+  }
+  const auto box = vtkSmartPointer<vtkPolyData>::New();
+  box->SetPoints(points);
+  box->SetPolys(cells);
+  return {box};
+}
+
+bool isInObject(ShotCreatorProbe::PolyDataList list, const Coordinates& eye) {
+  ShotScene s;
+  s.setEye(eye);
+  s.setForward({3, 0.4, 0.2});
+  ShotCreatorProbe creator;
+  creator.setView(&s.view);
+  return creator.isCameraInObject(&list);
+}
+
+TEST(IsCameraInObject, EyeInABoxIsIn) {
+  EXPECT_TRUE(isInObject(boxInOnePiece(), {0, 0, 0}));
+  EXPECT_TRUE(isInObject(boxInSixPieces(), {0, 0, 0}));
+}
+
+TEST(IsCameraInObject, EyeBesideABoxIsOut) {
+  EXPECT_FALSE(isInObject(boxInOnePiece(), {-3, 0, 0}));   // two crossings
+  EXPECT_FALSE(isInObject(boxInSixPieces(), {-3, 0, 0}));  // two crossings
+  EXPECT_FALSE(isInObject(boxInSixPieces(), {3, 0, 0}));   // none
+}
+
+TEST(IsCameraInObject, NoDataHoldsNothing) {
+  ShotCreatorProbe creator;
+  EXPECT_FALSE(creator.isCameraInObject(nullptr));
+  EXPECT_FALSE(isInObject({}, {0, 0, 0}));
+  EXPECT_FALSE(isInObject({vtkSmartPointer<vtkPolyData>::New(), nullptr}, {0, 0, 0}));
+}
+
+// ---- Cells and normals -----------------------------------------------------------------------
+
+TEST(NormalCells, NormalsThatAreThereAreTaken) {
+  const auto data = VtkUtils::createPolydataFromPolygon(Square);
+  const auto withNormals = vtkSmartPointer<vtkPolyData>::New();
+  Algorithm::copyWithCellNormals(data, withNormals);
+  withNormals->GetCellData()->GetNormals()->SetTuple3(0, 0, 1, 0);
+  const auto cells = Algorithm::normalCells(withNormals);
+  ASSERT_EQ(1u, cells.size());
+  EXPECT_EQ((Kernel::Vec3{0, 1, 0}), cells[0].normal);
+}
+
+TEST(NormalCells, VerticesAndLinesAreLeftOut) {
+  const auto data = VtkUtils::createPolydataFromPolygon(Square);
+  const vtkNew<vtkCellArray> lines;
+  lines->InsertNextCell({0, 1, 2});
+  data->SetLines(lines);
+  const vtkNew<vtkCellArray> vertices;
+  vertices->InsertNextCell({3});
+  data->SetVerts(vertices);
+  const auto cells = Algorithm::normalCells(data);
+  ASSERT_EQ(1u, cells.size());
+  EXPECT_EQ(4u, cells[0].polygon.size());
+}
+
+TEST(NormalCells, DataWithoutPolygonsHasNone) {
+  EXPECT_TRUE(Algorithm::normalCells(vtkSmartPointer<vtkPolyData>::New()).empty());
+}
+
+}  // namespace
+}  // namespace Lumivane::Test
