@@ -7,6 +7,7 @@
 #include "utils/Shapes.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
+#include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/utils/LinearGeometryUtils.h>
 
 #include <algorithm>
@@ -59,6 +60,10 @@ bool DepthSortAlgorithmExecutor::intersect(const Point& a, const Point& b, const
 
 bool DepthSortAlgorithmExecutor::isContainsPointArea(const Polygon& polygon, const Point& point) {
   return Kernel::containsPoint(Utils::toVec2s(polygon), Utils::toVec2(point));
+}
+
+bool DepthSortAlgorithmExecutor::isPolygonsEquals(Polygon first, Polygon second) {
+  return Kernel::eachHasEqual(first, second, ShotCreator::isPoints3dEquals);
 }
 
 IntersectionType DepthSortAlgorithmExecutor::getPolygonsIntersectionType(Polygon* first,

@@ -1,0 +1,236 @@
+#include "kernel/Classify.h"
+#include "plain/DepthSort.h"
+#include "support/Vectors.h"
+#include "utils/Shapes.h"
+
+#include <cstddef>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Test {
+namespace {
+
+using Kernel::Cell;
+using Kernel::FaceShape;
+using Plain::Matrix;
+
+const std::string ZeroLength = "Zero-length vector cannot be normalized\n";
+
+FaceShape shapeOf(const Plain::Face& face) {
+  FaceShape shape;
+  Kernel::Box all;
+  for (const Matrix& polygon : face.projected) {
+    const std::vector<Kernel::Vec2> outline = Utils::toVec2s(polygon);
+    const Kernel::Box box = Kernel::boxOf(outline);
+    Kernel::take(all, box);
+    shape.pieces.push_back({outline, box});
+  }
+  shape.bounds = all;
+  for (const Matrix& polygon : face.sources) {
+    const std::vector<Kernel::Vec3> points = Utils::toVec3s(polygon);
+    shape.sources.push_back({points, Kernel::facingOf(points)});
+  }
+  return shape;
+}
+
+// A square that faces an eye at the origin, at the given distance along x, with the picture that a
+// central projection on x = 1 makes of it.
+Plain::Face square(double distance, double centreY, double half) {
+  Plain::Face face;
+  face.sources.push_back({{distance, centreY - half, -half},
+                          {distance, centreY + half, -half},
+                          {distance, centreY + half, half},
+                          {distance, centreY - half, half}});
+  Matrix projected;
+  for (const Plain::Vector& p : face.sources[0]) projected.push_back({-p[1] / p[0], p[2] / p[0]});
+  face.projected.push_back(projected);
+  return face;
+}
+
+Plain::Face both(Plain::Face a, const Plain::Face& b) {
+  a.projected.insert(a.projected.end(), b.projected.begin(), b.projected.end());
+  a.sources.insert(a.sources.end(), b.sources.begin(), b.sources.end());
+  return a;
+}
+
+int cellOf(const Plain::Face& first, const Plain::Face& second) {
+  return Kernel::classifyPair(shapeOf(first), shapeOf(second)).cell;
+}
+
+const VectorTests ClassifyPairVectors("classifyPair", [](const VectorCase& c) {
+  const auto face = [](const Json& json) {
+    Plain::Face result;
+    for (const Json& polygon : json.at("projected")) result.projected.push_back(toVectors(polygon));
+    for (const Json& polygon : json.at("sources")) result.sources.push_back(toVectors(polygon));
+    return result;
+  };
+  checkedRun(c,
+             [&] { EXPECT_EQ(c.out.get<int>(), cellOf(face(c.in.at("I")), face(c.in.at("J")))); });
+});
+
+const VectorTests ReduceLocationsVectors("reduceLocations", [](const VectorCase& c) {
+  checkedRun(c, [&] {
+    EXPECT_EQ(c.out.get<int>(),
+              Kernel::reduceLocations(c.in.at("locations").get<std::vector<int>>()));
+  });
+});
+
+TEST(ReduceLocations, OneNonZeroValueWinsOverAnyNumberOfZeros) {
+  EXPECT_EQ(1, Kernel::reduceLocations({1, 0, 0}));
+  EXPECT_EQ(2, Kernel::reduceLocations({0, 0, 2, 0, 2}));
+}
+
+TEST(ReduceLocations, MoreFrequentValueWinsAndATieGoesToTheSecond) {
+  EXPECT_EQ(2, Kernel::reduceLocations({1, 2}));
+  EXPECT_EQ(1, Kernel::reduceLocations({1, 1, 2}));
+  EXPECT_EQ(2, Kernel::reduceLocations({2, 1, 0, 2}));
+}
+
+TEST(ReduceLocations, ZerosAloneAndNothingAreUndecided) {
+  EXPECT_EQ(0, Kernel::reduceLocations({0, 0}));
+  EXPECT_EQ(0, Kernel::reduceLocations({0}));
+  EXPECT_EQ(0, Kernel::reduceLocations({}));
+}
+
+TEST(ClassifyPair, FaceWithoutBoundsIsApart) {
+  const FaceShape face = shapeOf(square(2, 0, 1));
+  FaceShape unbounded = face;
+  unbounded.bounds.reset();
+  FaceShape empty = face;
+  empty.bounds = Kernel::Box{};
+  for (const FaceShape& other : {unbounded, empty}) {
+    EXPECT_EQ(Cell::Apart, Kernel::classifyPair(face, other).cell);
+    EXPECT_EQ(Cell::Apart, Kernel::classifyPair(other, face).cell);
+  }
+}
+
+TEST(ClassifyPair, PieceWithoutBoundsMeetsNothing) {
+  const FaceShape large = shapeOf(square(2, 0, 1));
+  FaceShape small = shapeOf(square(3, 0, 0.4));
+  ASSERT_EQ(Cell::SecondHidden, Kernel::classifyPair(large, small).cell);
+  small.pieces[0].bounds.reset();
+  EXPECT_EQ(Cell::Apart, Kernel::classifyPair(large, small).cell);
+  EXPECT_EQ(Cell::Apart, Kernel::classifyPair(small, large).cell);
+}
+
+TEST(ClassifyPair, BoundsThatTouchInACornerAreApart) {
+  Plain::Face a = square(2, 0, 1);
+  Plain::Face b = a;
+  a.projected = {{{0, 0}, {1, 0}, {1, 1}, {0, 1}}};
+  b.projected = {{{1, 1}, {2, 1}, {2, 2}, {1, 2}}};
+  EXPECT_TRUE(Kernel::facesMayMeet(shapeOf(a).bounds, shapeOf(b).bounds));
+  EXPECT_EQ(Cell::Apart, cellOf(a, b));
+}
+
+TEST(ClassifyPair, DisjointPolygonsWithOverlappingBoxesAreApart) {
+  Plain::Face a = square(2, 0, 1);
+  Plain::Face b = a;
+  a.projected = {{{0, 0}, {4, 0}, {0, 4}}};
+  b.projected = {{{4, 4}, {1, 4}, {4, 1}}};
+  EXPECT_EQ(Cell::Apart, cellOf(a, b));
+}
+
+TEST(ClassifyPair, SmallFaceBehindALargeFirstIsHidden) {
+  EXPECT_EQ(Cell::SecondHidden, cellOf(square(2, 0, 1), square(3, 0, 0.4)));
+}
+
+TEST(ClassifyPair, SmallFaceInFrontOfALargeFirstIsInFront) {
+  EXPECT_EQ(Cell::SecondInFront, cellOf(square(4, 0, 3), square(3, 0, 0.4)));
+}
+
+TEST(ClassifyPair, SmallFaceBehindALargeSecondIsHidden) {
+  EXPECT_EQ(Cell::FirstHidden, cellOf(square(3, 0, 0.4), square(2, 0, 1)));
+}
+
+TEST(ClassifyPair, FaceOfWhichOnePieceStaysVisibleIsNotHidden) {
+  const Plain::Face small = both(square(3, 0, 0.4), square(3, 1.4, 0.4));
+  EXPECT_EQ(Cell::FirstInFront, cellOf(square(2, 0, 1), small));
+  EXPECT_EQ(Cell::SecondInFront, cellOf(small, square(2, 0, 1)));
+}
+
+TEST(ClassifyPair, FaceWithAllPiecesBehindIsHidden) {
+  const Plain::Face small = both(square(3, 0, 0.4), square(3, 0.9, 0.2));
+  EXPECT_EQ(Cell::SecondHidden, cellOf(square(2, 0, 1), small));
+}
+
+TEST(ClassifyPair, CrossedPolygonsAreNeverHidden) {
+  // The picture is a plus sign, and the bar at distance 2 is in front.
+  Plain::Face flat = square(2, 0, 1);
+  Plain::Face tall = square(3, 0, 1);
+  flat.projected = {{{3, -1}, {-3, -1}, {-3, 1}, {3, 1}}};
+  tall.projected = {{{1, -3}, {-1, -3}, {-1, 3}, {1, 3}}};
+  EXPECT_EQ(Cell::FirstInFront, cellOf(flat, tall));
+  EXPECT_EQ(Cell::SecondInFront, cellOf(tall, flat));
+}
+
+TEST(ClassifyPair, FirstGoesWhenBothAreHidden) {
+  EXPECT_EQ(Cell::FirstHidden, Kernel::cellOf({{1, 2}, {1}, {1}}));
+  EXPECT_EQ(Cell::SecondHidden, Kernel::cellOf({{1, 2}, {1, 0}, {1}}));
+  EXPECT_EQ(Cell::SecondInFront, Kernel::cellOf({{1, 2}, {1, 0}, {0, 1}}));
+  EXPECT_EQ(Cell::Apart, Kernel::cellOf({}));
+}
+
+// Small behind large in both directions: one flag of each face is set, and the vote is a tie.
+TEST(ClassifyPair, FacesThatHideAPieceOfEachOtherBothStay) {
+  const Plain::Face first = both(square(2, 0, 1), square(5, 5, 0.4));
+  const Plain::Face second = both(square(3, 0, 0.4), square(4, 4, 1));
+  EXPECT_EQ(Cell::SecondInFront, cellOf(first, second));
+  EXPECT_EQ(Cell::SecondInFront, cellOf(second, first));
+}
+
+TEST(ClassifyPair, CoplanarOverlapIsUndecided) {
+  EXPECT_EQ(Cell::Undecided, cellOf(square(3, 0, 1), square(3, 0.5, 0.8)));
+}
+
+TEST(ClassifyPair, MissingSourceIsTold) {
+  FaceShape large = shapeOf(square(2, 0, 1));
+  FaceShape small = shapeOf(square(3, 0, 0.4));
+  EXPECT_FALSE(Kernel::classifyPair(large, small).sourceMissing);
+  FaceShape without = small;
+  without.sources.clear();
+  EXPECT_TRUE(Kernel::classifyPair(large, without).sourceMissing);
+  EXPECT_TRUE(Kernel::classifyPair(without, large).sourceMissing);
+  without = shapeOf(square(3, 9, 0.4));
+  without.sources.clear();
+  EXPECT_FALSE(Kernel::classifyPair(large, without).sourceMissing);
+}
+
+TEST(ClassifyPairProperty, AgreesWithThePlainScans) {
+  std::mt19937_64 random(20240731);
+  const auto lattice = [&random](std::uint64_t range) {
+    return static_cast<double>(random() % range);
+  };
+  const auto anyFace = [&] {
+    Plain::Face face;
+    for (std::uint64_t pieces = 1 + random() % 3; pieces > 0; --pieces) {
+      const double x = lattice(5);
+      const double y = lattice(5);
+      const double width = 1 + lattice(7);
+      const double height = 1 + lattice(7);
+      face.projected.push_back(
+          {{x, y}, {x + width + 0.5, y + 0.25}, {x + width, y + height}, {x + 0.25, y + height}});
+      Matrix source;
+      for (int k = 0; k < 4; ++k) source.push_back({lattice(3), lattice(3), lattice(3)});
+      face.sources.push_back(source);
+    }
+    return face;
+  };
+  int counts[6] = {};
+  for (int i = 0; i < 20000; ++i) {
+    const Plain::Face first = anyFace();
+    const Plain::Face second = anyFace();
+    std::string printed;
+    const int expected = Plain::cell(first, second, printed);
+    const Kernel::Classification found = Kernel::classifyPair(shapeOf(first), shapeOf(second));
+    ASSERT_EQ(expected, found.cell) << i;
+    ASSERT_EQ(printed.size(), found.zeroLengthAsked * ZeroLength.size()) << i;
+    ++counts[expected];
+  }
+  for (const int count : counts) EXPECT_GT(count, 20);
+}
+
+}  // namespace
+}  // namespace Lumivane::Test

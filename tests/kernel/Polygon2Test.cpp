@@ -1,0 +1,249 @@
+#include "kernel/Polygon2.h"
+#include "plain/DepthSort.h"
+#include "support/Extremes.h"
+#include "utils/Shapes.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Test {
+namespace {
+
+using Kernel::Meeting;
+using Kernel::Vec2;
+using Utils::toVector;
+using Utils::toVectors;
+using Ring = std::vector<Vec2>;
+
+const Ring UnitSquare{{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+
+TEST(Turn, IsPositiveCounterClockwiseAndZeroOnALine) {
+  EXPECT_EQ(1.0, Kernel::rotate({0, 0}, {1, 0}, {1, 1}));
+  EXPECT_EQ(-1.0, Kernel::rotate({0, 0}, {1, 0}, {1, -1}));
+  EXPECT_EQ(0.0, Kernel::rotate({0, 0}, {1, 1}, {3, 3}));
+}
+
+TEST(SegmentsCross, ProperCrossingIsSeen) {
+  EXPECT_TRUE(Kernel::segmentsCross({0, 0}, {2, 2}, {0, 2}, {2, 0}));
+}
+
+TEST(SegmentsCross, EndPointOnTheOtherSegmentIsNoCrossing) {
+  EXPECT_FALSE(Kernel::segmentsCross({0, 0}, {2, 0}, {1, 0}, {1, 1}));
+  EXPECT_FALSE(Kernel::segmentsCross({1, 0}, {1, 1}, {0, 0}, {2, 0}));
+}
+
+TEST(SegmentsCross, CollinearOverlapIsNoCrossing) {
+  EXPECT_FALSE(Kernel::segmentsCross({0, 0}, {2, 0}, {1, 0}, {3, 0}));
+}
+
+TEST(SegmentsCross, LinesThatMeetOutsideASegmentAreNoCrossing) {
+  EXPECT_FALSE(Kernel::segmentsCross({0, 0}, {1, 1}, {0, 6}, {6, 0}));
+  EXPECT_FALSE(Kernel::segmentsCross({0, 6}, {6, 0}, {0, 0}, {1, 1}));
+}
+
+TEST(SegmentsCross, ProductThatUnderflowsIsNoCrossing) {
+  EXPECT_FALSE(Kernel::segmentsCross({0, 0}, {1e-200, 0}, {5e-201, -1e-200}, {5e-201, 1e-200}));
+}
+
+TEST(ContainsPoint, NothingLiesInAnEmptyPolygon) {
+  EXPECT_FALSE(Kernel::containsPoint({}, {0, 0}));
+}
+
+TEST(ContainsPoint, LeftEdgeIsInsideAndRightEdgeOutside) {
+  EXPECT_TRUE(Kernel::containsPoint(UnitSquare, {0, 0.5}));
+  EXPECT_FALSE(Kernel::containsPoint(UnitSquare, {1, 0.5}));
+}
+
+TEST(ContainsPoint, LowerEndOfAnEdgeCountsAndUpperEndDoesNot) {
+  EXPECT_TRUE(Kernel::containsPoint(UnitSquare, {0.5, 0}));
+  EXPECT_FALSE(Kernel::containsPoint(UnitSquare, {0.5, 1}));
+}
+
+TEST(ContainsPoint, VertexOnTheRayCountsForOneOfItsEdges) {
+  const Ring diamond{{0, -1}, {1, 0}, {0, 1}, {-1, 0}};
+  EXPECT_TRUE(Kernel::containsPoint(diamond, {0, 0}));
+  EXPECT_FALSE(Kernel::containsPoint(diamond, {2, 0}));
+  EXPECT_FALSE(Kernel::containsPoint(diamond, {2, 1}));
+  EXPECT_FALSE(Kernel::containsPoint(diamond, {2, -1}));
+}
+
+TEST(MeetingOf, SquaresSharingAnEdgeDoNotMeet) {
+  const Ring right{{1, 0}, {2, 0}, {2, 1}, {1, 1}};
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(UnitSquare, right));
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(right, UnitSquare));
+}
+
+TEST(MeetingOf, IdenticalSquaresDoNotMeet) {
+  EXPECT_FALSE(Kernel::containsPoint(UnitSquare, {1, 0}));
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(UnitSquare, UnitSquare));
+}
+
+TEST(MeetingOf, BarsOfAPlusSignCross) {
+  const Ring flat{{-3, -1}, {3, -1}, {3, 1}, {-3, 1}};
+  const Ring tall{{-1, -3}, {1, -3}, {1, 3}, {-1, 3}};
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(flat, tall));
+}
+
+TEST(MeetingOf, SmallSquareLiesInALargeOne) {
+  const Ring large{{-5, -5}, {5, -5}, {5, 5}, {-5, 5}};
+  EXPECT_EQ(Meeting::SecondInFirst, Kernel::meetingOf(large, UnitSquare));
+  EXPECT_EQ(Meeting::FirstInSecond, Kernel::meetingOf(UnitSquare, large));
+}
+
+TEST(MeetingOf, TrianglesFarApartDoNotMeet) {
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf({{0, 0}, {1, 0}, {0, 1}}, {{9, 9}, {8, 9}, {9, 8}}));
+}
+
+TEST(MeetingOf, EmptyPolygonLiesInAnyOther) {
+  EXPECT_EQ(Meeting::FirstInSecond, Kernel::meetingOf({}, UnitSquare));
+  EXPECT_EQ(Meeting::SecondInFirst, Kernel::meetingOf(UnitSquare, {}));
+  EXPECT_EQ(Meeting::FirstInSecond, Kernel::meetingOf({}, {}));
+}
+
+// The second polygon has more points than the first, so the edge from its point 2 ends at its
+// point 0 and the edge from its point 3 at its point 1; its true edge from (2, 1) to (2, 3), the
+// only one that crosses the triangle, does not exist for the scan.
+TEST(MeetingOf, EdgesOfTheSecondEndInTheSizeOfTheFirst) {
+  const Ring second{{0, 0}, {4, 0}, {2, 1}, {2, 3}};
+  EXPECT_TRUE((Kernel::edgeOfSecond({{}, {}, {}}, second, 2).end == Vec2{0, 0}));
+  EXPECT_TRUE((Kernel::edgeOfSecond({{}, {}, {}}, second, 3).end == Vec2{4, 0}));
+  EXPECT_TRUE((Kernel::edgeOfSecond(second, second, 2).end == Vec2{2, 3}));
+  const Ring spike{{1.9, 2}, {2.1, 2.1}, {1.9, 2.1}};
+  EXPECT_TRUE(Kernel::segmentsCross(spike[0], spike[1], {2, 1}, {2, 3}));
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(spike, second));
+}
+
+TEST(MeetingOf, SuccessorBeyondTheSecondIsItsFirstPoint) {
+  const Ring triangle{{0, 0}, {4, 0}, {2, 3}};
+  const Ring pentagon{{}, {}, {}, {}, {}};
+  EXPECT_TRUE((Kernel::edgeOfSecond(pentagon, triangle, 2).end == Vec2{0, 0}));
+  EXPECT_TRUE((Kernel::edgeOfSecond(pentagon, triangle, 1).end == Vec2{2, 3}));
+}
+
+TEST(MeetingOf, PointThatIsNoNumberCrossesAndContainsNothing) {
+  constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(UnitSquare, {{NotANumber, 0}, {9, 9}, {9, 8}}));
+}
+
+// --- Against the plain scan, bit for bit ---
+
+using Source = Vec2 (*)(std::mt19937_64&);
+
+Vec2 anyLatticePoint(std::mt19937_64& random) {
+  const double x = static_cast<double>(random() % 6);
+  return {x, static_cast<double>(random() % 6)};
+}
+
+// Points around one line, off it by a few last bits: the signs of their turns are noise.
+Vec2 anyPointNearALine(std::mt19937_64& random) {
+  const double x = static_cast<double>(random() % 9) / 7.0;
+  double y = x * 1.1;
+  for (std::uint64_t steps = random() % 4; steps > 0; --steps) y = std::nextafter(y, 9.0);
+  return {x, y};
+}
+
+Vec2 anyTinyPoint(std::mt19937_64& random) {
+  const Vec2 p = anyLatticePoint(random);
+  return {p.x * 1e-160, p.y * 1e-160};
+}
+
+Ring anyRing(std::mt19937_64& random, Source anyPoint) {
+  Ring ring(random() % 9);
+  for (Vec2& point : ring) point = anyPoint(random);
+  return ring;
+}
+
+void expectPlainMeetings(std::uint64_t seed, Source anyPoint) {
+  std::mt19937_64 random(seed);
+  int counts[4] = {};
+  for (int i = 0; i < 20000; ++i) {
+    const Ring first = anyRing(random, anyPoint);
+    const Ring second = anyRing(random, anyPoint);
+    const int expected = Plain::intersectionType(toVectors(first), toVectors(second));
+    ASSERT_EQ(expected, Kernel::meetingOf(first, second)) << "seed " << seed << ", case " << i;
+    ++counts[expected];
+  }
+  EXPECT_GT(counts[Meeting::None], 0);
+  EXPECT_GT(counts[Meeting::FirstInSecond], 0);
+}
+
+TEST(MeetingOfProperty, LatticeRingsMeetAsInThePlainScan) {
+  expectPlainMeetings(20240711, anyLatticePoint);
+}
+TEST(MeetingOfProperty, NearlyCollinearRingsMeetAsInThePlainScan) {
+  expectPlainMeetings(20240712, anyPointNearALine);
+}
+TEST(MeetingOfProperty, UnderflowingRingsMeetAsInThePlainScan) {
+  expectPlainMeetings(20240713, anyTinyPoint);
+}
+TEST(MeetingOfProperty, ExtremeRingsMeetAsInThePlainScan) {
+  expectPlainMeetings(20240714, anyVec2);
+}
+
+// What a shot is made of: fine outlines, convex or curved, somewhere in the picture.
+TEST(MeetingOfProperty, FineOutlinesMeetAsInThePlainScan) {
+  std::mt19937_64 random(20240715);
+  std::uniform_real_distribution<double> place(-0.6, 0.6);
+  std::uniform_real_distribution<double> size(0.05, 0.9);
+  const auto outline = [&] {
+    const Vec2 centre{place(random), place(random)};
+    const double width = size(random);
+    const double height = size(random);
+    Ring ring(3 + random() % 40);
+    for (std::size_t k = 0; k < ring.size(); ++k) {
+      const double angle =
+          6.283185307179586 * static_cast<double>(k) / static_cast<double>(ring.size());
+      ring[k] = {centre.x + width * std::cos(angle), centre.y + height * std::sin(angle)};
+    }
+    return ring;
+  };
+  int counts[4] = {};
+  for (int i = 0; i < 2000; ++i) {
+    const Ring first = outline();
+    const Ring second = outline();
+    const int expected = Plain::intersectionType(toVectors(first), toVectors(second));
+    ASSERT_EQ(expected, Kernel::meetingOf(first, second)) << "case " << i;
+    ++counts[expected];
+  }
+  for (const int count : counts) EXPECT_GT(count, 10);
+}
+
+TEST(BesideLineProperty, SegmentBesideTheBoxCrossesNothingInIt) {
+  std::mt19937_64 random(20240716);
+  constexpr Source Sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
+  int beside = 0;
+  for (int i = 0; i < 40000; ++i) {
+    const Source source = Sources[i % 4];
+    const Ring ring{source(random), source(random), source(random)};
+    const Kernel::Segment segment{source(random), source(random)};
+    if (!Kernel::isBesideLine(Kernel::boxOf(ring), segment)) continue;
+    ++beside;
+    for (const Vec2 c : ring)
+      for (const Vec2 d : ring)
+        ASSERT_FALSE(0.0 > Kernel::rotate(segment.start, segment.end, c) *
+                               Kernel::rotate(segment.start, segment.end, d))
+            << i;
+  }
+  EXPECT_GT(beside, 1000);
+}
+
+TEST(ContainsPointProperty, AgreesWithThePlainWalk) {
+  std::mt19937_64 random(20240717);
+  constexpr Source Sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
+  for (int i = 0; i < 40000; ++i) {
+    const Source source = Sources[i % 4];
+    const Ring ring = anyRing(random, source);
+    const Vec2 point = source(random);
+    ASSERT_EQ(Plain::contains(toVectors(ring), toVector(point)), Kernel::containsPoint(ring, point))
+        << i;
+  }
+}
+
+}  // namespace
+}  // namespace Lumivane::Test
