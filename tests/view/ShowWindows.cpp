@@ -8,6 +8,8 @@
 //
 // It prints "returned" after each call that opened windows.
 
+#include "view/Drivers.h"
+
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewNormalCamera.h>
 #include <lumivane/base/ViewOrientation3D.h>
@@ -102,6 +104,7 @@ int show(const std::vector<std::string>& arguments) {
 
 int main(int count, char** values) {
   try {
+    Lumivane::Test::keepDrivers();
     return show(std::vector<std::string>(values + 1, values + count));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "show_windows: %s\n", error.what());
