@@ -40,8 +40,8 @@ class LUMIVANE_EXPORT Face : public Part {
   ///
   /// \param scene        the scene that owns `object`; its points grow
   /// \param object       gets the face and the regions
-  /// \param loops        one closed contour each, in scene units, its first point repeated or not; a
-  ///                     contour wound opposite to the one around it is a hole
+  /// \param loops        one closed contour each, in scene units, its first point repeated or not;
+  ///                     a contour wound opposite to the one around it is a hole
   /// \param brushNumber  stored in every region
   /// \return the new face, never null, owned by the object's faces
   /// \throws std::invalid_argument if `scene` or `object` is null
