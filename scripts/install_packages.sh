@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs what building, testing and the demo need and what is missing: Debian 12 packages, as
+# root or through sudo. Does nothing, and needs no rights, when all of them are there.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build python3          # to build
+  libvtk9-dev libcli11-dev libx11-dev    # the library, the programs
+  libgtest-dev libgmock-dev nlohmann-json3-dev  # the tests
+  xvfb xauth libgl1-mesa-dri             # to draw without a screen
+  xdotool x11-utils                      # to look at windows
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "Please install as root: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+apt_get() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y -q --no-install-recommends "$@"
+}
+
+echo "Installing: ${missing[*]}"
+# The package lists may be missing or old: then they are fetched, and it is tried again.
+if ! apt_get install "${missing[@]}"; then
+  apt_get update
+  apt_get install "${missing[@]}"
+fi

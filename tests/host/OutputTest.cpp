@@ -1,0 +1,128 @@
+#include "HostError.h"
+#include "Output.h"
+#include "support/TempFolder.h"
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Lumivane::Host {
+namespace {
+
+namespace fs = std::filesystem;
+using Lumivane::Test::fileBytes;
+using Lumivane::Test::TempFolder;
+
+size_t entries(const TempFolder& folder) {
+  size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder.path(""))) ++count;
+  return count;
+}
+
+std::string refusal(const std::string& path) {
+  try {
+    writeFile(path, "text");
+  } catch (const HostError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(Output, NewFileIsWrittenAndNothingElseIsLeft) {
+  const TempFolder folder;
+  writeFile(folder.path("a"), std::string("x\0y\n", 4));
+  EXPECT_EQ(std::string("x\0y\n", 4), fileBytes(folder.path("a")));
+  EXPECT_EQ(1u, entries(folder));
+}
+
+TEST(Output, OldFileIsReplacedAndKeepsItsMode) {
+  const TempFolder folder;
+  const std::string path = folder.file("a", "a longer text than the new one");
+  chmod(path.c_str(), 0640);
+  writeFile(path, "new");
+  EXPECT_EQ("new", fileBytes(path));
+  struct stat status = {};
+  ASSERT_EQ(0, stat(path.c_str(), &status));
+  EXPECT_EQ(0640u, status.st_mode & 0777u);
+  EXPECT_EQ(1u, entries(folder));
+}
+
+TEST(Output, LinkStaysALink) {
+  const TempFolder folder;
+  const std::string real = folder.file("real", "old");
+  fs::create_symlink("real", folder.path("link"));
+  writeFile(folder.path("link"), "new");
+  EXPECT_TRUE(fs::is_symlink(folder.path("link")));
+  EXPECT_EQ("new", fileBytes(real));
+}
+
+TEST(Output, MissingFolderIsAnError) {
+  const TempFolder folder;
+  const std::string path = folder.path("no/a");
+  EXPECT_EQ(path + ": cannot be written: No such file or directory", refusal(path));
+}
+
+TEST(Output, FolderInTheFilesPlaceIsAnError) {
+  const TempFolder folder;
+  fs::create_directory(folder.path("a"));
+  EXPECT_EQ(folder.path("a") + ": cannot be written: it is a folder", refusal(folder.path("a")));
+  EXPECT_EQ(folder.path("b/") + ": cannot be written: it names a folder",
+            refusal(folder.path("b/")));
+  EXPECT_NE("", refusal(folder.file("c", "") + "/d"));
+  EXPECT_NE("", refusal(""));
+}
+
+TEST(Output, FullDeviceIsAnError) {
+  EXPECT_EQ("/dev/full: cannot be written: No space left on device", refusal("/dev/full"));
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST(Output, DeviceIsWrittenAndStaysADevice) {
+  writeFile("/dev/null", "text");
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+// A limit on the size of files stands for a disk that is full half way through.
+[[noreturn]] void writeTooMuch(const std::string& path) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit = {};
+  limit.rlim_cur = 1000;
+  limit.rlim_max = 1000;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  try {
+    writeFile(path, std::string(5000, 'x'));
+  } catch (const HostError& error) {
+    std::fputs(error.what(), stderr);
+    _exit(3);
+  }
+  _exit(0);
+}
+
+TEST(Output, FailedWriteKeepsTheOldFileAndLeavesNothingBeside) {
+  const TempFolder folder;
+  const std::string path = folder.file("a", "old");
+  EXPECT_EXIT(writeTooMuch(path), ::testing::ExitedWithCode(3),
+              "a: cannot be written: File too large");
+  EXPECT_EQ("old", fileBytes(path));
+  EXPECT_EQ(1u, entries(folder));
+}
+
+TEST(Output, NamesOfOneFileAreKnownAsTheSame) {
+  const TempFolder folder;
+  const std::string path = folder.file("a", "");
+  fs::create_symlink("a", folder.path("link"));
+  EXPECT_TRUE(sameFile(path, path));
+  EXPECT_TRUE(sameFile(path, folder.path("./a")));
+  EXPECT_TRUE(sameFile(path, folder.path("link")));
+  EXPECT_TRUE(sameFile(folder.path("new"), folder.path("./new")));
+  EXPECT_FALSE(sameFile(path, folder.path("b")));
+}
+
+}  // namespace
+}  // namespace Lumivane::Host

@@ -1,0 +1,130 @@
+#include "host/Process.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Lumivane::Test {
+namespace {
+
+[[noreturn]] void become(const std::vector<std::string>& command, const Environment& environment) {
+  for (const auto& [name, value] : environment) {
+    if (value)
+      setenv(name.c_str(), value->c_str(), 1);
+    else
+      unsetenv(name.c_str());
+  }
+  std::vector<char*> arguments;
+  for (const std::string& argument : command)
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  arguments.push_back(nullptr);
+  execvp(arguments[0], arguments.data());
+  _exit(127);
+}
+
+struct Channel {
+  int readEnd = -1;
+  int writeEnd = -1;
+};
+
+Channel makePipe() {
+  int ends[2];
+  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+  return {ends[0], ends[1]};
+}
+
+Channel makeTerminal() {
+  Channel channel;
+  if (openpty(&channel.readEnd, &channel.writeEnd, nullptr, nullptr, nullptr) != 0)
+    throw std::runtime_error("no terminal");
+  return channel;
+}
+
+// False at the end. A terminal whose program has ended gives an error instead of an end.
+bool readSome(int descriptor, std::string& text) {
+  char buffer[4096];
+  const ssize_t count = read(descriptor, buffer, sizeof buffer);
+  if (count < 0 && errno == EINTR) return true;
+  if (count <= 0) return false;
+  text.append(buffer, static_cast<size_t>(count));
+  return true;
+}
+
+void readBoth(int first, std::string& firstText, int second, std::string& secondText) {
+  pollfd waiting[] = {{first, POLLIN, 0}, {second, POLLIN, 0}};
+  std::string* const texts[] = {&firstText, &secondText};
+  for (int open = 2; open > 0;) {
+    if (poll(waiting, 2, -1) < 0) continue;
+    for (int i = 0; i < 2; ++i) {
+      if (waiting[i].fd < 0 || waiting[i].revents == 0) continue;
+      if (readSome(waiting[i].fd, *texts[i])) continue;
+      waiting[i].fd = -1;
+      --open;
+    }
+  }
+}
+
+}  // namespace
+
+Result runProcess(const std::vector<std::string>& command, const Environment& environment,
+                  bool errorIsTerminal) {
+  const Channel out = makePipe();
+  const Channel err = errorIsTerminal ? makeTerminal() : makePipe();
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("no process");
+  if (child == 0) {
+    dup2(out.writeEnd, STDOUT_FILENO);
+    dup2(err.writeEnd, STDERR_FILENO);
+    for (const int end : {out.readEnd, out.writeEnd, err.readEnd, err.writeEnd}) close(end);
+    become(command, environment);
+  }
+  close(out.writeEnd);
+  close(err.writeEnd);
+
+  Result result;
+  readBoth(out.readEnd, result.out, err.readEnd, result.err);
+  close(out.readEnd);
+  close(err.readEnd);
+  int status = 0;
+  waitpid(child, &status, 0);
+  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return result;
+}
+
+VirtualDisplay::VirtualDisplay() {
+  const Channel number = makePipe();
+  process = fork();
+  if (process == 0) {
+    close(number.readEnd);
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDERR_FILENO);
+    become({"Xvfb", "-displayfd", std::to_string(number.writeEnd), "-screen", "0", "1280x1024x24",
+            "-nolisten", "tcp"},
+           {});
+  }
+  close(number.writeEnd);
+  std::string text;
+  while (text.find('\n') == std::string::npos && readSome(number.readEnd, text)) {
+  }
+  close(number.readEnd);
+  if (text.empty()) {
+    waitpid(process, nullptr, 0);
+    throw std::runtime_error("no virtual display: is Xvfb installed?");
+  }
+  displayName = ":" + text.substr(0, text.find('\n'));
+}
+
+VirtualDisplay::~VirtualDisplay() {
+  kill(process, SIGTERM);
+  waitpid(process, nullptr, 0);
+}
+
+}  // namespace Lumivane::Test

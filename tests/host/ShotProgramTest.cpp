@@ -1,0 +1,329 @@
+// `lumivane shot`, run as a process.
+
+#include "host/Process.h"
+#include "support/TempFolder.h"
+#include "support/Vectors.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Host {
+namespace {
+
+namespace fs = std::filesystem;
+using Lumivane::Test::Environment;
+using Lumivane::Test::fileBytes;
+using Lumivane::Test::Json;
+using Lumivane::Test::Result;
+using Lumivane::Test::TempFolder;
+
+const std::string Small = LUMIVANE_SCENES "/small.json";
+const Environment NoDisplay = {{"DISPLAY", {}}};
+
+Result run(std::vector<std::string> arguments, const Environment& environment = NoDisplay,
+           bool errorIsTerminal = false) {
+  arguments.insert(arguments.begin(), LUMIVANE_PROGRAM);
+  return Lumivane::Test::runProcess(arguments, environment, errorIsTerminal);
+}
+
+Result runView(const std::string& scene, std::vector<std::string> more,
+               const Environment& environment = NoDisplay) {
+  std::vector<std::string> arguments = {"shot", scene, "--eye", "-4,0.35,1.9"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return run(arguments, environment);
+}
+
+void expectFailure(const Result& result, int status, const std::string& errorLine) {
+  EXPECT_EQ(status, result.status) << result.err;
+  EXPECT_EQ(errorLine + "\n", result.err);
+}
+
+size_t entries(const TempFolder& folder) {
+  size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder.path(""))) ++count;
+  return count;
+}
+
+std::string pngSize(const std::string& bytes) {
+  const auto number = [&bytes](size_t at) {
+    size_t value = 0;
+    for (size_t i = 0; i < 4; ++i)
+      value = value * 256 + static_cast<unsigned char>(bytes.at(at + i));
+    return value;
+  };
+  return std::to_string(number(16)) + "x" + std::to_string(number(20));
+}
+
+TEST(ShotProgram, ShotAndStatisticsAreWritten) {
+  const TempFolder folder;
+  const Result result =
+      runView(Small, {"-o", folder.path("shot.json"), "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_EQ("", result.err);
+  EXPECT_EQ("Projecting objects\n\nCalculating objects order\n\n", result.out);
+
+  const Json shot = Json::parse(fileBytes(folder.path("shot.json")));
+  const Json stats = Json::parse(fileBytes(folder.path("stats.json")));
+  EXPECT_EQ(shot.at("Points").size(), stats.at("points"));
+  EXPECT_EQ(shot.at("Regions").size(), stats.at("regions"));
+  EXPECT_EQ(3, stats.at("objects"));
+  EXPECT_EQ(Json({-4, 0.35, 1.9}), stats.at("eye"));
+  EXPECT_GT(stats.at("faces_drawn"), 3);
+  EXPECT_GE(stats.at("faces_hidden"), 0);
+  EXPECT_GT(stats.at("seconds").at("read"), 0.0);
+  EXPECT_GT(stats.at("seconds").at("shot"), 0.0);
+  EXPECT_GT(stats.at("seconds").at("write"), 0.0);
+  EXPECT_EQ(0.0, stats.at("seconds").at("png"));
+  EXPECT_GT(stats.at("peak_memory_bytes"), 1000000);
+  EXPECT_EQ(8u, stats.size());
+  EXPECT_EQ(2u, entries(folder));
+}
+
+TEST(ShotProgram, StatisticsAgreeWithTheKnownOnes) {
+  for (const std::string name :
+       {"g01_hidden", "g02_hidden_normal", "d01_city_street", "p01_one_id_twice", "h01_wall",
+        "p03_degenerate", "p09_all_behind", "n05_torus_through"}) {
+    SCOPED_TRACE(name);
+    const std::string path = Lumivane::Test::goldenDir() + "/" + name;
+    if (!fs::exists(path + ".view.json")) continue;  // another folder, given from outside
+    const Json view = Json::parse(fileBytes(path + ".view.json"));
+    const Json expected = Json::parse(fileBytes(path + ".stats.json"));
+    const auto vector = [&view](const char* key) {
+      return view.at(key)[0].dump() + "," + view.at(key)[1].dump() + "," + view.at(key)[2].dump();
+    };
+    const TempFolder folder;
+    const Result result = run({"shot",         path + ".scene.json",
+                               "--eye",        vector("eye"),
+                               "--forward",    vector("forward"),
+                               "--up",         vector("up"),
+                               "--camera",     view.at("camera").get<std::string>(),
+                               "--segments",   view.at("sn").dump(),
+                               "--max-length", view.at("sl").dump(),
+                               "--d1",         view.at("d1").dump(),
+                               "--d2",         view.at("d2").dump(),
+                               "--stats",      folder.path("stats")});
+    ASSERT_EQ(0, result.status) << result.err;
+    const Json stats = Json::parse(fileBytes(folder.path("stats")));
+    EXPECT_EQ(expected.at("points"), stats.at("points"));
+    EXPECT_EQ(expected.at("regions"), stats.at("regions"));
+    EXPECT_EQ(expected.at("objects"), stats.at("objects"));
+    EXPECT_EQ(expected.at("faces"), stats.at("faces_drawn"));
+    EXPECT_EQ(expected.at("hiddenFaces"), stats.at("faces_hidden"));
+    EXPECT_EQ(expected.at("eyeAfter"), stats.at("eye"));
+  }
+}
+
+TEST(ShotProgram, PictureHasItsSizeAndEndsWithItself) {
+  const Lumivane::Test::VirtualDisplay display;
+  const TempFolder folder;
+  const Result result = runView(
+      Small, {"--png", folder.path("a.png"), "--size", "320x200", "--stats", folder.path("stats")},
+      {{"DISPLAY", display.name()}});
+  ASSERT_EQ(0, result.status) << result.err;
+  const std::string png = fileBytes(folder.path("a.png"));
+  EXPECT_EQ("320x200", pngSize(png));
+  ASSERT_GT(png.size(), 500u);
+  EXPECT_EQ("IEND", png.substr(png.size() - 8, 4));
+  EXPECT_GT(Json::parse(fileBytes(folder.path("stats"))).at("seconds").at("png"), 0.0);
+
+  // Another style, another picture.
+  ASSERT_EQ(
+      0, runView(Small, {"--png", folder.path("b.png"), "--size", "320x200", "--style", "outline"},
+                 {{"DISPLAY", display.name()}})
+             .status);
+  EXPECT_NE(png, fileBytes(folder.path("b.png")));
+}
+
+TEST(ShotProgram, WithoutDisplayTheShotIsStillWritten) {
+  for (const Environment& environment :
+       {NoDisplay, Environment{{"DISPLAY", ":98765"}}, Environment{{"DISPLAY", ""}}}) {
+    const TempFolder folder;
+    const Result result = runView(Small,
+                                  {"-o", folder.path("shot.json"), "--png", folder.path("a.png"),
+                                   "--stats", folder.path("stats")},
+                                  environment);
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(0u, result.err.find("lumivane: " + folder.path("a.png") + ": "));
+    EXPECT_NE(std::string::npos, result.err.find("display"));
+    EXPECT_NE(std::string::npos, result.err.find("xvfb-run"));
+    EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n'));
+    EXPECT_NO_THROW(Json::parse(fileBytes(folder.path("shot.json"))));
+    EXPECT_NO_THROW(Json::parse(fileBytes(folder.path("stats"))));
+    EXPECT_FALSE(fs::exists(folder.path("a.png")));
+  }
+}
+
+TEST(ShotProgram, FileThatCannotBeReadIsNamed) {
+  const TempFolder folder;
+  expectFailure(
+      run({"shot", folder.path("none.json")}), 1,
+      "lumivane: " + folder.path("none.json") + ": cannot be read: No such file or directory");
+  expectFailure(run({"shot", folder.path("")}), 1,
+                "lumivane: " + folder.path("") + ": cannot be read: it is a folder");
+}
+
+TEST(ShotProgram, TextThatIsNoJsonGivesTheParsersOwnError) {
+  const TempFolder folder;
+  const auto error = [&folder](const std::string& text) {
+    const Result result = run({"shot", folder.file("s.json", text), "-o", folder.path("out")});
+    EXPECT_EQ(1, result.status);
+    EXPECT_FALSE(fs::exists(folder.path("out")));
+    return result.err;
+  };
+  const std::string start = "lumivane: " + folder.path("s.json") + ": no JSON: ";
+  EXPECT_EQ(start + "Unknown token: nonsense\n", error("nonsense"));
+  EXPECT_EQ(start + "Extra comma in array\n", error("{\"Points\":\n[1,]}"));
+  EXPECT_EQ(start + "Mismatched end and beginning of object\n", error("[1}"));
+  EXPECT_EQ(start + "there is no complete object or array in it\n", error(""));
+  EXPECT_EQ(start + "there is no complete object or array in it\n", error("{\"Points\":["));
+}
+
+TEST(ShotProgram, ValueOutOfRangeIsNamed) {
+  const TempFolder folder;
+  const auto error = [&folder](const std::string& text) {
+    return run({"shot", folder.file("s.json", text)}).err;
+  };
+  const std::string start = "lumivane: " + folder.path("s.json") + ": ";
+  EXPECT_EQ(start + "brush 2: alpha is 300, not 0 to 255\n",
+            error("{\"Brushes\":[[1,2,3,4],[1,2,3,300]]}"));
+  EXPECT_EQ(start + "pen 1: green is -1, not 0 to 255\n", error("{\"Pens\":[[1,-1,3,4,1]]}"));
+  EXPECT_EQ(start + "pen 1: the width is -0.5, below 0\n", error("{\"Pens\":[[1,1,3,4,-0.5]]}"));
+}
+
+TEST(ShotProgram, ShotThatCannotBeMadeSaysWhy) {
+  const std::string start = "lumivane: " + Small + ": no shot can be made: ";
+  expectFailure(run({"shot", Small, "--up", "2,0,0"}), 1,
+                start + "forward 1,0,0 and up 2,0,0 are parallel");
+  expectFailure(run({"shot", Small, "--forward", "0,0,0"}), 1,
+                start + "forward is the zero vector");
+  expectFailure(run({"shot", Small, "--eye", "nan,0,0"}), 1, start + "eye nan,0,0 is not finite");
+  const TempFolder folder;
+  const std::string empty = folder.file("s.json", "[]");
+  expectFailure(run({"shot", empty}), 1,
+                "lumivane: " + empty + ": no shot can be made: it has no list of objects");
+}
+
+std::string sceneWithRegion(const std::string& region, const std::string& faces) {
+  return "{\"Points\":[[1,0,0],[1,0,1],[1,1,0]],\"Objects\":[{\"Id\":\"good\",\"Faces\":[],"
+         "\"Regions\":[]},{\"Id\":\"bad\",\"Regions\":[" +
+         region + "]" + faces + "}]}";
+}
+
+TEST(ShotProgram, WrongNumberNamesObjectAndRegion) {
+  const TempFolder folder;
+  const auto error = [&folder](const std::string& region, const std::string& faces) {
+    const Result result =
+        run({"shot", folder.file("s.json", sceneWithRegion(region, faces)), "--eye=0,0.2,0.2"});
+    EXPECT_EQ(1, result.status);
+    return result.err;
+  };
+  const std::string start =
+      "lumivane: " + folder.path("s.json") + ": no shot can be made: object \"bad\", region ";
+  const std::string face = ",\"Faces\":[{\"Regions\":[1]}]";
+  EXPECT_EQ(0u, error("{\"Face\":1,\"Points\":[1,2,9]}", face)
+                    .find(start + "1: point 9, but there are 1 to 3 ("));
+  EXPECT_EQ(0u, error("{\"Face\":2,\"Points\":[1,2,3]}", face)
+                    .find(start + "1: face 2, but there are 1 to 1 ("));
+  EXPECT_EQ(0u, error("{\"Points\":[1,2,3]}", face).find(start + "1: face -1, but"));
+  const std::string faceless = error("{\"Face\":1,\"Points\":[1,2,3]}", "");
+  EXPECT_NE(std::string::npos, faceless.find("bad")) << faceless;
+  EXPECT_EQ(1, std::count(faceless.begin(), faceless.end(), '\n'));
+}
+
+TEST(ShotProgram, ScaleBeyondTheListIsNamed) {
+  const TempFolder folder;
+  const std::string scene =
+      folder.file("s.json", "{\"Objects\":[],\"Properties\":[[1,\"a\"]],\"Scales\":[{}]}");
+  const Result result = run({"shot", scene, "--property", "1", "--scale", "2"});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ(0u, result.err.find("lumivane: " + scene +
+                                ": no shot can be made: --scale 2, but there are 1 to 1 ("));
+}
+
+TEST(ShotProgram, OutputThatCannotBeWrittenIsAnErrorBeforeTheWork) {
+  const TempFolder folder;
+  for (const std::string option : {"-o", "--png", "--stats"}) {
+    const Result result = run({"shot", Small, option, folder.path("no/a")});
+    EXPECT_EQ("", result.out);  // not even begun
+    expectFailure(
+        result, 1,
+        "lumivane: " + folder.path("no/a") + ": cannot be written: No such file or directory");
+  }
+  EXPECT_EQ(0u, entries(folder));
+}
+
+TEST(ShotProgram, FullDiskIsAnError) {
+  expectFailure(runView(Small, {"-o", "/dev/full"}), 1,
+                "lumivane: /dev/full: cannot be written: No space left on device");
+}
+
+TEST(ShotProgram, OutputsNeverReplaceTheSceneOrEachOther) {
+  const TempFolder folder;
+  const std::string scene = folder.file("s.json", fileBytes(Small));
+  expectFailure(runView(scene, {"-o", scene}), 1,
+                "lumivane: " + scene + ": is already named for another file");
+  const std::string out = folder.path("a");
+  expectFailure(runView(scene, {"-o", out, "--stats", out}), 1,
+                "lumivane: " + out + ": is already named for another file");
+  EXPECT_EQ(fileBytes(Small), fileBytes(scene));
+}
+
+TEST(ShotProgram, WrongArgumentsAreOneLineAndStatusTwo) {
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{},
+                                             {"draw"},
+                                             {"shot"},
+                                             {"shot", Small, "--eye", "1,2"},
+                                             {"shot", Small, "--no-such-option"},
+                                             {"shot", Small, "extra"},
+                                             {"shot", Small, "--camera", "round"}}) {
+    const Result result = run(arguments);
+    EXPECT_EQ(2, result.status);
+    EXPECT_EQ("", result.out);
+    EXPECT_EQ(0u, result.err.find("lumivane: "));
+    EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
+  }
+}
+
+TEST(ShotProgram, HelpAndVersionAreThere) {
+  const Result help = run({"--help"});
+  EXPECT_EQ(0, help.status);
+  for (const char* const command : {"shot", "show", "json5"})
+    EXPECT_NE(std::string::npos, help.out.find(command));
+  const Result shotHelp = run({"shot", "--help"});
+  EXPECT_EQ(0, shotHelp.status);
+  for (const char* const option :
+       {"--eye", "--forward", "--up", "--camera", "--property", "--scale", "--d1", "--d2",
+        "--segments", "--max-length", "-o", "--png", "--size", "--style", "--stats"})
+    EXPECT_NE(std::string::npos, shotHelp.out.find(option)) << option;
+  const Result version = run({"--version"});
+  EXPECT_EQ(0, version.status);
+  EXPECT_EQ("lumivane " LUMIVANE_VERSION "\n", version.out);
+}
+
+TEST(ShotProgram, ProgressBarIsThereOnATerminalAlone) {
+  const TempFolder folder;
+  const std::vector<std::string> arguments = {"shot",        Small, "--eye",
+                                              "-4,0.35,1.9", "-o",  folder.path("a")};
+  EXPECT_EQ("", run(arguments).err);
+  const Result onTerminal = run(arguments, NoDisplay, true);
+  EXPECT_EQ(0, onTerminal.status);
+  EXPECT_NE(std::string::npos, onTerminal.err.find("["));
+  EXPECT_NE(std::string::npos, onTerminal.err.find(" %"));
+  EXPECT_EQ(std::string::npos, onTerminal.out.find(" %"));
+  EXPECT_EQ("\r\033[K", onTerminal.err.substr(onTerminal.err.size() - 4));  // wiped out
+}
+
+TEST(ShotProgram, AnyPathIsSafe) {
+  const TempFolder folder;
+  const std::string scene = folder.file("a%s%n%d b.json", fileBytes(Small));
+  EXPECT_EQ(0, runView(scene, {"-o", folder.path("%n%s%99999999d.json")}).status);
+  EXPECT_TRUE(fs::exists(folder.path("%n%s%99999999d.json")));
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
