@@ -160,9 +160,10 @@ def room():
     width, depth, height = 6.4, 4.8, 2.7
 
     shell = scene.object("shell")
-    for i in range(8):  # boards from wall to wall
-        y = (depth / 8 * i, depth / 8 * (i + 1))
-        shell.box((0, width), y, (0, 0), "board" if i % 2 else "floor", "z", inside=True)
+    for i in range(8):
+        for k in range(4):
+            x, y = (1.6 * k, 1.6 * (k + 1)), (0.6 * i, 0.6 * (i + 1))
+            shell.box(x, y, (0, 0), "board" if (i + k) % 2 else "floor", "z", inside=True)
     shell.box((0, width), (0, depth), (0, height), "wall", "xXyYZ", inside=True,
               brushes={"X": "wall3", "x": "wall3", "y": "wall2", "Z": "ceiling"})
 
@@ -189,7 +190,7 @@ def room():
     shelf(scene.object("book case"))
     sideboard(scene)
     plant(scene.object("plant", "fine"), 5.95, 0.42)
-    floor_lamp(scene.object("floor lamp", "fine"), 0.55, 4.3)
+    floor_lamp(scene.object("floor lamp", "fine"), 0.9, 4.35)
     hanging_lamp(scene.object("hanging lamp", "fine"), 5.3, 3.8, height)
     return scene.text()
 
@@ -301,7 +302,7 @@ def sideboard(scene):
 
 def plant(thing, x, y):
     thing.box((x - .14, x + .14), (y - .14, y + .14), (0, 0.34), "pot", "xXyYZ", brushes={"Z": "wood2"})
-    for i, (r, low, high) in enumerate([(.34, .42, .86), (.27, .74, 1.2), (.18, 1.06, 1.5)]):
+    for i, (r, low, high) in enumerate([(.34, .42, .8), (.27, .8, 1.14), (.18, 1.14, 1.5)]):
         pyramid(thing, (x - r, x + r), (y - r, y + r), low, high, "green")
 
 
@@ -341,14 +342,16 @@ def street():
     rng = random.Random(11)
     road(scene)
     for side, name in ((1, "left"), (-1, "right")):
+        floors = [rng.choice([2, 3, 3, 4, 4, 5, 6, 7, 9]) for _ in range(30)]
         x = -24.0
-        for i in range(30):
+        for i, count in enumerate(floors):
             width = round(rng.uniform(8, 13), 1)
-            house(scene, rng, "%s %02d" % (name, i + 1), side, x, x + width, i)
+            lower = [floors[k] if 0 <= k < 30 else 0 for k in (i - 1, i + 1)]
+            house(scene, rng, "%s %02d" % (name, i + 1), side, (x, x + width), i, count, lower)
             x += width
     for i, x in enumerate(range(8, 80, 12)):
         for side, name in ((1, "left"), (-1, "right")):
-            tree(scene.object("tree %s %d" % (name, i + 1), "fine"), x + side * 2.5, side * 5.4)
+            tree(scene.object("tree %s %d" % (name, i + 1), "fine"), x + side * 2.5, side * 5.1)
     for i, (x, side) in enumerate([(6.5, -1), (13, 1), (19, -1), (25, -1), (32, 1), (46, -1), (53, 1)]):
         car(scene.object("car %d" % (i + 1), "fine"), x, side, ("car", "car2", "car3")[i % 3])
     return scene.text()
@@ -373,23 +376,27 @@ WALLS = [("brick", "brick2"), ("plaster", "plaster2"), ("stone", "stone2"), ("bl
          ("rose", "rose2")]
 
 
-def house(scene, rng, name, side, x0, x1, index):
-    """One house: front and two side walls, storeys of windows, a shop, a flat or a pitched roof."""
-    floors = rng.choice([2, 3, 3, 4, 4, 5, 6, 7, 9])
-    storey, base = 3.1, 0.14
-    top = base + 0.9 + floors * storey
+def roof_height(floors):
+    return round(1.04 + 3.1 * floors, 2)
+
+
+def house(scene, rng, name, side, x, index, floors, neighbours):
+    """One house: front, what its side walls show above the neighbours, storeys of windows, a shop,
+    a flat or a pitched roof."""
+    x0, x1 = x
+    base, top = 0.14, roof_height(floors)
     wall, shade = WALLS[(index * 3 + (0 if side > 0 else 2) + rng.randrange(2)) % 5]
     front, back = 7.0 * side, 19.0 * side
     out = (0, -side, 0)
     thing = scene.object("house " + name)
     thing.face(wall, out, rectangle_y((x0, x1), front, (base, top)))
-    thing.face(shade, (-1, 0, 0), rectangle_x(x0, sorted((front, back)), (base, top)))
-    thing.face(shade, (1, 0, 0), rectangle_x(x1, sorted((front, back)), (base, top)))
-    if floors < 6 and rng.random() < 0.55:
+    for at, outward, neighbour in ((x0, -1, neighbours[0]), (x1, 1, neighbours[1])):
+        low = roof_height(neighbour) if neighbour else base
+        if low < top:
+            thing.face(shade, (outward, 0, 0), rectangle_x(at, sorted((front, back)), (low, top)))
+    if floors < 6 and rng.random() < 0.55 and x0 < 150:
         pitched_roof(thing, rng, x0, x1, front, back, top, shade)
-    elif floors >= 5:
-        thing.box((x0 + 2, x0 + 5), sorted((front + 3 * side, front + 6 * side)), (top, top + 2.2), shade, "xXyY")
-    windows(thing, rng, x0, x1, front - .04 * side, out, base, floors, storey)
+    windows(thing, rng, x0, x1, front - .04 * side, out, base, floors, 3.1)
     shop(thing, rng, x0, x1, front, side, base)
 
 
@@ -426,7 +433,7 @@ def shop(thing, rng, x0, x1, front, side, base):
     if -16 < x0 < 90 and rng.random() < 0.6:
         brush = rng.choice(["awning", "awning2"])
         a, b, z = x0 + .5, x1 - 2.5, base + 2.7
-        edge = front - 1.3 * side
+        edge = front - .9 * side
         slope = [(a, front - .05 * side, z + .5), (b, front - .05 * side, z + .5), (b, edge, z), (a, edge, z)]
         thing.face(brush, (0, -side, 3), slope)
         thing.face(brush, (0, side, -3), slope)
@@ -435,7 +442,7 @@ def shop(thing, rng, x0, x1, front, side, base):
 
 def tree(thing, x, y):
     thing.box((x - .14, x + .14), (y - .14, y + .14), (0.14, 2.4), "trunk", "xXyY")
-    low, middle, high, r = 2.3, 3.7, 6.0, 1.25
+    low, middle, high, r = 2.4, 3.6, 6.0, 0.95
     ring = [(x - r, y - r, middle), (x + r, y - r, middle), (x + r, y + r, middle), (x - r, y + r, middle)]
     for a, b, (ox, oy) in zip(ring, ring[1:] + ring[:1], [(0, -1), (1, 0), (0, 1), (-1, 0)]):
         thing.face("leaf", (ox, oy, .5), [a, b, (x, y, high)])
