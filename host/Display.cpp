@@ -16,14 +16,15 @@ std::string displayFault() {
   if (name == nullptr || *name == '\0')
     return std::string("no display (DISPLAY is not set)") + WayOut;
 
-  Display* const display = XOpenDisplay(nullptr);
+  // Left open to the end of the process: a server whose last client leaves starts anew, and may
+  // turn VTK away meanwhile.
+  static Display* const display = XOpenDisplay(nullptr);
   if (display == nullptr)
     return "the display \"" + std::string(name) + "\" cannot be opened" + WayOut;
   int opcode = 0;
   int event = 0;
   int error = 0;
   const bool draws = XQueryExtension(display, "GLX", &opcode, &event, &error) != 0;
-  XCloseDisplay(display);
   if (!draws) return "the display \"" + std::string(name) + "\" has no OpenGL" + WayOut;
   return "";
 }

@@ -107,7 +107,7 @@ VirtualDisplay::VirtualDisplay() {
     const int nowhere = open("/dev/null", O_WRONLY);
     dup2(nowhere, STDERR_FILENO);
     become({"Xvfb", "-displayfd", std::to_string(number.writeEnd), "-screen", "0", "1280x1024x24",
-            "-nolisten", "tcp"},
+            "-nolisten", "tcp", "-noreset"},
            {});
   }
   close(number.writeEnd);
