@@ -193,14 +193,23 @@ TEST(FirstPass, LeavesItsListsOnTheObject) {
   EXPECT_EQ(0u, (*object.getRegionsProjectedPolygons())[1].size());
 }
 
-TEST(FirstPass, ListsAreMadeAnewByEveryShot) {
+TEST(FirstPass, ListsAreMadeAnewByEveryShotAndTheOldOnesStay) {
   ShotScene s;
   Scene::Object& object = s.addObject();
   s.addRegion(object, wallAhead());
   quietShot(s);
-  const auto* first = object.getRegionsPolyData();
+  Scene::Object earlier;
+  earlier.setRegionsPolyData(object.getRegionsPolyData());
+  earlier.setRegionsClippedPolyData(object.getRegionsClippedPolyData());
+  earlier.setRegionsVisiblePolygons(object.getRegionsVisiblePolygons());
+  earlier.setRegionsProjectedPolygons(object.getRegionsProjectedPolygons());
   quietShot(s);
-  EXPECT_NE(first, object.getRegionsPolyData());
+  EXPECT_NE(earlier.getRegionsPolyData(), object.getRegionsPolyData());
+  EXPECT_NE(earlier.getRegionsClippedPolyData(), object.getRegionsClippedPolyData());
+  EXPECT_NE(earlier.getRegionsVisiblePolygons(), object.getRegionsVisiblePolygons());
+  EXPECT_NE(earlier.getRegionsProjectedPolygons(), object.getRegionsProjectedPolygons());
+  EXPECT_EQ(*earlier.getRegionsVisiblePolygons(), *object.getRegionsVisiblePolygons());
+  freeWorkingLists(earlier);
 }
 
 TEST(FirstPass, ObjectWithoutARegionsListGetsNoListsAndKeepsItsPlace) {
