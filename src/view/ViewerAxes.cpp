@@ -1,7 +1,5 @@
 // The axes of the projection, drawn over a shot in its own coordinates, at z 0.
 
-#include "utils/Shapes.h"
-
 #include <lumivane/view/Viewer.h>
 
 #include <vtkAppendPolyData.h>
@@ -83,7 +81,6 @@ void Viewer::createSquareProjectionAxes(vtkRenderer* renderer) {
 }
 
 vtkSmartPointer<vtkActor> Viewer::createActor(vtkPolyData* polyData, std::vector<int> color) {
-  if (color.size() < 4) Utils::throwInvalidSubscript();
   const vtkNew<vtkPolyDataMapper> mapper;
   mapper->SetInputData(polyData);
   auto actor = vtkSmartPointer<vtkActor>::New();

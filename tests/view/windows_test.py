@@ -114,8 +114,8 @@ class Display:
 
 
 def output(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
-                          timeout=PATIENCE, check=False).stdout
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                          encoding="utf-8", timeout=PATIENCE, check=False).stdout
 
 
 def wait_for(what, condition):
@@ -160,7 +160,7 @@ class WindowsTest(unittest.TestCase):
     def open(self, *arguments):
         """Starts the program; its standard output is collected in self.lines."""
         self.process = subprocess.Popen([SHOW_WINDOWS, *arguments], stdout=subprocess.PIPE,
-                                        text=True)
+                                        encoding="utf-8")
         self.lines = []
         self.reader = threading.Thread(target=lambda: self.lines.extend(self.process.stdout))
         self.reader.start()
