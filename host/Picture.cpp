@@ -41,7 +41,7 @@ std::string drawPicture(const std::string& file, Shot::Shot2d& shot, int width, 
   const std::string fault = displayFault();
   if (!fault.empty()) throw HostError(file, "the picture is not drawn: " + fault);
   try {
-    const std::string png = pngStream(
+    std::string png = pngStream(
         View::Viewer::createImageFromShot(&shot, "", width, height, 0, 1, Defaults, false));
     if (png.empty()) throw HostError(file, "the picture is not drawn: the library gives none");
     return png;

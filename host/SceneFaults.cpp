@@ -6,6 +6,8 @@
 #include <lumivane/base/Pens.h>
 #include <lumivane/base/Properties.h>
 #include <lumivane/base/Scales.h>
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewDisplayStyle.h>
 #include <lumivane/geometry/Faces.h>
 #include <lumivane/geometry/Points2d.h>
 #include <lumivane/geometry/Points3d.h>
@@ -23,6 +25,17 @@
 
 namespace Lumivane::Host {
 namespace {
+
+// Null where there is no list: then defaults are drawn.
+template <class Document>
+const Base::Brushes::Vector* brushesOf(Document& document) {
+  return document.getBrushes() == nullptr ? nullptr : document.getBrushes()->getBrushes();
+}
+
+template <class Document>
+const Base::Pens::Vector* pensOf(Document& document) {
+  return document.getPens() == nullptr ? nullptr : document.getPens()->getPens();
+}
 
 template <class Vector>
 size_t count(const Vector* vector) {
@@ -100,24 +113,52 @@ std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view) {
   const auto* const objects = scene.getObjects()->getObjects();
   for (size_t i = 0; i < count(objects); ++i) {
     if ((*objects)[i] == nullptr) continue;
-    const std::string fault = objectFault(*(*objects)[i], points);
+    std::string fault = objectFault(*(*objects)[i], points);
     if (!fault.empty()) return fault;
   }
   return "";
 }
 
+std::string sceneDrawingFault(Scene::Scene3D& scene) {
+  if (scene.getObjects() == nullptr) return "";
+  const auto* const brushes = brushesOf(scene);
+  const auto* const pens = pensOf(scene);
+  const auto* const objects = scene.getObjects()->getObjects();
+  for (size_t i = 0; i < count(objects); ++i) {
+    Scene::Object* const object = (*objects)[i];
+    if (object == nullptr || object->getRegions() == nullptr) continue;
+    const std::string name = "object \"" + object->getId() + "\"";
+    const auto* const regions = object->getRegions()->getRegions();
+    for (size_t r = 0; r < count(regions); ++r) {
+      const int number = (*regions)[r] == nullptr ? 1 : (*regions)[r]->getBrushNumber();
+      if (brushes != nullptr && !isNumberOf(number, brushes->size()))
+        return name + ", region " + std::to_string(r + 1) + ": " +
+               wrong("brush", number, brushes->size());
+    }
+    if (pens != nullptr && !isNumberOf(object->getPenNumber(), pens->size()))
+      return name + ": " + wrong("pen", object->getPenNumber(), pens->size());
+  }
+  return "";
+}
+
 std::string shotFault(Shot::Shot2d& shot) {
-  // Without a list of brushes or pens, defaults are drawn.
-  const auto* const brushes =
-      shot.getBrushes() == nullptr ? nullptr : shot.getBrushes()->getBrushes();
-  const auto* const pens = shot.getPens() == nullptr ? nullptr : shot.getPens()->getPens();
-  return firstFault(shot, [brushes, pens](Geometry::Region2d& region) -> std::string {
-    if (count(region.getPoints()) == 0) return "";
-    if (brushes != nullptr && !isNumberOf(region.getBrushNumber(), brushes->size()))
+  const auto* const brushes = brushesOf(shot);
+  const auto* const pens = pensOf(shot);
+  const bool filled = shot.getView() == nullptr ||
+                      shot.getView()->getDisplayStyle() != Base::ViewDisplayStyle::Outline;
+  if (brushes != nullptr && filled) {
+    std::string fault = firstFault(shot, [brushes](Geometry::Region2d& region) -> std::string {
+      if (count(region.getPoints()) == 0 || isNumberOf(region.getBrushNumber(), brushes->size()))
+        return "";
       return wrong("brush", region.getBrushNumber(), brushes->size());
-    if (pens != nullptr && !isNumberOf(region.getPenNumber(), pens->size()))
-      return wrong("pen", region.getPenNumber(), pens->size());
-    return "";
+    });
+    if (!fault.empty()) return fault;
+  }
+  if (pens == nullptr) return "";
+  return firstFault(shot, [pens](Geometry::Region2d& region) -> std::string {
+    if (count(region.getPoints()) == 0 || isNumberOf(region.getPenNumber(), pens->size()))
+      return "";
+    return wrong("pen", region.getPenNumber(), pens->size());
   });
 }
 

@@ -18,6 +18,9 @@ struct ViewOptions;
 /// Empty if there is none.
 std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view);
 
+/// The same for the brushes and pens of a scene that is to be shown.
+std::string sceneDrawingFault(Scene::Scene3D& scene);
+
 /// The same for the brushes and pens of a shot that is to be drawn.
 std::string shotFault(Shot::Shot2d& shot);
 

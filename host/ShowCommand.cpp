@@ -34,13 +34,15 @@ void provideShot(const ShowOptions& options, Work& work) {
   if (options.viewGiven) work.shot->setView(work.setup.view());
 }
 
-std::string drawingFault(const ShowOptions& options, Work& work) {
-  const std::string scene = sceneFault(*work.scene, options.view);
-  if (!scene.empty()) return options.scene + ": " + scene;
+// The file with the number that points at nothing, and where.
+HostError drawingFault(const ShowOptions& options, Work& work) {
+  for (const std::string& fault :
+       {sceneFault(*work.scene, options.view), sceneDrawingFault(*work.scene)})
+    if (!fault.empty()) return {options.scene, fault};
   const std::string& file = options.shot.empty() ? options.scene : options.shot;
   for (const std::string& fault : {shotPointsFault(*work.shot), shotFault(*work.shot)})
-    if (!fault.empty()) return file + ": " + fault;
-  return options.scene + ": a brush or pen number is wrong";
+    if (!fault.empty()) return {file, fault};
+  return {options.scene, "a number in it points at nothing"};
 }
 
 }  // namespace
@@ -56,8 +58,8 @@ void runShow(const ShowOptions& options) {
   provideShot(options, work);
   try {
     View::Viewer::createSceneAndShotView(work.scene, work.shot);
-  } catch (const std::out_of_range& error) {
-    throw HostError(drawingFault(options, work), error.what());
+  } catch (const std::out_of_range&) {
+    throw drawingFault(options, work);
   }
 }
 

@@ -151,8 +151,8 @@ TEST(ShotProgram, WithoutDisplayTheShotIsStillWritten) {
     EXPECT_NE(std::string::npos, result.err.find("display"));
     EXPECT_NE(std::string::npos, result.err.find("xvfb-run"));
     EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n'));
-    EXPECT_NO_THROW(Json::parse(fileBytes(folder.path("shot.json"))));
-    EXPECT_NO_THROW(Json::parse(fileBytes(folder.path("stats"))));
+    EXPECT_TRUE(Json::accept(fileBytes(folder.path("shot.json"))));
+    EXPECT_TRUE(Json::accept(fileBytes(folder.path("stats"))));
     EXPECT_FALSE(fs::exists(folder.path("a.png")));
   }
 }
@@ -234,6 +234,28 @@ TEST(ShotProgram, WrongNumberNamesObjectAndRegion) {
   EXPECT_EQ(1, std::count(faceless.begin(), faceless.end(), '\n'));
 }
 
+TEST(ShotProgram, PictureOfAWrongBrushNamesObjectAndRegion) {
+  const Lumivane::Test::VirtualDisplay display;
+  const TempFolder folder;
+  const auto error = [&](const std::string& region, const std::string& style) {
+    const std::string scene =
+        folder.file("s.json",
+                    "{\"Brushes\":[[1,2,3,4]],\"Pens\":[[1,2,3,4,1]],\"Points\":[[2,0,0],[2,1,0],"
+                    "[2,0,1]],\"Objects\":[{\"Id\":\"A\",\"Pen\":1,\"Faces\":[{}],\"Regions\":[" +
+                        region + "]}]}");
+    return run({"shot", scene, "--eye=0,0.2,0.2", "--png", folder.path("a.png"), "--style", style},
+               {{"DISPLAY", display.name()}});
+  };
+  const Result bad = error("{\"Brush\":2,\"Face\":1,\"Points\":[1,2,3]}", "filled");
+  EXPECT_EQ(1, bad.status);
+  EXPECT_EQ("lumivane: " + folder.path("a.png") +
+                ": the picture is not drawn: object \"A\", region 1 (region 1 of the shot): "
+                "brush 2, but there are 1 to 1 (invalid vector subscript)\n",
+            bad.err);
+  EXPECT_FALSE(fs::exists(folder.path("a.png")));
+  EXPECT_EQ(0, error("{\"Brush\":2,\"Face\":1,\"Points\":[1,2,3]}", "outline").status);
+}
+
 TEST(ShotProgram, ScaleBeyondTheListIsNamed) {
   const TempFolder folder;
   const std::string scene =
@@ -312,7 +334,7 @@ TEST(ShotProgram, ProgressBarIsThereOnATerminalAlone) {
   EXPECT_EQ("", run(arguments).err);
   const Result onTerminal = run(arguments, NoDisplay, true);
   EXPECT_EQ(0, onTerminal.status);
-  EXPECT_NE(std::string::npos, onTerminal.err.find("["));
+  EXPECT_NE(std::string::npos, onTerminal.err.find('['));
   EXPECT_NE(std::string::npos, onTerminal.err.find(" %"));
   EXPECT_EQ(std::string::npos, onTerminal.out.find(" %"));
   EXPECT_EQ("\r\033[K", onTerminal.err.substr(onTerminal.err.size() - 4));  // wiped out
