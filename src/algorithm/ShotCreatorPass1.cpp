@@ -32,10 +32,10 @@ using Kernel::Vec3;
 
 namespace {
 
-// Where the eye is stepped to if it stands on a cell: less than `D1` from its plane, over it, and
-// looking along it to within `D2` degrees.
-std::optional<Vec3> shiftedEye(const NormalCell& cell, Vec3 eye, Vec3 forward, double D1,
-                               double D2) {
+// Where the eye is stepped to if it stands on a cell: nearer to its plane than `reach`, over it,
+// and looking along it to within `tilt` degrees.
+std::optional<Vec3> shiftedEye(const NormalCell& cell, Vec3 eye, Vec3 forward, double reach,
+                               double tilt) {
   const Vec3 origin = cell.polygon.front();
   double eyeAt[3] = {eye.x, eye.y, eye.z};
   double originAt[3] = {origin.x, origin.y, origin.z};
@@ -44,11 +44,11 @@ std::optional<Vec3> shiftedEye(const NormalCell& cell, Vec3 eye, Vec3 forward, d
   vtkPlane::ProjectPoint(eyeAt, originAt, normal, foot);
   const Vec3 projected{foot[0], foot[1], foot[2]};
 
-  if (!(D1 > Kernel::length3(eye - projected))) return std::nullopt;
+  if (!(reach > Kernel::length3(eye - projected))) return std::nullopt;
   const double angle = Kernel::roundD(Kernel::angleDegrees(cell.normal, forward), 5);
-  if (!(D2 > std::abs(angle - 90.0))) return std::nullopt;
+  if (!(tilt > std::abs(angle - 90.0))) return std::nullopt;
   if (!Kernel::isInConvexArea(projected, cell.polygon)) return std::nullopt;
-  return projected - (D1 * 5.0) * cell.normal;
+  return projected - (reach * 5.0) * cell.normal;
 }
 
 // What is kept of a region: the cells whose normals point away from the eye.

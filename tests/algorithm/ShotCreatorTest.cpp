@@ -258,6 +258,13 @@ TEST(FirstPass, PointNumberBeyondTheListIsRefused) {
   EXPECT_EQ(" = ", shotError<std::out_of_range>(s));
 }
 
+// Too few points to be built, and yet its numbers are read for the projection.
+TEST(FirstPass, PointNumberOfARegionOfTwoPointsIsRefusedToo) {
+  ShotScene s;
+  s.addRegion(s.addObject(), {{3, 0, 0}}).addPoint(3);
+  EXPECT_EQ("dex = ", shotError<std::out_of_range>(s));
+}
+
 TEST(FirstPass, ParallelDirectionsEndAtTheFirstPoint) {
   ShotScene s;
   s.addRegion(s.addObject(), wallAhead());

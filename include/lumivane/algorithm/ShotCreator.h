@@ -52,8 +52,8 @@ enum class ProjectionType : int;
 /// from 1; edge e of a polygon starts at its point e.
 class LUMIVANE_EXPORT ShotCreator {
  public:
-  using Point = std::vector<double>;
-  using Polygon = std::vector<Point>;
+  using Point = std::vector<double>;   ///< Its coordinates.
+  using Polygon = std::vector<Point>;  ///< Its corners in order.
   /// One polygon data for each region of an object.
   using PolyDataList = std::vector<vtkSmartPointer<vtkPolyData>>;
   /// The polygons of each region, a list per region.
@@ -66,39 +66,39 @@ class LUMIVANE_EXPORT ShotCreator {
   /// No scene, no view, no colouring (`propertyNum` and `scaleNum` -1), D1 0.01 and D2 1.0.
   ShotCreator();
 
-  Scene::Scene3D* getScene() const { return scene; }
-  void setScene(Scene::Scene3D* value) { scene = value; }  ///< Borrowed.
-  Base::Brushes* getBrushes() const { return brushes; }
+  Scene::Scene3D* getScene() const { return scene; }          ///< The source; still the caller's.
+  void setScene(Scene::Scene3D* value) { scene = value; }     ///< Borrowed.
+  Base::Brushes* getBrushes() const { return brushes; }       ///< Shared with every shot.
   void setBrushes(Base::Brushes* value) { brushes = value; }  ///< Borrowed.
-  Base::Pens* getPens() const { return pens; }
-  void setPens(Base::Pens* value) { pens = value; }  ///< Borrowed.
-  Geometry::Points3d* getPoints() const { return points; }
+  Base::Pens* getPens() const { return pens; }                ///< Shared with every shot.
+  void setPens(Base::Pens* value) { pens = value; }           ///< Borrowed.
+  Geometry::Points3d* getPoints() const { return points; }    ///< The pool of the scene's points.
   /// Borrowed; null counts as empty.
   void setPoints(Geometry::Points3d* value) { points = value; }
-  Scene::Objects* getObjects() const { return objects; }
+  Scene::Objects* getObjects() const { return objects; }       ///< What a shot is made of.
   void setObjects(Scene::Objects* value) { objects = value; }  ///< Borrowed.
   /// The record whose interior colour fills an interior shot; null for the default colour.
   Base::Camera* getCamera() const { return camera; }
-  void setCamera(Base::Camera* value) { camera = value; }  ///< Borrowed.
-  Base::Properties* getProperties() const { return properties; }
+  void setCamera(Base::Camera* value) { camera = value; }              ///< Borrowed.
+  Base::Properties* getProperties() const { return properties; }       ///< Null: no colouring.
   void setProperties(Base::Properties* value) { properties = value; }  ///< Borrowed.
-  Base::Scales* getScales() const { return scales; }
-  void setScales(Base::Scales* value) { scales = value; }  ///< Borrowed.
-  Base::View* getView() const { return view; }
+  Base::Scales* getScales() const { return scales; }                   ///< Null: no colouring.
+  void setScales(Base::Scales* value) { scales = value; }              ///< Borrowed.
+  Base::View* getView() const { return view; }  ///< Whence the shot is taken.
   /// Borrowed; a camera shift writes its eye position.
   void setView(Base::View* value) { view = value; }
   /// Number of the property to colour by; below 1 for none.
   int getPropertyNum() const { return propertyNum; }
-  void setPropertyNum(int value) { propertyNum = value; }
+  void setPropertyNum(int value) { propertyNum = value; }  ///< Unchecked.
   /// Position, counted from 1, of the scale to colour by; below 1 for none.
   int getScaleNum() const { return scaleNum; }
-  void setScaleNum(int value) { scaleNum = value; }
+  void setScaleNum(int value) { scaleNum = value; }  ///< Unchecked.
   /// Distance limit of the camera shift, in scene units.
   double getD1() const { return D1; }
-  void setD1(double value) { D1 = value; }
+  void setD1(double value) { D1 = value; }  ///< Unchecked.
   /// Angle limit of the camera shift, in degrees.
   double getD2() const { return D2; }
-  void setD2(double value) { D2 = value; }
+  void setD2(double value) { D2 = value; }  ///< Unchecked.
   /// The object that holds the camera; when it is set, an interior shot is made.
   Scene::Object* getCameraObject() const { return cameraObject; }
   void setCameraObject(Scene::Object* value) { cameraObject = value; }  ///< Borrowed.
