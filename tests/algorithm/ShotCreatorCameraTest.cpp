@@ -164,6 +164,17 @@ TEST(CameraShift, LastHitWinsAndStartsFromTheEyeBeforeTheObject) {
   EXPECT_EQ(1, object.getCameraInRegionIndex());
 }
 
+TEST(CameraShift, LaterPolygonsOfTheObjectAreChosenWithTheNewEye) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, SideWall);
+  // Its plane y = 1.97 lies between the old eye and the new one.
+  s.addRegion(object, {{5, 1.97, -3}, {5, 1.97, 3}, {9, 1.97, 3}, {9, 1.97, -3}}, 2);
+  s.setEye({0, 1.995, 0});
+  capturedStdout([&] { s.makeShot(); });
+  EXPECT_FALSE((*object.getRegionsVisiblePolygons())[1][0].empty());
+}
+
 TEST(CameraShift, LaterObjectsUseTheNewEye) {
   ShotScene s;
   s.addRegion(s.addObject("wall"), SideWall);

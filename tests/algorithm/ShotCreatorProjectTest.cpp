@@ -339,6 +339,20 @@ TEST(ProjectPoints, ALimitOfOneCounts) {
   EXPECT_EQ(8u, sizeWith(1.0));
 }
 
+// Beside the centre line; the upright sides are about 0.4 long.
+TEST(ProjectPoints, TheLimitOfTheSquareIsTwiceTheLength) {
+  const Polygon aside = {{3, 0.5, -1}, {3, 1.5, -1}, {3, 1.5, 1}, {3, 0.5, 1}};
+  Projected p;
+  p.shotScene.addRegion(p.object, aside);
+  p.polygons = {{aside}};
+  const auto sizeWith = [&](double limit) {
+    const SegmentSettings settings(1, limit);
+    return p.project(ProjectionType::Square)[0][0].size();
+  };
+  EXPECT_EQ(4u, sizeWith(0.25));
+  EXPECT_EQ(8u, sizeWith(0.15));
+}
+
 TEST(ProjectPoints, SquareStopsAtTheFirstCountAbove1000) {
   const SegmentSettings settings(6, 1e-9);
   Projected p;
@@ -432,6 +446,14 @@ TEST(ProjectPoints, GreaterTypeProjectsNothing) {
   const auto projected = p.project(static_cast<ProjectionType>(4));
   ASSERT_EQ(1u, projected.size());
   EXPECT_TRUE(projected[0].empty());
+}
+
+TEST(ProjectPoints, GreaterTypeMakesItsFrameAllTheSame) {
+  Projected p;
+  p.shotScene.addRegion(p.object, wallAhead());
+  p.shotScene.setUp({2, 0, 0});
+  p.polygons = {{wallAhead()}};
+  EXPECT_EQ(ZeroLength, capturedStdout([&] { p.project(static_cast<ProjectionType>(4)); }));
 }
 
 TEST(ProjectPoints, WrongPointNumberIsFoundWithoutAnyPolygon) {
