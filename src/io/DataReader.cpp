@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <memory>
 
 namespace Lumivane::IO {
 namespace {
@@ -28,10 +29,10 @@ Model* readModel(const std::string& json, const char* errorText) {
     Cmd::logMessage("%s", End);
     return nullptr;
   }
-  // Deliberate: when a value throws, the half-read model is left as it is.
-  auto* const model = new Model();
+  // When a value throws, nobody else can reach the half-read model.
+  auto model = std::make_unique<Model>();
   model->deserialize(root);
-  return model;
+  return model.release();
 }
 
 template <class Model>

@@ -18,7 +18,7 @@ namespace IO {
 /// Reads scenes and shots from files and texts. Has no state: any instance serves.
 ///
 /// Messages go to the console log. A value out of range in a well-formed document is an exception
-/// of the value's own class; it passes through, and the half-read scene or shot is lost.
+/// of the value's own class; it passes through, and what was read is freed.
 class LUMIVANE_EXPORT DataReader {
  public:
   /// The text of a file with its line feeds left out, so that a token split over two lines comes
