@@ -1,9 +1,11 @@
 // The road of a shot as a whole, and the records that the second pass makes.
 
 #include "support/Capture.h"
+#include "support/Extremes.h"
 #include "support/ShotCreatorProbe.h"
 #include "support/ShotScene.h"
 #include "support/Thrown.h"
+#include "utils/Shapes.h"
 
 #include <lumivane/base/Camera.h>
 #include <lumivane/base/Color.h>
@@ -14,8 +16,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -508,6 +512,37 @@ TEST(SecondPass, WrongFaceNumberBehindTheEyeHarmsNobody) {
   ShotScene s;
   s.addRegion(s.addObject(), wallAhead(-3)).setFaceNumber(3);
   EXPECT_NE(nullptr, quietShot(s));
+}
+
+// Coordinates, directions and numbers of every kind: a shot, a null shot or a promised exception.
+TEST(ShotCreatorProperty, AnySceneEndsInAShotOrAnException) {
+  std::mt19937_64 random(20240614);
+  int shots = 0;
+  for (int run = 0; run < 300; ++run) {
+    const SegmentSettings settings(1 + static_cast<int>(random() % 4), run % 3 * 0.2);
+    ShotScene s;
+    if (run % 2 == 1) s.view.setCamera(&s.normal);
+    const auto coordinates = [&] { return Utils::toVector(anyVec3(random)); };
+    for (int o = 0; o < 3; ++o) {
+      Scene::Object& object = s.addObject(std::to_string(o));
+      for (int r = 1; r <= 3; ++r) {
+        PolygonPoints polygon;
+        for (std::uint64_t i = random() % 6; i > 0; --i) polygon.push_back(coordinates());
+        s.addRegion(object, polygon, r, {static_cast<int>(random() % 6)});
+      }
+    }
+    if (run % 4 != 0) s.setEye(coordinates());
+    if (run % 4 != 1) s.setForward(coordinates());
+    if (run % 4 != 2) s.setUp(coordinates());
+    s.parameters.setD1(anyDouble(random));
+    s.parameters.setD2(anyDouble(random));
+    try {
+      shots += quietShot(s) != nullptr ? 1 : 0;
+    } catch (const std::out_of_range&) {
+    } catch (const std::length_error&) {
+    }
+  }
+  EXPECT_GT(shots, 100);
 }
 
 // ---- Colouring -------------------------------------------------------------------------------
