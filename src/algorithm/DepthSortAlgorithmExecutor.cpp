@@ -153,9 +153,9 @@ std::unordered_map<std::string, const Scene::Object*> objectsById(Scene::Objects
 }  // namespace
 
 void releaseSortObject(ObjectData* object) {
-  OwnedRegions{object->getSourceRegions()};
-  OwnedPolygons{object->getProjectedPolygons()};
-  OwnedSources{object->getSourcePolygons()};
+  const OwnedRegions regions(object->getSourceRegions());
+  const OwnedPolygons polygons(object->getProjectedPolygons());
+  const OwnedSources sources(object->getSourcePolygons());
   delete object->getProjectedBounds();
   delete object;
 }
@@ -194,8 +194,8 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
       std::unique_ptr<ObjectData> data =
           objectOf(*face, pools, *object, source == sources.end() ? nullptr : source->second);
       if (data == nullptr) continue;
-      objectDataList->push_back(data.get());
-      data.release();
+      objectDataList->push_back(nullptr);  // the step that can fail comes before the handing over
+      objectDataList->back() = data.release();
     }
   }
   const std::size_t count = objectDataList->size();

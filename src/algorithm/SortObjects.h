@@ -15,9 +15,9 @@ void releaseSortObject(ObjectData* object);
 // The elements of a list of the model; none if the list is missing, or its vector.
 template <class List, class Element>
 const std::vector<Element*>& elementsOf(List* list, std::vector<Element*>* (List::*elements)()) {
-  static const std::vector<Element*> None;
+  static const std::vector<Element*> none;
   const std::vector<Element*>* found = list == nullptr ? nullptr : (list->*elements)();
-  return found == nullptr ? None : *found;
+  return found == nullptr ? none : *found;
 }
 
 }  // namespace Lumivane::Algorithm

@@ -41,7 +41,7 @@ std::string failureOn(SortStage& stage) {
   const std::vector<Geometry::Region2d*> regions = *stage.shot.getRegions()->getRegions();
   const std::vector<Geometry::Face2d*> faces =
       *stage.shot.getObjects()->getObject(0)->getFaces()->getFaces();
-  const std::string text = thrownText<std::out_of_range>([&] { runOn(stage); });
+  std::string text = thrownText<std::out_of_range>([&] { runOn(stage); });
   EXPECT_EQ(regions, *stage.shot.getRegions()->getRegions());
   EXPECT_EQ(faces, *stage.shot.getObjects()->getObject(0)->getFaces()->getFaces());
   return text;

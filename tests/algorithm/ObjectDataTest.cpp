@@ -79,7 +79,9 @@ TEST(ObjectData, CopyKeepsTheIdAndSharesTheLists) {
 
 TEST(ObjectData, CopyDrawsNoId) {
   const ObjectData object;
-  const ObjectData copy(object);
+  ObjectData copy(object);
+  copy.setDepthIndex(3);
+  EXPECT_EQ(object.getId(), copy.getId());
   EXPECT_EQ(std::stoi(object.getId()) + 1, std::stoi(ObjectData().getId()));
 }
 

@@ -127,8 +127,8 @@ TEST(MeetingOf, SuccessorBeyondTheSecondIsItsFirstPoint) {
 }
 
 TEST(MeetingOf, PointThatIsNoNumberCrossesAndContainsNothing) {
-  constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(Meeting::None, Kernel::meetingOf(UnitSquare, {{NotANumber, 0}, {9, 9}, {9, 8}}));
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(Meeting::None, Kernel::meetingOf(UnitSquare, {{notANumber, 0}, {9, 9}, {9, 8}}));
 }
 
 // --- Against the plain scan, bit for bit ---
@@ -216,10 +216,10 @@ TEST(MeetingOfProperty, FineOutlinesMeetAsInThePlainScan) {
 
 TEST(BesideLineProperty, SegmentBesideTheBoxCrossesNothingInIt) {
   std::mt19937_64 random(20240716);
-  constexpr Source Sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
+  constexpr Source sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
   int beside = 0;
   for (int i = 0; i < 40000; ++i) {
-    const Source source = Sources[i % 4];
+    const Source source = sources[i % 4];
     const Ring ring{source(random), source(random), source(random)};
     const Kernel::Segment segment{source(random), source(random)};
     if (!Kernel::isBesideLine(Kernel::boxOf(ring), segment)) continue;
@@ -235,9 +235,9 @@ TEST(BesideLineProperty, SegmentBesideTheBoxCrossesNothingInIt) {
 
 TEST(ContainsPointProperty, AgreesWithThePlainWalk) {
   std::mt19937_64 random(20240717);
-  constexpr Source Sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
+  constexpr Source sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
   for (int i = 0; i < 40000; ++i) {
-    const Source source = Sources[i % 4];
+    const Source source = sources[i % 4];
     const Ring ring = anyRing(random, source);
     const Vec2 point = source(random);
     ASSERT_EQ(Plain::contains(toVectors(ring), toVector(point)), Kernel::containsPoint(ring, point))

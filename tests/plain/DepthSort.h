@@ -100,8 +100,8 @@ struct Face {
 
 /// xMin, xMax, yMin, yMax.
 inline Vector bounds(const std::vector<Matrix>& polygons) {
-  constexpr double Largest = 1.7976931348623157e308;
-  Vector b{Largest, -Largest, Largest, -Largest};
+  constexpr double largest = 1.7976931348623157e308;
+  Vector b{largest, -largest, largest, -largest};
   for (const Matrix& polygon : polygons) {
     for (const Vector& p : polygon) {
       if (b[0] > p[0]) b[0] = p[0];
