@@ -100,6 +100,7 @@ TEST(Json5Comments, QuoteOfTheOtherKindDoesNotCloseAString) {
 
 TEST(Json5Comments, BacktickStringsAreNotKnownToTheCommentPass) {
   EXPECT_EQ("\"a        b\"", valueText("`a /* x */b`"));
+  EXPECT_EQ("\"a      b\"", valueText("`a // x\nb`"));  // the line feed goes as well
 }
 
 TEST(Json5Comments, BackslashGuardsAQuoteEvenBehindAnotherBackslash) {
@@ -271,6 +272,7 @@ TEST(Json5Reals, DotBehindHexadecimalDigitsIsAnError) {
 
 TEST(Json5Structure, CommasAndBracketsGoOnWithTheNextMember) {
   EXPECT_EQ(twoMembers, json5ToJson("{,a: 1,,] b: 'x' ] }"));
+  EXPECT_EQ(twoMembers, json5ToJson("{a: 1] b: 'x'}"));
 }
 
 TEST(Json5Structure, MembersNeedASeparator) {
