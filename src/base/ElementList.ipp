@@ -52,9 +52,10 @@ Jzon::Node ElementList<Element>::serialize() {
 template <class Element>
 BaseLibClass* ElementList<Element>::deserialize(Jzon::Node node) {
   if (!node.isArray()) return this;
+  madeVector(items);
   for (std::size_t i = 0; i < node.getCount(); ++i) {
     std::unique_ptr<Element> element(new Element());
-    append(static_cast<Element*>(element->deserialize(node.get(i))));
+    append(ElementTraits<Element>::readElement(element.get(), node.get(i)));
     (void)element.release();  // the list owns it now
   }
   return this;

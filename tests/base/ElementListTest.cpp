@@ -45,6 +45,7 @@ class Derived : public Plain {
 
 template <>
 struct ElementTraits<Plain> {
+  static Plain* readElement(Plain* element, const Jzon::Node&) { return element; }
   static void destroyElement(Plain* element) {
     if (auto* derived = dynamic_cast<Derived*>(element))
       delete derived;
@@ -144,6 +145,11 @@ TEST_F(ElementListTest, ReadingWithANullVectorMakesANewOne) {
   read(list, "[5]");
   ASSERT_NE(nullptr, list.items);
   EXPECT_EQ("[5]", written(list));
+  list.clear();
+  delete list.items;
+  list.items = nullptr;
+  read(list, "[]");
+  ASSERT_NE(nullptr, list.items);
 }
 
 TEST_F(ElementListTest, WritesInListOrderWithNullForNullElements) {

@@ -1,6 +1,14 @@
+#include <lumivane/algorithm/ShotParameters.h>
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewOrientation3D.h>
+#include <lumivane/base/ViewSphericalCamera.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/shot/Shot2d.h>
 #include <lumivane/utils/ProgressbarUtils.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -68,6 +76,24 @@ TEST_F(ProgressRecord, ResetSetsAllFieldsBack) {
   record.setStatus("sorting");
   record.setProgress(42.5);
   record.reset();
+  expectReset(record);
+}
+
+TEST_F(ProgressRecord, AShotOfASceneWithoutObjectsResetsTheRecordAndLeavesTheProgressAtZero) {
+  record.setTotalObjectsCount(12);
+  record.increaseHandledObjectsCounter();
+  record.setStatus("sorting");
+  record.setProgress(42.5);
+  Base::ViewSphericalCamera camera;
+  Base::ViewOrientation3D orientation;
+  Base::View view;
+  view.setCamera(&camera);
+  view.setOrientation(&orientation);
+  Algorithm::ShotParameters parameters;
+  Scene::Scene3D scene;
+  scene.setObjects(new Scene::Objects());
+  const std::unique_ptr<Shot::Shot2d> shot(scene.makeShot(&view, &parameters));
+  ASSERT_NE(nullptr, shot);
   expectReset(record);
 }
 

@@ -7,10 +7,15 @@
 
 namespace Lumivane::Base {
 
-/// How a list makes and destroys its elements. Specialise it, before the list's first use, for an
-/// element class that may stand for objects of a derived class.
+/// How a list reads and destroys its elements. Specialise it, before the list's first use, for an
+/// element class that leaves something behind when it is read, or that may stand for objects of a
+/// derived class.
 template <class Element>
 struct ElementTraits {
+  /// Reads a new element, of which nobody but the list knows yet.
+  static Element* readElement(Element* element, const Jzon::Node& node) {
+    return static_cast<Element*>(element->deserialize(node));
+  }
   /// Deletes an element, which is not null.
   static void destroyElement(Element* element) { delete element; }
 };

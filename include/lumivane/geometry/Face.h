@@ -19,19 +19,19 @@ class Vector3d;
 /// Owns the normal besides what a Part owns. Copies share both: of two copies, destroy one.
 class LUMIVANE_EXPORT Face : public Part {
  public:
-  Face();                              ///< No regions; the normal (0, 0, 1).
-  Face(const Face& other);             ///< Shares the regions and the normal.
-  Face& operator=(const Face& other);  ///< Shares them; frees nothing.
-  ~Face();                             ///< Deletes the normal and the regions.
+  Face();                                  ///< No regions; the normal (0, 0, 1).
+  Face(const Face&) = default;             ///< Shares the regions and the normal.
+  Face& operator=(const Face&) = default;  ///< Shares them; frees nothing.
+  ~Face();                                 ///< Deletes the normal and the regions.
 
-  Vector3d* getNormal() const;  ///< Still the face's.
+  Vector3d* getNormal() const { return normal; }  ///< Still the face's.
   /// Takes over the normal; the old one is not freed.
-  void setNormal(Vector3d* newNormal);
+  void setNormal(Vector3d* newNormal) { normal = newNormal; }
 
   /// What a Part writes, then "Normal" as `[x, y, z]` unless it is null.
   Jzon::Node serialize() override;
   /// Reads what a Part reads. A "Normal", whatever it holds, gives a new vector, zero where nothing
-  /// can be read; the old one is not freed if anybody else may hold it.
+  /// can be read; the old one is not freed.
   Base::BaseLibClass* deserialize(Jzon::Node node) override;
 
   /// Makes a face from a plane outline: triangulates it, holes included, and writes every triangle
@@ -50,7 +50,6 @@ class LUMIVANE_EXPORT Face : public Part {
 
  private:
   Vector3d* normal;
-  mutable bool normalIsKnown = false;  // outside this face, where a pointer to it may be kept
 };
 
 }  // namespace Lumivane::Geometry

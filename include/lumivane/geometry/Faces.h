@@ -6,9 +6,12 @@
 
 namespace Lumivane::Base {
 
-/// No class of the model has a virtual destructor, so a VFace among the faces is told apart.
+/// Reading a face leaves its earlier normal unfreed, and no class of the model has a virtual
+/// destructor: the list sees to both.
 template <>
 struct LUMIVANE_EXPORT ElementTraits<Geometry::Face> {
+  /// Reads a new face, and frees the normal that it was made with if reading put another there.
+  static Geometry::Face* readElement(Geometry::Face* face, const Jzon::Node& node);
   /// Deletes the face as what it is: a VFace with its values, anything else as a Face.
   static void destroyElement(Geometry::Face* face);
 };

@@ -46,9 +46,8 @@ class LUMIVANE_EXPORT Scene3D : public Base::BaseLibClass {
   void setObjects(Objects* value) { objects = value; }  ///< Takes over; frees nothing.
   /// Still the scene's; may be null.
   Base::Properties* getProperties() const { return properties; }
-  void setProperties(Base::Properties* value) {
-    properties = value;
-  }                                                        ///< Takes over; frees nothing.
+  /// Takes over; frees nothing.
+  void setProperties(Base::Properties* value) { properties = value; }
   Base::Scales* getScales() const { return scales; }       ///< Still the scene's; may be null.
   void setScales(Base::Scales* value) { scales = value; }  ///< Takes over; frees nothing.
 
@@ -64,7 +63,8 @@ class LUMIVANE_EXPORT Scene3D : public Base::BaseLibClass {
   ///
   /// \param view        camera and orientation; stays the caller's, and its eye may be moved off a
   ///                    polygon that it stands on
-  /// \param parameters  how edges are split and what colours the faces; stays the caller's
+  /// \param parameters  what colours the faces, and from where on the eye is moved off a polygon;
+  ///                    stays the caller's
   /// \return the shot, the caller's, which shares brushes, pens, scale and property with the scene:
   ///         of the two, delete one; null if no shot can be made
   Shot::Shot2d* makeShot(Base::View* view, Algorithm::ShotParameters* parameters);

@@ -41,9 +41,8 @@ class LUMIVANE_EXPORT Shot2d : public Base::BaseLibClass {
   void setPoints(Geometry::Points2d* value) { points = value; }  ///< Takes over; frees nothing.
   /// Still the shot's; may be null.
   Geometry::Regions2dInDrawingOrder* getRegions() const { return regions; }
-  void setRegions(Geometry::Regions2dInDrawingOrder* value) {
-    regions = value;
-  }                                                              ///< Takes over; frees nothing.
+  /// Takes over; frees nothing.
+  void setRegions(Geometry::Regions2dInDrawingOrder* value) { regions = value; }
   Objects2d* getObjects() const { return objects; }              ///< Still the shot's; may be null.
   void setObjects(Objects2d* value) { objects = value; }         ///< Takes over; frees nothing.
   Base::Scale* getScale() const { return scale; }                ///< Still the shot's; may be null.
