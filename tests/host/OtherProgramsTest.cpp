@@ -5,7 +5,10 @@
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
 
+#include <atomic>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -51,6 +54,90 @@ TEST(ShowProgram, FilesAreCheckedFirst) {
             lumivane({"show", "no/scene"}).err);
   EXPECT_EQ("lumivane: no/shot: cannot be read: No such file or directory\n",
             lumivane({"show", Small, "no/shot"}).err);
+}
+
+// Runs a program that opens both windows, looks for them and ends each by its key "e".
+struct Shown {
+  Result result;
+  bool sceneSeen = false;
+  bool shotSeen = false;
+};
+
+Shown shownAndEnded(const std::vector<std::string>& command) {
+  const Lumivane::Test::VirtualDisplay display;
+  const Environment there = {{"DISPLAY", display.name()}};
+  Shown shown;
+  std::atomic<bool> over = false;
+  std::thread user([&] {
+    const auto xdotool = [&there](std::vector<std::string> arguments) {
+      arguments.insert(arguments.begin(), "xdotool");
+      return Lumivane::Test::runProcess(arguments, there).out;
+    };
+    while (!over) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      shown.sceneSeen |= !xdotool({"search", "--name", " 3d"}).empty();
+      shown.shotSeen |= !xdotool({"search", "--name", " 2d"}).empty();
+      if (!shown.sceneSeen || !shown.shotSeen) continue;
+      xdotool({"mousemove", "300", "250", "key", "e"});
+      xdotool({"mousemove", "900", "250", "key", "e"});
+    }
+  });
+  std::vector<std::string> bounded = {"timeout", "60"};
+  bounded.insert(bounded.end(), command.begin(), command.end());
+  shown.result = Lumivane::Test::runProcess(bounded, there);
+  over = true;
+  user.join();
+  return shown;
+}
+
+TEST(ShowProgram, MadeShotIsShownBesideItsScene) {
+  const Shown shown = shownAndEnded({LUMIVANE_PROGRAM, "show", Small, "--eye", "-2.6,0.35,1.9"});
+  EXPECT_EQ(0, shown.result.status) << shown.result.err;
+  EXPECT_TRUE(shown.sceneSeen);
+  EXPECT_TRUE(shown.shotSeen);
+  EXPECT_EQ("Projecting objects\n\nCalculating objects order\n\nRendering\n\n", shown.result.out);
+}
+
+TEST(ShowProgram, ShotFileIsShownWithAndWithoutAView) {
+  const TempFolder folder;
+  const std::string shot = folder.path("shot.json");
+  ASSERT_EQ(0, lumivane({"shot", Small, "--eye", "-2.6,0.35,1.9", "-o", shot}).status);
+  for (const std::vector<std::string>& view :
+       std::vector<std::vector<std::string>>{{}, {"--camera", "normal", "--style", "half"}}) {
+    std::vector<std::string> command = {LUMIVANE_PROGRAM, "show", Small, shot};
+    command.insert(command.end(), view.begin(), view.end());
+    const Shown shown = shownAndEnded(command);
+    EXPECT_EQ(0, shown.result.status) << shown.result.err;
+    EXPECT_TRUE(shown.sceneSeen && shown.shotSeen);
+    EXPECT_EQ("Rendering\n\n", shown.result.out);
+  }
+}
+
+TEST(ShowProgram, NumbersThatPointAtNothingAreNamed) {
+  const TempFolder folder;
+  const Lumivane::Test::VirtualDisplay display;
+  const std::string scene = folder.file(
+      "s.json",
+      "{\"Brushes\":[[1,2,3,4]],\"Pens\":[[1,2,3,4,1]],\"Points\":[[2,0,0],[2,1,0],[2,0,1]],"
+      "\"Objects\":[{\"Id\":\"A\",\"Pen\":3,\"Faces\":[{}],"
+      "\"Regions\":[{\"Brush\":1,\"Face\":1,\"Points\":[1,2,3]}]}]}");
+  const Result result = Lumivane::Test::runProcess(
+      {LUMIVANE_PROGRAM, "show", scene, "--eye=0,0.2,0.2"}, {{"DISPLAY", display.name()}});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("lumivane: " + scene + ": object \"A\": pen 3, but there are 1 to 1\n", result.err);
+}
+
+TEST(DriverProgram, FilesAreShown) {
+  const TempFolder folder;
+  const std::string shot = folder.path("shot.json");
+  ASSERT_EQ(0, lumivane({"shot", Small, "--eye", "-2.6,0.35,1.9", "-o", shot}).status);
+  const Shown shown = shownAndEnded({LUMIVANE_DRIVER, "-if=" + Small, "-of=" + shot, "-show=1"});
+  EXPECT_EQ(0, shown.result.status) << shown.result.err;
+  EXPECT_TRUE(shown.sceneSeen && shown.shotSeen);
+  const std::string sceneRead = "Reading: " + Small + "\nReading end\n\n";
+  EXPECT_EQ(sceneRead + "Scene and shot views creating\n\n" + sceneRead + "Reading: " + shot +
+                "\nReading end\n\nRendering\n\n",
+            shown.result.out);
 }
 
 TEST(Json5Program, TextIsConvertedToStandardOutput) {
