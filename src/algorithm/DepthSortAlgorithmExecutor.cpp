@@ -4,6 +4,7 @@
 //
 // The shot is only read until the order is known, so an exception leaves it as it was.
 
+#include "algorithm/SceneAccess.h"
 #include "algorithm/SortObjects.h"
 #include "utils/Shapes.h"
 
@@ -39,24 +40,28 @@ namespace {
 
 using Points = ProjectedPolygonData::Points;
 
-// The index of a number that counts from 1. The smallest int becomes the largest: no index at all,
-// too, and no overflow.
-int indexOfNumber(int number) { return static_cast<int>(static_cast<unsigned>(number) - 1U); }
-
 template <class T>
 T& existing(T* pointer) {
   if (pointer == nullptr) Utils::throwInvalidSubscript();
   return *pointer;
 }
 
-// The coordinates of points by number. The list of points throws on a number that it does not hold.
+// The element of a number, which the list throws on if it does not hold it; a missing list counts
+// as empty.
+template <class List, class Element>
+Element& elementOfNumber(List* list, Element* (List::*elementAt)(int), int number) {
+  const int position = positionOfNumber(number);
+  if (list == nullptr) Base::throwBadIndex(position);
+  return existing((list->*elementAt)(position));
+}
+
+// The coordinates of points by number.
 template <class PointList>
 std::unique_ptr<Points> pointsByNumber(const std::vector<int>* numbers, PointList* points) {
   auto result = std::make_unique<Points>();
-  if (numbers == nullptr) return result;
-  result->reserve(numbers->size());
-  for (const int number : *numbers)
-    result->push_back(existing(existing(points).getPoint(indexOfNumber(number))).toVector());
+  result->reserve(numbersOf(numbers).size());
+  for (const int number : numbersOf(numbers))
+    result->push_back(elementOfNumber(points, &PointList::getPoint, number).toVector());
   return result;
 }
 
@@ -110,7 +115,7 @@ void addPolygon(FaceLists& lists, std::unique_ptr<Points> points) {
 // One piece of a face. A region without points stays in the list of regions all the same, which
 // then is longer than the two lists of polygons.
 void addPiece(FaceLists& lists, int regionNumber, const Pools& pools, const Scene::Object* object) {
-  const auto position = static_cast<std::size_t>(indexOfNumber(regionNumber));
+  const auto position = static_cast<std::size_t>(positionOfNumber(regionNumber));
   if (position >= pools.regions.size()) Utils::throwInvalidSubscript();
   const Geometry::Region2d& region = addCopy(lists, existing(pools.regions[position]));
 
@@ -118,9 +123,8 @@ void addPiece(FaceLists& lists, int regionNumber, const Pools& pools, const Scen
   if (points->empty()) return;
   addPolygon(lists, std::move(points));
 
-  Geometry::Regions& sourceRegions = existing(existing(object).getRegions());
-  const Geometry::Region& source =
-      existing(sourceRegions.getRegion(indexOfNumber(region.getSourceRegionNumber())));
+  const Geometry::Region& source = elementOfNumber(
+      existing(object).getRegions(), &Geometry::Regions::getRegion, region.getSourceRegionNumber());
   const std::unique_ptr<Points> corners = pointsByNumber(source.getPoints(), pools.scenePoints);
   if (!corners->empty()) lists.sources->push_back(std::move(*corners));
 }
@@ -130,8 +134,7 @@ std::unique_ptr<ObjectData> objectOf(const Geometry::Face2d& face, const Pools& 
                                      const Shot::Object2d& shotObject,
                                      const Scene::Object* sceneObject) {
   FaceLists lists;
-  if (face.getRegions() != nullptr)
-    for (const int number : *face.getRegions()) addPiece(lists, number, pools, sceneObject);
+  for (const int number : numbersOf(face.getRegions())) addPiece(lists, number, pools, sceneObject);
   if (lists.polygons->empty()) return nullptr;
 
   auto object = std::make_unique<ObjectData>();

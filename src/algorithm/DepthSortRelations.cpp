@@ -68,7 +68,9 @@ bool DepthSortAlgorithmExecutor::isPolygonsEquals(Polygon first, Polygon second)
 
 IntersectionType DepthSortAlgorithmExecutor::getPolygonsIntersectionType(Polygon* first,
                                                                          Polygon* second) {
-  return static_cast<IntersectionType>(Kernel::meetingOf(ringOf(first), ringOf(second)));
+  const std::vector<Kernel::Vec2> ring = ringOf(first);
+  if (ring.empty()) return IntersectionType::FirstInSecond;  // the second is not even read
+  return static_cast<IntersectionType>(Kernel::meetingOf(ring, ringOf(second)));
 }
 
 int DepthSortAlgorithmExecutor::checkPolygonsLocation(const Polygon& first, const Polygon& second) {

@@ -283,21 +283,27 @@ TEST(DepthSortFrame, ObjectUnknownToTheSceneDoesNoHarmWithoutPoints) {
   EXPECT_TRUE(stage.faces(0).empty());
 }
 
-TEST(DepthSortFrame, MissingListsAreErrorsOnlyWhereTheyAreRead) {
-  SortStage noRegions;
-  noRegions.addObject("a");
-  noRegions.addFace({SortStage::square(2, 0, 1)});
-  Scene::Object* object = noRegions.scene.getObjects()->getObject(0);
+// The texts are those of an empty list: the literal advanced by the position asked for.
+TEST(DepthSortFrame, MissingListsCountAsEmpty) {
+  SortStage stage;
+  stage.addObject("a");
+  stage.addFace({SortStage::square(2, 0, 1)});
+  Scene::Object* object = stage.scene.getObjects()->getObject(0);
   Geometry::Regions* regions = object->getRegions();
   object->setRegions(nullptr);
-  EXPECT_EQ(NoSubscript, failureOn(noRegions));
+  EXPECT_EQ("index = ", failureOn(stage));
   object->setRegions(regions);
 
-  Geometry::Points3d* points = noRegions.scene.getPoints();
-  noRegions.scene.setPoints(nullptr);
-  EXPECT_EQ(NoSubscript, failureOn(noRegions));
-  noRegions.scene.setPoints(points);
-  EXPECT_EQ(FirstLine, runOn(noRegions));
+  Geometry::Points3d* corners = stage.scene.getPoints();
+  stage.scene.setPoints(nullptr);
+  EXPECT_EQ("index = ", failureOn(stage));
+  stage.scene.setPoints(corners);
+
+  Geometry::Points2d* points = stage.shot.getPoints();
+  stage.shot.setPoints(nullptr);
+  EXPECT_EQ("index = ", failureOn(stage));
+  stage.shot.setPoints(points);
+  EXPECT_EQ(FirstLine, runOn(stage));
 }
 
 TEST(DepthSortFrame, SecondRunKeepsTheOrder) {

@@ -102,6 +102,15 @@ TEST(PolygonRelation, MissingPolygonCountsAsEmpty) {
   EXPECT_EQ(IntersectionType::FirstInSecond, probe().getPolygonsIntersectionType(nullptr, &square));
 }
 
+TEST(PolygonRelation, TypeReadsNoPointThatItDoesNotCompare) {
+  Polygon empty;
+  Polygon tooShort{{1}};
+  EXPECT_EQ(IntersectionType::FirstInSecond,
+            probe().getPolygonsIntersectionType(&empty, &tooShort));
+  EXPECT_EQ(NoSubscript, thrownText<std::out_of_range>(
+                             [&] { probe().getPolygonsIntersectionType(&tooShort, &empty); }));
+}
+
 TEST(PolygonsEquals, OrderDoesNotCountAndOnePointMayServeTwice) {
   EXPECT_TRUE(probe().isPolygonsEquals({{0, 0, 0}, {1, 1, 1}}, {{1, 1, 1}, {0, 0, 0}}));
   EXPECT_TRUE(probe().isPolygonsEquals({{0, 0, 0}, {0, 0, 0}}, {{0, 0, 0}, {1, 1, 1}}));
