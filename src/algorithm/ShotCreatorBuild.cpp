@@ -291,11 +291,11 @@ void addInteriorRegion(Shot::Shot2d& shot, Faces2d& faces2d, int objectNumber,
 Shot::Shot2d* ShotCreator::buildInteriorShot(ProjectionType type) {
   UnfinishedShot shot = newShot(view);
   setInteriorColour(*shot, camera);
-  int objectNumber = 0;
-  for (const Scene::Object* object : *objects->getObjects()) {
-    ++objectNumber;
+  const std::size_t count = Base::countOf(objects->getObjects());
+  for (std::size_t i = 0; i < count; ++i) {
+    const Scene::Object* object = (*objects->getObjects())[i];
     Faces2d& faces2d = addObject(*shot, *object);
-    if (object == cameraObject) addInteriorRegion(*shot, faces2d, objectNumber, type);
+    if (object == cameraObject) addInteriorRegion(*shot, faces2d, static_cast<int>(i) + 1, type);
   }
   return shot.release();
 }

@@ -56,6 +56,7 @@ void ShotCreator::checkCameraOnPolygonAndShift(PolyDataList* polyData) {
 
 bool ShotCreator::isCameraInObject(PolyDataList* polyData) {
   if (polyData == nullptr || polyData->empty()) return false;
+  if (view == nullptr || !hasOrientation(*view)) return false;  // no eye is in nothing
   const Vec3 eye = eyeOf(*view);
   const Vec3 direction = Utils::reported(Kernel::normalise(forwardOf(*view)));
   vtkIdType count = 0;

@@ -120,6 +120,7 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsRadial(std::vector<int>*
                                                                Polygon regionPoints, Point eye,
                                                                Point right, Point forward,
                                                                int segmentCount) {
+  if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
   RegionProjector projector({ProjectionType::Radial, Utils::toVec3(eye),
                              Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
                              dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
@@ -131,6 +132,7 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>*
                                                                Polygon regionPoints, Point eye,
                                                                Point right, Point forward,
                                                                int segmentCount) {
+  if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
   RegionProjector projector({ProjectionType::Square, Utils::toVec3(eye),
                              Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
                              dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
@@ -145,6 +147,7 @@ ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object
   std::vector<std::vector<PlanePolygon>> projected(Base::countOf(polygons));
   for (std::size_t r = 0; r < projected.size(); ++r) {
     const int index = static_cast<int>(r);
+    if (object->getRegions() == nullptr) Base::throwBadIndex(index);
     Geometry::Region* region = object->getRegions()->getRegion(index);
     // Wrong numbers and a view without a frame are found for every region, projected or not.
     std::vector<Vec3> regionPoints = regionPointsOf(region, points);

@@ -308,6 +308,12 @@ TEST(IsCameraInObject, NoDataHoldsNothing) {
   EXPECT_FALSE(isInObject({vtkSmartPointer<vtkPolyData>::New(), nullptr}, {0, 0, 0}));
 }
 
+TEST(IsCameraInObject, WithoutAViewNothingHoldsTheEye) {
+  ShotCreatorProbe::PolyDataList list = boxInOnePiece();
+  ShotCreatorProbe creator;
+  EXPECT_FALSE(creator.isCameraInObject(&list));
+}
+
 // ---- Cells and normals -----------------------------------------------------------------------
 
 TEST(NormalCells, NormalsThatAreThereAreTaken) {

@@ -182,6 +182,19 @@ TEST(ProjectPointsRadial, EmptyPolygonGivesNothingInSilence) {
             }));
 }
 
+TEST(ProjectPoints, EmptyPolygonReadsNoOtherArgument) {
+  EXPECT_TRUE(ShotCreatorProbe::projectPointsRadial(nullptr, {}, {{1}}, {}, {}, {}, 6).empty());
+  EXPECT_TRUE(ShotCreatorProbe::projectPointsSquare(nullptr, {}, {{1}}, {}, {}, {}, 6).empty());
+}
+
+TEST(ProjectPointsRadial, DockingNumbersAreReadForAnEmptyPolygonToo) {
+  std::vector<int> docking = {0};
+  EXPECT_EQ("invalid vector subscript", thrownText<std::out_of_range>([&] {
+              ShotCreatorProbe::projectPointsRadial(&docking, {}, wallAhead(), Origin, Right,
+                                                    Forward, 6);
+            }));
+}
+
 TEST(ProjectPointsRadial, DockingEdgeIsTheRegionsAndItsEndKeepsItsEdge) {
   // The lower edge of the wall, as a polygon clipped at y = 0 has it.
   std::vector<int> docking = {1};
@@ -471,6 +484,15 @@ TEST(ProjectPoints, WrongPointNumberIsFoundWithoutAnyPolygon) {
 
 TEST(ProjectPoints, MoreRegionsOfPolygonsThanTheObjectHasAreRefused) {
   Projected p;
+  p.polygons = {{wallAhead()}};
+  EXPECT_EQ("index = ", thrownText<std::out_of_range>([&] { p.project(ProjectionType::Radial); }));
+}
+
+TEST(ProjectPoints, ObjectWithoutARegionsListHasNone) {
+  Projected p;
+  delete p.object.getRegions();
+  p.object.setRegions(nullptr);
+  EXPECT_TRUE(p.project(ProjectionType::Radial).empty());
   p.polygons = {{wallAhead()}};
   EXPECT_EQ("index = ", thrownText<std::out_of_range>([&] { p.project(ProjectionType::Radial); }));
 }

@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <random>
 #include <stdexcept>
@@ -764,6 +765,18 @@ TEST(InteriorShot, LooksAtNoRegionAndSortsNothing) {
   EXPECT_EQ("Projecting objects\n\n",
             capturedStdout([&] { shot.reset(s.creator.getProjection(ProjectionType::Radial)); }));
   EXPECT_EQ(nullptr, s.scene.getObjects()->getObject(0)->getRegionsPolyData());
+  destroy(std::move(shot));
+}
+
+TEST(InteriorShot, NeedsNoVectorOfObjects) {
+  Interior s;
+  Scene::Objects none;
+  const std::unique_ptr<Scene::Objects::Vector> vector(none.getObjects());
+  none.setObjects(nullptr);
+  s.creator.setObjects(&none);
+  SharingShot shot = projectionOf(s.creator, ProjectionType::Square);
+  EXPECT_TRUE(shot->getObjects()->getObjects()->empty());
+  EXPECT_TRUE(regionsOf(shot).empty());
   destroy(std::move(shot));
 }
 
