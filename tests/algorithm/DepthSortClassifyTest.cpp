@@ -51,12 +51,13 @@ TEST(DepthSortClassify, OneObjectSetsTheProgressToThirtyAndNoCell) {
   EXPECT_EQ(30.0, progress());
 }
 
+// With 6 faces the last bit tells the step times the row from 70 times the row, divided.
 TEST(DepthSortClassify, LastProgressIsThatOfTheLastRow) {
   SortStage stage;
   stage.addObject("a");
-  for (int i = 0; i < 3; ++i) stage.addFace({SortStage::square(2, 5.0 * i, 1)});
+  for (int i = 0; i < 6; ++i) stage.addFace({SortStage::square(2, 5.0 * i, 1)});
   cellsOf(stage);
-  EXPECT_EQ(2 * (70.0 / 3) + 30.0, progress());
+  EXPECT_EQ(5 * (70.0 / 6) + 30.0, progress());
 }
 
 TEST(DepthSortClassify, CellsStandBelowTheDiagonalAlone) {

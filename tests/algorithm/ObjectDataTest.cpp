@@ -2,8 +2,10 @@
 #include <lumivane/algorithm/ObjectData.h>
 #include <lumivane/algorithm/ProjectedPolygonData.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -106,6 +108,20 @@ TEST(ObjectData, BoundsOfOnePolygonAreANewCopyOfIts) {
   const std::unique_ptr<Bounds2D> made(object.getProjectedBounds());
   EXPECT_NE(&bounds, made.get());
   EXPECT_EQ((Vector{1, 2, 3, 4}), valuesOf(*made));
+}
+
+// A union would leave out both.
+TEST(ObjectData, BoundsOfOnePolygonAreCopiedEvenIfNotNumbersOrInfinite) {
+  Bounds2D bounds(std::numeric_limits<double>::infinity(), 2, 3,
+                  std::numeric_limits<double>::quiet_NaN());
+  ProjectedPolygonData polygon;
+  polygon.setBounds(&bounds);
+  ObjectData::ProjectedPolygons polygons{&polygon};
+  ObjectData object;
+  object.setProjectedPolygons(&polygons);
+  const std::unique_ptr<Bounds2D> made(object.getProjectedBounds());
+  EXPECT_EQ(bounds.getXMin(), made->getXMin());
+  EXPECT_TRUE(std::isnan(made->getYMax()));
 }
 
 TEST(ObjectData, OnePolygonWithoutBoundsGivesTheDefaultBound) {

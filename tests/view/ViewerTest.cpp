@@ -265,12 +265,19 @@ void expectArrowsAndLabels(const std::vector<vtkProp*>& props, const char* horiz
   }
 }
 
+// A camera of the kind 0.
+struct UndefinedCamera : Base::ViewCamera {};
+
 TEST(ProjectionAxes, AnyCameraButANormalOneGetsNineRings) {
+  UndefinedCamera undefined;
+  Base::ViewSphericalCamera spherical;
   for (const bool hasView : {true, false}) {
-    for (const bool hasCamera : {true, false}) {
+    for (Base::ViewCamera* camera :
+         {static_cast<Base::ViewCamera*>(&undefined), static_cast<Base::ViewCamera*>(&spherical),
+          static_cast<Base::ViewCamera*>(nullptr)}) {
       Both both;
       if (!hasView) both.shotModel.shot->setView(nullptr);
-      if (!hasCamera) both.shotModel.view.setCamera(nullptr);
+      both.shotModel.view.setCamera(camera);
       RenderSpy spy;
       both.show();
       const std::vector<vtkProp*> props = propsOf(spy.renderers[ShotRenderer]);
