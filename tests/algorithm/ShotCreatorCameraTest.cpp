@@ -134,6 +134,13 @@ TEST(CameraShift, EyeThatLooksAwayFromTheWallStays) {
   EXPECT_EQ(-1, shift.cameraInRegionIndex);
 }
 
+// To 2 decimals the angle would be 1 degree off, and the eye would stay.
+TEST(CameraShift, AngleIsRoundedTo5Decimals) {
+  const double offPlane = 0.996 * 3.141592653589793 / 180.0;
+  const Shift shift = shiftAt({0, 1.995, 0}, {std::cos(offPlane), std::sin(offPlane), 0});
+  EXPECT_NEAR(1.95, shift.eye[1], 1e-12);
+}
+
 TEST(CameraShift, EyeInThePlaneButBesideTheOutlineStays) {
   const Shift shift = shiftAt({0, 2, 5}, {1, 0, 0});
   EXPECT_EQ((Coordinates{0, 2, 5}), shift.eye);
@@ -237,6 +244,13 @@ TEST(VisiblePolygons, PolygonWithItsFirstPointAtTheEyeIsKept) {
 TEST(VisiblePolygons, PolygonSeenAlongItsPlaneIsDropped) {
   EXPECT_EQ((std::vector<PolygonPoints>{{}}),
             visibleOf({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}}, {0, 0, 0}));
+}
+
+// Seen at 0.004 degrees: the angle to the normal, 89.996, is rounded to 90. At 0.01 it is not.
+TEST(VisiblePolygons, AngleIsRoundedTo2Decimals) {
+  const auto flatAt = [](double z) { return PolygonPoints{{1, 0, z}, {2, 0, z}, {2, 1, z}}; };
+  EXPECT_TRUE(visibleOf(flatAt(7e-05), {0, 0, 0})[0].empty());
+  EXPECT_FALSE(visibleOf(flatAt(17.5e-05), {0, 0, 0})[0].empty());
 }
 
 TEST(VisiblePolygons, AngleThatIsNoNumberAppendsNothing) {

@@ -416,13 +416,35 @@ TEST(ProjectPoints, PolygonsOfARegionEndAtTheLargestCount) {
   EXPECT_LT(projected[1][0].size(), 20u);  // a region by itself is left alone
 }
 
+// From the origin along the x axis.
+RegionProjector radialProjector() {
+  return RegionProjector({ProjectionType::Radial,
+                          {0, 0, 0},
+                          Kernel::backFrame({0, 1, 0}, {1, 0, 0}),
+                          nullptr,
+                          {},
+                          1e-07});
+}
+
+TEST(RegionProjector, ThePieceBackToTheFirstPointCounts) {
+  // On the plane the third side alone is longer than 0.5.
+  const auto flat = Utils::toVec3s({{10, -3, 0}, {10, 0, 1}, {10, 3, 0}});
+  const auto result = radialProjector().settle({flat}, 1, 0.5);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(2, result->pieceCounts[0]);
+}
+
+TEST(RegionProjector, DoublingMayReachTheMostPiecesAndNotPassThem) {
+  // A side of 0.6 on the plane: its pieces are a little longer than 1e-6, then shorter.
+  const auto needle = Utils::toVec3s({{1, 0, 0}, {1, 0.75, 0}});
+  const auto result = radialProjector().settle({needle}, 524'288, 1e-06);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(1'048'576, result->pieceCounts[0]);
+  EXPECT_FALSE(radialProjector().settle({needle}, 524'289, 1e-06));
+}
+
 TEST(RegionProjector, EmptyPolygonCountsWithItsFirstCountAndIsEqualised) {
-  RegionProjector projector({ProjectionType::Radial,
-                             {0, 0, 0},
-                             Kernel::backFrame({0, 1, 0}, {1, 0, 0}),
-                             nullptr,
-                             {},
-                             1e-07});
+  RegionProjector projector = radialProjector();
   const auto wall = Utils::toVec3s({{0.5, -1, -1}, {0.5, 1, -1}, {0.5, 1, 1}});
   const auto result = projector.settle({{}, wall}, 6, 0.1);
   ASSERT_TRUE(result);

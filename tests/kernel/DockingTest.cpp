@@ -70,6 +70,11 @@ TEST(DockingEdges, EdgeMetByTwoPolygonsIsThereTwice) {
       dockingEdges({triangle, {{1, 0}, {0, 0}, {5, 5}}, {{0, 0}, {1, 0}, {6, 7}}}, Precision));
 }
 
+TEST(DockingEdges, EdgeMetTwiceByOnePolygonIsThereTwice) {
+  EXPECT_EQ((Numbers{{1, 1}, {1, 2}}),
+            dockingEdges({{{0, 0}, {1, 0}, {0, 1}}, {{0, 0}, {1, 0}}}, Precision));
+}
+
 TEST(DockingEdges, OrderIsByOtherPolygonFirst) {
   const Polygons polygons = {{{0, 0}, {1, 0}, {0, 1}},
                              {{1, 0}, {1, 1}, {0, 1}},    // at edge 2 of the first
