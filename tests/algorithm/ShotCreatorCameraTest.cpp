@@ -158,6 +158,20 @@ TEST(CameraShift, EyeAtTheDistanceD1Stays) {
   }());
 }
 
+TEST(CameraShift, EyeThatLooksAwayByTheAngleD2Stays) {
+  const auto eyeWith = [](double D2) {
+    ShotScene s;
+    s.addRegion(s.addObject(), SideWall);
+    s.setEye({0, 1.995, 0});
+    s.setForward({1, 1, 0});  // 45 degrees off
+    s.parameters.setD2(D2);
+    capturedStdout([&] { s.makeShot(); });
+    return s.eye();
+  };
+  EXPECT_EQ((Coordinates{0, 1.995, 0}), eyeWith(45.0));
+  EXPECT_NE((Coordinates{0, 1.995, 0}), eyeWith(45.001));
+}
+
 // The second cell starts from the eye before the object, not from where the first put it.
 TEST(CameraShift, LastHitWinsAndStartsFromTheEyeBeforeTheObject) {
   const PolygonPoints back(SideWall.rbegin(), SideWall.rend());

@@ -532,6 +532,21 @@ TEST(ProjectPoints, ParallelDirectionsPrintForEveryRegionAndEndAtTheFirstPoint) 
   EXPECT_EQ(ZeroLength + ZeroLength + ZeroLength + Singular, printed);
 }
 
+TEST(ProjectPoints, EveryDirectionWithoutLengthPrints) {
+  const auto printedWith = [](const Coordinates& forward, const Coordinates& up) {
+    Projected p;
+    p.shotScene.addRegion(p.object, wallAhead());
+    p.shotScene.setForward(forward);
+    p.shotScene.setUp(up);
+    p.polygons = {{{}}};
+    return capturedStdout([&] { p.project(ProjectionType::Radial); });
+  };
+  EXPECT_EQ("", printedWith({2, 0, 0}, {0, 0, 3}));
+  EXPECT_EQ(ZeroLength + ZeroLength, printedWith({2, 0, 0}, {0, 0, 0}));
+  EXPECT_EQ(ZeroLength + ZeroLength, printedWith({0, 0, 0}, {0, 0, 3}));
+  EXPECT_EQ(ZeroLength + ZeroLength + ZeroLength, printedWith({0, 0, 0}, {0, 0, 0}));
+}
+
 // ---- Docking edges ---------------------------------------------------------------------------
 
 TEST(GetDockingEdges, PiecesOfASharedEdgeAreAllFound) {

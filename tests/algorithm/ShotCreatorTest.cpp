@@ -418,6 +418,17 @@ TEST(SecondPass, PointsLessThanAThousandthApartAreOne) {
   EXPECT_TRUE(regionsOf(shot)[0]->getDockingEdges()->empty());
 }
 
+TEST(SecondPass, PrecisionOfPointsIsReadAtRunTime) {
+  ShotScene s;
+  s.addRegion(s.addObject(), wallAhead());
+  const SegmentSettings settings(1, 0.0);
+  const double precision = Geometry::Point2d::Precision;
+  Geometry::Point2d::Precision = 5.0;
+  const SharingShot shot = quietShot(s);
+  Geometry::Point2d::Precision = precision;
+  EXPECT_EQ(1u, pointsOf(shot).size());
+}
+
 // The same two walls as cells of one region: the merged edge is no docking edge, for the docking
 // edges are looked for with the finer measure.
 TEST(SecondPass, MergedPointsStayApartForDockingEdges) {
