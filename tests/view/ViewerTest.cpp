@@ -6,6 +6,7 @@
 #include <lumivane/view/Viewer.h>
 
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -207,6 +208,8 @@ TEST(Viewer, FlatViewLooksFromAboveInParallel) {
   EXPECT_TRUE(camera->GetParallelProjection());
   EXPECT_THAT(three(camera->GetViewUp()), ElementsAre(0, 1, 0));
   EXPECT_THAT(three(camera->GetDirectionOfProjection()), ElementsAre(0, 0, -1));
+  // So far away that the shot fills the window, whatever the axes take up.
+  EXPECT_NEAR(std::sqrt(0.5), camera->GetParallelScale(), 1e-6);
 }
 
 TEST(Viewer, MarkersTakeTheirPartOfTheWindow) {
