@@ -3,6 +3,7 @@
 // OUT.stats.json, both to be compared by the parent. Runs in the folder of OUT.
 
 #include "support/Capture.h"
+#include "support/ShotScene.h"
 #include "support/Vectors.h"
 
 #include <lumivane/algorithm/ShotParameters.h>
@@ -34,12 +35,14 @@
 
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 namespace {
 
 using Lumivane::Test::Json;
+using Lumivane::Test::SharingShot;
 namespace Geometry = Lumivane::Geometry;
 namespace Base = Lumivane::Base;
 namespace Scene = Lumivane::Scene;
@@ -85,15 +88,21 @@ struct CaseView {
   Base::ViewOrientation3D orientation;
 };
 
-/// Puts a VFace with the value in the place of the face: [object, face, property, value].
+/// Puts a VFace with the value in the place of the face, whose regions and normal it takes over:
+/// [object, face, property, value].
 void setFaceValue(Scene::Scene3D& scene, const Json& entry) {
   Scene::Object* object = scene.getObjects()->getObject(entry.at(0).get<int>() - 1);
   Geometry::Face*& face = object->getFaces()->getFaces()->at(entry.at(1).get<size_t>() - 1);
   auto* valued = dynamic_cast<Geometry::VFace*>(face);
   if (valued == nullptr) {
     valued = new Geometry::VFace;
+    std::vector<int>* ownRegions = valued->getRegions();
+    Geometry::Vector3d* ownNormal = valued->getNormal();
     valued->setRegions(face->getRegions());
     valued->setNormal(face->getNormal());
+    face->setRegions(ownRegions);
+    face->setNormal(ownNormal);
+    delete face;
     face = valued;
   }
   valued->setProperty(entry.at(2).get<int>(), Lumivane::Test::toDouble(entry.at(3)));
@@ -137,6 +146,12 @@ Json cameraRegions(Scene::Scene3D& scene) {
   return result;
 }
 
+void freeWorkingLists(Scene::Scene3D& scene) {
+  if (scene.getObjects() == nullptr) return;
+  for (Scene::Object* object : *scene.getObjects()->getObjects())
+    Lumivane::Test::freeWorkingLists(*object);
+}
+
 Json readJson(const std::string& path) {
   std::ifstream file(path);
   if (!file) throw std::runtime_error("cannot read " + path);
@@ -146,14 +161,15 @@ Json readJson(const std::string& path) {
 Json makeShots(Scene::Scene3D& scene, const Json& json, const std::string& out) {
   for (const Json& before : json.value("before", Json::array())) {
     CaseView earlier(before);
-    scene.makeShot(&earlier.view, &earlier.parameters);
+    SharingShot(scene.makeShot(&earlier.view, &earlier.parameters));
+    freeWorkingLists(scene);
   }
   CaseView view(json);
   Json stats = Json::object();
-  Lumivane::Shot::Shot2d* shot = nullptr;
+  SharingShot shot;
   try {
     stats["printed"] = Lumivane::Test::capturedStdout(
-        [&] { shot = scene.makeShot(&view.view, &view.parameters); });
+        [&] { shot.reset(scene.makeShot(&view.view, &view.parameters)); });
   } catch (const std::out_of_range& error) {
     return {{"throws", "std::out_of_range"}, {"what", error.what()}};
   } catch (const std::length_error& error) {
@@ -168,7 +184,7 @@ Json makeShots(Scene::Scene3D& scene, const Json& json, const std::string& out) 
   stats["eyeAfter"] = eyeOf(view.view);
   stats["cameraRegions"] = cameraRegions(scene);
   stats["progress"] = Lumivane::Utils::ProgressbarUtils::getInstance()->getProgress();
-  Lumivane::IO::DataWriter().writeShotFile(shot, out + ".shot.json");
+  Lumivane::IO::DataWriter().writeShotFile(shot.get(), out + ".shot.json");
   return stats;
 }
 
@@ -180,10 +196,12 @@ int main(int argc, char** argv) {
   const std::string out = argv[3];
   try {
     const Json json = readJson(input + ".view.json");
-    Scene::Scene3D* scene = Lumivane::IO::DataReader().readSceneFile(input + ".scene.json");
+    const std::unique_ptr<Scene::Scene3D> scene(
+        Lumivane::IO::DataReader().readSceneFile(input + ".scene.json"));
     if (scene == nullptr) throw std::runtime_error("no scene in " + input + ".scene.json");
     for (const Json& entry : json.value("faceValues", Json::array())) setFaceValue(*scene, entry);
     std::ofstream(out + ".stats.json") << makeShots(*scene, json, out);
+    freeWorkingLists(*scene);
   } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';
     return 1;
