@@ -17,5 +17,7 @@ struct Format {
 }  // namespace Jzon
 
 namespace Lumivane {
+/// \cond
 namespace Jzon = ::Jzon;
-}
+/// \endcond
+}  // namespace Lumivane

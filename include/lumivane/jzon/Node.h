@@ -199,5 +199,7 @@ LUMIVANE_EXPORT std::string unescapeString(const std::string& value);
 }  // namespace Jzon
 
 namespace Lumivane {
+/// \cond
 namespace Jzon = ::Jzon;
-}
+/// \endcond
+}  // namespace Lumivane
