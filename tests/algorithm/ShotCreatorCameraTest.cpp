@@ -159,12 +159,12 @@ TEST(CameraShift, EyeAtTheDistanceD1Stays) {
 }
 
 TEST(CameraShift, EyeThatLooksAwayByTheAngleD2Stays) {
-  const auto eyeWith = [](double D2) {
+  const auto eyeWith = [](double angleLimit) {
     ShotScene s;
     s.addRegion(s.addObject(), SideWall);
     s.setEye({0, 1.995, 0});
     s.setForward({1, 1, 0});  // 45 degrees off
-    s.parameters.setD2(D2);
+    s.parameters.setD2(angleLimit);
     capturedStdout([&] { s.makeShot(); });
     return s.eye();
   };

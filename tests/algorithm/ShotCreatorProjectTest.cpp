@@ -40,6 +40,7 @@ const Coordinates Forward = {1, 0, 0};
 
 std::vector<std::vector<double>> coordinatesOf(const std::vector<EdgeStart>& points) {
   std::vector<std::vector<double>> result;
+  result.reserve(points.size());
   for (const EdgeStart& point : points) result.push_back(point.coordinates);
   return result;
 }

@@ -753,8 +753,8 @@ Coordinates interiorColour(Base::Camera* camera) {
   EXPECT_EQ(1u, shot->getPens()->getPens()->size());
   EXPECT_EQ(1u, shot->getBrushes()->getBrushes()->size());
   const Base::Brush& brush = *shot->getBrushes()->getBrush(0);
-  const Coordinates colour = {double(brush.getRed()), double(brush.getGreen()),
-                              double(brush.getBlue()), double(brush.getAlpha())};
+  Coordinates colour = {double(brush.getRed()), double(brush.getGreen()), double(brush.getBlue()),
+                        double(brush.getAlpha())};
   destroy(std::move(shot));
   return colour;
 }

@@ -161,7 +161,7 @@ Json readJson(const std::string& path) {
 Json makeShots(Scene::Scene3D& scene, const Json& json, const std::string& out) {
   for (const Json& before : json.value("before", Json::array())) {
     CaseView earlier(before);
-    SharingShot(scene.makeShot(&earlier.view, &earlier.parameters));
+    const SharingShot shot(scene.makeShot(&earlier.view, &earlier.parameters));
     freeWorkingLists(scene);
   }
   CaseView view(json);

@@ -727,7 +727,8 @@ TEST(NodeEquality, NumbersCompareAsText) {
 
 TEST(NodeEquality, ContainersAreEqualOnlyIfShared) {
   const Node node = pairObject();
-  const Node handle = node;
+  Node handle;
+  handle = node;
   EXPECT_EQ(node, handle);
   EXPECT_NE(pairObject(), pairObject());
   EXPECT_NE(Jzon::array(), Jzon::array());

@@ -12,7 +12,6 @@ using Kernel::DockingSegment;
 using Kernel::dockingSegment;
 using Kernel::isDrawnFrom;
 using Kernel::Vec2;
-using Kernel::Vec3;
 using Numbers = std::vector<std::vector<int>>;
 using Polygons = std::vector<std::vector<Vec2>>;
 

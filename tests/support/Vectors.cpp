@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -123,7 +122,7 @@ std::vector<std::vector<double>> toVectors(const Json& value) {
 
 bool sameBits(double a, double b) {
   if (std::isnan(a) && std::isnan(b)) return true;
-  return std::memcmp(&a, &b, sizeof a) == 0;
+  return a == b && std::signbit(a) == std::signbit(b);
 }
 
 ::testing::AssertionResult sameBits(const std::vector<double>& expected,

@@ -46,6 +46,7 @@ TEST_F(ProgressRecord, InstanceIsAlwaysTheSame) {
 TEST_F(ProgressRecord, InstanceIsTheSameForThreadsThatAskAtOnce) {
   std::vector<ProgressbarUtils*> found(8, nullptr);
   std::vector<std::thread> threads;
+  threads.reserve(found.size());
   for (ProgressbarUtils*& one : found)
     threads.emplace_back([&one] { one = ProgressbarUtils::getInstance(); });
   for (std::thread& thread : threads) thread.join();
