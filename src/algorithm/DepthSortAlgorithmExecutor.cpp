@@ -40,21 +40,6 @@ namespace {
 
 using Points = ProjectedPolygonData::Points;
 
-template <class T>
-T& existing(T* pointer) {
-  if (pointer == nullptr) Utils::throwInvalidSubscript();
-  return *pointer;
-}
-
-// The element of a number, which the list throws on if it does not hold it; a missing list counts
-// as empty.
-template <class List, class Element>
-Element& elementOfNumber(List* list, Element* (List::*elementAt)(int), int number) {
-  const int position = positionOfNumber(number);
-  if (list == nullptr) Base::throwBadIndex(position);
-  return existing((list->*elementAt)(position));
-}
-
 // The coordinates of points by number.
 template <class PointList>
 std::unique_ptr<Points> pointsByNumber(const std::vector<int>* numbers, PointList* points) {

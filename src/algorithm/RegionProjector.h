@@ -45,9 +45,8 @@ inline std::optional<ProjectionType> actingType(ProjectionType type) {
 /// The docking edges of a region in space.
 ///
 /// \param dockingEdges  edge numbers, counted modulo the number of points; may be null
-/// \throws std::out_of_range "invalid vector subscript" for a number that gives a negative
-/// position,
-///         and for any number if the region has no points
+/// \throws std::out_of_range "invalid vector subscript" for a number below 1 that gives a negative
+///         position, and for any number if the region has no points
 inline std::vector<Kernel::DockingSegment> dockingSegments(
     const std::vector<int>* dockingEdges, const std::vector<Kernel::Vec3>& regionPoints) {
   std::vector<Kernel::DockingSegment> segments;
@@ -93,9 +92,8 @@ class RegionProjector {
 
   /// One polygon at one piece count.
   ///
-  /// \throws std::out_of_range "invalid vector subscript", after messages, for a singular frame,
-  /// and
-  ///         for wrong docking numbers
+  /// \throws std::out_of_range "invalid vector subscript" for wrong docking numbers and, after
+  ///         messages, for a singular frame
   PlanePolygon project(const std::vector<Kernel::Vec3>& polygon, std::int64_t pieceCount) {
     Kernel::splitPolygon(polygon, pieceCount, split);
     // Made at the first call and not before: without a polygon, wrong numbers harm nobody.
@@ -117,8 +115,8 @@ class RegionProjector {
   /// at the largest count, so that edges they share are cut at the same points.
   ///
   /// \param firstCount  pieces per edge of the first trial
-  /// \param maxLength   limit on the plane, twice that for the square; it counts above 0 and up to
-  /// 1 \return nothing if doubling the count would have no end
+  /// \param maxLength   limit on the plane, twice that for the square; counts above 0 and up to 1
+  /// \return nothing if doubling the count would have no end
   std::optional<Result> settle(const std::vector<std::vector<Kernel::Vec3>>& polygons,
                                std::int64_t firstCount, double maxLength) {
     Result result;

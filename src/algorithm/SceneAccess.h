@@ -6,11 +6,13 @@
 
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewOrientation3D.h>
+#include <lumivane/geometry/EdgeStartPoint2d.h>
 #include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/geometry/Vector3d.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -31,15 +33,43 @@ inline bool holdsNumber(const std::vector<int>* numbers, std::int64_t number) {
   return std::find(list.begin(), list.end(), number) != list.end();
 }
 
+/// What a pointer of the model leads to.
+///
+/// \throws std::out_of_range "invalid vector subscript" if it is null
+template <class T>
+T& existing(T* pointer) {
+  if (pointer == nullptr) Utils::throwInvalidSubscript();
+  return *pointer;
+}
+
+/// The element of a number.
+///
+/// \throws std::out_of_range for a number that is not in the list, and for a null element
+template <class List, class Element>
+Element& elementOfNumber(List* list, Element* (List::*elementAt)(int), int number) {
+  const int position = positionOfNumber(number);
+  if (list == nullptr) Base::throwBadIndex(position);
+  return existing((list->*elementAt)(position));
+}
+
 /// The scene point of a number.
 ///
-/// \throws std::out_of_range for a number that is not in the list
+/// \throws std::out_of_range as elementOfNumber
 inline Kernel::Vec3 scenePoint(Geometry::Points3d* points, int number) {
-  const int position = positionOfNumber(number);
-  if (points == nullptr) Base::throwBadIndex(position);
-  const Geometry::Point3d* point = points->getPoint(position);
-  if (point == nullptr) Utils::throwInvalidSubscript();
-  return {point->getX(), point->getY(), point->getZ()};
+  const Geometry::Point3d& point = elementOfNumber(points, &Geometry::Points3d::getPoint, number);
+  return {point.getX(), point.getY(), point.getZ()};
+}
+
+/// The outlines of polygons on the plane, without their edge flags.
+inline std::vector<std::vector<Kernel::Vec2>> planeOutlines(
+    const std::vector<std::vector<Geometry::EdgeStartPoint2d*>>& polygons) {
+  std::vector<std::vector<Kernel::Vec2>> result(polygons.size());
+  for (std::size_t i = 0; i < polygons.size(); ++i) {
+    result[i].reserve(polygons[i].size());
+    for (const Geometry::EdgeStartPoint2d* point : polygons[i])
+      result[i].push_back({point->getX(), point->getY()});
+  }
+  return result;
 }
 
 /// Whether a view has an eye and both directions.

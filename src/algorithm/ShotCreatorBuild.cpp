@@ -84,17 +84,6 @@ Faces2d& addObject(Shot::Shot2d& shot, const Scene::Object& object) {
   return *object2d->getFaces();
 }
 
-std::vector<std::vector<int>> dockingEdgesOf(const ProjectedPolygons& polygons, double precision) {
-  std::vector<std::vector<Kernel::Vec2>> plain(polygons.size());
-  for (std::size_t i = 0; i < polygons.size(); ++i) {
-    plain[i].reserve(polygons[i].size());
-    for (const EdgeStartPoint2d* point : polygons[i]) {
-      plain[i].push_back({point->getX(), point->getY()});
-    }
-  }
-  return Kernel::dockingEdges(plain, precision);
-}
-
 // Appends each number once, in the order of first appearance, to those that are there.
 void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::size_t edgeCount) {
   std::vector<bool> isThere(edgeCount + 1, false);
@@ -138,7 +127,9 @@ class ShotBuilder {
   void buildRegions(Scene::Object& object, int objectNumber, int regionIndex,
                     const ProjectedPolygons& polygons, Faces2d& faces2d) {
     std::vector<std::vector<int>> docking(polygons.size());
-    if (polygons.size() > 1) docking = dockingEdgesOf(polygons, dockingPrecision);
+    if (polygons.size() > 1) {
+      docking = Kernel::dockingEdges(planeOutlines(polygons), dockingPrecision);
+    }
     const Geometry::Region& region = *object.getRegions()->getRegion(regionIndex);
     const int facePosition = positionOfNumber(region.getFaceNumber());
     const auto colour = overrideColour(object.getFaces()->getFace(facePosition));

@@ -85,6 +85,18 @@ ShotCreator::RegionProjections* edgeStartPoints(
   return result;
 }
 
+Kernel::BackFrame frameOf(const ShotCreator::Point& right, const ShotCreator::Point& forward) {
+  return Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward));
+}
+
+// One polygon of a region, at one piece count.
+ShotCreator::ProjectedPolygon projectedAlone(RegionFrame region,
+                                             const ShotCreator::Polygon& polygon,
+                                             int segmentCount) {
+  RegionProjector projector(std::move(region));
+  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
+}
+
 [[noreturn]] void throwEndlessSplitting(const Scene::Object& object, std::size_t regionIndex) {
   throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
                           std::to_string(regionIndex + 1) +
@@ -121,10 +133,9 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsRadial(std::vector<int>*
                                                                Point right, Point forward,
                                                                int segmentCount) {
   if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
-  RegionProjector projector({ProjectionType::Radial, Utils::toVec3(eye),
-                             Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
-                             dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
-  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
+  return projectedAlone({ProjectionType::Radial, Utils::toVec3(eye), frameOf(right, forward),
+                         dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision},
+                        polygon, segmentCount);
 }
 
 ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>* dockingEdges,
@@ -133,10 +144,9 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>*
                                                                Point right, Point forward,
                                                                int segmentCount) {
   if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
-  RegionProjector projector({ProjectionType::Square, Utils::toVec3(eye),
-                             Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward)),
-                             dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision});
-  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
+  return projectedAlone({ProjectionType::Square, Utils::toVec3(eye), frameOf(right, forward),
+                         dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision},
+                        polygon, segmentCount);
 }
 
 ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
@@ -168,11 +178,7 @@ ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object
 }
 
 std::vector<std::vector<int>> ShotCreator::getDockingEdges(std::vector<ProjectedPolygon> polygons) {
-  std::vector<std::vector<Kernel::Vec2>> plain(polygons.size());
-  for (std::size_t i = 0; i < polygons.size(); ++i)
-    for (const EdgeStartPoint2d* point : polygons[i])
-      plain[i].push_back({point->getX(), point->getY()});
-  return Kernel::dockingEdges(plain, pointsPrecision);
+  return Kernel::dockingEdges(planeOutlines(polygons), pointsPrecision);
 }
 
 void ShotCreator::printPoints(Polygon polygon) {

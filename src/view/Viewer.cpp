@@ -83,11 +83,7 @@ void Viewer::createSceneAndShotView(Scene::Scene3D* scene, Shot::Shot2d* shot) {
     addActors(renderer, ViewBuilder::createShotView(shot));
     placeShotCamera(renderer);
     setUpShotWindow(shotWindow, renderer, 600, 500);
-    if (hasNormalCamera(shot)) {
-      createSquareProjectionAxes(renderer);
-    } else {
-      createRadialProjectionAxes(renderer);
-    }
+    createProjectionAxes(renderer, shot);
   }
 
   if (scene != nullptr) sceneWindow->Render();

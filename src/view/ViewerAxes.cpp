@@ -1,5 +1,9 @@
 // The axes of the projection, drawn over a shot in its own coordinates, at z 0.
 
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewCamera.h>
+#include <lumivane/base/ViewCameraKind.h>
+#include <lumivane/shot/Shot2d.h>
 #include <lumivane/view/Viewer.h>
 
 #include <vtkAppendPolyData.h>
@@ -59,7 +63,22 @@ void addLabel(vtkRenderer* renderer, const char* text, Place position) {
   renderer->AddActor(actor);
 }
 
+// Whether the square projection made the shot. Without a view or camera: no.
+bool hasNormalCamera(Shot::Shot2d* shot) {
+  Base::View* view = shot->getView();
+  if (view == nullptr || view->getCamera() == nullptr) return false;
+  return view->getCamera()->getKind() == Base::ViewCameraKind::Normal;
+}
+
 }  // namespace
+
+void Viewer::createProjectionAxes(vtkRenderer* renderer, Shot::Shot2d* shot) {
+  if (hasNormalCamera(shot)) {
+    createSquareProjectionAxes(renderer);
+  } else {
+    createRadialProjectionAxes(renderer);
+  }
+}
 
 void Viewer::createRadialProjectionAxes(vtkRenderer* renderer) {
   addArrows(renderer, createActor);

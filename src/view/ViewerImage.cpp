@@ -3,6 +3,7 @@
 #include "view/ShotWindow.h"
 
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/shot/Shot2d.h>
 #include <lumivane/view/ViewBuilder.h>
 #include <lumivane/view/Viewer.h>
 
@@ -56,11 +57,7 @@ std::vector<unsigned char> Viewer::createImageFromShot(Shot::Shot2d* shot, std::
     addActors(renderer, ViewBuilder::createShotView(shot));
     placePictureCamera(renderer, shot);
     setUpShotWindow(window, renderer, width, height);
-    if (hasNormalCamera(shot)) {
-      createSquareProjectionAxes(renderer);
-    } else {
-      createRadialProjectionAxes(renderer);
-    }
+    createProjectionAxes(renderer, shot);
   }
   window->OffScreenRenderingOn();
   window->Render();

@@ -199,9 +199,8 @@ class LUMIVANE_EXPORT ShotCreator {
   /// \param forward       unit vector
   /// \param segmentCount  pieces per edge
   /// \return new points, owned by the caller
-  /// \throws std::out_of_range "invalid vector subscript" if `right` and `forward` make no frame,
-  /// or
-  ///         for a docking number that is no edge
+  /// \throws std::out_of_range "invalid vector subscript" for a docking number that is no edge,
+  ///         and if `right` and `forward` make no frame
   static ProjectedPolygon projectPointsRadial(std::vector<int>* dockingEdges, Polygon polygon,
                                               Polygon regionPoints, Point eye, Point right,
                                               Point forward, int segmentCount);

@@ -58,6 +58,7 @@ class LUMIVANE_EXPORT Viewer {
                                                         bool saveToFile);
 
  private:
+  static void createProjectionAxes(vtkRenderer* renderer, Shot::Shot2d* shot);
   static void createRadialProjectionAxes(vtkRenderer* renderer);
   static void createSquareProjectionAxes(vtkRenderer* renderer);
   static vtkSmartPointer<vtkActor> createActor(vtkPolyData* polyData, std::vector<int> color);
