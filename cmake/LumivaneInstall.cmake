@@ -8,6 +8,22 @@ install(TARGETS lumivane
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT LumivaneTargets NAMESPACE Lumivane:: DESTINATION "${LUMIVANE_CMAKE_DIR}")
+
+# Each component beside the core has a target file of its own, so that one may be installed without
+# the others.
+foreach(component measure exchange)
+  if(TARGET lumivane_${component})
+    install(TARGETS lumivane_${component}
+      EXPORT Lumivane_${component}Targets
+      RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+      LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+      ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+      FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    install(EXPORT Lumivane_${component}Targets NAMESPACE Lumivane::
+      DESTINATION "${LUMIVANE_CMAKE_DIR}")
+  endif()
+endforeach()
+
 configure_package_config_file(cmake/LumivaneConfig.cmake.in
   "${PROJECT_BINARY_DIR}/LumivaneConfig.cmake" INSTALL_DESTINATION "${LUMIVANE_CMAKE_DIR}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/LumivaneConfigVersion.cmake"
