@@ -11,6 +11,7 @@
 #include <lumivane/io/DataWriter.h>
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/shot/Shot2d.h>
+#include <lumivane/utils/StageTimes.h>
 
 #include <string>
 #include <vector>
@@ -73,6 +74,7 @@ void makeAndWriteShot(const ShotOptions& options, Work& work) {
 void runShot(const ShotOptions& options) {
   checkReadable(options.scene);
   checkOutputs(options);
+  Utils::StageTimes::enable(!options.stats.empty());
   static Work work(options.view);
   makeAndWriteShot(options, work);
   try {

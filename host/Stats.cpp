@@ -15,6 +15,7 @@
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
+#include <lumivane/utils/StageTimes.h>
 
 #include <charconv>
 #include <set>
@@ -83,6 +84,15 @@ Jzon::Node secondsNode(const Seconds& seconds) {
   return node;
 }
 
+Jzon::Node stagesNode() {
+  Jzon::Node node = Jzon::object();
+  for (size_t i = 0; i < Utils::StageTimes::Count; ++i) {
+    const auto stage = static_cast<Utils::Stage>(i);
+    node.add(Utils::StageTimes::name(stage), number(Utils::StageTimes::seconds(stage)));
+  }
+  return node;
+}
+
 }  // namespace
 
 std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& seconds) {
@@ -95,6 +105,7 @@ std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& 
   root.add("objects", number(shot.getObjects()->getObjects()->size()));
   root.add("eye", eyeNode(shot));
   root.add("seconds", secondsNode(seconds));
+  root.add("stages", stagesNode());
   root.add("peak_memory_bytes", number(peakMemoryBytes()));
 
   std::string text;

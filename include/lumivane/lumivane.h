@@ -71,6 +71,8 @@
 #include <lumivane/utils/LinearGeometryUtils.h>
 #include <lumivane/utils/MatrixUtils.h>
 #include <lumivane/utils/ProgressbarUtils.h>
+#include <lumivane/utils/Stage.h>
+#include <lumivane/utils/StageTimes.h>
 #include <lumivane/utils/VtkUtils.h>
 #include <lumivane/view/DebugViewer.h>
 #include <lumivane/view/ViewBuilder.h>

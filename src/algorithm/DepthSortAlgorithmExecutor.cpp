@@ -7,6 +7,7 @@
 #include "algorithm/SceneAccess.h"
 #include "algorithm/SortObjects.h"
 #include "utils/Shapes.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/algorithm/Bounds2D.h>
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
@@ -152,6 +153,7 @@ DepthSortAlgorithmExecutor::DepthSortAlgorithmExecutor()
     : classificationMatrix(new std::vector<std::vector<int>>()) {}
 
 DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
+  const Utils::StageScope stage(Utils::Stage::Order);
   releaseObjectDataList();
   delete classificationMatrix;
 }
@@ -159,6 +161,7 @@ DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
 void DepthSortAlgorithmExecutor::run() {
   Cmd::logMessage("Calculating objects order\n\n");
   if (scene == nullptr || shot == nullptr) return;
+  const Utils::StageScope stage(Utils::Stage::Classification);
   fillObjectDataList();
   classifyObjects();
   calculateObjectsOrder();

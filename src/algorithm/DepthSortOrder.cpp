@@ -3,6 +3,7 @@
 
 #include "algorithm/SortObjects.h"
 #include "kernel/Order.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
 #include <lumivane/algorithm/Graph.h>
@@ -70,6 +71,7 @@ void addFace(Geometry::Faces2d& faces, const std::vector<int>& regionNumbers) {
 
 void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
   if (objectDataList == nullptr) return;
+  const Utils::StageScope stage(Utils::Stage::Order);
   const Ids ids = idsOf(*objectDataList);
   const std::vector<char> isHidden =
       Kernel::flagsOf(Kernel::hiddenFaces(*classificationMatrix, ids.size()), ids.size());

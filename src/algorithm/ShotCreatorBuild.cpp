@@ -5,6 +5,7 @@
 #include "kernel/Angle.h"
 #include "kernel/Docking.h"
 #include "kernel/PointPool.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
 #include <lumivane/algorithm/ProjectionType.h>
@@ -128,6 +129,7 @@ class ShotBuilder {
                     const ProjectedPolygons& polygons, Faces2d& faces2d) {
     std::vector<std::vector<int>> docking(polygons.size());
     if (polygons.size() > 1) {
+      const Utils::StageScope stage(Utils::Stage::Docking);
       docking = Kernel::dockingEdges(planeOutlines(polygons), dockingPrecision);
     }
     const Geometry::Region& region = *object.getRegions()->getRegion(regionIndex);
@@ -221,6 +223,7 @@ Shot::Shot2d* ShotCreator::buildShot() {
 
   const std::size_t count = Base::countOf(objects->getObjects());
   const double step = 15.0 / static_cast<double>(std::max<std::size_t>(count, 1));
+  const Utils::StageScope stage(Utils::Stage::Points);
   ShotBuilder builder(*shot, propertyNum, pointsPrecision);
   for (std::size_t i = 0; i < count; ++i) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step + 15.0);

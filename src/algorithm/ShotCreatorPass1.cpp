@@ -8,6 +8,7 @@
 #include "kernel/Angle.h"
 #include "kernel/ConvexArea.h"
 #include "utils/Shapes.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/View.h>
@@ -84,6 +85,7 @@ void ShotCreator::projectObject(Scene::Object* object, ProjectionType type) {
   Geometry::Regions* regions = object->getRegions();
   if (regions == nullptr) return;
 
+  const Utils::StageScope stage(Utils::Stage::PolygonData);
   auto polyData = std::make_unique<PolyDataList>();
   if (regions->getRegions() != nullptr) {
     for (Geometry::Region* region : *regions->getRegions()) {
@@ -92,6 +94,7 @@ void ShotCreator::projectObject(Scene::Object* object, ProjectionType type) {
   }
   object->setRegionsPolyData(polyData.release());
 
+  const Utils::StageScope clipStage(Utils::Stage::ClipAndCull);
   // Clipping and the camera shift of this object use the eye as it is now, whatever is shifted.
   const Point eye = Utils::toVector(eyeOf(*view));
   const Point forward = Utils::toVector(forwardOf(*view));

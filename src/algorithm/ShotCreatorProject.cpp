@@ -8,6 +8,7 @@
 #include "kernel/Split.h"
 #include "utils/Reports.h"
 #include "utils/Shapes.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/algorithm/ProjectionType.h>
 #include <lumivane/algorithm/ShotCreator.h>
@@ -152,6 +153,7 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>*
 ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
                                                            RegionPolygons* polygons,
                                                            ProjectionType type) {
+  const Utils::StageScope stage(Utils::Stage::Projection);
   const std::optional<ProjectionType> acting = actingType(type);
   // Plain values until all is done: an exception then leaves nothing behind.
   std::vector<std::vector<PlanePolygon>> projected(Base::countOf(polygons));

@@ -1,4 +1,5 @@
 #include "io/PathLog.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/cmd/Log.h>
 #include <lumivane/io/DataReader.h>
@@ -22,6 +23,7 @@ constexpr const char* End = "Reading end\n\n";
 
 template <class Model>
 Model* readModel(const std::string& json, const char* errorText) {
+  const Utils::StageScope stage(Utils::Stage::Read);
   Jzon::Parser parser;
   const Jzon::Node root = parser.parseString(json);
   if (!root.isValid()) {
@@ -37,6 +39,7 @@ Model* readModel(const std::string& json, const char* errorText) {
 
 template <class Model>
 Model* readModelFile(DataReader& reader, const std::string& path, const char* errorText) {
+  const Utils::StageScope stage(Utils::Stage::Read);
   logPath("Reading: ", path);
   Model* const model = readModel<Model>(reader.readFileIntoString(path), errorText);
   if (model != nullptr) Cmd::logMessage("%s", End);

@@ -1,4 +1,5 @@
 #include "io/PathLog.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/cmd/Log.h>
 #include <lumivane/io/DataWriter.h>
@@ -13,12 +14,14 @@ namespace {
 Jzon::Writer documentWriter() { return Jzon::Writer(Jzon::Format{true, true, true, 1}); }
 
 std::string writtenText(Base::BaseLibClass* model) {
+  const Utils::StageScope stage(Utils::Stage::Write);
   std::string json;
   documentWriter().writeString(model->serialize(), json);
   return json;
 }
 
 void writeDocument(Base::BaseLibClass* model, const std::string& path) {
+  const Utils::StageScope stage(Utils::Stage::Write);
   logPath("Writing: ", path);
   documentWriter().writeFile(model->serialize(), path);
   Cmd::logMessage("Writing end\n\n");

@@ -79,7 +79,9 @@ TEST(ShotProgram, ShotAndStatisticsAreWritten) {
   EXPECT_GT(stats.at("seconds").at("write"), 0.0);
   EXPECT_EQ(0.0, stats.at("seconds").at("png"));
   EXPECT_GT(stats.at("peak_memory_bytes"), 1000000);
-  EXPECT_EQ(8u, stats.size());
+  EXPECT_EQ(9u, stats.size());
+  EXPECT_EQ(9u, stats.at("stages").size());
+  for (const Json& seconds : stats.at("stages")) EXPECT_GE(seconds, 0.0);
   EXPECT_EQ(2u, entries(folder));
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <lumivane/export.h>
+#include <lumivane/utils/Stage.h>
+
+#include <cstddef>
+
+namespace Lumivane::Utils {
+
+class StageScope;
+
+/// How long each stage of the work has taken, process-wide, for measurements. Off at first, and
+/// then next to free; what the library does is the same on and off.
+///
+/// The times are those of the processor (std::clock), which other programs on the machine disturb
+/// less than the time of day. A stage begun within another stops the outer one meanwhile, so the
+/// times add up. To be used on the one thread that calls the library.
+class LUMIVANE_EXPORT StageTimes {
+ public:
+  static constexpr std::size_t Count = 9;  ///< number of stages
+
+  /// Switches on or off from the next stage on. The times so far are kept.
+  static void enable(bool on);
+  /// Sets every time to 0.
+  static void reset();
+  /// \return processor seconds of a stage since the last reset
+  static double seconds(Stage stage);
+  /// \return the name of a stage in lower case, as in "polygon_data"
+  static const char* name(Stage stage);
+
+ private:
+  friend class StageScope;
+  static constexpr std::size_t None = Count;
+
+  static std::size_t enter(std::size_t stage);
+
+  static bool isOn;
+};
+
+}  // namespace Lumivane::Utils
