@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -65,13 +66,29 @@ void addNumber(CLI::App& command, const std::string& name, double& target,
       ->capture_default_str();
 }
 
-void addViewOptions(CLI::App& command, ViewOptions& view) {
+// One of some names; the first is the default.
+template <class Value>
+void addChoice(CLI::App& command, const std::string& name, Value& target, const std::string& help,
+               const std::vector<std::pair<std::string, Value>>& choices) {
+  std::vector<std::string> names;
+  names.reserve(choices.size());
+  for (const auto& choice : choices) names.push_back(choice.first);
+  const auto choose = [choices, &target](const std::string& text) {
+    for (const auto& [label, value] : choices)
+      if (text == label) target = value;
+  };
+  command.add_option_function<std::string>(name, choose, help)
+      ->check(CLI::IsMember(names))
+      ->default_str(names.front());
+}
+
+void addViewOptions(CLI::App& command, ViewSettings& view) {
   addVector(command, "--eye", view.eye, "where the eye stands");
   addVector(command, "--forward", view.forward, "the direction of the picture's centre");
   addVector(command, "--up", view.up, "the direction of the picture's upper edge");
-  command.add_option("--camera", view.camera, "round picture or square one")
-      ->check(CLI::IsMember({"spherical", "normal"}))
-      ->capture_default_str();
+  addChoice<Base::ViewCameraKind>(
+      command, "--camera", view.camera, "round picture or square one",
+      {{"spherical", Base::ViewCameraKind::Spherical}, {"normal", Base::ViewCameraKind::Normal}});
   command.add_option("--property", view.property, "number of the property to colour by")
       ->type_name("N");
   command.add_option("--scale", view.scale, "number of the scale to colour by, from 1")
@@ -84,9 +101,10 @@ void addViewOptions(CLI::App& command, ViewOptions& view) {
       ->capture_default_str();
   addNumber(command, "--max-length", view.maxLength,
             "greatest length of a piece in the picture; 0 for no limit");
-  command.add_option("--style", view.style, "how the shot is drawn")
-      ->check(CLI::IsMember({"filled", "outline", "half"}))
-      ->capture_default_str();
+  addChoice<Base::ViewDisplayStyle>(command, "--style", view.style, "how the shot is drawn",
+                                    {{"filled", Base::ViewDisplayStyle::Filled},
+                                     {"outline", Base::ViewDisplayStyle::Outline},
+                                     {"half", Base::ViewDisplayStyle::HalfTransparent}});
 }
 
 void readSize(const std::string& text, int& width, int& height) {

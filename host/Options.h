@@ -1,6 +1,7 @@
 #pragma once
 
-#include <array>
+#include <lumivane/session/ViewSettings.h>
+
 #include <string>
 #include <vector>
 
@@ -10,26 +11,12 @@ class App;
 
 namespace Lumivane::Host {
 
-using Vector = std::array<double, 3>;
-
-/// From where and how a shot is made and drawn.
-struct ViewOptions {
-  Vector eye{0.0, 0.0, 0.0};
-  Vector forward{1.0, 0.0, 0.0};
-  Vector up{0.0, 0.0, 1.0};
-  std::string camera = "spherical";  ///< or "normal"
-  int property = -1;                 ///< the number of the property to colour by, -1 for none
-  int scale = -1;                    ///< the number of the scale, from 1, -1 for none
-  double d1 = 0.01;
-  double d2 = 1.0;
-  int segments = 6;
-  double maxLength = 0.02;       ///< 0 turns the limit off
-  std::string style = "filled";  ///< or "outline" or "half"
-};
+using Session::Vector;
+using Session::ViewSettings;
 
 struct ShotOptions {
   std::string scene;
-  ViewOptions view;
+  ViewSettings view;
   std::string shot;   ///< the shot file to write, or empty
   std::string png;    ///< the picture to write, or empty
   std::string stats;  ///< the statistics to write, or empty
@@ -40,7 +27,7 @@ struct ShotOptions {
 struct ShowOptions {
   std::string scene;
   std::string shot;  ///< empty: the shot is made first
-  ViewOptions view;
+  ViewSettings view;
   bool viewGiven = false;  ///< whether any of the view's options stands on the command line
 };
 

@@ -2,8 +2,8 @@
 
 #include "Display.h"
 #include "HostError.h"
-#include "SceneFaults.h"
 
+#include <lumivane/session/Faults.h>
 #include <lumivane/shot/Shot2d.h>
 #include <lumivane/view/Viewer.h>
 
@@ -46,7 +46,7 @@ std::string drawPicture(const std::string& file, Shot::Shot2d& shot, int width, 
     if (png.empty()) throw HostError(file, "the picture is not drawn: the library gives none");
     return png;
   } catch (const std::out_of_range& error) {
-    const std::string place = shotFault(shot);
+    const std::string place = Session::shotFault(shot);
     throw HostError(file, "the picture is not drawn: " + (place.empty() ? "" : place + " ") + "(" +
                               error.what() + ")");
   }

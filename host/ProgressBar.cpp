@@ -1,8 +1,5 @@
 #include "ProgressBar.h"
 
-#include <lumivane/utils/ProgressbarUtils.h>
-
-#include <chrono>
 #include <cstdio>
 
 #include <unistd.h>
@@ -11,7 +8,11 @@ namespace Lumivane::Host {
 namespace {
 
 constexpr int Width = 40;
-constexpr std::chrono::milliseconds Pause(100);
+
+void draw(const std::string& text) {
+  std::fprintf(stderr, "\r\033[K%s", text.c_str());
+  std::fflush(stderr);
+}
 
 }  // namespace
 
@@ -23,31 +24,15 @@ std::string progressText(double percent) {
          std::to_string(static_cast<int>(bounded)) + " %";
 }
 
-ProgressBar::ProgressBar() {
-  if (isatty(STDERR_FILENO) == 0) return;
-  Utils::ProgressbarUtils::getInstance()->reset();
-  thread = std::thread([this] { poll(); });
-}
+ProgressBar::ProgressBar() : isShown(isatty(STDERR_FILENO) != 0) {}
 
 ProgressBar::~ProgressBar() {
-  if (!thread.joinable()) return;
-  {
-    const std::lock_guard<std::mutex> lock(mutex);
-    end = true;
-  }
-  ended.notify_one();
-  thread.join();
-  std::fputs("\r\033[K", stderr);
-  std::fflush(stderr);
+  if (isShown) draw("");
 }
 
-void ProgressBar::poll() {
-  std::unique_lock<std::mutex> lock(mutex);
-  do {
-    const double percent = Utils::ProgressbarUtils::getInstance()->getProgress();
-    std::fprintf(stderr, "\r\033[K%s", progressText(percent).c_str());
-    std::fflush(stderr);
-  } while (!ended.wait_for(lock, Pause, [this] { return end; }));
+Session::Progress ProgressBar::progress() const {
+  if (!isShown) return {};
+  return [](double percent) { draw(progressText(percent)); };
 }
 
 }  // namespace Lumivane::Host

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include <lumivane/session/Progress.h>
+
 #include <string>
-#include <thread>
 
 namespace Lumivane::Host {
 
-/// Shows on standard error how far the shot has come, from its construction to its end, by polling
-/// the library's progress record from a thread of its own. Does nothing when standard error is no
+/// Shows on standard error how far a shot has come. Does nothing when standard error is no
 /// terminal. The bar is wiped out at the end.
 class ProgressBar {
  public:
@@ -17,13 +15,11 @@ class ProgressBar {
   ProgressBar& operator=(const ProgressBar&) = delete;
   ~ProgressBar();
 
- private:
-  void poll();
+  /// What draws the bar; empty when standard error is no terminal.
+  Session::Progress progress() const;
 
-  std::mutex mutex;
-  std::condition_variable ended;
-  bool end = false;
-  std::thread thread;
+ private:
+  bool isShown;
 };
 
 /// The bar for a percentage; what is no number or outside 0 to 100 counts as the nearest end.

@@ -1,14 +1,14 @@
 #include "Commands.h"
 #include "Display.h"
 #include "HostError.h"
-#include "Input.h"
 #include "Options.h"
-#include "SceneFaults.h"
-#include "ShotMaking.h"
-#include "ViewSetup.h"
+#include "ProgressBar.h"
 
-#include <lumivane/scene/Scene3D.h>
-#include <lumivane/shot/Shot2d.h>
+#include <lumivane/session/Faults.h>
+#include <lumivane/session/Files.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/ShotFile.h>
+#include <lumivane/session/ViewSetup.h>
 #include <lumivane/view/Viewer.h>
 
 #include <stdexcept>
@@ -16,51 +16,47 @@
 namespace Lumivane::Host {
 namespace {
 
-// Kept to the end of the process, as in the command that makes shots.
-struct Work {
-  explicit Work(const ViewOptions& view) : setup(view) {}
-
-  ViewSetup setup;
-  Scene::Scene3D* scene = nullptr;
-  Shot::Shot2d* shot = nullptr;
-};
-
-void provideShot(const ShowOptions& options, Work& work) {
-  if (options.shot.empty()) {
-    work.shot = makeShot(options.scene, *work.scene, options.view, work.setup);
-    return;
-  }
-  work.shot = readShot(options.shot);
-  if (options.viewGiven) work.shot->setView(work.setup.view());
-}
+using Session::LoadedScene;
+using Session::TakenShot;
 
 // The file with the number that points at nothing, and where.
-HostError drawingFault(const ShowOptions& options, Work& work) {
-  for (const std::string& fault :
-       {sceneFault(*work.scene, options.view), sceneDrawingFault(*work.scene)})
+HostError drawingFault(const ShowOptions& options, LoadedScene& scene, Shot::Shot2d& shot) {
+  for (const std::string& fault : {Session::sceneFault(scene.scene(), options.view),
+                                   Session::sceneDrawingFault(scene.scene())})
     if (!fault.empty()) return {options.scene, fault};
   const std::string& file = options.shot.empty() ? options.scene : options.shot;
-  for (const std::string& fault : {shotPointsFault(*work.shot), shotFault(*work.shot)})
+  for (const std::string& fault : {Session::shotPointsFault(shot), Session::shotFault(shot)})
     if (!fault.empty()) return {file, fault};
   return {options.scene, "a number in it points at nothing"};
+}
+
+void showBoth(const ShowOptions& options, LoadedScene& scene, Shot::Shot2d& shot) {
+  try {
+    View::Viewer::createSceneAndShotView(&scene.scene(), &shot);
+  } catch (const std::out_of_range&) {
+    throw drawingFault(options, scene, shot);
+  }
+}
+
+void showShotFile(const ShowOptions& options, LoadedScene& scene) {
+  Session::ViewSetup setup(options.view);
+  const auto shot = Session::readShot(options.shot);
+  if (options.viewGiven) shot->setView(setup.view());
+  showBoth(options, scene, *shot);
 }
 
 }  // namespace
 
 void runShow(const ShowOptions& options) {
-  checkReadable(options.scene);
-  if (!options.shot.empty()) checkReadable(options.shot);
+  Session::checkReadable(options.scene);
+  if (!options.shot.empty()) Session::checkReadable(options.shot);
   const std::string fault = displayFault();
   if (!fault.empty()) throw HostError(options.scene, "cannot be shown: " + fault);
 
-  static Work work(options.view);
-  work.scene = readScene(options.scene);
-  provideShot(options, work);
-  try {
-    View::Viewer::createSceneAndShotView(work.scene, work.shot);
-  } catch (const std::out_of_range&) {
-    throw drawingFault(options, work);
-  }
+  LoadedScene scene = LoadedScene::fromFile(options.scene);
+  if (!options.shot.empty()) return showShotFile(options, scene);
+  const TakenShot shot = scene.take(options.view, ProgressBar().progress());
+  showBoth(options, scene, shot.shot());
 }
 
 }  // namespace Lumivane::Host

@@ -1,9 +1,6 @@
 #include "Stats.h"
 
-#include <lumivane/base/View.h>
-#include <lumivane/base/ViewOrientation3D.h>
 #include <lumivane/geometry/Faces2d.h>
-#include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points2d.h>
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
@@ -12,6 +9,7 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/TakenShot.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
@@ -66,12 +64,9 @@ size_t peakMemoryBytes() {
   return static_cast<size_t>(usage.ru_maxrss) * 1024;  // told in kibibytes
 }
 
-Jzon::Node eyeNode(Shot::Shot2d& shot) {
-  const Geometry::Point3d* const eye = shot.getView()->getOrientation()->getEyePosition();
+Jzon::Node eyeNode(const Session::Vector& eye) {
   Jzon::Node node = Jzon::array();
-  node.add(number(eye->getX()));
-  node.add(number(eye->getY()));
-  node.add(number(eye->getZ()));
+  for (const double coordinate : eye) node.add(number(coordinate));
   return node;
 }
 
@@ -95,15 +90,16 @@ Jzon::Node stagesNode() {
 
 }  // namespace
 
-std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& seconds) {
+std::string statsText(const Session::TakenShot& taken, const Seconds& seconds) {
+  Shot::Shot2d& shot = taken.shot();
   const size_t drawn = drawnFaces(shot);
   Jzon::Node root = Jzon::object();
   root.add("points", number(shot.getPoints()->getPoints()->size()));
   root.add("regions", number(shot.getRegions()->getRegions()->size()));
   root.add("faces_drawn", number(drawn));
-  root.add("faces_hidden", number(sortedFaces(scene) - drawn));
+  root.add("faces_hidden", number(sortedFaces(taken.scene()) - drawn));
   root.add("objects", number(shot.getObjects()->getObjects()->size()));
-  root.add("eye", eyeNode(shot));
+  root.add("eye", eyeNode(taken.eye()));
   root.add("seconds", secondsNode(seconds));
   root.add("stages", stagesNode());
   root.add("peak_memory_bytes", number(peakMemoryBytes()));

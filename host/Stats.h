@@ -3,11 +3,8 @@
 #include <chrono>
 #include <string>
 
-namespace Lumivane::Scene {
-class Scene3D;
-}
-namespace Lumivane::Shot {
-class Shot2d;
+namespace Lumivane::Session {
+class TakenShot;
 }
 
 namespace Lumivane::Host {
@@ -36,8 +33,7 @@ class Timer {
 };
 
 /// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
-///
-/// \param scene  the scene that the shot was made of, as the shot left it
-std::string statsText(Scene::Scene3D& scene, Shot::Shot2d& shot, const Seconds& seconds);
+/// To be asked before the next shot of the scene is taken.
+std::string statsText(const Session::TakenShot& taken, const Seconds& seconds);
 
 }  // namespace Lumivane::Host

@@ -64,6 +64,16 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/Error.h>
+#include <lumivane/session/Faults.h>
+#include <lumivane/session/Files.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/Progress.h>
+#include <lumivane/session/ShotFile.h>
+#include <lumivane/session/TakenShot.h>
+#include <lumivane/session/ViewSettings.h>
+#include <lumivane/session/ViewSetup.h>
+#include <lumivane/session/WorkingLists.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>

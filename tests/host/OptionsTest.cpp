@@ -33,14 +33,14 @@ TEST(Options, DefaultsAreThoseOfTheManual) {
   EXPECT_EQ((Vector{0, 0, 0}), options.view.eye);
   EXPECT_EQ((Vector{1, 0, 0}), options.view.forward);
   EXPECT_EQ((Vector{0, 0, 1}), options.view.up);
-  EXPECT_EQ("spherical", options.view.camera);
+  EXPECT_EQ(Base::ViewCameraKind::Spherical, options.view.camera);
   EXPECT_EQ(-1, options.view.property);
   EXPECT_EQ(-1, options.view.scale);
   EXPECT_EQ(0.01, options.view.d1);
   EXPECT_EQ(1.0, options.view.d2);
   EXPECT_EQ(6, options.view.segments);
   EXPECT_EQ(0.02, options.view.maxLength);
-  EXPECT_EQ("filled", options.view.style);
+  EXPECT_EQ(Base::ViewDisplayStyle::Filled, options.view.style);
   EXPECT_EQ(800, options.width);
   EXPECT_EQ(800, options.height);
   EXPECT_EQ("", options.shot + options.png + options.stats);
@@ -61,7 +61,7 @@ TEST(Options, EveryOptionReachesItsField) {
        "--d1",    "0.5",      "--d2",    "4",          "--segments", "9",       "--max-length",
        "0",       "-o",       "a",       "--png",      "b",          "--size",  "640x480",
        "--style", "half",     "--stats", "c"});
-  EXPECT_EQ("normal", options.view.camera);
+  EXPECT_EQ(Base::ViewCameraKind::Normal, options.view.camera);
   EXPECT_EQ(3, options.view.property);
   EXPECT_EQ(2, options.view.scale);
   EXPECT_EQ(0.5, options.view.d1);
@@ -72,7 +72,7 @@ TEST(Options, EveryOptionReachesItsField) {
   EXPECT_EQ("b", options.png);
   EXPECT_EQ(640, options.width);
   EXPECT_EQ(480, options.height);
-  EXPECT_EQ("half", options.view.style);
+  EXPECT_EQ(Base::ViewDisplayStyle::HalfTransparent, options.view.style);
   EXPECT_EQ("c", options.stats);
 }
 

@@ -1,8 +1,6 @@
 #include "HostError.h"
-#include "Options.h"
 #include "Picture.h"
 #include "ProgressBar.h"
-#include "ViewSetup.h"
 
 #include <cmath>
 #include <limits>
@@ -54,33 +52,6 @@ TEST(ProgressBar, AnyNumberGivesABar) {
 TEST(HostError, TextIsOneLine) {
   EXPECT_EQ("a b  c", oneLine("a\nb\r\tc"));
   EXPECT_STREQ("f: no", HostError("f", "no").what());
-}
-
-ViewOptions turned(const Vector& forward, const Vector& up) {
-  ViewOptions options;
-  options.forward = forward;
-  options.up = up;
-  return options;
-}
-
-TEST(View, DefaultHasNoFault) { EXPECT_EQ("", viewFault(ViewOptions())); }
-
-TEST(View, ParallelAndZeroAndInfiniteVectorsAreFaults) {
-  EXPECT_EQ("forward 1,0,0 and up 2,0,0 are parallel", viewFault(turned({1, 0, 0}, {2, 0, 0})));
-  EXPECT_EQ("forward 1,0,0 and up -2,0,0 are parallel", viewFault(turned({1, 0, 0}, {-2, 0, 0})));
-  EXPECT_NE("", viewFault(turned({0.1, 0.2, 0.3}, {0.3, 0.6, 0.9})));
-  EXPECT_NE("", viewFault(turned({1e-200, 0, 0}, {1e200, 0, 0})));
-  EXPECT_EQ("forward is the zero vector", viewFault(turned({0, 0, 0}, {0, 0, 1})));
-  EXPECT_EQ("up is the zero vector", viewFault(turned({1, 0, 0}, {0, 0, 0})));
-  EXPECT_EQ("up 0,0,inf is not finite", viewFault(turned({1, 0, 0}, {0, 0, HUGE_VAL})));
-  ViewOptions options;
-  options.eye[1] = std::nan("");
-  EXPECT_EQ("eye 0,nan,0 is not finite", viewFault(options));
-}
-
-TEST(View, NearlyParallelVectorsAreNoFault) {
-  EXPECT_EQ("", viewFault(turned({1, 0, 0}, {1, 0.001, 0})));
-  EXPECT_EQ("", viewFault(turned({1e-150, 0, 0}, {0, 1e150, 0})));
 }
 
 }  // namespace

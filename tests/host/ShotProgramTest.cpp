@@ -265,7 +265,7 @@ TEST(ShotProgram, ScaleBeyondTheListIsNamed) {
   const Result result = run({"shot", scene, "--property", "1", "--scale", "2"});
   EXPECT_EQ(1, result.status);
   EXPECT_EQ(0u, result.err.find("lumivane: " + scene +
-                                ": no shot can be made: --scale 2, but there are 1 to 1 ("));
+                                ": no shot can be made: scale 2, but there are 1 to 1 ("));
 }
 
 TEST(ShotProgram, OutputThatCannotBeWrittenIsAnErrorBeforeTheWork) {

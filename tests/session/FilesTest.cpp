@@ -1,6 +1,7 @@
-#include "HostError.h"
-#include "Output.h"
 #include "support/TempFolder.h"
+
+#include <lumivane/session/Error.h>
+#include <lumivane/session/Files.h>
 
 #include <csignal>
 #include <cstdio>
@@ -12,7 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Lumivane::Host {
+namespace Lumivane::Session {
 namespace {
 
 namespace fs = std::filesystem;
@@ -28,20 +29,20 @@ size_t entries(const TempFolder& folder) {
 std::string refusal(const std::string& path) {
   try {
     writeFile(path, "text");
-  } catch (const HostError& error) {
+  } catch (const Error& error) {
     return error.what();
   }
   return "";
 }
 
-TEST(Output, NewFileIsWrittenAndNothingElseIsLeft) {
+TEST(Files, NewFileIsWrittenAndNothingElseIsLeft) {
   const TempFolder folder;
   writeFile(folder.path("a"), std::string("x\0y\n", 4));
   EXPECT_EQ(std::string("x\0y\n", 4), fileBytes(folder.path("a")));
   EXPECT_EQ(1u, entries(folder));
 }
 
-TEST(Output, OldFileIsReplacedAndKeepsItsMode) {
+TEST(Files, OldFileIsReplacedAndKeepsItsMode) {
   const TempFolder folder;
   const std::string path = folder.file("a", "a longer text than the new one");
   chmod(path.c_str(), 0640);
@@ -53,7 +54,7 @@ TEST(Output, OldFileIsReplacedAndKeepsItsMode) {
   EXPECT_EQ(1u, entries(folder));
 }
 
-TEST(Output, LinkStaysALink) {
+TEST(Files, LinkStaysALink) {
   const TempFolder folder;
   const std::string real = folder.file("real", "old");
   fs::create_symlink("real", folder.path("link"));
@@ -62,13 +63,13 @@ TEST(Output, LinkStaysALink) {
   EXPECT_EQ("new", fileBytes(real));
 }
 
-TEST(Output, MissingFolderIsAnError) {
+TEST(Files, MissingFolderIsAnError) {
   const TempFolder folder;
   const std::string path = folder.path("no/a");
   EXPECT_EQ(path + ": cannot be written: No such file or directory", refusal(path));
 }
 
-TEST(Output, FolderInTheFilesPlaceIsAnError) {
+TEST(Files, FolderInTheFilesPlaceIsAnError) {
   const TempFolder folder;
   fs::create_directory(folder.path("a"));
   EXPECT_EQ(folder.path("a") + ": cannot be written: it is a folder", refusal(folder.path("a")));
@@ -78,12 +79,12 @@ TEST(Output, FolderInTheFilesPlaceIsAnError) {
   EXPECT_NE("", refusal(""));
 }
 
-TEST(Output, FullDeviceIsAnError) {
+TEST(Files, FullDeviceIsAnError) {
   EXPECT_EQ("/dev/full: cannot be written: No space left on device", refusal("/dev/full"));
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
-TEST(Output, DeviceIsWrittenAndStaysADevice) {
+TEST(Files, DeviceIsWrittenAndStaysADevice) {
   writeFile("/dev/null", "text");
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
@@ -97,14 +98,14 @@ TEST(Output, DeviceIsWrittenAndStaysADevice) {
   setrlimit(RLIMIT_FSIZE, &limit);
   try {
     writeFile(path, std::string(5000, 'x'));
-  } catch (const HostError& error) {
+  } catch (const Error& error) {
     std::fputs(error.what(), stderr);
     _exit(3);
   }
   _exit(0);
 }
 
-TEST(Output, FailedWriteKeepsTheOldFileAndLeavesNothingBeside) {
+TEST(Files, FailedWriteKeepsTheOldFileAndLeavesNothingBeside) {
   const TempFolder folder;
   const std::string path = folder.file("a", "old");
   EXPECT_EXIT(writeTooMuch(path), ::testing::ExitedWithCode(3),
@@ -113,7 +114,7 @@ TEST(Output, FailedWriteKeepsTheOldFileAndLeavesNothingBeside) {
   EXPECT_EQ(1u, entries(folder));
 }
 
-TEST(Output, NamesOfOneFileAreKnownAsTheSame) {
+TEST(Files, NamesOfOneFileAreKnownAsTheSame) {
   const TempFolder folder;
   const std::string path = folder.file("a", "");
   fs::create_symlink("a", folder.path("link"));
@@ -125,4 +126,4 @@ TEST(Output, NamesOfOneFileAreKnownAsTheSame) {
 }
 
 }  // namespace
-}  // namespace Lumivane::Host
+}  // namespace Lumivane::Session

@@ -1,6 +1,7 @@
-#include "Output.h"
+#include "session/UnfinishedFiles.h"
 
-#include "HostError.h"
+#include <lumivane/session/Error.h>
+#include <lumivane/session/Files.h>
 
 #include <cerrno>
 #include <cstring>
@@ -10,13 +11,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Lumivane::Host {
+namespace Lumivane::Session {
 namespace {
 
 namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const std::string& path, int error) {
-  throw HostError(path, "cannot be written: " + std::string(std::strerror(error)));
+  throw Error(path, "cannot be written: " + std::string(std::strerror(error)));
 }
 
 int writeAll(int descriptor, const std::string& bytes) {
@@ -50,17 +51,6 @@ fs::path target(const std::string& path) {
   return error || !fs::is_symlink(fs::symlink_status(path, error)) ? fs::path(path) : real;
 }
 
-int createBeside(const fs::path& file, std::string& name) {
-  for (int i = 0; i < 100; ++i) {
-    name = (file.parent_path() / ("." + file.filename().string() + "." + std::to_string(getpid()) +
-                                  "-" + std::to_string(i)))
-               .string();
-    const int descriptor = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor >= 0 || errno != EEXIST) return descriptor;
-  }
-  return -1;
-}
-
 void keepMode(const fs::path& file, int descriptor) {
   struct stat status = {};
   if (stat(file.c_str(), &status) == 0) fchmod(descriptor, status.st_mode & 07777);
@@ -69,13 +59,13 @@ void keepMode(const fs::path& file, int descriptor) {
 }  // namespace
 
 void checkWritable(const std::string& path) {
-  if (path.empty()) throw HostError("\"\"", "cannot be written: the name is empty");
+  if (path.empty()) throw Error("\"\"", "cannot be written: the name is empty");
   struct stat status = {};
   if (stat(path.c_str(), &status) == 0) {
-    if (S_ISDIR(status.st_mode)) throw HostError(path, "cannot be written: it is a folder");
+    if (S_ISDIR(status.st_mode)) throw Error(path, "cannot be written: it is a folder");
     return;
   }
-  if (path.back() == '/') throw HostError(path, "cannot be written: it names a folder");
+  if (path.back() == '/') throw Error(path, "cannot be written: it names a folder");
   const fs::path folder = fs::path(path).parent_path();
   const std::string name = folder.empty() ? "." : folder.string();
   if (stat(name.c_str(), &status) != 0) fail(path, errno);
@@ -92,15 +82,14 @@ void writeFile(const std::string& path, const std::string& bytes) {
   }
 
   const fs::path file = target(path);
-  std::string beside;
-  const int descriptor = createBeside(file, beside);
-  if (descriptor < 0) fail(path, errno);
-  keepMode(file, descriptor);
-  int error = writeAndClose(descriptor, bytes);
-  if (error == 0 && std::rename(beside.c_str(), file.c_str()) != 0) error = errno;
-  if (error == 0) return;
-  unlink(beside.c_str());
-  fail(path, error);
+  UnfinishedFile beside(file.parent_path().string());
+  int error = beside.error();
+  if (error == 0) {
+    keepMode(file, beside.descriptor());
+    error = writeAndClose(beside.descriptor(), bytes);
+  }
+  if (error == 0) error = beside.moveTo(file.string());
+  if (error != 0) fail(path, error);
 }
 
 bool sameFile(const std::string& a, const std::string& b) {
@@ -112,4 +101,4 @@ bool sameFile(const std::string& a, const std::string& b) {
   return error ? a == b : first == second;
 }
 
-}  // namespace Lumivane::Host
+}  // namespace Lumivane::Session

@@ -5,22 +5,26 @@
 #include <lumivane/base/ViewNormalCamera.h>
 #include <lumivane/base/ViewOrientation3D.h>
 #include <lumivane/base/ViewSphericalCamera.h>
+#include <lumivane/export.h>
+#include <lumivane/session/ViewSettings.h>
 
-#include <string>
+namespace Lumivane::Session {
 
-namespace Lumivane::Host {
-
-struct ViewOptions;
-
-/// A view with the camera and the orientation that it refers to.
-class ViewSetup {
+/// The raw view of some settings, with the cameras and the orientation that it refers to. For hosts
+/// that call the raw classes; `LoadedScene::take` makes its own.
+class LUMIVANE_EXPORT ViewSetup {
  public:
-  explicit ViewSetup(const ViewOptions& options);
+  explicit ViewSetup(const ViewSettings& settings);
   ViewSetup(const ViewSetup&) = delete;
   ViewSetup& operator=(const ViewSetup&) = delete;
+  ~ViewSetup();
 
+  /// Still the setup's. A camera kind without a projection gives a view without a camera.
   Base::View* view() { return &theView; }
+  /// Still the setup's.
   Algorithm::ShotParameters* parameters() { return &theParameters; }
+  /// Where the eye stands now: taking a shot may move it off a polygon.
+  Vector eye();
 
  private:
   Base::ViewSphericalCamera spherical;
@@ -30,10 +34,4 @@ class ViewSetup {
   Algorithm::ShotParameters theParameters;
 };
 
-/// Why no shot can be made from this view; empty if one can.
-std::string viewFault(const ViewOptions& options);
-
-/// Hands the splitting options over to the library, which reads them from its command driver.
-void setSplitting(const ViewOptions& options);
-
-}  // namespace Lumivane::Host
+}  // namespace Lumivane::Session

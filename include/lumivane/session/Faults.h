@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumivane/export.h>
+
 #include <string>
 
 namespace Lumivane::Scene {
@@ -9,22 +11,22 @@ namespace Lumivane::Shot {
 class Shot2d;
 }
 
-namespace Lumivane::Host {
+namespace Lumivane::Session {
 
-struct ViewOptions;
+struct ViewSettings;
 
 /// The library reports a wrong number in a document by an exception that does not say where. These
 /// look for the first number that points at nothing, and name the object and region concerned.
 /// Empty if there is none.
-std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view);
+LUMIVANE_EXPORT std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view);
 
 /// The same for the brushes and pens of a scene that is to be shown.
-std::string sceneDrawingFault(Scene::Scene3D& scene);
+LUMIVANE_EXPORT std::string sceneDrawingFault(Scene::Scene3D& scene);
 
 /// The same for the brushes and pens of a shot that is to be drawn.
-std::string shotFault(Shot::Shot2d& shot);
+LUMIVANE_EXPORT std::string shotFault(Shot::Shot2d& shot);
 
 /// The same for a shot file that is to be shown: its points as well.
-std::string shotPointsFault(Shot::Shot2d& shot);
+LUMIVANE_EXPORT std::string shotPointsFault(Shot::Shot2d& shot);
 
-}  // namespace Lumivane::Host
+}  // namespace Lumivane::Session

@@ -1,7 +1,3 @@
-#include "SceneFaults.h"
-
-#include "Options.h"
-
 #include <lumivane/base/Brushes.h>
 #include <lumivane/base/Pens.h>
 #include <lumivane/base/Properties.h>
@@ -17,13 +13,15 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/Faults.h>
+#include <lumivane/session/ViewSettings.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
 #include <vector>
 
-namespace Lumivane::Host {
+namespace Lumivane::Session {
 namespace {
 
 // Null where there is no list: then defaults are drawn.
@@ -104,10 +102,10 @@ std::string firstFault(Shot::Shot2d& shot, const Check& check) {
 
 }  // namespace
 
-std::string sceneFault(Scene::Scene3D& scene, const ViewOptions& view) {
+std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view) {
   const size_t scales = scene.getScales() == nullptr ? 0 : count(scene.getScales()->getScales());
   if (view.property > 0 && view.scale > 0 && !isNumberOf(view.scale, scales))
-    return wrong("--scale", view.scale, scales);
+    return wrong("scale", view.scale, scales);
   if (scene.getObjects() == nullptr) return "";
   const size_t points = scene.getPoints() == nullptr ? 0 : count(scene.getPoints()->getPoints());
   const auto* const objects = scene.getObjects()->getObjects();
@@ -172,4 +170,4 @@ std::string shotPointsFault(Shot::Shot2d& shot) {
   });
 }
 
-}  // namespace Lumivane::Host
+}  // namespace Lumivane::Session

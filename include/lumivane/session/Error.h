@@ -1,0 +1,33 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace Lumivane::Session {
+
+/// What every operation of this folder throws when it cannot do its work: the file or name
+/// concerned and the cause, as "SUBJECT: CAUSE".
+///
+/// The text is one line, whatever came in: control characters stand as spaces.
+class LUMIVANE_EXPORT Error : public std::runtime_error {
+ public:
+  Error(const std::string& subject, const std::string& cause);
+  Error(const Error&) noexcept = default;
+  Error& operator=(const Error&) noexcept = default;
+  ~Error() override;
+
+  /// The file, or the name that a scene was given.
+  std::string subject() const;
+  /// What is wrong with it; never empty unless it was given so.
+  std::string cause() const;
+
+ private:
+  size_t subjectLength;  // in what(); an exception's copy must not throw, so no strings are kept
+};
+
+/// The text with its line ends and other control characters as spaces, since an error is one line.
+LUMIVANE_EXPORT std::string oneLine(const std::string& text);
+
+}  // namespace Lumivane::Session

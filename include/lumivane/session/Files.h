@@ -1,0 +1,35 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <string>
+
+namespace Lumivane::Session {
+
+/// Fails unless the file can be read, so that it is known before the work.
+/// \throws Error
+LUMIVANE_EXPORT void checkReadable(const std::string& path);
+
+/// The bytes of a file, line ends included.
+/// \throws Error
+LUMIVANE_EXPORT std::string readBytes(const std::string& path);
+
+/// Fails if the file surely cannot be written, so that it is known before the long work: an empty
+/// name, a missing folder, a folder in the file's place.
+/// \throws Error
+LUMIVANE_EXPORT void checkWritable(const std::string& path);
+
+/// Writes a file whole or not at all: into a new file beside it, which then takes its name. What is
+/// no plain file, as a device or a pipe, is written directly. Every write is checked. May be called
+/// by several threads at a time.
+/// \throws Error; then the file is as it was
+LUMIVANE_EXPORT void writeFile(const std::string& path, const std::string& bytes);
+
+/// Removes the files that `writeFile` is writing beside their places, in all threads. It is for the
+/// signal handler of a host that is about to end: it calls nothing that is not safe there.
+LUMIVANE_EXPORT void removeUnfinishedFiles() noexcept;
+
+/// Whether two names mean one file.
+LUMIVANE_EXPORT bool sameFile(const std::string& a, const std::string& b);
+
+}  // namespace Lumivane::Session

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <lumivane/export.h>
+#include <lumivane/session/Error.h>
+#include <lumivane/session/Progress.h>
+#include <lumivane/session/TakenShot.h>
+#include <lumivane/session/ViewSettings.h>
+
+#include <memory>
+#include <string>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Session {
+
+/// A scene to take shots of, with all that it owns.
+///
+/// The shots taken keep what they share with it alive, so scene and shots may go in any order. A
+/// moved-from scene may only be destroyed or assigned to.
+///
+/// Threads: use a scene, its shots and the raw classes from one thread at a time. It need not be
+/// the same thread all the time. Takes of different scenes in different threads wait for each
+/// other.
+class LUMIVANE_EXPORT LoadedScene {
+ public:
+  /// Reads a scene file. \throws Error if it cannot be read, is no JSON or holds a value out of
+  /// range, and says which
+  static LoadedScene fromFile(const std::string& path);
+  /// Reads the text of a scene file; `name` stands in errors. \throws Error
+  static LoadedScene fromText(const std::string& text, const std::string& name);
+  /// Takes over a scene that the caller has built on the heap and now forgets; `name` stands in
+  /// errors. \throws Error if it is null
+  static LoadedScene adopt(Scene::Scene3D* scene, const std::string& name);
+
+  LoadedScene(LoadedScene&&) noexcept;
+  LoadedScene& operator=(LoadedScene&&) noexcept;
+  LoadedScene(const LoadedScene&) = delete;
+  LoadedScene& operator=(const LoadedScene&) = delete;
+  ~LoadedScene();
+
+  /// The raw scene, still owned here. As long as a shot of it lives, its brushes, pens, scales and
+  /// properties must not be deleted.
+  Scene::Scene3D& scene() const;
+  /// The file's path, or the name given.
+  const std::string& name() const;
+
+  /// Takes a shot. Each is as of a scene never looked at before: what earlier shots have left on
+  /// the objects is freed first. What this one leaves there (the raw working lists, e.g.
+  /// `Scene::Object::getRegionsProjectedPolygons`) stays to be looked at up to the next take, to
+  /// `releaseWorkingLists` or to the end of scene and shots.
+  ///
+  /// The splitting settings of `Cmd::CmdManager` are set for the take and restored after it. The
+  /// library prints lines to standard output meanwhile: a host that wants none redirects its
+  /// standard output, e.g. to /dev/null. If faces overlap in a circle, the library writes the
+  /// report "log_sort.txt" into the working directory.
+  ///
+  /// \param progress  is told how far the shot has come; may be empty
+  /// \throws Error that names the object and region with a number that points at nothing, or says
+  ///         what else is wrong with view or scene; the scene stays usable
+  TakenShot take(const ViewSettings& view, const Progress& progress = {});
+
+  /// Frees what the last shot has left on the objects, before the next one would.
+  void releaseWorkingLists();
+
+ private:
+  friend class TakenShot;
+  struct State;
+
+  explicit LoadedScene(std::shared_ptr<State> newState);
+
+  std::shared_ptr<State> state;
+};
+
+}  // namespace Lumivane::Session

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <lumivane/export.h>
+#include <lumivane/session/ViewSettings.h>
+
+#include <memory>
+#include <string>
+
+namespace Lumivane::Base {
+class View;
+}
+namespace Lumivane::Scene {
+class Scene3D;
+}
+namespace Lumivane::Shot {
+class Shot2d;
+}
+
+namespace Lumivane::Session {
+
+/// A shot taken by `LoadedScene::take`, with all that it refers to.
+///
+/// It keeps its scene's lists alive, so that it may outlive the `LoadedScene`, and has a view of
+/// its own. Several shots of one scene may be alive at a time. A moved-from shot may only be
+/// destroyed or assigned to.
+class LUMIVANE_EXPORT TakenShot {
+ public:
+  TakenShot(TakenShot&&) noexcept;
+  TakenShot& operator=(TakenShot&&) noexcept;
+  TakenShot(const TakenShot&) = delete;
+  TakenShot& operator=(const TakenShot&) = delete;
+  /// Frees the shot, but not the lists that it shares with its scene.
+  ~TakenShot();
+
+  /// The raw shot, still owned here. It shares brushes, pens, scale and property with the scene:
+  /// do not delete them; a list set in place of one of them is the shot's own and goes with it.
+  Shot::Shot2d& shot() const;
+  /// The view that the shot refers to, still owned here.
+  Base::View& view() const;
+  /// Where the shot was really taken from: an eye on a polygon is moved off it.
+  Vector eye() const;
+  /// The scene that the shot was taken of, with what its last shot has left on its objects.
+  Scene::Scene3D& scene() const;
+
+  /// The text of the shot's file.
+  std::string text() const;
+  /// Writes the shot's file, whole or not at all. \throws Error
+  void write(const std::string& path) const;
+
+ private:
+  friend class LoadedScene;
+  struct State;
+
+  explicit TakenShot(std::unique_ptr<State> newState);
+
+  std::unique_ptr<State> state;
+};
+
+}  // namespace Lumivane::Session

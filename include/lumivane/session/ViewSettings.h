@@ -1,0 +1,41 @@
+#pragma once
+
+#include <lumivane/base/ViewCameraKind.h>
+#include <lumivane/base/ViewDisplayStyle.h>
+#include <lumivane/export.h>
+
+#include <array>
+#include <string>
+
+namespace Lumivane::Session {
+
+/// A point or direction of the scene: x, y, z.
+using Vector = std::array<double, 3>;
+
+/// From where and how a shot is taken and drawn: a plain value.
+struct LUMIVANE_EXPORT ViewSettings {
+  Vector eye{0.0, 0.0, 0.0};      ///< where the eye stands, in scene units
+  Vector forward{1.0, 0.0, 0.0};  ///< the direction of the picture's centre, of any length
+  Vector up{0.0, 0.0, 1.0};       ///< the direction of the picture's upper edge, of any length
+
+  /// Spherical: the radial projection onto the unit disc. Normal: the square one onto the square
+  /// from -1 to 1.
+  Base::ViewCameraKind camera = Base::ViewCameraKind::Spherical;
+
+  int property = -1;  ///< the own number of the property to colour by; -1 for none
+  int scale = -1;     ///< the number, from 1, of the scale to colour by; -1 for none
+
+  double d1 = 0.01;  ///< scene units: an eye closer than this to a polygon is moved off it,
+  double d2 = 1.0;   ///< if it looks along the polygon to within this many degrees
+
+  int segments = 6;         ///< least number of pieces of an edge, at least 1
+  double maxLength = 0.02;  ///< greatest length of a piece in the picture; 0 for no limit
+
+  Base::ViewDisplayStyle style = Base::ViewDisplayStyle::Filled;  ///< for drawing only
+
+  /// Why no shot can be taken with these; empty if one can. Directions must not be zero nor
+  /// parallel, numbers finite, limits not negative.
+  std::string fault() const;
+};
+
+}  // namespace Lumivane::Session

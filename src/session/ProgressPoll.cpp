@@ -1,0 +1,63 @@
+#include "session/ProgressPoll.h"
+
+#include <lumivane/utils/ProgressbarUtils.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace Lumivane::Session {
+namespace {
+
+constexpr std::chrono::milliseconds Pause(100);
+constexpr double Whole = 100.0;
+
+thread_local bool tellsProgress = false;
+
+}  // namespace
+
+bool ProgressPoll::isThisThread() { return tellsProgress; }
+
+ProgressPoll::ProgressPoll(const Progress& callback) : progress(callback) {
+  if (!progress) return;
+  Utils::ProgressbarUtils::getInstance()->reset();  // what an earlier shot has left
+  thread = std::thread([this] { poll(); });
+}
+
+ProgressPoll::~ProgressPoll() {
+  if (!thread.joinable()) return;
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    end = true;
+  }
+  ended.notify_one();
+  thread.join();
+}
+
+void ProgressPoll::finish() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  made = true;
+}
+
+// The lock is open during the calls, so that the taking thread never waits for one but at the end.
+void ProgressPoll::poll() {
+  tellsProgress = true;
+  try {
+    tell(0.0);
+    for (std::unique_lock<std::mutex> lock(mutex);;) {
+      if (ended.wait_for(lock, Pause, [this] { return end; })) break;
+      lock.unlock();
+      tell(Utils::ProgressbarUtils::getInstance()->getProgress());
+      lock.lock();
+    }
+    if (made) tell(Whole);
+  } catch (...) {
+    // Dropped, as promised: the shot is made all the same.
+  }
+}
+
+void ProgressPoll::tell(double percent) {
+  told = std::max(told, std::min(percent, Whole));
+  progress(told);
+}
+
+}  // namespace Lumivane::Session
