@@ -1,0 +1,98 @@
+// Writes a scene of the benchmarks and tells its size and its views, each as the options that the
+// program lumivane takes.
+
+#include "scene/City.h"
+#include "scene/Sphere.h"
+
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Lumivane::Bench::BenchScene;
+using Lumivane::Bench::NamedView;
+using Lumivane::Bench::Point;
+
+constexpr const char* Usage =
+    "Usage: bench_scene city|sphere COUNT [-o FILE] [--seed NUMBER]\n"
+    "\n"
+    "  city COUNT    a town of COUNT boxes on its ground, with the views air, street and sky\n"
+    "  sphere COUNT  a ball of COUNT triangles, with the view air\n"
+    "  -o FILE       the scene file to write\n"
+    "  --seed N      another town of the same kind\n";
+
+constexpr int LargestCount = 10000000;
+
+int countOf(const std::string& text) {
+  std::size_t used = 0;
+  const int count = std::stoi(text, &used);
+  if (used != text.size() || count < 1 || count > LargestCount) throw std::invalid_argument(text);
+  return count;
+}
+
+struct Order {
+  std::string kind;
+  int count = 0;
+  std::string file;
+  std::uint64_t seed = 1;
+};
+
+Order orderOf(const std::vector<std::string>& words) {
+  Order order;
+  order.kind = words.at(0);
+  order.count = countOf(words.at(1));
+  for (std::size_t i = 2; i < words.size(); i += 2) {
+    if (words[i] == "-o")
+      order.file = words.at(i + 1);
+    else if (words[i] == "--seed")
+      order.seed = std::stoull(words.at(i + 1));
+    else
+      throw std::invalid_argument(words[i]);
+  }
+  return order;
+}
+
+BenchScene sceneOf(const Order& order) {
+  if (order.kind == "city") return Lumivane::Bench::city(order.count, order.seed);
+  if (order.kind == "sphere") return Lumivane::Bench::sphere(order.count);
+  throw std::invalid_argument(order.kind);
+}
+
+std::ostream& operator<<(std::ostream& out, const Point& point) {
+  return out << point.x << ',' << point.y << ',' << point.z;
+}
+
+void tell(const BenchScene& scene) {
+  std::cout << "polygons " << scene.model.faceCount() << '\n';
+  for (const NamedView& view : scene.views)
+    std::cout << view.name << " --eye " << view.eye << " --forward " << view.forward << " --up "
+              << view.up << '\n';
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Order order = orderOf({argv + 1, argv + argc});
+    const BenchScene scene = sceneOf(order);
+    if (!order.file.empty()) {
+      std::ofstream file(order.file, std::ios::binary);
+      file << sceneText(scene.model);
+      file.close();
+      if (!file) {
+        std::cerr << "Error: " << order.file << ": cannot be written\n";
+        return EXIT_FAILURE;
+      }
+    }
+    tell(scene);
+    return EXIT_SUCCESS;
+  } catch (const std::exception& error) {
+    std::cerr << Usage << "\nError: " << error.what() << '\n';
+    return EXIT_FAILURE;
+  }
+}
