@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
+#include "Signals.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -58,6 +59,7 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   using namespace Lumivane::Host;
+  endCleanlyOnSignals();
   try {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});
   } catch (const std::exception& error) {

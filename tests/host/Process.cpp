@@ -22,6 +22,8 @@ namespace {
     else
       unsetenv(name.c_str());
   }
+  // A shell's background jobs have them ignored, and so would the program.
+  for (const int ending : {SIGINT, SIGTERM, SIGHUP}) std::signal(ending, SIG_DFL);
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
   for (const std::string& argument : command)
@@ -75,8 +77,16 @@ void readBoth(int first, std::string& firstText, int second, std::string& second
 
 }  // namespace
 
-Result runProcess(const std::vector<std::string>& command, const Environment& environment,
-                  bool errorIsTerminal) {
+namespace {
+
+struct Running {
+  pid_t process = -1;
+  int out = -1;
+  int err = -1;
+};
+
+Running start(const std::vector<std::string>& command, const Environment& environment,
+              bool errorIsTerminal) {
   const Channel out = makePipe();
   const Channel err = errorIsTerminal ? makeTerminal() : makePipe();
   const pid_t child = fork();
@@ -89,14 +99,35 @@ Result runProcess(const std::vector<std::string>& command, const Environment& en
   }
   close(out.writeEnd);
   close(err.writeEnd);
+  return {child, out.readEnd, err.readEnd};
+}
 
-  Result result;
-  readBoth(out.readEnd, result.out, err.readEnd, result.err);
-  close(out.readEnd);
-  close(err.readEnd);
+void finish(const Running& running, Result& result) {
+  readBoth(running.out, result.out, running.err, result.err);
+  close(running.out);
+  close(running.err);
   int status = 0;
-  waitpid(child, &status, 0);
+  waitpid(running.process, &status, 0);
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  result.bySignal = WIFSIGNALED(status);
+}
+
+}  // namespace
+
+Result runProcess(const std::vector<std::string>& command, const Environment& environment,
+                  bool errorIsTerminal) {
+  Result result;
+  finish(start(command, environment, errorIsTerminal), result);
+  return result;
+}
+
+Result signalProcess(const std::vector<std::string>& command, const std::string& sign, int signal) {
+  const Running running = start(command, {{"DISPLAY", {}}}, true);
+  Result result;
+  while (result.err.find(sign) == std::string::npos && readSome(running.err, result.err)) {
+  }
+  kill(running.process, signal);
+  finish(running, result);
   return result;
 }
 

@@ -9,7 +9,8 @@ namespace Lumivane::Test {
 
 /// How a process ended and what it printed.
 struct Result {
-  int status = -1;  ///< exit status; 128 + the signal's number if a signal ended it
+  int status = -1;        ///< exit status; 128 + the signal's number if a signal ended it
+  bool bySignal = false;  ///< whether a signal ended it
   std::string out;
   std::string err;
 };
@@ -24,6 +25,10 @@ using Environment = std::map<std::string, std::optional<std::string>>;
 /// \param errorIsTerminal  gives the program a terminal for its standard error
 Result runProcess(const std::vector<std::string>& command, const Environment& environment = {},
                   bool errorIsTerminal = false);
+
+/// Runs a program with a terminal for its standard error, and sends it a signal once it has shown
+/// `sign` there.
+Result signalProcess(const std::vector<std::string>& command, const std::string& sign, int signal);
 
 /// An X display without a screen to look at, up to its destruction.
 class VirtualDisplay {

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -112,6 +114,58 @@ TEST(Files, FailedWriteKeepsTheOldFileAndLeavesNothingBeside) {
               "a: cannot be written: File too large");
   EXPECT_EQ("old", fileBytes(path));
   EXPECT_EQ(1u, entries(folder));
+}
+
+// The limit's signal comes in the middle of a write, with a part of the bytes in the new file.
+[[noreturn]] void endInTheMiddleOfAWrite(const std::string& path) {
+  std::signal(SIGXFSZ, [](int) {
+    removeUnfinishedFiles();
+    _exit(4);
+  });
+  rlimit limit = {};
+  limit.rlim_cur = 1000;
+  limit.rlim_max = 1000;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  writeFile(path, std::string(5000, 'x'));
+  _exit(0);
+}
+
+TEST(Files, HandlerOfASignalRemovesWhatIsBeingWritten) {
+  const TempFolder folder;
+  const std::string path = folder.file("a", "old");
+  EXPECT_EXIT(endInTheMiddleOfAWrite(path), ::testing::ExitedWithCode(4), "");
+  EXPECT_EQ("old", fileBytes(path));
+  EXPECT_EQ(1u, entries(folder));
+}
+
+TEST(Files, WrittenFilesAreNotRemoved) {
+  const TempFolder folder;
+  writeFile(folder.path("a"), "text");
+  removeUnfinishedFiles();
+  EXPECT_EQ("text", fileBytes(folder.path("a")));
+}
+
+TEST(Files, LongestNameIsWritten) {
+  const TempFolder folder;
+  const std::string path = folder.path(std::string(255, 'n'));
+  writeFile(path, "text");
+  EXPECT_EQ("text", fileBytes(path));
+}
+
+TEST(Files, ThreadsWriteAtATimeAndTheLastOneStands) {
+  const TempFolder folder;
+  std::vector<std::thread> threads;
+  for (char c = 'a'; c < 'a' + 24; ++c)
+    threads.emplace_back([&folder, c] {
+      writeFile(folder.path("same"), std::string(3000, c));
+      writeFile(folder.path(std::string(1, c)), std::string(1, c));
+    });
+  for (std::thread& thread : threads) thread.join();
+  const std::string same = fileBytes(folder.path("same"));
+  ASSERT_EQ(3000u, same.size());
+  EXPECT_EQ(std::string::npos, same.find_first_not_of(same[0]));
+  EXPECT_EQ("x", fileBytes(folder.path("x")));
+  EXPECT_EQ(25u, entries(folder));
 }
 
 TEST(Files, NamesOfOneFileAreKnownAsTheSame) {

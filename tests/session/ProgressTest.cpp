@@ -1,0 +1,86 @@
+#include "session/Scenes.h"
+#include "support/Thrown.h"
+
+#include <lumivane/geometry/Region.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Session {
+namespace {
+
+using Lumivane::Test::squareScene;
+using Lumivane::Test::thrownText;
+
+TEST(Progress, RisesFrom0To100) {
+  std::vector<double> told;
+  LoadedScene scene = LoadedScene::fromFile(LUMIVANE_SCENES "/street.json");
+  ViewSettings view;
+  view.eye = {-5.3, -1.37, 3.4};
+  scene.take(view, [&told](double percent) { told.push_back(percent); });
+  ASSERT_GE(told.size(), 2u);
+  EXPECT_EQ(0.0, told.front());
+  EXPECT_EQ(100.0, told.back());
+  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+}
+
+TEST(Progress, EveryShotStartsAt0WhateverTheLastOneLeft) {
+  LoadedScene scene = squareScene();
+  for (int i = 0; i < 3; ++i) {
+    std::vector<double> told;
+    scene.take({}, [&told](double percent) { told.push_back(percent); });
+    EXPECT_EQ(std::vector<double>({0.0, 100.0}), told);
+  }
+}
+
+TEST(Progress, IsToldByOneThreadThatIsNotTheCallers) {
+  std::set<std::thread::id> threads;
+  LoadedScene scene = squareScene();
+  scene.take({}, [&threads](double) { threads.insert(std::this_thread::get_id()); });
+  EXPECT_EQ(1u, threads.size());
+  EXPECT_EQ(0u, threads.count(std::this_thread::get_id()));
+}
+
+TEST(Progress, FailedShotNeverTells100AndEndsItsCalls) {
+  std::vector<double> told;
+  LoadedScene scene = squareScene();
+  scene.scene().getObjects()->getObject(0)->getRegions()->getRegion(0)->addPoint(9);
+  EXPECT_NE("nothing thrown", thrownText<Error>([&] {
+              scene.take({}, [&told](double percent) { told.push_back(percent); });
+            }));
+  EXPECT_EQ(std::vector<double>({0.0}), told);
+}
+
+TEST(Progress, ThrowingCallbackIsNotCalledAgainAndTheShotIsMade) {
+  int calls = 0;
+  LoadedScene scene = squareScene();
+  const std::string expected = scene.take({}).text();
+  const TakenShot shot = scene.take({}, [&calls](double) {
+    ++calls;
+    throw std::runtime_error("not now");
+  });
+  EXPECT_EQ(1, calls);
+  EXPECT_EQ(expected, shot.text());
+}
+
+TEST(Progress, CallbackTakesNoShotItself) {
+  std::string text;
+  LoadedScene scene = squareScene();
+  LoadedScene other = squareScene();
+  scene.take({}, [&](double) { text = thrownText<Error>([&other] { other.take({}); }); });
+  EXPECT_EQ("square: no shot can be made: a progress callback takes no shot itself", text);
+  EXPECT_EQ("nothing thrown", thrownText<Error>([&other] { other.take({}); }));
+}
+
+}  // namespace
+}  // namespace Lumivane::Session
