@@ -1,26 +1,26 @@
 include(CMakePackageConfigHelpers)
 set(LUMIVANE_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/Lumivane")
 
-install(TARGETS lumivane
-  EXPORT LumivaneTargets
-  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
-  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(EXPORT LumivaneTargets NAMESPACE Lumivane:: DESTINATION "${LUMIVANE_CMAKE_DIR}")
+# Three parts, which are also the packages of LumivanePackages.cmake: library, development, tools;
+# what is beside the core is the part components.
+function(lumivane_install_library target export part)
+  install(TARGETS ${target}
+    EXPORT ${export}
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${part}
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT ${part}
+            NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+  install(EXPORT ${export} NAMESPACE Lumivane::
+    DESTINATION "${LUMIVANE_CMAKE_DIR}" COMPONENT development)
+endfunction()
 
+lumivane_install_library(lumivane LumivaneTargets library)
 # Each component beside the core has a target file of its own, so that one may be installed without
 # the others.
 foreach(component measure exchange)
   if(TARGET lumivane_${component})
-    install(TARGETS lumivane_${component}
-      EXPORT Lumivane_${component}Targets
-      RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
-      LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-      ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-      FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-    install(EXPORT Lumivane_${component}Targets NAMESPACE Lumivane::
-      DESTINATION "${LUMIVANE_CMAKE_DIR}")
+    lumivane_install_library(lumivane_${component} Lumivane_${component}Targets components)
   endif()
 endforeach()
 
@@ -31,4 +31,24 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/LumivaneConfigVersion.cm
 install(FILES
   "${PROJECT_BINARY_DIR}/LumivaneConfig.cmake"
   "${PROJECT_BINARY_DIR}/LumivaneConfigVersion.cmake"
-  DESTINATION "${LUMIVANE_CMAKE_DIR}")
+  DESTINATION "${LUMIVANE_CMAKE_DIR}" COMPONENT development)
+
+# For builds without CMake: pkg-config --cflags --libs lumivane. VTK has no such file of its own, so
+# its folder and the libraries that our headers use stand in ours.
+get_target_property(LUMIVANE_VTK_INCLUDES VTK::CommonCore INTERFACE_INCLUDE_DIRECTORIES)
+list(TRANSFORM LUMIVANE_VTK_INCLUDES PREPEND "-I")
+list(JOIN LUMIVANE_VTK_INCLUDES " " LUMIVANE_VTK_CFLAGS)
+set(LUMIVANE_VTK_LIBS "")
+foreach(module CommonCore CommonDataModel RenderingCore)
+  string(APPEND LUMIVANE_VTK_LIBS " -lvtk${module}-${VTK_VERSION}")
+endforeach()
+string(REGEX REPLACE "-([0-9]+\\.[0-9]+)[0-9.]*" "-\\1" LUMIVANE_VTK_LIBS "${LUMIVANE_VTK_LIBS}")
+file(RELATIVE_PATH LUMIVANE_PC_PREFIX
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+configure_file(cmake/lumivane.pc.in "${PROJECT_BINARY_DIR}/lumivane.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/lumivane.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+if(PROJECT_IS_TOP_LEVEL)
+  include(cmake/LumivanePackages.cmake)
+endif()

@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev              # the tests
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
   xdotool x11-utils                      # to look at windows
+  help2man dpkg-dev abigail-tools        # manual pages, packages, what a change does to the ABI
 )
 
 missing=()

@@ -28,6 +28,33 @@ if(count LESS 3)
   message(FATAL_ERROR "the stranger's shot has ${count} regions")
 endif()
 
+# The same without CMake.
+set(ENV{PKG_CONFIG_PATH} "${WORK}/prefix/lib/pkgconfig:${WORK}/prefix/lib64/pkgconfig")
+run(pkg-config --cflags --libs lumivane)
+separate_arguments(flags UNIX_COMMAND "${output} ${sanitizer}")
+run("${CXX}" "${PROJECT}/Main.cpp" -o "${WORK}/stranger" ${flags}
+  "-Wl,-rpath,${WORK}/prefix/lib:${WORK}/prefix/lib64")
+run("${WORK}/stranger" "${SCENE}" "${WORK}/shot2.json")
+file(READ "${WORK}/shot2.json" shot2)
+if(NOT shot STREQUAL shot2)
+  message(FATAL_ERROR "the stranger built by pkg-config makes another shot")
+endif()
+
+# A component that is not there is told; a version of another minor is refused.
+file(WRITE "${WORK}/other/CMakeLists.txt" "cmake_minimum_required(VERSION 3.23)
+project(Other LANGUAGES C CXX)
+find_package(Lumivane 0.999)
+find_package(Lumivane COMPONENTS nonsense)
+if(Lumivane_FOUND)
+  message(FATAL_ERROR found)
+endif()
+")
+run(${CMAKE_COMMAND} -S "${WORK}/other" -B "${WORK}/other/build" -G Ninja
+  "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}")
+if(NOT output MATCHES "nonsense")
+  message(FATAL_ERROR "the missing component is not named:\n${output}")
+endif()
+
 run("${WORK}/prefix/bin/lumivane" --version)
 if(NOT output MATCHES "^lumivane ${VERSION}\n")
   message(FATAL_ERROR "the installed program says: ${output}")

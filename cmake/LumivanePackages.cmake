@@ -1,0 +1,52 @@
+# Debian packages: cpack in the build folder, or scripts/package.sh. One package per installed part.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME lumivane)
+set(CPACK_PACKAGE_VENDOR "The Lumivane developers")
+set(CPACK_PACKAGE_CONTACT "The Lumivane developers <lumivane@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Our libraries find each other among the build's files, since no package holds them yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+  "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/src/measure" "${PROJECT_BINARY_DIR}/src/exchange")
+
+set(soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
+set(exact "(= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME "liblumivane${soversion}")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${PROJECT_DESCRIPTION} (the library)")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblumivane-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+  "liblumivane${soversion} ${exact}, libvtk9-dev")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION} (headers, CMake and pkg-config files)")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME lumivane)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "liblumivane${soversion} ${exact}")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "xvfb, xauth")
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "${PROJECT_DESCRIPTION} (the programs)")
+
+set(CPACK_COMPONENTS_ALL library development)
+if(TARGET lumivane_measure OR TARGET lumivane_exchange)
+  list(APPEND CPACK_COMPONENTS_ALL components)
+  set(CPACK_DEBIAN_COMPONENTS_PACKAGE_NAME "liblumivane-components${soversion}")
+  set(CPACK_DEBIAN_COMPONENTS_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_COMPONENTS_PACKAGE_DEPENDS "liblumivane${soversion} ${exact}")
+  set(CPACK_COMPONENT_COMPONENTS_DESCRIPTION
+    "${PROJECT_DESCRIPTION} (what comes in and goes out, and measures)")
+  string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    ", liblumivane-components${soversion} ${exact}")
+  string(APPEND CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
+    ", liblumivane-components${soversion} ${exact}")
+endif()
+if(TARGET lumivane_host)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+include(CPack)

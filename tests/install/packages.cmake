@@ -1,0 +1,57 @@
+# Makes the packages, unpacks them as dpkg would, and uses them as a stranger would.
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output
+    ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${result}:\n${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE "${WORK}")
+run(cpack --config "${BUILD}/CPackConfig.cmake" -B "${WORK}/made")
+file(GLOB packages "${WORK}/made/*.deb")
+set(names "")
+foreach(package ${packages})
+  run(dpkg-deb --field "${package}" Package Version Depends)
+  if(NOT output MATCHES "Version: ${VERSION}\n")
+    message(FATAL_ERROR "${package} is of another version:\n${output}")
+  endif()
+  string(APPEND names "${output}")
+  run(dpkg-deb --extract "${package}" "${WORK}/root")
+endforeach()
+foreach(name "liblumivane[0-9.]+" liblumivane-dev lumivane)
+  if(NOT names MATCHES "Package: ${name}\n")
+    message(FATAL_ERROR "there is no package ${name} among:\n${names}")
+  endif()
+endforeach()
+
+# What the packages need beside each other is told, as the machine that has them sees it.
+if(NOT names MATCHES "libvtk9" OR NOT names MATCHES "libstdc")
+  message(FATAL_ERROR "the packages do not say that they need VTK:\n${names}")
+endif()
+
+run("${WORK}/root/usr/bin/lumivane" --version)
+if(NOT output MATCHES "^lumivane ${VERSION}\n")
+  message(FATAL_ERROR "the packaged program says: ${output}")
+endif()
+foreach(page lumivane lumivane-shot)
+  if(NOT EXISTS "${WORK}/root/usr/share/man/man1/${page}.1")
+    message(FATAL_ERROR "no manual page ${page}")
+  endif()
+endforeach()
+if(NOT EXISTS "${WORK}/root/usr/share/bash-completion/completions/lumivane")
+  message(FATAL_ERROR "no completion")
+endif()
+
+run(${CMAKE_COMMAND} -S "${PROJECT}" -B "${WORK}/build" -G Ninja
+  "-DCMAKE_PREFIX_PATH=${WORK}/root/usr" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}"
+  -DCMAKE_BUILD_TYPE=Release "-DWANTED=${VERSION}")
+run(${CMAKE_COMMAND} --build "${WORK}/build")
+run("${WORK}/build/stranger" "${SCENE}" "${WORK}/shot.json")
+file(READ "${WORK}/shot.json" shot)
+string(JSON count LENGTH "${shot}" Regions)
+if(count LESS 3)
+  message(FATAL_ERROR "the stranger's shot has ${count} regions")
+endif()
