@@ -1,16 +1,15 @@
 #include <lumivane/lumivane.h>
 
-namespace Lv = Lumivane;
+#include <iostream>
 
-int main(int, char** argv) {
-  Lv::Scene::Scene3D* scene = Lv::IO::DataReader().readSceneFile(argv[1]);
-  Lv::Base::ViewSphericalCamera camera;
-  Lv::Base::ViewOrientation3D orientation;
-  orientation.getEyePosition()->setX(-4);
-  Lv::Base::View view;
-  view.setCamera(&camera);
-  view.setOrientation(&orientation);
-  Lv::Algorithm::ShotParameters parameters;
-  Lv::Shot::Shot2d* shot = scene->makeShot(&view, &parameters);
-  Lv::IO::DataWriter().writeShotFile(shot, argv[2]);
+namespace Session = Lumivane::Session;
+
+int main(int, char** argv) try {
+  Session::LoadedScene scene = Session::LoadedScene::fromFile(argv[1]);
+  Session::ViewSettings view;
+  view.eye = {-4, 0, 1};
+  scene.take(view).write(argv[2]);
+} catch (const Session::Error& error) {
+  std::cerr << error.what() << '\n';
+  return 1;
 }

@@ -65,6 +65,7 @@
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/Error.h>
+#include <lumivane/session/FaceValues.h>
 #include <lumivane/session/Faults.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/session/LoadedScene.h>

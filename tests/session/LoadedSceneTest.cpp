@@ -5,9 +5,9 @@
 #include "support/Vectors.h"
 
 #include <lumivane/cmd/CmdManager.h>
-#include <lumivane/geometry/VFace.h>
 #include <lumivane/io/DataReader.h>
 #include <lumivane/io/DataWriter.h>
+#include <lumivane/session/FaceValues.h>
 #include <lumivane/session/ViewSetup.h>
 #include <lumivane/session/WorkingLists.h>
 
@@ -182,12 +182,7 @@ TEST(LoadedScene, SplittingChangesTheShot) {
 
 TEST(LoadedScene, FaceIsColouredByItsValue) {
   LoadedScene scene = squareScene();
-  auto* const valued = new Geometry::VFace();
-  valued->addRegion(1);
-  valued->setProperty(7, 0.0);
-  Geometry::Faces& faces = *scene.scene().getObjects()->getObject(0)->getFaces();
-  delete faces.getFace(0);
-  faces.getFaces()->at(0) = valued;
+  setFaceValue(*scene.scene().getObjects()->getObject(0), 1, 7, 0.0);
   ViewSettings view;
   view.property = 7;
   view.scale = 1;
