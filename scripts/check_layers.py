@@ -136,6 +136,14 @@ def check_lists(faults, root):
                 faults.add(listing, number, "sources are listed, not globbed")
 
 
+def check_pages(faults, root):
+    """Every page of docs/ has its code blocks tested."""
+    listing = root / "tests/docs/CMakeLists.txt"
+    for page in sorted((root / "docs").glob("*.md")):
+        if f"docs/{page.name}\n" not in listing.read_text(encoding="utf-8"):
+            faults.add(page, 1, "tests/docs/CMakeLists.txt does not list this page")
+
+
 def main():
     root = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parent.parent).resolve()
     faults = Faults(root)
@@ -154,6 +162,7 @@ def main():
                 check_host(faults, path)
     check_umbrella(faults, root)
     check_lists(faults, root)
+    check_pages(faults, root)
     print(f"layers: {faults.count} fault{'' if faults.count == 1 else 's'}")
     return 1 if faults.count else 0
 

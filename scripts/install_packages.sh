@@ -10,7 +10,8 @@ packages=(
   libgtest-dev libgmock-dev              # the tests
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
   xdotool x11-utils                      # to look at windows
-  help2man dpkg-dev abigail-tools        # manual pages, packages, what a change does to the ABI
+  python3-jsonschema                     # the schemas of the documents
+  help2man dpkg-dev binutils             # manual pages, packages
 )
 
 missing=()
