@@ -21,7 +21,7 @@ run(${CMAKE_COMMAND} -S "${PROJECT}" -B "${WORK}/build" -G Ninja
   "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}"
   "-DCMAKE_CXX_FLAGS=${sanitizer}" -DCMAKE_BUILD_TYPE=Release "-DWANTED=${VERSION}")
 run(${CMAKE_COMMAND} --build "${WORK}/build")
-run("${WORK}/build/stranger" "${SCENE}" "${WORK}/shot.json")
+run("${WORK}/build/host" "${SCENE}" "${WORK}/shot.json")
 file(READ "${WORK}/shot.json" shot)
 string(JSON count LENGTH "${shot}" Regions)
 if(count LESS 3)
