@@ -1,0 +1,23 @@
+#pragma once
+
+#include <lumivane/measure/export.h>
+
+#include <string>
+
+namespace Lumivane::Measure {
+
+class VisibleShares;
+
+/// Visible shares as text. Numbers have as many digits as tell them apart from all others, and a
+/// point whatever the locale.
+class LUMIVANE_MEASURE_EXPORT ShareText {
+ public:
+  /// A table (RFC 4180, lines ended by a line feed): one heading, a row for every object, every
+  /// face and every region, and one for the sky. Columns that do not apply to a row are empty.
+  static std::string csv(const VisibleShares& shares);
+
+  /// One JSON object with the keys "projection", "whole", "sky", "objects", "faces" and "regions".
+  static std::string json(const VisibleShares& shares);
+};
+
+}  // namespace Lumivane::Measure

@@ -1,0 +1,88 @@
+#include "measure/ContourRule.h"
+
+#include "kernel/SphereContour.h"
+#include "measure/Outlines.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Lumivane::Measure {
+namespace {
+
+using Algorithm::ProjectionType;
+using namespace Kernel;
+
+// The turn of the sweep's frame: no angle that a drawing is likely to have.
+const double TurnCosine = std::cos(0.4142);
+const double TurnSine = std::sin(0.4142);
+constexpr double QuarterTurn = 0.5 * Pi;  // what a half side of the square stands for
+
+// Between directions closer to opposite than this, no great circle is told from others.
+constexpr double NearlyOpposite = -0.999999;
+
+Vec2 turned(Vec2 p) {
+  return {TurnCosine * p.x - TurnSine * p.y, TurnSine * p.x + TurnCosine * p.y};
+}
+
+Vec2 turnedBack(Vec2 p) {
+  return {TurnCosine * p.x + TurnSine * p.y, TurnCosine * p.y - TurnSine * p.x};
+}
+
+Vec2 intoDisc(Vec2 p) {
+  const double radius = std::hypot(p.x, p.y);
+  return radius > 1.0 ? Vec2{p.x / radius, p.y / radius} : p;
+}
+
+Vec2 intoSquare(Vec2 p) { return {std::clamp(p.x, -1.0, 1.0), std::clamp(p.y, -1.0, 1.0)}; }
+
+}  // namespace
+
+Vec2 ContourRule::sweepPoint(Vec2 picture) const {
+  if (!std::isfinite(picture.x) || !std::isfinite(picture.y)) return {NAN, NAN};
+  return turned(type == ProjectionType::Radial ? intoDisc(picture) : intoSquare(picture));
+}
+
+Vec2 ContourRule::angles(Vec2 sweep) const {
+  const Vec2 p = turnedBack(sweep);
+  return {QuarterTurn * p.x, QuarterTurn * p.y};
+}
+
+Content ContourRule::chord(Vec2 a, Vec2 b) const {
+  const Vec2 p = angles(a);
+  const Vec2 q = angles(b);
+  return {angleLineSolidAngle(p, q), angleLineViewFactor(p, q)};
+}
+
+Content ContourRule::piece(const SweepEdge& edge, double y0, double y1) const {
+  const Vec2 a = {edge.xAt(y0), y0};
+  const Vec2 b = {edge.xAt(y1), y1};
+  if (type == ProjectionType::Radial) {
+    const DiscLine line = discLine(edge.low, edge.high);
+    return {lineTerm(line, b) - lineTerm(line, a) + levelTerm(b) - levelTerm(a), 0.0};
+  }
+  Content content = chord(a, b);
+  content += chord(b, {0.0, y1});
+  content += chord({0.0, y1}, {0.0, y0});
+  content += chord({0.0, y0}, a);
+  return content;
+}
+
+Content ContourRule::bulge(const SweepEdge& edge) const {
+  if (type == ProjectionType::Radial) {
+    const Vec3 a = directionOfDisc(edge.low);
+    const Vec3 b = directionOfDisc(edge.high);
+    if (dot(a, b) < NearlyOpposite) return {};
+    const DiscLine line = discLine(edge.low, edge.high);
+    return {arcTerm(a, b) - (lineTerm(line, edge.high) - lineTerm(line, edge.low)), 0.0};
+  }
+  const Vec2 a = angles(edge.low);
+  const Vec2 b = angles(edge.high);
+  if (dot(directionOfAngles(a), directionOfAngles(b)) < NearlyOpposite) return {};
+  return Content{angleArcSolidAngle(a, b), angleArcViewFactor(a, b)} - chord(edge.low, edge.high);
+}
+
+double ContourRule::wholeArea() const { return type == ProjectionType::Radial ? Pi : 4.0; }
+
+Content ContourRule::whole() const { return {2.0 * Pi, 1.0}; }
+
+}  // namespace Lumivane::Measure

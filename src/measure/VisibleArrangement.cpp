@@ -1,0 +1,81 @@
+#include "measure/VisibleArrangement.h"
+
+#include "measure/Tile.h"
+
+#include <utility>
+
+namespace Lumivane::Measure {
+namespace {
+
+// A tile with no more fragments than this is swept.
+constexpr size_t FewFragments = 12;
+
+// Tiles are not parted below this side: the area of one is less than rounding adds up to.
+constexpr double LeastSide = 1e-9;
+
+// Edges that all meet in a point, or lie on each other, stay together in however small a tile.
+// After so many partings without gain it is swept as it is; earlier if that takes little.
+constexpr int ManyVainPartings = 20;
+constexpr int SomeVainPartings = 6;
+constexpr size_t ManyFragments = 512;
+
+class Arrangement {
+ public:
+  Arrangement(const std::vector<SweepEdge>& theEdges, const ContourRule& rule, Totals& totals)
+      : edges(theEdges), sweeper(theEdges, rule, totals) {}
+
+  // `vain` counts the partings on the way here that left (nearly) all fragments together.
+  void visit(Tile tile, int vain) {
+    tile.dropHidden(edges);
+    const size_t count = tile.fragments.size();
+    const bool least = tile.width() < LeastSide && tile.height() < LeastSide;
+    const bool given = vain >= (count > ManyFragments ? ManyVainPartings : SomeVainPartings);
+    if (count <= FewFragments || least || given) {
+      const double reached = sweeper.sweep(tile, !least);
+      if (reached >= tile.top) return;
+      if (reached > tile.bottom) tile = tile.partedAtHeight(reached).second;
+      vain = 0;
+    }
+    part(std::move(tile), vain);
+  }
+
+ private:
+  void part(Tile tile, int vain) {
+    const size_t count = tile.fragments.size();
+    auto [first, second] = tile.width() >= tile.height()
+                               ? tile.partedAcross(edges)
+                               : tile.partedAtHeight(0.5 * (tile.bottom + tile.top));
+    tile = Tile();
+    const auto vainNow = [count, vain](const Tile& part) {
+      return 10 * part.fragments.size() > 9 * count ? vain + 1 : 0;
+    };
+    const int vainFirst = vainNow(first);
+    const int vainSecond = vainNow(second);
+    visit(std::move(first), vainFirst);
+    visit(std::move(second), vainSecond);
+  }
+
+  const std::vector<SweepEdge>& edges;
+  TileSweep sweeper;
+};
+
+// The whole picture lies in it; its sides and halves are no likely coordinates.
+Tile wholeTile(const std::vector<SweepEdge>& edges) {
+  Tile tile{-1.4371, 1.4492, -1.4423, 1.4461, 0, {}, {}};
+  for (size_t i = 0; i < edges.size(); ++i)
+    tile.fragments.push_back({static_cast<int>(i), edges[i].low.y, edges[i].high.y});
+  return tile;
+}
+
+}  // namespace
+
+Totals visibleTotals(const std::vector<SweepEdge>& edges, size_t regions, const ContourRule& rule) {
+  Totals totals{std::vector<double>(regions + 1, 0.0), std::vector<Content>(regions + 1)};
+  const Tile tile = wholeTile(edges);
+  Arrangement(edges, rule, totals).visit(tile, 0);
+  totals.areas[0] -= tile.width() * tile.height() - rule.wholeArea();
+  totals.contents[0] += rule.whole();
+  return totals;
+}
+
+}  // namespace Lumivane::Measure

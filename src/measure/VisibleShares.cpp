@@ -1,0 +1,119 @@
+#include "kernel/SphereContour.h"
+#include "measure/VisibleArrangement.h"
+
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewCamera.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/measure/VisibleShares.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+namespace Lumivane::Measure {
+namespace {
+
+using Algorithm::ProjectionType;
+
+ProjectionType projectionOf(const Shot::Shot2d& shot) {
+  Base::View* const view = shot.getView();
+  if (view == nullptr || view->getCamera() == nullptr)
+    throw std::invalid_argument("the shot does not know from which camera it was taken");
+  switch (view->getCamera()->getKind()) {
+    case Base::ViewCameraKind::Spherical:
+      return ProjectionType::Radial;
+    case Base::ViewCameraKind::Normal:
+      return ProjectionType::Square;
+    default:
+      throw std::invalid_argument("the shot's camera is neither spherical nor normal");
+  }
+}
+
+void add(Share& sum, const Share& share) {
+  sum.area += share.area;
+  sum.viewFactor += share.viewFactor;
+  sum.solidAngle += share.solidAngle;
+}
+
+// An arrangement of chords holds slivers that the arcs in their place do not have: their measure
+// then is a rounding's breadth, or a chord's, below nothing. It is taken as nothing, and what that
+// adds is taken from all others in proportion, so that the sum stays.
+template <class Get>
+void raiseToZero(std::vector<Content>& contents, double whole, Get get) {
+  double positive = 0.0;
+  for (Content& content : contents) {
+    get(content) = std::max(get(content), 0.0);
+    positive += get(content);
+  }
+  for (Content& content : contents) get(content) *= whole / positive;
+}
+
+Share shareOf(double area, const Content& content, ProjectionType projection) {
+  const double visible = std::max(area, 0.0);
+  const bool round = projection == ProjectionType::Radial;
+  return {visible, round ? visible / Kernel::Pi : content.viewFactor, content.solidAngle};
+}
+
+}  // namespace
+
+double Share::hemisphereShare() const { return solidAngle / (2.0 * Kernel::Pi); }
+
+VisibleShares::VisibleShares(const Shot::Shot2d& shot) : VisibleShares(shot, projectionOf(shot)) {}
+
+VisibleShares::VisibleShares(const Shot::Shot2d& shot, ProjectionType projection)
+    : theProjection(projection) {
+  measure(shot);
+  sumUp(shot);
+}
+
+Share VisibleShares::whole() const {
+  const ContourRule rule(theProjection);
+  return {rule.wholeArea(), 1.0, rule.whole().solidAngle};
+}
+
+void VisibleShares::measure(const Shot::Shot2d& shot) {
+  const ContourRule rule(theProjection);
+  const std::vector<SweepEdge> edges = sweepEdges(shot, rule);
+  const size_t count = shot.getRegions() == nullptr ? 0 : shot.getRegions()->getRegions()->size();
+  Totals totals = visibleTotals(edges, count, rule);
+  const Content whole = rule.whole();
+  raiseToZero(totals.contents, whole.solidAngle,
+              [](Content& c) -> double& { return c.solidAngle; });
+  if (theProjection == ProjectionType::Square)
+    raiseToZero(totals.contents, whole.viewFactor,
+                [](Content& c) -> double& { return c.viewFactor; });
+
+  theOpen = shareOf(totals.areas[0], totals.contents[0], theProjection);
+  for (size_t i = 0; i < count; ++i) {
+    const Geometry::Region2d& region = *(*shot.getRegions()->getRegions())[i];
+    theRegions.push_back({static_cast<int>(i) + 1, region.getObjectNumber(), region.getFaceNumber(),
+                          region.getSourceRegionNumber(),
+                          shareOf(totals.areas[i + 1], totals.contents[i + 1], theProjection)});
+  }
+}
+
+void VisibleShares::sumUp(const Shot::Shot2d& shot) {
+  std::map<int, Share> objectSums;
+  std::map<std::pair<int, int>, Share> faceSums;
+  for (const RegionShare& region : theRegions) {
+    add(objectSums[region.objectNumber], region.share);
+    add(faceSums[{region.objectNumber, region.faceNumber}], region.share);
+  }
+  std::map<int, std::string> ids;
+  if (shot.getObjects() != nullptr) {
+    int number = 0;
+    for (const Shot::Object2d* object : *shot.getObjects()->getObjects()) {
+      ids[++number] = object->getId();
+      objectSums[number];  // an object without visible regions has a row as well
+    }
+  }
+  for (const auto& [number, share] : objectSums)
+    theObjects.push_back({number, ids.count(number) != 0 ? ids[number] : "", share});
+  for (const auto& [face, share] : faceSums) theFaces.push_back({face.first, face.second, share});
+}
+
+}  // namespace Lumivane::Measure
