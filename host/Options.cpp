@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "VisibleFile.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -127,6 +129,16 @@ void addScene(CLI::App& command, std::string& scene) {
   command.add_option("SCENE", scene, "scene file (JSON)")->required()->type_name("");
 }
 
+#ifdef LUMIVANE_HOST_MEASURES
+void addVisible(CLI::App& command, std::string& visible) {
+  command
+      .add_option("--visible", visible,
+                  "what is visible of every object, face and region, to write (.csv or .json)")
+      ->check(visibleFileFault, "")
+      ->type_name("FILE");
+}
+#endif
+
 }  // namespace
 
 void setShotOptions(CLI::App& command, ShotOptions& options) {
@@ -142,6 +154,9 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
       ->type_name("WxH")
       ->default_str("800x800");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
+#ifdef LUMIVANE_HOST_MEASURES
+  addVisible(command, options.visible);
+#endif
 }
 
 void setShowOptions(CLI::App& command, ShowOptions& options) {

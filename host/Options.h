@@ -17,9 +17,10 @@ using Session::ViewSettings;
 struct ShotOptions {
   std::string scene;
   ViewSettings view;
-  std::string shot;   ///< the shot file to write, or empty
-  std::string png;    ///< the picture to write, or empty
-  std::string stats;  ///< the statistics to write, or empty
+  std::string shot;     ///< the shot file to write, or empty
+  std::string png;      ///< the picture to write, or empty
+  std::string stats;    ///< the statistics to write, or empty
+  std::string visible;  ///< the visible shares to write, or empty
   int width = 800;
   int height = 800;
 };

@@ -4,6 +4,7 @@
 #include "Picture.h"
 #include "ProgressBar.h"
 #include "Stats.h"
+#include "VisibleFile.h"
 
 #include <lumivane/session/Files.h>
 #include <lumivane/session/LoadedScene.h>
@@ -22,7 +23,7 @@ using Session::TakenShot;
 // a folder.
 void checkOutputs(const ShotOptions& options) {
   std::vector<std::string> taken = {options.scene};
-  for (const std::string& path : {options.shot, options.png, options.stats}) {
+  for (const std::string& path : {options.shot, options.png, options.stats, options.visible}) {
     if (path.empty()) continue;
     Session::checkWritable(path);
     if (path == "/dev/null" || path == "/dev/stdout") continue;
@@ -56,6 +57,16 @@ void writePicture(const ShotOptions& options, const TakenShot& shot, Seconds& se
                      drawPicture(options.png, shot.shot(), options.width, options.height));
 }
 
+void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& seconds) {
+#ifdef LUMIVANE_HOST_MEASURES
+  if (options.visible.empty()) return;
+  const Timer timer(seconds.visible);
+  writeVisibleFile(options.visible, shot);
+#else
+  static_cast<void>(options), static_cast<void>(shot), static_cast<void>(seconds);
+#endif
+}
+
 void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds) {
   if (!options.stats.empty()) Session::writeFile(options.stats, statsText(shot, seconds));
 }
@@ -70,6 +81,7 @@ void runShot(const ShotOptions& options) {
   LoadedScene scene = readScene(options, seconds);
   const TakenShot shot = takeShot(options, scene, seconds);
   writeShot(options, shot, seconds);
+  writeVisible(options, shot, seconds);
   try {
     writePicture(options, shot, seconds);
   } catch (const HostError&) {

@@ -76,6 +76,7 @@ Jzon::Node secondsNode(const Seconds& seconds) {
   node.add("shot", number(seconds.shot));
   node.add("write", number(seconds.write));
   node.add("png", number(seconds.png));
+  node.add("visible", number(seconds.visible));
   return node;
 }
 

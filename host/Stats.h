@@ -15,6 +15,7 @@ struct Seconds {
   double shot = 0.0;
   double write = 0.0;
   double png = 0.0;
+  double visible = 0.0;
 };
 
 /// Adds the time from its construction to its end to a stage.
