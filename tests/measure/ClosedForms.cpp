@@ -24,8 +24,7 @@ PolygonPoints square(double side, double z) {
 PolygonPoints disc(double radius, double x, double z) {
   PolygonPoints result;
   for (int i = 0; i < 720; ++i)
-    result.push_back(
-        {x + radius * std::cos(i * Pi / 360), radius * std::sin(i * Pi / 360), z});
+    result.push_back({x + radius * std::cos(i * Pi / 360), radius * std::sin(i * Pi / 360), z});
   return result;
 }
 
@@ -58,10 +57,7 @@ double sineOff(double y, double z) { return y / std::hypot(y, z); }
 
 ClosedFormScene single(const std::string& name, const PolygonPoints& polygon, double factor,
                        const Coordinates& forward = Ahead) {
-  return {name,
-          {{name, polygon}},
-          forward,
-          {{name, name, factor, lambertSum(polygon, forward)}}};
+  return {name, {{name, polygon}}, forward, {{name, name, factor, lambertSum(polygon, forward)}}};
 }
 
 ClosedFormScene shadow() {

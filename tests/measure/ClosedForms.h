@@ -12,10 +12,10 @@
 namespace Lumivane::Test {
 
 struct ClosedForm {
-  std::string name;     ///< of the scene and, where it has several, the object
-  std::string object;   ///< id of the object that is looked at
-  double viewFactor;    ///< of the closed form
-  double ofPolygons;    ///< of the polygons that stand for it, by Lambert's sum
+  std::string name;    ///< of the scene and, where it has several, the object
+  std::string object;  ///< id of the object that is looked at
+  double viewFactor;   ///< of the closed form
+  double ofPolygons;   ///< of the polygons that stand for it, by Lambert's sum
 };
 
 struct ClosedFormScene {
