@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the sample scenes: scenes/room.json, scenes/street.json and scenes/small.json.
+"""Makes the sample scenes: scenes/room.json, scenes/street.json, scenes/small.json, and those that
+explain one thing each in docs/concepts.md: scenes/winding.json, scenes/docking.json, scenes/ring.json.
 
 Usage: make_scenes.py [FOLDER]      (the folder is scenes/ beside this script by default)
 
@@ -38,7 +39,7 @@ class Object:
 
     def __init__(self, scene, name, pen):
         self.scene, self.name, self.pen = scene, name, pen
-        self.regions = []  # (brush number, face number, point numbers)
+        self.regions = []  # (brush number, face number, point numbers, docking edges)
         self.faces = []  # (region numbers, normal)
 
     def face(self, brush, seen_from, *polygons):
@@ -51,9 +52,17 @@ class Object:
             length = dot(turned, turned) ** 0.5
             normal = tuple(c / length for c in turned)
             points = [self.scene.point(p) for p in polygon]
-            self.regions.append((self.scene.brush(brush), len(self.faces) + 1, points))
+            self.regions.append((self.scene.brush(brush), len(self.faces) + 1, points, []))
             numbers.append(len(self.regions))
         self.faces.append((numbers, normal))
+
+    def dock(self):
+        """Marks the edges that two polygons of one face share, so that no line is drawn there."""
+        for _, face, points, docking in self.regions:
+            others = {(p[i - 1], p[i]) for _, f, p, _ in self.regions if f == face
+                      for i in range(len(p))}
+            docking += [i + 1 for i in range(len(points))
+                        if (points[(i + 1) % len(points)], points[i]) in others]
 
     def box(self, x, y, z, brush, sides="xXyYzZ", inside=False, brushes=None):
         """The sides of a box: x is the one at its smaller x, X the one at its larger x, and so on.
@@ -106,8 +115,9 @@ class SceneMaker:
         def object_text(o):
             faces = ['{"Regions":%s,"Normal":[%s]}' % (listed(r), ",".join(map(number, n)))
                      for r, n in o.faces]
-            regions = ['{"Brush":%d,"Face":%d,"Points":%s}' % (b, f, listed(p))
-                       for b, f, p in o.regions]
+            regions = ['{"Brush":%d,"Face":%d,"Points":%s%s}' %
+                       (b, f, listed(p), ',"DockingEdges":' + listed(d) if d else "")
+                       for b, f, p, d in o.regions]
             return ('{"Id":%s,"PartsCount":1,"Pen":%d,\n  "Faces":[%s],\n  "Parts":[{"Regions":%s}],'
                     '\n  "Regions":[%s],\n  "Overlays":[]}' %
                     (json.dumps(o.name), o.pen, ",\n    ".join(faces),
@@ -131,6 +141,58 @@ def small():
     scene.object("plate").face("plate", (0, 0, 1), [(-2, -2, 0), (2, -2, 0), (2, 2, 0), (-2, 2, 0)])
     scene.object("block").box((-1, 0), (-1.5, 0), (0, 1), "block", "xXyYZ", brushes={"Z": "top"})
     pyramid(scene.object("pyramid"), (0.4, 1.6), (0.3, 1.5), 0, 1.3, "roof")
+    return scene.text()
+
+
+EXPLAINING = ({"ground": (226, 222, 210, 255), "block": (92, 128, 176, 255),
+               "side": (120, 152, 196, 255), "panel": (214, 140, 70, 255),
+               "second": (120, 160, 90, 255), "third": (180, 84, 92, 255)},
+              {"line": (40, 40, 40, 255, 2)})
+
+
+def winding():
+    """Two panels before two blocks: only the left one is wound to be seen from the left end of x."""
+    scene = SceneMaker(*EXPLAINING)
+    scene.object("ground").face("ground", (0, 0, 1),
+                                [(-2, -4, 0), (4, -4, 0), (4, 4, 0), (-2, 4, 0)])
+    for name, y, seen_from in (("seen", 1.6, -1), ("not seen", -1.6, 1)):
+        scene.object("block behind the panel " + name).box(
+            (1, 2), (y - 0.5, y + 0.5), (0, 1), "block", "xXyYZ", brushes={"Z": "side"})
+        scene.object("panel " + name).face(
+            "panel", (seen_from, 0, 0),
+            [(-0.5, y - 1, 0), (-0.5, y + 1, 0), (-0.5, y + 1, 1.6), (-0.5, y - 1, 1.6)])
+    return scene.text()
+
+
+def docking():
+    """A wall around a window twice: as one face of four polygons, and as four faces."""
+    scene = SceneMaker(*EXPLAINING)
+    for name, y, one in (("one face", 1.7, True), ("four faces", -1.7, False)):
+        outer = [(0, y - 1.4, -1.2), (0, y + 1.4, -1.2), (0, y + 1.4, 1.2), (0, y - 1.4, 1.2)]
+        inner = [(0, y - 0.6, -0.5), (0, y + 0.6, -0.5), (0, y + 0.6, 0.5), (0, y - 0.6, 0.5)]
+        pieces = [(outer[i], outer[(i + 1) % 4], inner[(i + 1) % 4], inner[i]) for i in range(4)]
+        wall = scene.object(name)
+        for group in ([pieces] if one else [[piece] for piece in pieces]):
+            wall.face("panel", (-1, 0, 0), *group)
+        wall.dock()
+    return scene.text()
+
+
+def ring():
+    """Three bars, each over the next one: no order of whole bars is right."""
+    scene = SceneMaker(*EXPLAINING)
+    twist = 0.09  # turns each bar so that the next one lies wholly on one side of its plane
+    corners = [(0.0, 1.2), (-1.05, -0.6), (1.05, -0.6)]
+    for i, (name, brush) in enumerate((("first", "panel"), ("second", "second"), ("third", "third"))):
+        (y0, z0), (y1, z1) = corners[i], corners[(i + 1) % 3]
+        along = (y1 - y0, z1 - z0)
+        length = (along[0] ** 2 + along[1] ** 2) ** 0.5
+        u = (along[0] / length, along[1] / length)
+        v = (-u[1] * 0.22, u[0] * 0.22)
+        y0, z0, y1, z1 = y0 - u[0] * 0.6, z0 - u[1] * 0.6, y1 + u[0] * 0.6, z1 + u[1] * 0.6
+        scene.object(name).face(brush, (-1, 0, 0), [
+            (-0.46 - twist, y0 + v[0], z0 + v[1]), (-0.46 + twist, y0 - v[0], z0 - v[1]),
+            (0.46 + twist, y1 - v[0], z1 - v[1]), (0.46 - twist, y1 + v[0], z1 + v[1])])
     return scene.text()
 
 
@@ -460,7 +522,8 @@ def car(thing, x, side, brush):
 
 def main():
     folder = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "..", "scenes")
-    for name, maker in (("small", small), ("room", room), ("street", street)):
+    for name, maker in (("small", small), ("room", room), ("street", street),
+                        ("winding", winding), ("docking", docking), ("ring", ring)):
         text = maker()
         json.loads(text)
         with open(os.path.join(folder, name + ".json"), "w", encoding="ascii", newline="\n") as file:
