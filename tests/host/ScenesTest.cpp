@@ -49,7 +49,8 @@ TEST(SampleScenes, ScriptMakesTheFilesThatAreThere) {
   ASSERT_EQ(0, Lumivane::Test::runProcess(
                    {"python3", LUMIVANE_SCENES "/../scripts/make_scenes.py", folder.path("")})
                    .status);
-  for (const std::string name : {"small.json", "room.json", "street.json"})
+  for (const std::string name :
+       {"small.json", "room.json", "street.json", "winding.json", "docking.json", "ring.json"})
     EXPECT_EQ(fileBytes(folder.path(name)), fileBytes(LUMIVANE_SCENES "/" + name)) << name;
 }
 
