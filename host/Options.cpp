@@ -157,6 +157,9 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
 #ifdef LUMIVANE_HOST_MEASURES
   addVisible(command, options.visible);
 #endif
+#ifdef LUMIVANE_HOST_EXCHANGE
+  setVectorOptions(command, options.vector);
+#endif
 }
 
 void setShowOptions(CLI::App& command, ShowOptions& options) {

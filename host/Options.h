@@ -1,5 +1,7 @@
 #pragma once
 
+#include "VectorFiles.h"
+
 #include <lumivane/session/ViewSettings.h>
 
 #include <string>
@@ -23,6 +25,7 @@ struct ShotOptions {
   std::string visible;  ///< the visible shares to write, or empty
   int width = 800;
   int height = 800;
+  VectorFiles vector;
 };
 
 struct ShowOptions {

@@ -23,7 +23,9 @@ using Session::TakenShot;
 // a folder.
 void checkOutputs(const ShotOptions& options) {
   std::vector<std::string> taken = {options.scene};
-  for (const std::string& path : {options.shot, options.png, options.stats, options.visible}) {
+  std::vector<std::string> outputs = options.vector.paths();
+  outputs.insert(outputs.begin(), {options.shot, options.png, options.stats, options.visible});
+  for (const std::string& path : outputs) {
     if (path.empty()) continue;
     Session::checkWritable(path);
     if (path == "/dev/null" || path == "/dev/stdout") continue;
@@ -67,6 +69,15 @@ void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& se
 #endif
 }
 
+void writeVectorPictures(const ShotOptions& options, const TakenShot& shot, Seconds& seconds) {
+#ifdef LUMIVANE_HOST_EXCHANGE
+  const Timer timer(seconds.vector);
+  writeVectorFiles(options.vector, shot, options.scene, options.width, options.height);
+#else
+  static_cast<void>(options), static_cast<void>(shot), static_cast<void>(seconds);
+#endif
+}
+
 void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds) {
   if (!options.stats.empty()) Session::writeFile(options.stats, statsText(shot, seconds));
 }
@@ -83,6 +94,7 @@ void runShot(const ShotOptions& options) {
   writeShot(options, shot, seconds);
   writeVisible(options, shot, seconds);
   try {
+    writeVectorPictures(options, shot, seconds);
     writePicture(options, shot, seconds);
   } catch (const HostError&) {
     writeStats(options, shot, seconds);  // the shot itself is there

@@ -77,6 +77,7 @@ Jzon::Node secondsNode(const Seconds& seconds) {
   node.add("write", number(seconds.write));
   node.add("png", number(seconds.png));
   node.add("visible", number(seconds.visible));
+  node.add("vector", number(seconds.vector));
   return node;
 }
 

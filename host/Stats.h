@@ -16,6 +16,7 @@ struct Seconds {
   double write = 0.0;
   double png = 0.0;
   double visible = 0.0;
+  double vector = 0.0;  ///< all vector pictures and pages together
 };
 
 /// Adds the time from its construction to its end to a stage.

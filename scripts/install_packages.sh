@@ -12,6 +12,7 @@ packages=(
   xdotool x11-utils                      # to look at windows
   python3-jsonschema                     # the schemas of the documents
   help2man dpkg-dev binutils             # manual pages, packages
+  chromium                               # to look at SVG and pages
 )
 
 missing=()

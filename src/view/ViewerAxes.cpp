@@ -1,5 +1,7 @@
 // The axes of the projection, drawn over a shot in its own coordinates, at z 0.
 
+#include "kernel/PlaneAxes.h"
+
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewCamera.h>
 #include <lumivane/base/ViewCameraKind.h>
@@ -19,10 +21,10 @@
 namespace Lumivane::View {
 namespace {
 
-struct Place {
-  double x;
-  double y;
-};
+namespace PlaneAxes = Kernel::PlaneAxes;
+using Place = Kernel::Vec2;
+
+std::vector<int> components(const PlaneAxes::Rgba& rgba) { return {rgba.begin(), rgba.end()}; }
 
 vtkSmartPointer<vtkPolyData> line(Place from, Place to, double z) {
   const vtkNew<vtkLineSource> source;
@@ -36,8 +38,8 @@ vtkSmartPointer<vtkPolyData> line(Place from, Place to, double z) {
 vtkSmartPointer<vtkPolyData> arrowHead(Place center, Place direction) {
   const vtkNew<vtkConeSource> source;
   source->SetResolution(2);
-  source->SetRadius(0.025);
-  source->SetHeight(0.05);
+  source->SetRadius(PlaneAxes::HeadHalfWidth);
+  source->SetHeight(PlaneAxes::HeadLength);
   source->SetCenter(center.x, center.y, 0.0);
   source->SetDirection(direction.x, direction.y, 0.0);
   source->Update();
@@ -47,19 +49,22 @@ vtkSmartPointer<vtkPolyData> arrowHead(Place center, Place direction) {
 // What both projections have: two axes with their heads.
 template <class MakeActor>
 void addArrows(vtkRenderer* renderer, MakeActor makeActor) {
-  renderer->AddActor(makeActor(line({-1.1, 0.0}, {1.1, 0.0}, 0.0), {0, 0, 0, 128}));
-  renderer->AddActor(makeActor(line({0.0, -1.1}, {0.0, 1.1}, 0.0), {0, 0, 0, 128}));
-  renderer->AddActor(makeActor(arrowHead({1.1, 0.0}, {1.0, 0.0}), {0, 0, 0, 255}));
-  renderer->AddActor(makeActor(arrowHead({0.0, 1.1}, {0.0, 1.0}), {0, 0, 0, 255}));
+  const double reach = PlaneAxes::Reach;
+  const std::vector<int> axisColor = components(PlaneAxes::AxisColor);
+  const std::vector<int> headColor = components(PlaneAxes::HeadColor);
+  renderer->AddActor(makeActor(line({-reach, 0.0}, {reach, 0.0}, 0.0), axisColor));
+  renderer->AddActor(makeActor(line({0.0, -reach}, {0.0, reach}, 0.0), axisColor));
+  renderer->AddActor(makeActor(arrowHead({reach, 0.0}, {1.0, 0.0}), headColor));
+  renderer->AddActor(makeActor(arrowHead({0.0, reach}, {0.0, 1.0}), headColor));
 }
 
-void addLabel(vtkRenderer* renderer, const char* text, Place position) {
+void addLabel(vtkRenderer* renderer, const PlaneAxes::Label& label) {
   const vtkNew<vtkTextActor3D> actor;
-  actor->SetInput(text);
-  actor->SetScale(0.004);
-  actor->GetTextProperty()->SetFontSize(20);
+  actor->SetInput(label.text);
+  actor->SetScale(PlaneAxes::LabelScale);
+  actor->GetTextProperty()->SetFontSize(static_cast<int>(PlaneAxes::LabelPoints));
   actor->GetTextProperty()->SetColor(0.0, 0.0, 0.0);
-  actor->SetPosition(position.x, position.y, 0.0);
+  actor->SetPosition(label.place.x, label.place.y, 0.0);
   renderer->AddActor(actor);
 }
 
@@ -82,21 +87,19 @@ void Viewer::createProjectionAxes(vtkRenderer* renderer, Shot::Shot2d* shot) {
 
 void Viewer::createRadialProjectionAxes(vtkRenderer* renderer) {
   addArrows(renderer, createActor);
-  addLabel(renderer, "u", {1.075, -0.1});
-  addLabel(renderer, "v", {-0.075, 1.05});
+  for (const PlaneAxes::Label& label : PlaneAxes::RadialLabels) addLabel(renderer, label);
   double center[3] = {0.0, 0.0, 0.0};
-  for (const double radius : {1.0, 0.88, 0.77, 0.66, 0.55, 0.44, 0.33, 0.22, 0.11}) {
+  for (const double radius : PlaneAxes::RingRadii) {
     renderer->AddActor(createCirclePd(radius, center));
   }
 }
 
 void Viewer::createSquareProjectionAxes(vtkRenderer* renderer) {
   addArrows(renderer, createActor);
-  addLabel(renderer, "u1", {1.05, -0.1});
-  addLabel(renderer, "v1", {-0.12, 1.05});
+  for (const PlaneAxes::Label& label : PlaneAxes::SquareLabels) addLabel(renderer, label);
   double center[3] = {0.0, 0.0, 0.0};
   double bounds[4] = {-1.0, 1.0, -1.0, 1.0};
-  renderer->AddActor(createGrid(center, bounds, 20.0, 20.0));
+  renderer->AddActor(createGrid(center, bounds, PlaneAxes::GridSteps, PlaneAxes::GridSteps));
 }
 
 vtkSmartPointer<vtkActor> Viewer::createActor(vtkPolyData* polyData, std::vector<int> color) {
@@ -130,18 +133,18 @@ vtkSmartPointer<vtkActor> Viewer::createGrid(double* center, double* bounds, dou
     }
   }
   filter->Update();
-  return createActor(filter->GetOutput(), {128, 128, 128, 10});
+  return createActor(filter->GetOutput(), components(PlaneAxes::GridColor));
 }
 
 vtkSmartPointer<vtkActor> Viewer::createCirclePd(double radius, double* center) {
   const vtkNew<vtkRegularPolygonSource> source;
-  source->SetNumberOfSides(50);
+  source->SetNumberOfSides(PlaneAxes::RingSides);
   source->SetRadius(radius);
   source->SetCenter(center);
   source->GeneratePolylineOn();
   source->GeneratePolygonOff();
   source->Update();
-  return createActor(source->GetOutput(), {128, 128, 128, 128});
+  return createActor(source->GetOutput(), components(PlaneAxes::RingColor));
 }
 
 }  // namespace Lumivane::View

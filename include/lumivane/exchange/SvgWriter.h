@@ -1,0 +1,29 @@
+#pragma once
+
+#include <lumivane/exchange/export.h>
+
+#include <string>
+
+namespace Lumivane::Exchange {
+
+class VectorPicture;
+
+/// Writes vector pictures as SVG 1.1 text. See docs/vector-pictures.md for what stands in it.
+class LUMIVANE_EXCHANGE_EXPORT SvgWriter {
+ public:
+  struct Options {
+    /// Whether each region has a `<title>`, which browsers show at the pointer.
+    bool titles = true;
+    /// Whether it starts with an XML declaration; not inside another document.
+    bool declaration = true;
+    /// What the ids of the elements start with, where several pictures stand in one document.
+    std::string idPrefix;
+  };
+
+  /// The document. Equal pictures give equal bytes, whatever the locale. Ids of objects may hold
+  /// any bytes: what is no text is written as U+FFFD.
+  static std::string write(const VectorPicture& picture, const Options& options);
+  static std::string write(const VectorPicture& picture);  ///< With the default options.
+};
+
+}  // namespace Lumivane::Exchange

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <lumivane/exchange/VectorOptions.h>
+#include <lumivane/exchange/export.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Shot {
+class Shot2d;
+}
+
+namespace Lumivane::Exchange {
+
+/// A shot as a list of what to draw, first things first: the one description that all writers of
+/// vector files replay. Coordinates are pixels, x to the right and y down. It refers to nothing of
+/// the shot and stays valid without it.
+class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
+ public:
+  struct Point {
+    double x = 0.0;
+    double y = 0.0;
+  };
+  using Line = std::vector<Point>;
+
+  struct Color {
+    int red = 0;  ///< 0 to 255, and so for the others
+    int green = 0;
+    int blue = 0;
+    double opacity = 1.0;  ///< 0 to 1
+  };
+
+  struct Pen {
+    Color color;
+    double width = 1.0;  ///< pixels, above 0; line ends and corners are round
+  };
+
+  /// Lines with one look. A fill covers what the lines wind around at least once (non-zero rule).
+  struct Path {
+    std::vector<Line> lines;
+    bool closed = false;  ///< whether each line returns to its first point
+    std::optional<Color> fill;
+    std::optional<Pen> pen;
+  };
+
+  /// One polygon of the shot.
+  struct Region {
+    int number = 0;              ///< in the order of drawing, from 1
+    int objectNumber = -1;       ///< from 1; -1 or beyond the shot's objects: of no object
+    std::string objectId;        ///< bytes as the scene gave them; need not be unique
+    int faceNumber = -1;         ///< from 1 in the scene's object
+    int sourceRegionNumber = 0;  ///< from 1 in the scene's object
+    Path interior;               ///< closed; without a fill in an outline picture
+    Path edges;  ///< without the docking edges; no lines if there is nothing to draw
+  };
+
+  /// Polygons that follow each other in the order of drawing: one polygon, or the pieces of a face
+  /// that dock to each other.
+  struct Surface {
+    std::vector<Region> regions;
+    /// What pieces cover together, once per colour and each without edges between its pieces. Laid
+    /// under the insides it closes the seams between them. Where there are several, each reaches
+    /// under those that follow. Empty for a polygon alone.
+    std::vector<Path> merged;
+    /// Below 1 the merged paths and the insides, which are all opaque, make one layer of this
+    /// opacity, and the edges lie over it. At 1 each region's edges follow its inside.
+    double opacity = 1.0;
+  };
+
+  /// Describes a shot. Points, brushes and pens that no region names are not looked at. A shot
+  /// without points or regions is an empty picture.
+  ///
+  /// The fill of a region is its override colour, or else its brush; a missing list of brushes or
+  /// pens stands for opaque black and width 1. Half transparent halves the fill's opacity.
+  /// Components of a colour out of 0 to 255 are brought into it. A pen of width 0 draws nothing.
+  ///
+  /// \throws std::invalid_argument for options out of range
+  /// \throws std::runtime_error for a number in the shot that points at nothing, a coordinate that
+  ///         is not finite or more than 1000 units away, a pen width that is negative or not
+  ///         finite; the text names the region and its object
+  explicit VectorPicture(Shot::Shot2d& shot, const VectorOptions& options = {});
+
+  int width() const { return pictureWidth; }    ///< Pixels.
+  int height() const { return pictureHeight; }  ///< Pixels.
+  const std::string& title() const { return pictureTitle; }
+  /// What lies under everything, if anything does.
+  const std::optional<Color>& background() const { return pictureBackground; }
+  /// Lies under the surfaces, as in the library's PNG.
+  const std::vector<Path>& axes() const { return axesPaths; }
+  const std::vector<Surface>& surfaces() const { return drawnSurfaces; }
+
+ private:
+  int pictureWidth;
+  int pictureHeight;
+  std::string pictureTitle;
+  std::optional<Color> pictureBackground;
+  std::vector<Path> axesPaths;
+  std::vector<Surface> drawnSurfaces;
+};
+
+}  // namespace Lumivane::Exchange

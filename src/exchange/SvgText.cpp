@@ -1,0 +1,116 @@
+#include "exchange/SvgText.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+
+namespace Lumivane::Exchange {
+namespace {
+
+constexpr const char* Replacement = "\xEF\xBF\xBD";
+
+bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+// The length of the well-formed character at a place, or 0 if there is none.
+std::size_t characterLength(const std::string& bytes, std::size_t at, std::uint32_t& code) {
+  const auto first = static_cast<unsigned char>(bytes[at]);
+  if (first < 0x80) {
+    code = first;
+    return 1;
+  }
+  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+  if (first < 0xC2 || first > 0xF4 || at + length > bytes.size()) return 0;
+  code = first & (0xFFU >> (length + 1));
+  for (std::size_t i = 1; i < length; ++i) {
+    const auto next = static_cast<unsigned char>(bytes[at + i]);
+    if (!isContinuation(next)) return 0;
+    code = (code << 6) | (next & 0x3FU);
+  }
+  constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  return code < smallest[length] ? 0 : length;
+}
+
+bool isXmlCharacter(std::uint32_t code) {
+  if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
+  if (code >= 0xD800 && code <= 0xDFFF) return false;
+  return code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF;
+}
+
+}  // namespace
+
+SvgNumbers::SvgNumbers(int decimalCount) : decimals(decimalCount) {
+  for (int i = 0; i < decimals; ++i) steps *= 10.0;
+}
+
+SvgNumbers SvgNumbers::forHeight(int pictureHeight) {
+  const double largestStep = pictureHeight * 0.5 * 1e-6;
+  int decimals = 0;
+  for (double step = 1.0; step > largestStep && decimals < 6; step /= 10.0) ++decimals;
+  return SvgNumbers(decimals);
+}
+
+// By whole steps, so that no locale has a say and a number reads the same wherever it stands.
+void SvgNumbers::append(std::string& target, double value) const {
+  const long long scaled = std::llround(value * steps);
+  if (scaled < 0) target += '-';
+  const auto steps64 = static_cast<long long>(steps);
+  const long long size = std::llabs(scaled);
+  const long long whole = size / steps64;
+  long long rest = size % steps64;
+  if (whole != 0 || rest == 0) target += std::to_string(whole);
+  if (rest == 0) return;
+  std::string digits = std::to_string(rest);
+  digits.insert(0, static_cast<std::size_t>(decimals) - digits.size(), '0');
+  digits.erase(digits.find_last_not_of('0') + 1);
+  target += '.';
+  target += digits;
+}
+
+std::string SvgNumbers::text(double value) const {
+  std::string result;
+  append(result, value);
+  return result;
+}
+
+std::string SvgNumbers::data(const VectorPicture::Path& path) const {
+  std::string result;
+  for (const VectorPicture::Line& line : path.lines) {
+    char before = 'M';
+    for (const VectorPicture::Point& point : line) {
+      result += before;
+      append(result, point.x);
+      result += ' ';
+      append(result, point.y);
+      before = ' ';
+    }
+    if (path.closed) result += 'z';
+  }
+  return result;
+}
+
+std::string svgColor(const VectorPicture::Color& color) {
+  constexpr const char* digits = "0123456789abcdef";
+  const int components[] = {color.red, color.green, color.blue};
+  bool isShort = true;
+  for (const int component : components) isShort = isShort && component % 17 == 0;
+  std::string result = "#";
+  for (const int component : components) {
+    result += digits[component / 16];
+    if (!isShort) result += digits[component % 16];
+  }
+  return result;
+}
+
+std::string xmlText(const std::string& bytes) {
+  std::string result;
+  for (std::size_t at = 0; at < bytes.size();) {
+    std::uint32_t code = 0;
+    const std::size_t length = characterLength(bytes, at, code);
+    const bool isText = length > 0 && isXmlCharacter(code);
+    result += isText ? bytes.substr(at, length) : Replacement;
+    at += isText ? length : 1;
+  }
+  return result;
+}
+
+}  // namespace Lumivane::Exchange

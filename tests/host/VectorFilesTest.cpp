@@ -1,0 +1,126 @@
+// The vector pictures of `lumivane shot`, which needs no display for them.
+
+#include "host/Process.h"
+#include "support/TempFolder.h"
+#include "support/Vectors.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Host {
+namespace {
+
+namespace fs = std::filesystem;
+using Lumivane::Test::fileBytes;
+using Lumivane::Test::Json;
+using Lumivane::Test::Result;
+using Lumivane::Test::TempFolder;
+
+const std::string Small = LUMIVANE_SCENES "/small.json";
+
+Result shot(const std::string& scene, const std::vector<std::string>& more) {
+  std::vector<std::string> arguments = {LUMIVANE_PROGRAM, "shot", scene, "--eye", "-4,0.35,1.9"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return Lumivane::Test::runProcess(arguments, {{"DISPLAY", {}}});
+}
+
+size_t count(const std::string& text, const std::string& part) {
+  size_t found = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++found;
+  return found;
+}
+
+TEST(VectorFiles, AllFormatsAreWrittenWithoutADisplay) {
+  const TempFolder folder;
+  const Result result =
+      shot(Small, {"--svg", folder.path("a.svg"), "--pdf", folder.path("a.pdf"), "--eps",
+                   folder.path("a.eps"), "--png-vector", folder.path("a.png"), "--size", "320x200",
+                   "-o", folder.path("shot.json"), "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_EQ("", result.err);
+  const std::string svg = fileBytes(folder.path("a.svg"));
+  EXPECT_NE(std::string::npos, svg.find("viewBox=\"0 0 320 200\""));
+  EXPECT_EQ(Json::parse(fileBytes(folder.path("shot.json"))).at("Regions").size(),
+            count(svg, "data-region="));
+  EXPECT_EQ(0u, fileBytes(folder.path("a.pdf")).find("%PDF"));
+  EXPECT_EQ(0u, fileBytes(folder.path("a.eps")).find("%!PS-Adobe-3.0 EPSF-3.0"));
+  EXPECT_EQ(0u, fileBytes(folder.path("a.png")).find("\x89PNG"));
+  EXPECT_GT(Json::parse(fileBytes(folder.path("stats.json"))).at("seconds").at("vector"), 0.0);
+}
+
+TEST(VectorFiles, EqualRunsWriteEqualBytes) {
+  const TempFolder folder;
+  for (const std::string name : {"a", "b"}) {
+    ASSERT_EQ(0, shot(Small, {"--svg", folder.path(name + ".svg"), "--pdf",
+                              folder.path(name + ".pdf"), "--eps", folder.path(name + ".eps"),
+                              "--png-vector", folder.path(name + ".png"), "--axes"})
+                     .status);
+  }
+  for (const std::string kind : {".svg", ".pdf", ".eps", ".png"})
+    EXPECT_EQ(fileBytes(folder.path("a" + kind)), fileBytes(folder.path("b" + kind))) << kind;
+}
+
+TEST(VectorFiles, OptionsChangeThePicture) {
+  const TempFolder folder;
+  const auto svg = [&folder](std::vector<std::string> more) {
+    more.insert(more.end(), {"--svg", folder.path("a.svg")});
+    EXPECT_EQ(0, shot(Small, more).status);
+    return fileBytes(folder.path("a.svg"));
+  };
+  const std::string plain = svg({});
+  EXPECT_EQ(std::string::npos, plain.find("id=\"axes\""));
+  EXPECT_NE(std::string::npos, svg({"--axes"}).find("id=\"axes\""));
+  EXPECT_NE(plain, svg({"--extent", "1.2"}));
+  EXPECT_NE(std::string::npos, svg({"--style", "half"}).find("fill-opacity=\".5\""));
+  EXPECT_EQ(std::string::npos, svg({"--style", "outline"}).find("fill=\"#"));
+  EXPECT_NE(svg({"--axes"}), svg({"--axes", "--camera", "normal"}));
+}
+
+TEST(VectorFiles, NonsenseIsToldInOneLine) {
+  const TempFolder folder;
+  const auto error = [](const std::vector<std::string>& more) {
+    const Result result = shot(Small, more);
+    EXPECT_NE(0, result.status);
+    EXPECT_EQ('\n', result.err.back());
+    EXPECT_EQ(1u, count(result.err, "\n"));
+    return result.err;
+  };
+  EXPECT_NE(std::string::npos, error({"--extent", "0"}).find("--extent"));
+  EXPECT_NE(std::string::npos, error({"--extent", "wide"}).find("--extent"));
+  EXPECT_NE(std::string::npos, error({"--svg", folder.path("none/a.svg")}).find("none/a.svg"));
+  EXPECT_NE(std::string::npos, error({"--svg", folder.path("a"), "--pdf", folder.path("a")})
+                                   .find("is already named for another file"));
+  EXPECT_NE(std::string::npos, error({"--svg", Small}).find("is already named for another file"));
+  EXPECT_FALSE(fs::exists(folder.path("a")));
+}
+
+TEST(VectorFiles, PictureThatCannotBeDrawnLeavesTheOldFileAndTellsTheRegion) {
+  const TempFolder folder;
+  Json scene = Json::parse(fileBytes(Small));
+  scene.at("Brushes") = Json::array({scene.at("Brushes").at(0)});
+  const std::string broken = folder.file("broken.json", scene.dump());
+  folder.file("a.svg", "before");
+  const Result result =
+      shot(broken, {"--pdf", folder.path("a.pdf"), "--svg", folder.path("a.svg")});
+  EXPECT_EQ(1, result.status);
+  EXPECT_NE(std::string::npos, result.err.find("a.svg: the picture is not drawn: region "))
+      << result.err;
+  EXPECT_NE(std::string::npos, result.err.find("but there are 1"));
+  EXPECT_EQ("before", fileBytes(folder.path("a.svg")));
+  EXPECT_FALSE(fs::exists(folder.path("a.pdf")));
+}
+
+TEST(VectorFiles, ViewOfNothingIsAnEmptyPicture) {
+  const TempFolder folder;
+  const Result result = shot(
+      Small, {"--forward", "-1,0,0", "--svg", folder.path("a.svg"), "--pdf", folder.path("a.pdf")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_EQ(0u, count(fileBytes(folder.path("a.svg")), "<path"));
+  EXPECT_EQ(0u, fileBytes(folder.path("a.pdf")).find("%PDF"));
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
