@@ -27,6 +27,17 @@ struct PlanePoint {
 };
 using PlanePolygon = std::vector<PlanePoint>;
 
+/// The outlines of polygons on the plane, without their edge flags.
+inline std::vector<std::vector<Kernel::Vec2>> planeOutlines(
+    const std::vector<PlanePolygon>& polygons) {
+  std::vector<std::vector<Kernel::Vec2>> result(polygons.size());
+  for (std::size_t i = 0; i < polygons.size(); ++i) {
+    result[i].reserve(polygons[i].size());
+    for (const PlanePoint& point : polygons[i]) result[i].push_back(point.at);
+  }
+  return result;
+}
+
 /// The way onto the plane that a type acts as; nothing for a type that projects nothing. The values
 /// 2 and 3 act as 0 and 1.
 inline std::optional<ProjectionType> actingType(ProjectionType type) {
@@ -88,7 +99,14 @@ class RegionProjector {
     std::vector<std::int64_t> pieceCounts;
   };
 
+  RegionProjector() = default;
   explicit RegionProjector(RegionFrame frame) : region(std::move(frame)) {}
+
+  /// Goes on to another region with the memory of the one before.
+  void setRegion(RegionFrame frame) {
+    region = std::move(frame);
+    segments.reset();
+  }
 
   /// One polygon at one piece count.
   ///
@@ -100,6 +118,7 @@ class RegionProjector {
     if (!segments) segments = dockingSegments(region.dockingEdges, region.regionPoints);
 
     PlanePolygon result;
+    result.reserve(split.size());
     for (const Kernel::Vec3& point : split) {
       const bool hasEdge = Kernel::isDrawnFrom(point, *segments, region.precision);
       const Kernel::Vec2 at =

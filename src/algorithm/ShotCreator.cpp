@@ -3,6 +3,7 @@
 // ShotCreatorProject.cpp), the second makes the records of the shot from that
 // (ShotCreatorBuild.cpp) and hands it to the depth sort.
 
+#include "algorithm/ObjectProjection.h"
 #include "algorithm/SceneAccess.h"
 #include "base/Indices.h"
 
@@ -59,8 +60,9 @@ Shot::Shot2d* ShotCreator::getProjection(ProjectionType type) {
 
   Cmd::logMessage("Projecting objects\n\n");
   Utils::ProgressbarUtils::getInstance()->setProgress(0.0);
-  if (hasObjects) projectObjects(type);
-  return cameraObject == nullptr ? buildShot() : buildInteriorShot(type);
+  Projections projections;
+  if (hasObjects) projections = projectObjects(type);
+  return cameraObject == nullptr ? buildShot(projections) : buildInteriorShot(type);
 }
 
 // Finds out before any work what the second pass could not assemble.

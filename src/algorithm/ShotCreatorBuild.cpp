@@ -1,5 +1,6 @@
 // The second pass: the records of the shot, made from what the first left on each object.
 
+#include "algorithm/ObjectProjection.h"
 #include "algorithm/SceneAccess.h"
 #include "base/Indices.h"
 #include "kernel/Angle.h"
@@ -46,12 +47,10 @@
 
 namespace Lumivane::Algorithm {
 
-using Geometry::EdgeStartPoint2d;
 using Geometry::Face2d;
 using Geometry::Faces2d;
 using Geometry::Point2d;
 using Geometry::Region2d;
-using ProjectedPolygons = std::vector<ShotCreator::ProjectedPolygon>;
 
 namespace {
 
@@ -105,13 +104,11 @@ class ShotBuilder {
         propertyNum(colourProperty),
         dockingPrecision(edgePrecision) {}
 
-  void build(Scene::Object& object, int objectNumber) {
+  void build(Scene::Object& object, int objectNumber, const PlaneRegions* projected) {
     Faces2d& faces2d = addObject(shot, object);
     for (std::size_t f = 0; f < faceCount(object); ++f) faces2d.addFace(new Face2d());
 
-    const auto* projected = object.getRegionsProjectedPolygons();
-    // Without a list of regions, what an earlier shot has left says nothing.
-    if (projected != nullptr && object.getRegions() != nullptr) {
+    if (projected != nullptr) {
       for (std::size_t r = 0; r < projected->size(); ++r) {
         if ((*projected)[r].empty()) continue;
         buildRegions(object, objectNumber, static_cast<int>(r), (*projected)[r], faces2d);
@@ -126,7 +123,7 @@ class ShotBuilder {
   }
 
   void buildRegions(Scene::Object& object, int objectNumber, int regionIndex,
-                    const ProjectedPolygons& polygons, Faces2d& faces2d) {
+                    const std::vector<PlanePolygon>& polygons, Faces2d& faces2d) {
     std::vector<std::vector<int>> docking(polygons.size());
     if (polygons.size() > 1) {
       const Utils::StageScope stage(Utils::Stage::Docking);
@@ -169,14 +166,14 @@ class ShotBuilder {
 
   // The region's points, and its docking edges: those found between the polygons first, then those
   // of points without an edge.
-  void fillPoints(Region2d& region2d, const ShotCreator::ProjectedPolygon& polygon,
+  void fillPoints(Region2d& region2d, const PlanePolygon& polygon,
                   const std::vector<int>& docking) {
     std::vector<int>& indices = *region2d.getPoints();
     indices.reserve(polygon.size());
     std::vector<int> edgeless;
-    for (const EdgeStartPoint2d* point : polygon) {
-      indices.push_back(pointNumber({point->getX(), point->getY()}));
-      if (!point->getHasEdge()) edgeless.push_back(static_cast<int>(indices.size()));
+    for (const PlanePoint& point : polygon) {
+      indices.push_back(pointNumber(point.at));
+      if (!point.hasEdge) edgeless.push_back(static_cast<int>(indices.size()));
     }
     appendOnce(*region2d.getDockingEdges(), docking, polygon.size());
     appendOnce(*region2d.getDockingEdges(), edgeless, polygon.size());
@@ -210,7 +207,7 @@ class ShotBuilder {
 
 }  // namespace
 
-Shot::Shot2d* ShotCreator::buildShot() {
+Shot::Shot2d* ShotCreator::buildShot(const Projections& projections) {
   UnfinishedShot shot = newShot(view);
   shot->setBrushes(brushes);
   shot->setPens(pens);
@@ -227,7 +224,11 @@ Shot::Shot2d* ShotCreator::buildShot() {
   ShotBuilder builder(*shot, propertyNum, pointsPrecision);
   for (std::size_t i = 0; i < count; ++i) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step + 15.0);
-    builder.build(*(*objects->getObjects())[i], static_cast<int>(i) + 1);
+    Scene::Object& object = *(*objects->getObjects())[i];
+    // An object without regions is not projected: what an earlier shot has left says nothing.
+    const auto projected = projections.of.find(&object);
+    builder.build(object, static_cast<int>(i) + 1,
+                  projected == projections.of.end() ? nullptr : projected->second.get());
   }
 
   DepthSortAlgorithmExecutor depthSort;

@@ -1,12 +1,19 @@
 // The first pass. What it finds stays on each object: the polygon data of the regions, their part
 // in front of the eye, the polygons that are kept, and these on the plane. A polygon that is not
 // kept leaves an empty one in its place, so that positions stay aligned.
+//
+// How: all is done on plain values, which the second pass goes on with. The lists of polygon data
+// and of vectors that an object hands out are only made from them when somebody asks.
 
-#include "algorithm/CellNormals.h"
+#include "algorithm/ObjectProjection.h"
+#include "algorithm/PolygonClipper.h"
+#include "algorithm/RegionPolygon.h"
+#include "algorithm/RegionShapes.h"
 #include "algorithm/SceneAccess.h"
 #include "base/Indices.h"
 #include "kernel/Angle.h"
 #include "kernel/ConvexArea.h"
+#include "scene/Deferred.h"
 #include "utils/Shapes.h"
 #include "utils/StageScope.h"
 
@@ -16,7 +23,6 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/utils/ProgressbarUtils.h>
-#include <lumivane/utils/VtkUtils.h>
 
 #include <cmath>
 #include <cstddef>
@@ -30,6 +36,7 @@
 namespace Lumivane::Algorithm {
 
 using Kernel::Vec3;
+using Scene::DeferredAccess;
 
 namespace {
 
@@ -38,100 +45,136 @@ namespace {
 std::optional<Vec3> shiftedEye(const NormalCell& cell, Vec3 eye, Vec3 forward, double reach,
                                double tilt) {
   const Vec3 origin = cell.polygon.front();
+  const Vec3 cellNormal = toVec3(cell.normal);
   double eyeAt[3] = {eye.x, eye.y, eye.z};
   double originAt[3] = {origin.x, origin.y, origin.z};
-  double normal[3] = {cell.normal.x, cell.normal.y, cell.normal.z};
+  double normal[3] = {cellNormal.x, cellNormal.y, cellNormal.z};
   double foot[3];
   vtkPlane::ProjectPoint(eyeAt, originAt, normal, foot);
   const Vec3 projected{foot[0], foot[1], foot[2]};
 
   if (!(reach > Kernel::length3(eye - projected))) return std::nullopt;
-  const double angle = Kernel::roundD(Kernel::angleDegrees(cell.normal, forward), 5);
+  const double angle = Kernel::roundD(Kernel::angleDegrees(cellNormal, forward), 5);
   if (!(tilt > std::abs(angle - 90.0))) return std::nullopt;
   if (!Kernel::isInConvexArea(projected, cell.polygon)) return std::nullopt;
-  return projected - (reach * 5.0) * cell.normal;
+  return projected - (reach * 5.0) * cellNormal;
 }
 
 // What is kept of a region: the cells whose normals point away from the eye.
-std::vector<ShotCreator::Polygon> keptPolygons(const std::vector<NormalCell>& cells, Vec3 eye) {
-  std::vector<ShotCreator::Polygon> result;
+PlainPolygons keptPolygons(const std::vector<NormalCell>& cells, Vec3 eye) {
+  PlainPolygons result;
+  result.reserve(cells.size());
   for (const NormalCell& cell : cells) {
     const Vec3 toCell = cell.polygon.front() - eye;
     if (Kernel::length3(toCell) == 0.0) {
-      result.push_back(Utils::toVectors(cell.polygon));
+      result.push_back(cell.polygon);
       continue;
     }
-    const double angle = Kernel::roundD(Kernel::angleDegrees(cell.normal, toCell), 2);
+    const double angle = Kernel::roundD(Kernel::angleDegrees(toVec3(cell.normal), toCell), 2);
     // An angle that is not a number is neither: nothing is appended then.
     if (angle >= 90.0) result.emplace_back();
-    if (angle < 90.0) result.push_back(Utils::toVectors(cell.polygon));
+    if (angle < 90.0) result.push_back(cell.polygon);
   }
   return result;
 }
 
-}  // namespace
-
-void ShotCreator::projectObjects(ProjectionType type) {
-  const std::vector<Scene::Object*>& list = *objects->getObjects();
-  const double step = 15.0 / static_cast<double>(list.size());
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step);
-    if (cameraObject != nullptr) break;
-    projectObject(list[i], type);
-  }
+ShotCreator::RegionPolygons* regionPolygonsOf(const std::vector<PlainPolygons>& regions) {
+  auto result = std::make_unique<ShotCreator::RegionPolygons>(regions.size());
+  for (std::size_t r = 0; r < regions.size(); ++r)
+    for (const std::vector<Vec3>& polygon : regions[r])
+      (*result)[r].push_back(Utils::toVectors(polygon));
+  return result.release();
 }
 
-void ShotCreator::projectObject(Scene::Object* object, ProjectionType type) {
-  Geometry::Regions* regions = object->getRegions();
-  if (regions == nullptr) return;
+RegionShapes regionShapes(Geometry::Regions& regions, Geometry::Points3d* points) {
+  RegionShapes shapes;
+  if (regions.getRegions() == nullptr) return shapes;
+  std::vector<Vec3> polygon;
+  for (Geometry::Region* region : *regions.getRegions()) {
+    readRegionPolygon(region, points, polygon);
+    shapes.add(polygon);
+  }
+  return shapes;
+}
 
-  const Utils::StageScope stage(Utils::Stage::PolygonData);
-  auto polyData = std::make_unique<PolyDataList>();
-  if (regions->getRegions() != nullptr) {
-    for (Geometry::Region* region : *regions->getRegions()) {
-      polyData->emplace_back(getRegionPolyData(region, points));
+// Takes the objects one by one. An eye that is shifted stays where it is for all that follow.
+class FirstPass {
+ public:
+  FirstPass(const ProjectionSetting& projection, double shiftReach, double shiftTilt)
+      : setting(projection), reach(shiftReach), tilt(shiftTilt) {}
+
+  std::shared_ptr<const PlaneRegions> project(Scene::Object& object) {
+    const Utils::StageScope stage(Utils::Stage::PolygonData);
+    const auto shapes =
+        std::make_shared<const RegionShapes>(regionShapes(*object.getRegions(), setting.points));
+    DeferredAccess::setRegionsPolyData(object, [shapes] { return polyDataOf(*shapes); });
+
+    const auto visible = std::make_shared<const std::vector<PlainPolygons>>(look(object, shapes));
+    DeferredAccess::setRegionsVisiblePolygons(object,
+                                              [visible] { return regionPolygonsOf(*visible); });
+
+    const auto plane =
+        std::make_shared<const PlaneRegions>(projectRegions(object, *visible, setting));
+    DeferredAccess::setRegionsProjectedPolygons(object,
+                                                [plane] { return edgeStartPoints(*plane); });
+    return plane;
+  }
+
+ private:
+  // Clips the regions, shifts the eye off those that it stands on and chooses what is kept.
+  std::vector<PlainPolygons> look(Scene::Object& object,
+                                  const std::shared_ptr<const RegionShapes>& shapes) {
+    const Utils::StageScope stage(Utils::Stage::ClipAndCull);
+    // Clipping and the camera shift of this object use the eye as it is now, whatever is shifted.
+    const Vec3 eye = eyeOf(*setting.view);
+    const Vec3 forward = forwardOf(*setting.view);
+    DeferredAccess::setRegionsClippedPolyData(
+        object, [shapes, eye, forward] { return clippedPolyDataOf(*shapes, eye, forward); });
+
+    clipper.setPlane(eye, forward);
+    std::vector<PlainPolygons> visible;
+    visible.reserve(shapes->size());
+    for (std::size_t k = 0; k < shapes->size(); ++k) {
+      const auto& cells = clipper.clip(shapes->polygon(k), shapes->pointCount(k));
+      for (const NormalCell& cell : cells) shift(object, k, cell, eye, forward);
+      visible.push_back(keptPolygons(cells, eyeOf(*setting.view)));
     }
+    return visible;
   }
-  object->setRegionsPolyData(polyData.release());
 
-  const Utils::StageScope clipStage(Utils::Stage::ClipAndCull);
-  // Clipping and the camera shift of this object use the eye as it is now, whatever is shifted.
-  const Point eye = Utils::toVector(eyeOf(*view));
-  const Point forward = Utils::toVector(forwardOf(*view));
-  checkCameraOnPolygonAndShift(object->getRegionsPolyData());
-  auto clipped = std::make_unique<PolyDataList>();
-  for (const vtkSmartPointer<vtkPolyData>& data : *object->getRegionsPolyData()) {
-    clipped->push_back(Utils::VtkUtils::clip(data, eye, forward));
-  }
-  object->setRegionsClippedPolyData(clipped.release());
-
-  auto visible = std::make_unique<RegionPolygons>();
-  for (std::size_t k = 0; k < object->getRegionsClippedPolyData()->size(); ++k) {
-    visible->push_back(getVisiblePolygons(object, static_cast<int>(k), eye));
-  }
-  object->setRegionsVisiblePolygons(visible.release());
-  object->setRegionsProjectedPolygons(
-      projectPoints(object, object->getRegionsVisiblePolygons(), type));
-}
-
-// Steps the eye off every cell of the region that it stands on, the last one winning, and chooses
-// with the eye as it is then.
-std::vector<ShotCreator::Polygon> ShotCreator::getVisiblePolygons(Scene::Object* object,
-                                                                  int regionIndex,
-                                                                  const Point& eye) {
-  const auto position = static_cast<std::size_t>(regionIndex);
-  const std::vector<NormalCell> cells =
-      normalCells((*object->getRegionsClippedPolyData())[position]);
-  for (const NormalCell& cell : cells) {
-    const auto shifted = shiftedEye(cell, Utils::toVec3(eye), forwardOf(*view), D1, D2);
-    if (!shifted) continue;
-    Geometry::Point3d* eyePosition = view->getOrientation()->getEyePosition();
+  // Steps the eye off a cell that it stands on; of several, the last one wins.
+  void shift(Scene::Object& object, std::size_t region, const NormalCell& cell, Vec3 eye,
+             Vec3 forward) {
+    const std::optional<Vec3> shifted = shiftedEye(cell, eye, forward, reach, tilt);
+    if (!shifted) return;
+    Geometry::Point3d* eyePosition = setting.view->getOrientation()->getEyePosition();
     eyePosition->setX(shifted->x);
     eyePosition->setY(shifted->y);
     eyePosition->setZ(shifted->z);
-    object->setCameraInRegionIndex(regionIndex);
+    object.setCameraInRegionIndex(static_cast<int>(region));
   }
-  return keptPolygons(cells, eyeOf(*view));
+
+  ProjectionSetting setting;
+  double reach;
+  double tilt;
+  PolygonClipper clipper;
+};
+
+}  // namespace
+
+ShotCreator::Projections ShotCreator::projectObjects(ProjectionType type) {
+  const std::vector<Scene::Object*>& list = *objects->getObjects();
+  const double step = 15.0 / static_cast<double>(list.size());
+  Projections projections;
+  FirstPass pass({type, view, points, pointsPrecision}, D1, D2);
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step);
+    if (cameraObject != nullptr) break;
+    if (list[i]->getRegions() == nullptr) continue;
+    checkCameraOnPolygonAndShift(nullptr);  // it looks at nothing, so no list is made for it
+    projections.of[list[i]] = pass.project(*list[i]);
+  }
+  return projections;
 }
 
 }  // namespace Lumivane::Algorithm

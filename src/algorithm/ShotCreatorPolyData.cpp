@@ -1,6 +1,7 @@
 // The bridge from regions to polygon data: a region's point numbers become points, which become one
 // polygon, its triangles or the poly-lines of its outline.
 
+#include "algorithm/RegionPolygon.h"
 #include "kernel/Outline.h"
 #include "kernel/SamePoint.h"
 #include "utils/PolygonData.h"
@@ -44,13 +45,18 @@ std::size_t pointCount(AnyRegion* region) {
   return region->getPoints()->size();
 }
 
-std::vector<Vec3> regionPoints(Geometry::Region* region, Geometry::Points3d* points) {
-  std::vector<Vec3> result;
-  if (pointCount(region) == 0) return result;
+void readPoints(Geometry::Region* region, Geometry::Points3d* points, std::vector<Vec3>& result) {
+  result.clear();
+  if (pointCount(region) == 0) return;
   for (const int number : *region->getPoints()) {
     const Geometry::Point3d* point = pointOfNumber(points, number);
     result.push_back({point->getX(), point->getY(), point->getZ()});
   }
+}
+
+std::vector<Vec3> regionPoints(Geometry::Region* region, Geometry::Points3d* points) {
+  std::vector<Vec3> result;
+  readPoints(region, points, result);
   return result;
 }
 
@@ -95,14 +101,22 @@ void fillOutline(vtkPolyData* result, const std::vector<Vec3>& points,
 
 }  // namespace
 
+void readRegionPolygon(Geometry::Region* region, Geometry::Points3d* points,
+                       std::vector<Vec3>& polygon) {
+  polygon.clear();
+  if (pointCount(region) < 3) {
+    Cmd::logMessage("Error: region points size < 3 \n");
+    return;
+  }
+  readPoints(region, points, polygon);
+}
+
 vtkNew<vtkPolyData> ShotCreator::getRegionPolyData(Geometry::Region* region,
                                                    Geometry::Points3d* points) {
   vtkNew<vtkPolyData> result;
-  if (pointCount(region) < 3) {
-    Cmd::logMessage("Error: region points size < 3 \n");
-    return result;
-  }
-  result->ShallowCopy(Utils::polygonData(regionPoints(region, points)));
+  std::vector<Vec3> polygon;
+  readRegionPolygon(region, points, polygon);
+  if (!polygon.empty()) result->ShallowCopy(Utils::polygonData(polygon));
   return result;
 }
 

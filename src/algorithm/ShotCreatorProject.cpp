@@ -1,6 +1,7 @@
 // From visible polygons to polygons on the plane. The protected operations by containers and the
 // loop over an object's regions share RegionProjector, which works on fixed-size values.
 
+#include "algorithm/ObjectProjection.h"
 #include "algorithm/RegionProjector.h"
 #include "algorithm/SceneAccess.h"
 #include "base/Indices.h"
@@ -75,17 +76,6 @@ std::vector<std::vector<Vec3>> plainPolygons(const std::vector<ShotCreator::Poly
   return result;
 }
 
-ShotCreator::RegionProjections* edgeStartPoints(
-    const std::vector<std::vector<PlanePolygon>>& regions) {
-  auto* result = new ShotCreator::RegionProjections(regions.size());
-  for (std::size_t r = 0; r < regions.size(); ++r) {
-    for (const PlanePolygon& polygon : regions[r]) {
-      (*result)[r].push_back(edgeStartPoints(polygon));
-    }
-  }
-  return result;
-}
-
 Kernel::BackFrame frameOf(const ShotCreator::Point& right, const ShotCreator::Point& forward) {
   return Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward));
 }
@@ -150,33 +140,50 @@ ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>*
                         polygon, segmentCount);
 }
 
-ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
-                                                           RegionPolygons* polygons,
-                                                           ProjectionType type) {
+ShotCreator::RegionProjections* edgeStartPoints(const PlaneRegions& regions) {
+  auto* result = new ShotCreator::RegionProjections(regions.size());
+  for (std::size_t r = 0; r < regions.size(); ++r) {
+    for (const PlanePolygon& polygon : regions[r]) {
+      (*result)[r].push_back(edgeStartPoints(polygon));
+    }
+  }
+  return result;
+}
+
+PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
+                            const ProjectionSetting& setting) {
   const Utils::StageScope stage(Utils::Stage::Projection);
-  const std::optional<ProjectionType> acting = actingType(type);
-  // Plain values until all is done: an exception then leaves nothing behind.
-  std::vector<std::vector<PlanePolygon>> projected(Base::countOf(polygons));
-  for (std::size_t r = 0; r < projected.size(); ++r) {
+  const std::optional<ProjectionType> acting = actingType(setting.type);
+  PlaneRegions projected(visible.size());
+  RegionProjector projector;
+  for (std::size_t r = 0; r < visible.size(); ++r) {
     const int index = static_cast<int>(r);
-    if (object->getRegions() == nullptr) Base::throwBadIndex(index);
-    Geometry::Region* region = object->getRegions()->getRegion(index);
+    if (object.getRegions() == nullptr) Base::throwBadIndex(index);
+    Geometry::Region* region = object.getRegions()->getRegion(index);
     // Wrong numbers and a view without a frame are found for every region, projected or not.
-    std::vector<Vec3> regionPoints = regionPointsOf(region, points);
-    const Kernel::BackFrame frame = frameOfView(*view);
+    std::vector<Vec3> regionPoints = regionPointsOf(region, setting.points);
+    const Kernel::BackFrame frame = frameOfView(*setting.view);
     if (!acting) continue;
 
     const std::vector<int>* docking = region == nullptr ? nullptr : region->getDockingEdges();
-    RegionProjector projector(
-        {*acting, eyeOf(*view), frame, docking, std::move(regionPoints), pointsPrecision});
+    projector.setRegion({*acting, eyeOf(*setting.view), frame, docking, std::move(regionPoints),
+                         setting.precision});
     std::int64_t firstCount = Cmd::CmdManager::minSegmentsNumber;
-    if (index == object->getCameraInRegionIndex()) firstCount *= CameraRegionFactor;
-    auto result = projector.settle(plainPolygons((*polygons)[r]), firstCount,
-                                   Cmd::CmdManager::maxSegmentsLength);
-    if (!result) throwEndlessSplitting(*object, r);
+    if (index == object.getCameraInRegionIndex()) firstCount *= CameraRegionFactor;
+    auto result = projector.settle(visible[r], firstCount, Cmd::CmdManager::maxSegmentsLength);
+    if (!result) throwEndlessSplitting(object, r);
     projected[r] = std::move(result->polygons);
   }
-  return edgeStartPoints(projected);
+  return projected;
+}
+
+ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
+                                                           RegionPolygons* polygons,
+                                                           ProjectionType type) {
+  std::vector<PlainPolygons> plain;
+  if (polygons != nullptr)
+    for (const std::vector<Polygon>& region : *polygons) plain.push_back(plainPolygons(region));
+  return edgeStartPoints(projectRegions(*object, plain, {type, view, points, pointsPrecision}));
 }
 
 std::vector<std::vector<int>> ShotCreator::getDockingEdges(std::vector<ProjectedPolygon> polygons) {

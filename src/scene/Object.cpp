@@ -1,4 +1,5 @@
 #include "geometry/Fields.h"
+#include "scene/Deferred.h"
 
 #include <lumivane/geometry/Faces.h>
 #include <lumivane/geometry/Overlays.h>
@@ -16,6 +17,46 @@ Object::~Object() {
   delete parts;
   delete regions;
   delete overlays;
+}
+
+using PolyDataList = DeferredAccess::PolyDataList;
+using RegionPolygons = DeferredAccess::RegionPolygons;
+using RegionProjections = DeferredAccess::RegionProjections;
+
+PolyDataList* Object::getRegionsPolyData() const {
+  return deferredPolyData ? deferredPolyData->get() : regionsPolyData;
+}
+
+void Object::setRegionsPolyData(PolyDataList* value) {
+  deferredPolyData.reset();
+  regionsPolyData = value;
+}
+
+PolyDataList* Object::getRegionsClippedPolyData() const {
+  return deferredClippedPolyData ? deferredClippedPolyData->get() : regionsClippedPolyData;
+}
+
+void Object::setRegionsClippedPolyData(PolyDataList* value) {
+  deferredClippedPolyData.reset();
+  regionsClippedPolyData = value;
+}
+
+RegionPolygons* Object::getRegionsVisiblePolygons() const {
+  return deferredVisiblePolygons ? deferredVisiblePolygons->get() : regionsVisiblePolygons;
+}
+
+void Object::setRegionsVisiblePolygons(RegionPolygons* value) {
+  deferredVisiblePolygons.reset();
+  regionsVisiblePolygons = value;
+}
+
+RegionProjections* Object::getRegionsProjectedPolygons() const {
+  return deferredProjectedPolygons ? deferredProjectedPolygons->get() : regionsProjectedPolygons;
+}
+
+void Object::setRegionsProjectedPolygons(RegionProjections* value) {
+  deferredProjectedPolygons.reset();
+  regionsProjectedPolygons = value;
 }
 
 Jzon::Node Object::serialize() {

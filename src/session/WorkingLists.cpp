@@ -1,3 +1,5 @@
+#include "scene/Deferred.h"
+
 #include <lumivane/geometry/EdgeStartPoint2d.h>
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
@@ -19,6 +21,7 @@ void releaseProjectedPolygons(Scene::Object& object) {
 }
 
 void releaseWorkingLists(Scene::Object& object) {
+  Scene::DeferredAccess::dropUnmade(object);  // rather than making them to be freed
   delete object.getRegionsPolyData();
   object.setRegionsPolyData(nullptr);
   delete object.getRegionsClippedPolyData();

@@ -1,3 +1,4 @@
+#include "utils/FewPointsLocator.h"
 #include "utils/PolygonData.h"
 #include "utils/Shapes.h"
 
@@ -24,6 +25,9 @@ vtkSmartPointer<vtkPolyData> VtkUtils::clip(vtkSmartPointer<vtkPolyData> polyDat
   clipper->SetClipFunction(plane);
   clipper->GenerateClippedOutputOn();
   clipper->SetInputData(polyData);
+  if (polyData->GetNumberOfPoints() <= FewPointsLocator::MostPoints) {
+    clipper->SetLocator(vtkNew<FewPointsLocator>());
+  }
   clipper->Update();
   result->ShallowCopy(clipper->GetOutput());
   return result;

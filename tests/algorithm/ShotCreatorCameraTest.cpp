@@ -1,6 +1,6 @@
 // The camera against the scene, and the choice of polygons by their normals.
 
-#include "algorithm/CellNormals.h"
+#include "algorithm/PolygonClipper.h"
 #include "support/Capture.h"
 #include "support/ShotCreatorProbe.h"
 #include "support/ShotScene.h"
@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -36,12 +37,12 @@ const VectorTests areaVectors("isPointInArea3dConvex", [](const VectorCase& c) {
 });
 
 const VectorTests normalVectors("cellNormals", [](const VectorCase& c) {
-  std::vector<std::vector<double>> normals;
-  for (const auto& cell :
-       Algorithm::normalCells(VtkUtils::createPolydataFromPolygon(toVectors(c.in["polygon"])))) {
-    normals.push_back({cell.normal.x, cell.normal.y, cell.normal.z});
-  }
-  EXPECT_TRUE(sameBits(toVectors(c.out), normals));
+  const auto data = VtkUtils::createPolydataFromPolygon(toVectors(c.in["polygon"]));
+  std::vector<vtkIdType> ids(static_cast<std::size_t>(data->GetNumberOfPoints()));
+  std::iota(ids.begin(), ids.end(), 0);
+  const Kernel::Vec3 normal = Algorithm::toVec3(
+      Algorithm::cellNormal(data->GetPoints(), data->GetNumberOfPoints(), ids.data()));
+  EXPECT_TRUE(sameBits(toVectors(c.out), {{normal.x, normal.y, normal.z}}));
 });
 
 const VectorTests shiftVectors("cameraShift", [](const VectorCase& c) {
@@ -340,35 +341,6 @@ TEST(IsCameraInObject, WithoutAViewNothingHoldsTheEye) {
   ShotCreatorProbe::PolyDataList list = boxInOnePiece();
   ShotCreatorProbe creator;
   EXPECT_FALSE(creator.isCameraInObject(&list));
-}
-
-// ---- Cells and normals -----------------------------------------------------------------------
-
-TEST(NormalCells, NormalsThatAreThereAreTaken) {
-  const auto data = VtkUtils::createPolydataFromPolygon(Square);
-  const auto withNormals = vtkSmartPointer<vtkPolyData>::New();
-  Algorithm::copyWithCellNormals(data, withNormals);
-  withNormals->GetCellData()->GetNormals()->SetTuple3(0, 0, 1, 0);
-  const auto cells = Algorithm::normalCells(withNormals);
-  ASSERT_EQ(1u, cells.size());
-  EXPECT_EQ((Kernel::Vec3{0, 1, 0}), cells[0].normal);
-}
-
-TEST(NormalCells, VerticesAndLinesAreLeftOut) {
-  const auto data = VtkUtils::createPolydataFromPolygon(Square);
-  const vtkNew<vtkCellArray> lines;
-  lines->InsertNextCell({0, 1, 2});
-  data->SetLines(lines);
-  const vtkNew<vtkCellArray> vertices;
-  vertices->InsertNextCell({3});
-  data->SetVerts(vertices);
-  const auto cells = Algorithm::normalCells(data);
-  ASSERT_EQ(1u, cells.size());
-  EXPECT_EQ(4u, cells[0].polygon.size());
-}
-
-TEST(NormalCells, DataWithoutPolygonsHasNone) {
-  EXPECT_TRUE(Algorithm::normalCells(vtkSmartPointer<vtkPolyData>::New()).empty());
 }
 
 }  // namespace

@@ -234,13 +234,10 @@ class LUMIVANE_EXPORT ShotCreator {
 
   void checkObjects();
 
-  // First pass: ShotCreatorPass1.cpp.
-  void projectObjects(ProjectionType type);
-  void projectObject(Scene::Object* object, ProjectionType type);
-  std::vector<Polygon> getVisiblePolygons(Scene::Object* object, int regionIndex, const Point& eye);
+  struct Projections;  // what the first pass leaves for the second
 
-  // Second pass: ShotCreatorBuild.cpp.
-  Shot::Shot2d* buildShot();
+  Projections projectObjects(ProjectionType type);          // ShotCreatorPass1.cpp
+  Shot::Shot2d* buildShot(const Projections& projections);  // ShotCreatorBuild.cpp
   Shot::Shot2d* buildInteriorShot(ProjectionType type);
 
   Scene::Scene3D* scene = nullptr;

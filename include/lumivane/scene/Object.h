@@ -3,6 +3,7 @@
 #include <lumivane/base/BaseLibClass.h>
 #include <lumivane/export.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +20,10 @@ class Regions;
 }  // namespace Lumivane::Geometry
 
 namespace Lumivane::Scene {
+
+template <class List>
+class Deferred;
+struct DeferredAccess;
 
 /// One solid or surface of a scene: its regions with their faces, parts and overlays. Besides that
 /// it carries the working data of the last shot, which reaches no file.
@@ -50,39 +55,26 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   Geometry::Overlays* getOverlays() const { return overlays; }
   void setOverlays(Geometry::Overlays* value) { overlays = value; }  ///< Takes over; frees nothing.
 
-  /// Working data: one polydata for each region; null before a shot.
-  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsPolyData() const { return regionsPolyData; }
+  /// Working data: one polydata for each region; null before a shot. This list and the three below
+  /// are made when they are first asked for after a shot, from what the shot saw; the next shot
+  /// frees those that nobody has asked for, and only those.
+  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsPolyData() const;
   /// Stores the pointer; frees nothing.
-  void setRegionsPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
-    regionsPolyData = value;
-  }
+  void setRegionsPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value);
   /// Working data: the same, clipped by the plane through the eye.
-  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsClippedPolyData() const {
-    return regionsClippedPolyData;
-  }
+  std::vector<vtkSmartPointer<vtkPolyData>>* getRegionsClippedPolyData() const;
   /// Stores the pointer; frees nothing.
-  void setRegionsClippedPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value) {
-    regionsClippedPolyData = value;
-  }
+  void setRegionsClippedPolyData(std::vector<vtkSmartPointer<vtkPolyData>>* value);
   /// Working data: for each region its visible polygons, lists of points of 3 doubles.
-  std::vector<std::vector<std::vector<std::vector<double>>>>* getRegionsVisiblePolygons() const {
-    return regionsVisiblePolygons;
-  }
+  std::vector<std::vector<std::vector<std::vector<double>>>>* getRegionsVisiblePolygons() const;
   /// Stores the pointer; frees nothing.
-  void setRegionsVisiblePolygons(
-      std::vector<std::vector<std::vector<std::vector<double>>>>* value) {
-    regionsVisiblePolygons = value;
-  }
+  void setRegionsVisiblePolygons(std::vector<std::vector<std::vector<std::vector<double>>>>* value);
   /// Working data: for each region its projected polygons.
   std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* getRegionsProjectedPolygons()
-      const {
-    return regionsProjectedPolygons;
-  }
+      const;
   /// Stores the pointer; frees nothing.
   void setRegionsProjectedPolygons(
-      std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* value) {
-    regionsProjectedPolygons = value;
-  }
+      std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* value);
   /// Working data: the position, from 0, of the region that holds the camera, or -1.
   int getCameraInRegionIndex() const { return cameraInRegionIndex; }
   /// Unchecked.
@@ -108,6 +100,15 @@ class LUMIVANE_EXPORT Object : public Base::BaseLibClass {
   std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>* regionsProjectedPolygons =
       nullptr;
   int cameraInRegionIndex = -1;
+
+  // Where one of these is set, it stands for the list of that name above. Copies share it.
+  friend struct DeferredAccess;
+  std::shared_ptr<Deferred<std::vector<vtkSmartPointer<vtkPolyData>>>> deferredPolyData;
+  std::shared_ptr<Deferred<std::vector<vtkSmartPointer<vtkPolyData>>>> deferredClippedPolyData;
+  std::shared_ptr<Deferred<std::vector<std::vector<std::vector<std::vector<double>>>>>>
+      deferredVisiblePolygons;
+  std::shared_ptr<Deferred<std::vector<std::vector<std::vector<Geometry::EdgeStartPoint2d*>>>>>
+      deferredProjectedPolygons;
 };
 
 }  // namespace Lumivane::Scene

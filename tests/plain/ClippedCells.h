@@ -7,14 +7,32 @@
 
 #include <vtkCellData.h>
 #include <vtkCellType.h>
+#include <vtkClipPolyData.h>
 #include <vtkDataArray.h>
 #include <vtkIdList.h>
 #include <vtkNew.h>
+#include <vtkPlane.h>
 #include <vtkPolyData.h>
 #include <vtkPolyDataNormals.h>
+#include <vtkSmartPointer.h>
 
-/// The cells of polygon data as plain polygons with their normals.
-namespace Lumivane::Algorithm {
+/// Clipping and cell normals by the filters of VTK as they come, each made anew for each polygon.
+namespace Lumivane::Plain {
+
+inline vtkSmartPointer<vtkPolyData> clip(vtkPolyData* polyData, Kernel::Vec3 origin,
+                                         Kernel::Vec3 normal) {
+  const vtkNew<vtkPlane> plane;
+  plane->SetOrigin(origin.x, origin.y, origin.z);
+  plane->SetNormal(normal.x, normal.y, normal.z);
+  const vtkNew<vtkClipPolyData> clipper;
+  clipper->SetClipFunction(plane);
+  clipper->GenerateClippedOutputOn();
+  clipper->SetInputData(polyData);
+  clipper->Update();
+  auto result = vtkSmartPointer<vtkPolyData>::New();
+  result->ShallowCopy(clipper->GetOutput());
+  return result;
+}
 
 /// A polygon of some polygon data, and the normal of its cell.
 struct NormalCell {
@@ -68,4 +86,4 @@ inline std::vector<NormalCell> normalCells(vtkPolyData* source) {
   return result;
 }
 
-}  // namespace Lumivane::Algorithm
+}  // namespace Lumivane::Plain
