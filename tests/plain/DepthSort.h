@@ -16,7 +16,8 @@ namespace Lumivane::Plain {
 
 // --- How two polygons of the picture lie to each other ---
 
-inline double turn(const Vector& a, const Vector& b, const Vector& c) {
+/// By value, as the public operation takes its points.
+inline double turn(Vector a, Vector b, Vector c) {
   return (c[1] - b[1]) * (b[0] - a[0]) - (b[1] - a[1]) * (c[0] - b[0]);
 }
 
@@ -210,6 +211,8 @@ struct Order {
   Names drawn;
   Names hidden;
   std::vector<Names> edges;
+  std::vector<Names> unsorted;  ///< what a cycle has left of them
+  std::string m;                ///< see Sorted
 };
 
 /// \param rows  row i with i cells at least
@@ -229,7 +232,10 @@ inline Order objectsOrder(const Names& ids, const std::vector<std::vector<int>>&
       if (rows[i][j] == 2 || rows[i][j] == 5) result.edges.push_back({ids[i], ids[j]});
     }
   }
-  Names l = sortGraph(result.edges).nodes;
+  Sorted sorted = sortGraph(result.edges);
+  result.unsorted = std::move(sorted.edges);
+  result.m = std::move(sorted.m);
+  Names l = std::move(sorted.nodes);
   for (const std::string& id : ids)
     if (!holds(l, id)) l.push_back(id);
   for (const std::string& id : result.hidden) l.erase(std::remove(l.begin(), l.end(), id), l.end());
