@@ -2,6 +2,7 @@
 
 namespace Lumivane::Host {
 
+struct ImportCommandOptions;
 struct Json5Options;
 struct ShotOptions;
 struct ShowOptions;
@@ -13,6 +14,9 @@ void runShot(const ShotOptions& options);
 
 /// Opens the two windows on a scene and a shot, and returns when they are closed.
 void runShow(const ShowOptions& options);
+
+/// Makes a scene file of a mesh or a city model. Only where the program is built with importers.
+void runImport(const ImportCommandOptions& options);
 
 /// Converts JSON5 to JSON.
 void runJson5(const Json5Options& options);

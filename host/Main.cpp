@@ -3,6 +3,10 @@
 #include "Options.h"
 #include "Signals.h"
 
+#ifdef LUMIVANE_HOST_EXCHANGE
+#include "ImportOptions.h"
+#endif
+
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
@@ -36,6 +40,12 @@ int run(const std::vector<std::string>& arguments) {
   CLI::App* const showCommand =
       app.add_subcommand("show", "Show a scene and a shot in two windows");
   setShowOptions(*showCommand, show);
+#ifdef LUMIVANE_HOST_EXCHANGE
+  ImportCommandOptions import;
+  CLI::App* const importCommand =
+      app.add_subcommand("import", "Make a scene file of a mesh or a city model");
+  setImportOptions(*importCommand, import);
+#endif
   setJson5Options(*app.add_subcommand("json5", "Convert JSON5 to JSON"), json5);
 
   try {
@@ -50,6 +60,9 @@ int run(const std::vector<std::string>& arguments) {
 
   if (app.got_subcommand("shot")) runShot(shot);
   if (app.got_subcommand("show")) runShow(show);
+#ifdef LUMIVANE_HOST_EXCHANGE
+  if (importCommand->parsed()) runImport(import);
+#endif
   if (app.got_subcommand("json5")) runJson5(json5);
   return Done;
 }

@@ -2,6 +2,10 @@
 
 #include "VisibleFile.h"
 
+#ifdef LUMIVANE_HOST_EXCHANGE
+#include "ImportOptions.h"
+#endif
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -125,8 +129,19 @@ void readSize(const std::string& text, int& width, int& height) {
   height = side(text.substr(x + 1));
 }
 
-void addScene(CLI::App& command, std::string& scene) {
-  command.add_option("SCENE", scene, "scene file (JSON)")->required()->type_name("");
+#ifdef LUMIVANE_HOST_EXCHANGE
+constexpr const char* SceneHelp = "scene file (JSON), mesh or city model";
+#else
+constexpr const char* SceneHelp = "scene file (JSON)";
+#endif
+
+void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
+  command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
+#ifdef LUMIVANE_HOST_EXCHANGE
+  addImportSettings(command, import);
+#else
+  static_cast<void>(import);
+#endif
 }
 
 #ifdef LUMIVANE_HOST_MEASURES
@@ -142,7 +157,7 @@ void addVisible(CLI::App& command, std::string& visible) {
 }  // namespace
 
 void setShotOptions(CLI::App& command, ShotOptions& options) {
-  addScene(command, options.scene);
+  addScene(command, options.scene, options.import);
   addViewOptions(command, options.view);
   command.add_option("-o,--output", options.shot, "shot file to write (JSON)")->type_name("FILE");
   command.add_option("--png", options.png, "picture to write")->type_name("FILE");
@@ -163,7 +178,7 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
 }
 
 void setShowOptions(CLI::App& command, ShowOptions& options) {
-  addScene(command, options.scene);
+  addScene(command, options.scene, options.import);
   command.add_option("SHOT", options.shot, "shot file (JSON); without it the shot is made first")
       ->type_name("");
   addViewOptions(command, options.view);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ImportSettings.h"
 #include "VectorFiles.h"
 
 #include <lumivane/session/ViewSettings.h>
@@ -18,6 +19,7 @@ using Session::ViewSettings;
 
 struct ShotOptions {
   std::string scene;
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
   ViewSettings view;
   std::string shot;     ///< the shot file to write, or empty
   std::string png;      ///< the picture to write, or empty
@@ -30,7 +32,8 @@ struct ShotOptions {
 
 struct ShowOptions {
   std::string scene;
-  std::string shot;  ///< empty: the shot is made first
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
+  std::string shot;       ///< empty: the shot is made first
   ViewSettings view;
   bool viewGiven = false;  ///< whether any of the view's options stands on the command line
 };

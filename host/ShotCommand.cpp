@@ -3,6 +3,7 @@
 #include "Options.h"
 #include "Picture.h"
 #include "ProgressBar.h"
+#include "SceneSource.h"
 #include "Stats.h"
 #include "VisibleFile.h"
 
@@ -36,9 +37,9 @@ void checkOutputs(const ShotOptions& options) {
   }
 }
 
-LoadedScene readScene(const ShotOptions& options, Seconds& seconds) {
+SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {
   const Timer timer(seconds.read);
-  return LoadedScene::fromFile(options.scene);
+  return loadScene(options.scene, options.import);
 }
 
 TakenShot takeShot(const ShotOptions& options, LoadedScene& scene, Seconds& seconds) {
@@ -78,8 +79,9 @@ void writeVectorPictures(const ShotOptions& options, const TakenShot& shot, Seco
 #endif
 }
 
-void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds) {
-  if (!options.stats.empty()) Session::writeFile(options.stats, statsText(shot, seconds));
+void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds,
+                const Jzon::Node& import) {
+  if (!options.stats.empty()) Session::writeFile(options.stats, statsText(shot, seconds, import));
 }
 
 }  // namespace
@@ -89,18 +91,18 @@ void runShot(const ShotOptions& options) {
   checkOutputs(options);
   Utils::StageTimes::enable(!options.stats.empty());
   Seconds seconds;
-  LoadedScene scene = readScene(options, seconds);
-  const TakenShot shot = takeShot(options, scene, seconds);
+  SourcedScene source = readScene(options, seconds);
+  const TakenShot shot = takeShot(options, source.scene, seconds);
   writeShot(options, shot, seconds);
   writeVisible(options, shot, seconds);
   try {
     writeVectorPictures(options, shot, seconds);
     writePicture(options, shot, seconds);
   } catch (const HostError&) {
-    writeStats(options, shot, seconds);  // the shot itself is there
+    writeStats(options, shot, seconds, source.import);  // the shot itself is there
     throw;
   }
-  writeStats(options, shot, seconds);
+  writeStats(options, shot, seconds, source.import);
 }
 
 }  // namespace Lumivane::Host

@@ -3,6 +3,7 @@
 #include "HostError.h"
 #include "Options.h"
 #include "ProgressBar.h"
+#include "SceneSource.h"
 
 #include <lumivane/session/Faults.h>
 #include <lumivane/session/Files.h>
@@ -53,7 +54,7 @@ void runShow(const ShowOptions& options) {
   const std::string fault = displayFault();
   if (!fault.empty()) throw HostError(options.scene, "cannot be shown: " + fault);
 
-  LoadedScene scene = LoadedScene::fromFile(options.scene);
+  LoadedScene scene = loadScene(options.scene, options.import).scene;
   if (!options.shot.empty()) return showShotFile(options, scene);
   const TakenShot shot = scene.take(options.view, ProgressBar().progress());
   showBoth(options, scene, shot.shot());

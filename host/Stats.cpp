@@ -1,11 +1,12 @@
 #include "Stats.h"
 
+#include "StatsNumbers.h"
+
 #include <lumivane/geometry/Faces2d.h>
 #include <lumivane/geometry/Points2d.h>
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/jzon/Node.h>
-#include <lumivane/jzon/Writer.h>
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
@@ -15,22 +16,12 @@
 #include <lumivane/shot/Shot2d.h>
 #include <lumivane/utils/StageTimes.h>
 
-#include <charconv>
 #include <set>
 
 #include <sys/resource.h>
 
 namespace Lumivane::Host {
 namespace {
-
-// As few digits as read back to the same double; the node's own text has 6.
-Jzon::Node number(double value) {
-  char text[32];
-  const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
-  return Jzon::Node(Jzon::Node::T_NUMBER, std::string(text, end.ptr));
-}
-
-Jzon::Node number(size_t value) { return Jzon::Node(static_cast<unsigned long long>(value)); }
 
 // The faces that the depth sort was given: those with a polygon in the picture.
 size_t sortedFaces(Scene::Object& object) {
@@ -66,18 +57,18 @@ size_t peakMemoryBytes() {
 
 Jzon::Node eyeNode(const Session::Vector& eye) {
   Jzon::Node node = Jzon::array();
-  for (const double coordinate : eye) node.add(number(coordinate));
+  for (const double coordinate : eye) node.add(numberNode(coordinate));
   return node;
 }
 
 Jzon::Node secondsNode(const Seconds& seconds) {
   Jzon::Node node = Jzon::object();
-  node.add("read", number(seconds.read));
-  node.add("shot", number(seconds.shot));
-  node.add("write", number(seconds.write));
-  node.add("png", number(seconds.png));
-  node.add("visible", number(seconds.visible));
-  node.add("vector", number(seconds.vector));
+  node.add("read", numberNode(seconds.read));
+  node.add("shot", numberNode(seconds.shot));
+  node.add("write", numberNode(seconds.write));
+  node.add("png", numberNode(seconds.png));
+  node.add("visible", numberNode(seconds.visible));
+  node.add("vector", numberNode(seconds.vector));
   return node;
 }
 
@@ -85,30 +76,30 @@ Jzon::Node stagesNode() {
   Jzon::Node node = Jzon::object();
   for (size_t i = 0; i < Utils::StageTimes::Count; ++i) {
     const auto stage = static_cast<Utils::Stage>(i);
-    node.add(Utils::StageTimes::name(stage), number(Utils::StageTimes::seconds(stage)));
+    node.add(Utils::StageTimes::name(stage), numberNode(Utils::StageTimes::seconds(stage)));
   }
   return node;
 }
 
 }  // namespace
 
-std::string statsText(const Session::TakenShot& taken, const Seconds& seconds) {
+std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
+                      const Jzon::Node& import) {
   Shot::Shot2d& shot = taken.shot();
   const size_t drawn = drawnFaces(shot);
   Jzon::Node root = Jzon::object();
-  root.add("points", number(shot.getPoints()->getPoints()->size()));
-  root.add("regions", number(shot.getRegions()->getRegions()->size()));
-  root.add("faces_drawn", number(drawn));
-  root.add("faces_hidden", number(sortedFaces(taken.scene()) - drawn));
-  root.add("objects", number(shot.getObjects()->getObjects()->size()));
+  root.add("points", numberNode(shot.getPoints()->getPoints()->size()));
+  root.add("regions", numberNode(shot.getRegions()->getRegions()->size()));
+  root.add("faces_drawn", numberNode(drawn));
+  root.add("faces_hidden", numberNode(sortedFaces(taken.scene()) - drawn));
+  root.add("objects", numberNode(shot.getObjects()->getObjects()->size()));
   root.add("eye", eyeNode(taken.eye()));
   root.add("seconds", secondsNode(seconds));
   root.add("stages", stagesNode());
-  root.add("peak_memory_bytes", number(peakMemoryBytes()));
+  root.add("peak_memory_bytes", numberNode(peakMemoryBytes()));
 
-  std::string text;
-  Jzon::Writer(Jzon::Format{true, true, true, 1}).writeString(root, text);
-  return text + "\n";
+  if (import.isValid()) root.add("import", import);
+  return jsonText(root);
 }
 
 }  // namespace Lumivane::Host

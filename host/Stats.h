@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lumivane/jzon/Node.h>
+
 #include <chrono>
 #include <string>
 
@@ -36,6 +38,9 @@ class Timer {
 
 /// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
 /// To be asked before the next shot of the scene is taken.
-std::string statsText(const Session::TakenShot& taken, const Seconds& seconds);
+///
+/// \param import  what became of an imported file; left out if it is invalid
+std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
+                      const Jzon::Node& import);
 
 }  // namespace Lumivane::Host

@@ -1,0 +1,76 @@
+#include "ImportOptions.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include <CLI/CLI.hpp>
+
+namespace Lumivane::Host {
+namespace {
+
+constexpr double RightAngle = 90.0;
+
+std::string refusedNumber(const std::string& text, const char* wanted,
+                          bool (*fits)(double number)) {
+  char* end = nullptr;
+  const double number = std::strtod(text.c_str(), &end);
+  const bool isNumber = !text.empty() && *end == '\0' && std::isfinite(number);
+  return isNumber && fits(number) ? "" : "\"" + text + "\" is not " + wanted;
+}
+
+void addSettings(CLI::App& command, ImportSettings& settings, const std::string& scaleName,
+                 const std::string& group) {
+  CLI::Option* const twoSided =
+      command.add_flag("--two-sided", settings.twoSided, "surfaces are seen from both sides")
+          ->group(group);
+  command.add_flag("--flip", settings.flip, "surfaces are seen from their inside")
+      ->group(group)
+      ->excludes(twoSided);
+  command.add_option(scaleName, settings.scale, "factor of all lengths")
+      ->check(
+          [](const std::string& text) {
+            return refusedNumber(text, "a finite number above 0", [](double n) { return n > 0.0; });
+          },
+          "")
+      ->type_name("NUMBER")
+      ->capture_default_str()
+      ->group(group);
+  command.add_flag("--y-up", settings.yUp, "y points up in the file; it will be z")->group(group);
+  command
+      .add_flag("--center", settings.center,
+                "put the model's middle at x = y = 0 and its lowest point at z = 0")
+      ->group(group);
+  command
+      .add_option("--crease", settings.crease,
+                  "edges that bend by at most this many degrees are not drawn; without it 30 on "
+                  "the terrain of a city model, else 0")
+      ->check(
+          [](const std::string& text) {
+            return refusedNumber(text, "an angle of 0 to 90 degrees",
+                                 [](double n) { return n >= 0.0 && n <= RightAngle; });
+          },
+          "")
+      ->type_name("DEGREES")
+      ->group(group);
+}
+
+}  // namespace
+
+void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
+  command
+      .add_option("FILE", options.file,
+                  "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson)")
+      ->required()
+      ->type_name("");
+  command.add_option("-o,--output", options.out, "scene file to write (JSON)")
+      ->required()
+      ->type_name("SCENE");
+  addSettings(command, options.settings, "--scale", "Options");
+  command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
+}
+
+void addImportSettings(CLI::App& command, ImportSettings& settings) {
+  addSettings(command, settings, "--import-scale", "Options for meshes and city models");
+}
+
+}  // namespace Lumivane::Host

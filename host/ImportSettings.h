@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace Lumivane::Host {
+
+/// How a mesh or a city model is turned into a scene, as the command line tells it.
+struct ImportSettings {
+  bool twoSided = false;
+  bool flip = false;
+  bool yUp = false;
+  bool center = false;
+  double scale = 1.0;
+  double crease = -1.0;  ///< below 0: as the importer thinks best
+};
+
+struct ImportCommandOptions {
+  std::string file;
+  std::string out;
+  std::string stats;  ///< the statistics to write, or empty
+  ImportSettings settings;
+};
+
+}  // namespace Lumivane::Host

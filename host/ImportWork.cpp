@@ -1,0 +1,82 @@
+#include "ImportWork.h"
+
+#include "StatsNumbers.h"
+
+#include <lumivane/session/Error.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace Lumivane::Host {
+namespace {
+
+using Triple = std::array<double, 3>;
+
+Exchange::ImportSides sidesOf(const ImportSettings& settings) {
+  if (settings.twoSided) return Exchange::ImportSides::Both;
+  return settings.flip ? Exchange::ImportSides::Inside : Exchange::ImportSides::Outside;
+}
+
+std::string text(const Triple& triple) {
+  std::ostringstream stream;
+  stream.precision(12);
+  stream << triple[0] << "," << triple[1] << "," << triple[2];
+  return stream.str();
+}
+
+Jzon::Node node(const Triple& triple) {
+  Jzon::Node list = Jzon::array();
+  for (const double value : triple) list.add(numberNode(value));
+  return list;
+}
+
+}  // namespace
+
+Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
+  Exchange::ImportOptions options;
+  options.sides = sidesOf(settings);
+  options.scale = settings.scale;
+  options.yUp = settings.yUp;
+  options.center = settings.center;
+  options.creaseDegrees = settings.crease;
+  return Exchange::Importer::importFile(path, options);
+}
+
+std::string reportText(const Exchange::ImportReport& report) {
+  std::ostringstream stream;
+  stream << "Imported " << report.format << ": " << report.sourcePolygons << " polygons as "
+         << report.objects << " objects, " << report.faces << " faces, " << report.regions
+         << " regions\n";
+  stream << "Bounds: " << text(report.lower) << " to " << text(report.upper) << "\n";
+  const bool isMoved = std::any_of(report.shift.begin(), report.shift.end(),
+                                   [](double value) { return value != 0.0; });
+  if (isMoved)
+    stream << "Moved by " << text(report.shift) << ": add this to the file's coordinates\n";
+  for (const std::string& warning : report.warnings)
+    stream << "Note: " << Session::oneLine(warning) << "\n";
+  return stream.str();
+}
+
+Jzon::Node reportNode(const Exchange::ImportReport& report) {
+  Jzon::Node root = Jzon::object();
+  root.add("format", report.format);
+  root.add("shift", node(report.shift));
+  root.add("lower", node(report.lower));
+  root.add("upper", node(report.upper));
+  root.add("source_polygons", numberNode(report.sourcePolygons));
+  root.add("points", numberNode(report.points));
+  root.add("objects", numberNode(report.objects));
+  root.add("faces", numberNode(report.faces));
+  root.add("regions", numberNode(report.regions));
+  root.add("brushes", numberNode(report.brushes));
+  root.add("split_polygons", numberNode(report.splitPolygons));
+  root.add("empty_polygons", numberNode(report.emptyPolygons));
+  root.add("unfilled_polygons", numberNode(report.unfilledPolygons));
+  Jzon::Node warnings = Jzon::array();
+  for (const std::string& warning : report.warnings) warnings.add(Session::oneLine(warning));
+  root.add("notes", warnings);
+  return root;
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ImportSettings.h"
+
+#include <lumivane/exchange/Importer.h>
+#include <lumivane/jzon/Node.h>
+
+#include <string>
+
+namespace Lumivane::Host {
+
+/// Imports a file as the command line asks for.
+/// \throws Session::Error
+Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings);
+
+/// What became of a file, for the reader of a terminal: lines that end.
+std::string reportText(const Exchange::ImportReport& report);
+
+/// The same for statistics.
+Jzon::Node reportNode(const Exchange::ImportReport& report);
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,50 @@
+#pragma once
+
+namespace Lumivane::Exchange {
+
+/// From which side an imported surface is seen. A surface's outside is where its corners run
+/// counter-clockwise, as in every format read here.
+enum class ImportSides {
+  Outside,  ///< seen from its outside
+  Inside,   ///< seen from its inside, as a room is
+  Both,     ///< seen from both sides: twice as many regions
+};
+
+/// How a file becomes a scene. Every member has the value that suits most files.
+struct ImportOptions {
+  ImportSides sides = ImportSides::Outside;
+
+  /// Factor of all lengths, above 0.
+  double scale = 1.0;
+
+  /// Whether y points up in the file; a scene's up is z, so (x, y, z) becomes (x, -z, y). A glTF
+  /// file is turned without being asked, since its format says that y is up.
+  bool yUp = false;
+
+  /// Puts the middle of the model at x = 0 and y = 0 and its lowest point at z = 0. Without it
+  /// only coordinates far from the origin are moved.
+  bool center = false;
+
+  /// Two neighbouring polygons of one object and one colour belong to one face if their planes
+  /// differ by at most this many degrees and all corners keep to `flatDistance`. Below 0 nothing
+  /// is put together.
+  double flatAngleDegrees = 0.5;
+
+  /// How far a corner may lie off the plane of its face, as a share of the model's diagonal.
+  double flatDistance = 2e-5;
+
+  /// The edge between two neighbouring polygons of one object and one colour is not drawn if it
+  /// bends by at most this many degrees. Below 0: 0 for meshes and buildings, and
+  /// `TerrainCreaseDegrees` for the terrain of a city model.
+  double creaseDegrees = -1.0;
+
+  /// Triangulated terrain is shown as one smooth surface unless it bends by more.
+  static constexpr double TerrainCreaseDegrees = 30.0;
+
+  /// An axis along which the model's middle lies further off than this, in scene units, and
+  /// further than the model is long, is moved so that the middle is near 0. Scene files keep few
+  /// digits, and a picture needs those below the metre.
+  static constexpr double FarCoordinate = 10000.0;
+};
+
+}  // namespace Lumivane::Exchange

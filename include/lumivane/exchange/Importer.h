@@ -1,0 +1,44 @@
+#pragma once
+
+#include <lumivane/exchange/ImportOptions.h>
+#include <lumivane/exchange/ImportReport.h>
+#include <lumivane/exchange/export.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <string>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Exchange {
+
+/// A scene made from a file of another program.
+struct ImportedScene {
+  Session::LoadedScene scene;  ///< named for the file
+  ImportReport report;
+};
+
+/// Reads meshes (OBJ, STL, PLY, glTF) and city models (CityJSON) as scenes. Has no state.
+///
+/// Materials become brushes, and groups, nodes and city objects become objects with their names as
+/// ids. Neighbouring polygons in one plane become one face, whose inner edges are docking edges.
+class LUMIVANE_EXCHANGE_EXPORT Importer {
+ public:
+  /// Whether the file is of a kind that is read here, told by the ending of its name and, for
+  /// ".json", by its content, so that a scene file is not taken for a city model.
+  static bool isImportable(const std::string& path);
+
+  /// Reads a file.
+  ///
+  /// \throws Session::Error if the file cannot be read, is of no known kind, is damaged, or holds
+  ///                        no polygon; it says what is wrong and, if it can be told, at which
+  ///                        line, vertex or object
+  static ImportedScene importFile(const std::string& path, const ImportOptions& options = {});
+
+  /// The scene as a scene file, with coordinates of 9 significant digits instead of 6, so that a
+  /// model of a kilometre keeps its millimetres.
+  static std::string sceneText(Scene::Scene3D& scene);
+};
+
+}  // namespace Lumivane::Exchange

@@ -1,0 +1,234 @@
+#include "exchange/ImportError.h"
+#include "exchange/Placement.h"
+#include "exchange/Readers.h"
+#include "exchange/SceneBuilder.h"
+#include "exchange/SourceFaces.h"
+#include "exchange/TextLines.h"
+
+#include <lumivane/exchange/Importer.h>
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/jzon/Node.h>
+#include <lumivane/jzon/Writer.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/Error.h>
+#include <lumivane/session/Files.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <memory>
+
+#include <nlohmann/json.hpp>
+
+namespace Lumivane::Exchange {
+namespace {
+
+enum class Format { None, Obj, Stl, Ply, Gltf, CityJson };
+
+// Edges below this length make their polygon vanish from a shot.
+constexpr double ShortestEdge = 1e-4;
+
+std::string lowerEnding(const std::string& path) {
+  std::string ending = std::filesystem::path(path).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : static_cast<char>(c);
+  });
+  return ending;
+}
+
+std::string readBytes(const std::string& path) {
+  std::string bytes = Session::readBytes(path);
+  if (bytes.empty()) throw ImportError("it is empty");
+  if (bytes.size() > static_cast<size_t>(std::numeric_limits<int>::max()))
+    throw ImportError("it is larger than 2 GiB");
+  return bytes;
+}
+
+// Whether a JSON text is a city model: looks at the keys and strings of its outermost object only,
+// and stops at the first that tells.
+class CityModelFinder : public nlohmann::json::json_sax_t {
+ public:
+  bool found = false;
+
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(number_integer_t) override { return true; }
+  bool number_unsigned(number_unsigned_t) override { return true; }
+  bool number_float(number_float_t, const string_t&) override { return true; }
+  bool binary(binary_t&) override { return true; }
+  bool start_array(std::size_t) override { return deeper(); }
+  bool end_array() override { return shallower(); }
+  bool start_object(std::size_t) override { return deeper(); }
+  bool end_object() override { return shallower(); }
+  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
+    return false;
+  }
+  bool string(string_t& value) override {
+    found = found || (depth == 1 && isType && value.rfind("CityJSON", 0) == 0);
+    isType = false;
+    return !found;
+  }
+  bool key(string_t& name) override {
+    isType = depth == 1 && name == "type";
+    found = found || (depth == 1 && name == "CityObjects");
+    return !found && !(depth == 1 && isSceneKey(name));
+  }
+
+ private:
+  static bool isSceneKey(const string_t& name) {
+    return name == "Brushes" || name == "Pens" || name == "Points" || name == "Objects";
+  }
+
+  bool deeper() {
+    ++depth;
+    return true;
+  }
+  bool shallower() {
+    --depth;
+    return true;
+  }
+
+  int depth = 0;
+  bool isType = false;
+};
+
+bool isCityModel(const std::string& bytes) {
+  CityModelFinder finder;
+  nlohmann::json::sax_parse(bytes, &finder);
+  return finder.found;
+}
+
+Format formatByEnding(const std::string& ending) {
+  if (ending == ".obj") return Format::Obj;
+  if (ending == ".stl") return Format::Stl;
+  if (ending == ".ply") return Format::Ply;
+  if (ending == ".gltf" || ending == ".glb") return Format::Gltf;
+  if (ending == ".cityjson") return Format::CityJson;
+  return Format::None;
+}
+
+SourceModel readModel(const std::string& path) {
+  const std::string bytes = readBytes(path);
+  const std::string ending = lowerEnding(path);
+  switch (formatByEnding(ending)) {
+    case Format::Obj:
+      return readObj(path, bytes);
+    case Format::Stl:
+      return readStl(path, bytes);
+    case Format::Ply:
+      return readPly(path, bytes);
+    case Format::Gltf:
+      return readGltf(path, bytes);
+    case Format::CityJson:
+      return readCityJson(bytes);
+    case Format::None:
+      break;
+  }
+  if (ending == ".json") return readCityJson(bytes);
+  throw ImportError("\"" + ending +
+                    "\" is no kind of file that is read here; these are: .obj, "
+                    ".stl, .ply, .gltf, .glb, .city.json, .cityjson");
+}
+
+void checkOptions(const ImportOptions& options) {
+  if (!(options.scale > 0.0) || !std::isfinite(options.scale))
+    throw ImportError("the scale is not above 0");
+}
+
+double edgeLength(const SourceModel& model, const Loop& loop, size_t i) {
+  return Kernel::distance(model.vertices[static_cast<size_t>(loop[i])],
+                          model.vertices[static_cast<size_t>(loop[(i + 1) % loop.size()])]);
+}
+
+void warnOfShortEdges(const SourceModel& model, ImportReport& report) {
+  size_t count = 0;
+  for (const SourcePolygon& polygon : model.polygons) {
+    const auto isShort = [&](const Loop& loop) {
+      for (size_t i = 0; i < loop.size(); ++i)
+        if (edgeLength(model, loop, i) < ShortestEdge) return true;
+      return false;
+    };
+    if (std::any_of(polygon.loops.begin(), polygon.loops.end(), isShort)) ++count;
+  }
+  if (count > 0)
+    report.warnings.push_back(std::to_string(count) +
+                              " polygons have an edge shorter than 0.0001 and will not be seen; "
+                              "a greater scale helps");
+}
+
+std::unique_ptr<Scene::Scene3D> makeScene(const std::string& path, const ImportOptions& options,
+                                          ImportReport& report) {
+  checkOptions(options);
+  SourceModel model = readModel(path);
+  report.format = model.format;
+  report.sourcePolygons = model.polygons.size();
+  const double diagonal = placeModel(model, options, report);
+  std::vector<ObjectSurfaces> surfaces = makeFaces(model, options, diagonal, report);
+  auto scene = buildScene(model, std::move(surfaces), options.sides, report);
+  report.warnings = std::move(model.warnings);
+  if (report.emptyPolygons > 0)
+    report.warnings.push_back(std::to_string(report.emptyPolygons) +
+                              " polygons without area are left out");
+  if (report.unfilledPolygons > 0)
+    report.warnings.push_back(std::to_string(report.unfilledPolygons) +
+                              " polygons whose outline crosses itself are left out");
+  warnOfShortEdges(model, report);
+  return scene;
+}
+
+Jzon::Node number(double value) {
+  char text[32];
+  const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
+  return Jzon::Node(Jzon::Node::T_NUMBER, std::string(text, end.ptr));
+}
+
+Jzon::Node pointsNode(Geometry::Points3d& points) {
+  Jzon::Node list = Jzon::array();
+  for (const Geometry::Point3d* const point : *points.getPoints()) {
+    Jzon::Node node = Jzon::array();
+    node.add(number(point->getX()));
+    node.add(number(point->getY()));
+    node.add(number(point->getZ()));
+    list.add(node);
+  }
+  return list;
+}
+
+}  // namespace
+
+bool Importer::isImportable(const std::string& path) {
+  const std::string ending = lowerEnding(path);
+  if (formatByEnding(ending) != Format::None) return true;
+  if (ending != ".json") return false;
+  try {
+    return isCityModel(readBytes(path));
+  } catch (const std::exception&) {
+    return false;  // the reader of scenes tells what is wrong
+  }
+}
+
+ImportedScene Importer::importFile(const std::string& path, const ImportOptions& options) {
+  try {
+    ImportReport report;
+    std::unique_ptr<Scene::Scene3D> scene = makeScene(path, options, report);
+    return {Session::LoadedScene::adopt(scene.release(), path), std::move(report)};
+  } catch (const ImportError& error) {
+    throw Session::Error(path, error.what());
+  }
+}
+
+std::string Importer::sceneText(Scene::Scene3D& scene) {
+  Jzon::Node root = scene.serialize();
+  if (scene.getPoints() != nullptr) {
+    root.remove("Points");
+    root.add("Points", pointsNode(*scene.getPoints()));
+  }
+  std::string text;
+  Jzon::Writer(Jzon::Format{true, true, false, 0}).writeString(root, text);
+  return text + "\n";
+}
+
+}  // namespace Lumivane::Exchange

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "kernel/Vec.h"
+
+#include <vector>
+
+namespace Lumivane::Exchange {
+
+using Loop = std::vector<int>;
+
+/// Half the area vector of an outline (Newell's method): its direction is the normal to the side
+/// from which the outline runs counter-clockwise, its length the area.
+Kernel::Vec3 areaVector(const Loop& loop, const std::vector<Kernel::Vec3>& vertices);
+
+/// The plane of a polygon: the normal of its outline through the middle of its corners.
+struct OutlinePlane {
+  Kernel::Vec3 normal;  ///< length 1; zero if the outline has no area
+  Kernel::Vec3 origin;
+  double area = 0.0;
+
+  double distance(Kernel::Vec3 point) const { return Kernel::dot(point - origin, normal); }
+};
+OutlinePlane planeOf(const Loop& loop, const std::vector<Kernel::Vec3>& vertices);
+
+/// How far the corner farthest off the plane lies from it.
+double greatestDistance(const OutlinePlane& plane, const Loop& loop,
+                        const std::vector<Kernel::Vec3>& vertices);
+
+/// Whether the outline crosses or touches itself: then it cannot be one polygon of a scene.
+bool visitsAVertexTwice(const Loop& loop);
+
+/// Fills a polygon with triangles, which run the same way round as its outline.
+///
+/// \param loops  the outline, then its holes, wound either way
+/// \return no triangles if the outline cannot be filled
+std::vector<Loop> triangulated(const std::vector<Loop>& loops,
+                               const std::vector<Kernel::Vec3>& vertices);
+
+}  // namespace Lumivane::Exchange

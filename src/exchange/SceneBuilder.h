@@ -1,0 +1,25 @@
+#pragma once
+
+#include "exchange/SourceModel.h"
+#include "exchange/SourceFaces.h"
+
+#include <lumivane/exchange/ImportOptions.h>
+#include <lumivane/exchange/ImportReport.h>
+
+#include <memory>
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Exchange {
+
+/// Writes the faces of a placed model into a new scene, with one brush for each colour in use, one
+/// pen, and ids that differ. Objects without faces are left out. Fills the counts of the report.
+/// \throws ImportError if nothing is left
+std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
+                                           std::vector<ObjectSurfaces> surfaces, ImportSides sides,
+                                           ImportReport& report);
+
+}  // namespace Lumivane::Exchange

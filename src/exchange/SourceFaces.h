@@ -1,0 +1,37 @@
+#pragma once
+
+#include "exchange/Outline.h"
+#include "exchange/SourceModel.h"
+
+#include <lumivane/exchange/ImportOptions.h>
+#include <lumivane/exchange/ImportReport.h>
+
+#include <vector>
+
+namespace Lumivane::Exchange {
+
+/// One polygon without holes that becomes a region.
+struct SurfaceRegion {
+  Loop loop;  ///< counter-clockwise as seen from outside
+  int material = 0;
+  std::vector<int> hiddenEdges;  ///< from 1: edge e runs from corner e to the next
+};
+
+/// Regions in one plane that hang together.
+struct SurfaceFace {
+  std::vector<SurfaceRegion> regions;
+  Kernel::Vec3 normal;  ///< to the outside
+};
+
+/// The faces of one object, in the order of their first polygon in the file.
+using ObjectSurfaces = std::vector<SurfaceFace>;
+
+/// Makes the faces of all objects: cuts polygons that need it into triangles, puts neighbours in
+/// one plane together, and finds the edges that are not drawn.
+///
+/// \param diagonal  of the model's bounds; the tolerances are shares of it
+/// \return one entry for each object of the model, which may be empty
+std::vector<ObjectSurfaces> makeFaces(const SourceModel& model, const ImportOptions& options,
+                                         double diagonal, ImportReport& report);
+
+}  // namespace Lumivane::Exchange
