@@ -4,6 +4,7 @@
 //
 // The shot is only read until the order is known, so an exception leaves it as it was.
 
+#include "algorithm/ClassificationMatrix.h"
 #include "algorithm/SceneAccess.h"
 #include "algorithm/SortObjects.h"
 #include "utils/Shapes.h"
@@ -150,7 +151,7 @@ void releaseSortObject(ObjectData* object) {
 }
 
 DepthSortAlgorithmExecutor::DepthSortAlgorithmExecutor()
-    : classificationMatrix(new std::vector<std::vector<int>>()) {}
+    : classificationMatrix(new ClassificationMatrix()) {}
 
 DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
   const Utils::StageScope stage(Utils::Stage::Order);
@@ -189,9 +190,7 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
       objectDataList->back() = data.release();
     }
   }
-  const std::size_t count = objectDataList->size();
-  if (count != 0)
-    classificationMatrix->resize(classificationMatrix->size() + count, std::vector<int>(count, 0));
+  classificationMatrix->addRows(objectDataList->size());
 }
 
 void DepthSortAlgorithmExecutor::classifyObjects() {

@@ -1,12 +1,13 @@
 // From the cells to the shot: who is hidden, who is drawn before whom, one order of all, and the
 // regions and faces of the shot written anew in that order.
 
+#include "algorithm/ClassificationMatrix.h"
+#include "algorithm/CycleReport.h"
 #include "algorithm/SortObjects.h"
 #include "kernel/Order.h"
 #include "utils/StageScope.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
-#include <lumivane/algorithm/Graph.h>
 #include <lumivane/algorithm/ObjectData.h>
 #include <lumivane/geometry/Face2d.h>
 #include <lumivane/geometry/Faces2d.h>
@@ -16,38 +17,31 @@
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
-#include <algorithm>
-#include <memory>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Lumivane::Algorithm {
 namespace {
 
-// The graph knows nodes by name: the ids of the objects.
-using Ids = std::vector<std::string>;
-
-Ids idsOf(const std::vector<ObjectData*>& objects) {
-  Ids ids;
+// The names under which a report tells of the objects.
+std::vector<std::string> idsOf(const std::vector<ObjectData*>& objects) {
+  std::vector<std::string> ids;
   ids.reserve(objects.size());
   for (const ObjectData* object : objects) ids.push_back(object->getId());
   return ids;
 }
 
-// The positions of the objects in the order of the graph, as far as it has them.
-std::vector<std::size_t> sortedPositions(const std::vector<Kernel::Arrow>& arrows, const Ids& ids) {
-  std::vector<Ids> rows;
-  rows.reserve(arrows.size());
-  for (const Kernel::Arrow& arrow : arrows) rows.push_back({ids[arrow.first], ids[arrow.second]});
-  const std::unique_ptr<Ids> sorted(Graph(rows).topologicalSort());
-
-  std::unordered_map<std::string, std::size_t> positions;
-  for (std::size_t i = 0; i < ids.size(); ++i) positions.emplace(ids[i], i);
-  std::vector<std::size_t> result;
-  result.reserve(sorted->size());
-  for (const std::string& id : *sorted) result.push_back(positions.at(id));
-  return result;
+// The objects as far as the graph of their relations orders them. It is sorted by position; what
+// Graph would tell of a cycle between their ids is told all the same.
+std::vector<std::uint32_t> sortedObjects(const std::vector<ObjectData*>& objects,
+                                         const std::vector<Kernel::Arrow>& arrows) {
+  Kernel::TopologicalOrder order = Kernel::topologicalOrder(objects.size(), arrows);
+  if (!order.remaining.empty()) reportCycle(CycleReportFile, idsOf(objects), order);
+  return std::move(order.nodes);
 }
 
 // Appends the object's regions, which the shot takes over, and gives their numbers in the shot.
@@ -72,20 +66,21 @@ void addFace(Geometry::Faces2d& faces, const std::vector<int>& regionNumbers) {
 void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
   if (objectDataList == nullptr) return;
   const Utils::StageScope stage(Utils::Stage::Order);
-  const Ids ids = idsOf(*objectDataList);
+  std::vector<ObjectData*>& objects = *objectDataList;
   const std::vector<char> isHidden =
-      Kernel::flagsOf(Kernel::hiddenFaces(*classificationMatrix, ids.size()), ids.size());
-  const std::vector<Kernel::Arrow> arrows = Kernel::drawnBefore(*classificationMatrix, isHidden);
-  const std::vector<std::size_t> order =
-      Kernel::drawingOrder(sortedPositions(arrows, ids), isHidden);
+      Kernel::flagsOf(Kernel::hiddenFaces(*classificationMatrix), objects.size());
+  const std::vector<std::uint32_t> order = Kernel::drawingOrder(
+      sortedObjects(objects, Kernel::drawnBefore(*classificationMatrix, isHidden)), isHidden);
 
-  for (std::size_t k = 0; k < order.size(); ++k)
-    (*objectDataList)[order[k]]->setDepthIndex(static_cast<int>(k) + 1);
-  // The hidden, still at -1, come first and tie; all others differ.
-  std::sort(objectDataList->begin(), objectDataList->end(), ObjectData::compareByDepthIndex);
-  const auto firstDrawn = objectDataList->end() - static_cast<std::ptrdiff_t>(order.size());
-  std::for_each(objectDataList->begin(), firstDrawn, releaseSortObject);
-  objectDataList->erase(objectDataList->begin(), firstDrawn);
+  std::vector<ObjectData*> drawn;
+  drawn.reserve(order.size());
+  for (const std::uint32_t position : order) {
+    drawn.push_back(objects[position]);
+    drawn.back()->setDepthIndex(static_cast<int>(drawn.size()));
+  }
+  for (std::size_t i = 0; i < objects.size(); ++i)
+    if (isHidden[i] != 0) releaseSortObject(objects[i]);
+  objects = std::move(drawn);
 
   rewriteShot();
 }

@@ -33,17 +33,17 @@ bool isInSpace(const Polygon& polygon) {
                      [](const std::vector<double>& point) { return point.size() == 3; });
 }
 
-// The side of points against a polygon by the public operations, which print and throw on sizes
+// The sides of points against a polygon by the public operations, which print and throw on sizes
 // other than 3.
-auto checkedSideAgainst(const Polygon& polygon) {
-  return [&polygon](const std::vector<double>& point) {
+Kernel::Sides checkedSides(const Polygon& points, const Polygon& polygon) {
+  return Kernel::sidesOf(points, [&polygon](const std::vector<double>& point) {
     const std::vector<double> normal = Maths::getPolygonNormalReversed3D(polygon);
     if (polygon.empty()) Utils::throwInvalidSubscript();
     const std::vector<double> back = Utils::toVector(-Utils::toVec3(normal));
     const std::vector<double> foot =
         Maths::intersectLineAndPlane(normal, polygon.front(), point, back);
     return Maths::getDotProduct(normal, Maths::getVector3D(point, foot));
-  };
+  });
 }
 
 }  // namespace
@@ -75,11 +75,10 @@ IntersectionType DepthSortAlgorithmExecutor::getPolygonsIntersectionType(Polygon
 
 int DepthSortAlgorithmExecutor::checkPolygonsLocation(const Polygon& first, const Polygon& second) {
   if (first.empty() || !isInSpace(first) || !isInSpace(second))
-    return Kernel::locationBy(first, second, checkedSideAgainst(first), checkedSideAgainst(second));
-  const std::vector<Kernel::Vec3> a = Utils::toVec3s(first);
-  const std::vector<Kernel::Vec3> b = Utils::toVec3s(second);
+    return Kernel::locationBy([&] { return checkedSides(second, first); },
+                              [&] { return checkedSides(first, second); });
   const Kernel::Location location =
-      Kernel::locationOf(a, Kernel::facingOf(a), b, Kernel::facingOf(b));
+      Kernel::locationOf(Utils::toVec3s(first), Utils::toVec3s(second));
   for (std::size_t i = 0; i < location.zeroLengthAsked; ++i) Utils::reportZeroLengthVector();
   return location.value;
 }

@@ -25,7 +25,7 @@ inline bool isDefaultBox(const Box& box) {
 
 /// Whether the boxes share a point; touching is enough. (1) Swapping them keeps the result.
 inline bool boxesMeet(const Box& a, const Box& b) {
-  return a.xMax >= b.xMin && b.xMax >= a.xMin && a.yMax >= b.yMin && b.yMax >= a.yMin;
+  return (a.xMax >= b.xMin) & (b.xMax >= a.xMin) & (a.yMax >= b.yMin) & (b.yMax >= a.yMin);
 }
 
 inline void take(Box& box, const Box& other) {

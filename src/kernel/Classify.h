@@ -3,33 +3,16 @@
 #include "kernel/Bounds.h"
 #include "kernel/Polygon2.h"
 #include "kernel/Polygon3.h"
+#include "kernel/Rings.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <vector>
 
 /// How two faces of the picture relate: one integer for every pair.
 namespace Lumivane::Kernel {
-
-/// A projected polygon of a face.
-struct PicturePiece {
-  std::vector<Vec2> outline;
-  std::optional<Box> bounds;
-};
-
-/// The polygon of the scene that a projected one came from.
-struct SourcePiece {
-  std::vector<Vec3> points;
-  Facing facing;
-};
-
-/// A face, with piece k of the picture beside source k.
-struct FaceShape {
-  std::optional<Box> bounds;
-  std::vector<PicturePiece> pieces;
-  std::vector<SourcePiece> sources;
-};
 
 /// What is known of a pair of faces.
 struct Cell {
@@ -41,35 +24,66 @@ struct Cell {
   static constexpr int FirstHidden = 5;   ///< wholly, by the second
 };
 
-/// One value for the locations of all pairs of pieces: the only non-zero value, or else the more
-/// frequent of 1 and 2, or 2 in a tie.
-inline int reduceLocations(const std::vector<int>& locations) {
-  if (locations.empty()) return Cell::Undecided;
-  if (locations.size() == 1) return locations.front();
-  int only = 0;
-  bool isOnly = true;
-  for (const int location : locations) {
-    if (location == 0) continue;
-    if (only != 0 && only != location) isOnly = false;
-    only = location;
+/// A box that meets nothing.
+inline Box noBox() {
+  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  return {none, none, none, none};
+}
+
+/// Faces in flat arrays. Piece k of a face is a projected polygon, and source k of it the polygon
+/// of the scene that it came from.
+class FaceShapes {
+ public:
+  struct Face {
+    Box bounds;
+    std::size_t firstPiece, pieceCount;
+    std::size_t firstSource, sourceCount;
+  };
+
+  /// Begins a face; unset bounds and those of an empty union meet nothing.
+  void addFace(const std::optional<Box>& bounds) {
+    const bool isMet = bounds && !isDefaultBox(*bounds);
+    faces.push_back({isMet ? *bounds : noBox(), outlines.size(), 0, sources.size(), 0});
   }
-  if (only != 0 && isOnly) return only;
 
-  const auto ones = std::count(locations.begin(), locations.end(), 1);
-  const auto twos = std::count(locations.begin(), locations.end(), 2);
-  if (ones == 0 && twos == 0) return Cell::Undecided;
-  return ones > twos ? Cell::FirstInFront : Cell::SecondInFront;
-}
+  /// Adds a piece to the last face; unset bounds meet nothing.
+  template <class PointAt>
+  void addPiece(std::size_t count, PointAt pointAt, const std::optional<Box>& bounds) {
+    outlines.add(count, pointAt);
+    pieceBounds.push_back(bounds ? *bounds : noBox());
+    ++faces.back().pieceCount;
+  }
 
-/// Whether two bounds meet; unset ones meet nothing.
-inline bool boundsMeet(const std::optional<Box>& a, const std::optional<Box>& b) {
-  return a && b && boxesMeet(*a, *b);
-}
+  /// Adds a source to the last face.
+  void addSource(const std::vector<Vec3>& points) {
+    sources.add(points);
+    ++faces.back().sourceCount;
+  }
 
-/// Whether faces with these bounds may overlap at all.
-inline bool facesMayMeet(const std::optional<Box>& first, const std::optional<Box>& second) {
-  return first && second && !isDefaultBox(*first) && !isDefaultBox(*second) &&
-         boxesMeet(*first, *second);
+  std::vector<Face> faces;
+  Rings outlines;
+  std::vector<Box> pieceBounds;
+  FacingPolygons sources;
+};
+
+/// What the pairs of pieces of two faces say. A location is that of `locationOf`.
+struct Votes {
+  std::size_t count = 0;
+  std::size_t ones = 0;
+  std::size_t twos = 0;
+
+  void add(int location) {
+    ++count;
+    if (location == 1) ++ones;
+    if (location == 2) ++twos;
+  }
+};
+
+/// One value for all locations: the only non-zero value, or else the more frequent of 1 and 2, or 2
+/// in a tie.
+inline int reduceLocations(const Votes& votes) {
+  if (votes.ones == 0 && votes.twos == 0) return Cell::Undecided;
+  return votes.ones > votes.twos ? Cell::FirstInFront : Cell::SecondInFront;
 }
 
 struct Classification {
@@ -78,65 +92,75 @@ struct Classification {
   bool sourceMissing = false;       ///< a piece without a source was met, and the scan was left
 };
 
-/// The working sets of one pair.
+/// The working sets of a pair, kept from pair to pair so that none of them is made anew.
 struct PairScan {
-  std::vector<int> locations;
+  explicit PairScan(const FaceShapes& shapes) : rings(shapes.outlines.largest()) {}
+
+  void begin(std::size_t firstPieces, std::size_t secondPieces) {
+    votes = Votes();
+    firstHidden.assign(firstPieces, 0);
+    secondHidden.assign(secondPieces, 0);
+  }
+
+  Votes votes;
   std::vector<char> firstHidden;  ///< by piece: inside a piece of the other face, and behind it
   std::vector<char> secondHidden;
+  RingScratch rings;
 };
 
-/// Takes a pair of overlapping pieces into the scan.
-inline void takePieces(PairScan& scan, Classification& result, const FaceShape& first,
-                       std::size_t ia, const FaceShape& second, std::size_t ib, int meeting) {
-  if (scan.locations.empty()) {
-    scan.firstHidden.assign(first.pieces.size(), 0);
-    scan.secondHidden.assign(second.pieces.size(), 0);
-  }
-  const SourcePiece& a = first.sources[ia];
-  const SourcePiece& b = second.sources[ib];
-  const Location location = locationOf(a.points, a.facing, b.points, b.facing);
-  result.zeroLengthAsked += location.zeroLengthAsked;
-  scan.locations.push_back(location.value);
-  if (location.value == 1 && meeting == Meeting::SecondInFirst) scan.secondHidden[ib] = 1;
-  if (location.value == 2 && meeting == Meeting::FirstInSecond) scan.firstHidden[ia] = 1;
+/// The cell of a scan that is complete.
+inline int cellOf(const Votes& votes, const std::vector<char>& firstHidden,
+                  const std::vector<char>& secondHidden) {
+  const auto isSet = [](char flag) { return flag != 0; };
+  if (votes.count == 0) return Cell::Apart;
+  // The first face is asked first: if both are hidden, it is the one that goes.
+  if (std::all_of(firstHidden.begin(), firstHidden.end(), isSet)) return Cell::FirstHidden;
+  if (std::all_of(secondHidden.begin(), secondHidden.end(), isSet)) return Cell::SecondHidden;
+  return reduceLocations(votes);
 }
 
-/// The cell of a scan that is complete.
-inline int cellOf(const PairScan& scan) {
-  const auto isSet = [](char flag) { return flag != 0; };
-  if (scan.locations.empty()) return Cell::Apart;
-  // The first face is asked first: if both are hidden, it is the one that goes.
-  if (std::all_of(scan.firstHidden.begin(), scan.firstHidden.end(), isSet))
-    return Cell::FirstHidden;
-  if (std::all_of(scan.secondHidden.begin(), scan.secondHidden.end(), isSet))
-    return Cell::SecondHidden;
-  return reduceLocations(scan.locations);
+/// Takes a pair of overlapping pieces, by their places in the faces, into the scan.
+inline void takePieces(PairScan& scan, Classification& result, const FaceShapes& shapes,
+                       const FaceShapes::Face& first, std::size_t ia,
+                       const FaceShapes::Face& second, std::size_t ib, int meeting) {
+  const std::size_t a = first.firstSource + ia;
+  const std::size_t b = second.firstSource + ib;
+  const FacingPolygons& sources = shapes.sources;
+  const Location location =
+      locationOf(sources.corners(a), sources.facing(a), sources.corners(b), sources.facing(b));
+  result.zeroLengthAsked += location.zeroLengthAsked;
+  scan.votes.add(location.value);
+  if (location.value == 1 && meeting == Meeting::SecondInFirst) scan.secondHidden[ib] = 1;
+  if (location.value == 2 && meeting == Meeting::FirstInSecond) scan.firstHidden[ia] = 1;
 }
 
 /// Decides the cell of two faces.
 ///
 /// One scan of all pairs of pieces serves both to find any overlap and to judge the overlaps: pairs
 /// that do not overlap leave nothing behind.
-inline Classification classifyPair(const FaceShape& first, const FaceShape& second) {
+inline Classification classifyPair(const FaceShapes& shapes, std::size_t firstFace,
+                                   std::size_t secondFace, PairScan& scan) {
+  const FaceShapes::Face& first = shapes.faces[firstFace];
+  const FaceShapes::Face& second = shapes.faces[secondFace];
   Classification result;
-  if (!facesMayMeet(first.bounds, second.bounds)) return result;
+  if (!boxesMeet(first.bounds, second.bounds)) return result;
 
-  PairScan scan;
-  for (std::size_t ia = 0; ia < first.pieces.size(); ++ia) {
-    const PicturePiece& a = first.pieces[ia];
-    for (std::size_t ib = 0; ib < second.pieces.size(); ++ib) {
-      const PicturePiece& b = second.pieces[ib];
-      if (!boundsMeet(a.bounds, b.bounds)) continue;
-      const int meeting = meetingOf(a.outline, b.outline);
+  scan.begin(first.pieceCount, second.pieceCount);
+  for (std::size_t ia = 0; ia < first.pieceCount; ++ia) {
+    const std::size_t a = first.firstPiece + ia;
+    for (std::size_t ib = 0; ib < second.pieceCount; ++ib) {
+      const std::size_t b = second.firstPiece + ib;
+      if (!boxesMeet(shapes.pieceBounds[a], shapes.pieceBounds[b])) continue;
+      const int meeting = meetingOf(shapes.outlines[a], shapes.outlines[b], scan.rings);
       if (meeting == Meeting::None) continue;
-      if (ia >= first.sources.size() || ib >= second.sources.size()) {
+      if (ia >= first.sourceCount || ib >= second.sourceCount) {
         result.sourceMissing = true;
         return result;
       }
-      takePieces(scan, result, first, ia, second, ib, meeting);
+      takePieces(scan, result, shapes, first, ia, second, ib, meeting);
     }
   }
-  result.cell = cellOf(scan);
+  result.cell = cellOf(scan.votes, scan.firstHidden, scan.secondHidden);
   return result;
 }
 

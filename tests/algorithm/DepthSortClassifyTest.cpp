@@ -33,7 +33,7 @@ Matrix cellsOf(SortStage& stage) {
   probe.classify();
   for (const Algorithm::ObjectData* object : *probe.objects())
     EXPECT_EQ(-1, object->getDepthIndex());
-  return *probe.matrix();
+  return probe.matrix();
 }
 
 TEST(DepthSortClassify, NoObjectsLeaveTheProgressAlone) {

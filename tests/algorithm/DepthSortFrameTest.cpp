@@ -64,7 +64,7 @@ TEST(DepthSortFrame, NewExecutorHasAnEmptyMatrixAndNoList) {
   DepthSortAlgorithmExecutor executor;
   const DepthSortProbe probe(executor);
   EXPECT_EQ(nullptr, probe.objects());
-  EXPECT_TRUE(probe.matrix()->empty());
+  EXPECT_TRUE(probe.matrix().empty());
 }
 
 TEST(DepthSortFrame, WithoutSceneOrShotOnlyTheFirstLineIsPrinted) {
@@ -101,7 +101,7 @@ TEST(DepthSortFrame, FacesWithoutRegionsMakeNoObjects) {
   {
     const Filled filled(stage);
     EXPECT_TRUE(filled.probe.objects()->empty());
-    EXPECT_TRUE(filled.probe.matrix()->empty());
+    EXPECT_TRUE(filled.probe.matrix().empty());
   }
   EXPECT_EQ(FirstLine, runOn(stage));
   EXPECT_TRUE(stage.faces(0).empty());
@@ -153,7 +153,7 @@ TEST(DepthSortFrame, ListRunsInShotOrderAndCarriesWhatTheFaceIsMadeOf) {
   EXPECT_EQ(103, second.getSourceRegions()->at(1)->getBrushNumber());
   EXPECT_NE(stage.shot.getRegions()->getRegion(2), second.getSourceRegions()->at(1));
 
-  EXPECT_EQ((std::vector<Numbers>(3, Numbers(3, 0))), *filled.probe.matrix());
+  EXPECT_EQ((std::vector<Numbers>(3, Numbers(3, 0))), filled.probe.matrix());
 }
 
 TEST(DepthSortFrame, IdsContinueFromShotToShot) {

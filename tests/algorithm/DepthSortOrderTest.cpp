@@ -36,8 +36,7 @@ class DepthSortOrder : public ::testing::Test {
     executor.setScene(&stage.scene);
     executor.setShot(&stage.shot);
     probe.fill();
-    for (std::size_t i = 0; i < rows.size(); ++i)
-      for (std::size_t j = 0; j < rows[i].size(); ++j) (*probe.matrix())[i][j] = rows[i][j];
+    probe.setRows(rows);
     printed = capturedStdout([&] { probe.calculate(); });
     return stage.regions();
   }

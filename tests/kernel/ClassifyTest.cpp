@@ -4,6 +4,7 @@
 #include "utils/Shapes.h"
 
 #include <cstddef>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,26 +15,50 @@ namespace Lumivane::Test {
 namespace {
 
 using Kernel::Cell;
-using Kernel::FaceShape;
 using Plain::Matrix;
 
 const std::string ZeroLength = "Zero-length vector cannot be normalized\n";
 
-FaceShape shapeOf(const Plain::Face& face) {
-  FaceShape shape;
-  Kernel::Box all;
-  for (const Matrix& polygon : face.projected) {
-    const std::vector<Kernel::Vec2> outline = Utils::toVec2s(polygon);
-    const Kernel::Box box = Kernel::boxOf(outline);
-    Kernel::take(all, box);
-    shape.pieces.push_back({outline, box});
-  }
-  shape.bounds = all;
-  for (const Matrix& polygon : face.sources) {
-    const std::vector<Kernel::Vec3> points = Utils::toVec3s(polygon);
-    shape.sources.push_back({points, Kernel::facingOf(points)});
-  }
+Kernel::Box boxOf(const std::vector<Matrix>& polygons) {
+  const Plain::Vector b = Plain::bounds(polygons);
+  return {b[0], b[1], b[2], b[3]};
+}
+
+// A face in parts that a test can leave out.
+struct Shape {
+  std::optional<Kernel::Box> bounds;
+  std::vector<std::optional<Kernel::Box>> pieceBounds;
+  Plain::Face face;
+};
+
+Shape shapeOf(const Plain::Face& face) {
+  Shape shape{boxOf(face.projected), {}, face};
+  for (const Matrix& polygon : face.projected) shape.pieceBounds.push_back(boxOf({polygon}));
   return shape;
+}
+
+void add(Kernel::FaceShapes& shapes, const Shape& shape) {
+  shapes.addFace(shape.bounds);
+  for (std::size_t k = 0; k < shape.face.projected.size(); ++k) {
+    const std::vector<Kernel::Vec2> outline = Utils::toVec2s(shape.face.projected[k]);
+    shapes.addPiece(
+        outline.size(), [&](std::size_t p) { return outline[p]; }, shape.pieceBounds[k]);
+  }
+  for (const Matrix& polygon : shape.face.sources) shapes.addSource(Utils::toVec3s(polygon));
+}
+
+Kernel::Classification classify(const Shape& first, const Shape& second) {
+  Kernel::FaceShapes shapes;
+  add(shapes, first);
+  add(shapes, second);
+  Kernel::PairScan scan(shapes);
+  return Kernel::classifyPair(shapes, 0, 1, scan);
+}
+
+int reduce(const std::vector<int>& locations) {
+  Kernel::Votes votes;
+  for (const int location : locations) votes.add(location);
+  return Kernel::reduceLocations(votes);
 }
 
 // A square that faces an eye at the origin, at the given distance along x, with the picture that a
@@ -57,7 +82,7 @@ Plain::Face both(Plain::Face a, const Plain::Face& b) {
 }
 
 int cellOf(const Plain::Face& first, const Plain::Face& second) {
-  return Kernel::classifyPair(shapeOf(first), shapeOf(second)).cell;
+  return classify(shapeOf(first), shapeOf(second)).cell;
 }
 
 const VectorTests ClassifyPairVectors("classifyPair", [](const VectorCase& c) {
@@ -73,47 +98,46 @@ const VectorTests ClassifyPairVectors("classifyPair", [](const VectorCase& c) {
 
 const VectorTests ReduceLocationsVectors("reduceLocations", [](const VectorCase& c) {
   checkedRun(c, [&] {
-    EXPECT_EQ(c.out.get<int>(),
-              Kernel::reduceLocations(c.in.at("locations").get<std::vector<int>>()));
+    EXPECT_EQ(c.out.get<int>(), reduce(c.in.at("locations").get<std::vector<int>>()));
   });
 });
 
 TEST(ReduceLocations, OneNonZeroValueWinsOverAnyNumberOfZeros) {
-  EXPECT_EQ(1, Kernel::reduceLocations({1, 0, 0}));
-  EXPECT_EQ(2, Kernel::reduceLocations({0, 0, 2, 0, 2}));
+  EXPECT_EQ(1, reduce({1, 0, 0}));
+  EXPECT_EQ(2, reduce({0, 0, 2, 0, 2}));
 }
 
 TEST(ReduceLocations, MoreFrequentValueWinsAndATieGoesToTheSecond) {
-  EXPECT_EQ(2, Kernel::reduceLocations({1, 2}));
-  EXPECT_EQ(1, Kernel::reduceLocations({1, 1, 2}));
-  EXPECT_EQ(2, Kernel::reduceLocations({2, 1, 0, 2}));
+  EXPECT_EQ(2, reduce({1, 2}));
+  EXPECT_EQ(1, reduce({1, 1, 2}));
+  EXPECT_EQ(2, reduce({2, 1, 0, 2}));
 }
 
 TEST(ReduceLocations, ZerosAloneAndNothingAreUndecided) {
-  EXPECT_EQ(0, Kernel::reduceLocations({0, 0}));
-  EXPECT_EQ(0, Kernel::reduceLocations({0}));
-  EXPECT_EQ(0, Kernel::reduceLocations({}));
+  EXPECT_EQ(0, reduce({0, 0}));
+  EXPECT_EQ(0, reduce({0}));
+  EXPECT_EQ(0, reduce({}));
 }
 
 TEST(ClassifyPair, FaceWithoutBoundsIsApart) {
-  const FaceShape face = shapeOf(square(2, 0, 1));
-  FaceShape unbounded = face;
+  const Shape face = shapeOf(square(2, 0, 1));
+  Shape unbounded = face;
   unbounded.bounds.reset();
-  FaceShape empty = face;
+  Shape empty = face;
   empty.bounds = Kernel::Box{};
-  for (const FaceShape& other : {unbounded, empty}) {
-    EXPECT_EQ(Cell::Apart, Kernel::classifyPair(face, other).cell);
-    EXPECT_EQ(Cell::Apart, Kernel::classifyPair(other, face).cell);
+  for (const Shape& other : {unbounded, empty}) {
+    EXPECT_EQ(Cell::Apart, classify(face, other).cell);
+    EXPECT_EQ(Cell::Apart, classify(other, face).cell);
   }
 }
 
 TEST(ClassifyPair, PieceWithoutBoundsMeetsNothing) {
-  const FaceShape large = shapeOf(square(2, 0, 1));
-  FaceShape small = shapeOf(square(3, 0, 0.4));
-  ASSERT_EQ(Cell::SecondHidden, Kernel::classifyPair(large, small).cell);
-  small.pieces[0].bounds.reset();
-  EXPECT_EQ(Cell::Apart, Kernel::classifyPair(large, small).cell);
-  EXPECT_EQ(Cell::Apart, Kernel::classifyPair(small, large).cell);
+  const Shape large = shapeOf(square(2, 0, 1));
+  Shape small = shapeOf(square(3, 0, 0.4));
+  ASSERT_EQ(Cell::SecondHidden, classify(large, small).cell);
+  small.pieceBounds[0].reset();
+  EXPECT_EQ(Cell::Apart, classify(large, small).cell);
+  EXPECT_EQ(Cell::Apart, classify(small, large).cell);
 }
 
 TEST(ClassifyPair, BoundsThatTouchInACornerAreApart) {
@@ -121,7 +145,7 @@ TEST(ClassifyPair, BoundsThatTouchInACornerAreApart) {
   Plain::Face b = a;
   a.projected = {{{0, 0}, {1, 0}, {1, 1}, {0, 1}}};
   b.projected = {{{1, 1}, {2, 1}, {2, 2}, {1, 2}}};
-  EXPECT_TRUE(Kernel::facesMayMeet(shapeOf(a).bounds, shapeOf(b).bounds));
+  EXPECT_TRUE(Kernel::boxesMeet(boxOf(a.projected), boxOf(b.projected)));
   EXPECT_EQ(Cell::Apart, cellOf(a, b));
 }
 
@@ -167,10 +191,11 @@ TEST(ClassifyPair, CrossedPolygonsAreNeverHidden) {
 }
 
 TEST(ClassifyPair, FirstGoesWhenBothAreHidden) {
-  EXPECT_EQ(Cell::FirstHidden, Kernel::cellOf({{1, 2}, {1}, {1}}));
-  EXPECT_EQ(Cell::SecondHidden, Kernel::cellOf({{1, 2}, {1, 0}, {1}}));
-  EXPECT_EQ(Cell::SecondInFront, Kernel::cellOf({{1, 2}, {1, 0}, {0, 1}}));
-  EXPECT_EQ(Cell::Apart, Kernel::cellOf({}));
+  const Kernel::Votes oneEach{2, 1, 1};
+  EXPECT_EQ(Cell::FirstHidden, Kernel::cellOf(oneEach, {1}, {1}));
+  EXPECT_EQ(Cell::SecondHidden, Kernel::cellOf(oneEach, {1, 0}, {1}));
+  EXPECT_EQ(Cell::SecondInFront, Kernel::cellOf(oneEach, {1, 0}, {0, 1}));
+  EXPECT_EQ(Cell::Apart, Kernel::cellOf({}, {}, {}));
 }
 
 // Small behind large in both directions: one flag of each face is set, and the vote is a tie.
@@ -186,16 +211,16 @@ TEST(ClassifyPair, CoplanarOverlapIsUndecided) {
 }
 
 TEST(ClassifyPair, MissingSourceIsTold) {
-  FaceShape large = shapeOf(square(2, 0, 1));
-  FaceShape small = shapeOf(square(3, 0, 0.4));
-  EXPECT_FALSE(Kernel::classifyPair(large, small).sourceMissing);
-  FaceShape without = small;
-  without.sources.clear();
-  EXPECT_TRUE(Kernel::classifyPair(large, without).sourceMissing);
-  EXPECT_TRUE(Kernel::classifyPair(without, large).sourceMissing);
+  Shape large = shapeOf(square(2, 0, 1));
+  Shape small = shapeOf(square(3, 0, 0.4));
+  EXPECT_FALSE(classify(large, small).sourceMissing);
+  Shape without = small;
+  without.face.sources.clear();
+  EXPECT_TRUE(classify(large, without).sourceMissing);
+  EXPECT_TRUE(classify(without, large).sourceMissing);
   without = shapeOf(square(3, 9, 0.4));
-  without.sources.clear();
-  EXPECT_FALSE(Kernel::classifyPair(large, without).sourceMissing);
+  without.face.sources.clear();
+  EXPECT_FALSE(classify(large, without).sourceMissing);
 }
 
 TEST(ClassifyPairProperty, AgreesWithThePlainScans) {
@@ -224,7 +249,7 @@ TEST(ClassifyPairProperty, AgreesWithThePlainScans) {
     const Plain::Face second = anyFace();
     std::string printed;
     const int expected = Plain::cell(first, second, printed);
-    const Kernel::Classification found = Kernel::classifyPair(shapeOf(first), shapeOf(second));
+    const Kernel::Classification found = classify(shapeOf(first), shapeOf(second));
     ASSERT_EQ(expected, found.cell) << i;
     ASSERT_EQ(printed.size(), found.zeroLengthAsked * ZeroLength.size()) << i;
     ++counts[expected];

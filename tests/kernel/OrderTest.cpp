@@ -3,6 +3,7 @@
 #include "support/Vectors.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -21,17 +22,28 @@ struct Ordered {
   std::vector<Names> edges;
 };
 
+Kernel::SparseCells sparse(const Rows& rows) {
+  Kernel::SparseCells cells;
+  cells.addRows(rows.size());
+  for (const std::vector<int>& row : rows) {
+    for (std::size_t j = 0; j < row.size(); ++j) cells.put(j, row[j]);
+    cells.endRow();
+  }
+  return cells;
+}
+
 // The steps from the cells to the order, as the executor takes them, with names at the end.
 Ordered orderOf(const Names& ids, const Rows& rows) {
-  const std::vector<std::size_t> hidden = Kernel::hiddenFaces(rows, ids.size());
+  const Kernel::SparseCells cells = sparse(rows);
+  const std::vector<std::uint32_t> hidden = Kernel::hiddenFaces(cells);
   const std::vector<char> isHidden = Kernel::flagsOf(hidden, ids.size());
-  const std::vector<Kernel::Arrow> arrows = Kernel::drawnBefore(rows, isHidden);
+  const std::vector<Kernel::Arrow> arrows = Kernel::drawnBefore(cells, isHidden);
   const Kernel::TopologicalOrder sorted = Kernel::topologicalOrder(ids.size(), arrows);
   Ordered result;
-  for (const std::size_t face : hidden) result.hidden.push_back(ids[face]);
+  for (const std::uint32_t face : hidden) result.hidden.push_back(ids[face]);
   for (const Kernel::Arrow& arrow : arrows)
     result.edges.push_back({ids[arrow.first], ids[arrow.second]});
-  for (const std::size_t face : Kernel::drawingOrder(sorted.nodes, isHidden))
+  for (const std::uint32_t face : Kernel::drawingOrder(sorted.nodes, isHidden))
     result.drawn.push_back(ids[face]);
   return result;
 }

@@ -111,19 +111,17 @@ TEST(MeetingOf, EmptyPolygonLiesInAnyOther) {
 // only one that crosses the triangle, does not exist for the scan.
 TEST(MeetingOf, EdgesOfTheSecondEndInTheSizeOfTheFirst) {
   const Ring second{{0, 0}, {4, 0}, {2, 1}, {2, 3}};
-  EXPECT_TRUE((Kernel::edgeOfSecond({{}, {}, {}}, second, 2).end == Vec2{0, 0}));
-  EXPECT_TRUE((Kernel::edgeOfSecond({{}, {}, {}}, second, 3).end == Vec2{4, 0}));
-  EXPECT_TRUE((Kernel::edgeOfSecond(second, second, 2).end == Vec2{2, 3}));
+  EXPECT_EQ(0U, Kernel::endInSecond(3, 4, 2));
+  EXPECT_EQ(1U, Kernel::endInSecond(3, 4, 3));
+  EXPECT_EQ(3U, Kernel::endInSecond(4, 4, 2));
   const Ring spike{{1.9, 2}, {2.1, 2.1}, {1.9, 2.1}};
   EXPECT_TRUE(Kernel::segmentsCross(spike[0], spike[1], {2, 1}, {2, 3}));
   EXPECT_EQ(Meeting::None, Kernel::meetingOf(spike, second));
 }
 
 TEST(MeetingOf, SuccessorBeyondTheSecondIsItsFirstPoint) {
-  const Ring triangle{{0, 0}, {4, 0}, {2, 3}};
-  const Ring pentagon{{}, {}, {}, {}, {}};
-  EXPECT_TRUE((Kernel::edgeOfSecond(pentagon, triangle, 2).end == Vec2{0, 0}));
-  EXPECT_TRUE((Kernel::edgeOfSecond(pentagon, triangle, 1).end == Vec2{2, 3}));
+  EXPECT_EQ(0U, Kernel::endInSecond(5, 3, 2));
+  EXPECT_EQ(2U, Kernel::endInSecond(5, 3, 1));
 }
 
 TEST(MeetingOf, PointThatIsNoNumberCrossesAndContainsNothing) {
@@ -153,20 +151,46 @@ Vec2 anyTinyPoint(std::mt19937_64& random) {
   return {p.x * 1e-160, p.y * 1e-160};
 }
 
+// Pieces of one line, far from each other: whether two of them cross is rounding alone.
+Vec2 anyFarPointOnALine(std::mt19937_64& random) {
+  const double x =
+      static_cast<double>(random() % 7) * 1e3 / 3.0 + static_cast<double>(random() % 3);
+  return {x, x * 0.7 + 0.1};
+}
+
+// Twice the same corners, each to the last bit or off it by one.
+Vec2 anySharedCorner(std::mt19937_64& random) {
+  const Vec2 p = anyLatticePoint(random);
+  const double x = p.x / 7.0;
+  return {random() % 4 == 0 ? std::nextafter(x, 9.0) : x, p.y / 3.0};
+}
+
+Vec2 anyHugePoint(std::mt19937_64& random) {
+  const Vec2 p = anyLatticePoint(random);
+  return {(p.x - 2.5) * 1e154, (p.y - 2.5) * 1e154};
+}
+
 Ring anyRing(std::mt19937_64& random, Source anyPoint) {
-  Ring ring(random() % 9);
+  Ring ring(random() % 16 == 0 ? random() % 40 : random() % 9);
   for (Vec2& point : ring) point = anyPoint(random);
   return ring;
 }
 
+// The rings of one case are tested with the scratch of all, so that nothing left in it by rings of
+// other sizes goes unseen.
 void expectPlainMeetings(std::uint64_t seed, Source anyPoint) {
   std::mt19937_64 random(seed);
+  Kernel::RingScratch scratch(40);
   int counts[4] = {};
   for (int i = 0; i < 20000; ++i) {
     const Ring first = anyRing(random, anyPoint);
-    const Ring second = anyRing(random, anyPoint);
+    const Ring second = random() % 32 == 0 ? first : anyRing(random, anyPoint);
     const int expected = Plain::intersectionType(toVectors(first), toVectors(second));
-    ASSERT_EQ(expected, Kernel::meetingOf(first, second)) << "seed " << seed << ", case " << i;
+    Kernel::Rings rings;
+    rings.add(first);
+    rings.add(second);
+    ASSERT_EQ(expected, Kernel::meetingOf(rings[0], rings[1], scratch))
+        << "seed " << seed << ", case " << i;
     ++counts[expected];
   }
   EXPECT_GT(counts[Meeting::None], 0);
@@ -181,6 +205,15 @@ TEST(MeetingOfProperty, NearlyCollinearRingsMeetAsInThePlainScan) {
 }
 TEST(MeetingOfProperty, UnderflowingRingsMeetAsInThePlainScan) {
   expectPlainMeetings(20240713, anyTinyPoint);
+}
+TEST(MeetingOfProperty, PiecesOfOneLineMeetAsInThePlainScan) {
+  expectPlainMeetings(20240718, anyFarPointOnALine);
+}
+TEST(MeetingOfProperty, RingsOfSharedCornersMeetAsInThePlainScan) {
+  expectPlainMeetings(20240719, anySharedCorner);
+}
+TEST(MeetingOfProperty, OverflowingRingsMeetAsInThePlainScan) {
+  expectPlainMeetings(20240720, anyHugePoint);
 }
 TEST(MeetingOfProperty, ExtremeRingsMeetAsInThePlainScan) {
   expectPlainMeetings(20240714, anyVec2);
@@ -216,10 +249,11 @@ TEST(MeetingOfProperty, FineOutlinesMeetAsInThePlainScan) {
 
 TEST(BesideLineProperty, SegmentBesideTheBoxCrossesNothingInIt) {
   std::mt19937_64 random(20240716);
-  constexpr Source sources[] = {anyLatticePoint, anyPointNearALine, anyTinyPoint, anyVec2};
+  constexpr Source sources[] = {anyLatticePoint,    anyPointNearALine, anyTinyPoint, anyVec2,
+                                anyFarPointOnALine, anySharedCorner,   anyHugePoint};
   int beside = 0;
-  for (int i = 0; i < 40000; ++i) {
-    const Source source = sources[i % 4];
+  for (int i = 0; i < 70000; ++i) {
+    const Source source = sources[i % 7];
     const Ring ring{source(random), source(random), source(random)};
     const Kernel::Segment segment{source(random), source(random)};
     if (!Kernel::isBesideLine(Kernel::boxOf(ring), segment)) continue;

@@ -27,7 +27,7 @@ Polygon shifted(Polygon polygon, Vec3 by) {
 }
 
 Kernel::Location locate(const Polygon& first, const Polygon& second) {
-  return Kernel::locationOf(first, Kernel::facingOf(first), second, Kernel::facingOf(second));
+  return Kernel::locationOf(first, second);
 }
 
 TEST(LocationOf, SquareFacesDownwards) {

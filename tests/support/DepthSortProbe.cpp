@@ -1,5 +1,7 @@
 #include "support/DepthSortProbe.h"
 
+#include "algorithm/ClassificationMatrix.h"
+
 #include <lumivane/algorithm/Edge.h>
 
 namespace Lumivane::Test {
@@ -41,7 +43,7 @@ struct ObjectList : Tagged<DepthSortProbe::Objects * Executor::*> {
 };
 template struct Opened<ObjectList, &Executor::objectDataList>;
 
-struct Cells : Tagged<DepthSortProbe::Matrix * Executor::*> {
+struct Cells : Tagged<Algorithm::ClassificationMatrix * Executor::*> {
   friend Type opened(Cells);
 };
 template struct Opened<Cells, &Executor::classificationMatrix>;
@@ -89,7 +91,23 @@ void DepthSortProbe::classify() { (executor.*opened(Classify()))(); }
 void DepthSortProbe::calculate() { (executor.*opened(Calculate()))(); }
 
 DepthSortProbe::Objects* DepthSortProbe::objects() const { return executor.*opened(ObjectList()); }
-DepthSortProbe::Matrix* DepthSortProbe::matrix() const { return executor.*opened(Cells()); }
+
+DepthSortProbe::Matrix DepthSortProbe::matrix() const {
+  const Algorithm::ClassificationMatrix& cells = *(executor.*opened(Cells()));
+  Matrix rows(cells.rowCount(), std::vector<int>(cells.rowCount()));
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    for (std::size_t j = 0; j < rows.size(); ++j) rows[i][j] = cells.at(i, j);
+  return rows;
+}
+
+void DepthSortProbe::setRows(const Matrix& rows) {
+  Algorithm::ClassificationMatrix& cells = *(executor.*opened(Cells()));
+  cells.restart();
+  for (const std::vector<int>& row : rows) {
+    for (std::size_t j = 0; j < row.size(); ++j) cells.put(j, row[j]);
+    cells.endRow();
+  }
+}
 
 double DepthSortProbe::rotate(const Point& a, const Point& b, const Point& c) {
   return (executor.*opened(Rotate()))(a, b, c);

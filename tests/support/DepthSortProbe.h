@@ -22,8 +22,9 @@ class DepthSortProbe {
   void classify();   ///< classifyObjects
   void calculate();  ///< calculateObjectsOrder
 
-  Objects* objects() const;  ///< The executor's own.
-  Matrix* matrix() const;    ///< The executor's own.
+  Objects* objects() const;          ///< The executor's own.
+  Matrix matrix() const;             ///< All cells of the executor's matrix, row by row.
+  void setRows(const Matrix& rows);  ///< Fills rows of the executor's matrix, from the first on.
 
   double rotate(const Point& a, const Point& b, const Point& c);
   bool intersect(const Point& a, const Point& b, const Point& c, const Point& d);

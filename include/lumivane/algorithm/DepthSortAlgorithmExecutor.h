@@ -14,6 +14,7 @@ class Shot2d;
 
 namespace Lumivane::Algorithm {
 
+class ClassificationMatrix;
 class ObjectData;
 
 /// Puts the faces of a shot into the order in which they are drawn, back to front, and removes the
@@ -71,7 +72,7 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   int checkPolygonsLocation(const Polygon& first, const Polygon& second);
 
   std::vector<ObjectData*>* objectDataList = nullptr;
-  std::vector<std::vector<int>>* classificationMatrix;
+  ClassificationMatrix* classificationMatrix;  // one cell for every pair; sparse
   Scene::Scene3D* scene = nullptr;
   Shot::Shot2d* shot = nullptr;
 };
