@@ -1,4 +1,5 @@
 #include "base/Indices.h"
+#include "jzon/Building.h"
 
 #include <lumivane/base/Color.h>
 #include <lumivane/jzon/Node.h>
@@ -24,7 +25,7 @@ void Color::setBlue(int value) { blue = checkedComponent(value, "blue component 
 void Color::setAlpha(int value) { alpha = checkedComponent(value, "alpha component = "); }
 
 Jzon::Node Color::serialize() {
-  Jzon::Node node = Jzon::array();
+  Jzon::Node node = Jzon::arrayWithRoom(5);  // a pen adds its width
   for (const int component : {red, green, blue, alpha}) node.add(Jzon::Node(component));
   return node;
 }

@@ -5,6 +5,7 @@
 
 #include "base/Indices.h"
 #include "base/SerializeOrNull.h"
+#include "jzon/Building.h"
 
 #include <lumivane/base/ElementList.h>
 #include <lumivane/jzon/Node.h>
@@ -43,7 +44,7 @@ void ElementList<Element>::clear() {
 
 template <class Element>
 Jzon::Node ElementList<Element>::serialize() {
-  Jzon::Node node = Jzon::array();
+  Jzon::Node node = Jzon::arrayWithRoom(countOf(items));
   if (items == nullptr) return node;
   for (Element* element : *items) node.add(serializeOrNull(element));
   return node;
@@ -52,10 +53,11 @@ Jzon::Node ElementList<Element>::serialize() {
 template <class Element>
 BaseLibClass* ElementList<Element>::deserialize(Jzon::Node node) {
   if (!node.isArray()) return this;
-  madeVector(items);
-  for (std::size_t i = 0; i < node.getCount(); ++i) {
+  const std::size_t count = node.getCount();
+  if (madeVector(items).empty()) items->reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
     std::unique_ptr<Element> element(new Element());
-    append(ElementTraits<Element>::readElement(element.get(), node.get(i)));
+    append(ElementTraits<Element>::readElement(element.get(), Jzon::takenChild(node, i)));
     (void)element.release();  // the list owns it now
   }
   return this;

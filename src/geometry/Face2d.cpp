@@ -17,7 +17,7 @@ void Face2d::removeRegion(int number) { Base::eraseItem(regions, number); }
 void Face2d::clear() { clearNumbers(regions); }
 
 Jzon::Node Face2d::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(1);
   writeNumbers(node, Utils::Aliases::REGIONS, regions);
   return node;
 }

@@ -4,6 +4,7 @@
 // and lists of elements.
 
 #include "base/Indices.h"
+#include "jzon/Building.h"
 
 #include <lumivane/jzon/Node.h>
 
@@ -34,7 +35,7 @@ inline void readNumberAt(const Jzon::Node& array, std::size_t index, double& fie
 inline void writeNumbers(Jzon::Node& node, const std::string& key,
                          const std::vector<int>* numbers) {
   if (Base::countOf(numbers) == 0) return;
-  Jzon::Node array = Jzon::array();
+  Jzon::Node array = Jzon::arrayWithRoom(numbers->size());
   for (const int number : *numbers) array.add(Jzon::Node(number));
   node.add(key, array);
 }
@@ -45,7 +46,9 @@ inline void readNumbers(const Jzon::Node& node, const std::string& key,
   const Jzon::Node array = node.get(key);
   if (!array.isArray()) return;
   std::vector<int>& made = Base::madeVector(numbers);
-  for (std::size_t i = 0; i < array.getCount(); ++i) {
+  const std::size_t count = array.getCount();
+  if (made.empty()) made.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
     const Jzon::Node value = array.get(i);
     if (value.isNumber()) made.push_back(value.toInt(0));
   }
@@ -60,25 +63,25 @@ void writeList(Jzon::Node& node, const std::string& key, List* list) {
   if (list != nullptr) node.add(key, list->serialize());
 }
 
-// A list that was there before stays with whoever holds it.
+// Reads a new list from a member, which is taken out if nobody else holds the object. A list that
+// was there before stays with whoever holds it.
 template <class List>
-void readNewList(const Jzon::Node& value, List*& field) {
+void readNewList(Jzon::Node& node, const std::string& key, List*& field) {
   auto list = std::make_unique<List>();
-  list->deserialize(value);
+  list->deserialize(Jzon::takenChild(node, key));
   field = list.release();
 }
 
 // A list for a key that is there, whatever it holds.
 template <class List>
-void readPresentList(const Jzon::Node& node, const std::string& key, List*& field) {
-  if (node.has(key)) readNewList(node.get(key), field);
+void readPresentList(Jzon::Node& node, const std::string& key, List*& field) {
+  if (node.has(key)) readNewList(node, key, field);
 }
 
 // A list for a key that holds an array.
 template <class List>
-void readArrayList(const Jzon::Node& node, const std::string& key, List*& field) {
-  const Jzon::Node value = node.get(key);
-  if (value.isArray()) readNewList(value, field);
+void readArrayList(Jzon::Node& node, const std::string& key, List*& field) {
+  if (node.get(key).isArray()) readNewList(node, key, field);
 }
 
 }  // namespace Lumivane::Geometry

@@ -17,7 +17,7 @@ void Part::removeRegion(int number) { Base::eraseItem(regions, number); }
 void Part::clear() { clearNumbers(regions); }
 
 Jzon::Node Part::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(2);  // a face adds its normal
   writeNumbers(node, Utils::Aliases::REGIONS, regions);
   return node;
 }

@@ -7,7 +7,7 @@ namespace Lumivane::Geometry {
 double Point2d::Precision = 0.001;
 
 Jzon::Node Point2d::serialize() {
-  Jzon::Node node = Jzon::array();
+  Jzon::Node node = Jzon::arrayWithRoom(2);
   for (const double coordinate : {x, y}) node.add(Jzon::Node(coordinate));
   return node;
 }

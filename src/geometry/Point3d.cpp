@@ -7,7 +7,7 @@ namespace Lumivane::Geometry {
 double Point3d::Precision = 0.001;
 
 Jzon::Node Point3d::serialize() {
-  Jzon::Node node = Jzon::array();
+  Jzon::Node node = Jzon::arrayWithRoom(3);
   for (const double coordinate : {x, y, z}) node.add(Jzon::Node(coordinate));
   return node;
 }

@@ -31,7 +31,7 @@ void Region::removeDockingEdge(int number) { Base::eraseItem(dockingEdges, numbe
 void Region::clearDockingEdges() { clearNumbers(dockingEdges); }
 
 Jzon::Node Region::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(4);
   writeNumber(node, Aliases::BRUSH, brushNumber);
   writeNumber(node, Aliases::FACE, faceNumber);
   writeNumbers(node, Aliases::POINTS, points);

@@ -52,7 +52,7 @@ void Region2d::removeDockingEdge(int number) { Base::eraseItem(dockingEdges, num
 void Region2d::clearDockingEdges() { clearNumbers(dockingEdges); }
 
 Jzon::Node Region2d::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(7);
   writeNumber(node, Aliases::OBJECT, objectNumber);
   writeNumber(node, Aliases::PEN, penNumber);
   writeNumber(node, Aliases::BRUSH, brushNumber);

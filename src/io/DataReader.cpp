@@ -8,42 +8,74 @@
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/shot/Shot2d.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <string_view>
+#include <system_error>
+#include <vector>
 
 namespace Lumivane::IO {
 namespace {
 
 constexpr const char* SceneError = "\n! Error: scene JSON invalid\n";
 constexpr const char* ShotError = "\n! Error: shot JSON invalid\n";
+constexpr std::size_t BlockSize = std::size_t{1} << 16U;
 constexpr const char* End = "Reading end\n\n";
 
-template <class Model>
-Model* readModel(const std::string& json, const char* errorText) {
-  const Utils::StageScope stage(Utils::Stage::Read);
-  Jzon::Parser parser;
-  const Jzon::Node root = parser.parseString(json);
+Jzon::Node parsed(const std::string& json, const char* errorText) {
+  const Jzon::Node root = Jzon::Parser().parseString(json);
   if (!root.isValid()) {
     Cmd::logMessage("%s", errorText);
     Cmd::logMessage("%s", End);
-    return nullptr;
   }
-  // When a value throws, nobody else can reach the half-read model.
-  auto model = std::make_unique<Model>();
-  model->deserialize(root);
-  return model.release();
+  return root;
+}
+
+// Gives up the handle, so that the model holds the only one and can free what it has read.
+Jzon::Node handedOver(Jzon::Node& node) {
+  const Jzon::Node only(node);
+  node = Jzon::Node();
+  return only;
 }
 
 template <class Model>
+Model* readModel(Jzon::Node root) {
+  if (!root.isValid()) return nullptr;
+  // When a value throws, nobody else can reach the half-read model.
+  auto model = std::make_unique<Model>();
+  model->deserialize(handedOver(root));
+  return model.release();
+}
+
+// The text is gone before the model is built.
+template <class Model>
 Model* readModelFile(DataReader& reader, const std::string& path, const char* errorText) {
-  const Utils::StageScope stage(Utils::Stage::Read);
   logPath("Reading: ", path);
-  Model* const model = readModel<Model>(reader.readFileIntoString(path), errorText);
+  Model* const model = readModel<Model>(parsed(reader.readFileIntoString(path), errorText));
   if (model != nullptr) Cmd::logMessage("%s", End);
   return model;
+}
+
+// Room for the text, as far as the file tells its size.
+std::size_t sizeOf(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : static_cast<std::size_t>(size);
+}
+
+// Deliberate: nothing takes the place of a line feed.
+void appendWithoutLineFeeds(std::string& text, std::string_view block) {
+  while (!block.empty()) {
+    const std::size_t length = std::min(block.find('\n'), block.size());
+    text.append(block.substr(0, length));
+    block.remove_prefix(std::min(length + 1, block.size()));
+  }
 }
 
 [[noreturn]] void endWithoutFile(const std::string& path) {
@@ -59,13 +91,15 @@ std::string DataReader::readFileIntoString(const std::string& path) {
   std::ifstream file(path);
   if (!file.is_open()) endWithoutFile(path);
   std::string text;
-  // Deliberate: nothing takes the place of a line feed.
-  for (std::string line; std::getline(file, line);) text += line;
+  text.reserve(sizeOf(path));
+  std::vector<char> block(BlockSize);
+  while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0)
+    appendWithoutLineFeeds(text, {block.data(), static_cast<std::size_t>(file.gcount())});
   return text;
 }
 
 Scene::Scene3D* DataReader::readSceneString(const std::string& json) {
-  return readModel<Scene::Scene3D>(json, SceneError);
+  return readModel<Scene::Scene3D>(parsed(json, SceneError));
 }
 
 Scene::Scene3D* DataReader::readSceneFile(const std::string& path) {
@@ -73,7 +107,7 @@ Scene::Scene3D* DataReader::readSceneFile(const std::string& path) {
 }
 
 Shot::Shot2d* DataReader::readShotString(const std::string& json) {
-  return readModel<Shot::Shot2d>(json, ShotError);
+  return readModel<Shot::Shot2d>(parsed(json, ShotError));
 }
 
 Shot::Shot2d* DataReader::readShotFile(const std::string& path) {

@@ -1,85 +1,70 @@
-// A handle points at counted data. Destruction works off a list of its own instead of calling
-// itself, so a tree may be as deep as memory allows.
+// The operations of a handle: each looks at the kind of its word and hands over to the data.
 
+#include "jzon/Building.h"
+#include "jzon/NodeData.h"
 #include "kernel/JsonNumber.h"
 
 #include <lumivane/jzon/Node.h>
 
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <vector>
+#include <utility>
 
 namespace Jzon {
 
 namespace Kernel = Lumivane::Kernel;
 
-struct Node::NodeData {
-  explicit NodeData(Type dataType, std::string text = std::string())
-      : refCount(1), type(dataType), valueStr(std::move(text)) {}
-  NodeData(const NodeData& other)
-      : refCount(1), type(other.type), valueStr(other.valueStr), children(other.children) {}
-  NodeData& operator=(const NodeData&) = delete;
-
-  std::uint32_t refCount;
-  Type type;
-  std::string valueStr;
-  std::vector<NamedNode> children;
-};
-
 namespace {
 
-bool isValueType(Node::Type type) { return type >= Node::T_NULL && type <= Node::T_BOOL; }
-bool isContainerType(Node::Type type) { return type == Node::T_OBJECT || type == Node::T_ARRAY; }
+std::string_view textOf(const char* value) { return value ? value : std::string_view(); }
+std::string_view textOf(bool value) { return value ? "true" : "false"; }
 
-std::string textOf(const char* value) { return value ? std::string(value) : std::string(); }
-std::string textOf(bool value) { return value ? "true" : "false"; }
+// The digits of a number, on the stack.
+class NumberText {
+ public:
+  template <class Number>
+  explicit NumberText(Number value) : length(Kernel::writeNumber(value, characters.data())) {}
+  std::string_view get() const { return {characters.data(), length}; }
 
-struct Escape {
-  char plain;
-  char letter;
+ private:
+  std::array<char, Kernel::NumberTextLength> characters;
+  std::size_t length;
 };
 
-constexpr std::array<Escape, 8> escapes{{{'\\', '\\'},
-                                         {'/', '/'},
-                                         {'"', '"'},
-                                         {'\n', 'n'},
-                                         {'\t', 't'},
-                                         {'\b', 'b'},
-                                         {'\f', 'f'},
-                                         {'\r', 'r'}}};
+template <class Number>
+Word makeNumber(Number value) {
+  return makeValue(Node::T_NUMBER, NumberText(value).get());
+}
+
+Word makeNode(Node::Type type) {
+  if (type == Node::T_INVALID) return nullptr;
+  return isContainerType(type) ? makeContainer(type, 0) : makeValue(type, {});
+}
 
 }  // namespace
 
 Node::Node() noexcept : data(nullptr) {}
+Node::Node(Type type) : data(makeNode(type)) {}
+Node::Node(const Node& other) noexcept : data(hold(other.data)) {}
 
-Node::Node(Type type) : data(type == T_INVALID ? nullptr : new NodeData(type)) {}
+Node::Node(Type type, const std::string& value)
+    : data(isValueType(type) ? makeValue(type, value) : makeValue(T_NULL, {})) {}
 
-Node::Node(const Node& other) noexcept : data(other.data) {
-  if (data) ++data->refCount;
-}
-
-Node::Node(Type type, const std::string& value) : data(new NodeData(T_NULL)) { set(type, value); }
-
-Node::Node(const std::string& value) : data(new NodeData(T_STRING, value)) {}
-Node::Node(const char* value) : data(new NodeData(T_STRING, textOf(value))) {}
+Node::Node(const std::string& value) : data(makeValue(T_STRING, value)) {}
+Node::Node(const char* value) : data(makeValue(T_STRING, textOf(value))) {}
 Node::Node(int value) : Node(static_cast<long long>(value)) {}
 Node::Node(unsigned int value) : Node(static_cast<unsigned long long>(value)) {}
-Node::Node(long long value) : data(new NodeData(T_NUMBER, Kernel::numberText(value))) {}
-Node::Node(unsigned long long value) : data(new NodeData(T_NUMBER, Kernel::numberText(value))) {}
+Node::Node(long long value) : data(makeNumber(value)) {}
+Node::Node(unsigned long long value) : data(makeNumber(value)) {}
 Node::Node(float value) : Node(static_cast<double>(value)) {}
-Node::Node(double value) : data(new NodeData(T_NUMBER, Kernel::numberText(value))) {}
-Node::Node(bool value) : data(new NodeData(T_BOOL, textOf(value))) {}
+Node::Node(double value) : data(makeNumber(value)) {}
+Node::Node(bool value) : data(makeValue(T_BOOL, textOf(value))) {}
 
 Node::~Node() { release(data); }
 
 Node& Node::operator=(const Node& other) noexcept {
-  if (this == &other) return *this;
-  // The new data is held before the old goes: `other` may be a child of this node.
-  NodeData* const old = data;
-  data = other.data;
-  if (data) ++data->refCount;
-  release(old);
+  // The new data is held before the old goes: `other` may be this node or a child of it.
+  release(std::exchange(data, hold(other.data)));
   return *this;
 }
 
@@ -93,8 +78,8 @@ Node& Node::operator=(float value) { return set(value), *this; }
 Node& Node::operator=(double value) { return set(value), *this; }
 Node& Node::operator=(bool value) { return set(value), *this; }
 
-Node::Type Node::getType() const noexcept { return data ? data->type : T_INVALID; }
-bool Node::isValid() const noexcept { return getType() != T_INVALID; }
+Node::Type Node::getType() const noexcept { return typeOf(data); }
+bool Node::isValid() const noexcept { return data != nullptr; }
 bool Node::isObject() const noexcept { return getType() == T_OBJECT; }
 bool Node::isArray() const noexcept { return getType() == T_ARRAY; }
 bool Node::isNull() const noexcept { return getType() == T_NULL; }
@@ -106,28 +91,28 @@ bool Node::isValue() const noexcept { return isValueType(getType()); }
 
 bool Node::isInteger() const {
   if (!isNumber()) return false;
-  const double value = Kernel::readDouble(data->valueStr);
+  const double value = toDouble();
   return value == std::floor(value);
 }
 
 std::string Node::toString(const std::string& def) const {
   if (isNull()) return "null";
-  return isValue() ? data->valueStr : def;
+  return isValue() ? std::string(ValueText(data).get()) : def;
 }
 
-int Node::toInt(int def) const { return isNumber() ? Kernel::readInt(data->valueStr) : def; }
+int Node::toInt(int def) const { return isNumber() ? Kernel::readInt(ValueText(data).get()) : def; }
 
 float Node::toFloat(float def) const {
-  return isNumber() ? Kernel::readFloat(data->valueStr) : def;
+  return isNumber() ? Kernel::readFloat(ValueText(data).get()) : def;
 }
 
 double Node::toDouble(double def) const {
-  return isNumber() ? Kernel::readDouble(data->valueStr) : def;
+  return isNumber() ? Kernel::readDouble(ValueText(data).get()) : def;
 }
 
-bool Node::toBool(bool def) const { return isBool() ? data->valueStr == "true" : def; }
+bool Node::toBool(bool def) const { return isBool() ? ValueText(data).get() == "true" : def; }
 
-void Node::setNull() { setValue(T_NULL, std::string()); }
+void Node::setNull() { setValue(T_NULL, {}); }
 
 void Node::set(Type type, const std::string& value) {
   if (isValueType(type)) setValue(type, value);
@@ -137,167 +122,119 @@ void Node::set(const std::string& value) { setValue(T_STRING, value); }
 void Node::set(const char* value) { setValue(T_STRING, textOf(value)); }
 void Node::set(int value) { set(static_cast<long long>(value)); }
 void Node::set(unsigned int value) { set(static_cast<unsigned long long>(value)); }
-void Node::set(long long value) { setValue(T_NUMBER, Kernel::numberText(value)); }
-void Node::set(unsigned long long value) { setValue(T_NUMBER, Kernel::numberText(value)); }
+void Node::set(long long value) { setValue(T_NUMBER, NumberText(value).get()); }
+void Node::set(unsigned long long value) { setValue(T_NUMBER, NumberText(value).get()); }
 void Node::set(float value) { set(static_cast<double>(value)); }
 // Deliberate: 6 significant digits, whatever the value has.
-void Node::set(double value) { setValue(T_NUMBER, Kernel::numberText(value)); }
+void Node::set(double value) { setValue(T_NUMBER, NumberText(value).get()); }
 void Node::set(bool value) { setValue(T_BOOL, textOf(value)); }
 
-void Node::setValue(Type type, std::string text) {
-  if (!isValue()) return;
-  detach();
-  data->type = type;
-  data->valueStr = std::move(text);
+// Other handles keep the old value, since this one takes a new.
+void Node::setValue(Type type, std::string_view text) {
+  if (isValue()) release(std::exchange(data, makeValue(type, text)));
 }
 
+// The child is held first: if it is this node, makeOwn keeps the old data for it.
 void Node::add(const Node& node) {
   if (!isArray()) return;
-  // The entry is made first: if `node` is this one, its handle makes detach keep the old data.
-  NamedNode entry(std::string(), node);
-  detach();
-  data->children.push_back(std::move(entry));
+  const Node child(node);
+  makeOwn(data, 1);
+  appendElement(data, hold(child.data));
 }
 
 void Node::add(const std::string& name, const Node& node) {
   if (!isObject()) return;
-  NamedNode entry(name, node);
-  detach();
-  data->children.push_back(std::move(entry));
+  const Node child(node);
+  makeOwn(data, 1);
+  appendMember(data, makeName(name), hold(child.data));
 }
 
 void Node::append(const Node& other) {
   if (!isContainer() || getType() != other.getType()) return;
   const Node source(other);  // a handle of our own: `other` may be this node or a child of it
-  detach();
-  const auto& added = source.data->children;
-  data->children.insert(data->children.end(), added.begin(), added.end());
+  const std::size_t count = source.getCount();
+  makeOwn(data, count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const Word child = childAt(source.data, i);
+    if (isArray()) {
+      appendElement(data, hold(child));
+    } else {
+      appendMember(data, makeName(nameAt(source.data, i)), hold(child));
+    }
+  }
 }
 
 void Node::remove(std::size_t index) {
-  if (!isContainer() || index >= getCount()) return;
-  detach();
-  data->children.erase(data->children.begin() + static_cast<std::ptrdiff_t>(index));
+  if (index >= getCount()) return;
+  makeOwn(data, 0);
+  eraseChild(data, index);
 }
 
 void Node::remove(const std::string& name) {
-  if (const NamedNode* const found = find(name)) remove(static_cast<std::size_t>(found - begin()));
+  const std::size_t index = findName(data, name);
+  if (index != NotFound) remove(index);
 }
 
 void Node::clear() {
-  if (getCount() == 0) return;
-  detach();
-  data->children.clear();
+  if (getCount() > 0) release(std::exchange(data, makeContainer(getType(), 0)));
 }
 
-bool Node::has(const std::string& name) const { return find(name) != nullptr; }
+bool Node::has(const std::string& name) const { return findName(data, name) != NotFound; }
 
-std::size_t Node::getCount() const noexcept { return data ? data->children.size() : 0; }
+std::size_t Node::getCount() const noexcept { return countOf(data); }
 
-Node Node::get(const std::string& name) const {
-  const NamedNode* const found = find(name);
-  return found ? found->second : Node();
-}
+Node Node::get(const std::string& name) const { return get(findName(data, name)); }
 
 Node Node::get(std::size_t index) const {
-  return isContainer() && index < getCount() ? data->children[index].second : Node();
+  return index < getCount() ? NodeAccess::adopt(hold(childAt(data, index))) : Node();
 }
 
 Node Node::get_key(std::size_t index) const {
-  return isContainer() && index < getCount() ? Node(data->children[index].first) : Node();
+  return index < getCount() ? Node(std::string(nameAt(data, index))) : Node();
 }
 
 Node::NamedNode& Node::getNamedNode(const std::string& name) {
-  if (!has(name)) return *new NamedNode();  // Deliberate: left to nobody, as every caller expects
-  detach();
-  return *find(name);
+  const std::size_t index = findName(data, name);
+  // Deliberate: left to nobody, as every caller expects.
+  if (index == NotFound) return *new NamedNode();
+  makeOwn(data, 0);
+  return unpacked(data)[index];
 }
 
-Node::iterator Node::begin() noexcept { return getCount() ? data->children.data() : nullptr; }
-Node::iterator Node::end() noexcept { return getCount() ? begin() + getCount() : nullptr; }
-
-Node::const_iterator Node::begin() const noexcept {
-  return getCount() ? data->children.data() : nullptr;
-}
-
-Node::const_iterator Node::end() const noexcept {
-  return getCount() ? begin() + getCount() : nullptr;
-}
+Node::iterator Node::begin() { return getCount() ? unpacked(data).data() : nullptr; }
+Node::iterator Node::end() { return getCount() ? begin() + getCount() : nullptr; }
+Node::const_iterator Node::begin() const { return getCount() ? unpacked(data).data() : nullptr; }
+Node::const_iterator Node::end() const { return getCount() ? begin() + getCount() : nullptr; }
 
 bool Node::operator==(const Node& other) const noexcept {
   if (data == other.data) return true;
-  return isValue() && getType() == other.getType() && data->valueStr == other.data->valueStr;
+  return isValue() && getType() == other.getType() &&
+         ValueText(data).get() == ValueText(other.data).get();
 }
 
 bool Node::operator!=(const Node& other) const noexcept { return !(*this == other); }
-
-// Handles that a dying node holds are dropped here one by one, never by their destructors, which
-// would come back to this function once for each level.
-void Node::release(NodeData* data) noexcept {
-  if (!data || --data->refCount > 0) return;
-  std::vector<NodeData*> doomed;
-  for (;;) {
-    for (NamedNode& child : data->children) {
-      NodeData* const held = std::exchange(child.second.data, nullptr);
-      if (held && --held->refCount == 0) doomed.push_back(held);
-    }
-    delete data;
-    if (doomed.empty()) return;
-    data = doomed.back();
-    doomed.pop_back();
-  }
-}
-
-void Node::detach() {
-  if (!data || data->refCount < 2) return;
-  NodeData* const own = new NodeData(*data);
-  --data->refCount;
-  data = own;
-}
-
-Node::NamedNode* Node::find(const std::string& name) const noexcept {
-  if (!isObject()) return nullptr;
-  for (NamedNode& child : data->children) {
-    if (child.first == name) return &child;
-  }
-  return nullptr;
-}
 
 Node invalid() { return Node(); }
 Node null() { return Node(Node::T_NULL); }
 Node object() { return Node(Node::T_OBJECT); }
 Node array() { return Node(Node::T_ARRAY); }
 
-std::string escapeString(const std::string& value) {
-  std::string escaped;
-  escaped.reserve(value.size());
-  for (const char c : value) {
-    char letter = 0;
-    for (const Escape& escape : escapes) {
-      if (c == escape.plain) letter = escape.letter;
-    }
-    if (letter) escaped += '\\';
-    escaped += letter ? letter : c;
-  }
-  return escaped;
+Node arrayWithRoom(std::size_t room) {
+  return NodeAccess::adopt(makeContainer(Node::T_ARRAY, room));
 }
 
-std::string unescapeString(const std::string& value) {
-  std::string plain;
-  plain.reserve(value.size());
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    char c = value[i];
-    if (c == '\\' && i + 1 < value.size()) {
-      for (const Escape& escape : escapes) {
-        if (value[i + 1] != escape.letter) continue;
-        c = escape.plain;
-        ++i;
-        break;
-      }
-    }
-    plain += c;
-  }
-  return plain;
+Node objectWithRoom(std::size_t room) {
+  return NodeAccess::adopt(makeContainer(Node::T_OBJECT, room));
+}
+
+Node takenChild(Node& container, std::size_t index) {
+  const Word word = NodeAccess::wordOf(container);
+  if (index >= countOf(word)) return Node();
+  return NodeAccess::adopt(takeOrHold(word, index));
+}
+
+Node takenChild(Node& object, const std::string& name) {
+  return takenChild(object, findName(NodeAccess::wordOf(object), name));
 }
 
 }  // namespace Jzon

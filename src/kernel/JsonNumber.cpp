@@ -1,7 +1,11 @@
 #include "kernel/JsonNumber.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <locale>
 #include <sstream>
 #include <system_error>
@@ -15,15 +19,88 @@ constexpr int StreamPrecision = 6;
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 template <class Integer>
-std::string integerText(Integer value) {
-  std::array<char, 24> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-  return std::string(buffer.data(), end);
+std::size_t writeInteger(Integer value, char* out) {
+  return static_cast<std::size_t>(std::to_chars(out, out + NumberTextLength, value).ptr - out);
 }
 
 template <class Number>
-Number readByStream(const std::string& text) {
-  std::istringstream stream(text);
+std::string textOf(Number value) {
+  std::array<char, NumberTextLength> buffer{};
+  return std::string(buffer.data(), writeNumber(value, buffer.data()));
+}
+
+// ---- doubles of everyday size, written by whole numbers ----
+
+__extension__ using Wide = unsigned __int128;
+
+constexpr int MantissaBits = 52;
+constexpr int ExponentBias = 1023;
+constexpr double SmallestEveryday = 1e-4;     // below, an exponent is written
+constexpr double LargestEveryday = 999999.5;  // rounds to 1e+06
+constexpr int SmallestPower = -4;
+
+// None lies below the power of ten that it stands for, and the double before it lies below, so a
+// comparison tells the first digit's place without error.
+constexpr std::array<double, 10> powers{1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5};
+constexpr std::array<std::uint64_t, 10> scales{1000000000, 100000000, 10000000, 1000000, 100000,
+                                               10000,      1000,      100,      10,      1};
+
+// The first 6 digits as a whole number, and the power of ten of the first of them.
+struct SixDigits {
+  std::uint64_t digits;
+  int power;
+};
+
+// A double is m * 2^-shift with whole m of 53 bits and a shift of 33 to 66 in this range, so
+// m * 10^(5 - power) fits into 83 bits: the digits and the rest that decides the rounding are
+// exact. An exact half goes to the even digit, as a stream rounds it.
+SixDigits sixDigits(double size) {
+  std::size_t place = powers.size() - 1;
+  while (size < powers[place]) --place;
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &size, sizeof bits);
+  const std::uint64_t hidden = std::uint64_t{1} << MantissaBits;
+  const std::uint64_t mantissa = (bits & (hidden - 1)) | hidden;
+  const int shift = ExponentBias + MantissaBits - static_cast<int>(bits >> MantissaBits);
+
+  const Wide scaled = static_cast<Wide>(mantissa) * scales[place];
+  const Wide half = static_cast<Wide>(1) << (shift - 1);
+  const Wide rest = scaled & ((half << 1) - 1);
+  auto digits = static_cast<std::uint64_t>(scaled >> shift);
+  if (rest > half || (rest == half && digits % 2 == 1)) ++digits;
+  const int power = static_cast<int>(place) + SmallestPower;
+  return digits == 1000000 ? SixDigits{100000, power + 1} : SixDigits{digits, power};
+}
+
+// Zeros at the end go, and so does the dot with nothing behind it.
+std::size_t writeEveryday(double value, char* out) {
+  char* const begin = out;
+  if (value < 0.0) *out++ = '-';
+  SixDigits six = sixDigits(std::abs(value));
+  std::array<char, 6> digits{};
+  for (std::size_t i = digits.size(); i-- > 0; six.digits /= 10)
+    digits[i] = static_cast<char>('0' + six.digits % 10);
+  std::size_t count = digits.size();
+  while (count > 1 && digits[count - 1] == '0') --count;
+
+  const auto whole = static_cast<std::size_t>(std::max(six.power + 1, 0));
+  if (whole == 0) {
+    *out++ = '0';
+    *out++ = '.';
+    for (int i = six.power + 1; i < 0; ++i) *out++ = '0';
+  }
+  for (std::size_t i = 0; i < std::max(whole, count); ++i) {
+    if (i == whole && whole > 0) *out++ = '.';
+    *out++ = digits[i];
+  }
+  return static_cast<std::size_t>(out - begin);
+}
+
+// ---- reading ----
+
+template <class Number>
+Number readByStream(std::string_view text) {
+  std::istringstream stream{std::string(text)};
   stream.imbue(std::locale::classic());
   Number value = 0;
   stream >> value;  // on failure the stream stores 0 or the limit
@@ -34,7 +111,7 @@ Number readByStream(const std::string& text) {
 // ordinary (white space, a plus, no digit at the front, a tail, a value out of range) goes to the
 // stream, whose word is final.
 template <class Number>
-Number read(const std::string& text) {
+Number read(std::string_view text) {
   const char* const begin = text.data();
   const char* const end = begin + text.size();
   const char* const digits = begin != end && *begin == '-' ? begin + 1 : begin;
@@ -86,23 +163,28 @@ class NumberTest {
 
 }  // namespace
 
-std::string numberText(double value) {
-  std::array<char, 32> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                 std::chars_format::general, StreamPrecision)
-                       .ptr;
-  return std::string(buffer.data(), end);
+std::size_t writeNumber(double value, char* out) {
+  const double size = std::abs(value);
+  if (size >= SmallestEveryday && size < LargestEveryday) return writeEveryday(value, out);
+  const auto end =
+      std::to_chars(out, out + NumberTextLength, value, std::chars_format::general, StreamPrecision)
+          .ptr;
+  return static_cast<std::size_t>(end - out);
 }
 
-std::string numberText(long long value) { return integerText(value); }
-std::string numberText(unsigned long long value) { return integerText(value); }
+std::size_t writeNumber(long long value, char* out) { return writeInteger(value, out); }
+std::size_t writeNumber(unsigned long long value, char* out) { return writeInteger(value, out); }
 
-int readInt(const std::string& text) { return read<int>(text); }
-float readFloat(const std::string& text) { return read<float>(text); }
-double readDouble(const std::string& text) { return read<double>(text); }
+std::string numberText(double value) { return textOf(value); }
+std::string numberText(long long value) { return textOf(value); }
+std::string numberText(unsigned long long value) { return textOf(value); }
+
+int readInt(std::string_view text) { return read<int>(text); }
+float readFloat(std::string_view text) { return read<float>(text); }
+double readDouble(std::string_view text) { return read<double>(text); }
 
 // Deliberate: `-`, `.`, `1-2`, `1.-2`, `E5` and `1E5-` are numbers; `1e`, `1e+` and `+1` are none.
-bool isNumberText(const std::string& text) {
+bool isNumberText(std::string_view text) {
   NumberTest test;
   for (const char c : text) {
     if (!test.accept(c)) return false;

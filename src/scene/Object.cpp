@@ -60,7 +60,7 @@ void Object::setRegionsProjectedPolygons(RegionProjections* value) {
 }
 
 Jzon::Node Object::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(7);
   if (!id.empty()) node.add(Aliases::ID, Jzon::Node(id));
   Geometry::writeNumber(node, Aliases::PARTS_COUNT, partsCount);
   Geometry::writeNumber(node, Aliases::PEN, penNumber);

@@ -11,7 +11,7 @@ using Utils::Aliases;
 Object2d::~Object2d() { delete faces; }
 
 Jzon::Node Object2d::serialize() {
-  Jzon::Node node = Jzon::object();
+  Jzon::Node node = Jzon::objectWithRoom(2);
   if (!id.empty()) node.add(Aliases::ID, Jzon::Node(id));
   Geometry::writeList(node, Aliases::FACES, faces);
   return node;

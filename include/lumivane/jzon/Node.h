@@ -4,9 +4,13 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace Jzon {
+
+struct NodeAccess;
+struct NodeData;
 
 /// A handle on a JSON value.
 ///
@@ -158,11 +162,11 @@ class LUMIVANE_EXPORT Node {
 
   /// The first child. The children are those that all handles on this data share, so what is
   /// changed through this iterator shows through all of them.
-  iterator begin() noexcept;
+  iterator begin();
   /// The position behind the last child.
-  iterator end() noexcept;
-  const_iterator begin() const noexcept;
-  const_iterator end() const noexcept;
+  iterator end();
+  const_iterator begin() const;
+  const_iterator end() const;
 
   /// Whether both handles share one data (two invalid nodes do), or both are values of the same
   /// type and text. Containers are equal only if shared, and numbers compare as text: `1.0` and
@@ -171,14 +175,11 @@ class LUMIVANE_EXPORT Node {
   bool operator!=(const Node& other) const noexcept;
 
  private:
-  struct NodeData;
+  friend struct NodeAccess;
 
-  static void release(NodeData* data) noexcept;
-  void detach();
-  void setValue(Type type, std::string text);
-  NamedNode* find(const std::string& name) const noexcept;
+  void setValue(Type type, std::string_view text);
 
-  NodeData* data;
+  NodeData* data;  // or a short number in the place of the address
 };
 
 /// An invalid node.

@@ -4,9 +4,8 @@
 #include <lumivane/jzon/Node.h>
 
 #include <iosfwd>
-#include <queue>
 #include <string>
-#include <utility>
+#include <string_view>
 
 namespace Jzon {
 
@@ -42,24 +41,24 @@ class LUMIVANE_EXPORT Parser {
     T_NAME_SEPARATOR = 6,
     T_VALUE = 7
   };
-  using TokenQueue = std::queue<Token>;
-  using DataQueue = std::queue<std::pair<Node::Type, std::string>>;
-  struct Assembly;
+  class Assembly;
+  struct Input;
+  struct Value {
+    Node::Type type;
+    std::string_view text;
+  };
 
-  static void tokenize(std::istream& stream, TokenQueue& tokens, DataQueue& data);
+  Node parse(Input& input);
+  static void tokenize(Input& input, Assembly& assembly);
+  static void takeSlash(Input& input, std::string& run);
+  static void takeString(Input& input, std::string& run, Assembly& assembly);
+  static void flushRun(std::string& run, Assembly& assembly);
   static void jumpToNext(char character, std::istream& stream);
-  static void jumpToCommentEnd(std::istream& stream);
-  static void readString(std::istream& stream, DataQueue& data);
-  static bool interpretValue(const std::string& value, DataQueue& data);
-  static bool takeCharacter(char character, std::istream& stream, Token& token, std::string& run,
-                            DataQueue& data);
-  static void flushRun(std::string& run, TokenQueue& tokens, DataQueue& data);
-
-  Node assemble(TokenQueue& tokens, DataQueue& data);
-  bool assembleEnd(Token token, Assembly& assembly);
-  bool assembleValue(TokenQueue& tokens, DataQueue& data, Assembly& assembly);
-  bool assembleToken(Token token, TokenQueue& tokens, DataQueue& data, Assembly& assembly);
-  bool fail(const std::string& text);
+  static void jumpToCommentEnd(Input& input);
+  static std::string readString(Input& input);
+  static Value interpretValue(std::string_view run);
+  static Token tokenOf(char delimiter);
+  static void assemble(Token token, Assembly& assembly);
 
   std::string error;
 };

@@ -33,12 +33,13 @@ class LUMIVANE_EXPORT Writer {
   void writeFile(const Node& node, const std::string& path) const;
 
  private:
+  class Output;
   struct Position;
 
-  void writeNode(const Node& node, unsigned int level, std::ostream& stream) const;
-  const Node* writeObject(Position& position, unsigned int level, std::ostream& stream) const;
-  const Node* writeArray(Position& position, unsigned int level, std::ostream& stream) const;
-  void writeValue(const Node& node, std::ostream& stream) const;
+  void writeNode(const Node& node, unsigned int level, Output& output) const;
+  NodeData* writeObject(Position& position, unsigned int level, Output& output) const;
+  NodeData* writeArray(Position& position, unsigned int level, Output& output) const;
+  void writeValue(NodeData* value, Output& output) const;
   std::string getIndentation(unsigned int level) const;
 
   Format format;
