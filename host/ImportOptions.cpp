@@ -43,7 +43,7 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
   command
       .add_option("--crease", settings.crease,
                   "edges that bend by at most this many degrees are not drawn; without it 30 on "
-                  "the terrain of a city model, else 0")
+                  "the terrain of a city model, else 1")
       ->check(
           [](const std::string& text) {
             return refusedNumber(text, "an angle of 0 to 90 degrees",

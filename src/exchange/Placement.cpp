@@ -18,7 +18,8 @@ using Triple = std::array<double, 3>;
 // Beyond it, cubes and squares of lengths would leave the range of numbers.
 constexpr double LargestCoordinate = 1e15;
 constexpr double SmallestDiagonal = 1e-9;
-constexpr int KeptDigits = 9;
+// Single precision has 24, and a shot holds polygons in it.
+constexpr int KeptBits = 22;
 
 Triple tripleOf(Vec3 v) { return {v.x, v.y, v.z}; }
 
@@ -84,20 +85,21 @@ Triple shiftFor(const Bounds& bounds, const ImportOptions& options) {
   return shift;
 }
 
-// A power of ten, so that rounded coordinates have short texts.
-int roundingExponent(double diagonal) {
-  return static_cast<int>(std::floor(std::log10(diagonal))) + 1 - KeptDigits;
+// The grid of the coordinates: a power of two, so that every coordinate is exact in single
+// precision too. A shot holds its polygons in that precision and looks for the ends of docking
+// edges among them to within 1e-7: of an end that is rounded it draws the first piece.
+double gridStep(const Bounds& bounds, const Triple& shift) {
+  double largest = 0.0;
+  for (size_t axis = 0; axis < 3; ++axis)
+    largest = std::max({largest, std::abs(bounds.lower[axis] + shift[axis]),
+                        std::abs(bounds.upper[axis] + shift[axis])});
+  int exponent = 0;
+  std::frexp(largest, &exponent);
+  return std::ldexp(1.0, exponent - KeptBits);
 }
 
-// Dividing by an exact power of ten gives the double nearest to the decimal number.
-double rounded(double value, int exponent) {
-  if (exponent >= 0) {
-    const double step = std::pow(10.0, exponent);
-    return std::round(value / step) * step;
-  }
-  const double step = std::pow(10.0, -exponent);
-  return std::round(value * step) / step + 0.0;
-}
+// Adding 0 makes a 0 of -0.
+double rounded(double value, double step) { return std::round(value / step) * step + 0.0; }
 
 struct KeyHash {
   size_t operator()(const Triple& key) const {
@@ -142,10 +144,10 @@ double placeModel(SourceModel& model, const ImportOptions& options, ImportReport
   if (diagonal < SmallestDiagonal) throw ImportError("all its polygons lie in one point");
 
   const Triple shift = shiftFor(bounds, options);
-  const int exponent = roundingExponent(diagonal);
+  const double step = gridStep(bounds, shift);
   for (Vec3& v : model.vertices)
-    v = {rounded(v.x + shift[0], exponent), rounded(v.y + shift[1], exponent),
-         rounded(v.z + shift[2], exponent)};
+    v = {rounded(v.x + shift[0], step), rounded(v.y + shift[1], step),
+         rounded(v.z + shift[2], step)};
 
   const std::vector<int> numbers = weld(model.vertices);
   for (SourcePolygon& polygon : model.polygons)

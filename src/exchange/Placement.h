@@ -7,8 +7,8 @@
 
 namespace Lumivane::Exchange {
 
-/// Turns, scales and shifts the vertices, rounds them to 9 significant digits of the model's
-/// extent, makes one of those that are equal then, and takes repeated corners out of the loops.
+/// Turns, scales and shifts the vertices, rounds them to a grid of 22 bits,
+/// makes one of those that are equal then, and takes repeated corners out of the loops.
 /// Vertices that no polygon uses have no influence. Fills the report's shift and bounds.
 ///
 /// \return the length of the diagonal of the model's bounds, above 0

@@ -43,7 +43,7 @@ double cosineOf(double degrees) { return std::cos(degrees * RadiansPerDegree) - 
 
 double creaseOf(const SourceObject& object, const ImportOptions& options) {
   if (options.creaseDegrees >= 0.0) return options.creaseDegrees;
-  return object.isTerrain ? ImportOptions::TerrainCreaseDegrees : 0.0;
+  return object.isTerrain ? ImportOptions::TerrainCreaseDegrees : ImportOptions::MeshCreaseDegrees;
 }
 
 class PieceMaker {
@@ -234,8 +234,8 @@ void hideEdges(std::vector<Piece>& pieces, const std::vector<EdgeUse>& uses,
     const Piece& q = pieces[static_cast<size_t>(b.piece)];
     const bool oneFace =
         faceOf[static_cast<size_t>(a.piece)] == faceOf[static_cast<size_t>(b.piece)];
-    const bool smooth = creaseDegrees > 0.0 && p.material == q.material &&
-                        Kernel::dot(p.plane.normal, q.plane.normal) >= cosine;
+    const bool smooth =
+        p.material == q.material && Kernel::dot(p.plane.normal, q.plane.normal) >= cosine;
     if (!oneFace && !smooth) return;
     hide(pieces, a);
     hide(pieces, b);
@@ -284,7 +284,7 @@ Tolerances tolerancesFor(const ImportOptions& options, double diagonal) {
 }  // namespace
 
 std::vector<ObjectSurfaces> makeFaces(const SourceModel& model, const ImportOptions& options,
-                                         double diagonal, ImportReport& report) {
+                                      double diagonal, ImportReport& report) {
   const Tolerances tolerances = tolerancesFor(options, diagonal);
   PieceMaker maker(model, tolerances, report);
   std::vector<std::vector<Piece>> pieces(model.objects.size());

@@ -31,12 +31,15 @@ struct ImportOptions {
   double flatAngleDegrees = 0.5;
 
   /// How far a corner may lie off the plane of its face, as a share of the model's diagonal.
-  double flatDistance = 2e-5;
+  double flatDistance = 1e-4;
 
   /// The edge between two neighbouring polygons of one object and one colour is not drawn if it
-  /// bends by at most this many degrees. Below 0: 0 for meshes and buildings, and
+  /// bends by at most this many degrees. Below 0: `MeshCreaseDegrees` for meshes and buildings, and
   /// `TerrainCreaseDegrees` for the terrain of a city model.
   double creaseDegrees = -1.0;
+
+  /// Bends that no eye sees.
+  static constexpr double MeshCreaseDegrees = 1.0;
 
   /// Triangulated terrain is shown as one smooth surface unless it bends by more.
   static constexpr double TerrainCreaseDegrees = 30.0;

@@ -36,8 +36,8 @@ class LUMIVANE_EXCHANGE_EXPORT Importer {
   ///                        line, vertex or object
   static ImportedScene importFile(const std::string& path, const ImportOptions& options = {});
 
-  /// The scene as a scene file, with coordinates of 9 significant digits instead of 6, so that a
-  /// model of a kilometre keeps its millimetres.
+  /// The scene as a scene file, with all digits of its coordinates instead of 6, so that the file
+  /// gives the same shots as the scene, to the bit.
   static std::string sceneText(Scene::Scene3D& scene);
 };
 
