@@ -1,5 +1,6 @@
 #include "io/PathLog.h"
 #include "utils/StageScope.h"
+#include "utils/StageScope.h"
 
 #include <lumivane/cmd/Log.h>
 #include <lumivane/io/DataReader.h>
@@ -29,6 +30,7 @@ constexpr std::size_t BlockSize = std::size_t{1} << 16U;
 constexpr const char* End = "Reading end\n\n";
 
 Jzon::Node parsed(const std::string& json, const char* errorText) {
+  const Utils::StageScope stage(Utils::Stage::Read);
   const Jzon::Node root = Jzon::Parser().parseString(json);
   if (!root.isValid()) {
     Cmd::logMessage("%s", errorText);
@@ -47,6 +49,7 @@ Jzon::Node handedOver(Jzon::Node& node) {
 template <class Model>
 Model* readModel(Jzon::Node root) {
   if (!root.isValid()) return nullptr;
+  const Utils::StageScope stage(Utils::Stage::Read);
   // When a value throws, nobody else can reach the half-read model.
   auto model = std::make_unique<Model>();
   model->deserialize(handedOver(root));
@@ -56,6 +59,7 @@ Model* readModel(Jzon::Node root) {
 // The text is gone before the model is built.
 template <class Model>
 Model* readModelFile(DataReader& reader, const std::string& path, const char* errorText) {
+  const Utils::StageScope stage(Utils::Stage::Read);
   logPath("Reading: ", path);
   Model* const model = readModel<Model>(parsed(reader.readFileIntoString(path), errorText));
   if (model != nullptr) Cmd::logMessage("%s", End);

@@ -85,6 +85,19 @@ TEST(ShotProgram, ShotAndStatisticsAreWritten) {
   EXPECT_EQ(2u, entries(folder));
 }
 
+// With pieces so short that every stage of the street takes many ticks of the clock. No region of
+// it falls into pieces that dock.
+TEST(ShotProgram, EveryStageIsTimed) {
+  const TempFolder folder;
+  const Result result =
+      run({"shot", LUMIVANE_SCENES "/street.json", "--eye", "-5.3,-1.37,3.4", "--max-length",
+           "0.005", "-o", folder.path("shot.json"), "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  const Json stats = Json::parse(fileBytes(folder.path("stats.json")));
+  for (const auto& [stage, seconds] : stats.at("stages").items())
+    if (stage != "docking") EXPECT_GT(seconds, 0.0) << stage;
+}
+
 TEST(ShotProgram, StatisticsAgreeWithTheKnownOnes) {
   for (const std::string name :
        {"g01_hidden", "g02_hidden_normal", "d01_city_street", "p01_one_id_twice", "h01_wall",
