@@ -1,8 +1,15 @@
 #pragma once
 
+#include <string>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
 namespace Lumivane::Host {
 
 struct ImportCommandOptions;
+struct CheckOptions;
 struct Json5Options;
 struct ShotOptions;
 struct ShowOptions;
@@ -20,5 +27,11 @@ void runImport(const ImportCommandOptions& options);
 
 /// Converts JSON5 to JSON.
 void runJson5(const Json5Options& options);
+
+/// Lists what is wrong or surprising in a scene. Returns the exit status.
+int runCheck(const CheckOptions& options);
+
+/// Fails if no shot can be made of the scene, with the check's message.
+void refuseErrors(const std::string& file, Scene::Scene3D& scene);
 
 }  // namespace Lumivane::Host

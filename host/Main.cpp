@@ -34,6 +34,7 @@ int run(const std::vector<std::string>& arguments) {
 
   ShotOptions shot;
   ShowOptions show;
+  CheckOptions check;
   Json5Options json5;
   setShotOptions(*app.add_subcommand("shot", "Make a shot of a scene, as a file and as a picture"),
                  shot);
@@ -46,6 +47,8 @@ int run(const std::vector<std::string>& arguments) {
       app.add_subcommand("import", "Make a scene file of a mesh or a city model");
   setImportOptions(*importCommand, import);
 #endif
+  setCheckOptions(*app.add_subcommand("check", "List what is wrong or surprising in a scene"),
+                  check);
   setJson5Options(*app.add_subcommand("json5", "Convert JSON5 to JSON"), json5);
 
   try {
@@ -63,6 +66,7 @@ int run(const std::vector<std::string>& arguments) {
 #ifdef LUMIVANE_HOST_EXCHANGE
   if (importCommand->parsed()) runImport(import);
 #endif
+  if (app.got_subcommand("check")) return runCheck(check);
   if (app.got_subcommand("json5")) runJson5(json5);
   return Done;
 }

@@ -168,6 +168,7 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
           "size of the picture in pixels")
       ->type_name("WxH")
       ->default_str("800x800");
+  command.add_flag("--no-check", options.noCheck, "do not look for errors in the scene first");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 #ifdef LUMIVANE_HOST_MEASURES
   addVisible(command, options.visible);

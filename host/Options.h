@@ -21,10 +21,11 @@ struct ShotOptions {
   std::string scene;
   ImportSettings import;  ///< for a scene that is a mesh or a city model
   ViewSettings view;
-  std::string shot;     ///< the shot file to write, or empty
-  std::string png;      ///< the picture to write, or empty
-  std::string stats;    ///< the statistics to write, or empty
-  std::string visible;  ///< the visible shares to write, or empty
+  bool noCheck = false;  ///< whether the scene's errors are left to the shot to find
+  std::string shot;      ///< the shot file to write, or empty
+  std::string png;       ///< the picture to write, or empty
+  std::string stats;     ///< the statistics to write, or empty
+  std::string visible;   ///< the visible shares to write, or empty
   int width = 800;
   int height = 800;
   VectorFiles vector;
@@ -38,6 +39,11 @@ struct ShowOptions {
   bool viewGiven = false;  ///< whether any of the view's options stands on the command line
 };
 
+struct CheckOptions {
+  std::string scene;
+  bool json = false;
+};
+
 struct Json5Options {
   std::string file;
   std::string out;  ///< empty: standard output
@@ -49,6 +55,7 @@ struct Json5Options {
 void setShotOptions(CLI::App& command, ShotOptions& options);
 void setShowOptions(CLI::App& command, ShowOptions& options);
 void setJson5Options(CLI::App& command, Json5Options& options);
+void setCheckOptions(CLI::App& command, CheckOptions& options);
 bool viewWasGiven(const CLI::App& command);
 
 /// The arguments of a process without its name, with "--eye -1,2,3" turned into "--eye=-1,2,3": a

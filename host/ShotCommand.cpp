@@ -92,6 +92,7 @@ void runShot(const ShotOptions& options) {
   Utils::StageTimes::enable(!options.stats.empty());
   Seconds seconds;
   SourcedScene source = readScene(options, seconds);
+  if (!options.noCheck) refuseErrors(options.scene, source.scene.scene());
   const TakenShot shot = takeShot(options, source.scene, seconds);
   writeShot(options, shot, seconds);
   writeVisible(options, shot, seconds);

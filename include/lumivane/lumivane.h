@@ -31,6 +31,8 @@
 #include <lumivane/base/ViewNormalCamera.h>
 #include <lumivane/base/ViewOrientation3D.h>
 #include <lumivane/base/ViewSphericalCamera.h>
+#include <lumivane/check/Finding.h>
+#include <lumivane/check/SceneChecker.h>
 #include <lumivane/cmd/CmdManager.h>
 #include <lumivane/cmd/Log.h>
 #include <lumivane/export.h>

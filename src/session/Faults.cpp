@@ -1,12 +1,11 @@
+#include "check/Findings.h"
+
 #include <lumivane/base/Brushes.h>
 #include <lumivane/base/Pens.h>
-#include <lumivane/base/Properties.h>
 #include <lumivane/base/Scales.h>
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewDisplayStyle.h>
-#include <lumivane/geometry/Faces.h>
 #include <lumivane/geometry/Points2d.h>
-#include <lumivane/geometry/Points3d.h>
 #include <lumivane/geometry/Region2d.h>
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
@@ -24,6 +23,8 @@
 namespace Lumivane::Session {
 namespace {
 
+using Check::isNumberOf;
+
 // Null where there is no list: then defaults are drawn.
 template <class Document>
 const Base::Brushes::Vector* brushesOf(Document& document) {
@@ -40,39 +41,8 @@ size_t count(const Vector* vector) {
   return vector == nullptr ? 0 : vector->size();
 }
 
-bool isNumberOf(int number, size_t count) {
-  return number >= 1 && static_cast<size_t>(number) <= count;
-}
-
-// "point 9, but there are 1 to 8"
-std::string wrong(const std::string& what, int number, size_t count) {
-  return what + " " + std::to_string(number) + ", but there are " +
-         (count == 0 ? "none" : "1 to " + std::to_string(count));
-}
-
-std::string regionFault(Geometry::Region& region, size_t points, size_t faces) {
-  if (region.getPoints() != nullptr)
-    for (const int number : *region.getPoints())
-      if (!isNumberOf(number, points)) return wrong("point", number, points);
-  if (region.getDockingEdges() != nullptr)
-    for (const int number : *region.getDockingEdges())
-      if (number < 1) return "docking edge " + std::to_string(number) + ", but they count from 1";
-  if (!isNumberOf(region.getFaceNumber(), faces))
-    return wrong("face", region.getFaceNumber(), faces);
-  return "";
-}
-
-std::string objectFault(Scene::Object& object, size_t points) {
-  if (object.getRegions() == nullptr) return "";
-  const auto* const regions = object.getRegions()->getRegions();
-  const size_t faces = object.getFaces() == nullptr ? 0 : count(object.getFaces()->getFaces());
-  for (size_t i = 0; i < count(regions); ++i) {
-    if ((*regions)[i] == nullptr) continue;
-    const std::string fault = regionFault(*(*regions)[i], points, faces);
-    if (!fault.empty())
-      return "object \"" + object.getId() + "\", region " + std::to_string(i + 1) + ": " + fault;
-  }
-  return "";
+std::string wrong(const char* what, int number, size_t count) {
+  return Check::outOfRange(what, number, count);
 }
 
 // "object "A", region 3 (drawn as number 12): brush 9, but there are 1 to 8"
@@ -106,15 +76,8 @@ std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view) {
   const size_t scales = scene.getScales() == nullptr ? 0 : count(scene.getScales()->getScales());
   if (view.property > 0 && view.scale > 0 && !isNumberOf(view.scale, scales))
     return wrong("scale", view.scale, scales);
-  if (scene.getObjects() == nullptr) return "";
-  const size_t points = scene.getPoints() == nullptr ? 0 : count(scene.getPoints()->getPoints());
-  const auto* const objects = scene.getObjects()->getObjects();
-  for (size_t i = 0; i < count(objects); ++i) {
-    if ((*objects)[i] == nullptr) continue;
-    std::string fault = objectFault(*(*objects)[i], points);
-    if (!fault.empty()) return fault;
-  }
-  return "";
+  const std::vector<Check::Finding> errors = Check::SceneChecker::errors(scene);
+  return errors.empty() ? "" : errors.front().line();
 }
 
 std::string sceneDrawingFault(Scene::Scene3D& scene) {

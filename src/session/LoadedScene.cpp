@@ -49,8 +49,7 @@ Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& s
 std::string faultBeforehand(Scene::Scene3D& scene, const ViewSettings& view) {
   if (ProgressPoll::isThisThread()) return "a progress callback takes no shot itself";
   const std::string fault = view.fault();
-  if (fault.empty() && scene.getObjects() == nullptr) return "it has no list of objects";
-  return fault;
+  return fault.empty() && scene.getObjects() == nullptr ? sceneFault(scene, view) : fault;
 }
 
 // Forgets what a shot that failed half way has left on the objects.

@@ -242,9 +242,9 @@ TEST(ShotProgram, WrongNumberNamesObjectAndRegion) {
       "lumivane: " + folder.path("s.json") + ": no shot can be made: object \"bad\", region ";
   const std::string face = ",\"Faces\":[{\"Regions\":[1]}]";
   EXPECT_EQ(0u, error("{\"Face\":1,\"Points\":[1,2,9]}", face)
-                    .find(start + "1: point 9, but there are 1 to 3 ("));
+                    .find(start + "1: point 9, but there are 1 to 3\n"));
   EXPECT_EQ(0u, error("{\"Face\":2,\"Points\":[1,2,3]}", face)
-                    .find(start + "1: face 2, but there are 1 to 1 ("));
+                    .find(start + "1: face 2, but there are 1 to 1\n"));
   EXPECT_EQ(0u, error("{\"Points\":[1,2,3]}", face).find(start + "1: face -1, but"));
   const std::string faceless = error("{\"Face\":1,\"Points\":[1,2,3]}", "");
   EXPECT_NE(std::string::npos, faceless.find("bad")) << faceless;

@@ -1,0 +1,98 @@
+#include "Commands.h"
+#include "HostError.h"
+#include "Options.h"
+
+#include <lumivane/check/SceneChecker.h>
+#include <lumivane/io/DataReader.h>
+#include <lumivane/jzon/Node.h>
+#include <lumivane/jzon/Writer.h>
+#include <lumivane/session/Files.h>
+
+#include <algorithm>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+namespace Lumivane::Host {
+namespace {
+
+using Check::Finding;
+using Check::Severity;
+using Findings = std::vector<Finding>;
+
+enum CheckStatus : int { Clean = 0, WarningsOnly = 1, WithErrors = 2 };
+
+const char* word(Severity severity) { return severity == Severity::Error ? "error" : "warning"; }
+
+size_t count(const Findings& findings, Severity severity) {
+  return static_cast<size_t>(
+      std::count_if(findings.begin(), findings.end(),
+                    [severity](const Finding& finding) { return finding.severity == severity; }));
+}
+
+void print(const std::string& scene, const Findings& findings) {
+  for (const Finding& finding : findings)
+    std::cout << word(finding.severity) << ": " << oneLine(finding.line()) << " [" << finding.code
+              << "]\n    mend: " << finding.mend << '\n';
+  std::cout << scene << ": " << count(findings, Severity::Error) << " errors, "
+            << count(findings, Severity::Warning) << " warnings\n";
+}
+
+Jzon::Node node(const Finding& finding) {
+  Jzon::Node node = Jzon::object();
+  node.add("severity", Jzon::Node(word(finding.severity)));
+  node.add("code", Jzon::Node(finding.code));
+  node.add("object", Jzon::Node(finding.object));
+  node.add("region", Jzon::Node(finding.region));
+  node.add("face", Jzon::Node(finding.face));
+  node.add("text", Jzon::Node(finding.text));
+  node.add("mend", Jzon::Node(finding.mend));
+  return node;
+}
+
+void printJson(const std::string& scene, const Findings& findings) {
+  Jzon::Node list = Jzon::array();
+  for (const Finding& finding : findings) list.add(node(finding));
+  Jzon::Node root = Jzon::object();
+  root.add("scene", Jzon::Node(scene));
+  root.add("errors", Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Error))));
+  root.add("warnings",
+           Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Warning))));
+  root.add("findings", list);
+  std::string text;
+  Jzon::Writer(Jzon::Format{true, true, true, 1}).writeString(root, text);
+  std::cout << text << '\n';
+}
+
+}  // namespace
+
+void setCheckOptions(CLI::App& command, CheckOptions& options) {
+  command.add_option("SCENE", options.scene, "scene file (JSON)")->required()->type_name("");
+  command.add_flag("--json", options.json, "print the findings as JSON");
+  command.footer("The exit status is 0 without findings, 1 with warnings only, 2 with errors.");
+}
+
+int runCheck(const CheckOptions& options) try {
+  Session::checkReadable(options.scene);
+  const Findings findings =
+      Check::SceneChecker::checkText(IO::DataReader().readFileIntoString(options.scene));
+  options.json ? printJson(options.scene, findings) : print(options.scene, findings);
+  std::cout.flush();
+  if (!std::cout) throw HostError("standard output", "cannot be written");
+  if (count(findings, Severity::Error) > 0) return WithErrors;
+  return findings.empty() ? Clean : WarningsOnly;
+} catch (const std::exception& error) {  // what cannot be read counts as an error of the scene
+  std::cerr << "lumivane: " << oneLine(error.what()) << std::endl;
+  return WithErrors;
+}
+
+void refuseErrors(const std::string& file, Scene::Scene3D& scene) {
+  const Findings errors = Check::SceneChecker::errors(scene);
+  if (errors.empty()) return;
+  const std::string more = errors.size() == 1 ? ""
+                                              : " (and " + std::to_string(errors.size() - 1) +
+                                                    " more; lumivane check tells all)";
+  throw HostError(file, "no shot can be made: " + errors.front().line() + more);
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <lumivane/check/Finding.h>
+#include <lumivane/export.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Check {
+
+/// Looks for everything in a scene that would make a shot fail, be wrong or be surprising.
+///
+/// Reading is lenient: what is no point counts as (0, 0, 0), an unknown key as nothing. So a scene
+/// can be wrong for long without a word; these checks say it. They change nothing.
+///
+/// Findings come in the order of the document: those of its text, then for each object its own and
+/// those of its regions and faces. There are no more than `Most`, and then one more that says so.
+class LUMIVANE_EXPORT SceneChecker {
+ public:
+  static constexpr int Most = 1000;  ///< findings told in one check
+
+  /// An edge that is shorter, in scene units, is told.
+  static constexpr double ShortestEdge = 0.0001;
+  /// A point further off the plane of its region, in scene units, is told; rounding of coordinates
+  /// to 6 digits is allowed for.
+  static constexpr double Flatness = 0.0001;
+  /// The sine of an angle below which three points count as on one line.
+  static constexpr double Straight = 1e-6;
+  /// The square of a larger coordinate is beyond a double.
+  static constexpr double LargestCoordinate = 1e150;
+
+  /// Checks the text of a scene file, then the scene in it as far as it can be read.
+  ///
+  /// \param json  the text as `IO::DataReader::readFileIntoString` gives it
+  static std::vector<Finding> checkText(const std::string& json);
+
+  /// Checks a scene in memory: all but what only a text can have wrong.
+  static std::vector<Finding> check(Scene::Scene3D& scene);
+
+  /// Only what makes every shot of the scene fail: numbers that point at nothing, null
+  /// objects, no list of them.
+  /// Quick: no geometry is looked at.
+  static std::vector<Finding> errors(Scene::Scene3D& scene);
+};
+
+}  // namespace Lumivane::Check

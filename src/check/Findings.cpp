@@ -1,0 +1,36 @@
+#include "check/Findings.h"
+
+#include <algorithm>
+
+namespace Lumivane::Check {
+
+std::string Finding::line() const {
+  std::string place;
+  if (!object.empty() || region > 0 || face > 0) place = "object \"" + object + "\"";
+  if (region > 0) place += ", region " + std::to_string(region);
+  if (face > 0) place += ", face " + std::to_string(face);
+  return place.empty() ? text : place + ": " + text;
+}
+
+bool Findings::hasErrors() const {
+  return std::any_of(items.begin(), items.end(),
+                     [](const Finding& finding) { return finding.severity == Severity::Error; });
+}
+
+void Findings::put(Severity severity, const char* code, int region, int face, std::string text,
+                   const char* mend) {
+  if (full()) return;
+  if (items.size() == SceneChecker::Most) {
+    items.push_back(
+        {Severity::Warning, "more", "", 0, 0, "there is more; it is not told", "mend these first"});
+    return;
+  }
+  items.push_back({severity, code, object, region, face, std::move(text), mend});
+}
+
+std::string outOfRange(const char* what, int number, size_t count) {
+  return std::string(what) + " " + std::to_string(number) + ", but there are " +
+         (count == 0 ? "none" : "1 to " + std::to_string(count));
+}
+
+}  // namespace Lumivane::Check

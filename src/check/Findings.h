@@ -1,0 +1,59 @@
+#pragma once
+
+#include <lumivane/check/SceneChecker.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Lumivane::Check {
+
+/// Collects findings about one object after the other, and stops at a number that nobody would
+/// read.
+class Findings {
+ public:
+  /// What follows is about this object; the empty id is the scene's.
+  void setObject(const std::string& id) { object = id; }
+
+  /// About the object as a whole, or the scene.
+  void add(Severity severity, const char* code, std::string text, const char* mend) {
+    put(severity, code, 0, 0, std::move(text), mend);
+  }
+  /// About a region or face; numbers from 1.
+  void addRegion(Severity severity, const char* code, size_t region, std::string text,
+                 const char* mend) {
+    put(severity, code, static_cast<int>(region), 0, std::move(text), mend);
+  }
+  void addFace(Severity severity, const char* code, size_t face, std::string text,
+               const char* mend) {
+    put(severity, code, 0, static_cast<int>(face), std::move(text), mend);
+  }
+
+  bool full() const { return items.size() > SceneChecker::Most; }
+  bool hasErrors() const;
+  std::vector<Finding> take() { return std::move(items); }
+
+ private:
+  void put(Severity severity, const char* code, int region, int face, std::string text,
+           const char* mend);
+
+  std::string object;
+  std::vector<Finding> items;
+};
+
+/// Whether a number from 1 points at one of so many.
+inline bool isNumberOf(int number, size_t count) {
+  return number >= 1 && static_cast<size_t>(number) <= count;
+}
+
+/// "point 9, but there are 1 to 8"
+std::string outOfRange(const char* what, int number, size_t count);
+
+/// The items of one of the model's lists, or no items: the list or its vector may be missing.
+template <class Vector>
+const Vector& itemsOf(const Vector* vector) {
+  static const Vector None;
+  return vector == nullptr ? None : *vector;
+}
+
+}  // namespace Lumivane::Check
