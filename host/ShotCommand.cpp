@@ -70,12 +70,14 @@ void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& se
 #endif
 }
 
-void writeVectorPictures(const ShotOptions& options, const TakenShot& shot, Seconds& seconds) {
+void writeVectorPictures(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
+                         Seconds& seconds) {
 #ifdef LUMIVANE_HOST_EXCHANGE
   const Timer timer(seconds.vector);
-  writeVectorFiles(options.vector, shot, options.scene, options.width, options.height);
+  writeVectorFiles(options.vector, scene, options.view, shot, options.width, options.height);
 #else
-  static_cast<void>(options), static_cast<void>(shot), static_cast<void>(seconds);
+  static_cast<void>(options), static_cast<void>(scene), static_cast<void>(shot);
+  static_cast<void>(seconds);
 #endif
 }
 
@@ -97,7 +99,7 @@ void runShot(const ShotOptions& options) {
   writeShot(options, shot, seconds);
   writeVisible(options, shot, seconds);
   try {
-    writeVectorPictures(options, shot, seconds);
+    writeVectorPictures(options, source.scene, shot, seconds);
     writePicture(options, shot, seconds);
   } catch (const HostError&) {
     writeStats(options, shot, seconds, source.import);  // the shot itself is there

@@ -3,11 +3,17 @@
 #include "HostError.h"
 
 #include <lumivane/exchange/CairoWriter.h>
+#include <lumivane/exchange/HtmlPage.h>
 #include <lumivane/exchange/SvgWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
+#include <lumivane/measure/VisibleShares.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/session/LoadedScene.h>
 #include <lumivane/session/TakenShot.h>
+#include <lumivane/utils/StageTimes.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -20,13 +26,18 @@ using Exchange::VectorPicture;
 
 constexpr const char* Group = "Vector pictures (need no display)";
 
+constexpr double PageExtent = 1.02;  // so that no line of the rim is cut
+
 struct Drawn {
   std::string path;
   std::string bytes;
 };
 
-std::vector<Drawn> drawn(const VectorFiles& files, const VectorPicture& picture) {
+std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
+                         const Exchange::VectorOptions& options) {
   std::vector<Drawn> result;
+  if (files.svg.empty() && files.pdf.empty() && files.eps.empty() && files.png.empty()) return {};
+  const VectorPicture picture(shot, options);
   if (!files.svg.empty()) result.push_back({files.svg, Exchange::SvgWriter::write(picture)});
   if (!files.pdf.empty()) result.push_back({files.pdf, CairoWriter::pdf(picture)});
   if (!files.eps.empty()) result.push_back({files.eps, CairoWriter::eps(picture)});
@@ -34,10 +45,39 @@ std::vector<Drawn> drawn(const VectorFiles& files, const VectorPicture& picture)
   return result;
 }
 
+void addToPage(Exchange::HtmlPage& page, const Session::TakenShot& shot,
+               Exchange::VectorOptions options) {
+  options.extent = std::max(options.extent, PageExtent);
+  page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()));
+}
+
+Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
+  const bool isNormal = view.camera == Base::ViewCameraKind::Normal;
+  view.camera = isNormal ? Base::ViewCameraKind::Spherical : Base::ViewCameraKind::Normal;
+  return view;
+}
+
+// The statistics tell the stages of the first shot alone.
+Session::TakenShot otherShot(Session::LoadedScene& scene, const Session::ViewSettings& view) {
+  Utils::StageTimes::enable(false);
+  return scene.take(withOtherCamera(view));
+}
+
 std::string firstPath(const VectorFiles& files) {
   for (const std::string& path : files.paths())
     if (!path.empty()) return path;
   return "";
+}
+
+Exchange::VectorOptions optionsOf(const VectorFiles& files, const Session::LoadedScene& scene,
+                                  int width, int height) {
+  Exchange::VectorOptions options;
+  options.width = width;
+  options.height = height;
+  options.extent = files.extent;
+  options.axes = files.axes ? Exchange::VectorAxes::OfShot : Exchange::VectorAxes::None;
+  options.title = std::filesystem::path(scene.name()).filename().string();
+  return options;
 }
 
 }  // namespace
@@ -50,6 +90,15 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
       {"--png-vector", {&files.png, "PNG to write, with smooth edges"}}};
   for (const auto& [name, output] : outputs)
     command.add_option(name, *output.first, output.second)->type_name("FILE")->group(Group);
+  auto* const html =
+      command
+          .add_option("--html", files.html,
+                      "page to explore the shot in a browser, with what is visible of each object")
+          ->type_name("FILE")
+          ->group(Group);
+  command.add_flag("--html-both", files.htmlBoth, "the page has the shot of the other camera too")
+      ->needs(html)
+      ->group(Group);
   command
       .add_flag("--axes", files.axes, "draw the axes of the projection under the vector pictures")
       ->group(Group);
@@ -62,19 +111,23 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
       ->group(Group);
 }
 
-void writeVectorFiles(const VectorFiles& files, const Session::TakenShot& shot,
-                      const std::string& title, int width, int height) {
+void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
+                      const Session::ViewSettings& view, const Session::TakenShot& shot, int width,
+                      int height) {
   const std::string first = firstPath(files);
   if (first.empty()) return;
-  Exchange::VectorOptions options;
-  options.width = width;
-  options.height = height;
-  options.extent = files.extent;
-  options.axes = files.axes ? Exchange::VectorAxes::OfShot : Exchange::VectorAxes::None;
-  options.title = title;
+  const Exchange::VectorOptions options = optionsOf(files, scene, width, height);
   std::vector<Drawn> pictures;
   try {
-    pictures = drawn(files, VectorPicture(shot.shot(), options));
+    pictures = drawn(files, shot.shot(), options);
+    if (!files.html.empty()) {
+      Exchange::HtmlPage page(options.title);
+      addToPage(page, shot, options);
+      if (files.htmlBoth) addToPage(page, otherShot(scene, view), options);
+      pictures.push_back({files.html, page.text()});
+    }
+  } catch (const HostError&) {
+    throw;
   } catch (const std::exception& error) {
     throw HostError(first, std::string("the picture is not drawn: ") + error.what());
   }

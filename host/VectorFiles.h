@@ -7,22 +7,27 @@ namespace CLI {
 class App;
 }
 namespace Lumivane::Session {
+class LoadedScene;
 class TakenShot;
-}
+struct ViewSettings;
+}  // namespace Lumivane::Session
 
 namespace Lumivane::Host {
 
-/// The vector pictures of a shot to write; none of them needs a display. Only a program built with
-/// Lumivane::exchange has these options, and without them there is nothing to write.
+/// The vector pictures and the page of a shot to write; none of them needs a display. Only a
+/// program built with Lumivane::exchange has these options, and without them there is nothing to
+/// write.
 struct VectorFiles {
   std::string svg;  ///< or empty, and so for the others
   std::string pdf;
   std::string eps;
   std::string png;
+  std::string html;
+  bool htmlBoth = false;  ///< whether the page has the shot of the other camera too
   bool axes = false;
   double extent = 1.0;
 
-  std::vector<std::string> paths() const { return {svg, pdf, eps, png}; }
+  std::vector<std::string> paths() const { return {svg, pdf, eps, png, html}; }
 };
 
 /// Declares the options; `files` takes their values when the command line is parsed.
@@ -31,9 +36,11 @@ void setVectorOptions(CLI::App& command, VectorFiles& files);
 /// Draws all that is asked for, in memory first: either all of it can be drawn or nothing is
 /// written.
 ///
-/// \param title  names the picture in its document data
+/// \param scene  what the shot was taken of; for a page with both cameras a second one is taken
+/// \param view   from where the shot was taken
 /// \throws HostError that names the file
-void writeVectorFiles(const VectorFiles& files, const Session::TakenShot& shot,
-                      const std::string& title, int width, int height);
+void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
+                      const Session::ViewSettings& view, const Session::TakenShot& shot, int width,
+                      int height);
 
 }  // namespace Lumivane::Host

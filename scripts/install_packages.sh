@@ -15,6 +15,10 @@ packages=(
   chromium                               # to look at SVG and pages
 )
 
+# Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.
+command -v node >/dev/null || packages+=(nodejs)  # to use pages in a browser
+command -v npm >/dev/null || packages+=(npm)
+
 missing=()
 for package in "${packages[@]}"; do
   status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)

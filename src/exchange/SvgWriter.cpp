@@ -4,6 +4,8 @@
 #include <lumivane/exchange/VectorPicture.h>
 
 #include <sstream>
+#include <stdexcept>
+#include <string>
 
 #include <pugixml.hpp>
 
@@ -17,12 +19,20 @@ using Surface = VectorPicture::Surface;
 
 constexpr int OpacityDecimals = 3;
 
+SvgNumbers numbersFor(const VectorPicture& picture, const SvgWriter::Options& options) {
+  if (options.decimals == -1) return SvgNumbers::forHeight(picture.height());
+  if (options.decimals < 0 || options.decimals > 6)
+    throw std::invalid_argument("an SVG has 0 to 6 decimals, not " +
+                                std::to_string(options.decimals));
+  return SvgNumbers(options.decimals);
+}
+
 class Document {
  public:
   Document(const VectorPicture& source, const SvgWriter::Options& writerOptions)
       : picture(source),
         options(writerOptions),
-        numbers(SvgNumbers::forHeight(source.height())),
+        numbers(numbersFor(source, writerOptions)),
         opacities(OpacityDecimals) {
     svg = document.append_child("svg");
     svg.append_attribute("xmlns") = "http://www.w3.org/2000/svg";

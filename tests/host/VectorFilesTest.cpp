@@ -79,6 +79,29 @@ TEST(VectorFiles, OptionsChangeThePicture) {
   EXPECT_NE(svg({"--axes"}), svg({"--axes", "--camera", "normal"}));
 }
 
+TEST(VectorFiles, PageHasOneProjectionOrBoth) {
+  const TempFolder folder;
+  ASSERT_EQ(0, shot(Small, {"--html", folder.path("a.html")}).status);
+  ASSERT_EQ(0, shot(Small, {"--html", folder.path("b.html"), "--html-both"}).status);
+  ASSERT_EQ(
+      0,
+      shot(Small, {"--html", folder.path("c.html"), "--html-both", "--camera", "normal"}).status);
+  const auto projections = [&folder](const std::string& name) {
+    const std::string page = fileBytes(folder.path(name));
+    const std::string start = "id=\"data\">";
+    const size_t from = page.find(start) + start.size();
+    const Json data = Json::parse(page.substr(from, page.find("</script>", from) - from));
+    std::string names;
+    for (const Json& picture : data.at("pictures"))
+      names += picture.at("name").get<std::string>() + " ";
+    return names;
+  };
+  EXPECT_EQ("radial ", projections("a.html"));
+  EXPECT_EQ("radial square ", projections("b.html"));
+  EXPECT_EQ("square radial ", projections("c.html"));
+  EXPECT_NE(std::string::npos, fileBytes(folder.path("a.html")).find("<title>small.json</title>"));
+}
+
 TEST(VectorFiles, NonsenseIsToldInOneLine) {
   const TempFolder folder;
   const auto error = [](const std::vector<std::string>& more) {
@@ -90,6 +113,7 @@ TEST(VectorFiles, NonsenseIsToldInOneLine) {
   };
   EXPECT_NE(std::string::npos, error({"--extent", "0"}).find("--extent"));
   EXPECT_NE(std::string::npos, error({"--extent", "wide"}).find("--extent"));
+  EXPECT_NE(std::string::npos, error({"--html-both"}).find("--html"));
   EXPECT_NE(std::string::npos, error({"--svg", folder.path("none/a.svg")}).find("none/a.svg"));
   EXPECT_NE(std::string::npos, error({"--svg", folder.path("a"), "--pdf", folder.path("a")})
                                    .find("is already named for another file"));

@@ -1,0 +1,403 @@
+// The page of a shot: the table and the picture show the same objects. Tens of thousands of regions
+// must not slow it down, so that nothing here walks over them: events are caught on their way up,
+// an object is marked by one style rule for its class, and only the rows in view exist.
+"use strict";
+(() => {
+  const RowHeight = 28; // as the style says
+  const RowsAhead = 10;
+  const MostZoom = 200;
+  const ClickDistance = 4;
+
+  const byId = (id) => document.getElementById(id);
+  const data = JSON.parse(byId("data").textContent);
+  const stage = byId("stage");
+  const grid = byId("rows");
+  const svgs = Array.from(stage.querySelectorAll("svg"));
+
+  const state = {
+    picture: 0,
+    selected: null, // object numbers; the open share is 0
+    hovered: null,
+    column: "viewFactor",
+    ascending: false,
+    rows: [],
+    zoom: 1,
+    x: 0,
+    y: 0,
+  };
+
+  // The rows of a picture as objects with names for their columns.
+  const pictures = data.pictures.map((picture) => ({
+    name: picture.name,
+    rows: picture.rows.map(([number, id, viewFactor, solidAngle, hemisphere]) => ({
+      number, id, viewFactor, solidAngle, hemisphere,
+      label: number === 0 ? "open (sky)" : id === "" ? `object ${number}` : id,
+      key: id.toLowerCase(),
+    })),
+  }));
+  for (const picture of pictures) {
+    picture.byNumber = new Map(picture.rows.map((row) => [row.number, row]));
+    picture.most = picture.rows.reduce((most, row) => Math.max(most, row.viewFactor), 1e-12);
+  }
+  const rowOf = (number) => pictures[state.picture].byNumber.get(number);
+
+  // Marks ------------------------------------------------------------------------------------------
+
+  const rule = (number, name) =>
+    number === null ? "" :
+      `#stage .o${number}[fill]{fill:var(--${name});fill-opacity:1}` +
+      `#stage .o${number}[stroke]{stroke:var(--mark-line)}` +
+      `#stage path[data-region].o${number}:not([fill]){stroke-width:3px}`;
+
+  let isPending = false;
+  function mark() {
+    if (isPending) return;
+    isPending = true;
+    requestAnimationFrame(() => {
+      isPending = false;
+      byId("marks").textContent = rule(state.hovered, "hovered") + rule(state.selected, "selected");
+      for (const row of byId("shown").rows) markRow(row);
+    });
+  }
+
+  function markRow(row) {
+    const number = Number(row.dataset.number);
+    row.classList.toggle("hovered", number === state.hovered);
+    row.classList.toggle("selected", number === state.selected);
+    row.setAttribute("aria-selected", String(number === state.selected));
+  }
+
+  const figures = (row) =>
+    `view factor ${row.viewFactor.toFixed(5)}, solid angle ${row.solidAngle.toFixed(4)} sr, ` +
+    `${(100 * row.hemisphere).toFixed(2)} % of the hemisphere`;
+
+  function tell(path) {
+    const row = rowOf(state.hovered ?? state.selected);
+    if (!row) {
+      byId("status").textContent = "Point at an object, or choose one in the table.";
+      return;
+    }
+    const place = path ? `, face ${path.dataset.face}, region ${path.dataset.region}` : "";
+    byId("status").textContent = `${row.label}${place}: ${figures(row)}`;
+  }
+
+  function hover(number, path) {
+    if (number !== state.hovered) {
+      state.hovered = number;
+      mark();
+    }
+    tell(path);
+  }
+
+  function select(number, options = {}) {
+    state.selected = number;
+    const at = state.rows.findIndex((row) => row.number === number);
+    if (at >= 0 && options.scroll !== false) scrollTo(at);
+    if (at >= 0) grid.setAttribute("aria-activedescendant", `row-${number}`);
+    else grid.removeAttribute("aria-activedescendant");
+    mark();
+    tell();
+    const row = rowOf(number);
+    byId("announced").textContent = row ? `${row.label}: ${figures(row)}` : "";
+  }
+
+  // Table ------------------------------------------------------------------------------------------
+
+  function listRows() {
+    const query = byId("search").value.trim().toLowerCase();
+    const all = pictures[state.picture].rows;
+    const rows = query === "" ? all.slice() : all.filter((row) => row.key.includes(query));
+    const sign = state.ascending ? 1 : -1;
+    const column = state.column;
+    rows.sort(column === "id"
+      ? (a, b) => sign * (a.key < b.key ? -1 : a.key > b.key ? 1 : 0) || a.number - b.number
+      : (a, b) => sign * (a[column] - b[column]) || a.number - b.number);
+    state.rows = rows;
+    byId("found").textContent = query === "" ? `${all.length - 1} objects`
+      : `${rows.length} of ${all.length - 1}`;
+    grid.setAttribute("aria-rowcount", String(rows.length + 1));
+    for (const header of grid.querySelectorAll("th")) {
+      const isSorted = header.dataset.column === column;
+      header.setAttribute("aria-sort",
+        !isSorted ? "none" : state.ascending ? "ascending" : "descending");
+    }
+    showRows();
+  }
+
+  function cell(row, text, className) {
+    const td = row.insertCell();
+    td.setAttribute("role", "gridcell");
+    td.textContent = text;
+    if (className) td.className = className;
+    return td;
+  }
+
+  function makeRow(entry, index) {
+    const row = document.createElement("tr");
+    row.id = `row-${entry.number}`;
+    row.dataset.number = entry.number;
+    row.setAttribute("role", "row");
+    row.setAttribute("aria-rowindex", String(index + 2));
+    if (entry.number === 0) row.classList.add("open");
+    cell(row, entry.label).title = entry.label;
+    const factor = cell(row, entry.viewFactor.toFixed(5), "factor");
+    factor.style.setProperty("--share",
+      `${(100 * entry.viewFactor / pictures[state.picture].most).toFixed(1)}%`);
+    cell(row, entry.solidAngle.toFixed(4));
+    cell(row, (100 * entry.hemisphere).toFixed(2));
+    markRow(row);
+    return row;
+  }
+
+  // Only the rows in view and some around them; empty space stands for the others.
+  function showRows() {
+    const count = state.rows.length;
+    const first = Math.max(0, Math.floor(grid.scrollTop / RowHeight) - RowsAhead);
+    const last = Math.min(count, Math.ceil((grid.scrollTop + grid.clientHeight) / RowHeight) + RowsAhead);
+    byId("shown").replaceChildren(
+      ...state.rows.slice(first, last).map((entry, i) => makeRow(entry, first + i)));
+    byId("before").rows[0].cells[0].style.height = `${Math.min(first, count) * RowHeight}px`;
+    byId("after").rows[0].cells[0].style.height = `${Math.max(0, count - last) * RowHeight}px`;
+  }
+
+  function scrollTo(index) {
+    const head = grid.querySelector("thead").offsetHeight;
+    const top = index * RowHeight;
+    if (top < grid.scrollTop) grid.scrollTop = top;
+    const bottom = top + RowHeight + head - grid.clientHeight;
+    if (bottom > grid.scrollTop) grid.scrollTop = bottom;
+    showRows();
+  }
+
+  function step(by) {
+    if (state.rows.length === 0) return;
+    const at = state.rows.findIndex((row) => row.number === state.selected);
+    const next = at < 0 ? (by < 0 ? state.rows.length - 1 : 0)
+      : Math.min(state.rows.length - 1, Math.max(0, at + by));
+    select(state.rows[next].number);
+  }
+
+  // Zoom -------------------------------------------------------------------------------------------
+
+  // While it moves, the picture is a layer of its own that only shifts; at rest it is drawn anew.
+  let rest = 0;
+  function place() {
+    stage.classList.add("moving");
+    clearTimeout(rest);
+    rest = setTimeout(() => stage.classList.remove("moving"), 200);
+    const { width, height } = stage.getBoundingClientRect();
+    const within = (value, size) => Math.min(0.5 * size, Math.max((0.5 - state.zoom) * size, value));
+    state.x = within(state.x, width);
+    state.y = within(state.y, height);
+    for (const svg of svgs)
+      svg.style.transform = `translate(${state.x}px,${state.y}px) scale(${state.zoom})`;
+    byId("zoom").textContent = `${Math.round(100 * state.zoom)} %`;
+  }
+
+  // Keeps the place under (x, y) of the stage where it is.
+  function zoomBy(factor, x = stage.clientWidth / 2, y = stage.clientHeight / 2) {
+    const zoom = Math.min(MostZoom, Math.max(1, state.zoom * factor));
+    const change = zoom / state.zoom;
+    state.x = x - (x - state.x) * change;
+    state.y = y - (y - state.y) * change;
+    state.zoom = zoom;
+    if (zoom === 1) state.x = state.y = 0;
+    place();
+  }
+
+  function panBy(x, y) {
+    state.x += x;
+    state.y += y;
+    place();
+  }
+
+  function zoomToSelected() {
+    const paths = svgs[state.picture].getElementsByClassName(`o${state.selected}`);
+    const frame = stage.getBoundingClientRect();
+    let left = Infinity, top = Infinity, right = -Infinity, bottom = -Infinity;
+    for (const path of paths) {
+      const box = path.getBoundingClientRect();
+      left = Math.min(left, box.left);
+      top = Math.min(top, box.top);
+      right = Math.max(right, box.right);
+      bottom = Math.max(bottom, box.bottom);
+    }
+    if (!(right > left) && !(bottom > top)) return;
+    const x = (left + right) / 2 - frame.left;
+    const y = (top + bottom) / 2 - frame.top;
+    const fit = 0.5 * Math.min(frame.width / Math.max(right - left, 1),
+                               frame.height / Math.max(bottom - top, 1));
+    panBy(frame.width / 2 - x, frame.height / 2 - y);
+    zoomBy(fit);
+  }
+
+  const zoomKeys = {
+    "+": () => zoomBy(1.5),
+    "=": () => zoomBy(1.5),
+    "-": () => zoomBy(1 / 1.5),
+    "0": () => zoomBy(0),
+  };
+
+  // What the user does -----------------------------------------------------------------------------
+
+  const regionAt = (target) => target instanceof Element ? target.closest("path[data-region]") : null;
+  const numberOf = (path) => Number(/\bo(-?\d+)/.exec(path.getAttribute("class"))[1]);
+  const rowAt = (target) => target.closest("#shown tr");
+
+  const pointers = new Map(); // those that are down, by their id
+  let travelled = 0;
+
+  stage.addEventListener("pointerover", (event) => {
+    if (pointers.size > 0) return;
+    const path = regionAt(event.target);
+    hover(path ? numberOf(path) : null, path);
+  });
+  stage.addEventListener("pointerleave", () => hover(null));
+  stage.addEventListener("pointerdown", (event) => {
+    if (event.button !== 0) return;
+    if (pointers.size === 0) travelled = 0;
+    pointers.set(event.pointerId, { x: event.clientX, y: event.clientY });
+  });
+  stage.addEventListener("pointermove", (event) => {
+    const before = pointers.get(event.pointerId);
+    if (!before) return;
+    const now = { x: event.clientX, y: event.clientY };
+    travelled += Math.hypot(now.x - before.x, now.y - before.y);
+    if (travelled < ClickDistance) return;
+    if (!stage.hasPointerCapture(event.pointerId)) stage.setPointerCapture(event.pointerId);
+    if (pointers.size === 2) pinch(event.pointerId, now);
+    else panBy(now.x - before.x, now.y - before.y);
+    pointers.set(event.pointerId, now);
+  });
+  for (const name of ["pointerup", "pointercancel"]) {
+    stage.addEventListener(name, (event) => {
+      if (!pointers.delete(event.pointerId) || name === "pointercancel") return;
+      if (travelled >= ClickDistance) return;
+      const path = regionAt(event.target);
+      select(path ? numberOf(path) : null);
+    });
+  }
+
+  function pinch(moved, now) {
+    const [other] = [...pointers].filter(([id]) => id !== moved).map(([, point]) => point);
+    const before = pointers.get(moved);
+    const frame = stage.getBoundingClientRect();
+    const length = (p) => Math.max(1, Math.hypot(p.x - other.x, p.y - other.y));
+    zoomBy(length(now) / length(before), (now.x + other.x) / 2 - frame.left,
+           (now.y + other.y) / 2 - frame.top);
+  }
+
+  stage.addEventListener("wheel", (event) => {
+    event.preventDefault();
+    const frame = stage.getBoundingClientRect();
+    const lines = event.deltaMode === WheelEvent.DOM_DELTA_PIXEL ? event.deltaY / 100 : event.deltaY / 3;
+    zoomBy(Math.pow(1.25, -Math.max(-4, Math.min(4, lines))), event.clientX - frame.left,
+           event.clientY - frame.top);
+  }, { passive: false });
+
+  stage.addEventListener("keydown", (event) => {
+    const far = event.shiftKey ? 200 : 50;
+    const moves = { ArrowLeft: [far, 0], ArrowRight: [-far, 0], ArrowUp: [0, far], ArrowDown: [0, -far] };
+    if (!moves[event.key]) return;
+    event.preventDefault();
+    panBy(...moves[event.key]);
+  });
+
+  grid.addEventListener("pointerover", (event) => {
+    const row = rowAt(event.target);
+    hover(row ? Number(row.dataset.number) : null);
+  });
+  grid.addEventListener("pointerleave", () => hover(null));
+  grid.addEventListener("click", (event) => {
+    const header = event.target.closest("th");
+    const row = rowAt(event.target);
+    if (row) select(Number(row.dataset.number), { scroll: false });
+    if (!header) return;
+    const column = header.dataset.column;
+    state.ascending = column === state.column ? !state.ascending : column === "id";
+    state.column = column;
+    grid.scrollTop = 0;
+    listRows();
+  });
+  grid.addEventListener("keydown", (event) => {
+    if (event.target !== grid) return; // the headers have keys of their own
+    const page = Math.max(1, Math.floor(grid.clientHeight / RowHeight) - 2);
+    const steps = { ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,
+                    Home: -Infinity, End: Infinity };
+    if (event.key in steps) step(steps[event.key]);
+    else if (event.key === "Enter") zoomToSelected();
+    else return;
+    event.preventDefault();
+  });
+  grid.addEventListener("scroll", () => requestAnimationFrame(showRows), { passive: true });
+
+  byId("search").addEventListener("input", () => {
+    grid.scrollTop = 0;
+    listRows();
+  });
+  byId("search").addEventListener("keydown", (event) => {
+    if (event.key === "ArrowDown" || event.key === "Enter") {
+      event.preventDefault();
+      if (state.rows.length > 0) select(state.rows[0].number);
+      grid.focus();
+    }
+  });
+
+  document.addEventListener("keydown", (event) => {
+    if (event.ctrlKey || event.metaKey || event.altKey) return;
+    const isTyping = event.target === byId("search");
+    if (event.key === "Escape") {
+      if (isTyping) {
+        byId("search").value = "";
+        listRows();
+      }
+      select(null);
+    } else if (event.key === "/" && !isTyping) {
+      event.preventDefault();
+      byId("search").select();
+      byId("search").focus();
+    } else if (!isTyping && zoomKeys[event.key]) {
+      zoomKeys[event.key]();
+    }
+  });
+
+  byId("zoom-in").addEventListener("click", zoomKeys["+"]);
+  byId("zoom-out").addEventListener("click", zoomKeys["-"]);
+  byId("zoom-reset").addEventListener("click", zoomKeys["0"]);
+  addEventListener("resize", () => {
+    place();
+    showRows();
+  });
+
+  // Start ------------------------------------------------------------------------------------------
+
+  function show(picture) {
+    state.picture = picture;
+    state.hovered = null;
+    svgs.forEach((svg, i) => svg.toggleAttribute("hidden", i !== picture));
+    const rows = pictures[picture].rows;
+    const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
+    byId("sum").textContent =
+      `All objects and the open share together: view factor ${sum("viewFactor").toFixed(5)}, ` +
+      `${sum("solidAngle").toFixed(4)} sr.`;
+    listRows();
+    mark();
+    tell();
+  }
+
+  if (pictures.length > 1) {
+    pictures.forEach((picture, i) => {
+      const label = document.createElement("label");
+      const input = document.createElement("input");
+      input.type = "radio";
+      input.name = "projection";
+      input.value = picture.name;
+      input.checked = i === 0;
+      input.addEventListener("change", () => show(i));
+      label.append(input, ` ${picture.name}`);
+      byId("projections").append(label);
+    });
+    byId("projections").hidden = false;
+  }
+  show(0);
+})();

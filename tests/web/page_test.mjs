@@ -1,0 +1,373 @@
+// The page of a shot in a browser: hover, click, search, zoom, keys, both projections, many regions.
+// Pictures of it are left in LUMIVANE_PICTURES to be looked at.
+
+import assert from "node:assert/strict";
+import { execFileSync } from "node:child_process";
+import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import { pathToFileURL } from "node:url";
+
+import { chromium } from "playwright-core";
+
+const { LUMIVANE_PROGRAM, LUMIVANE_BIG_PAGE, LUMIVANE_SCENES, LUMIVANE_CHROMIUM, LUMIVANE_PICTURES } =
+  process.env;
+const Size = { width: 1280, height: 800 };
+const Timeout = 60000;
+
+let folder;
+let browser;
+
+const lumivane = (...args) =>
+  execFileSync(LUMIVANE_PROGRAM, args, { stdio: ["ignore", "ignore", "inherit"] });
+const inFolder = (name) => join(folder, name);
+const picture = (name) => join(LUMIVANE_PICTURES, `page-${name}.png`);
+
+before(async () => {
+  folder = mkdtempSync(join(tmpdir(), "lumivane-page-"));
+  const room = ["shot", join(LUMIVANE_SCENES, "room.json"), "--eye=0.35,2.137,1.6"];
+  lumivane(...room, "--html", inFolder("room.html"), "--html-both", "--visible", inFolder("room.csv"));
+  lumivane(...room, "--html", inFolder("one.html"), "--style", "outline");
+  lumivane(...room, "--html", inFolder("half.html"), "--style", "half");
+  browser = await chromium.launch({
+    executablePath: LUMIVANE_CHROMIUM,
+    args: ["--no-sandbox", "--disable-gpu", "--disable-quic"],
+  });
+});
+
+after(async () => {
+  await browser?.close();
+  rmSync(folder, { recursive: true, force: true });
+});
+
+// Opens a page and fails the test if it reports an error or asks for anything but itself.
+async function open(t, file, options = {}) {
+  const context = await browser.newContext({ viewport: Size, ...options });
+  context.setDefaultTimeout(Timeout);
+  t.after(() => context.close());
+  const page = await context.newPage();
+  const faults = [];
+  page.on("pageerror", (error) => faults.push(error.message));
+  page.on("console", (message) => message.type() === "error" && faults.push(message.text()));
+  page.on("request", (request) => {
+    if (!request.url().startsWith("file:") && !request.url().startsWith("data:"))
+      faults.push(request.url());
+  });
+  await page.goto(pathToFileURL(inFolder(file)).href);
+  t.after(() => assert.deepEqual(faults, []));
+  return page;
+}
+
+const status = (page) => page.locator("#status").textContent();
+const marks = (page) => page.locator("#marks").evaluate((style) => style.textContent);
+const rowNames = (page) => page.locator("#shown td:first-child").allTextContents();
+const selectedRow = (page) => page.locator("#shown tr.selected td:first-child");
+const zoomOf = async (page) => Number.parseInt(await page.locator("#zoom").textContent(), 10);
+
+// The number of the object with an id, as the page's data has it.
+const numberOf = (page, id) => page.evaluate((wanted) =>
+  JSON.parse(document.getElementById("data").textContent)
+    .pictures[0].rows.find((row) => row[1] === wanted)[0], id);
+
+// A place in the window where a region of the object is on top.
+async function placeOf(page, id) {
+  const place = await page.evaluate((number) => {
+    const svg = document.querySelector("#stage svg:not([hidden])");
+    for (const path of svg.querySelectorAll(`path[data-region].o${number}`)) {
+      const box = path.getBoundingClientRect();
+      for (let i = 1; i < 10; ++i) {
+        for (let k = 1; k < 10; ++k) {
+          const x = box.left + (box.width * i) / 10;
+          const y = box.top + (box.height * k) / 10;
+          const top = document.elementFromPoint(x, y);
+          if (top && top.classList.contains(`o${number}`)) return { x, y };
+        }
+      }
+    }
+    return null;
+  }, await numberOf(page, id));
+  assert.ok(place, `${id} is nowhere on top`);
+  return place;
+}
+
+// The fill that is painted at a place.
+const fillAt = (page, { x, y }) => page.evaluate(([left, top]) =>
+  getComputedStyle(document.elementFromPoint(left, top)).fill, [x, y]);
+const colorOf = (page, name) => page.evaluate((variable) => {
+  const probe = document.body.appendChild(document.createElement("i"));
+  probe.style.color = `var(--${variable})`;
+  const color = getComputedStyle(probe).color;
+  probe.remove();
+  return color;
+}, name);
+
+const frame = (page) => page.evaluate(() => new Promise((done) =>
+  requestAnimationFrame(() => requestAnimationFrame(done))));
+
+test("the table holds the objects with their view factors, greatest first", async (t) => {
+  const page = await open(t, "room.html");
+  const lines = readFileSync(inFolder("room.csv"), "utf-8").trim().split("\n").map((line) => line.split(","));
+  const column = (name) => lines[0].indexOf(name);
+  const expected = lines.filter((line) => line[column("kind")] === "object")
+    .map((line) => [line[column("id")], Number(line[column("view_factor")])])
+    .sort((a, b) => b[1] - a[1]);
+  assert.ok(expected.length > 10);
+  const names = await rowNames(page);
+  const factors = await page.locator("#shown td.factor").allTextContents();
+  const shown = names.map((name, i) => [name, factors[i]]).filter(([name]) => name !== "open (sky)");
+  assert.deepEqual(shown, expected.map(([id, factor]) => [id, factor.toFixed(5)]));
+  assert.match(await page.locator("#sum").textContent(), /view factor 1\.00000, 6\.2832 sr/);
+});
+
+test("pointing at an object in the picture marks it there and in the table", async (t) => {
+  const page = await open(t, "room.html");
+  const place = await placeOf(page, "rug");
+  const plain = await fillAt(page, place);
+  await page.mouse.move(place.x, place.y);
+  await page.locator("#shown tr.hovered td:first-child", { hasText: "rug" }).waitFor();
+  assert.equal(await fillAt(page, place), await colorOf(page, "hovered"));
+  assert.match(await status(page), /^rug, face \d+, region \d+: view factor 0\.\d{5}/);
+  await page.mouse.move(5, 5);
+  await frame(page);
+  assert.equal(await page.locator("#shown tr.hovered").count(), 0);
+  assert.equal(await fillAt(page, place), plain);
+});
+
+test("pointing at a row marks the object in the picture", async (t) => {
+  const page = await open(t, "room.html");
+  const place = await placeOf(page, "sofa");
+  await page.locator("#shown td:first-child", { hasText: "sofa" }).hover();
+  await page.locator("#shown tr.hovered").waitFor();
+  assert.equal(await fillAt(page, place), await colorOf(page, "hovered"));
+});
+
+test("a click keeps an object chosen, and beside all objects lets it go", async (t) => {
+  const page = await open(t, "room.html");
+  const place = await placeOf(page, "sofa");
+  await page.mouse.click(place.x, place.y);
+  await page.mouse.move(5, 5);
+  await selectedRow(page).waitFor();
+  assert.equal(await selectedRow(page).textContent(), "sofa");
+  assert.equal(await fillAt(page, place), await colorOf(page, "selected"));
+  assert.match(await page.locator("#announced").textContent(), /^sofa: view factor/);
+  const stage = await page.locator("#stage").boundingBox();
+  await page.mouse.click(stage.x + 3, stage.y + 3);
+  await frame(page);
+  assert.equal(await marks(page), "");
+  assert.equal(await selectedRow(page).count(), 0);
+});
+
+test("a click on a row chooses the object", async (t) => {
+  const page = await open(t, "room.html");
+  await page.locator("#shown td:first-child", { hasText: "rug" }).click();
+  await selectedRow(page).waitFor();
+  const place = await placeOf(page, "rug");
+  assert.equal(await fillAt(page, place), await colorOf(page, "selected"));
+});
+
+test("search leaves the rows whose id holds the text, whatever its case", async (t) => {
+  const page = await open(t, "room.html");
+  await page.keyboard.press("/");
+  await page.keyboard.type("CHAIR");
+  assert.deepEqual((await rowNames(page)).sort(), ["chair one", "chair two"]);
+  assert.equal(await page.locator("#found").textContent(), "2 of 19");
+  await page.keyboard.press("Enter");
+  await selectedRow(page).waitFor();
+  assert.equal(await selectedRow(page).textContent(), "chair one");
+  await page.locator("#search").fill("no such object");
+  assert.deepEqual(await rowNames(page), []);
+  await page.locator("#search").press("Escape");
+  assert.equal((await rowNames(page)).length, 20);
+});
+
+test("keys alone choose, zoom to and let go of objects", async (t) => {
+  const page = await open(t, "room.html");
+  await page.locator("#rows").focus();
+  await page.keyboard.press("ArrowDown");
+  await page.keyboard.press("ArrowDown");
+  await selectedRow(page).waitFor();
+  const second = (await rowNames(page))[1];
+  assert.equal(await selectedRow(page).textContent(), second);
+  const active = await page.locator("#rows").getAttribute("aria-activedescendant");
+  assert.equal(await page.locator(`#${active}`).getAttribute("aria-selected"), "true");
+  await page.keyboard.press("End");
+  await frame(page);
+  assert.equal(await selectedRow(page).textContent(), (await rowNames(page)).at(-1));
+  await page.keyboard.press("Home");
+  await page.keyboard.press("PageDown");
+  await page.keyboard.press("ArrowUp");
+  await page.keyboard.press("Enter");
+  await frame(page);
+  assert.ok((await zoomOf(page)) > 100);
+  await page.keyboard.press("Escape");
+  await frame(page);
+  assert.equal(await selectedRow(page).count(), 0);
+  await page.keyboard.press("0");
+  assert.equal(await zoomOf(page), 100);
+});
+
+test("everything that acts can be reached by the tabulator", async (t) => {
+  const page = await open(t, "room.html");
+  const reached = [];
+  for (let i = 0; i < 12; ++i) {
+    await page.keyboard.press("Tab");
+    reached.push(await page.evaluate(() => document.activeElement.id ||
+      document.activeElement.value || document.activeElement.textContent));
+  }
+  for (const name of ["radial", "zoom-out", "zoom-in", "zoom-reset", "stage", "search", "rows",
+                      "Object", "View factor"])
+    assert.ok(reached.includes(name), `${name} is not among ${reached.join(", ")}`);
+});
+
+test("the wheel zooms around the pointer, dragging moves, and neither chooses", async (t) => {
+  const page = await open(t, "room.html");
+  const place = await placeOf(page, "sofa");
+  const under = ({ x, y }) => page.evaluate(([left, top]) =>
+    document.elementFromPoint(left, top).getAttribute("data-object"), [x, y]);
+  await page.mouse.move(place.x, place.y);
+  for (let i = 0; i < 5; ++i) await page.mouse.wheel(0, -100);
+  await frame(page);
+  assert.ok((await zoomOf(page)) > 250);
+  assert.equal(await under(place), "sofa");
+  await page.mouse.down();
+  await page.mouse.move(place.x + 60, place.y + 40, { steps: 4 });
+  await page.mouse.up();
+  await frame(page);
+  assert.equal(await under({ x: place.x + 60, y: place.y + 40 }), "sofa");
+  assert.equal(await selectedRow(page).count(), 0);
+  await page.locator("#zoom-reset").click();
+  assert.equal(await zoomOf(page), 100);
+  await page.locator("#zoom-in").click();
+  await page.locator("#zoom-in").click();
+  await page.locator("#zoom-out").click();
+  assert.equal(await zoomOf(page), 150);
+});
+
+test("arrow keys move the zoomed picture", async (t) => {
+  const page = await open(t, "room.html");
+  await page.locator("#stage").focus();
+  await page.keyboard.press("+");
+  const left = () => page.evaluate(() =>
+    document.querySelector("#stage svg").getBoundingClientRect().left);
+  const before_ = await left();
+  await page.keyboard.press("ArrowRight");
+  assert.equal(Math.round(before_ - (await left())), 50);
+});
+
+test("the other projection has its picture and its numbers, and the choice stays", async (t) => {
+  const page = await open(t, "room.html");
+  const place = await placeOf(page, "sofa");
+  await page.mouse.click(place.x, place.y);
+  const radial = await page.locator("#shown tr.selected").innerText();
+  await page.getByLabel("square").check();
+  await frame(page);
+  assert.equal(await page.locator("#stage svg:not([hidden])").count(), 1);
+  assert.equal(await page.locator("#stage svg:not([hidden]) g[id='p2-shot']").count(), 1);
+  assert.equal(await selectedRow(page).textContent(), "sofa");
+  const square = await page.locator("#shown tr.selected").innerText();
+  assert.notEqual(square, radial);
+  const factor = (text) => Number(text.split("\t")[1]);
+  assert.ok(Math.abs(factor(square) - factor(radial)) < 0.002, `${square} and ${radial}`);
+  const there = await placeOf(page, "sofa");
+  assert.equal(await fillAt(page, there), await colorOf(page, "selected"));
+  await page.screenshot({ path: picture("square") });
+});
+
+test("a page of one shot offers no switch, and outlines can be pointed at inside", async (t) => {
+  const page = await open(t, "one.html");
+  assert.equal(await page.locator("#projections").isVisible(), false);
+  const place = await placeOf(page, "rug");
+  await page.mouse.move(place.x, place.y);
+  await page.locator("#shown tr.hovered td:first-child", { hasText: "rug" }).waitFor();
+  await page.screenshot({ path: picture("outline") });
+});
+
+test("half transparent regions are marked as well", async (t) => {
+  const page = await open(t, "half.html");
+  const place = await placeOf(page, "sofa");
+  await page.mouse.click(place.x, place.y);
+  await selectedRow(page).waitFor();
+  assert.equal(await fillAt(page, place), await colorOf(page, "selected"));
+});
+
+test("columns sort both ways", async (t) => {
+  const page = await open(t, "room.html");
+  await page.getByRole("button", { name: "Object" }).click();
+  const names = (await rowNames(page)).filter((name) => name !== "open (sky)");
+  assert.deepEqual(names, names.slice().sort());
+  assert.equal(await page.locator("th[data-column=id]").getAttribute("aria-sort"), "ascending");
+  await page.getByRole("button", { name: "Object" }).click();
+  assert.deepEqual((await rowNames(page)).filter((name) => name !== "open (sky)"), names.reverse());
+});
+
+for (const scheme of ["light", "dark"]) {
+  test(`text can be read in ${scheme}`, async (t) => {
+    const page = await open(t, "room.html", { colorScheme: scheme });
+    const place = await placeOf(page, "sofa");
+    await page.mouse.click(place.x, place.y);
+    const other = await placeOf(page, "rug");
+    await page.mouse.move(other.x, other.y);
+    await page.locator("#shown tr.hovered").waitFor();
+    await page.screenshot({ path: picture(scheme) });
+    // The contrast of text to what lies under it, as the web's guidelines define it: 4.5 at least.
+    const contrasts = await page.evaluate(() => {
+      const parts = (color) => color.match(/[\d.]+/g).map(Number);
+      const light = (color) => parts(color).slice(0, 3)
+        .map((v) => v / 255).map((v) => (v <= 0.04045 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4))
+        .reduce((sum, v, i) => sum + v * [0.2126, 0.7152, 0.0722][i], 0);
+      const ground = (element) => {
+        for (let at = element; at; at = at.parentElement) {
+          const color = getComputedStyle(at).backgroundColor;
+          if (parts(color)[3] !== 0) return color;
+        }
+        return "rgb(255, 255, 255)";
+      };
+      return ["h1", "#status", "#sum", "#found", "legend", "#zoom-in", "#search",
+              "#shown tr.selected td", "#shown tr.hovered td", "#shown td"].map((name) => {
+        const element = document.querySelector(name);
+        const [a, b] = [light(getComputedStyle(element).color), light(ground(element))];
+        return [name, (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05)];
+      });
+    });
+    for (const [name, contrast] of contrasts) assert.ok(contrast >= 4.5, `${name}: ${contrast}`);
+  });
+}
+
+test("the page of a narrow window has the table under the picture", async (t) => {
+  const page = await open(t, "room.html", { viewport: { width: 420, height: 900 } });
+  const stage = await page.locator("#stage").boundingBox();
+  const rows = await page.locator("#rows").boundingBox();
+  assert.ok(stage.height > 200 && rows.height > 150 && rows.y > stage.y + stage.height);
+  assert.ok(rows.x + rows.width <= 420);
+  await page.screenshot({ path: picture("narrow") });
+});
+
+test("twenty thousand regions change nothing but one rule and the rows in view", async (t) => {
+  execFileSync(LUMIVANE_BIG_PAGE, [inFolder("big.html"), "20000", "2000"]);
+  const page = await open(t, "big.html");
+  assert.equal(await page.locator("#stage path[data-region]").count(), 20000);
+  await page.evaluate(() => {
+    window.changes = 0;
+    new MutationObserver((list) => { window.changes += list.length; })
+      .observe(document.getElementById("p1-shot"),
+               { subtree: true, childList: true, attributes: true });
+  });
+  const place = await placeOf(page, "house-777");
+  await page.mouse.click(place.x, place.y);
+  await selectedRow(page).waitFor();
+  assert.equal(await selectedRow(page).textContent(), "house-777");
+  assert.equal(await fillAt(page, place), await colorOf(page, "selected"));
+  assert.ok((await page.locator("#shown tr").count()) < 100);
+  await page.locator("#rows").focus();
+  await page.keyboard.press("End");
+  await frame(page);
+  assert.ok((await page.locator("#shown tr").count()) < 100);
+  assert.equal(await selectedRow(page).count(), 1);
+  await page.locator("#search").fill("house-1999");
+  assert.deepEqual(await rowNames(page), ["house-1999"]);
+  await page.locator("#zoom-in").click();
+  await frame(page);
+  assert.equal(await page.evaluate(() => window.changes), 0);
+  await page.screenshot({ path: picture("big") });
+});
