@@ -1,8 +1,10 @@
 #pragma once
 
+#include "kernel/PointGrid.h"
 #include "kernel/SamePoint.h"
 #include "kernel/Vec.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -31,34 +33,75 @@ inline bool isDrawnFrom(Vec3 point, const std::vector<DockingSegment>& segments,
   return true;
 }
 
-/// How many edges of a closed polygon have the ends `a` and `b`, in either order.
-inline std::size_t coincidingEdgeCount(Vec2 a, Vec2 b, const std::vector<Vec2>& polygon,
-                                       double precision) {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < polygon.size(); ++i) {
-    const Vec2 start = polygon[i];
-    const Vec2 end = polygon[i + 1 == polygon.size() ? 0 : i + 1];
-    const bool sameDirection = samePoint(a, start, precision) && samePoint(b, end, precision);
-    if (sameDirection || (samePoint(a, end, precision) && samePoint(b, start, precision))) ++count;
+/// The edges of some closed polygons, to be asked which of them coincide with one edge.
+///
+/// How: an edge that coincides has an end near the start of the edge asked for, so that only the
+/// edges at the points found there are looked at.
+class EdgeGrid {
+ public:
+  EdgeGrid(const std::vector<std::vector<Vec2>>& closedPolygons, double agreement)
+      : polygons(closedPolygons), precision(agreement), starts(agreement) {
+    for (std::size_t j = 0; j < polygons.size(); ++j) {
+      for (std::size_t b = 0; b < polygons[j].size(); ++b) {
+        starts.add(polygons[j][b]);
+        edges.push_back({j, b});
+      }
+    }
   }
-  return count;
-}
+
+  /// Calls `visit(polygon)` once for each edge with the ends `a` and `b`, in either order.
+  template <class Visit>
+  void forEachCoinciding(Vec2 a, Vec2 b, Visit visit) const {
+    starts.forEachNear(a, [&](std::size_t position) {
+      const auto [j, edge] = edges[position];
+      const std::size_t before = edge == 0 ? polygons[j].size() - 1 : edge - 1;
+      if (isAlong(a, b, j, edge)) visit(j);
+      // The edge that ends here. One that lies both ways is counted at its start.
+      if (isAlong(b, a, j, before) && !isAlong(a, b, j, before)) visit(j);
+    });
+  }
+
+ private:
+  struct Edge {
+    std::size_t polygon;
+    std::size_t number;
+  };
+
+  bool isAlong(Vec2 a, Vec2 b, std::size_t j, std::size_t edge) const {
+    const std::vector<Vec2>& polygon = polygons[j];
+    const Vec2 end = polygon[edge + 1 == polygon.size() ? 0 : edge + 1];
+    return samePoint(a, polygon[edge], precision) && samePoint(b, end, precision);
+  }
+
+  const std::vector<std::vector<Vec2>>& polygons;
+  double precision;
+  PointGrid starts;
+  std::vector<Edge> edges;  // by the positions of their starts
+};
 
 /// For each polygon the numbers, from 1, of its edges that coincide with an edge of another
 /// polygon: in the order of the other polygons, and once for each such edge.
 inline std::vector<std::vector<int>> dockingEdges(const std::vector<std::vector<Vec2>>& polygons,
                                                   double precision) {
+  struct Match {
+    std::size_t other;
+    int edgeNumber;
+  };
+  const EdgeGrid grid(polygons, precision);
   std::vector<std::vector<int>> result(polygons.size());
+  std::vector<Match> matches;
   for (std::size_t i = 0; i < polygons.size(); ++i) {
     const std::vector<Vec2>& polygon = polygons[i];
-    for (std::size_t j = 0; j < polygons.size(); ++j) {
-      if (j == i) continue;
-      for (std::size_t e = 0; e < polygon.size(); ++e) {
-        const Vec2 end = polygon[e + 1 == polygon.size() ? 0 : e + 1];
-        const std::size_t count = coincidingEdgeCount(polygon[e], end, polygons[j], precision);
-        result[i].insert(result[i].end(), count, static_cast<int>(e) + 1);
-      }
+    matches.clear();
+    for (std::size_t e = 0; e < polygon.size(); ++e) {
+      const Vec2 end = polygon[e + 1 == polygon.size() ? 0 : e + 1];
+      grid.forEachCoinciding(polygon[e], end, [&](std::size_t j) {
+        if (j != i) matches.push_back({j, static_cast<int>(e) + 1});
+      });
     }
+    std::stable_sort(matches.begin(), matches.end(),
+                     [](const Match& a, const Match& b) { return a.other < b.other; });
+    for (const Match& match : matches) result[i].push_back(match.edgeNumber);
   }
   return result;
 }

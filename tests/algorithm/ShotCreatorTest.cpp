@@ -182,6 +182,26 @@ TEST(MakeShot, SceneWithoutObjectsGivesAnEmptyShotThatIsSorted) {
 
 // ---- The first pass --------------------------------------------------------------------------
 
+void expectSamePolyData(vtkPolyData* expected, vtkPolyData* data) {
+  ASSERT_EQ(expected->GetNumberOfPoints(), data->GetNumberOfPoints());
+  ASSERT_EQ(expected->GetNumberOfCells(), data->GetNumberOfCells());
+  for (vtkIdType i = 0; i < data->GetNumberOfPoints(); ++i)
+    for (int axis = 0; axis < 3; ++axis)
+      EXPECT_EQ(expected->GetPoint(i)[axis], data->GetPoint(i)[axis]);
+}
+
+std::vector<Coordinates> coordinatesOf(const ShotCreatorProbe::ProjectedPolygon& polygon) {
+  std::vector<Coordinates> result;
+  for (const Geometry::EdgeStartPoint2d* point : polygon) result.push_back(point->toVector());
+  return result;
+}
+
+// Takes from a copy what it shares with its original.
+void forgetShared(Scene::Object& copy) {
+  copy.setFaces(nullptr);
+  copy.setRegions(nullptr);
+}
+
 TEST(FirstPass, LeavesItsListsOnTheObject) {
   ShotScene s;
   Scene::Object& object = s.addObject();
@@ -215,6 +235,83 @@ TEST(FirstPass, ListsAreMadeAnewByEveryShotAndTheOldOnesStay) {
   EXPECT_NE(earlier.getRegionsProjectedPolygons(), object.getRegionsProjectedPolygons());
   EXPECT_EQ(*earlier.getRegionsVisiblePolygons(), *object.getRegionsVisiblePolygons());
   freeWorkingLists(earlier);
+}
+
+// The lists are made when they are asked for; what they tell is the shot's.
+TEST(FirstPass, ListsTellWhatTheShotSawHoweverLateTheyAreAskedFor) {
+  ShotScene s;
+  Scene::Object& early = s.addObject("early");
+  Scene::Object& late = s.addObject("late");
+  const PolygonPoints cut = {{-1, -1, -1}, {3, 1, -1}, {3, 1, 1}, {-1, -1, 1}};
+  for (Scene::Object* object : {&early, &late}) {
+    s.addRegion(*object, wallAhead());
+    s.addRegion(*object, cut, 2);
+  }
+  quietShot(s);
+  early.getRegionsPolyData();
+  early.getRegionsClippedPolyData();
+  early.getRegionsVisiblePolygons();
+  early.getRegionsProjectedPolygons();
+
+  s.setEye({0.5, 7, 7});
+  s.setForward({0, 0, 1});
+  for (Geometry::Point3d* point : *s.scene.getPoints()->getPoints()) point->setX(100);
+  const SegmentSettings finer(12, 0.0);
+  for (std::size_t r = 0; r < 2; ++r) {
+    expectSamePolyData((*early.getRegionsPolyData())[r], (*late.getRegionsPolyData())[r]);
+    expectSamePolyData((*early.getRegionsClippedPolyData())[r],
+                       (*late.getRegionsClippedPolyData())[r]);
+    const auto& expected = (*early.getRegionsProjectedPolygons())[r];
+    const auto& projected = (*late.getRegionsProjectedPolygons())[r];
+    ASSERT_EQ(expected.size(), projected.size());
+    for (std::size_t p = 0; p < expected.size(); ++p)
+      EXPECT_EQ(coordinatesOf(expected[p]), coordinatesOf(projected[p]));
+  }
+  EXPECT_EQ(*early.getRegionsVisiblePolygons(), *late.getRegionsVisiblePolygons());
+  EXPECT_EQ(wallAhead(), (*late.getRegionsVisiblePolygons())[0][0]);
+}
+
+TEST(FirstPass, ListsAreMadeOnceAndCopiesOfTheObjectShareThem) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, wallAhead());
+  quietShot(s);
+  Scene::Object copy = object;
+  EXPECT_EQ(copy.getRegionsPolyData(), object.getRegionsPolyData());
+  EXPECT_EQ(copy.getRegionsPolyData(), copy.getRegionsPolyData());
+  EXPECT_EQ(copy.getRegionsProjectedPolygons(), object.getRegionsProjectedPolygons());
+  copy.setRegionsPolyData(nullptr);
+  EXPECT_EQ(nullptr, copy.getRegionsPolyData());
+  EXPECT_NE(nullptr, object.getRegionsPolyData());
+  forgetShared(copy);
+}
+
+// The first look steps the eye off the wall, so that the second cuts the wall elsewhere.
+TEST(FirstPass, ObjectThatIsListedTwiceIsBuiltFromItsLastLook) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  s.addRegion(object, {{-9, 0, -1}, {9, 0, -1}, {9, 0, 1}, {-9, 0, 1}});
+  s.scene.getObjects()->addObject(&object);
+  s.setEye({0, -0.5, 0});
+  s.setForward({1, 0.3, 0});
+  s.parameters.setD1(1.0);
+  s.parameters.setD2(30.0);
+  const SegmentSettings coarse(1, 0.0);
+  const SharingShot shot = quietShot(s);
+  EXPECT_EQ((Coordinates{0, 5, 0}), s.eye());
+  const std::vector<Coordinates> last =
+      coordinatesOf((*object.getRegionsProjectedPolygons())[0][0]);
+  ASSERT_FALSE(last.empty());
+  for (const Geometry::Region2d* region : regionsOf(shot)) {
+    ASSERT_EQ(last.size(), region->getPoints()->size());
+    for (std::size_t i = 0; i < last.size(); ++i) {
+      const auto number = static_cast<std::size_t>((*region->getPoints())[i]);
+      EXPECT_NEAR(last[i][0], pointsOf(shot)[number - 1][0], Geometry::Point2d::Precision);
+      EXPECT_NEAR(last[i][1], pointsOf(shot)[number - 1][1], Geometry::Point2d::Precision);
+    }
+  }
+  s.forget();
+  s.scene.getObjects()->getObjects()->pop_back();
 }
 
 TEST(FirstPass, ObjectWithoutARegionsListGetsNoListsAndKeepsItsPlace) {

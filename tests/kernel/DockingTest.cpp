@@ -1,5 +1,9 @@
 #include "kernel/Docking.h"
+#include "plain/Docking.h"
 
+#include <cstddef>
+#include <limits>
+#include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -96,6 +100,56 @@ TEST(DockingEdges, ToleranceIsStrictPerCoordinate) {
   EXPECT_EQ((Numbers{{1}, {1}}),
             dockingEdges({triangle, {{0.99e-7, 0.99e-7}, {1, 0}, {5, 5}}}, Precision));
   EXPECT_EQ((Numbers{{}, {}}), dockingEdges({triangle, {{1e-7, 0}, {1, 0}, {5, 5}}}, Precision));
+}
+
+// Coordinates on a small grid, some moved by about the tolerance and some far out or no number, so
+// that edges coincide often, both ways, repeatedly and only just.
+double anyCoordinate(std::mt19937_64& random, double precision) {
+  const double steps[] = {0.0, 0.0, 0.0, 0.5, -0.5, 0.999, -1.0, 1.0};
+  const double onGrid = static_cast<double>(random() % 4) + steps[random() % 8] * precision;
+  switch (random() % 60) {
+    case 0:
+      return onGrid * 1e9 * precision;
+    case 1:
+      return std::numeric_limits<double>::quiet_NaN();
+    case 2:
+      return std::numeric_limits<double>::infinity();
+    default:
+      return onGrid;
+  }
+}
+
+TEST(DockingEdgesProperty, AreThoseOfEveryEdgeAgainstEveryOther) {
+  std::mt19937_64 random(20261122);
+  for (int run = 0; run < 4000; ++run) {
+    const double precision = run % 2 == 0 ? Precision : 0.3;
+    Polygons polygons(random() % 6);
+    for (std::vector<Vec2>& polygon : polygons) {
+      polygon.resize(random() % 9);
+      for (Vec2& point : polygon)
+        point = {anyCoordinate(random, precision), anyCoordinate(random, precision)};
+    }
+    ASSERT_EQ(Plain::dockingEdges(polygons, precision), dockingEdges(polygons, precision))
+        << "run " << run;
+  }
+}
+
+TEST(DockingEdgesProperty, NeighboursInAGridOfPiecesShareTheirSides) {
+  Polygons polygons;
+  for (int x = 0; x < 6; ++x) {
+    for (int y = 0; y < 6; ++y) {
+      std::vector<Vec2> piece;
+      for (int k = 0; k < 4; ++k) piece.push_back({x + k / 4.0, static_cast<double>(y)});
+      for (int k = 0; k < 4; ++k) piece.push_back({x + 1.0, y + k / 4.0});
+      for (int k = 0; k < 4; ++k) piece.push_back({x + 1.0 - k / 4.0, y + 1.0});
+      for (int k = 0; k < 4; ++k) piece.push_back({static_cast<double>(x), y + 1.0 - k / 4.0});
+      polygons.push_back(piece);
+    }
+  }
+  const Numbers numbers = dockingEdges(polygons, Precision);
+  EXPECT_EQ(Plain::dockingEdges(polygons, Precision), numbers);
+  EXPECT_EQ(16u, numbers[7].size());  // a piece inside has a neighbour on every side
+  EXPECT_EQ(8u, numbers[0].size());
 }
 
 }  // namespace

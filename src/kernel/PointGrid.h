@@ -1,0 +1,159 @@
+#pragma once
+
+#include "kernel/SamePoint.h"
+#include "kernel/Vec.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Lumivane::Kernel {
+
+/// Tiles of cells by their place: a hash table with open addressing. A tile is a cache line, so
+/// that neighbours in the picture are neighbours in memory.
+class CellTiles {
+ public:
+  /// The position of the point that a cell's chain starts with, or None.
+  using Position = std::uint32_t;
+  static constexpr Position None = static_cast<Position>(-1);
+
+  CellTiles() : slots(64) {}
+
+  Position at(std::int32_t x, std::int32_t y) const {
+    const Slot& slot = slots[slotOf(keyOf(x, y))];
+    return slot.tile == None ? None : tiles[slot.tile][cellInTile(x, y)];
+  }
+
+  /// The same to be changed; the tile is made if it is not there.
+  Position& operator()(std::int32_t x, std::int32_t y) {
+    const std::uint64_t key = keyOf(x, y);
+    std::size_t position = slotOf(key);
+    if (slots[position].tile == None) {
+      if (tiles.size() * 2 >= slots.size()) grow();
+      position = slotOf(key);
+      slots[position] = {key, static_cast<Position>(tiles.size())};
+      tiles.emplace_back().fill(None);
+    }
+    return tiles[slots[position].tile][cellInTile(x, y)];
+  }
+
+ private:
+  struct Slot {
+    std::uint64_t key = 0;
+    Position tile = None;
+  };
+  using Tile = std::array<Position, 16>;  // 4 x 4 cells
+
+  static std::uint64_t keyOf(std::int32_t x, std::int32_t y) {
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(x >> 2)) << 32 |
+           static_cast<std::uint32_t>(y >> 2);
+  }
+  static std::size_t cellInTile(std::int32_t x, std::int32_t y) {
+    return static_cast<std::size_t>((x & 3) << 2 | (y & 3));
+  }
+
+  // Where a key stands, or the free slot where it would.
+  std::size_t slotOf(std::uint64_t key) const {
+    const std::uint64_t mixed = (key ^ key >> 32) * 0x9E3779B97F4A7C15U;
+    std::size_t position = static_cast<std::size_t>(mixed >> 32) & (slots.size() - 1);
+    while (slots[position].tile != None && slots[position].key != key)
+      position = (position + 1) & (slots.size() - 1);
+    return position;
+  }
+
+  void grow() {
+    std::vector<Slot> old(slots.size() * 2);
+    old.swap(slots);
+    for (const Slot& slot : old)
+      if (slot.tile != None) slots[slotOf(slot.key)] = slot;
+  }
+
+  std::vector<Slot> slots;  // their number is a power of two
+  std::vector<Tile> tiles;
+};
+
+/// Plane points, found by a tolerance per axis. NaN and infinities agree with nothing.
+///
+/// How: a grid of square cells, each with the chain of its points. What agrees with a point lies in
+/// the cells between its coordinates less and more a margin a little above the tolerance.
+/// Subtraction, multiplication by a positive number and floor are monotone, rounding included, so
+/// no cell is missed. Points beyond the grid's range stand in a list of their own.
+class PointGrid {
+ public:
+  explicit PointGrid(double agreement)
+      : tolerance(agreement),
+        margin(agreement * 1.01),
+        cellsPerLength(1.0 / (agreement * CellSide)),
+        range(agreement * CellSide * 1e8),
+        hasGrid(agreement > 1e-100 && agreement < 1e100) {}
+
+  std::size_t size() const { return points.size(); }
+
+  /// Appends a point and returns its position.
+  std::size_t add(Vec2 point) {
+    const auto position = static_cast<Position>(points.size());
+    points.push_back({point, CellTiles::None});
+    if (isInGrid(point)) {
+      Position& first = cells(cellOf(point.x), cellOf(point.y));
+      points.back().nextInCell = first;
+      first = position;
+    } else if (std::isfinite(point.x) && std::isfinite(point.y)) {
+      outside.push_back(position);
+    }
+    return position;
+  }
+
+  /// Calls `visit(position)` once for each point that agrees, in no promised order.
+  template <class Visit>
+  void forEachNear(Vec2 point, Visit visit) const {
+    if (!isInGrid(point)) {
+      for (std::size_t i = 0; i < points.size(); ++i) visitIfNear(point, i, visit);
+      return;
+    }
+    for (const Position i : outside) visitIfNear(point, i, visit);
+    const std::int32_t highX = cellOf(point.x + margin);
+    const std::int32_t highY = cellOf(point.y + margin);
+    for (std::int32_t x = cellOf(point.x - margin); x <= highX; ++x)
+      for (std::int32_t y = cellOf(point.y - margin); y <= highY; ++y)
+        for (Position i = cells.at(x, y); i != CellTiles::None; i = points[i].nextInCell)
+          visitIfNear(point, i, visit);
+  }
+
+ private:
+  using Position = CellTiles::Position;
+  static constexpr double CellSide = 4.0;  // in tolerances
+
+  struct GridPoint {
+    Vec2 at;
+    Position nextInCell;
+  };
+
+  // Cell numbers, the margin included, stay far within their type.
+  bool isInGrid(Vec2 point) const {
+    return hasGrid && std::abs(point.x) <= range && std::abs(point.y) <= range;
+  }
+
+  std::int32_t cellOf(double coordinate) const {
+    const double position = coordinate * cellsPerLength;
+    const auto towardsZero = static_cast<std::int32_t>(position);
+    return position < towardsZero ? towardsZero - 1 : towardsZero;
+  }
+
+  template <class Visit>
+  void visitIfNear(Vec2 point, std::size_t position, Visit& visit) const {
+    if (samePoint(point, points[position].at, tolerance)) visit(position);
+  }
+
+  double tolerance;
+  double margin;
+  double cellsPerLength;
+  double range;
+  bool hasGrid;
+  std::vector<GridPoint> points;
+  std::vector<Position> outside;  // finite, but beyond the grid
+  CellTiles cells;
+};
+
+}  // namespace Lumivane::Kernel
