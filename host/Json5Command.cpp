@@ -1,12 +1,11 @@
 #include "Commands.h"
 #include "HostError.h"
-#include "Input.h"
 #include "Options.h"
-#include "Output.h"
 
 #include <lumivane/io/DataReader.h>
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Parser.h>
+#include <lumivane/session/Files.h>
 
 #include <iostream>
 
@@ -29,13 +28,13 @@ void writeStandardOutput(const std::string& text) {
 }  // namespace
 
 void runJson5(const Json5Options& options) {
-  const std::string json = IO::DataReader().Json5_to_Json(readBytes(options.file));
+  const std::string json = IO::DataReader().Json5_to_Json(Session::readBytes(options.file));
   if (json.empty()) throw HostError(options.file, "cannot be converted");
   warnIfNoJson(options.file, json);
   if (options.out.empty())
     writeStandardOutput(json + "\n");
   else
-    writeFile(options.out, json + "\n");
+    Session::writeFile(options.out, json + "\n");
 }
 
 }  // namespace Lumivane::Host

@@ -7,6 +7,7 @@
 #include <lumivane/session/Faults.h>
 
 #include <mutex>
+#include <new>
 #include <stdexcept>
 
 namespace Lumivane::Session {
@@ -99,6 +100,9 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
     throw failure(*this, (place.empty() ? "" : place + " ") + "(" + error.what() + ")");
+  } catch (const std::bad_alloc&) {
+    releaseWorkingLists();
+    throw;  // a text for it would need memory as well
   } catch (const std::exception& error) {
     throw failure(*this, error.what());
   }

@@ -5,6 +5,7 @@
 #include <lumivane/session/Files.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
 namespace Lumivane::Session {
@@ -28,6 +29,8 @@ std::unique_ptr<Model> readText(const std::string& text, const std::string& name
   IO::DataReader reader;
   try {
     model.reset((reader.*read)(text));
+  } catch (const std::bad_alloc&) {
+    throw;  // a text for it would need memory as well
   } catch (const std::exception& error) {
     const std::string place = refusedValue(text);
     throw Error(name, place.empty() ? error.what() : place);

@@ -59,6 +59,7 @@ class LUMIVANE_EXPORT LoadedScene {
   /// \param progress  is told how far the shot has come; may be empty
   /// \throws Error that names the object and region with a number that points at nothing, or says
   ///         what else is wrong with view or scene; the scene stays usable
+  /// \throws std::bad_alloc if memory ends; the scene stays usable
   TakenShot take(const ViewSettings& view, const Progress& progress = {});
 
   /// Frees what the last shot has left on the objects, before the next one would.
