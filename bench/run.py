@@ -87,10 +87,10 @@ def run_once(command, folder, limit, memory):
     if killed:
         return {"stopped": f"stopped after {limit:g} s"}
     if process.returncode != 0:
-        memory_gone = "bad_alloc" in (folder / "output.txt").read_text(encoding="utf-8")
-        why = f"stopped: more than {memory / 2**30:.0f} GB" if memory_gone or process.returncode < 0 \
-            else f"failed with {process.returncode}"
-        return {"stopped": why}
+        told = (folder / "output.txt").read_text(encoding="utf-8")
+        if "bad_alloc" not in told and process.returncode != -9:
+            sys.exit(f"run.py: {' '.join(command)} failed with {process.returncode}:\n{told}")
+        return {"stopped": f"stopped: more than {memory / 2**30:.0f} GB"}
     stats = json.loads((folder / "stats.json").read_text(encoding="utf-8"))
     return {"wall": wall, "processor": usage.ru_utime + usage.ru_stime,
             "peak_mb": usage.ru_maxrss / 1024.0, "stages": stats["stages"],

@@ -1,0 +1,222 @@
+#!/usr/bin/env python3
+"""Turns the measurements into the tables of bench/README.md and the pictures in bench/results.
+
+Usage: bench/report.py
+
+Reads before.json, after.json and, where they are there, kernels.json (bench_kernels) and gain.txt
+(bench_gain) in bench/results; writes the part of README.md between its two markers. The pictures
+need matplotlib.
+"""
+
+import json
+import math
+import sys
+from pathlib import Path
+
+FOLDER = Path(__file__).resolve().parent
+RESULTS = FOLDER / "results"
+BEGIN, END = "<!-- tables: begin -->", "<!-- tables: end -->"
+STAGES = ["read", "polygon_data", "clip_and_cull", "projection", "docking", "points",
+          "classification", "order", "write"]
+SHORT = {"polygon_data": "polygons", "clip_and_cull": "clip, cull", "classification": "classify"}
+
+
+def load(label):
+    path = RESULTS / f"{label}.json"
+    return json.loads(path.read_text(encoding="utf-8")) if path.exists() else None
+
+
+def by_name(measured):
+    return {case["name"]: case for case in measured["cases"]} if measured else {}
+
+
+def seconds(value):
+    return f"{value:.3f}" if value < 9.9995 else f"{value:.1f}"
+
+
+def milliseconds(value):
+    return f"{1000 * value:.1f}" if value < 0.1 else f"{1000 * value:.0f}"
+
+
+def scene_name(case):
+    return "street sample" if case["kind"] == "sample" else f"{case['kind']} {case['count']:,}"
+
+
+def family_of(case):
+    return (case["kind"], case["view"], case["camera"], case["segments"], case["max_length"])
+
+
+def exponent(points):
+    """The slope of a straight line through points on log axes, by least squares."""
+    if len(points) < 2:
+        return None
+    logs = [(math.log(x), math.log(y)) for x, y in points if y > 0]
+    if len(logs) < 2:
+        return None
+    mean_x = sum(x for x, _ in logs) / len(logs)
+    mean_y = sum(y for _, y in logs) / len(logs)
+    return (sum((x - mean_x) * (y - mean_y) for x, y in logs)
+            / sum((x - mean_x) ** 2 for x, _ in logs))
+
+
+def growth(cases, figure):
+    """The exponent over towns of 1,000 boxes and more that came to an end."""
+    return exponent([(c["count"], figure(c)) for c in cases
+                     if "stopped" not in c and c["count"] >= 1000])
+
+
+def row(cells):
+    return "| " + " | ".join(str(c) for c in cells) + " |"
+
+
+def table(head, rows, numbers_from=1):
+    rule = ["---" if i < numbers_from else "---:" for i in range(len(head))]
+    return "\n".join([row(head), row(rule)] + [row(r) for r in rows])
+
+
+def sort_seconds(case):
+    return case["stages"]["classification"] + case["stages"]["order"]
+
+
+def whole_table(before, after):
+    head = ["scene", "view", "camera", "pieces", "limit", "faces", "before s", "after s", "times",
+            "before MB", "after MB", "wall after s"]
+    rows = []
+    for name in list(dict.fromkeys(list(before) + list(after))):
+        a, b = before.get(name), after.get(name)
+        case = b or a
+        told_a = "" if a is None else a.get("stopped") or seconds(a["processor"])
+        told_b = "" if b is None else b.get("stopped") or seconds(b["processor"])
+        both = a and b and "stopped" not in a and "stopped" not in b
+        faces = next((c["faces"] for c in (b, a) if c and "faces" in c), None)
+        rows.append([scene_name(case), case["view"],
+                     "radial" if case["camera"] == "spherical" else "square", case["segments"],
+                     f"{case['max_length']:g}", "" if faces is None else f"{faces:,}",
+                     told_a, told_b, f"{a['processor'] / b['processor']:.0f}" if both else "",
+                     "" if not a or "stopped" in a else f"{a['peak_mb']:,.0f}",
+                     "" if not b or "stopped" in b else f"{b['peak_mb']:,.0f}",
+                     "" if not b or "stopped" in b else seconds(b["wall"])])
+    return table(head, rows, 3)
+
+
+def stage_table(before, after):
+    head = ["scene", "view", "camera", "pieces", "limit", ""] + [SHORT.get(s, s) for s in STAGES] \
+        + ["all"]
+    rows = []
+    for name in list(dict.fromkeys(list(before) + list(after))):
+        for label, cases in (("before", before), ("after", after)):
+            case = cases.get(name)
+            if case is None or "stopped" in case:
+                continue
+            stages = [case["stages"][s] for s in STAGES]
+            rows.append([scene_name(case), case["view"],
+                         "radial" if case["camera"] == "spherical" else "square",
+                         case["segments"], f"{case['max_length']:g}", label]
+                        + [milliseconds(s) for s in stages] + [milliseconds(sum(stages))])
+    return table(head, rows, 6)
+
+
+def families(measured):
+    grouped = {}
+    for case in measured.values():
+        if case["kind"] == "city":
+            grouped.setdefault(family_of(case), []).append(case)
+    return grouped
+
+
+def growth_table(before, after):
+    head = ["town seen", "camera", "pieces", "limit", "before", "after", "sort before",
+            "sort after"]
+    rows = []
+    told = lambda value: "" if value is None else f"{value:.2f}"
+    old, new = families(before), families(after)
+    for family in list(dict.fromkeys(list(old) + list(new))):
+        _, view, camera, segments, length = family
+        figures = [growth(cases.get(family, []), figure)
+                   for figure in (lambda c: c["processor"], sort_seconds) for cases in (old, new)]
+        rows.append(["from the air" if view == "air" else f"in the {view}",
+                     "radial" if camera == "spherical" else "square", segments, f"{length:g}",
+                     *map(told, figures)])
+    return table(head, rows, 2)
+
+
+def kernel_table(kernels):
+    rows = []
+    for bench in kernels["benchmarks"]:
+        if bench.get("run_type") == "aggregate" or "items_per_second" not in bench \
+                and "bytes_per_second" not in bench:
+            continue
+        if "items_per_second" in bench:
+            rate = f"{bench['items_per_second'] / 1e6:,.3g} million/s"
+        else:
+            rate = f"{bench['bytes_per_second'] / 1e6:,.3g} MB/s"
+        rows.append([f"`{bench['name']}`", rate])
+    return table(["step", "rate"], rows)
+
+
+def machine_text(measured):
+    m = measured["machine"]
+    return f"{m['processor']}, {m['cores']} cores, {m['memory_gb']} GB; {m['system']}; {m['compiler']}"
+
+
+def sections(before, after, parts):
+    text = []
+    for label, measured in (("Before", before), ("After", after)):
+        if measured:
+            text.append(f"{label}: commit `{measured['commit']}`; {machine_text(measured)}.")
+    text.append("## Whole runs\n\n" + whole_table(*parts))
+    text.append("## Growth\n\nThe exponent of N in a fit of the time over towns of 1,000 boxes "
+                "and more, as far as they came to an end.\n\n" + growth_table(*parts))
+    text.append("## Stages\n\nProcessor time in milliseconds.\n\n" + stage_table(*parts))
+    if (RESULTS / "gain.txt").exists():
+        text.append("## The plain road in the same run\n\n```\n"
+                    + (RESULTS / "gain.txt").read_text(encoding="utf-8").strip() + "\n```")
+    kernels = load("kernels")
+    if kernels:
+        text.append("## Single steps\n\n" + kernel_table(kernels))
+    return "\n\n".join(text)
+
+
+def draw(parts, path):
+    import matplotlib
+    matplotlib.use("Agg")
+    from matplotlib import pyplot as plt
+    figure, axes = plt.subplots(figsize=(8, 5.2), dpi=110)
+    styles = {("city", "air"): ("o", "town from the air"), ("city", "street"): ("s", "in the street"),
+              ("city", "sky"): ("^", "sky"), ("sphere", "air"): ("D", "ball")}
+    for cases, colour, label in ((parts[0], "#b0453a", "before"), (parts[1], "#2f6f9f", "after")):
+        for (kind, view), (marker, name) in styles.items():
+            points = sorted((c["faces"], c["processor"]) for c in cases.values()
+                            if "stopped" not in c and (c["kind"], c["view"]) == (kind, view)
+                            and family_of(c)[2:] == ("spherical", 6, 0))
+            if points:
+                axes.plot(*zip(*points), marker=marker, color=colour, lw=1.2, ms=5,
+                          label=f"{name}, {label}")
+    axes.set_xscale("log")
+    axes.set_yscale("log")
+    axes.set_xlabel("faces in the picture that turn to the eye")
+    axes.set_ylabel("processor seconds of the whole process")
+    axes.set_title("A shot, from scene file to shot file (radial, 6 pieces an edge, no length limit)",
+                   fontsize=10)
+    axes.grid(True, which="both", lw=0.3, color="#bbbbbb")
+    axes.legend(fontsize=8, frameon=False)
+    figure.tight_layout()
+    figure.savefig(path)
+
+
+def main():
+    before, after = load("before"), load("after")
+    if before is None and after is None:
+        sys.exit("report.py: bench/results holds neither before.json nor after.json")
+    parts = by_name(before), by_name(after)
+    readme = FOLDER / "README.md"
+    text = readme.read_text(encoding="utf-8")
+    head, rest = text.split(BEGIN, 1)
+    tail = rest.split(END, 1)[1]
+    readme.write_text(head + BEGIN + "\n\n" + sections(before, after, parts) + "\n\n" + END + tail,
+                      encoding="utf-8")
+    draw(parts, RESULTS / "growth.png")
+
+
+if __name__ == "__main__":
+    main()
