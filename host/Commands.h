@@ -10,6 +10,8 @@ namespace Lumivane::Host {
 
 struct ImportCommandOptions;
 struct CheckOptions;
+struct BatchOptions;
+struct GridOptions;
 struct Json5Options;
 struct ShotOptions;
 struct ShowOptions;
@@ -24,6 +26,11 @@ void runShow(const ShowOptions& options);
 
 /// Makes a scene file of a mesh or a city model. Only where the program is built with importers.
 void runImport(const ImportCommandOptions& options);
+/// Makes a shot of a scene from every view of a table, in several processes.
+void runBatch(const BatchOptions& options);
+
+/// Writes a table of views whose eyes stand in a grid over a scene's ground.
+void runGrid(const GridOptions& options);
 
 /// Converts JSON5 to JSON.
 void runJson5(const Json5Options& options);

@@ -35,6 +35,8 @@ int run(const std::vector<std::string>& arguments) {
   ShotOptions shot;
   ShowOptions show;
   CheckOptions check;
+  BatchOptions batch;
+  GridOptions grid;
   Json5Options json5;
   setShotOptions(*app.add_subcommand("shot", "Make a shot of a scene, as a file and as a picture"),
                  shot);
@@ -49,6 +51,10 @@ int run(const std::vector<std::string>& arguments) {
 #endif
   setCheckOptions(*app.add_subcommand("check", "List what is wrong or surprising in a scene"),
                   check);
+  CLI::App* const batchCommand =
+      app.add_subcommand("batch", "Make shots of a scene from every view of a table");
+  setBatchOptions(*batchCommand, batch);
+  setGridOptions(*app.add_subcommand("grid", "Make a table of views over a scene's ground"), grid);
   setJson5Options(*app.add_subcommand("json5", "Convert JSON5 to JSON"), json5);
 
   try {
@@ -60,6 +66,7 @@ int run(const std::vector<std::string>& arguments) {
     return fail(WrongArguments, std::string(error.what()) + " (see --help)");
   }
   show.viewGiven = viewWasGiven(*showCommand);
+  batch.shotOptions = givenShotOptions(*batchCommand);
 
   if (app.got_subcommand("shot")) runShot(shot);
   if (app.got_subcommand("show")) runShow(show);
@@ -67,6 +74,8 @@ int run(const std::vector<std::string>& arguments) {
   if (importCommand->parsed()) runImport(import);
 #endif
   if (app.got_subcommand("check")) return runCheck(check);
+  if (app.got_subcommand("batch")) runBatch(batch);
+  if (app.got_subcommand("grid")) runGrid(grid);
   if (app.got_subcommand("json5")) runJson5(json5);
   return Done;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -144,6 +145,32 @@ void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
 #endif
 }
 
+// Of "I/K", with 1 <= I <= K.
+Shard readShard(const std::string& text) {
+  int number = 0;
+  int count = 0;
+  int used = 0;
+  const bool fits = text.size() < 12 &&
+                    std::sscanf(text.c_str(), "%d/%d%n", &number, &count, &used) == 2 &&
+                    static_cast<size_t>(used) == text.size();
+  if (!fits || number < 1 || number > count)
+    throw CLI::ValidationError("--shard: \"" + text + "\" is not I/K with 1 <= I <= K");
+  return {number, count};
+}
+
+std::vector<double> readHeadings(const std::string& text) {
+  std::vector<double> headings;
+  for (size_t start = 0; start <= text.size();) {
+    const size_t comma = std::min(text.find(',', start), text.size());
+    double degrees = 0.0;
+    if (!readNumber(text.substr(start, comma - start), degrees) || !std::isfinite(degrees))
+      throw CLI::ValidationError("--heading: \"" + text + "\" is not a list of degrees D,D,...");
+    headings.push_back(degrees);
+    start = comma + 1;
+  }
+  return headings;
+}
+
 #ifdef LUMIVANE_HOST_MEASURES
 void addVisible(CLI::App& command, std::string& visible) {
   command
@@ -185,6 +212,62 @@ void setShowOptions(CLI::App& command, ShowOptions& options) {
   addViewOptions(command, options.view);
 }
 
+void setBatchOptions(CLI::App& command, BatchOptions& options) {
+  setShotOptions(command, options.shot);
+  command.remove_option(command.get_option("--stats"));  // times are never the same twice
+  command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
+  command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
+      ->required()
+      ->type_name("DIR");
+  command.add_option("--jobs", options.jobs, "processes; 0 for as many as processors")
+      ->type_name("N")
+      ->check(CLI::Range(0, 1024))
+      ->capture_default_str();
+  command
+      .add_option_function<std::string>(
+          "--shard", [&options](const std::string& text) { options.shard = readShard(text); },
+          "make only every K-th view, from the I-th on")
+      ->type_name("I/K")
+      ->default_str("1/1");
+  command.add_flag("--merge", options.merge, "make no view, only bring together what shards made");
+  command.footer(
+      "Options of shot stand for all views; a view's own are columns of the table. \"{name}\" in\n"
+      "an output file stands for the view's name.");
+}
+
+void setGridOptions(CLI::App& command, GridOptions& options) {
+  addScene(command, options.scene, options.import);
+  addNumber(command, "--spacing", options.spacing, "distance between two eyes");
+  command.get_option("--spacing")->required();
+  command.add_option("--height", options.height, "height of the eyes above the ground")
+      ->required()
+      ->type_name("H");
+  command
+      .add_option_function<double>(
+          "--ground",
+          [&options](const double& z) {
+            options.ground = z;
+            options.groundGiven = true;
+          },
+          "the ground's z; without it that of the scene's lowest point")
+      ->type_name("Z");
+  command.add_option("--look", options.look, "the direction of the pictures' centres")
+      ->check(CLI::IsMember({"up", "horizontal", "down"}))
+      ->capture_default_str();
+  command
+      .add_option_function<std::string>(
+          "--heading",
+          [&options](const std::string& text) { options.headings = readHeadings(text); },
+          "degrees from x towards y of each horizontal view, or of the upper edge of others")
+      ->type_name("D,D,...")
+      ->default_str("0");
+  command.add_flag("--skip-inside", options.skipInside,
+                   "leave out eyes that see the back of a polygon above them");
+  command
+      .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
+      ->type_name("VIEWS");
+}
+
 void setJson5Options(CLI::App& command, Json5Options& options) {
   command.add_option("FILE", options.file, "text to convert (JSON5)")->required()->type_name("");
   command.add_option("-o,--output", options.out, "file to write; standard output without it")
@@ -194,6 +277,20 @@ void setJson5Options(CLI::App& command, Json5Options& options) {
 bool viewWasGiven(const CLI::App& command) {
   return std::any_of(ViewOptionNames.begin(), ViewOptionNames.end(),
                      [&command](const std::string& name) { return command.count(name) > 0; });
+}
+
+std::vector<std::string> givenShotOptions(const CLI::App& command) {
+  CLI::App shot;
+  ShotOptions ignored;
+  setShotOptions(shot, ignored);
+  std::vector<std::string> given;
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->count() == 0 || option->get_lnames().empty()) continue;
+    const std::string name = "--" + option->get_lnames()[0];
+    if (name == "--help" || shot.get_option_no_throw(name) == nullptr) continue;
+    given.push_back(name + "=" + option->results().back());
+  }
+  return given;
 }
 
 std::vector<std::string> joinedVectorOptions(const std::vector<std::string>& arguments) {

@@ -44,6 +44,35 @@ struct CheckOptions {
   bool json = false;
 };
 
+/// Which of how many shares of a table's rows: row r of 0, 1, ... is of share r mod count + 1.
+struct Shard {
+  int number = 1;
+  int count = 1;
+};
+
+struct BatchOptions {
+  ShotOptions shot;                      ///< the scene; the rest of it stands in `shotOptions`
+  std::vector<std::string> shotOptions;  ///< those given for all views, as "--name=value"
+  std::string views;                     ///< the table of views (CSV)
+  std::string folder;                    ///< of the outputs
+  int jobs = 0;                          ///< processes; 0 for as many as processors
+  Shard shard;
+  bool merge = false;  ///< no view is made, parts are merged
+};
+
+struct GridOptions {
+  std::string scene;
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
+  std::string out;        ///< empty: standard output
+  double spacing = 0.0;
+  double height = 0.0;
+  double ground = 0.0;
+  bool groundGiven = false;  ///< otherwise the scene's lowest point is the ground
+  std::string look = "up";   ///< or "horizontal" or "down"
+  std::vector<double> headings = {0.0};
+  bool skipInside = false;
+};
+
 struct Json5Options {
   std::string file;
   std::string out;  ///< empty: standard output
@@ -54,9 +83,14 @@ struct Json5Options {
 /// `viewWasGiven` after the parse.
 void setShotOptions(CLI::App& command, ShotOptions& options);
 void setShowOptions(CLI::App& command, ShowOptions& options);
+void setBatchOptions(CLI::App& command, BatchOptions& options);
+void setGridOptions(CLI::App& command, GridOptions& options);
 void setJson5Options(CLI::App& command, Json5Options& options);
 void setCheckOptions(CLI::App& command, CheckOptions& options);
 bool viewWasGiven(const CLI::App& command);
+
+/// The options of `shot` that stand on the command line, as "--name=value", after the parse.
+std::vector<std::string> givenShotOptions(const CLI::App& command);
 
 /// The arguments of a process without its name, with "--eye -1,2,3" turned into "--eye=-1,2,3": a
 /// value that starts with a minus is none to a command line parser.

@@ -4,6 +4,7 @@
 #include "Picture.h"
 #include "ProgressBar.h"
 #include "SceneSource.h"
+#include "ShotOutputs.h"
 #include "Stats.h"
 #include "VisibleFile.h"
 
@@ -88,6 +89,14 @@ void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds
 
 }  // namespace
 
+void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
+                  Seconds& seconds) {
+  writeShot(options, shot, seconds);
+  writeVisible(options, shot, seconds);
+  writeVectorPictures(options, scene, shot, seconds);
+  writePicture(options, shot, seconds);
+}
+
 void runShot(const ShotOptions& options) {
   Session::checkReadable(options.scene);
   checkOutputs(options);
@@ -96,11 +105,8 @@ void runShot(const ShotOptions& options) {
   SourcedScene source = readScene(options, seconds);
   if (!options.noCheck) refuseErrors(options.scene, source.scene.scene());
   const TakenShot shot = takeShot(options, source.scene, seconds);
-  writeShot(options, shot, seconds);
-  writeVisible(options, shot, seconds);
   try {
-    writeVectorPictures(options, source.scene, shot, seconds);
-    writePicture(options, shot, seconds);
+    writeOutputs(options, source.scene, shot, seconds);
   } catch (const HostError&) {
     writeStats(options, shot, seconds, source.import);  // the shot itself is there
     throw;

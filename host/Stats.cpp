@@ -42,13 +42,6 @@ size_t sortedFaces(Scene::Scene3D& scene) {
   return count;
 }
 
-size_t drawnFaces(Shot::Shot2d& shot) {
-  size_t count = 0;
-  for (const Shot::Object2d* const object : *shot.getObjects()->getObjects())
-    if (object->getFaces() != nullptr) count += object->getFaces()->getFaces()->size();
-  return count;
-}
-
 size_t peakMemoryBytes() {
   struct rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
@@ -83,15 +76,25 @@ Jzon::Node stagesNode() {
 
 }  // namespace
 
+size_t drawnFaces(Shot::Shot2d& shot) {
+  size_t count = 0;
+  for (const Shot::Object2d* const object : *shot.getObjects()->getObjects())
+    if (object->getFaces() != nullptr) count += object->getFaces()->getFaces()->size();
+  return count;
+}
+
+size_t hiddenFaces(const Session::TakenShot& taken) {
+  return sortedFaces(taken.scene()) - drawnFaces(taken.shot());
+}
+
 std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
                       const Jzon::Node& import) {
   Shot::Shot2d& shot = taken.shot();
-  const size_t drawn = drawnFaces(shot);
   Jzon::Node root = Jzon::object();
   root.add("points", numberNode(shot.getPoints()->getPoints()->size()));
   root.add("regions", numberNode(shot.getRegions()->getRegions()->size()));
-  root.add("faces_drawn", numberNode(drawn));
-  root.add("faces_hidden", numberNode(sortedFaces(taken.scene()) - drawn));
+  root.add("faces_drawn", numberNode(drawnFaces(shot)));
+  root.add("faces_hidden", numberNode(hiddenFaces(taken)));
   root.add("objects", numberNode(shot.getObjects()->getObjects()->size()));
   root.add("eye", eyeNode(taken.eye()));
   root.add("seconds", secondsNode(seconds));

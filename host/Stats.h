@@ -3,10 +3,14 @@
 #include <lumivane/jzon/Node.h>
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 
 namespace Lumivane::Session {
 class TakenShot;
+}
+namespace Lumivane::Shot {
+class Shot2d;
 }
 
 namespace Lumivane::Host {
@@ -35,6 +39,11 @@ class Timer {
   double& target;
   std::chrono::steady_clock::time_point start;
 };
+
+/// Faces left in the shot, and those that lay in the picture wholly behind others and were taken
+/// out. To be asked before the next shot of the scene is taken.
+size_t drawnFaces(Shot::Shot2d& shot);
+size_t hiddenFaces(const Session::TakenShot& taken);
 
 /// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
 /// To be asked before the next shot of the scene is taken.

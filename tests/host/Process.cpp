@@ -131,6 +131,21 @@ Result signalProcess(const std::vector<std::string>& command, const std::string&
   return result;
 }
 
+Result runUntil(const std::vector<std::string>& command, const Environment& environment, int signal,
+                const std::function<bool()>& holds) {
+  const Running running = start(command, environment, false);
+  const auto hasEnded = [&running] {
+    siginfo_t info = {};
+    waitid(P_PID, static_cast<id_t>(running.process), &info, WEXITED | WNOHANG | WNOWAIT);
+    return info.si_pid != 0;
+  };
+  while (!hasEnded() && !holds()) usleep(1000);
+  kill(running.process, signal);
+  Result result;
+  finish(running, result);
+  return result;
+}
+
 VirtualDisplay::VirtualDisplay() {
   const Channel number = makePipe();
   process = fork();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -29,6 +30,10 @@ Result runProcess(const std::vector<std::string>& command, const Environment& en
 /// Runs a program with a terminal for its standard error, and sends it a signal once it has shown
 /// `sign` there.
 Result signalProcess(const std::vector<std::string>& command, const std::string& sign, int signal);
+
+/// Runs a program and sends it a signal as soon as something holds, unless it ends before.
+Result runUntil(const std::vector<std::string>& command, const Environment& environment, int signal,
+                const std::function<bool()>& holds);
 
 /// An X display without a screen to look at, up to its destruction.
 class VirtualDisplay {

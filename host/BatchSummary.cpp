@@ -1,0 +1,92 @@
+#include "BatchSummary.h"
+
+#include "Csv.h"
+#include "Stats.h"
+
+#include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/session/TakenShot.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <charconv>
+#include <vector>
+
+#ifdef LUMIVANE_HOST_MEASURES
+#include <lumivane/measure/VisibleShares.h>
+#endif
+
+namespace Lumivane::Host {
+namespace {
+
+const std::vector<std::string> Columns = {
+    "name",
+    "status",
+    "error",
+    "eye_x",
+    "eye_y",
+    "eye_z",
+    "points",
+    "regions",
+    "faces_drawn",
+    "faces_hidden",
+    "cycle",
+    "objects_visible",
+    "sky_view_factor",
+    "sky_hemisphere_share",
+    "largest_object",
+    "largest_view_factor",
+};
+
+// As few digits as read back to the same double.
+std::string text(double value) {
+  char buffer[32];
+  const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return {buffer, end.ptr};
+}
+
+// Empty where nothing can be measured.
+std::vector<std::string> measureFields(const Session::TakenShot& shot) {
+#ifdef LUMIVANE_HOST_MEASURES
+  const Measure::VisibleShares shares(shot.shot());
+  size_t visible = 0;
+  const Measure::ObjectShare* largest = nullptr;
+  for (const Measure::ObjectShare& object : shares.objects()) {
+    if (object.share.area <= 0.0) continue;
+    ++visible;
+    if (largest == nullptr || object.share.viewFactor > largest->share.viewFactor)
+      largest = &object;
+  }
+  return {std::to_string(visible), text(shares.open().viewFactor),
+          text(shares.open().hemisphereShare()), largest == nullptr ? "" : largest->id,
+          largest == nullptr ? "" : text(largest->share.viewFactor)};
+#else
+  static_cast<void>(shot);
+  return {"", "", "", "", ""};
+#endif
+}
+
+}  // namespace
+
+std::string summaryHeading() { return csvRecord(Columns); }
+
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle) {
+  std::vector<std::string> fields = {name, "ok", ""};
+  for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
+  fields.push_back(std::to_string(shot.shot().getPoints()->getPoints()->size()));
+  fields.push_back(std::to_string(shot.shot().getRegions()->getRegions()->size()));
+  fields.push_back(std::to_string(drawnFaces(shot.shot())));
+  fields.push_back(std::to_string(hiddenFaces(shot)));
+  fields.push_back(hasCycle ? "1" : "0");
+  for (const std::string& field : measureFields(shot)) fields.push_back(field);
+  return csvRecord(fields);
+}
+
+std::string failureRow(const std::string& name, const std::string& error) {
+  std::vector<std::string> fields(Columns.size());
+  fields[0] = name;
+  fields[1] = "failed";
+  fields[2] = error;
+  return csvRecord(fields);
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace Lumivane::Session {
+class TakenShot;
+}
+
+namespace Lumivane::Host {
+
+/// The heading of a summary, without a line end.
+std::string summaryHeading();
+
+/// The row of a view that was made, and of one that was not.
+///
+/// \param hasCycle  whether faces overlap in a circle, so that no drawing order suits all
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle);
+std::string failureRow(const std::string& name, const std::string& error);
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Options.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Host {
+
+/// One view of a table, ready to be made.
+struct TableView {
+  std::string name;
+  ShotOptions options;             ///< output files as whole paths
+  std::vector<std::string> files;  ///< the same files as names in the folder of outputs
+  std::uint64_t key = 0;           ///< tells views apart that would give other results
+};
+
+/// What all views of a table share.
+struct TableSetting {
+  std::string scene;                 ///< its file
+  std::string folder;                ///< of the outputs, as a whole path
+  std::vector<std::string> options;  ///< of `shot`, as "--name=value", for all views
+  std::uint64_t sceneKey = 0;        ///< of the scene's bytes
+};
+
+/// The views of a table with one heading and one row for each view. A column is named `name` or
+/// after an option of `shot`, with or without its dashes; `eye`, `forward` and `up` may also be
+/// three columns `eye_x`, `eye_y`, `eye_z`. An empty cell leaves the option as it is for all views.
+/// "{name}" in an output file stands for the view's name; without names, views are numbered.
+/// \throws HostError that names the table's file, line and column
+std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting);
+
+/// A number that stands for a text: FNV-1a of 64 bits, going on from `start`.
+std::uint64_t textKey(const std::string& text, std::uint64_t start = 14695981039346656037ULL);
+
+}  // namespace Lumivane::Host

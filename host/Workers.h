@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Host {
+
+/// Work shared out to processes: each takes a piece from the parent whenever it has done one.
+struct SharedWork {
+  /// Called once in each new process, told its number from 0.
+  std::function<void(int)> start;
+  /// Does one piece in a process, and gives one line of text.
+  std::function<std::string(size_t)> work;
+  /// Is told the line in the parent.
+  std::function<void(size_t, const std::string&)> done;
+  /// Is told in the parent that the process ended over the piece, and how.
+  std::function<void(size_t, const std::string&)> died;
+  /// Called in the parent now and then, several times a second.
+  std::function<void()> tick;
+};
+
+/// Runs the pieces in as many processes as told, all copies of this one; the parent does no piece
+/// itself. Pieces are begun in their order. A process that ends over a piece is replaced. When the
+/// parent ends, the processes end as well.
+/// \throws HostError if no process can be made
+void shareOut(const std::vector<size_t>& pieces, int processes, const SharedWork& shared);
+
+}  // namespace Lumivane::Host
