@@ -62,8 +62,6 @@ class GltfReader {
     if (skippedPrimitives > 0)
       model.warnings.push_back(std::to_string(skippedPrimitives) +
                                " primitives of points or lines are left out");
-    if (!source.Skins.empty() || !source.Animations.empty())
-      model.warnings.emplace_back("skins and animations are left out: everything stands at rest");
     return std::move(model);
   }
 
@@ -123,6 +121,23 @@ class GltfReader {
   size_t skippedPrimitives = 0;
 };
 
+// Takes out of a model what is not needed here, so that its data is not loaded: textures that are
+// missing do no harm then.
+void keepShapes(Model& model) {
+  model.Images.clear();
+  model.Textures.clear();
+  model.Skins.clear();
+  model.Animations.clear();
+  for (Node& node : model.Nodes) node.Skin = -1;
+  for (auto& mesh : model.Meshes) {
+    for (auto& primitive : mesh.Primitives) {
+      primitive.Targets.clear();
+      const int positions = primitive.AttributeIndices["POSITION"];
+      primitive.AttributeIndices = {{"POSITION", positions}};
+    }
+  }
+}
+
 std::string reason(const VtkMessages& messages) {
   return messages.firstError().empty() ? "it cannot be read as glTF" : messages.firstError();
 }
@@ -136,11 +151,17 @@ SourceModel readGltf(const std::string& path, const std::string& bytes) {
   std::vector<char> data;
   const bool isBinary = bytes.rfind("glTF", 0) == 0;
   if (!loader->LoadModelMetaDataFromFile(path)) throw ImportError(reason(messages));
+  Model& loaded = *loader->GetInternalModel();
+  const bool moves = !loaded.Skins.empty() || !loaded.Animations.empty();
+  keepShapes(loaded);
   if (isBinary && !loader->LoadFileBuffer(path, data)) throw ImportError(reason(messages));
   if (!loader->LoadModelData(data) || !loader->BuildModelVTKGeometry())
     throw ImportError(reason(messages));
   loader->BuildGlobalTransforms();
-  return GltfReader(*loader->GetInternalModel()).read();
+  SourceModel model = GltfReader(loaded).read();
+  if (moves)
+    model.warnings.emplace_back("skins and animations are left out: everything stands at rest");
+  return model;
 }
 
 }  // namespace Lumivane::Exchange

@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <limits>
 #include <memory>
+#include <new>
 
 #include <nlohmann/json.hpp>
 
@@ -217,6 +218,13 @@ ImportedScene Importer::importFile(const std::string& path, const ImportOptions&
     return {Session::LoadedScene::adopt(scene.release(), path), std::move(report)};
   } catch (const ImportError& error) {
     throw Session::Error(path, error.what());
+  } catch (const Session::Error&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw Session::Error(path, "cannot be imported: it needs more memory than there is");
+  } catch (const std::exception& error) {
+    // The reader of a foreign format may object in its own way.
+    throw Session::Error(path, std::string("cannot be imported: ") + error.what());
   }
 }
 

@@ -136,8 +136,8 @@ void renumber(std::vector<int>& loop, const std::vector<int>& numbers) {
 }  // namespace
 
 double placeModel(SourceModel& model, const ImportOptions& options, ImportReport& report) {
-  if (model.polygons.empty()) throw ImportError("there is no polygon in it");
   dropUnused(model);
+  if (model.vertices.empty()) throw ImportError("there is no polygon in it");
   turnAndScale(model, options);
   const Bounds bounds = boundsOf(model.vertices);
   const double diagonal = bounds.diagonal();

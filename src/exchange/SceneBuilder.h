@@ -1,7 +1,7 @@
 #pragma once
 
-#include "exchange/SourceModel.h"
 #include "exchange/SourceFaces.h"
+#include "exchange/SourceModel.h"
 
 #include <lumivane/exchange/ImportOptions.h>
 #include <lumivane/exchange/ImportReport.h>

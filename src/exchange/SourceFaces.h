@@ -32,6 +32,6 @@ using ObjectSurfaces = std::vector<SurfaceFace>;
 /// \param diagonal  of the model's bounds; the tolerances are shares of it
 /// \return one entry for each object of the model, which may be empty
 std::vector<ObjectSurfaces> makeFaces(const SourceModel& model, const ImportOptions& options,
-                                         double diagonal, ImportReport& report);
+                                      double diagonal, ImportReport& report);
 
 }  // namespace Lumivane::Exchange

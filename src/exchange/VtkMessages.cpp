@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <vtkLogger.h>
 #include <vtkObjectFactory.h>
 #include <vtkOutputWindow.h>
 
@@ -28,11 +29,18 @@ vtkStandardNewMacro(CapturingWindow)
 }  // namespace
 
 VtkMessages::VtkMessages()
-    : before(vtkOutputWindow::GetInstance()), capture(vtkSmartPointer<CapturingWindow>::New()) {
+    : before(vtkOutputWindow::GetInstance()),
+      capture(vtkSmartPointer<CapturingWindow>::New()),
+      verbosity(vtkLogger::GetCurrentVerbosityCutoff()) {
   vtkOutputWindow::SetInstance(capture);
+  // Errors go to VTK's log as well, which writes them to standard error by itself.
+  vtkLogger::SetStderrVerbosity(vtkLogger::VERBOSITY_OFF);
 }
 
-VtkMessages::~VtkMessages() { vtkOutputWindow::SetInstance(before); }
+VtkMessages::~VtkMessages() {
+  vtkLogger::SetStderrVerbosity(static_cast<vtkLogger::Verbosity>(verbosity));
+  vtkOutputWindow::SetInstance(before);
+}
 
 std::string VtkMessages::firstError() const {
   std::string text = static_cast<CapturingWindow*>(capture.Get())->first;

@@ -23,6 +23,7 @@ class VtkMessages {
  private:
   vtkSmartPointer<vtkOutputWindow> before;
   vtkSmartPointer<vtkOutputWindow> capture;
+  int verbosity;
 };
 
 }  // namespace Lumivane::Exchange
