@@ -221,7 +221,7 @@ ImportedScene Importer::importFile(const std::string& path, const ImportOptions&
   } catch (const Session::Error&) {
     throw;
   } catch (const std::bad_alloc&) {
-    throw Session::Error(path, "cannot be imported: it needs more memory than there is");
+    throw;  // the end of memory is no fault of the file
   } catch (const std::exception& error) {
     // The reader of a foreign format may object in its own way.
     throw Session::Error(path, std::string("cannot be imported: ") + error.what());
