@@ -169,7 +169,7 @@ def sections(before, after, parts):
                 "and more, as far as they came to an end.\n\n" + growth_table(*parts))
     text.append("## Stages\n\nProcessor time in milliseconds.\n\n" + stage_table(*parts))
     if (RESULTS / "gain.txt").exists():
-        text.append("## The plain road in the same run\n\n```\n"
+        text.append("## The plain road in the same run\n\n```text\n"
                     + (RESULTS / "gain.txt").read_text(encoding="utf-8").strip() + "\n```")
     kernels = load("kernels")
     if kernels:
