@@ -23,7 +23,9 @@ std::string_view textOf(bool value) { return value ? "true" : "false"; }
 class NumberText {
  public:
   template <class Number>
-  explicit NumberText(Number value) : length(Kernel::writeNumber(value, characters.data())) {}
+  explicit NumberText(Number value) {
+    length = Kernel::writeNumber(value, characters.data());
+  }
   std::string_view get() const { return {characters.data(), length}; }
 
  private:
@@ -63,7 +65,8 @@ Node::Node(bool value) : data(makeValue(T_BOOL, textOf(value))) {}
 Node::~Node() { release(data); }
 
 Node& Node::operator=(const Node& other) noexcept {
-  // The new data is held before the old goes: `other` may be this node or a child of it.
+  if (this == &other) return *this;
+  // The new data is held before the old goes: `other` may be a child of this node.
   release(std::exchange(data, hold(other.data)));
   return *this;
 }

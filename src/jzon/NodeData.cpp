@@ -42,12 +42,12 @@ bool isLong(const Name& name) { return name.bytes.back() == LongName; }
 
 Word blockOf(const Name& name) {
   Word block = nullptr;
-  std::memcpy(&block, name.bytes.data(), sizeof block);
+  std::memcpy(&block, name.bytes.data(), WordSize);
   return block;
 }
 
 std::size_t childSize(Word container) {
-  return container->type == Node::T_OBJECT ? sizeof(Member) : sizeof(Word);
+  return container->type == Node::T_OBJECT ? sizeof(Member) : WordSize;
 }
 
 bool isPlain(Word container) { return container->form == NodeData::Form::Plain; }
@@ -124,7 +124,7 @@ Name makeName(std::string_view text) {
     name.bytes.back() = static_cast<char>(ShortNameLength - text.size());
   } else {
     const Word block = makeText(Node::T_STRING, text);
-    std::memcpy(name.bytes.data(), &block, sizeof block);
+    std::memcpy(name.bytes.data(), &block, WordSize);
     name.bytes.back() = LongName;
   }
   return name;
@@ -141,7 +141,7 @@ void destroyName(const Name& name) noexcept {
 
 Word makeContainer(Node::Type type, std::size_t room) {
   if (room > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-  const std::size_t size = type == Node::T_OBJECT ? sizeof(Member) : sizeof(Word);
+  const std::size_t size = type == Node::T_OBJECT ? sizeof(Member) : WordSize;
   const Word data = makeBlock(type, NodeData::Form::Packed, room * size);
   data->children = {0, static_cast<std::uint32_t>(room)};
   return data;

@@ -22,6 +22,7 @@
 namespace Jzon {
 
 using Word = NodeData*;
+constexpr std::size_t WordSize = sizeof(std::uintptr_t);
 
 /// The name of a member. Up to 15 characters stand in it; a longer name is a block of its own,
 /// shared with nobody.
@@ -56,7 +57,7 @@ struct NodeData {
   Member* members() { return reinterpret_cast<Member*>(this + 1); }
   PlainChildren*& plain() { return *reinterpret_cast<PlainChildren**>(this + 1); }
 };
-static_assert(sizeof(NodeData) == 16 && sizeof(Word) == 8 && sizeof(Member) == 24);
+static_assert(sizeof(NodeData) == 16 && WordSize == 8 && sizeof(Member) == 24);
 
 /// Handles from words and back.
 struct NodeAccess {

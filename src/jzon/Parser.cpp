@@ -113,7 +113,7 @@ class Parser::Assembly {
     std::size_t first;  // of its words on the stack: a child each, in an object behind its name
   };
   enum class Waiting { Nothing, Text, Value };
-  static constexpr std::size_t NameWords = sizeof(Name) / sizeof(Word);
+  static constexpr std::size_t NameWords = sizeof(Name) / WordSize;
 
   bool settle();
   void addChild(Word child);
@@ -247,7 +247,7 @@ Word Parser::Assembly::madeContainer(const Frame& frame) {
   const std::size_t count = frame.type == Node::T_OBJECT ? size / (NameWords + 1) : size;
   const Word container = makeContainer(frame.type, count);
   container->children.count = static_cast<std::uint32_t>(count);
-  if (count > 0) std::memcpy(container->text(), words.data() + frame.first, size * sizeof(Word));
+  if (count > 0) std::memcpy(container->text(), words.data() + frame.first, size * WordSize);
   return container;
 }
 

@@ -144,7 +144,7 @@ class JsonParser {
 
   JsonTree parse(std::istream& stream) {
     tokenize(stream);
-    const JsonTree root = assemble();
+    JsonTree root = assemble();
     tokens = {};
     data = {};
     return root;
