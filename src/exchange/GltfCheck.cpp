@@ -325,7 +325,10 @@ class Checker {
 
   void checkAccessor(const Json& node, const std::string& where) const {
     if (member(node, "sparse") != nullptr) fail(where, "is sparse, which is not read");
-    const long long element = componentSize(node, where) * componentCount(node, where);
+    const long long components = componentCount(node, where);
+    checkNumbers(node, "min", static_cast<size_t>(components), where);
+    checkNumbers(node, "max", static_cast<size_t>(components), where);
+    const long long element = componentSize(node, where) * components;
     const long long count = countIn(node, "count", -1, where);
     if (count < 1) fail(where, "has no elements");
     const Json* const viewIndex = member(node, "bufferView");
