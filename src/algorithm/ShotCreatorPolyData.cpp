@@ -11,15 +11,10 @@
 #include <lumivane/cmd/Log.h>
 #include <lumivane/geometry/Point2d.h>
 #include <lumivane/geometry/Point3d.h>
-#include <lumivane/geometry/Points2d.h>
-#include <lumivane/geometry/Points3d.h>
-#include <lumivane/geometry/Region.h>
-#include <lumivane/geometry/Region2d.h>
 
 #include <cstddef>
 #include <vector>
 
-#include <vtkPolyLine.h>
 #include <vtkTriangleFilter.h>
 
 namespace Lumivane::Algorithm {
@@ -45,29 +40,27 @@ std::size_t pointCount(AnyRegion* region) {
   return region->getPoints()->size();
 }
 
-void readPoints(Geometry::Region* region, Geometry::Points3d* points, std::vector<Vec3>& result) {
-  result.clear();
+}  // namespace
+
+void readRegionPoints(Geometry::Region* region, Geometry::Points3d* points,
+                      std::vector<Vec3>& polygon) {
+  polygon.clear();
   if (pointCount(region) == 0) return;
   for (const int number : *region->getPoints()) {
     const Geometry::Point3d* point = pointOfNumber(points, number);
-    result.push_back({point->getX(), point->getY(), point->getZ()});
+    polygon.push_back({point->getX(), point->getY(), point->getZ()});
   }
 }
 
-std::vector<Vec3> regionPoints(Geometry::Region* region, Geometry::Points3d* points) {
-  std::vector<Vec3> result;
-  readPoints(region, points, result);
-  return result;
-}
-
-std::vector<Vec3> regionPoints(Geometry::Region2d* region, Geometry::Points2d* points, double z) {
-  std::vector<Vec3> result;
-  if (pointCount(region) == 0) return result;
+void readRegionPoints(Geometry::Region2d* region, Geometry::Points2d* points, int depth,
+                      std::vector<Vec3>& polygon) {
+  polygon.clear();
+  if (pointCount(region) == 0) return;
+  const double z = static_cast<double>(depth) * LayerHeight;
   for (const int number : *region->getPoints()) {
     const Geometry::Point2d* point = pointOfNumber(points, number);
-    result.push_back({point->getX(), point->getY(), z});
+    polygon.push_back({point->getX(), point->getY(), z});
   }
-  return result;
 }
 
 void triangulate(vtkPolyData* source, vtkPolyData* target) {
@@ -77,25 +70,32 @@ void triangulate(vtkPolyData* source, vtkPolyData* target) {
   target->ShallowCopy(triangles->GetOutput());
 }
 
-// The poly-lines of an outline without its docking edges, all points numbered through.
-void fillOutline(vtkPolyData* result, const std::vector<Vec3>& points,
-                 const std::vector<int>* dockingEdges) {
+void appendOutline(const std::vector<Vec3>& polygon, const std::vector<int>* dockingEdges,
+                   vtkPoints* points, vtkCellArray* lines) {
   const bool hasDocking = dockingEdges != nullptr && !dockingEdges->empty();
   const std::vector<Kernel::Chain> chains =
-      Kernel::outlineChains(points.size(), hasDocking ? *dockingEdges : std::vector<int>());
-  const vtkNew<vtkPoints> linePoints;
-  const vtkNew<vtkCellArray> lines;
+      Kernel::outlineChains(polygon.size(), hasDocking ? *dockingEdges : std::vector<int>());
+  const vtkIdType first = points->GetNumberOfPoints();
   for (const Kernel::Chain& chain : chains) {
-    const vtkNew<vtkPolyLine> line;
+    lines->InsertNextCell(static_cast<int>(chain.size()) + (hasDocking ? 0 : 1));
     for (const std::size_t position : chain) {
-      const Vec3& point = points[position];
-      line->GetPointIds()->InsertNextId(linePoints->InsertNextPoint(point.x, point.y, point.z));
+      const Vec3& point = polygon[position];
+      lines->InsertCellPoint(points->InsertNextPoint(point.x, point.y, point.z));
     }
-    // Deliberate: the outline ends on its first point already, and is closed once more on id 0.
-    if (!hasDocking) line->GetPointIds()->InsertNextId(0);
-    lines->InsertNextCell(line);
+    // Deliberate: the outline ends on its first point already, and is closed once more on its first
+    // id.
+    if (!hasDocking) lines->InsertCellPoint(first);
   }
-  result->SetPoints(linePoints);
+}
+
+namespace {
+
+void fillOutline(vtkPolyData* result, const std::vector<Vec3>& polygon,
+                 const std::vector<int>* dockingEdges) {
+  const vtkNew<vtkPoints> points;
+  const vtkNew<vtkCellArray> lines;
+  appendOutline(polygon, dockingEdges, points, lines);
+  result->SetPoints(points);
   result->SetLines(lines);
 }
 
@@ -108,7 +108,7 @@ void readRegionPolygon(Geometry::Region* region, Geometry::Points3d* points,
     Cmd::logMessage("Error: region points size < 3 \n");
     return;
   }
-  readPoints(region, points, polygon);
+  readRegionPoints(region, points, polygon);
 }
 
 vtkNew<vtkPolyData> ShotCreator::getRegionPolyData(Geometry::Region* region,
@@ -129,9 +129,11 @@ vtkNew<vtkPolyData> ShotCreator::getRegionPolyDataTriangulated(Geometry::Region*
 
 vtkNew<vtkPolyData> ShotCreator::getRegionPolyData(Geometry::Region2d* region,
                                                    Geometry::Points2d* points, int depth) {
+  static_assert(depthShift == LayerHeight);
   vtkNew<vtkPolyData> result;
-  const double z = static_cast<double>(depth) * depthShift;
-  triangulate(Utils::polygonData(regionPoints(region, points, z)), result);
+  std::vector<Vec3> polygon;
+  readRegionPoints(region, points, depth, polygon);
+  triangulate(Utils::polygonData(polygon), result);
   return result;
 }
 
@@ -139,7 +141,9 @@ vtkNew<vtkPolyData> ShotCreator::getRegionLinePolyData(Geometry::Region* region,
                                                        Geometry::Points3d* points) {
   vtkNew<vtkPolyData> result;
   if (pointCount(region) < 2) return result;
-  fillOutline(result, regionPoints(region, points), region->getDockingEdges());
+  std::vector<Vec3> polygon;
+  readRegionPoints(region, points, polygon);
+  fillOutline(result, polygon, region->getDockingEdges());
   return result;
 }
 
@@ -147,8 +151,9 @@ vtkNew<vtkPolyData> ShotCreator::getRegionLinePolyData(Geometry::Region2d* regio
                                                        Geometry::Points2d* points, int depth) {
   vtkNew<vtkPolyData> result;
   if (pointCount(region) < 2) return result;
-  const double z = static_cast<double>(depth) * depthShift;
-  fillOutline(result, regionPoints(region, points, z), region->getDockingEdges());
+  std::vector<Vec3> polygon;
+  readRegionPoints(region, points, depth, polygon);
+  fillOutline(result, polygon, region->getDockingEdges());
   return result;
 }
 

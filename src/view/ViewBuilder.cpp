@@ -1,6 +1,7 @@
+#include "algorithm/RegionPolygon.h"
+#include "utils/PolygonData.h"
 #include "utils/Shapes.h"
 
-#include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/Brush.h>
 #include <lumivane/base/Brushes.h>
 #include <lumivane/base/Pen.h>
@@ -24,37 +25,57 @@
 #include <vector>
 
 #include <vtkActor.h>
-#include <vtkAppendPolyData.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
 
 namespace Lumivane::View {
 namespace {
 
-using Algorithm::ShotCreator;
-using PolyDataList = std::vector<vtkSmartPointer<vtkPolyData>>;
-using Groups = std::map<int, PolyDataList>;  // by brush or pen number, ascending
+using Kernel::Vec3;
 
-void addIfAny(PolyDataList& list, vtkPolyData* polyData) {
-  if (polyData->GetNumberOfPoints() > 0) list.emplace_back(polyData);
-}
+// What one actor draws. The regions are appended one by one, as a filter would append the polygon
+// data of each; only there would be twenty thousand of these, with a pipeline for each to be cut
+// into triangles.
+class Group {
+ public:
+  void addPolygon(const std::vector<Vec3>& polygon) {
+    if (!polygon.empty()) Utils::appendPolygon(polygon, points, cells);
+  }
+  void addOutline(const std::vector<Vec3>& polygon, const std::vector<int>* dockingEdges) {
+    Algorithm::appendOutline(polygon, dockingEdges, points, cells);
+  }
 
-void addToGroup(Groups& groups, int number, vtkPolyData* polyData) {
-  if (polyData->GetNumberOfPoints() > 0) groups[number].emplace_back(polyData);
-}
+  // Of regions without polygons, or without outlines, there is nothing to draw.
+  bool isEmpty() const { return points->GetNumberOfPoints() == 0; }
 
-// One actor for all polygon data of a group, or null if there is nothing to draw.
-vtkSmartPointer<vtkActor> buildGroup(const PolyDataList& list) {
-  const vtkNew<vtkAppendPolyData> filter;
-  for (const auto& polyData : list) filter->AddInputData(polyData);
-  if (filter->GetNumberOfInputConnections(0) == 0) return nullptr;
-  filter->Update();
-  const vtkNew<vtkPolyDataMapper> mapper;
-  mapper->SetInputData(filter->GetOutput());
-  auto actor = vtkSmartPointer<vtkActor>::New();
-  actor->SetMapper(mapper);
-  return actor;
-}
+  vtkSmartPointer<vtkActor> trianglesActor() const {
+    const vtkNew<vtkPolyData> polygons;
+    polygons->SetPoints(points);
+    polygons->SetPolys(cells);
+    const vtkNew<vtkPolyData> triangles;
+    Algorithm::triangulate(polygons, triangles);
+    return actorOf(triangles);
+  }
+  vtkSmartPointer<vtkActor> linesActor() const {
+    const vtkNew<vtkPolyData> lines;
+    lines->SetPoints(points);
+    lines->SetLines(cells);
+    return actorOf(lines);
+  }
+
+ private:
+  static vtkSmartPointer<vtkActor> actorOf(vtkPolyData* data) {
+    const vtkNew<vtkPolyDataMapper> mapper;
+    mapper->SetInputData(data);
+    auto actor = vtkSmartPointer<vtkActor>::New();
+    actor->SetMapper(mapper);
+    return actor;
+  }
+
+  vtkNew<vtkPoints> points;
+  vtkNew<vtkCellArray> cells;
+};
+using Groups = std::map<int, Group>;  // by brush or pen number, ascending
 
 // The element of a number counted from 1. Without a list, and for an element that is null, it is
 // the default one.
@@ -74,41 +95,44 @@ void setColor(vtkActor* actor, const Base::Color& color, double opacityFactor) {
   actor->GetProperty()->SetOpacity(color.getAlpha() / 255.0 * opacityFactor);
 }
 
-void addPolygons(vtkActorCollection* actors, const Groups& polygons, Base::Brushes* brushes,
+void addPolygons(vtkActorCollection* actors, const Groups& groups, Base::Brushes* brushes,
                  double opacityFactor) {
   const std::vector<Base::Brush*>* elements = brushes ? brushes->getBrushes() : nullptr;
-  for (const auto& [brushNumber, list] : polygons) {
-    const auto actor = buildGroup(list);
-    if (actor == nullptr) continue;
-    setColor(actor, elementOfNumber(elements, brushNumber), opacityFactor);
+  for (const auto& [brushNumber, group] : groups) {
+    if (group.isEmpty()) continue;
+    const Base::Brush brush = elementOfNumber(elements, brushNumber);
+    const auto actor = group.trianglesActor();
+    setColor(actor, brush, opacityFactor);
     actors->AddItem(actor);
   }
 }
 
-void addLines(vtkActorCollection* actors, const PolyDataList& lines, Base::Pens* pens,
-              int penNumber) {
-  const auto actor = buildGroup(lines);
-  if (actor == nullptr) return;
+void addLines(vtkActorCollection* actors, const Groups& groups, Base::Pens* pens) {
   const std::vector<Base::Pen*>* elements = pens ? pens->getPens() : nullptr;
-  const Base::Pen pen = elementOfNumber(elements, penNumber);
-  setColor(actor, pen, 1.0);
-  actor->GetProperty()->SetLineWidth(static_cast<float>(pen.getWidth()));
-  actors->AddItem(actor);
+  for (const auto& [penNumber, group] : groups) {
+    if (group.isEmpty()) continue;
+    const Base::Pen pen = elementOfNumber(elements, penNumber);
+    const auto actor = group.linesActor();
+    setColor(actor, pen, 1.0);
+    actor->GetProperty()->SetLineWidth(static_cast<float>(pen.getWidth()));
+    actors->AddItem(actor);
+  }
 }
 
 void addObject(vtkActorCollection* actors, Scene::Scene3D* scene, Scene::Object* object) {
   if (object->getRegions() == nullptr || object->getRegions()->getRegions() == nullptr) return;
   Groups polygons;
-  PolyDataList lines;
+  Groups lines;
+  std::vector<Vec3> polygon;
   for (Geometry::Region* region : *object->getRegions()->getRegions()) {
     if (region == nullptr) continue;
-    const auto polygon = ShotCreator::getRegionPolyDataTriangulated(region, scene->getPoints());
-    const auto outline = ShotCreator::getRegionLinePolyData(region, scene->getPoints());
-    addToGroup(polygons, region->getBrushNumber(), polygon);
-    addIfAny(lines, outline);
+    Algorithm::readRegionPolygon(region, scene->getPoints(), polygon);
+    polygons[region->getBrushNumber()].addPolygon(polygon);
+    Algorithm::readRegionPoints(region, scene->getPoints(), polygon);
+    lines[object->getPenNumber()].addOutline(polygon, region->getDockingEdges());
   }
   addPolygons(actors, polygons, scene->getBrushes(), 1.0);
-  addLines(actors, lines, scene->getPens(), object->getPenNumber());
+  addLines(actors, lines, scene->getPens());
 }
 
 template <class Points>
@@ -137,14 +161,14 @@ vtkSmartPointer<vtkActorCollection> ViewBuilder::createShotView(Shot::Shot2d* sh
 
   Groups polygons;
   Groups lines;
+  std::vector<Vec3> polygon;
   int depth = 0;
   for (Geometry::Region2d* region : *regions->getRegions()) {
     ++depth;  // the drawing order is the height
     if (region == nullptr) continue;
-    const auto polygon = ShotCreator::getRegionPolyData(region, shot->getPoints(), depth);
-    const auto outline = ShotCreator::getRegionLinePolyData(region, shot->getPoints(), depth);
-    addToGroup(polygons, region->getBrushNumber(), polygon);
-    addToGroup(lines, region->getPenNumber(), outline);
+    Algorithm::readRegionPoints(region, shot->getPoints(), depth, polygon);
+    polygons[region->getBrushNumber()].addPolygon(polygon);
+    lines[region->getPenNumber()].addOutline(polygon, region->getDockingEdges());
   }
 
   const Base::View* view = shot->getView();
@@ -153,7 +177,7 @@ vtkSmartPointer<vtkActorCollection> ViewBuilder::createShotView(Shot::Shot2d* sh
     const bool isHalf = style == Base::ViewDisplayStyle::HalfTransparent;
     addPolygons(actors, polygons, shot->getBrushes(), isHalf ? 0.5 : 1.0);
   }
-  for (const auto& [penNumber, list] : lines) addLines(actors, list, shot->getPens(), penNumber);
+  addLines(actors, lines, shot->getPens());
   return actors;
 }
 

@@ -1,8 +1,13 @@
+#include "plain/Groups.h"
 #include "support/Capture.h"
 #include "view/Models.h"
 
 #include <lumivane/view/ViewBuilder.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -10,6 +15,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vtkActor.h>
+#include <vtkCellArray.h>
+#include <vtkIdList.h>
 #include <vtkMapper.h>
 #include <vtkPolyData.h>
 #include <vtkProperty.h>
@@ -306,6 +313,109 @@ TEST(ShotView, NullBrushOrPenInTheListIsADefaultOne) {
   ASSERT_EQ(2u, actors.size());
   EXPECT_EQ(Black, actors[0].color);
   EXPECT_EQ(1.0f, actors[1].lineWidth);
+}
+
+// ---- What is drawn, against polygon data for each region -------------------------------------
+
+void expectSameCells(vtkCellArray* expected, vtkCellArray* cells) {
+  ASSERT_EQ(expected->GetNumberOfCells(), cells->GetNumberOfCells());
+  for (vtkIdType c = 0; c < cells->GetNumberOfCells(); ++c) {
+    const vtkNew<vtkIdList> a;
+    const vtkNew<vtkIdList> b;
+    expected->GetCellAtId(c, a);
+    cells->GetCellAtId(c, b);
+    ASSERT_EQ(a->GetNumberOfIds(), b->GetNumberOfIds());
+    for (vtkIdType i = 0; i < a->GetNumberOfIds(); ++i) ASSERT_EQ(a->GetId(i), b->GetId(i));
+  }
+}
+
+void expectSameData(vtkPolyData* expected, vtkPolyData* data) {
+  ASSERT_EQ(expected->GetNumberOfPoints(), data->GetNumberOfPoints());
+  ASSERT_EQ(expected->GetPoints()->GetDataType(), data->GetPoints()->GetDataType());
+  for (vtkIdType i = 0; i < data->GetNumberOfPoints(); ++i) {
+    std::array<double, 3> a;
+    std::array<double, 3> b;
+    expected->GetPoint(i, a.data());
+    data->GetPoint(i, b.data());
+    ASSERT_EQ(a, b);
+  }
+  expectSameCells(expected->GetPolys(), data->GetPolys());
+  expectSameCells(expected->GetLines(), data->GetLines());
+  ASSERT_EQ(expected->GetNumberOfCells(), data->GetNumberOfCells());
+}
+
+void expectSameGroups(const Plain::PolyDataList& expected, vtkActorCollection* actors) {
+  ASSERT_EQ(static_cast<int>(expected.size()), actors->GetNumberOfItems());
+  for (int i = 0; i < actors->GetNumberOfItems(); ++i) {
+    auto* actor = vtkActor::SafeDownCast(actors->GetItemAsObject(i));
+    ASSERT_NO_FATAL_FAILURE(expectSameData(expected[static_cast<size_t>(i)], dataOf(actor)))
+        << "actor " << i;
+  }
+}
+
+// A coordinate of few values, so that points repeat and lie in line, or any.
+double anyCoordinate(std::mt19937_64& random) {
+  if (random() % 2 == 0) return static_cast<double>(random() % 4);
+  return std::uniform_real_distribution<double>(-1.0, 1.0)(random);
+}
+
+// Star-shaped outlines of many points as well as wild ones of few.
+template <class Corners>
+Corners anyOutline(std::mt19937_64& random) {
+  Corners result(random() % 3 == 0 ? 5 + random() % 20 : random() % 6);
+  const double turn =
+      2.0 * std::acos(-1.0) / static_cast<double>(std::max<size_t>(1, result.size()));
+  const bool isStar = random() % 2 == 0;
+  for (size_t i = 0; i < result.size(); ++i) {
+    for (double& c : result[i]) c = anyCoordinate(random);
+    if (!isStar) continue;
+    const double radius = 1.0 + static_cast<double>(random() % 3);
+    result[i][0] = radius * std::cos(turn * static_cast<double>(i));
+    result[i][1] = radius * std::sin(turn * static_cast<double>(i));
+  }
+  return result;
+}
+
+template <class AnyRegion>
+void addDockingEdges(AnyRegion* region, std::mt19937_64& random) {
+  if (random() % 3 != 0) return;
+  for (size_t i = random() % 4; i > 0; --i) region->addDockingEdge(static_cast<int>(random() % 8));
+}
+
+TEST(ShotViewProperty, ActorsDrawWhatAppendedPolygonDataHolds) {
+  std::mt19937_64 random(20261123);
+  for (int run = 0; run < 60; ++run) {
+    ShotModel model;
+    for (size_t i = 1 + random() % 30; i > 0; --i) {
+      const auto outline = anyOutline<std::vector<std::array<double, 2>>>(random);
+      addDockingEdges(model.addRegion(1 + static_cast<int>(random() % 2),
+                                      1 + static_cast<int>(random() % 2), outline),
+                      random);
+    }
+    ASSERT_NO_FATAL_FAILURE(expectSameGroups(
+        Plain::shotGroups(*model.shot->getRegions()->getRegions(), model.shot->getPoints()),
+        ViewBuilder::createShotView(model.shot.get())))
+        << "run " << run;
+  }
+}
+
+TEST(SceneViewProperty, ActorsDrawWhatAppendedPolygonDataHolds) {
+  std::mt19937_64 random(20261124);
+  for (int run = 0; run < 60; ++run) {
+    SceneModel model;
+    Scene::Object* object = model.addObject(1);
+    for (size_t i = 1 + random() % 30; i > 0; --i) {
+      const auto outline = anyOutline<Corners3>(random);
+      addDockingEdges(model.addRegion(object, 1 + static_cast<int>(random() % 2), outline), random);
+    }
+    Plain::PolyDataList expected;
+    vtkSmartPointer<vtkActorCollection> actors;
+    capturedStdout([&] {
+      expected = Plain::objectGroups(*object->getRegions()->getRegions(), model.scene->getPoints());
+      actors = ViewBuilder::createSceneView(model.scene.get());
+    });
+    ASSERT_NO_FATAL_FAILURE(expectSameGroups(expected, actors)) << "run " << run;
+  }
 }
 
 }  // namespace
