@@ -2,7 +2,7 @@
 # Builds the API reference in build/doxygen; a warning is an error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-command -v doxygen >/dev/null || { echo "Please install doxygen" >&2; exit 2; }
+scripts/install_packages.sh doxygen
 mkdir -p build
 doxygen docs/Doxyfile
 echo "reference: build/doxygen/html/index.html"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building, testing and the demo need and what is missing: Debian 12 packages, as
 # root or through sudo. Does nothing, and needs no rights, when all of them are there.
+# Usage: install_packages.sh [FURTHER-PACKAGE...]
 set -euo pipefail
 
 packages=(
@@ -18,6 +19,8 @@ packages=(
 # Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.
 command -v node >/dev/null || packages+=(nodejs)  # to use pages in a browser
 command -v npm >/dev/null || packages+=(npm)
+
+packages+=("$@")
 
 missing=()
 for package in "${packages[@]}"; do

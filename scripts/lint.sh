@@ -1,20 +1,25 @@
 #!/usr/bin/env bash
-# Checks format, layers, the reference's comments (with doxygen installed) and clang-tidy: scripts/lint.sh [BUILD_DIR]
-# BUILD_DIR (default build/release) must hold a compile_commands.json.
+# Checks format, layers, the reference's comments and, unless --quick, what clang-tidy thinks.
+# Usage: scripts/lint.sh [--quick] [BUILD_DIR]
+# BUILD_DIR (default build/release) must hold a compile_commands.json for clang-tidy.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+quick=no
+if [ "${1:-}" = --quick ]; then
+  quick=yes
+  shift
+fi
 build=${1:-build/release}
+scripts/install_packages.sh clang-format doxygen
 
 mapfile -t files < <(git ls-files '*.cpp' '*.h' '*.ipp')
 clang-format --dry-run -Werror "${files[@]}"
 echo "format: ${#files[@]} files"
 scripts/check_layers.py
-if command -v doxygen >/dev/null; then
-  mkdir -p build
-  doxygen docs/Doxyfile
-  echo "doxygen: no warnings"
-fi
+scripts/docs.sh
+[ "$quick" = no ] || exit 0
 
+scripts/install_packages.sh clang-tidy
 mapfile -t sources < <(git ls-files 'src/*.cpp' 'host/*.cpp' 'examples/*.cpp' 'tests/*.cpp' \
                        | grep -v '^tests/install/')
 printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p "$build" --quiet
