@@ -39,7 +39,9 @@ def milliseconds(value):
 
 
 def scene_name(case):
-    return "street sample" if case["kind"] == "sample" else f"{case['kind']} {case['count']:,}"
+    if case["kind"] == "sample":
+        return "street sample"
+    return ("city" if case["kind"] == "picture" else case["kind"]) + f" {case['count']:,}"
 
 
 def family_of(case):
@@ -154,9 +156,67 @@ def kernel_table(kernels):
     return table(["step", "rate"], rows)
 
 
+def aims(after):
+    """What was aimed at, the aim, what was measured, and whether that is good enough."""
+    kernels = load("kernels") or {"benchmarks": []}
+    rates = {b["name"]: b.get("items_per_second") for b in kernels["benchmarks"]}
+    grouped = {family: growth(cases, lambda c: c["processor"])
+               for family, cases in families(after).items()}
+
+    def case(name):
+        found = after.get(name)
+        return found if found and "stopped" not in found else None
+
+    def add(rows, what, aim, value, told, at_least=False):
+        if value is not None:
+            good = value >= aim if at_least else value <= aim
+            rows.append([what, ("at least " if at_least else "at most ") + told(aim), told(value),
+                         "yes" if good else "no"])
+
+    rows = []
+    ms = lambda value: milliseconds(value) + " ms"
+    mb = lambda value: f"{value:,.0f} MB"
+    rate = lambda value: f"{value:,.0f} MB/s"
+    times = lambda value: f"{value:.2g} times" if value < 10 else f"{value:.0f} times"
+    for count, faces, aim in ((250, "1,000", .003), (2500, "10,000", .045), (5000, "20,000", .085),
+                              (12500, "50,000", .220)):
+        c = case(f"city {count} air spherical 6 0")
+        add(rows, f"sort (classify and order), {faces} faces from the air", aim,
+            c and sort_seconds(c), ms)
+    c = case("city 12500 street spherical 6 0")
+    add(rows, "sort, street of 19,000 faces", .520, c and sort_seconds(c), ms)
+    add(rows, "tests of pairs of 18-point polygons", 8e6, rates.get("relation/town/1000"),
+        lambda value: f"{value / 1e6:.1f} million/s", True)
+    for name, family, aim in (("from the air", ("city", "air", "spherical", 6, 0), 1.15),
+                              ("in the street", ("city", "street", "spherical", 6, 0), 1.5)):
+        add(rows, f"growth exponent of the whole road {name}", aim, grouped.get(family),
+            lambda value: f"{value:.2f}")
+    c, limited = (case(f"city 5000 air spherical 6 {length}") for length in ("0", "0.02"))
+    add(rows, "city 5,000 from the air, the whole process", .5, c and c["processor"], ms)
+    add(rows, "the same with a length limit of 0.02", 3.0,
+        c and limited and limited["processor"] / c["processor"], times)
+    add(rows, "the same, peak memory", 250, c and c["peak_mb"], mb)
+    c = case("city 20000 air spherical 6 0")
+    add(rows, "city 20,000, peak memory", 1200, c and c["peak_mb"], mb)
+    add(rows, "reading a scene", 50, c and c["scene_mb"] / c["stages"]["read"]
+        if c and "scene_mb" in c else None, rate, True)
+    add(rows, "writing a shot", 50, c and c["shot_mb"] / c["stages"]["write"], rate, True)
+    c = case("sample 1 street spherical 6 0.02")
+    add(rows, "street sample with a length limit of 0.02, the whole process", .25,
+        c and c["processor"], ms)
+    c = case("picture 5000 air spherical 6 0")
+    add(rows, "a picture of 20,000 regions (wall time)", 3.0, c and c["png"], ms)
+    gain = RESULTS / "gain.txt"
+    if gain.exists():
+        add(rows, "the plain road in the same run, city 200", 50,
+            float(gain.read_text(encoding="utf-8").split()[-1]), times, True)
+    return table(["what (processor time)", "aim", "measured", "met"], rows, 1)
+
+
 def machine_text(measured):
     m = measured["machine"]
-    return f"{m['processor']}, {m['cores']} cores, {m['memory_gb']} GB; {m['system']}; {m['compiler']}"
+    return f"{m['processor']}, {m['cores']} cores, {m['memory_gb']} GB; {m['system']}; {m['compiler']}" \
+        + (f"; load {measured['load'][1]:g}" if "load" in measured else "")
 
 
 def sections(before, after, parts):
@@ -164,6 +224,8 @@ def sections(before, after, parts):
     for label, measured in (("Before", before), ("After", after)):
         if measured:
             text.append(f"{label}: commit `{measured['commit']}`; {machine_text(measured)}.")
+    if after:
+        text.append("## Aims\n\n" + aims(parts[1]))
     text.append("## Whole runs\n\n" + whole_table(*parts))
     text.append("## Growth\n\nThe exponent of N in a fit of the time over towns of 1,000 boxes "
                 "and more, as far as they came to an end.\n\n" + growth_table(*parts))

@@ -28,7 +28,10 @@ STREET_SAMPLE = ["--eye", "-5.3,-1.37,3.4", "--forward", "1,0,0", "--up", "0,0,1
 
 
 def cases():
-    """(kind, count, view, camera, segments, max-length), the larger ones of a kind after the smaller."""
+    """(kind, count, view, camera, segments, max-length), the larger ones of a kind after the smaller.
+
+    A "picture" is a town whose shot is drawn into a PNG file as well.
+    """
     everything = [(camera, segments, length) for camera in ("spherical", "normal")
                   for segments in (6, 24) for length in (0, 0.02)]
     for camera, segments, length in everything:
@@ -40,7 +43,11 @@ def cases():
         for length in (0, 0.02):
             for count in (50, 200, 1000, 5000, 12500, 20000):
                 yield "city", count, view, "spherical", 6, length
+    # 1,000, 10,000 and 50,000 faces.
+    for count in (250, 2500, 12500):
+        yield "city", count, "air", "spherical", 6, 0
     yield "sample", 1, "street", "spherical", 6, 0.02
+    yield "picture", 5000, "air", "spherical", 6, 0
 
 
 class Scenes:
@@ -52,6 +59,7 @@ class Scenes:
     def get(self, kind, count):
         if kind == "sample":
             return ROOT / "scenes/street.json", {"street": STREET_SAMPLE}, None
+        kind = "city" if kind == "picture" else kind
         if (kind, count) not in self.known:
             path = self.folder / f"{kind}{count}.json"
             told = subprocess.run([self.generator, kind, str(count), "-o", path], check=True,
@@ -62,6 +70,7 @@ class Scenes:
 
 
 def limited(memory):
+    """Before a run: no more memory than this."""
     def limit():
         resource.setrlimit(resource.RLIMIT_AS, (memory, memory))
     return limit
@@ -95,7 +104,7 @@ def run_once(command, folder, limit, memory):
     return {"wall": wall, "processor": usage.ru_utime + usage.ru_stime,
             "peak_mb": usage.ru_maxrss / 1024.0, "stages": stats["stages"],
             "faces": stats["faces_drawn"] + stats["faces_hidden"], "drawn": stats["faces_drawn"],
-            "points": stats["points"],
+            "points": stats["points"], "png": stats["seconds"]["png"],
             "shot_mb": (folder / "shot.json").stat().st_size / 1e6,
             "cyclic": "cyclic" in (folder / "output.txt").read_text(encoding="utf-8")}
 
@@ -104,7 +113,7 @@ def least(runs):
     """Figure by figure the least one."""
     best = dict(runs[0])
     for run in runs[1:]:
-        for key in ("wall", "processor", "peak_mb"):
+        for key in ("wall", "processor", "peak_mb", "png"):
             best[key] = min(best[key], run[key])
         best["stages"] = {k: min(v, run["stages"][k]) for k, v in best["stages"].items()}
     best["runs"] = len(runs)
@@ -179,16 +188,20 @@ def main():
             command = [program, "shot", path, *views[view], "--camera", camera,
                        "--segments", str(segments), "--max-length", str(length),
                        "-o", "shot.json", "--stats", "stats.json"]
+            if kind == "picture":
+                command = ["xvfb-run", "-a"] + command + ["--png", "shot.png"]
             figures = {"stopped": stopped[family]} if family in stopped else \
                 measure([str(c) for c in command], folder, arguments)
             if "stopped" in figures:
                 stopped[family] = figures["stopped"]
             known[case_name] = {"name": case_name, "kind": kind, "count": count, "view": view,
                                 "camera": camera, "segments": segments, "max_length": length,
-                                "polygons": polygons, **figures}
+                                "polygons": polygons, "scene_mb": path.stat().st_size / 1e6,
+                                **figures}
             told = figures.get("stopped") or f"{figures['processor']:.3f} s, {figures['peak_mb']:.0f} MB"
             print(f"{case_name}: {told}", flush=True)
             result["cases"] = list(known.values())
+            result["load"] = [round(load, 1) for load in os.getloadavg()]
             target.write_text(json.dumps(result, indent=1) + "\n", encoding="utf-8")
 
 
