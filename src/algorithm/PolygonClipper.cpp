@@ -66,12 +66,12 @@ struct PolygonClipper::Filter {
   }
 
   // Fills `kept` with the cells in front of the plane and `points` with their points.
-  void clip(vtkCell& cell, const std::vector<float>& heights) {
+  void clip(vtkCell& cell, const std::vector<float>& values) {
     double bounds[6];
     cell.Points->Modified();
     cell.Points->GetBounds(bounds);
-    scalars->SetNumberOfTuples(static_cast<vtkIdType>(heights.size()));
-    std::copy(heights.begin(), heights.end(), scalars->GetPointer(0));
+    scalars->SetNumberOfTuples(static_cast<vtkIdType>(values.size()));
+    std::copy(values.begin(), values.end(), scalars->GetPointer(0));
     points->Reset();
     kept->Reset();
     locator->InitPointInsertion(points, bounds);
