@@ -208,7 +208,7 @@ void expectParsedAsPlain(const std::string& text) {
 
 TEST(ParserProperty, BrokenTextsGiveTheTreeTheErrorAndTheStreamOfThePlainForm) {
   Random random(20240701);
-  for (int i = 0; i < 30000; ++i) {
+  for (int i = 0; i < 12000; ++i) {
     const std::string text = anyDocument(random, 12);
     for (const std::string& around : {text, "[" + text + "]", "{\"k\":[" + text + "]}"})
       expectParsedAsPlain(around);
@@ -236,7 +236,7 @@ TEST(ParserProperty, WellFormedTextsWithOneWrongByteGiveTheTreeAndTheErrorOfTheP
 
 TEST(ParserProperty, CutTextsGiveTheTreeAndTheErrorOfThePlainForm) {
   Random random(20240705);
-  for (int i = 0; i < 200; ++i) {
+  for (int i = 0; i < 100; ++i) {
     const std::string text = "{\"a\":" + anyValueText(random, 3) + "} /* end */ ";
     for (std::size_t length = 0; length <= text.size(); ++length)
       expectParsedAsPlain(text.substr(0, length));
@@ -414,7 +414,7 @@ class TwinHandles {
 
 TEST(NodeProperty, AnyRowOfOperationsLeavesTheHandlesOfThePlainForm) {
   Random random(20240706);
-  for (int i = 0; i < 200; ++i) {
+  for (int i = 0; i < 100; ++i) {
     TwinHandles handles(random);
     for (int j = 0; j < 200; ++j) {
       handles.step();
