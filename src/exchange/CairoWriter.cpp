@@ -63,6 +63,7 @@ void draw(cairo_t* context, const Path& path) {
   if (path.pen) {
     setColor(context, path.pen->color);
     cairo_set_line_width(context, path.pen->width);
+    cairo_set_line_cap(context, path.pen->roundEnds ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
     cairo_stroke(context);
   }
 }
@@ -83,6 +84,7 @@ void drawSurface(cairo_t* context, const Surface& surface) {
   for (const Path& path : surface.merged) draw(context, path);
   for (const Region& region : surface.regions) {
     draw(context, region.interior);
+    draw(context, region.spread);
     draw(context, region.edges);
   }
 }
@@ -114,7 +116,6 @@ void draw(cairo_surface_t* target, const VectorPicture& picture, double scale,
   const Context context(cairo_create(target));
   cairo_scale(context.get(), scale, scale);
   cairo_set_line_join(context.get(), CAIRO_LINE_JOIN_ROUND);
-  cairo_set_line_cap(context.get(), CAIRO_LINE_CAP_ROUND);
   if (picture.background()) {
     setColor(context.get(), *picture.background());
     cairo_paint(context.get());

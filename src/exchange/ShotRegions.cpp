@@ -17,6 +17,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -70,12 +71,10 @@ class RegionReader {
     region.interior.lines = {outline(region, drawn.points)};
     region.interior.closed = true;
     if (isFilled && drawn.points.size() >= 3) region.interior.fill = fillOf(region, source);
-    if (source.getDockingEdges() != nullptr) {
-      drawn.docks = !source.getDockingEdges()->empty();
-      setEdges(region, *source.getDockingEdges());
-    } else {
-      setEdges(region, {});
-    }
+    const std::vector<int> none;
+    const std::vector<int>* docking = source.getDockingEdges();
+    setEdges(region, docking == nullptr ? none : *docking);
+    drawn.dockingEdges = positionsOf(docking == nullptr ? none : *docking, drawn.points.size());
     setPen(region, source);
     return drawn;
   }
@@ -116,6 +115,15 @@ class RegionReader {
     if (const auto override = copy.getOverrideColor()) return toColor(*override, opacityFactor);
     return toColor(elementOfNumber(brushes, source.getBrushNumber(), "brush", region),
                    opacityFactor);
+  }
+
+  // In ascending order, each once.
+  static std::vector<std::size_t> positionsOf(const std::vector<int>& edges, std::size_t count) {
+    std::set<std::size_t> positions;
+    for (const int edge : edges)
+      if (edge >= 1 && static_cast<std::size_t>(edge) <= count)
+        positions.insert(static_cast<std::size_t>(edge) - 1);
+    return {positions.begin(), positions.end()};
   }
 
   // The library's chains start and end at the first point: there they are joined to one line.

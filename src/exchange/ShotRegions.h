@@ -5,15 +5,19 @@
 #include <lumivane/base/ViewDisplayStyle.h>
 #include <lumivane/exchange/VectorPicture.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace Lumivane::Exchange {
 
-/// A region as it is drawn, with what tells whether it docks to others.
+/// A region as it is drawn, with what tells where it docks to others.
 struct DrawnRegion {
   VectorPicture::Region region;
-  std::vector<int> points;  ///< numbers, turning as the region does
-  bool docks = false;       ///< whether any of its edges is left out
+  std::vector<int> points;                ///< numbers, turning as the region does
+  std::vector<std::size_t> dockingEdges;  ///< positions where edges that are left out start
+
+  int edgeStart(std::size_t edge) const { return points[edge]; }
+  int edgeEnd(std::size_t edge) const { return points[(edge + 1) % points.size()]; }
 };
 
 /// The regions of a shot in drawing order, without those of fewer than two points.

@@ -74,6 +74,7 @@ class Document {
   void setPen(pugi::xml_node node, const VectorPicture::Pen& pen) const {
     setColor(node, "stroke", pen.color);
     if (pen.width != 1.0) node.append_attribute("stroke-width") = numbers.text(pen.width).c_str();
+    if (!pen.roundEnds) node.append_attribute("stroke-linecap") = "butt";
   }
 
   pugi::xml_node addGroup(pugi::xml_node parent, const char* name) const {
@@ -122,6 +123,7 @@ class Document {
     for (const Region& region : surface.regions) {
       const bool whole = layer == shot && (region.edges.closed || !region.interior.fill);
       addRegion(layer, region, whole);
+      if (!region.spread.lines.empty()) addPath(layer, region.spread, &region, "spread");
       if (!whole && layer == shot) addEdges(shot, region);
     }
     if (layer == shot) return;
@@ -137,12 +139,12 @@ class Document {
   void addRegion(pugi::xml_node parent, const Region& region, bool withEdges) const {
     pugi::xml_node node = parent.append_child("path");
     node.append_attribute("id") = (options.idPrefix + "r" + std::to_string(region.number)).c_str();
+    const bool onlyEdges = withEdges && !region.edges.lines.empty();
     node.append_attribute("class") = ("o" + std::to_string(region.objectNumber)).c_str();
     const std::string object = xmlText(region.objectId);
     node.append_attribute("data-object") = object.c_str();
     node.append_attribute("data-face") = region.faceNumber;
     node.append_attribute("data-region") = region.sourceRegionNumber;
-    const bool onlyEdges = withEdges && !region.edges.lines.empty();
     node.append_attribute("d") = numbers.data(onlyEdges ? region.edges : region.interior).c_str();
     if (region.interior.fill) setColor(node, "fill", *region.interior.fill);
     if (onlyEdges && region.edges.pen) setPen(node, *region.edges.pen);

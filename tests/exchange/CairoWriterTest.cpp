@@ -137,6 +137,13 @@ TEST(CairoWriter, BackgroundDoesNotShineThroughBetweenThePiecesOfAFace) {
   }
 }
 
+TEST(CairoWriter, BackgroundDoesNotShineThroughBetweenFacesThatDock) {
+  const FourPieces faces;
+  for (int i = 0; i < 4; ++i) faces.shot->getRegions()->getRegion(i)->setFaceNumber(i + 1);
+  for (const double scale : {4.0, 8.0})
+    EXPECT_EQ(0, strangePixelsAlongSeams(faces, drawn(faces, onMagenta(200), scale), {Red}));
+}
+
 TEST(CairoWriter, BackgroundDoesShineThroughWhereNothingDocks) {
   const FourPieces apart(1, 3, false);
   EXPECT_LT(1000, strangePixelsAlongSeams(apart, drawn(apart, onMagenta(200), 8.0), {Red}));

@@ -168,6 +168,20 @@ TEST(SvgWriter, TransparentPiecesAreOneLayerUnderTheirEdges) {
   EXPECT_EQ(4u, svg.all("//g[@id='shot']/path[@class='edges o1']").size());
 }
 
+TEST(SvgWriter, LineUnderALaterFaceLiesBetweenInsideAndEdges) {
+  const FourPieces model(1, 1);
+  model.shot->getRegions()->getRegion(0)->setFaceNumber(2);
+  const Svg svg(*model.shot);
+  const auto spreads = svg.all("//path[@class='spread o1']");
+  ASSERT_EQ(1u, spreads.size());
+  EXPECT_EQ("#f00", attribute(spreads[0], "stroke"));
+  EXPECT_EQ("", attribute(spreads[0], "fill"));
+  EXPECT_EQ("butt", attribute(spreads[0], "stroke-linecap"));
+  EXPECT_EQ("none", attribute(spreads[0], "pointer-events"));
+  EXPECT_EQ("r1", attribute(spreads[0].previous_sibling(), "id"));
+  EXPECT_EQ("edges o1", attribute(spreads[0].next_sibling(), "class"));
+}
+
 TEST(SvgWriter, OverrideColorIsHonoured) {
   PiecesModel model;
   model.addRectangle(1, 1, 0, 0, 1, 1)->setOverrideColor(Base::Color(1, 2, 3, 255));

@@ -273,6 +273,35 @@ TEST(VectorPicture, PiecesOfDifferentOpacityAreDrawnApart) {
   EXPECT_DOUBLE_EQ(0.2, region(picture, 1).interior.fill->opacity);
 }
 
+TEST(VectorPicture, FacesThatDockSpreadAlongTheEdgesUnderThoseThatFollow) {
+  const FourPieces model;
+  for (int i = 0; i < 4; ++i) model.shot->getRegions()->getRegion(i)->setFaceNumber(i + 1);
+  const VectorPicture picture(*model.shot);
+  ASSERT_EQ(4u, picture.surfaces().size());
+  for (size_t i = 0; i < 3; ++i) {
+    const VectorPicture::Path& spread = region(picture, i).spread;
+    EXPECT_EQ(255, spread.pen.value().color.red);
+    EXPECT_FALSE(spread.pen->roundEnds);
+    ASSERT_EQ(1u, spread.lines.size());
+  }
+  EXPECT_EQ(3u, region(picture, 0).spread.lines[0].size());
+  EXPECT_TRUE(region(picture, 3).spread.lines.empty());
+}
+
+TEST(VectorPicture, NothingSpreadsInsideAFaceNorWhereNothingDocksNorThroughTransparency) {
+  FourPieces transparent(2, 1);
+  for (int i = 0; i < 4; ++i) transparent.shot->getRegions()->getRegion(i)->setFaceNumber(i + 1);
+  const FourPieces whole;
+  const FourPieces apart(1, 1, false);
+  const FourPieces* const models[] = {&transparent, &whole, &apart};
+  for (const FourPieces* model : models) {
+    const VectorPicture picture(*model->shot);
+    for (const VectorPicture::Surface& surface : picture.surfaces())
+      for (const VectorPicture::Region& each : surface.regions)
+        EXPECT_TRUE(each.spread.lines.empty());
+  }
+}
+
 TEST(VectorPicture, OutlinePictureHasNothingToMerge) {
   const FourPieces model;
   const VectorPicture picture(*model.shot, ofStyle(Base::ViewDisplayStyle::Outline));

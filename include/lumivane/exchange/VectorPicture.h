@@ -33,7 +33,8 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
 
   struct Pen {
     Color color;
-    double width = 1.0;  ///< pixels, above 0; line ends and corners are round
+    double width = 1.0;     ///< pixels, above 0; corners are round
+    bool roundEnds = true;  ///< whether the ends are round too, or cut straight
   };
 
   /// Lines with one look. A fill covers what the lines wind around at least once (non-zero rule).
@@ -52,6 +53,10 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
     int faceNumber = -1;         ///< from 1 in the scene's object
     int sourceRegionNumber = 0;  ///< from 1 in the scene's object
     Path interior;               ///< closed; without a fill in an outline picture
+    /// Lines of the fill's colour along the docking edges, if a later surface docks to the region:
+    /// they reach a little under it, so that no seam is left between the two. Drawn between the
+    /// inside and the edges.
+    Path spread;
     Path edges;  ///< without the docking edges; no lines if there is nothing to draw
   };
 

@@ -47,6 +47,7 @@
     number === null ? "" :
       `#stage .o${number}[fill]{fill:var(--${name});fill-opacity:1}` +
       `#stage .o${number}[stroke]{stroke:var(--mark-line)}` +
+      `#stage .spread.o${number}{stroke:var(--${name})}` +
       `#stage path[data-region].o${number}:not([fill]){stroke-width:3px}`;
 
   let isPending = false;
@@ -400,4 +401,5 @@
     byId("projections").hidden = false;
   }
   show(0);
+  stage.classList.add("ready");
 })();
