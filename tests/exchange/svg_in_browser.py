@@ -166,7 +166,7 @@ class SvgInBrowser(unittest.TestCase):
 class SeamsInBrowser(unittest.TestCase):
     """At eight times the size nothing of the background is seen between the pieces of a face."""
 
-    SIDE, SCALE = 100, 8
+    SIDE, SCALE = 160, 8  # windows much smaller than this stay empty
 
     def seen_through(self, svg, points, folder):
         """How many of the places differ between a black and a white background."""
