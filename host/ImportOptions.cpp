@@ -1,5 +1,7 @@
 #include "ImportOptions.h"
 
+#include "Options.h"
+
 #include <cmath>
 #include <cstdlib>
 
@@ -16,6 +18,13 @@ std::string refusedNumber(const std::string& text, const char* wanted,
   const double number = std::strtod(text.c_str(), &end);
   const bool isNumber = !text.empty() && *end == '\0' && std::isfinite(number);
   return isNumber && fits(number) ? "" : "\"" + text + "\" is not " + wanted;
+}
+
+Vector readEye(const std::string& text) {
+  const Vector eye = readVector("--eye", text);
+  for (const double value : eye)
+    if (!std::isfinite(value)) throw CLI::ValidationError("--eye: \"" + text + "\" is not finite");
+  return eye;
 }
 
 void addSettings(CLI::App& command, ImportSettings& settings, const std::string& scaleName,
@@ -66,6 +75,12 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
       ->required()
       ->type_name("SCENE");
   addSettings(command, options.settings, "--scale", "Options");
+  command
+      .add_option_function<std::string>(
+          "--eye", [&options](const std::string& text) { options.settings.eye = readEye(text); },
+          "from where the scene will be seen: its objects are listed from far to near, which "
+          "decides where faces overlap in a circle")
+      ->type_name("X,Y,Z");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 }
 

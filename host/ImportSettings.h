@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 
 namespace Lumivane::Host {
@@ -11,7 +13,8 @@ struct ImportSettings {
   bool yUp = false;
   bool center = false;
   double scale = 1.0;
-  double crease = -1.0;  ///< below 0: as the importer thinks best
+  double crease = -1.0;                      ///< below 0: as the importer thinks best
+  std::optional<std::array<double, 3>> eye;  ///< from where the scene will be seen
 };
 
 struct ImportCommandOptions {

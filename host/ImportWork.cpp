@@ -40,6 +40,7 @@ Exchange::ImportedScene importFile(const std::string& path, const ImportSettings
   options.yUp = settings.yUp;
   options.center = settings.center;
   options.creaseDegrees = settings.crease;
+  options.eye = settings.eye;
   return Exchange::Importer::importFile(path, options);
 }
 

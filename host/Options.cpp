@@ -30,21 +30,6 @@ bool readNumber(const std::string& text, double& number) {
   return *end == '\0';
 }
 
-Vector readVector(const std::string& option, const std::string& text) {
-  const std::string expected = option + ": \"" + text + "\" is not three numbers X,Y,Z";
-  Vector result{};
-  size_t start = 0;
-  for (size_t i = 0; i < result.size(); ++i) {
-    const size_t comma = text.find(',', start);
-    const bool last = i + 1 == result.size();
-    if (last != (comma == std::string::npos)) throw CLI::ValidationError(expected);
-    if (!readNumber(text.substr(start, comma - start), result[i]))
-      throw CLI::ValidationError(expected);
-    start = comma + 1;
-  }
-  return result;
-}
-
 std::string vectorText(const Vector& vector) {
   const auto text = [](double value) { return std::to_string(static_cast<int>(value)); };
   return text(vector[0]) + "," + text(vector[1]) + "," + text(vector[2]);
@@ -182,6 +167,21 @@ void addVisible(CLI::App& command, std::string& visible) {
 #endif
 
 }  // namespace
+
+Vector readVector(const std::string& option, const std::string& text) {
+  const std::string expected = option + ": \"" + text + "\" is not three numbers X,Y,Z";
+  Vector result{};
+  size_t start = 0;
+  for (size_t i = 0; i < result.size(); ++i) {
+    const size_t comma = text.find(',', start);
+    const bool last = i + 1 == result.size();
+    if (last != (comma == std::string::npos)) throw CLI::ValidationError(expected);
+    if (!readNumber(text.substr(start, comma - start), result[i]))
+      throw CLI::ValidationError(expected);
+    start = comma + 1;
+  }
+  return result;
+}
 
 void setShotOptions(CLI::App& command, ShotOptions& options) {
   addScene(command, options.scene, options.import);

@@ -92,6 +92,10 @@ bool viewWasGiven(const CLI::App& command);
 /// The options of `shot` that stand on the command line, as "--name=value", after the parse.
 std::vector<std::string> givenShotOptions(const CLI::App& command);
 
+/// The value X,Y,Z of an option; the numbers may be infinite or none.
+/// \throws CLI::ValidationError that names the option
+Vector readVector(const std::string& option, const std::string& text);
+
 /// The arguments of a process without its name, with "--eye -1,2,3" turned into "--eye=-1,2,3": a
 /// value that starts with a minus is none to a command line parser.
 std::vector<std::string> joinedVectorOptions(const std::vector<std::string>& arguments);

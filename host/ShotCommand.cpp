@@ -40,7 +40,9 @@ void checkOutputs(const ShotOptions& options) {
 
 SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {
   const Timer timer(seconds.read);
-  return loadScene(options.scene, options.import);
+  ImportSettings import = options.import;
+  import.eye = options.view.eye;
+  return loadScene(options.scene, import);
 }
 
 TakenShot takeShot(const ShotOptions& options, LoadedScene& scene, Seconds& seconds) {

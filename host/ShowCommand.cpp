@@ -54,7 +54,9 @@ void runShow(const ShowOptions& options) {
   const std::string fault = displayFault();
   if (!fault.empty()) throw HostError(options.scene, "cannot be shown: " + fault);
 
-  LoadedScene scene = loadScene(options.scene, options.import).scene;
+  ImportSettings import = options.import;
+  import.eye = options.view.eye;
+  LoadedScene scene = loadScene(options.scene, import).scene;
   if (!options.shot.empty()) return showShotFile(options, scene);
   const TakenShot shot = scene.take(options.view, ProgressBar().progress());
   showBoth(options, scene, shot.shot());

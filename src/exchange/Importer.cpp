@@ -1,4 +1,5 @@
 #include "exchange/ImportError.h"
+#include "exchange/ListOrder.h"
 #include "exchange/Placement.h"
 #include "exchange/Readers.h"
 #include "exchange/SceneBuilder.h"
@@ -21,6 +22,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <optional>
 
 #include <nlohmann/json.hpp>
 
@@ -160,6 +162,11 @@ void warnOfShortEdges(const SourceModel& model, ImportReport& report) {
                               "a greater scale helps");
 }
 
+std::optional<Kernel::Vec3> eyeOf(const ImportOptions& options) {
+  if (!options.eye) return std::nullopt;
+  return Kernel::Vec3{(*options.eye)[0], (*options.eye)[1], (*options.eye)[2]};
+}
+
 std::unique_ptr<Scene::Scene3D> makeScene(const std::string& path, const ImportOptions& options,
                                           ImportReport& report) {
   checkOptions(options);
@@ -168,7 +175,8 @@ std::unique_ptr<Scene::Scene3D> makeScene(const std::string& path, const ImportO
   report.sourcePolygons = model.polygons.size();
   const double diagonal = placeModel(model, options, report);
   std::vector<ObjectSurfaces> surfaces = makeFaces(model, options, diagonal, report);
-  auto scene = buildScene(model, std::move(surfaces), options.sides, report);
+  const std::vector<std::size_t> order = listOrder(model, surfaces, eyeOf(options));
+  auto scene = buildScene(model, surfaces, order, options.sides, report);
   report.warnings = std::move(model.warnings);
   if (report.emptyPolygons > 0)
     report.warnings.push_back(std::to_string(report.emptyPolygons) +

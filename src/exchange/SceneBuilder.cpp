@@ -156,11 +156,12 @@ class SceneBuilder {
 }  // namespace
 
 std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
-                                           std::vector<ObjectSurfaces> surfaces, ImportSides sides,
+                                           const std::vector<ObjectSurfaces>& surfaces,
+                                           const std::vector<std::size_t>& order, ImportSides sides,
                                            ImportReport& report) {
   SceneBuilder builder(model, sides);
   bool isEmpty = true;
-  for (size_t i = 0; i < surfaces.size(); ++i) {
+  for (const std::size_t i : order) {
     if (surfaces[i].empty()) continue;
     builder.addObject(model.objects[i].id, surfaces[i]);
     isEmpty = false;

@@ -62,7 +62,9 @@ TEST(ImportProgram, ShotOfTheFileIsTheShotOfTheImportedScene) {
       arguments.insert(arguments.end(), more.begin(), more.end());
       return run(arguments);
     };
-    ASSERT_EQ(0, run({"import", file, "-o", folder.path("scene.json"), "--scale", "1.7"}).status);
+    ASSERT_EQ(0, run({"import", file, "-o", folder.path("scene.json"), "--scale", "1.7", "--eye",
+                      "-9.3,-11.1,7.7"})
+                     .status);
     ASSERT_EQ(0, shot(folder.path("scene.json"), "a").status);
     ASSERT_EQ(0, shot(file, "b", {"--import-scale", "1.7"}).status);
     EXPECT_EQ(fileBytes(folder.path("a")), fileBytes(folder.path("b")));

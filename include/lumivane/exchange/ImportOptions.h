@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <optional>
+
 namespace Lumivane::Exchange {
 
 /// From which side an imported surface is seen. A surface's outside is where its corners run
@@ -24,6 +27,11 @@ struct ImportOptions {
   /// Puts the middle of the model at x = 0 and y = 0 and its lowest point at z = 0. Without it
   /// only coordinates far from the origin are moved.
   bool center = false;
+
+  /// From where the scene will be seen, in its own coordinates. The objects are then listed from
+  /// far to near, which decides in a shot where faces overlap in a circle. Either way the pieces of
+  /// the ground of a city model come first.
+  std::optional<std::array<double, 3>> eye;
 
   /// Two neighbouring polygons of one object and one colour belong to one face if their planes
   /// differ by at most this many degrees and all corners keep to `flatDistance`. Below 0 nothing
