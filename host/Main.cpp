@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "HostError.h"
+#include "Memory.h"
 #include "Options.h"
 #include "Signals.h"
 
@@ -85,6 +86,7 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   using namespace Lumivane::Host;
+  prepareMemory();
   endCleanlyOnSignals();
   try {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});
