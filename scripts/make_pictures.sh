@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/concepts.md in docs/pictures, from the scenes that explain one thing each.
+# Makes the pictures of docs/concepts.md in docs/pictures, from the scenes that explain one thing each,
+# and those of a real town.
 # Usage: scripts/make_pictures.sh [PROGRAM]    (build/release/host/lumivane by default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,3 +20,14 @@ picture() {  # picture SCENE EYE [OPTION...]
 picture winding -4.1,0.013,1.1
 picture docking -4.1,0.013,0.017
 picture ring -4,0.013,0.017
+
+# The pieces of an edge are short by --max-length already; one at least is enough for the many short
+# edges of a town.
+town() {  # town NAME MODEL CAMERA EYE FORWARD
+  (cd "$work" && "$program" shot "$OLDPWD/scenes/models/$2.city.json" --camera "$3" --eye "$4" \
+    --forward "$5" --segments 1 --size 1000x1000 --png-vector "$pictures/$1.png" >/dev/null)
+  echo "docs/pictures/$1.png"
+}
+
+town delft-air delft spherical 40.3,-75.7,26 0.33,0.6,-0.8
+town delft-street delft normal 28.3,-65.7,6.7 0.6,0.7,-0.05
