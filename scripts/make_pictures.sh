@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/concepts.md in docs/pictures, from the scenes that explain one thing each,
-# and those of a real town.
+# and those of a real town on the first page.
 # Usage: scripts/make_pictures.sh [PROGRAM]    (build/release/host/lumivane by default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
