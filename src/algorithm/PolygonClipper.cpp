@@ -3,6 +3,8 @@
 #include "utils/FewPointsLocator.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include <vtkCellArray.h>
 #include <vtkCellData.h>
@@ -26,6 +28,25 @@ bool hasEqualPoints(const SinglePoint* polygon, std::size_t count) {
     for (std::size_t j = i + 1; j < count; ++j)
       if (isSame(polygon[i], polygon[j])) return true;
   return false;
+}
+
+// The bounds as VTK has them; it would start its threads for a handful of points.
+void readBounds(vtkPoints& points, double bounds[6]) {
+  const double infinite = std::numeric_limits<double>::infinity();
+  for (int side = 0; side < 6; ++side) bounds[side] = side % 2 == 0 ? infinite : -infinite;
+  bool isFinite = true;
+  for (vtkIdType i = 0; i < points.GetNumberOfPoints(); ++i) {
+    double point[3];
+    points.GetPoint(i, point);
+    for (int axis = 0; axis < 3; ++axis) {
+      bounds[2 * axis] = std::min(bounds[2 * axis], point[axis]);
+      bounds[2 * axis + 1] = std::max(bounds[2 * axis + 1], point[axis]);
+      isFinite = isFinite && std::isfinite(point[axis]);
+    }
+  }
+  if (isFinite) return;
+  points.Modified();
+  points.GetBounds(bounds);
 }
 
 NormalCell normalCell(vtkPoints* points, vtkIdType count, const vtkIdType* ids) {
@@ -68,8 +89,7 @@ struct PolygonClipper::Filter {
   // Fills `kept` with the cells in front of the plane and `points` with their points.
   void clip(vtkCell& cell, const std::vector<float>& values) {
     double bounds[6];
-    cell.Points->Modified();
-    cell.Points->GetBounds(bounds);
+    readBounds(*cell.Points, bounds);
     scalars->SetNumberOfTuples(static_cast<vtkIdType>(values.size()));
     std::copy(values.begin(), values.end(), scalars->GetPointer(0));
     points->Reset();
