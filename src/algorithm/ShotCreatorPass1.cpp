@@ -113,8 +113,7 @@ class FirstPass {
     DeferredAccess::setRegionsVisiblePolygons(object,
                                               [visible] { return regionPolygonsOf(*visible); });
 
-    const auto plane =
-        std::make_shared<const PlaneRegions>(projectRegions(object, *visible, setting));
+    auto plane = std::make_shared<const PlaneRegions>(projectRegions(object, *visible, setting));
     DeferredAccess::setRegionsProjectedPolygons(object,
                                                 [plane] { return edgeStartPoints(*plane); });
     return plane;

@@ -7,7 +7,6 @@
 #include <lumivane/utils/VtkUtils.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -40,10 +39,10 @@ vtkSmartPointer<vtkPolyData> dataOf(const Polygon& polygon) {
   return Utils::polygonData(points);
 }
 
-// Numbers that are not told apart by == count as different; those that are not a number as equal.
+// The zeros are told apart; what is no number counts as equal.
 bool sameBits(double a, double b) {
   if (std::isnan(a) && std::isnan(b)) return true;
-  return std::memcmp(&a, &b, sizeof a) == 0;
+  return a == b && std::signbit(a) == std::signbit(b);
 }
 
 bool sameBits(Vec3 a, Vec3 b) {

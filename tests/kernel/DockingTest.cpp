@@ -139,6 +139,7 @@ TEST(DockingEdgesProperty, NeighboursInAGridOfPiecesShareTheirSides) {
   for (int x = 0; x < 6; ++x) {
     for (int y = 0; y < 6; ++y) {
       std::vector<Vec2> piece;
+      piece.reserve(16);
       for (int k = 0; k < 4; ++k) piece.push_back({x + k / 4.0, static_cast<double>(y)});
       for (int k = 0; k < 4; ++k) piece.push_back({x + 1.0, y + k / 4.0});
       for (int k = 0; k < 4; ++k) piece.push_back({x + 1.0 - k / 4.0, y + 1.0});
