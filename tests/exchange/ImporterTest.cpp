@@ -347,5 +347,64 @@ TEST(Importer, DockingEdgesStayHiddenToTheirEnds) {
   }
 }
 
+std::vector<std::string> idsInOrder(const ImportedScene& imported) {
+  std::vector<std::string> result;
+  for (const Scene::Object* const object : *imported.scene.scene().getObjects()->getObjects())
+    result.push_back(object->getId());
+  return result;
+}
+
+TEST(ImporterOrder, GroundComesFirstElseTheFilesOrderStays) {
+  EXPECT_EQ((std::vector<std::string>{"road", "house", "shed", "lamp west", "lamp east"}),
+            idsInOrder(importModel("house.city.json")));
+}
+
+TEST(ImporterOrder, ObjectsComeFromFarToNearOfAnEye) {
+  ImportOptions options;
+  options.eye = {20.0, -4.0, 2.0};
+  EXPECT_EQ((std::vector<std::string>{"road", "lamp west", "house", "lamp east", "shed"}),
+            idsInOrder(importModel("house.city.json", options)));
+  options.eye = {-20.0, -4.0, 2.0};
+  EXPECT_EQ((std::vector<std::string>{"road", "shed", "lamp east", "house", "lamp west"}),
+            idsInOrder(importModel("house.city.json", options)));
+}
+
+TEST(ImporterOrder, FacesOfAnObjectComeFromFarToNearOfAnEye) {
+  ImportOptions options;
+  options.eye = {-9.0, 0.1, 0.2};
+  std::vector<double> sides;  // where the walls across the view stand, in their order
+  for (const ImportedRegion& region : regionsOf(importModel("cube.obj", options), "walls"))
+    if (region.areaVector().y == 0.0 && region.areaVector().z == 0.0)
+      sides.push_back(region.corners[0].x);
+  EXPECT_EQ((std::vector<double>{1.0, 1.0, -1.0, -1.0}), sides);
+}
+
+TEST(ImporterRealModels, BlockOfRotterdamIsReadWhole) {
+  const ImportedScene imported =
+      Importer::importFile(LUMIVANE_SCENES "/models/rotterdam.city.json");
+  EXPECT_EQ(248u, imported.report.sourcePolygons);
+  EXPECT_EQ(12u, imported.report.emptyPolygons);  // walls between a point and itself, in the file
+  EXPECT_EQ(0u, imported.report.unfilledPolygons);
+  EXPECT_EQ(16u, imported.report.objects);
+  EXPECT_EQ(16u, ids(imported).size());
+  EXPECT_EQ((std::array<double, 3>{-90728.0, -435832.0, 0.0}), imported.report.shift);
+}
+
+TEST(ImporterRealModels, PieceOfDelftIsReadWhole) {
+  const ImportedScene imported = Importer::importFile(LUMIVANE_SCENES "/models/delft.city.json");
+  EXPECT_EQ(36271u, imported.report.sourcePolygons);
+  EXPECT_EQ(570u, imported.report.objects);
+  EXPECT_EQ(0u, imported.report.unfilledPolygons);
+  EXPECT_LT(imported.report.faces, imported.report.regions);
+  // Its solids are closed and wound outwards: what is seen of each roof is seen from above.
+  size_t roofs = 0;
+  for (const ImportedRegion& region : importedRegions(imported))
+    if (region.colour == Colour{190, 96, 78, 255}) {
+      EXPECT_LT(region.areaVector().z, 0.0);
+      ++roofs;
+    }
+  EXPECT_GT(roofs, 1000u);
+}
+
 }  // namespace
 }  // namespace Lumivane::Test

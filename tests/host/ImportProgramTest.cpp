@@ -153,6 +153,20 @@ TEST(ImportProgram, SceneMayGoToStandardOutputByItself) {
   EXPECT_EQ(0u, result.err.find("Imported OBJ: "));
 }
 
+TEST(ImportProgram, TestModelsAreThoseOfTheirScript) {
+  const TempFolder folder;
+  const Result result = Lumivane::Test::runProcess(
+      {"python3", LUMIVANE_SCENES "/../scripts/make_models.py", folder.path("")});
+  ASSERT_EQ(0, result.status) << result.err;
+  size_t count = 0;
+  for (const auto& entry : fs::directory_iterator(LUMIVANE_MODELS)) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_EQ(fileBytes(folder.path(name)), fileBytes(entry.path().string())) << name;
+    ++count;
+  }
+  EXPECT_EQ(10u, count);
+}
+
 TEST(ImportProgram, HelpTellsOfTheCommandAndOfFilesForShots) {
   const Result help = run({"import", "--help"});
   EXPECT_EQ(0, help.status);
