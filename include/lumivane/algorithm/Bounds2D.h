@@ -14,22 +14,23 @@ class LUMIVANE_EXPORT Bounds2D {
  public:
   /// The default bound.
   Bounds2D();
+  /// These four, unchecked.
   Bounds2D(double xMinValue, double xMaxValue, double yMinValue, double yMaxValue)
       : xMin(xMinValue), xMax(xMaxValue), yMin(yMinValue), yMax(yMaxValue) {}
-  Bounds2D(const Bounds2D& other) = default;
-  Bounds2D& operator=(const Bounds2D& other) = default;
+  Bounds2D(const Bounds2D& other) = default;             ///< Copies all four.
+  Bounds2D& operator=(const Bounds2D& other) = default;  ///< Copies all four.
   /// The union of `bounds`; the default bound if there are none. A value that is not a number is
   /// never taken in.
   explicit Bounds2D(const std::vector<Bounds2D>& bounds);
 
-  double getXMin() const { return xMin; }
-  void setXMin(double value) { xMin = value; }
-  double getXMax() const { return xMax; }
-  void setXMax(double value) { xMax = value; }
-  double getYMin() const { return yMin; }
-  void setYMin(double value) { yMin = value; }
-  double getYMax() const { return yMax; }
-  void setYMax(double value) { yMax = value; }
+  double getXMin() const { return xMin; }       ///< Smallest x.
+  void setXMin(double value) { xMin = value; }  ///< Unchecked.
+  double getXMax() const { return xMax; }       ///< Largest x.
+  void setXMax(double value) { xMax = value; }  ///< Unchecked.
+  double getYMin() const { return yMin; }       ///< Smallest y.
+  void setYMin(double value) { yMin = value; }  ///< Unchecked.
+  double getYMax() const { return yMax; }       ///< Largest y.
+  void setYMax(double value) { yMax = value; }  ///< Unchecked.
 
   /// The bounds of a list of points.
   ///

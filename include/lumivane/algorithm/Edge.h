@@ -12,10 +12,12 @@ class LUMIVANE_EXPORT Edge {
  public:
   Edge() = default;  ///< Between two empty names.
 
-  void setStart(std::string value) { start = std::move(value); }
-  void setEnd(std::string value) { end = std::move(value); }
-  std::string getStart() const { return start; }
-  std::string getEnd() const { return end; }
+  void setStart(std::string value) {
+    start = std::move(value);
+  }                                                           ///< Renames the node it leads from.
+  void setEnd(std::string value) { end = std::move(value); }  ///< Renames the node it leads to.
+  std::string getStart() const { return start; }              ///< The node it leads from.
+  std::string getEnd() const { return end; }                  ///< The node it leads to.
 
  private:
   std::string start;

@@ -23,9 +23,11 @@ class ProjectedPolygonData;
 /// as well.
 class LUMIVANE_EXPORT ObjectData {
  public:
+  /// The face's pieces in the shot.
   using Regions = std::vector<Geometry::Region2d*>;
   /// A polygon is a list of points, a point a vector of 3 coordinates of the scene.
   using SourcePolygons = std::vector<std::vector<std::vector<double>>>;
+  /// The same pieces in the picture.
   using ProjectedPolygons = std::vector<ProjectedPolygonData*>;
 
   /// Draws the next id of the process; the first object ever made has the id "1". No lists, and
@@ -33,31 +35,39 @@ class LUMIVANE_EXPORT ObjectData {
   ObjectData();
   /// Copies the id too, and shares the lists.
   ObjectData(const ObjectData& other) = default;
-  ObjectData& operator=(const ObjectData& other) = default;
+  ObjectData& operator=(const ObjectData& other) = default;  ///< Likewise; frees nothing.
 
   /// The decimal text of a running number, unique in the process.
   std::string getId() const { return id; }
 
   /// The id of the object of the shot, and so of the scene, that the face belongs to.
   std::string getSourceObject() const { return sourceObject; }
-  void setSourceObject(std::string value) { sourceObject = std::move(value); }
+  void setSourceObject(std::string value) { sourceObject = std::move(value); }  ///< Unchecked.
 
+  /// The face's regions in the shot; borrowed, may be null.
   Regions* getSourceRegions() const { return sourceRegions; }
-  void setSourceRegions(Regions* value) { sourceRegions = value; }
+  void setSourceRegions(Regions* value) { sourceRegions = value; }  ///< Stores it; frees nothing.
 
+  /// Their polygons in the scene; borrowed, may be null.
   SourcePolygons* getSourcePolygons() const { return sourcePolygons; }
-  void setSourcePolygons(SourcePolygons* value) { sourcePolygons = value; }
+  void setSourcePolygons(SourcePolygons* value) {
+    sourcePolygons = value;
+  }  ///< Stores it; frees nothing.
 
+  /// Their polygons in the picture; borrowed, may be null.
   ProjectedPolygons* getProjectedPolygons() const { return projectedPolygons; }
   /// Stores the pointer, then calls `calculateProjectedBounds2D`.
   void setProjectedPolygons(ProjectedPolygons* value);
 
+  /// The bounds of all projected polygons; may be null.
   Bounds2D* getProjectedBounds() const { return projectedBounds; }
-  void setProjectedBounds(Bounds2D* value) { projectedBounds = value; }
+  void setProjectedBounds(Bounds2D* value) {
+    projectedBounds = value;
+  }  ///< Stores it; frees nothing.
 
   /// Place in the drawing order, from 1; -1 while unset.
   int getDepthIndex() const { return depthIndex; }
-  void setDepthIndex(int value) { depthIndex = value; }
+  void setDepthIndex(int value) { depthIndex = value; }  ///< Unchecked.
 
   /// Sets the projected bounds to a new object, the union of the polygons' bounds, in which a
   /// polygon without bounds counts as a default bound. Without polygons they stay unchanged. An

@@ -14,7 +14,7 @@ enum class Severity : int {
 
 /// One thing that is wrong or surprising in a scene.
 struct LUMIVANE_EXPORT Finding {
-  Severity severity = Severity::Warning;
+  Severity severity = Severity::Warning;  ///< how much it matters
   std::string code;    ///< the kind, for machines: lower case words joined by "-"; stays as it is
   std::string object;  ///< the id of the object concerned; empty for the scene as a whole
   int region = 0;      ///< the number of the region in its object, from 1; 0 for none

@@ -15,7 +15,7 @@ enum class ImportSides {
 
 /// How a file becomes a scene. Every member has the value that suits most files.
 struct ImportOptions {
-  ImportSides sides = ImportSides::Outside;
+  ImportSides sides = ImportSides::Outside;  ///< from where surfaces are seen
 
   /// Factor of all lengths, above 0.
   double scale = 1.0;

@@ -20,10 +20,10 @@ struct ImportReport {
 
   std::size_t sourcePolygons = 0;  ///< polygons in the file
   std::size_t points = 0;          ///< points of the scene
-  std::size_t objects = 0;
-  std::size_t faces = 0;
-  std::size_t regions = 0;
-  std::size_t brushes = 0;
+  std::size_t objects = 0;         ///< objects of the scene
+  std::size_t faces = 0;           ///< faces of the scene
+  std::size_t regions = 0;         ///< regions of the scene
+  std::size_t brushes = 0;         ///< brushes of the scene
 
   std::size_t splitPolygons = 0;     ///< not flat, or with holes: cut into triangles
   std::size_t emptyPolygons = 0;     ///< left out, since they have no area

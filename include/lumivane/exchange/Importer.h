@@ -16,7 +16,7 @@ namespace Lumivane::Exchange {
 /// A scene made from a file of another program.
 struct ImportedScene {
   Session::LoadedScene scene;  ///< named for the file
-  ImportReport report;
+  ImportReport report;         ///< what became of the file
 };
 
 /// Reads meshes (OBJ, STL, PLY, glTF) and city models (CityJSON) as scenes. Has no state.

@@ -11,6 +11,7 @@ class VectorPicture;
 /// Writes vector pictures as SVG 1.1 text. See docs/vector-pictures.md for what stands in it.
 class LUMIVANE_EXCHANGE_EXPORT SvgWriter {
  public:
+  /// What the text holds besides the picture.
   struct Options {
     /// Whether each region has a `<title>`, which browsers show at the pointer.
     bool titles = true;

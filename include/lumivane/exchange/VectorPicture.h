@@ -18,31 +18,35 @@ namespace Lumivane::Exchange {
 /// the shot and stays valid without it.
 class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
  public:
+  /// A point of the picture.
   struct Point {
-    double x = 0.0;
-    double y = 0.0;
+    double x = 0.0;  ///< pixels to the right
+    double y = 0.0;  ///< pixels down
   };
+  /// Points joined by straight pieces.
   using Line = std::vector<Point>;
 
+  /// What a fill or a line is painted with.
   struct Color {
-    int red = 0;  ///< 0 to 255, and so for the others
-    int green = 0;
-    int blue = 0;
+    int red = 0;           ///< 0 to 255
+    int green = 0;         ///< 0 to 255
+    int blue = 0;          ///< 0 to 255
     double opacity = 1.0;  ///< 0 to 1
   };
 
+  /// How lines are drawn.
   struct Pen {
-    Color color;
+    Color color;            ///< its paint
     double width = 1.0;     ///< pixels, above 0; corners are round
     bool roundEnds = true;  ///< whether the ends are round too, or cut straight
   };
 
   /// Lines with one look. A fill covers what the lines wind around at least once (non-zero rule).
   struct Path {
-    std::vector<Line> lines;
-    bool closed = false;  ///< whether each line returns to its first point
-    std::optional<Color> fill;
-    std::optional<Pen> pen;
+    std::vector<Line> lines;    ///< in the order of drawing
+    bool closed = false;        ///< whether each line returns to its first point
+    std::optional<Color> fill;  ///< without it nothing is filled
+    std::optional<Pen> pen;     ///< without it no line is drawn
   };
 
   /// One polygon of the shot.
@@ -63,7 +67,7 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
   /// Polygons that follow each other in the order of drawing: one polygon, or the pieces of a face
   /// that dock to each other.
   struct Surface {
-    std::vector<Region> regions;
+    std::vector<Region> regions;  ///< in the order of drawing
     /// What pieces cover together, once per colour and each without edges between its pieces. Laid
     /// under the insides it closes the seams between them. Where there are several, each reaches
     /// under those that follow. Empty for a polygon alone.
@@ -86,13 +90,14 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
   ///         finite; the text names the region and its object
   explicit VectorPicture(Shot::Shot2d& shot, const VectorOptions& options = {});
 
-  int width() const { return pictureWidth; }    ///< Pixels.
-  int height() const { return pictureHeight; }  ///< Pixels.
-  const std::string& title() const { return pictureTitle; }
+  int width() const { return pictureWidth; }                 ///< Pixels.
+  int height() const { return pictureHeight; }               ///< Pixels.
+  const std::string& title() const { return pictureTitle; }  ///< May be empty.
   /// What lies under everything, if anything does.
   const std::optional<Color>& background() const { return pictureBackground; }
   /// Lies under the surfaces, as in the library's PNG.
   const std::vector<Path>& axes() const { return axesPaths; }
+  /// What is drawn, in its order.
   const std::vector<Surface>& surfaces() const { return drawnSurfaces; }
 
  private:

@@ -56,11 +56,11 @@ class LUMIVANE_EXPORT Node {
   Node(const char* value);
   /// A T_NUMBER with the text that `set` makes; so are the other numbers.
   Node(int value);
-  Node(unsigned int value);
-  Node(long long value);
-  Node(unsigned long long value);
-  Node(float value);
-  Node(double value);
+  Node(unsigned int value);        ///< As Node(int).
+  Node(long long value);           ///< As Node(int).
+  Node(unsigned long long value);  ///< As Node(int).
+  Node(float value);               ///< As Node(int).
+  Node(double value);              ///< As Node(int).
   /// A T_BOOL.
   Node(bool value);
   /// Drops the handle; the last one destroys the data and drops the handles in it.
@@ -70,24 +70,24 @@ class LUMIVANE_EXPORT Node {
   Node& operator=(const Node& other) noexcept;
   /// As `set(value)`; so are the other assignments of values.
   Node& operator=(const std::string& value);
-  Node& operator=(const char* value);
-  Node& operator=(int value);
-  Node& operator=(unsigned int value);
-  Node& operator=(long long value);
-  Node& operator=(unsigned long long value);
-  Node& operator=(float value);
-  Node& operator=(double value);
-  Node& operator=(bool value);
+  Node& operator=(const char* value);         ///< As `set(value)`.
+  Node& operator=(int value);                 ///< As `set(value)`.
+  Node& operator=(unsigned int value);        ///< As `set(value)`.
+  Node& operator=(long long value);           ///< As `set(value)`.
+  Node& operator=(unsigned long long value);  ///< As `set(value)`.
+  Node& operator=(float value);               ///< As `set(value)`.
+  Node& operator=(double value);              ///< As `set(value)`.
+  Node& operator=(bool value);                ///< As `set(value)`.
 
   /// T_INVALID for an invalid node.
   Type getType() const noexcept;
-  bool isValid() const noexcept;
-  bool isObject() const noexcept;
-  bool isArray() const noexcept;
-  bool isNull() const noexcept;
-  bool isString() const noexcept;
-  bool isNumber() const noexcept;
-  bool isBool() const noexcept;
+  bool isValid() const noexcept;   ///< Whether there is data.
+  bool isObject() const noexcept;  ///< Whether the node is an object.
+  bool isArray() const noexcept;   ///< Whether the node is an array.
+  bool isNull() const noexcept;    ///< Whether the node is a null.
+  bool isString() const noexcept;  ///< Whether the node is a string.
+  bool isNumber() const noexcept;  ///< Whether the node is a number.
+  bool isBool() const noexcept;    ///< Whether the node is a bool.
   /// Whether the node is an object or an array.
   bool isContainer() const noexcept;
   /// Whether the node is a null, a string, a number or a bool.
@@ -121,11 +121,11 @@ class LUMIVANE_EXPORT Node {
   /// Turns a value into a number with the text that a stream prints for it: integers whole, others
   /// with at most 6 significant digits (`1234.5678` is kept as `1234.57`).
   void set(int value);
-  void set(unsigned int value);
-  void set(long long value);
-  void set(unsigned long long value);
-  void set(float value);
-  void set(double value);
+  void set(unsigned int value);        ///< As set(int).
+  void set(long long value);           ///< As set(int).
+  void set(unsigned long long value);  ///< As set(int).
+  void set(float value);               ///< As set(int).
+  void set(double value);              ///< As set(int).
   /// Turns a value into a bool.
   void set(bool value);
 
@@ -165,14 +165,14 @@ class LUMIVANE_EXPORT Node {
   iterator begin();
   /// The position behind the last child.
   iterator end();
-  const_iterator begin() const;
-  const_iterator end() const;
+  const_iterator begin() const;  ///< The first child, read only.
+  const_iterator end() const;    ///< The position behind the last child.
 
   /// Whether both handles share one data (two invalid nodes do), or both are values of the same
   /// type and text. Containers are equal only if shared, and numbers compare as text: `1.0` and
   /// `1` differ.
   bool operator==(const Node& other) const noexcept;
-  bool operator!=(const Node& other) const noexcept;
+  bool operator!=(const Node& other) const noexcept;  ///< The opposite of `==`.
 
  private:
   friend struct NodeAccess;

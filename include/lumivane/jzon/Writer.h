@@ -20,9 +20,9 @@ class LUMIVANE_EXPORT Writer {
  public:
   /// A writer without line breaks and spaces.
   Writer();
-  Writer(const Format& format);
+  Writer(const Format& format);  ///< A writer with that format.
 
-  void setFormat(const Format& format);
+  void setFormat(const Format& format);  ///< For what is written from now on.
 
   /// Writes the tree to the stream; an invalid node writes nothing.
   void writeStream(const Node& node, std::ostream& stream) const;

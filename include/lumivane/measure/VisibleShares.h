@@ -27,21 +27,21 @@ struct RegionShare {
   int objectNumber = 0;        ///< from 1 in the shot's objects
   int faceNumber = 0;          ///< from 1 in the scene object's faces
   int sourceRegionNumber = 0;  ///< from 1 in the scene object's regions
-  Share share;
+  Share share;                 ///< how much of it is visible
 };
 
 /// What is visible of one face: the sum of its regions. Faces wholly hidden are not in a shot.
 struct FaceShare {
-  int objectNumber = 0;
-  int faceNumber = 0;
-  Share share;
+  int objectNumber = 0;  ///< from 1 in the shot's objects
+  int faceNumber = 0;    ///< from 1 in the scene object's faces
+  Share share;           ///< how much of it is visible
 };
 
 /// What is visible of one object: the sum of its regions, zero for an object without any.
 struct ObjectShare {
-  int objectNumber = 0;
-  std::string id;
-  Share share;
+  int objectNumber = 0;  ///< from 1 in the shot's objects
+  std::string id;        ///< as the scene gave it; need not be unique
+  Share share;           ///< how much of it is visible
 };
 
 /// How much of the picture every object, face and region of a shot takes after all that is drawn
@@ -76,6 +76,7 @@ class LUMIVANE_MEASURE_EXPORT VisibleShares {
   /// \throws std::out_of_range for a point number that is not in the shot
   VisibleShares(const Shot::Shot2d& shot, Algorithm::ProjectionType projection);
 
+  /// The projection that the shares were taken in.
   Algorithm::ProjectionType projection() const { return theProjection; }
   const std::vector<ObjectShare>& objects() const { return theObjects; }  ///< In the shot's order.
   const std::vector<FaceShare>& faces() const { return theFaces; }  ///< By object, then by face.

@@ -13,9 +13,10 @@ namespace Lumivane::Session {
 /// The text is one line, whatever came in: control characters stand as spaces.
 class LUMIVANE_EXPORT Error : public std::runtime_error {
  public:
+  /// "SUBJECT: CAUSE".
   Error(const std::string& subject, const std::string& cause);
-  Error(const Error&) noexcept = default;
-  Error& operator=(const Error&) noexcept = default;
+  Error(const Error&) noexcept = default;             ///< Shares the text.
+  Error& operator=(const Error&) noexcept = default;  ///< Shares the text.
   ~Error() override;
 
   /// The file, or the name that a scene was given.

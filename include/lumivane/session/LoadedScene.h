@@ -34,8 +34,8 @@ class LUMIVANE_EXPORT LoadedScene {
   /// errors. \throws Error if it is null
   static LoadedScene adopt(Scene::Scene3D* scene, const std::string& name);
 
-  LoadedScene(LoadedScene&&) noexcept;
-  LoadedScene& operator=(LoadedScene&&) noexcept;
+  LoadedScene(LoadedScene&&) noexcept;             ///< Takes all of the other.
+  LoadedScene& operator=(LoadedScene&&) noexcept;  ///< Drops its own for all of the other.
   LoadedScene(const LoadedScene&) = delete;
   LoadedScene& operator=(const LoadedScene&) = delete;
   ~LoadedScene();

@@ -25,8 +25,8 @@ namespace Lumivane::Session {
 /// destroyed or assigned to.
 class LUMIVANE_EXPORT TakenShot {
  public:
-  TakenShot(TakenShot&&) noexcept;
-  TakenShot& operator=(TakenShot&&) noexcept;
+  TakenShot(TakenShot&&) noexcept;             ///< Takes all of the other.
+  TakenShot& operator=(TakenShot&&) noexcept;  ///< Drops its own for all of the other.
   TakenShot(const TakenShot&) = delete;
   TakenShot& operator=(const TakenShot&) = delete;
   /// Frees the shot, but not the lists that it shares with its scene.

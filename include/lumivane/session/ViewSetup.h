@@ -14,6 +14,7 @@ namespace Lumivane::Session {
 /// that call the raw classes; `LoadedScene::take` makes its own.
 class LUMIVANE_EXPORT ViewSetup {
  public:
+  /// The view of these settings, which are not checked: ask `ViewSettings::fault` first.
   explicit ViewSetup(const ViewSettings& settings);
   ViewSetup(const ViewSetup&) = delete;
   ViewSetup& operator=(const ViewSetup&) = delete;

@@ -16,10 +16,10 @@ namespace Lumivane::View {
 class LUMIVANE_EXPORT DebugViewer {
  public:
   DebugViewer() = default;
-  DebugViewer(const DebugViewer&) = default;
-  DebugViewer& operator=(const DebugViewer&) = default;
-  DebugViewer(DebugViewer&& other) noexcept;
-  DebugViewer& operator=(DebugViewer&& other) noexcept;
+  DebugViewer(const DebugViewer&) = default;             ///< Shares the actors.
+  DebugViewer& operator=(const DebugViewer&) = default;  ///< Shares the actors.
+  DebugViewer(DebugViewer&& other) noexcept;             ///< Takes the actors.
+  DebugViewer& operator=(DebugViewer&& other) noexcept;  ///< Takes the actors.
   ~DebugViewer() = default;
 
   /// Adds polygon data to what `show` draws, after what was added before.
