@@ -1,6 +1,5 @@
 #include "algorithm/Boxes.h"
 #include "kernel/Bounds.h"
-#include "utils/Shapes.h"
 
 #include <lumivane/algorithm/Bounds2D.h>
 
@@ -15,7 +14,7 @@ Bounds2D::Bounds2D(const std::vector<Bounds2D>& bounds) : Bounds2D() {
 }
 
 Bounds2D* Bounds2D::getBounds(std::vector<std::vector<double>> points) {
-  return new Bounds2D(toBounds(Kernel::boxOf(Utils::toVec2s(points))));
+  return new Bounds2D(boundsOf(points));
 }
 
 bool Bounds2D::isBoundsIntersected(const Bounds2D& a, const Bounds2D& b) {

@@ -7,6 +7,7 @@
 #include "algorithm/ClassificationMatrix.h"
 #include "algorithm/SceneAccess.h"
 #include "algorithm/SortObjects.h"
+#include "algorithm/SortShapes.h"
 #include "utils/Shapes.h"
 #include "utils/StageScope.h"
 
@@ -32,6 +33,8 @@
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -39,18 +42,6 @@
 
 namespace Lumivane::Algorithm {
 namespace {
-
-using Points = ProjectedPolygonData::Points;
-
-// The coordinates of points by number.
-template <class PointList>
-std::unique_ptr<Points> pointsByNumber(const std::vector<int>* numbers, PointList* points) {
-  auto result = std::make_unique<Points>();
-  result->reserve(numbersOf(numbers).size());
-  for (const int number : numbersOf(numbers))
-    result->push_back(elementOfNumber(points, &PointList::getPoint, number).toVector());
-  return result;
-}
 
 struct ReleaseRegions {
   void operator()(ObjectData::Regions* regions) const {
@@ -74,13 +65,6 @@ using OwnedRegions = std::unique_ptr<ObjectData::Regions, ReleaseRegions>;
 using OwnedPolygons = std::unique_ptr<ObjectData::ProjectedPolygons, ReleasePolygons>;
 using OwnedSources = std::unique_ptr<ObjectData::SourcePolygons>;
 
-// The lists of one face while they grow.
-struct FaceLists {
-  OwnedRegions regions{new ObjectData::Regions()};
-  OwnedSources sources{new ObjectData::SourcePolygons()};
-  OwnedPolygons polygons{new ObjectData::ProjectedPolygons()};
-};
-
 // Where the numbers of faces and regions lead to.
 struct Pools {
   const std::vector<Geometry::Region2d*>& regions;
@@ -88,48 +72,63 @@ struct Pools {
   Geometry::Points3d* scenePoints;
 };
 
-const Geometry::Region2d& addCopy(FaceLists& lists, const Geometry::Region2d& region) {
-  lists.regions->push_back(nullptr);
-  lists.regions->back() = new Geometry::Region2d(region);
-  return *lists.regions->back();
+const Geometry::Region2d& addCopy(ObjectData::Regions& regions, const Geometry::Region2d& region) {
+  regions.push_back(nullptr);
+  regions.back() = new Geometry::Region2d(region);
+  return *regions.back();
 }
 
-void addPolygon(FaceLists& lists, std::unique_ptr<Points> points) {
-  lists.polygons->push_back(new ProjectedPolygonData());
-  lists.polygons->back()->setPoints(points.release());
+Kernel::Vec2 planePoint(Geometry::Points2d* points, int number) {
+  const Geometry::Point2d& point = elementOfNumber(points, &Geometry::Points2d::getPoint, number);
+  return {point.getX(), point.getY()};
 }
 
 // One piece of a face. A region without points stays in the list of regions all the same, which
 // then is longer than the two lists of polygons.
-void addPiece(FaceLists& lists, int regionNumber, const Pools& pools, const Scene::Object* object) {
+void addPiece(ObjectData::Regions& regions, SortShapes& shapes, int regionNumber,
+              const Pools& pools, const Scene::Object* object) {
   const auto position = static_cast<std::size_t>(positionOfNumber(regionNumber));
   if (position >= pools.regions.size()) Utils::throwInvalidSubscript();
-  const Geometry::Region2d& region = addCopy(lists, existing(pools.regions[position]));
+  const Geometry::Region2d& region = addCopy(regions, existing(pools.regions[position]));
 
-  std::unique_ptr<Points> points = pointsByNumber(region.getPoints(), pools.planePoints);
-  if (points->empty()) return;
-  addPolygon(lists, std::move(points));
+  const std::vector<int>& numbers = numbersOf(region.getPoints());
+  if (numbers.empty()) return;
+  shapes.addPiece(numbers.size(),
+                  [&](std::size_t k) { return planePoint(pools.planePoints, numbers[k]); });
 
   const Geometry::Region& source = elementOfNumber(
       existing(object).getRegions(), &Geometry::Regions::getRegion, region.getSourceRegionNumber());
-  const std::unique_ptr<Points> corners = pointsByNumber(source.getPoints(), pools.scenePoints);
-  if (!corners->empty()) lists.sources->push_back(std::move(*corners));
+  std::vector<Kernel::Vec3> corners;
+  corners.reserve(numbersOf(source.getPoints()).size());
+  for (const int number : numbersOf(source.getPoints()))
+    corners.push_back(scenePoint(pools.scenePoints, number));
+  if (!corners.empty()) shapes.addSource(corners);
 }
 
-// The object of a face, which takes the lists over; null if the face has no polygon.
-std::unique_ptr<ObjectData> objectOf(const Geometry::Face2d& face, const Pools& pools,
-                                     const Shot::Object2d& shotObject,
-                                     const Scene::Object* sceneObject) {
-  FaceLists lists;
-  for (const int number : numbersOf(face.getRegions())) addPiece(lists, number, pools, sceneObject);
-  if (lists.polygons->empty()) return nullptr;
-
-  auto object = std::make_unique<ObjectData>();
-  object->setSourceObject(shotObject.getId());
-  object->setProjectedPolygons(lists.polygons.release());  // computes the bounds as well
-  object->setSourcePolygons(lists.sources.release());
-  object->setSourceRegions(lists.regions.release());
+// The object of a face; null if the face has no polygon.
+ObjectData* objectOf(const Geometry::Face2d& face, const Pools& pools, SortShapes& shapes,
+                     const std::string& id, const Scene::Object* source) {
+  OwnedRegions regions(new ObjectData::Regions());
+  shapes.addFace();
+  for (const int number : numbersOf(face.getRegions()))
+    addPiece(*regions, shapes, number, pools, source);
+  if (shapes.faces.back().pieceCount == 0) {
+    shapes.dropLastFace();
+    return nullptr;
+  }
+  ObjectData* object = SortObject::make(id, regions.get(), shapes, shapes.faces.size() - 1);
+  static_cast<void>(regions.release());
   return object;
+}
+
+// So that the arrays are laid out once.
+void reserve(SortShapes& shapes, const std::vector<Geometry::Region2d*>& regions) {
+  std::size_t points = 0;
+  for (const Geometry::Region2d* region : regions)
+    if (region != nullptr) points += numbersOf(region->getPoints()).size();
+  shapes.outlines.reserve(regions.size(), points);
+  shapes.sources.reserve(regions.size());
+  shapes.faces.reserve(regions.size());
 }
 
 // The first object of each id.
@@ -142,21 +141,33 @@ std::unordered_map<std::string, const Scene::Object*> objectsById(Scene::Objects
 
 }  // namespace
 
-void releaseSortObject(ObjectData* object) {
-  const OwnedRegions regions(object->getSourceRegions());
-  const OwnedPolygons polygons(object->getProjectedPolygons());
-  const OwnedSources sources(object->getSourcePolygons());
-  delete object->getProjectedBounds();
+ObjectData* SortObject::make(const std::string& sourceObject, ObjectData::Regions* regions,
+                             const SortShapes& shapes, std::size_t face) {
+  auto object = std::make_unique<ObjectData>();
+  object->sourceObject = sourceObject;
+  object->sourceRegions = regions;
+  object->shapes = &shapes;
+  object->face = face;
+  return object.release();
+}
+
+void SortObject::release(ObjectData* object) {
+  if (object == nullptr) return;
+  const OwnedRegions regions(object->sourceRegions);
+  const OwnedPolygons polygons(object->lists.projectedPolygons);
+  const OwnedSources sources(object->lists.sourcePolygons);
+  delete object->lists.projectedBounds;
   delete object;
 }
 
 DepthSortAlgorithmExecutor::DepthSortAlgorithmExecutor()
-    : classificationMatrix(new ClassificationMatrix()) {}
+    : classificationMatrix(new ClassificationMatrix()), shapes(new SortShapes()) {}
 
 DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
   const Utils::StageScope stage(Utils::Stage::Order);
   releaseObjectDataList();
   delete classificationMatrix;
+  delete shapes;
 }
 
 void DepthSortAlgorithmExecutor::run() {
@@ -171,23 +182,25 @@ void DepthSortAlgorithmExecutor::run() {
 void DepthSortAlgorithmExecutor::fillObjectDataList() {
   if (scene == nullptr || shot == nullptr) return;
   releaseObjectDataList();
+  *shapes = SortShapes();
   objectDataList = new std::vector<ObjectData*>();
 
   const auto sources = objectsById(scene->getObjects());
   const Pools pools{elementsOf(shot->getRegions(), &Geometry::Regions2dInDrawingOrder::getRegions),
                     shot->getPoints(), scene->getPoints()};
+  reserve(*shapes, pools.regions);
   for (const Shot::Object2d* object :
        elementsOf(shot->getObjects(), &Shot::Objects2d::getObjects)) {
     if (object == nullptr) continue;
-    const auto source = sources.find(object->getId());
+    const std::string id = object->getId();
+    const auto found = sources.find(id);
+    const Scene::Object* source = found == sources.end() ? nullptr : found->second;
     for (const Geometry::Face2d* face :
          elementsOf(object->getFaces(), &Geometry::Faces2d::getFaces)) {
       if (face == nullptr) continue;
-      std::unique_ptr<ObjectData> data =
-          objectOf(*face, pools, *object, source == sources.end() ? nullptr : source->second);
-      if (data == nullptr) continue;
-      objectDataList->push_back(nullptr);  // the step that can fail comes before the handing over
-      objectDataList->back() = data.release();
+      objectDataList->push_back(nullptr);  // what can fail comes before the handing over
+      objectDataList->back() = objectOf(*face, pools, *shapes, id, source);
+      if (objectDataList->back() == nullptr) objectDataList->pop_back();
     }
   }
   classificationMatrix->addRows(objectDataList->size());
@@ -198,10 +211,12 @@ void DepthSortAlgorithmExecutor::classifyObjects() {
 }
 
 // Nobody outside can hold a pointer to what the list refers to, except to the regions that became
-// the shot's; those have left their lists by then.
+// the shot's; those have left their lists by then. The objects go in the order of their making, as
+// far as addresses tell it: neighbours in memory are fast to free one after the other.
 void DepthSortAlgorithmExecutor::releaseObjectDataList() {
   if (objectDataList == nullptr) return;
-  for (ObjectData* object : *objectDataList) releaseSortObject(object);
+  std::sort(objectDataList->begin(), objectDataList->end(), std::less<>());
+  std::for_each(objectDataList->begin(), objectDataList->end(), SortObject::release);
   delete objectDataList;
   objectDataList = nullptr;
 }

@@ -79,7 +79,7 @@ void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
     drawn.back()->setDepthIndex(static_cast<int>(drawn.size()));
   }
   for (std::size_t i = 0; i < objects.size(); ++i)
-    if (isHidden[i] != 0) releaseSortObject(objects[i]);
+    if (isHidden[i] != 0) SortObject::release(objects[i]);
   objects = std::move(drawn);
 
   rewriteShot();

@@ -1,3 +1,5 @@
+#include "algorithm/Boxes.h"
+
 #include <lumivane/algorithm/Bounds2D.h>
 #include <lumivane/algorithm/ProjectedPolygonData.h>
 
@@ -5,7 +7,7 @@ namespace Lumivane::Algorithm {
 
 void ProjectedPolygonData::setPoints(Points* value) {
   points = value;
-  if (value != nullptr && !value->empty()) bounds = Bounds2D::getBounds(*value);
+  if (value != nullptr && !value->empty()) bounds = new Bounds2D(boundsOf(*value));
 }
 
 }  // namespace Lumivane::Algorithm

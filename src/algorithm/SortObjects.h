@@ -2,15 +2,27 @@
 
 // What the chapters of the depth sort share.
 
+#include <lumivane/algorithm/ObjectData.h>
+
+#include <cstddef>
+#include <string>
 #include <vector>
 
 namespace Lumivane::Algorithm {
 
-class ObjectData;
+class SortShapes;
 
-// Destroys an object of the sort with everything that hangs on it. Regions that became the shot's
-// must have left its list.
-void releaseSortObject(ObjectData* object);
+// How the sort makes and destroys its objects.
+class SortObject {
+ public:
+  // A new object; takes the regions over.
+  static ObjectData* make(const std::string& sourceObject, ObjectData::Regions* regions,
+                          const SortShapes& shapes, std::size_t face);
+
+  // Destroys an object, if there is one, with everything that hangs on it. Regions that became the
+  // shot's must have left its list.
+  static void release(ObjectData* object);
+};
 
 // The elements of a list of the model; none if the list is missing, or its vector.
 template <class List, class Element>

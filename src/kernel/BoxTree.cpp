@@ -104,18 +104,22 @@ LUMIVANE_LANES std::size_t BoxTree::walk(const Box& box, std::uint32_t limit,
   while (open != 0) {
     const Place place = places[--open];
     const Node& node = nodes[levels[place.level] + place.index];
-    std::uint32_t meeting = 0;
+    std::int64_t meets[Lanes];
     for (std::size_t lane = 0; lane < Lanes; ++lane) {
       const Box other{node.xMin[lane], node.xMax[lane], node.yMin[lane], node.yMax[lane]};
-      const bool meets = boxesMeet(box, other) & (node.lowest[lane] < limit);
-      meeting |= static_cast<std::uint32_t>(meets) << lane;
+      meets[lane] = boxesMeet(box, other) ? 1 : 0;
     }
-    for (std::size_t lane = 0; meeting != 0; ++lane, meeting >>= 1U) {
-      if ((meeting & 1U) == 0) continue;
-      if (place.level == 0)
-        found[count++] = node.lowest[lane];
-      else
-        places[open++] = {place.level - 1, place.index * Lanes + lane};
+    // Without branches: each lane is written down, and kept only if it counts.
+    for (std::size_t lane = 0; lane < Lanes; ++lane) {
+      const std::size_t isKept =
+          static_cast<std::size_t>(meets[lane]) & (node.lowest[lane] < limit);
+      if (place.level == 0) {
+        found[count] = node.lowest[lane];
+        count += isKept;
+      } else {
+        places[open] = {place.level - 1, place.index * Lanes + lane};
+        open += isKept;
+      }
     }
   }
   return count;

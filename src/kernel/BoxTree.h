@@ -22,7 +22,7 @@ class BoxTree {
 
   /// Writes the positions below `limit` of the boxes that meet `box`, ascending.
   ///
-  /// \param found  room for `limit` positions
+  /// \param found  room for one position more than `limit`
   /// \return how many there are
   std::size_t findMeeting(const Box& box, std::uint32_t limit, std::uint32_t* found) const;
 

@@ -5,10 +5,8 @@
 #include "kernel/Polygon3.h"
 #include "kernel/Rings.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <optional>
 #include <vector>
 
 /// How two faces of the picture relate: one integer for every pair.
@@ -24,33 +22,24 @@ struct Cell {
   static constexpr int FirstHidden = 5;   ///< wholly, by the second
 };
 
-/// A box that meets nothing.
-inline Box noBox() {
-  constexpr double none = std::numeric_limits<double>::quiet_NaN();
-  return {none, none, none, none};
-}
-
 /// Faces in flat arrays. Piece k of a face is a projected polygon, and source k of it the polygon
 /// of the scene that it came from.
 class FaceShapes {
  public:
   struct Face {
-    Box bounds;
+    Box bounds;  ///< around all pieces
     std::size_t firstPiece, pieceCount;
     std::size_t firstSource, sourceCount;
   };
 
-  /// Begins a face; unset bounds and those of an empty union meet nothing.
-  void addFace(const std::optional<Box>& bounds) {
-    const bool isMet = bounds && !isDefaultBox(*bounds);
-    faces.push_back({isMet ? *bounds : noBox(), outlines.size(), 0, sources.size(), 0});
-  }
+  void addFace() { faces.push_back({Box{}, outlines.size(), 0, sources.size(), 0}); }
+  void dropLastFace() { faces.pop_back(); }  ///< One without pieces and sources.
 
-  /// Adds a piece to the last face; unset bounds meet nothing.
+  /// Adds a piece to the last face, with the points `pointAt(0)` to `pointAt(count - 1)`.
   template <class PointAt>
-  void addPiece(std::size_t count, PointAt pointAt, const std::optional<Box>& bounds) {
+  void addPiece(std::size_t count, PointAt pointAt) {
     outlines.add(count, pointAt);
-    pieceBounds.push_back(bounds ? *bounds : noBox());
+    take(faces.back().bounds, outlines[outlines.size() - 1].box);
     ++faces.back().pieceCount;
   }
 
@@ -62,9 +51,14 @@ class FaceShapes {
 
   std::vector<Face> faces;
   Rings outlines;
-  std::vector<Box> pieceBounds;
   FacingPolygons sources;
 };
+
+/// What a face meets others by: its bounds, or no number if they are those of an empty union.
+inline Box meetingBox(const FaceShapes::Face& face) {
+  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  return isDefaultBox(face.bounds) ? Box{none, none, none, none} : face.bounds;
+}
 
 /// What the pairs of pieces of two faces say. A location is that of `locationOf`.
 struct Votes {
@@ -92,30 +86,45 @@ struct Classification {
   bool sourceMissing = false;       ///< a piece without a source was met, and the scan was left
 };
 
-/// The working sets of a pair, kept from pair to pair so that none of them is made anew.
+/// Which pieces of a face lie inside a piece of the other face, and behind it. Begins anew at a
+/// cost only where the last pair has left something.
+class HiddenPieces {
+ public:
+  void begin(std::size_t pieces) {
+    if (hidden != 0) isHidden.assign(isHidden.size(), 0);
+    if (isHidden.size() < pieces) isHidden.resize(pieces, 0);
+    count = pieces;
+    hidden = 0;
+  }
+  void hide(std::size_t piece) {
+    if (isHidden[piece] == 0) ++hidden;
+    isHidden[piece] = 1;
+  }
+  bool areAll() const { return hidden == count; }
+
+ private:
+  std::vector<char> isHidden;
+  std::size_t count = 0;
+  std::size_t hidden = 0;
+};
+
+/// The working sets of a pair, kept from pair to pair so that none of them is made anew. The hidden
+/// pieces mean something once there is a vote.
 struct PairScan {
   explicit PairScan(const FaceShapes& shapes) : rings(shapes.outlines.largest()) {}
 
-  void begin(std::size_t firstPieces, std::size_t secondPieces) {
-    votes = Votes();
-    firstHidden.assign(firstPieces, 0);
-    secondHidden.assign(secondPieces, 0);
-  }
-
   Votes votes;
-  std::vector<char> firstHidden;  ///< by piece: inside a piece of the other face, and behind it
-  std::vector<char> secondHidden;
+  HiddenPieces ofFirst;
+  HiddenPieces ofSecond;
   RingScratch rings;
 };
 
-/// The cell of a scan that is complete.
-inline int cellOf(const Votes& votes, const std::vector<char>& firstHidden,
-                  const std::vector<char>& secondHidden) {
-  const auto isSet = [](char flag) { return flag != 0; };
+/// The cell of a complete scan, told whether all pieces of the faces are hidden.
+inline int cellOf(const Votes& votes, bool firstIsHidden, bool secondIsHidden) {
   if (votes.count == 0) return Cell::Apart;
   // The first face is asked first: if both are hidden, it is the one that goes.
-  if (std::all_of(firstHidden.begin(), firstHidden.end(), isSet)) return Cell::FirstHidden;
-  if (std::all_of(secondHidden.begin(), secondHidden.end(), isSet)) return Cell::SecondHidden;
+  if (firstIsHidden) return Cell::FirstHidden;
+  if (secondIsHidden) return Cell::SecondHidden;
   return reduceLocations(votes);
 }
 
@@ -123,6 +132,10 @@ inline int cellOf(const Votes& votes, const std::vector<char>& firstHidden,
 inline void takePieces(PairScan& scan, Classification& result, const FaceShapes& shapes,
                        const FaceShapes::Face& first, std::size_t ia,
                        const FaceShapes::Face& second, std::size_t ib, int meeting) {
+  if (scan.votes.count == 0) {
+    scan.ofFirst.begin(first.pieceCount);
+    scan.ofSecond.begin(second.pieceCount);
+  }
   const std::size_t a = first.firstSource + ia;
   const std::size_t b = second.firstSource + ib;
   const FacingPolygons& sources = shapes.sources;
@@ -130,8 +143,8 @@ inline void takePieces(PairScan& scan, Classification& result, const FaceShapes&
       locationOf(sources.corners(a), sources.facing(a), sources.corners(b), sources.facing(b));
   result.zeroLengthAsked += location.zeroLengthAsked;
   scan.votes.add(location.value);
-  if (location.value == 1 && meeting == Meeting::SecondInFirst) scan.secondHidden[ib] = 1;
-  if (location.value == 2 && meeting == Meeting::FirstInSecond) scan.firstHidden[ia] = 1;
+  if (location.value == 1 && meeting == Meeting::SecondInFirst) scan.ofSecond.hide(ib);
+  if (location.value == 2 && meeting == Meeting::FirstInSecond) scan.ofFirst.hide(ia);
 }
 
 /// Decides the cell of two faces.
@@ -144,14 +157,15 @@ inline Classification classifyPair(const FaceShapes& shapes, std::size_t firstFa
   const FaceShapes::Face& second = shapes.faces[secondFace];
   Classification result;
   if (!boxesMeet(first.bounds, second.bounds)) return result;
+  if (isDefaultBox(first.bounds) || isDefaultBox(second.bounds)) return result;
 
-  scan.begin(first.pieceCount, second.pieceCount);
+  scan.votes = Votes();
   for (std::size_t ia = 0; ia < first.pieceCount; ++ia) {
-    const std::size_t a = first.firstPiece + ia;
+    const Ring a = shapes.outlines[first.firstPiece + ia];
     for (std::size_t ib = 0; ib < second.pieceCount; ++ib) {
-      const std::size_t b = second.firstPiece + ib;
-      if (!boxesMeet(shapes.pieceBounds[a], shapes.pieceBounds[b])) continue;
-      const int meeting = meetingOf(shapes.outlines[a], shapes.outlines[b], scan.rings);
+      const Ring b = shapes.outlines[second.firstPiece + ib];
+      if (!boxesMeet(a.box, b.box)) continue;
+      const int meeting = meetingOf(a, b, scan.rings);
       if (meeting == Meeting::None) continue;
       if (ia >= first.sourceCount || ib >= second.sourceCount) {
         result.sourceMissing = true;
@@ -160,7 +174,7 @@ inline Classification classifyPair(const FaceShapes& shapes, std::size_t firstFa
       takePieces(scan, result, shapes, first, ia, second, ib, meeting);
     }
   }
-  result.cell = cellOf(scan.votes, scan.firstHidden, scan.secondHidden);
+  result.cell = cellOf(scan.votes, scan.ofFirst.areAll(), scan.ofSecond.areAll());
   return result;
 }
 

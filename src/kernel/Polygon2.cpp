@@ -1,18 +1,24 @@
-// The tests of two polygons of the picture, over the flat arrays of Rings.h: first the edges of
-// each that come near the other are picked, a group of lanes at a time, then only those are tested
-// against each other. No step allocates.
+// The tests of two polygons of the picture, over the flat arrays of Rings.h. No step allocates.
+//
+// Whether edges cross: an edge whose line leaves the whole other polygon on one side is passed over
+// (see isBesideLine); if that goes for all edges of one polygon, nothing crosses. Of the polygon
+// with fewer edges left, each is tested against all edges of the other, and one crossing settles
+// the question. It is nearly always found at an edge near the other polygon, so those come first;
+// the rest is tested all the same, since rounding lets pieces of one line cross from afar.
 
 #include "kernel/Polygon2.h"
 
 #include "kernel/Lanes.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 
 namespace Lumivane::Kernel {
 namespace {
 
 constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t WordBits = 64;
 
 // The edges of a polygon as arrays of their ends, readable to a whole group of lanes.
 struct Edges {
@@ -25,56 +31,69 @@ struct Edges {
   Segment operator[](std::size_t k) const { return {{ax[k], ay[k]}, {bx[k], by[k]}}; }
 };
 
-Edges edgesOfFirst(const Ring& first) {
+Edges edgesOf(const Ring& first) {
   return {first.x, first.y, first.x + 1, first.y + 1, first.count};
 }
 
-// See endInSecond.
+// Deliberate: the ends of the edges of the second polygon are counted in the size of the first, so
+// for a smaller first polygon some of them are diagonals. Otherwise they are the edges of the ring.
 Edges edgesOfSecond(const Ring& first, const Ring& second, RingScratch& scratch) {
-  if (first.count >= second.count)
-    return {second.x, second.y, second.x + 1, second.y + 1, second.count};
+  if (first.count >= second.count) return edgesOf(second);
   double* const endX = scratch.endX.data();
   double* const endY = scratch.endY.data();
+  std::size_t end = 0;
   for (std::size_t j = 0; j < second.count; ++j) {
-    const std::size_t end = endInSecond(first.count, second.count, j);
+    end = end + 1 == first.count ? 0 : end + 1;  // (j + 1) modulo the size of the first
     endX[j] = second.x[end];
     endY[j] = second.y[end];
   }
+  // Behind the points stands the first one again, and that starts no edge.
+  if (second.count < padded(second.count)) endX[second.count] = NotANumber;
   return {second.x, second.y, endX, endY, second.count};
 }
 
-// The edges that may cross something in the box, in their order; gives how many.
-std::size_t pickEdges(const Edges& edges, const Box& box, std::uint32_t* picked) {
-  std::size_t count = 0;
-  for (std::size_t base = 0; base < edges.count; base += Lanes) {
-    std::int64_t isPicked[Lanes];
-    for (std::size_t lane = 0; lane < Lanes; ++lane)
-      isPicked[lane] = isBesideLine(box, edges[base + lane]) ? 0 : 1;
-    const std::size_t end = std::min(Lanes, edges.count - base);
-    for (std::size_t lane = 0; lane < end; ++lane) {
-      picked[count] = static_cast<std::uint32_t>(base + lane);
-      count += static_cast<std::size_t>(isPicked[lane]);
-    }
-  }
-  return count;
+// The lowest `count` bits of a word, or all.
+std::uint64_t lowBits(std::size_t count) {
+  return count < WordBits ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
 }
 
-// The picked edges of the second polygon one behind the other, padded with edges that cross
-// nothing.
-Edges gather(const Edges& edges, std::size_t count, RingScratch& scratch) {
-  double* const ax = scratch.ax.data();
-  double* const ay = scratch.ay.data();
-  double* const bx = scratch.bx.data();
-  double* const by = scratch.by.data();
-  for (std::size_t k = 0; k < count; ++k) {
-    const Segment edge = edges[scratch.secondEdges[k]];
-    ax[k] = edge.start.x;
-    ay[k] = edge.start.y;
-    bx[k] = edge.end.x;
-    by[k] = edge.end.y;
+// One bit for each of `count` positions, a word full at most, that a test holds for. The test is
+// run up to a whole group of lanes.
+template <class Test>
+std::uint64_t bitsOf(std::size_t count, Test test) {
+  std::uint64_t bits = 0;
+  for (std::size_t k = 0; k < padded(count); ++k) {
+    const std::uint64_t bit = test(k) ? 1 : 0;
+    bits |= bit << k;
   }
-  for (std::size_t k = count; k < padded(count); ++k) ax[k] = NotANumber;
-  return {ax, ay, bx, by, count};
+  return bits & lowBits(count);
+}
+
+// Calls `visit` for the position of each bit that is set, ascending, until it says true; gives
+// whether it did.
+template <class Visit>
+bool anyOf(std::uint64_t bits, Visit visit) {
+  for (; bits != 0; bits &= bits - 1)
+    if (visit(static_cast<std::size_t>(__builtin_ctzll(bits)))) return true;
+  return false;
+}
+
+// Sets a bit for each edge that may cross something in the box; gives how many do.
+std::size_t markCrossing(const Edges& edges, const Box& box, std::uint64_t* words) {
+  std::size_t marked = 0;
+  for (std::size_t base = 0; base < edges.count; base += WordBits) {
+    const std::uint64_t bits = bitsOf(std::min(WordBits, edges.count - base), [&](std::size_t k) {
+      return !isBesideLine(box, edges[base + k]);
+    });
+    words[base / WordBits] = bits;
+    marked += static_cast<std::size_t>(__builtin_popcountll(bits));
+  }
+  return marked;
+}
+
+bool isNear(const Box& box, const Segment& edge) {
+  return boxesMeet(box, {std::min(edge.start.x, edge.end.x), std::max(edge.start.x, edge.end.x),
+                         std::min(edge.start.y, edge.end.y), std::max(edge.start.y, edge.end.y)});
 }
 
 bool crossesAny(const Segment& edge, const Edges& others) {
@@ -86,19 +105,32 @@ bool crossesAny(const Segment& edge, const Edges& others) {
   return crosses != 0;
 }
 
+// Whether a marked edge of a polygon crosses any of the other polygon, whose bounds are given.
+bool anyCrosses(const Edges& edges, const std::uint64_t* words, const Edges& others,
+                const Box& box) {
+  for (std::size_t base = 0; base < edges.count; base += WordBits) {
+    const std::uint64_t marked = words[base / WordBits];
+    if (marked == 0) continue;
+    const std::uint64_t near =
+        marked & bitsOf(std::min(WordBits, edges.count - base),
+                        [&](std::size_t k) { return isNear(box, edges[base + k]); });
+    const auto crosses = [&](std::size_t k) { return crossesAny(edges[base + k], others); };
+    if (anyOf(near, crosses) || anyOf(marked & ~near, crosses)) return true;
+  }
+  return false;
+}
+
 bool edgesCross(const Ring& first, const Ring& second, RingScratch& scratch) {
   if (first.count == 0 || second.count == 0) return false;
-  const Edges firstEdges = edgesOfFirst(first);
-  const std::size_t firstCount = pickEdges(firstEdges, second.box, scratch.firstEdges.data());
+  const Edges ofFirst = edgesOf(first);
+  const std::size_t firstCount = markCrossing(ofFirst, second.box, scratch.ofFirst.data());
   if (firstCount == 0) return false;
-  const Edges secondEdges = edgesOfSecond(first, second, scratch);
-  const std::size_t secondCount = pickEdges(secondEdges, first.box, scratch.secondEdges.data());
+  const Edges ofSecond = edgesOfSecond(first, second, scratch);
+  const std::size_t secondCount = markCrossing(ofSecond, first.box, scratch.ofSecond.data());
   if (secondCount == 0) return false;
-
-  const Edges others = gather(secondEdges, secondCount, scratch);
-  for (std::size_t k = 0; k < firstCount; ++k)
-    if (crossesAny(firstEdges[scratch.firstEdges[k]], others)) return true;
-  return false;
+  return firstCount < secondCount
+             ? anyCrosses(ofFirst, scratch.ofFirst.data(), ofSecond, second.box)
+             : anyCrosses(ofSecond, scratch.ofSecond.data(), ofFirst, first.box);
 }
 
 bool contains(const Ring& ring, Vec2 point) {
@@ -111,14 +143,41 @@ bool contains(const Ring& ring, Vec2 point) {
   return edgesLeft % 2 != 0;
 }
 
-// Whether `outer` contains every point of `inner`; true if there is none. A point below or above
-// all edges spans none, so where the heights of `inner` reach beyond those of `outer`, its lowest
-// or highest point is outside.
+// Whether `outer` contains `count` points, a word full at most: the rule edge by edge, with one bit
+// for each point. Edges at heights that the box around the points does not have are left out.
+bool containsPoints(const Ring& outer, const Box& box, const double* x, const double* y,
+                    std::size_t count) {
+  std::uint64_t inside = 0;
+  for (std::size_t base = 0; base < outer.count; base += WordBits) {
+    const double* const edgeX = outer.x + base;
+    const double* const edgeY = outer.y + base;
+    const std::uint64_t spanned =
+        bitsOf(std::min(WordBits, outer.count - base), [&](std::size_t k) {
+          return (std::min(edgeY[k], edgeY[k + 1]) <= box.yMax) &
+                 (std::max(edgeY[k], edgeY[k + 1]) > box.yMin);
+        });
+    anyOf(spanned, [&](std::size_t edge) {
+      const Vec2 previous{edgeX[edge], edgeY[edge]};
+      const Vec2 current{edgeX[edge + 1], edgeY[edge + 1]};
+      inside ^= bitsOf(count, [&](std::size_t k) {
+        return isRightOfEdge(previous, current, {x[k], y[k]});
+      });
+      return false;
+    });
+  }
+  return inside == lowBits(count);
+}
+
+// Whether `outer` contains every point of `inner`; true if there is none. Most pairs are told apart
+// by their heights - below and above all edges there is no inside - or by the first point.
 bool containsAll(const Ring& outer, const Ring& inner) {
   if (inner.count == 0) return true;
   if (inner.box.yMin < outer.box.yMin || inner.box.yMax >= outer.box.yMax) return false;
-  for (std::size_t k = 0; k < inner.count; ++k)
-    if (!contains(outer, {inner.x[k], inner.y[k]})) return false;
+  if (!contains(outer, {inner.x[0], inner.y[0]})) return false;
+  for (std::size_t base = 0; base < inner.count; base += WordBits)
+    if (!containsPoints(outer, inner.box, inner.x + base, inner.y + base,
+                        std::min(WordBits, inner.count - base)))
+      return false;
   return true;
 }
 
@@ -127,12 +186,8 @@ bool containsAll(const Ring& outer, const Ring& inner) {
 RingScratch::RingScratch(std::size_t largest)
     : endX(padded(largest), NotANumber),
       endY(padded(largest), NotANumber),
-      firstEdges(padded(largest)),
-      secondEdges(padded(largest)),
-      ax(padded(largest), NotANumber),
-      ay(padded(largest), NotANumber),
-      bx(padded(largest), NotANumber),
-      by(padded(largest), NotANumber) {}
+      ofFirst(padded(largest) / Lanes),
+      ofSecond(padded(largest) / Lanes) {}
 
 bool containsPoint(const std::vector<Vec2>& polygon, Vec2 point) {
   Rings rings;

@@ -13,9 +13,7 @@
 /// A polygon is a closed ring whose first point is not repeated.
 ///
 /// The formulas stand here, without branches; Polygon2.cpp runs them over flat arrays, a group of
-/// edges at a time. Most pairs of edges are never looked at: an edge whose line leaves the whole
-/// other polygon on one side crosses none of its edges (see isBesideLine), and one crossing settles
-/// the question.
+/// edges at a time.
 namespace Lumivane::Kernel {
 
 /// The turn a, b, c: the z component of the cross product of b - a and c - b. Positive if
@@ -71,17 +69,8 @@ inline bool isBesideLine(const Box& box, const Segment& segment) {
   const double right2 = dy * (box.xMax - b.x);
   const double lowest = std::min(left1, left2) - std::max(right1, right2);
   const double highest = std::max(left1, left2) - std::min(right1, right2);
-  const double all = (left1 + left2) + (right1 + right2);  // a number only if all four are
-  return ((lowest >= 0.0) | (highest <= 0.0)) & (all == all);
-}
-
-/// Where edge j of the second of two polygons ends.
-// Deliberate: the end is counted in the size of the first polygon, so for a smaller first polygon
-// some of these edges are diagonals; where that index lies beyond the second, the end is its point
-// 0. For a first polygon of the same size or a larger one the edges are those of the ring.
-inline std::size_t endInSecond(std::size_t firstCount, std::size_t secondCount, std::size_t j) {
-  const std::size_t end = (j + 1) % firstCount;
-  return end < secondCount ? end : 0;
+  const double zero = 0.0 * ((left1 + left2) + (right1 + right2));  // only if all are finite
+  return std::max(lowest, -highest) + zero >= 0.0;
 }
 
 /// The values of Algorithm::IntersectionType.
@@ -96,9 +85,8 @@ struct Meeting {
 struct RingScratch {
   explicit RingScratch(std::size_t largest);
 
-  std::vector<double> endX, endY;  ///< ends of edges that are not those of the ring
-  std::vector<std::uint32_t> firstEdges, secondEdges;  ///< edges that may cross
-  std::vector<double> ax, ay, bx, by;                  ///< those of the second polygon
+  std::vector<double> endX, endY;                ///< ends of edges that are not those of the ring
+  std::vector<std::uint64_t> ofFirst, ofSecond;  ///< a bit for each edge that may cross
 };
 
 /// Whether a polygon contains a point.

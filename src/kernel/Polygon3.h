@@ -50,6 +50,12 @@ class FacingPolygons {
     places.push_back({start, points.size(), facingOf(points)});
   }
 
+  /// Makes room for `polygons` more of a few points each.
+  void reserve(std::size_t polygons) {
+    places.reserve(places.size() + polygons);
+    values.reserve(values.size() + 3 * Lanes * polygons);
+  }
+
   std::size_t size() const { return places.size(); }
   const Facing& facing(std::size_t index) const { return places[index].facing; }
 

@@ -51,6 +51,12 @@ class Rings {
     add(points.size(), [&points](std::size_t k) { return points[k]; });
   }
 
+  /// Makes room for `rings` more polygons of `points` points in all.
+  void reserve(std::size_t rings, std::size_t points) {
+    places.reserve(places.size() + rings);
+    values.reserve(values.size() + 2 * (points + 2 * Lanes * rings));
+  }
+
   std::size_t size() const { return places.size(); }
   std::size_t largest() const { return largestCount; }  ///< Points of the largest polygon.
 

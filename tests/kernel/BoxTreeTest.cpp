@@ -16,7 +16,7 @@ using Kernel::Box;
 using Positions = std::vector<std::uint32_t>;
 
 Positions meeting(const Kernel::BoxTree& tree, const Box& box, std::uint32_t limit) {
-  Positions found(limit);
+  Positions found(limit + 1);
   found.resize(tree.findMeeting(box, limit, found.data()));
   return found;
 }

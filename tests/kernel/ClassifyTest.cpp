@@ -4,7 +4,7 @@
 #include "utils/Shapes.h"
 
 #include <cstddef>
-#include <optional>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -24,30 +24,16 @@ Kernel::Box boxOf(const std::vector<Matrix>& polygons) {
   return {b[0], b[1], b[2], b[3]};
 }
 
-// A face in parts that a test can leave out.
-struct Shape {
-  std::optional<Kernel::Box> bounds;
-  std::vector<std::optional<Kernel::Box>> pieceBounds;
-  Plain::Face face;
-};
-
-Shape shapeOf(const Plain::Face& face) {
-  Shape shape{boxOf(face.projected), {}, face};
-  for (const Matrix& polygon : face.projected) shape.pieceBounds.push_back(boxOf({polygon}));
-  return shape;
-}
-
-void add(Kernel::FaceShapes& shapes, const Shape& shape) {
-  shapes.addFace(shape.bounds);
-  for (std::size_t k = 0; k < shape.face.projected.size(); ++k) {
-    const std::vector<Kernel::Vec2> outline = Utils::toVec2s(shape.face.projected[k]);
-    shapes.addPiece(
-        outline.size(), [&](std::size_t p) { return outline[p]; }, shape.pieceBounds[k]);
+void add(Kernel::FaceShapes& shapes, const Plain::Face& face) {
+  shapes.addFace();
+  for (const Matrix& polygon : face.projected) {
+    const std::vector<Kernel::Vec2> outline = Utils::toVec2s(polygon);
+    shapes.addPiece(outline.size(), [&](std::size_t p) { return outline[p]; });
   }
-  for (const Matrix& polygon : shape.face.sources) shapes.addSource(Utils::toVec3s(polygon));
+  for (const Matrix& polygon : face.sources) shapes.addSource(Utils::toVec3s(polygon));
 }
 
-Kernel::Classification classify(const Shape& first, const Shape& second) {
+Kernel::Classification classify(const Plain::Face& first, const Plain::Face& second) {
   Kernel::FaceShapes shapes;
   add(shapes, first);
   add(shapes, second);
@@ -82,7 +68,7 @@ Plain::Face both(Plain::Face a, const Plain::Face& b) {
 }
 
 int cellOf(const Plain::Face& first, const Plain::Face& second) {
-  return classify(shapeOf(first), shapeOf(second)).cell;
+  return classify(first, second).cell;
 }
 
 const VectorTests ClassifyPairVectors("classifyPair", [](const VectorCase& c) {
@@ -119,25 +105,16 @@ TEST(ReduceLocations, ZerosAloneAndNothingAreUndecided) {
   EXPECT_EQ(0, reduce({}));
 }
 
-TEST(ClassifyPair, FaceWithoutBoundsIsApart) {
-  const Shape face = shapeOf(square(2, 0, 1));
-  Shape unbounded = face;
-  unbounded.bounds.reset();
-  Shape empty = face;
-  empty.bounds = Kernel::Box{};
-  for (const Shape& other : {unbounded, empty}) {
-    EXPECT_EQ(Cell::Apart, classify(face, other).cell);
-    EXPECT_EQ(Cell::Apart, classify(other, face).cell);
-  }
-}
-
-TEST(ClassifyPair, PieceWithoutBoundsMeetsNothing) {
-  const Shape large = shapeOf(square(2, 0, 1));
-  Shape small = shapeOf(square(3, 0, 0.4));
-  ASSERT_EQ(Cell::SecondHidden, classify(large, small).cell);
-  small.pieceBounds[0].reset();
-  EXPECT_EQ(Cell::Apart, classify(large, small).cell);
-  EXPECT_EQ(Cell::Apart, classify(small, large).cell);
+TEST(ClassifyPair, FaceWithTheBoundsOfAnEmptyUnionIsApart) {
+  constexpr double largest = std::numeric_limits<double>::max();
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  const Plain::Face all{{{{-largest, -largest}, {largest, -largest}, {largest, largest}}},
+                        square(2, 0, 1).sources};
+  const Plain::Face none{{{{notANumber, notANumber}}}, square(2, 0, 1).sources};
+  const Plain::Vector empty = Plain::bounds(none.projected);
+  ASSERT_TRUE(Plain::meet(Plain::bounds(all.projected), empty));
+  EXPECT_EQ(Cell::Apart, cellOf(all, none));
+  EXPECT_EQ(Cell::Apart, cellOf(none, all));
 }
 
 TEST(ClassifyPair, BoundsThatTouchInACornerAreApart) {
@@ -192,10 +169,10 @@ TEST(ClassifyPair, CrossedPolygonsAreNeverHidden) {
 
 TEST(ClassifyPair, FirstGoesWhenBothAreHidden) {
   const Kernel::Votes oneEach{2, 1, 1};
-  EXPECT_EQ(Cell::FirstHidden, Kernel::cellOf(oneEach, {1}, {1}));
-  EXPECT_EQ(Cell::SecondHidden, Kernel::cellOf(oneEach, {1, 0}, {1}));
-  EXPECT_EQ(Cell::SecondInFront, Kernel::cellOf(oneEach, {1, 0}, {0, 1}));
-  EXPECT_EQ(Cell::Apart, Kernel::cellOf({}, {}, {}));
+  EXPECT_EQ(Cell::FirstHidden, Kernel::cellOf(oneEach, true, true));
+  EXPECT_EQ(Cell::SecondHidden, Kernel::cellOf(oneEach, false, true));
+  EXPECT_EQ(Cell::SecondInFront, Kernel::cellOf(oneEach, false, false));
+  EXPECT_EQ(Cell::Apart, Kernel::cellOf({}, true, true));
 }
 
 // Small behind large in both directions: one flag of each face is set, and the vote is a tie.
@@ -211,15 +188,15 @@ TEST(ClassifyPair, CoplanarOverlapIsUndecided) {
 }
 
 TEST(ClassifyPair, MissingSourceIsTold) {
-  Shape large = shapeOf(square(2, 0, 1));
-  Shape small = shapeOf(square(3, 0, 0.4));
+  const Plain::Face large = square(2, 0, 1);
+  const Plain::Face small = square(3, 0, 0.4);
   EXPECT_FALSE(classify(large, small).sourceMissing);
-  Shape without = small;
-  without.face.sources.clear();
+  Plain::Face without = small;
+  without.sources.clear();
   EXPECT_TRUE(classify(large, without).sourceMissing);
   EXPECT_TRUE(classify(without, large).sourceMissing);
-  without = shapeOf(square(3, 9, 0.4));
-  without.face.sources.clear();
+  without = square(3, 9, 0.4);
+  without.sources.clear();
   EXPECT_FALSE(classify(large, without).sourceMissing);
 }
 
@@ -249,7 +226,7 @@ TEST(ClassifyPairProperty, AgreesWithThePlainScans) {
     const Plain::Face second = anyFace();
     std::string printed;
     const int expected = Plain::cell(first, second, printed);
-    const Kernel::Classification found = classify(shapeOf(first), shapeOf(second));
+    const Kernel::Classification found = classify(first, second);
     ASSERT_EQ(expected, found.cell) << i;
     ASSERT_EQ(printed.size(), found.zeroLengthAsked * ZeroLength.size()) << i;
     ++counts[expected];

@@ -111,17 +111,24 @@ TEST(MeetingOf, EmptyPolygonLiesInAnyOther) {
 // only one that crosses the triangle, does not exist for the scan.
 TEST(MeetingOf, EdgesOfTheSecondEndInTheSizeOfTheFirst) {
   const Ring second{{0, 0}, {4, 0}, {2, 1}, {2, 3}};
-  EXPECT_EQ(0U, Kernel::endInSecond(3, 4, 2));
-  EXPECT_EQ(1U, Kernel::endInSecond(3, 4, 3));
-  EXPECT_EQ(3U, Kernel::endInSecond(4, 4, 2));
   const Ring spike{{1.9, 2}, {2.1, 2.1}, {1.9, 2.1}};
   EXPECT_TRUE(Kernel::segmentsCross(spike[0], spike[1], {2, 1}, {2, 3}));
   EXPECT_EQ(Meeting::None, Kernel::meetingOf(spike, second));
 }
 
-TEST(MeetingOf, SuccessorBeyondTheSecondIsItsFirstPoint) {
-  EXPECT_EQ(0U, Kernel::endInSecond(5, 3, 2));
-  EXPECT_EQ(2U, Kernel::endInSecond(5, 3, 1));
+// With three points against four, the second has the diagonal from its point 3 to its point 1,
+// which alone passes between the other edges here.
+TEST(MeetingOf, DiagonalOfTheSecondCrosses) {
+  const Ring second{{0, 0}, {8, 0}, {8, 8}, {0, 8}};
+  const Ring onTheDiagonal{{3.5, 4}, {4.5, 4}, {4.5, 4.1}};
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(onTheDiagonal, second));
+  EXPECT_EQ(Meeting::SecondInFirst, Kernel::meetingOf(second, onTheDiagonal));
+}
+
+TEST(MeetingOf, LastEdgeOfASmallerSecondEndsAtItsFirstPoint) {
+  const Ring triangle{{0, 0}, {4, 0}, {2, 3}};
+  const Ring onTheLastEdge{{0.9, 1.4}, {1.1, 1.4}, {1.2, 1.5}, {1.1, 1.6}, {0.9, 1.6}};
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(onTheLastEdge, triangle));
 }
 
 TEST(MeetingOf, PointThatIsNoNumberCrossesAndContainsNothing) {

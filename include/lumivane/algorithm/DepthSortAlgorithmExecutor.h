@@ -16,6 +16,7 @@ namespace Lumivane::Algorithm {
 
 class ClassificationMatrix;
 class ObjectData;
+class SortShapes;
 
 /// Puts the faces of a shot into the order in which they are drawn, back to front, and removes the
 /// faces that are wholly hidden.
@@ -75,6 +76,7 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   ClassificationMatrix* classificationMatrix;  // one cell for every pair; sparse
   Scene::Scene3D* scene = nullptr;
   Shot::Shot2d* shot = nullptr;
+  SortShapes* shapes;  // the polygons of the objects, in flat arrays
 };
 
 }  // namespace Lumivane::Algorithm

@@ -2,6 +2,7 @@
 
 #include <lumivane/export.h>
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@ namespace Lumivane::Algorithm {
 
 class Bounds2D;
 class ProjectedPolygonData;
+class SortShapes;
 
 /// What the depth sort orders: one face of one object of the shot.
 ///
@@ -34,8 +36,8 @@ class LUMIVANE_EXPORT ObjectData {
   /// the depth index -1.
   ObjectData();
   /// Copies the id too, and shares the lists.
-  ObjectData(const ObjectData& other) = default;
-  ObjectData& operator=(const ObjectData& other) = default;  ///< Likewise; frees nothing.
+  ObjectData(const ObjectData& other);
+  ObjectData& operator=(const ObjectData& other);  ///< Likewise; frees nothing.
 
   /// The decimal text of a running number, unique in the process.
   std::string getId() const { return id; }
@@ -49,21 +51,19 @@ class LUMIVANE_EXPORT ObjectData {
   void setSourceRegions(Regions* value) { sourceRegions = value; }  ///< Stores it; frees nothing.
 
   /// Their polygons in the scene; borrowed, may be null.
-  SourcePolygons* getSourcePolygons() const { return sourcePolygons; }
-  void setSourcePolygons(SourcePolygons* value) {
-    sourcePolygons = value;
-  }  ///< Stores it; frees nothing.
+  SourcePolygons* getSourcePolygons() const { return withLists().sourcePolygons; }
+  /// Stores it; frees nothing.
+  void setSourcePolygons(SourcePolygons* value) { withLists().sourcePolygons = value; }
 
   /// Their polygons in the picture; borrowed, may be null.
-  ProjectedPolygons* getProjectedPolygons() const { return projectedPolygons; }
+  ProjectedPolygons* getProjectedPolygons() const { return withLists().projectedPolygons; }
   /// Stores the pointer, then calls `calculateProjectedBounds2D`.
   void setProjectedPolygons(ProjectedPolygons* value);
 
   /// The bounds of all projected polygons; may be null.
-  Bounds2D* getProjectedBounds() const { return projectedBounds; }
-  void setProjectedBounds(Bounds2D* value) {
-    projectedBounds = value;
-  }  ///< Stores it; frees nothing.
+  Bounds2D* getProjectedBounds() const { return withLists().projectedBounds; }
+  /// Stores it; frees nothing.
+  void setProjectedBounds(Bounds2D* value) { withLists().projectedBounds = value; }
 
   /// Place in the drawing order, from 1; -1 while unset.
   int getDepthIndex() const { return depthIndex; }
@@ -78,14 +78,31 @@ class LUMIVANE_EXPORT ObjectData {
   static bool compareByDepthIndex(const ObjectData* first, const ObjectData* second);
 
  private:
+  friend class SortObject;
+
+  // The polygons of an object, with their bounds.
+  struct Lists {
+    SourcePolygons* sourcePolygons = nullptr;
+    ProjectedPolygons* projectedPolygons = nullptr;
+    Bounds2D* projectedBounds = nullptr;
+  };
+
+  // An object that the sort has made knows where its polygons lie flat. They become lists when
+  // somebody first asks for one, which a sort does not.
+  Lists& withLists() const {
+    if (shapes != nullptr) makeLists();
+    return lists;
+  }
+  void makeLists() const;
+
   static int idCounter;
 
   std::string id;
   std::string sourceObject;
   Regions* sourceRegions = nullptr;
-  SourcePolygons* sourcePolygons = nullptr;
-  ProjectedPolygons* projectedPolygons = nullptr;
-  Bounds2D* projectedBounds = nullptr;
+  mutable Lists lists;
+  mutable const SortShapes* shapes = nullptr;  // until the lists are made
+  std::size_t face = 0;                        // the object's place there
   int depthIndex = -1;
 };
 
