@@ -147,9 +147,8 @@ Kernel::FaceShapes shapesOf(const Triangles& triangles) {
   Kernel::FaceShapes shapes;
   for (std::size_t i = 0; i < triangles.outlines.size(); ++i) {
     const std::vector<Vec2>& outline = triangles.outlines[i];
-    shapes.addFace(Kernel::boxOf(outline));
-    shapes.addPiece(
-        outline.size(), [&outline](std::size_t k) { return outline[k]; }, Kernel::boxOf(outline));
+    shapes.addFace();
+    shapes.addPiece(outline.size(), [&outline](std::size_t k) { return outline[k]; });
     shapes.addSource(triangles.sources[i]);
   }
   return shapes;

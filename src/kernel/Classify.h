@@ -5,6 +5,7 @@
 #include "kernel/Polygon3.h"
 #include "kernel/Rings.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <vector>
@@ -86,13 +87,14 @@ struct Classification {
   bool sourceMissing = false;       ///< a piece without a source was met, and the scan was left
 };
 
-/// Which pieces of a face lie inside a piece of the other face, and behind it. Begins anew at a
-/// cost only where the last pair has left something.
+/// Which pieces of a face lie inside a piece of the other face, and behind it. Beginning anew costs
+/// something only where the last pair has left something.
 class HiddenPieces {
  public:
+  explicit HiddenPieces(std::size_t largest) : isHidden(largest, 0) {}
+
   void begin(std::size_t pieces) {
     if (hidden != 0) isHidden.assign(isHidden.size(), 0);
-    if (isHidden.size() < pieces) isHidden.resize(pieces, 0);
     count = pieces;
     hidden = 0;
   }
@@ -108,10 +110,19 @@ class HiddenPieces {
   std::size_t hidden = 0;
 };
 
-/// The working sets of a pair, kept from pair to pair so that none of them is made anew. The hidden
-/// pieces mean something once there is a vote.
+/// The working sets of a pair, made once for all pairs. The hidden pieces mean something once there
+/// is a vote.
 struct PairScan {
-  explicit PairScan(const FaceShapes& shapes) : rings(shapes.outlines.largest()) {}
+  explicit PairScan(const FaceShapes& shapes)
+      : ofFirst(mostPieces(shapes)),
+        ofSecond(mostPieces(shapes)),
+        rings(shapes.outlines.largest()) {}
+
+  static std::size_t mostPieces(const FaceShapes& shapes) {
+    std::size_t most = 0;
+    for (const FaceShapes::Face& face : shapes.faces) most = std::max(most, face.pieceCount);
+    return most;
+  }
 
   Votes votes;
   HiddenPieces ofFirst;

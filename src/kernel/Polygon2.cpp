@@ -153,8 +153,9 @@ bool containsPoints(const Ring& outer, const Box& box, const double* x, const do
     const double* const edgeY = outer.y + base;
     const std::uint64_t spanned =
         bitsOf(std::min(WordBits, outer.count - base), [&](std::size_t k) {
-          return (std::min(edgeY[k], edgeY[k + 1]) <= box.yMax) &
-                 (std::max(edgeY[k], edgeY[k + 1]) > box.yMin);
+          const double low = std::min(edgeY[k], edgeY[k + 1]);
+          const double high = std::max(edgeY[k], edgeY[k + 1]);
+          return (low <= box.yMax) & (high > box.yMin);
         });
     anyOf(spanned, [&](std::size_t edge) {
       const Vec2 previous{edgeX[edge], edgeY[edge]};
