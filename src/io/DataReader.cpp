@@ -1,6 +1,5 @@
 #include "io/PathLog.h"
 #include "utils/StageScope.h"
-#include "utils/StageScope.h"
 
 #include <lumivane/cmd/Log.h>
 #include <lumivane/io/DataReader.h>
