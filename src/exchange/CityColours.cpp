@@ -91,10 +91,10 @@ bool isBuildingType(const std::string& objectType) {
 }
 
 bool isTerrainType(const std::string& objectType) {
-  static const char* const Types[] = {"LandUse",   "PlantCover", "Railway",
+  static const char* const types[] = {"LandUse",   "PlantCover", "Railway",
                                       "Road",      "TINRelief",  "TransportSquare",
                                       "WaterBody", "Waterway",   "GenericCityObject"};
-  return std::find(std::begin(Types), std::end(Types), familyOf(objectType)) != std::end(Types);
+  return std::find(std::begin(types), std::end(types), familyOf(objectType)) != std::end(types);
 }
 
 const char* surfaceTypeBySlope(Kernel::Vec3 normal) {

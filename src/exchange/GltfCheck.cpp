@@ -137,6 +137,10 @@ class Checker {
     throw ImportError(where + ": " + cause);
   }
 
+  static std::string memberOf(const std::string& where, const std::string& name) {
+    return std::string(where).append(", ").append(name);
+  }
+
   long long sizeOf(const char* list) const {
     const Json* const node = member(root, list);
     return node == nullptr ? 0 : static_cast<long long>(node->size());
@@ -158,11 +162,11 @@ class Checker {
       throw ImportError("it is no glTF of version 2");
     const Json* const required = member(root, "extensionsRequired");
     if (required == nullptr) return;
-    static const char* const Harmless[] = {"KHR_materials_unlit", "KHR_lights_punctual",
+    static const char* const harmless[] = {"KHR_materials_unlit", "KHR_lights_punctual",
                                            "KHR_texture_transform"};
     for (const Json& name : *required) {
       const std::string text = name.is_string() ? name.get<std::string>() : name.dump();
-      if (std::find(std::begin(Harmless), std::end(Harmless), text) == std::end(Harmless))
+      if (std::find(std::begin(harmless), std::end(harmless), text) == std::end(harmless))
         throw ImportError("it needs the extension " + inQuotes(text) + ", which is not read");
     }
   }
@@ -187,7 +191,7 @@ class Checker {
       if (key == "extras" || key == "extensions") continue;
       for (const Reference& reference : References)
         if (list == reference.owner && key == reference.member)
-          checkIndices(value, reference.target, where + ", " + key);
+          checkIndices(value, reference.target, memberOf(where, key));
       checkReferences(value, list, where);
     }
   }
@@ -315,11 +319,11 @@ class Checker {
   }
 
   static long long componentCount(const Json& accessor, const std::string& where) {
-    static const std::map<std::string, long long> Counts = {{"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3},
+    static const std::map<std::string, long long> counts = {{"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3},
                                                             {"VEC4", 4},   {"MAT2", 4}, {"MAT3", 9},
                                                             {"MAT4", 16}};
-    const auto found = Counts.find(typeOf(accessor));
-    if (found == Counts.end()) fail(where, "its \"type\" is none of glTF's");
+    const auto found = counts.find(typeOf(accessor));
+    if (found == counts.end()) fail(where, "its \"type\" is none of glTF's");
     return found->second;
   }
 
@@ -355,7 +359,7 @@ class Checker {
       if (!targets->is_array()) fail(where, "its targets are no list");
       for (const Json& target : *targets)
         for (const auto& [name, accessor] : target.items())
-          checkIndices(accessor, "accessors", where + ", target " + name);
+          checkIndices(accessor, "accessors", memberOf(where, name));
     }
   }
 
@@ -365,7 +369,7 @@ class Checker {
     long long count = -1;
     for (const auto& [name, index] : attributes.items()) {
       if (index.is_array()) fail(where, name + " is no accessor");
-      checkIndices(index, "accessors", where + ", " + name);
+      checkIndices(index, "accessors", memberOf(where, name));
       const long long own = countIn(at("accessors", index), "count", -1, where);
       if (count >= 0 && own != count) fail(where, "its attributes differ in length");
       count = own;

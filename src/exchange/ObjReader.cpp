@@ -135,12 +135,12 @@ class ObjReader {
   }
 
   static bool isIgnored(std::string_view word) {
-    static const char* const Known[] = {
+    static const char* const known[] = {
         "s",      "vp",         "mg",        "deg",   "bmat", "step", "cstype",
         "parm",   "trim",       "hole",      "scrv",  "sp",   "end",  "con",
         "bevel",  "c_interp",   "d_interp",  "lod",   "call", "csh",  "maplib",
         "usemap", "shadow_obj", "trace_obj", "ctech", "stech"};
-    return std::find(std::begin(Known), std::end(Known), word) != std::end(Known);
+    return std::find(std::begin(known), std::end(known), word) != std::end(known);
   }
 
   void readVertex(const Words& words) {

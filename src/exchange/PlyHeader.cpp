@@ -9,14 +9,14 @@ namespace Lumivane::Exchange::Ply {
 namespace {
 
 Type typeNamed(std::string_view name) {
-  static const std::pair<const char*, Type> Names[] = {
+  static const std::pair<const char*, Type> names[] = {
       {"char", Type::Int8},     {"int8", Type::Int8},     {"uchar", Type::UInt8},
       {"uint8", Type::UInt8},   {"short", Type::Int16},   {"int16", Type::Int16},
       {"ushort", Type::UInt16}, {"uint16", Type::UInt16}, {"int", Type::Int32},
       {"int32", Type::Int32},   {"uint", Type::UInt32},   {"uint32", Type::UInt32},
       {"float", Type::Float},   {"float32", Type::Float}, {"double", Type::Double},
       {"float64", Type::Double}};
-  for (const auto& [known, type] : Names)
+  for (const auto& [known, type] : names)
     if (name == known) return type;
   throw ImportError("header: " + inQuotes(name) + " is no type of a property");
 }

@@ -29,7 +29,7 @@ constexpr double MixedStep = 17.0;
 enum class Role { Other, X, Y, Z, Red, Green, Blue, Corners };
 
 Role roleOf(const Element& element, const Property& property) {
-  static const std::map<std::string, Role> Single = {{"x", Role::X},         {"y", Role::Y},
+  static const std::map<std::string, Role> single = {{"x", Role::X},         {"y", Role::Y},
                                                      {"z", Role::Z},         {"red", Role::Red},
                                                      {"green", Role::Green}, {"blue", Role::Blue}};
   const bool isVertex = element.name == "vertex";
@@ -38,8 +38,8 @@ Role roleOf(const Element& element, const Property& property) {
     const bool isCorners = property.name == "vertex_indices" || property.name == "vertex_index";
     return !isVertex && isCorners ? Role::Corners : Role::Other;
   }
-  const auto found = Single.find(property.name);
-  if (found == Single.end() || (!isVertex && found->second <= Role::Z)) return Role::Other;
+  const auto found = single.find(property.name);
+  if (found == single.end() || (!isVertex && found->second <= Role::Z)) return Role::Other;
   return found->second;
 }
 

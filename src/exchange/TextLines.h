@@ -11,11 +11,11 @@ namespace Lumivane::Exchange {
 /// The words of one line, separated by blanks.
 inline std::vector<std::string_view> wordsOf(std::string_view line) {
   std::vector<std::string_view> words;
-  constexpr const char* Blanks = " \t\r\v\f";
-  for (size_t start = line.find_first_not_of(Blanks); start != std::string_view::npos;) {
-    const size_t end = line.find_first_of(Blanks, start);
+  constexpr const char* blanks = " \t\r\v\f";
+  for (size_t start = line.find_first_not_of(blanks); start != std::string_view::npos;) {
+    const size_t end = line.find_first_of(blanks, start);
     words.push_back(line.substr(start, end - start));
-    start = line.find_first_not_of(Blanks, end);
+    start = line.find_first_not_of(blanks, end);
   }
   return words;
 }

@@ -66,7 +66,7 @@ TEST_P(ImporterDamage, AnyChangedByteEndsInOneLineOrAScene) {
 }
 
 TEST_P(ImporterDamage, AnyChangedNumberEndsInOneLineOrAScene) {
-  static const char* const Values[] = {"-1",         "0",          "7",
+  static const char* const values[] = {"-1",         "0",          "7",
                                        "999999",     "4294967295", "1e999",
                                        "nan",        "-inf",       "99999999999999999999",
                                        "0.5",        "null",       "\"\"",
@@ -79,7 +79,7 @@ TEST_P(ImporterDamage, AnyChangedNumberEndsInOneLineOrAScene) {
     size_t to = bytes.find_first_not_of("0123456789.-", from);
     if (to == std::string::npos) to = bytes.size();
     const std::string changed =
-        bytes.substr(0, from) + Values[random() % std::size(Values)] + bytes.substr(to);
+        bytes.substr(0, from) + values[random() % std::size(values)] + bytes.substr(to);
     ASSERT_NO_FATAL_FAILURE(importOrFail(folder, ending, changed)) << "case " << i;
   }
 }
@@ -103,7 +103,7 @@ TEST_P(ImporterDamage, JunkEndsInOneLine) {
   for (int i = 0; i < 60; ++i) {
     std::string junk(random() % 600, '\0');
     for (char& c : junk) c = static_cast<char>(random() % 256);
-    if (i % 3 == 0) junk = bytes.substr(0, random() % 100) + junk;
+    if (i % 3 == 0) junk.insert(0, bytes, 0, random() % 100);
     ASSERT_NO_FATAL_FAILURE(importOrFail(folder, ending, junk)) << "case " << i;
   }
 }
