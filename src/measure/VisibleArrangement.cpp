@@ -2,13 +2,22 @@
 
 #include "measure/Tile.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Lumivane::Measure {
 namespace {
 
-// A tile with no more fragments than this is swept.
-constexpr size_t FewFragments = 12;
+// A tile with no more fragments than this is swept. In small tiles edges lie nearly along each
+// other, or meet in one point: further parting would only cut them into more pieces, while a sweep
+// has few slabs. So the deeper, the more.
+size_t fewFragments(int depth) {
+  constexpr int Coarse = 12;
+  constexpr int Finest = 40;
+  double few = 30.0;
+  for (int i = Coarse; i < std::min(depth, Finest); ++i) few *= 1.4;
+  return static_cast<size_t>(few);
+}
 
 // Tiles are not parted below this side: the area of one is less than rounding adds up to.
 constexpr double LeastSide = 1e-9;
@@ -24,23 +33,24 @@ class Arrangement {
   Arrangement(const std::vector<SweepEdge>& theEdges, const ContourRule& rule, Totals& totals)
       : edges(theEdges), sweeper(theEdges, rule, totals) {}
 
-  // `vain` counts the partings on the way here that left (nearly) all fragments together.
-  void visit(Tile tile, int vain) {
+  // The tile comes of so many partings. `vain` counts those, of the last ones, that left (nearly)
+  // all fragments together.
+  void visit(Tile tile, int depth, int vain) {
     tile.dropHidden(edges);
     const size_t count = tile.fragments.size();
     const bool least = tile.width() < LeastSide && tile.height() < LeastSide;
     const bool given = vain >= (count > ManyFragments ? ManyVainPartings : SomeVainPartings);
-    if (count <= FewFragments || least || given) {
+    if (count <= fewFragments(depth) || least || given) {
       const double reached = sweeper.sweep(tile, !least);
       if (reached >= tile.top) return;
       if (reached > tile.bottom) tile = tile.partedAtHeight(reached).second;
       vain = 0;
     }
-    part(std::move(tile), vain);
+    part(std::move(tile), depth, vain);
   }
 
  private:
-  void part(Tile tile, int vain) {
+  void part(Tile tile, int depth, int vain) {
     const size_t count = tile.fragments.size();
     auto [first, second] = tile.width() >= tile.height()
                                ? tile.partedAcross(edges)
@@ -51,8 +61,8 @@ class Arrangement {
     };
     const int vainFirst = vainNow(first);
     const int vainSecond = vainNow(second);
-    visit(std::move(first), vainFirst);
-    visit(std::move(second), vainSecond);
+    visit(std::move(first), depth + 1, vainFirst);
+    visit(std::move(second), depth + 1, vainSecond);
   }
 
   const std::vector<SweepEdge>& edges;
@@ -72,7 +82,7 @@ Tile wholeTile(const std::vector<SweepEdge>& edges) {
 Totals visibleTotals(const std::vector<SweepEdge>& edges, size_t regions, const ContourRule& rule) {
   Totals totals{std::vector<double>(regions + 1, 0.0), std::vector<Content>(regions + 1)};
   const Tile tile = wholeTile(edges);
-  Arrangement(edges, rule, totals).visit(tile, 0);
+  Arrangement(edges, rule, totals).visit(tile, 0, 0);
   totals.areas[0] -= tile.width() * tile.height() - rule.wholeArea();
   totals.contents[0] += rule.whole();
   return totals;
