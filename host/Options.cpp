@@ -19,8 +19,8 @@ namespace {
 
 constexpr int LargestPicture = 16384;  // what OpenGL draws at most
 const std::vector<std::string> ViewOptionNames = {
-    "--eye", "--forward", "--up",       "--camera",     "--property", "--scale",
-    "--d1",  "--d2",      "--segments", "--max-length", "--style"};
+    "--eye", "--forward", "--up",       "--camera",     "--property",       "--scale",
+    "--d1",  "--d2",      "--segments", "--max-length", "--merge-distance", "--style"};
 
 // The whole text as a number, which may be infinite or not a number.
 bool readNumber(const std::string& text, double& number) {
@@ -93,6 +93,8 @@ void addViewOptions(CLI::App& command, ViewSettings& view) {
       ->capture_default_str();
   addNumber(command, "--max-length", view.maxLength,
             "greatest length of a piece in the picture; 0 for no limit");
+  addNumber(command, "--merge-distance", view.mergeDistance,
+            "points of the picture closer than this become one; 0 for the usual 0.001");
   addChoice<Base::ViewDisplayStyle>(command, "--style", view.style, "how the shot is drawn",
                                     {{"filled", Base::ViewDisplayStyle::Filled},
                                      {"outline", Base::ViewDisplayStyle::Outline},

@@ -1,13 +1,16 @@
 #include "measure/TileSweep.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Lumivane::Measure {
 namespace {
 
-// More crossings in a slab than this, and its tile is better parted: a slab by slab sweep of n
-// edges that all cross takes n^3 steps.
-size_t manyCrossings(size_t actives) { return 8 * actives + 64; }
+// Steps after which the rest of a tile is better parted. Edges that do not cross have two slabs
+// each; a sweep of n edges that all cross would take n^3 steps, where parting takes n^2.
+size_t mostSteps(const Tile& tile) {
+  return 4 * tile.fragments.size() * tile.fragments.size() + 2000;
+}
 
 void sortUnique(std::vector<double>& values) {
   std::sort(values.begin(), values.end());
@@ -28,16 +31,18 @@ TileSweep::TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& 
       bulges(theEdges.size()),
       bulgeIsKnown(theEdges.size(), 0) {}
 
-double TileSweep::sweep(const Tile& tile, bool mayStop) {
+double TileSweep::sweep(const Tile& tile) {
   enter(tile);
   double reached = tile.bottom;
+  size_t steps = 0;
   for (size_t i = 0; i + 1 < heights.size(); ++i) {
     const double y0 = heights[i];
     const double y1 = heights[i + 1];
     gather(tile, y0, y1);
     crossings.clear();
-    if (!inOrder()) findCrossings(y0, y1);
-    if (mayStop && crossings.size() > manyCrossings(actives.size())) break;
+    if (!inOrder()) findCrossings(y0, y1, mostSteps(tile));
+    steps += (crossings.size() + 1) * actives.size();
+    if (steps > mostSteps(tile)) break;
 
     double from = y0;
     for (const double y : crossings) {
@@ -51,6 +56,15 @@ double TileSweep::sweep(const Tile& tile, bool mayStop) {
   }
   for (size_t i = 0; i < seams.size(); ++i) close(i);
   return reached;
+}
+
+void TileSweep::sweepAsOneSlab(const Tile& tile) {
+  enter(tile);
+  const double middle = 0.5 * (tile.bottom + tile.top);
+  gather(tile, middle, middle);
+  placeActives(tile, tile.bottom, tile.top);
+  sweepSlab(tile, tile.bottom, tile.top);
+  for (size_t i = 0; i < seams.size(); ++i) close(i);
 }
 
 void TileSweep::enter(const Tile& tile) {
@@ -109,23 +123,31 @@ bool TileSweep::inOrder() const {
   return true;
 }
 
-void TileSweep::findCrossings(double y0, double y1) {
-  for (size_t i = 0; i < actives.size(); ++i) {
-    for (size_t j = i + 1; j < actives.size(); ++j) {
-      const double below = actives[j].x0 - actives[i].x0;
-      const double above = actives[j].x1 - actives[i].x1;
-      if (below >= 0.0 && above >= 0.0) continue;
-      const double y = y0 + (y1 - y0) * (below / (below - above));
-      if (y > y0 && y < y1) crossings.push_back(y);
+// Edges in the order of the middle height are brought into that of the slab's bottom, and of its
+// top, by swaps of neighbours: each swaps two that cross. So the work grows with the crossings.
+void TileSweep::findCrossings(double y0, double y1, size_t most) {
+  const auto cross = [this, y0, y1](const Active& left, const Active& right) {
+    const double below = right.x0 - left.x0;
+    const double above = right.x1 - left.x1;
+    const double y = y0 + (y1 - y0) * (below / (below - above));
+    if (y > y0 && y < y1) crossings.push_back(y);
+  };
+  for (double Active::*const end : {&Active::x0, &Active::x1}) {
+    swapped = actives;
+    for (size_t i = 1; i < swapped.size() && crossings.size() <= most; ++i) {
+      for (size_t k = i; k > 0 && swapped[k].*end < swapped[k - 1].*end; --k) {
+        cross(swapped[k - 1], swapped[k]);
+        std::swap(swapped[k - 1], swapped[k]);
+      }
     }
   }
   sortUnique(crossings);
 }
 
-void TileSweep::setCovers(const Tile& tile, double y0, double y1) {
+void TileSweep::setCovers(const Tile& tile, double y) {
   for (Local& local : locals) local.winding = 0;
   for (const Cover& c : tile.covers)
-    if (c.low <= y0 && c.high >= y1) locals[localOf(c.region)].winding += c.winding;
+    if (c.low <= y && c.high > y) locals[localOf(c.region)].winding += c.winding;
   topLocal = static_cast<int>(locals.size()) - 1;
   while (topLocal >= 0 && locals[static_cast<size_t>(topLocal)].winding == 0) --topLocal;
 }
@@ -137,7 +159,7 @@ void TileSweep::change(size_t local, int winding) {
 }
 
 void TileSweep::sweepSlab(const Tile& tile, double y0, double y1) {
-  setCovers(tile, y0, y1);
+  setCovers(tile, 0.5 * (y0 + y1));
   double from = 2.0 * tile.left;  // twice the mean x at which the stretch begins
   for (const Active& active : actives) {
     const RegionNumber left = topmost();

@@ -25,7 +25,10 @@ class TileSweep {
 
   /// Sweeps the tile from its bottom. Returns the height reached: the top, or the height from which
   /// on so many edges cross that it is better parted.
-  double sweep(const Tile& tile, bool mayStop);
+  double sweep(const Tile& tile);
+
+  /// Sweeps a tile too small to matter, as if its edges kept their order of the middle height.
+  void sweepAsOneSlab(const Tile& tile);
 
  private:
   struct Local {
@@ -50,9 +53,9 @@ class TileSweep {
   void gather(const Tile& tile, double y0, double y1);
   void placeActives(const Tile& tile, double y0, double y1);
   bool inOrder() const;
-  void findCrossings(double y0, double y1);
+  void findCrossings(double y0, double y1, size_t most);
   void sweepSlab(const Tile& tile, double y0, double y1);
-  void setCovers(const Tile& tile, double y0, double y1);
+  void setCovers(const Tile& tile, double y);
   void change(size_t local, int winding);
   RegionNumber topmost() const {
     return topLocal < 0 ? base : locals[static_cast<size_t>(topLocal)].region;
@@ -77,7 +80,8 @@ class TileSweep {
   std::vector<Seam> seams;             // by fragment
   std::vector<double> heights;
   std::vector<double> crossings;
-  std::vector<Active> actives;
+  std::vector<Active> actives;  // from left to right at the middle of the slab
+  std::vector<Active> swapped;
 };
 
 }  // namespace Lumivane::Measure

@@ -13,35 +13,34 @@ namespace {
 // has few slabs. So the deeper, the more.
 size_t fewFragments(int depth) {
   constexpr int Coarse = 12;
-  constexpr int Finest = 40;
+  constexpr int Finest = 18;
   double few = 30.0;
   for (int i = Coarse; i < std::min(depth, Finest); ++i) few *= 1.4;
   return static_cast<size_t>(few);
 }
 
-// Tiles are not parted below this side: the area of one is less than rounding adds up to.
+// Tiles are not parted below this side: the area of one is less than rounding adds up to. This is
+// where edges end up that all meet in one point.
 constexpr double LeastSide = 1e-9;
 
-// Edges that all meet in a point, or lie on each other, stay together in however small a tile.
-// After so many partings without gain it is swept as it is; earlier if that takes little.
-constexpr int ManyVainPartings = 20;
-constexpr int SomeVainPartings = 6;
-constexpr size_t ManyFragments = 512;
+// Edges that lie on each other stay together in however small a tile: a parting leaves (nearly) all
+// of them in both parts. After so many of those a tile is swept as it is.
+constexpr int MostVainPartings = 2;
 
 class Arrangement {
  public:
   Arrangement(const std::vector<SweepEdge>& theEdges, const ContourRule& rule, Totals& totals)
       : edges(theEdges), sweeper(theEdges, rule, totals) {}
 
-  // The tile comes of so many partings. `vain` counts those, of the last ones, that left (nearly)
-  // all fragments together.
+  // The tile comes of so many partings. `vain` counts those that left (nearly) all fragments in
+  // both parts, since one took some away.
   void visit(Tile tile, int depth, int vain) {
     tile.dropHidden(edges);
     const size_t count = tile.fragments.size();
     const bool least = tile.width() < LeastSide && tile.height() < LeastSide;
-    const bool given = vain >= (count > ManyFragments ? ManyVainPartings : SomeVainPartings);
-    if (count <= fewFragments(depth) || least || given) {
-      const double reached = sweeper.sweep(tile, !least);
+    if (least) return sweeper.sweepAsOneSlab(tile);
+    if (count <= fewFragments(depth) || vain >= MostVainPartings) {
+      const double reached = sweeper.sweep(tile);
       if (reached >= tile.top) return;
       if (reached > tile.bottom) tile = tile.partedAtHeight(reached).second;
       vain = 0;
@@ -56,11 +55,12 @@ class Arrangement {
                                ? tile.partedAcross(edges)
                                : tile.partedAtHeight(0.5 * (tile.bottom + tile.top));
     tile = Tile();
-    const auto vainNow = [count, vain](const Tile& part) {
-      return 10 * part.fragments.size() > 9 * count ? vain + 1 : 0;
+    const auto keepsAll = [count](const Tile& part) {
+      return 10 * part.fragments.size() > 9 * count;
     };
-    const int vainFirst = vainNow(first);
-    const int vainSecond = vainNow(second);
+    const int more = keepsAll(first) && keepsAll(second) ? vain + 1 : vain;
+    const int vainFirst = keepsAll(first) ? more : 0;
+    const int vainSecond = keepsAll(second) ? more : 0;
     visit(std::move(first), depth + 1, vainFirst);
     visit(std::move(second), depth + 1, vainSecond);
   }

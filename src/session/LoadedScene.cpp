@@ -4,6 +4,7 @@
 #include "session/TakenShotState.h"
 
 #include <lumivane/cmd/CmdManager.h>
+#include <lumivane/geometry/Point2d.h>
 #include <lumivane/session/Faults.h>
 
 #include <mutex>
@@ -15,24 +16,29 @@ namespace {
 
 constexpr const char* NoShot = "no shot can be made: ";
 
-// Sets what the library reads from its command driver, and puts it back at the end.
+// Sets what the library reads from its statics, and puts it back at the end.
 class Splitting {
  public:
   explicit Splitting(const ViewSettings& view)
-      : segments(Cmd::CmdManager::minSegmentsNumber), length(Cmd::CmdManager::maxSegmentsLength) {
+      : segments(Cmd::CmdManager::minSegmentsNumber),
+        length(Cmd::CmdManager::maxSegmentsLength),
+        precision(Geometry::Point2d::Precision) {
     Cmd::CmdManager::minSegmentsNumber = view.segments;
     Cmd::CmdManager::maxSegmentsLength = view.maxLength;
+    if (view.mergeDistance > 0.0) Geometry::Point2d::Precision = view.mergeDistance;
   }
   Splitting(const Splitting&) = delete;
   Splitting& operator=(const Splitting&) = delete;
   ~Splitting() {
     Cmd::CmdManager::minSegmentsNumber = segments;
     Cmd::CmdManager::maxSegmentsLength = length;
+    Geometry::Point2d::Precision = precision;
   }
 
  private:
   int segments;
   double length;
+  double precision;
 };
 
 Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& setup,

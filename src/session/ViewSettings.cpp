@@ -56,8 +56,10 @@ std::string orientationFault(const ViewSettings& settings) {
 }
 
 std::string limitsFault(const ViewSettings& settings) {
-  const std::pair<const char*, double> limits[] = {
-      {"d1", settings.d1}, {"d2", settings.d2}, {"the maximum length", settings.maxLength}};
+  const std::pair<const char*, double> limits[] = {{"d1", settings.d1},
+                                                   {"d2", settings.d2},
+                                                   {"the maximum length", settings.maxLength},
+                                                   {"the merge distance", settings.mergeDistance}};
   for (const auto& [name, value] : limits)
     if (!std::isfinite(value) || value < 0.0)
       return std::string(name) + " is " + text(value) + ", not a finite number of at least 0";

@@ -3,6 +3,7 @@
 #include "plain/Geometry.h"
 
 #include <lumivane/cmd/CmdManager.h>
+#include <lumivane/geometry/Point2d.h>
 
 #include <cmath>
 
@@ -108,7 +109,7 @@ std::vector<ClosedFormScene> closedFormScenes() {
                  {std::sin(tilt), 0, std::cos(tilt)}),
           single("disc_shift", disc(1, 1.5, 1), shiftedDiscFactor(1, 1, 1.5)),
           single("strip", {{-500, 1, 0.5}, {500, 1, 0.5}, {500, 3, 2.5}, {-500, 3, 2.5}},
-                 0.5 * (sineOff(3, 2.5) - sineOff(1, 0.5))),
+                 0.5 * (sineOff(1, 0.5) - sineOff(3, 2.5))),
           single("triangle", triangle, lambertSum(triangle, Ahead)),
           shadow(),
           cube()};
@@ -140,5 +141,11 @@ PieceLength::PieceLength(double length) : before(Cmd::CmdManager::maxSegmentsLen
 }
 
 PieceLength::~PieceLength() { Cmd::CmdManager::maxSegmentsLength = before; }
+
+MergeDistance::MergeDistance(double distance) : before(Geometry::Point2d::Precision) {
+  Geometry::Point2d::Precision = distance;
+}
+
+MergeDistance::~MergeDistance() { Geometry::Point2d::Precision = before; }
 
 }  // namespace Lumivane::Test

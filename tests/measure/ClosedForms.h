@@ -46,4 +46,16 @@ class PieceLength {
   double before;
 };
 
+/// Sets the distance of points that become one, up to the object's end.
+class MergeDistance {
+ public:
+  explicit MergeDistance(double distance);
+  MergeDistance(const MergeDistance&) = delete;
+  MergeDistance& operator=(const MergeDistance&) = delete;
+  ~MergeDistance();
+
+ private:
+  double before;
+};
+
 }  // namespace Lumivane::Test

@@ -1,14 +1,6 @@
-#include "measure/ClosedForms.h"
-#include "support/Capture.h"
-#include "support/ShotScene.h"
+#include "measure/HandShot.h"
 
-#include <lumivane/cmd/CmdManager.h>
-#include <lumivane/geometry/Point2d.h>
-#include <lumivane/measure/VisibleShares.h>
-
-#include <cmath>
 #include <limits>
-#include <memory>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -17,48 +9,11 @@ namespace Lumivane::Measure {
 namespace {
 
 using Algorithm::ProjectionType;
-using Outline = std::vector<std::pair<double, double>>;
-
+using Test::box;
+using Test::HandShot;
+using Test::Outline;
 constexpr double Pi = 3.141592653589793;
 constexpr double Tolerance = 1e-12;
-
-// A shot made by hand: one object, each region a face of its own.
-class HandShot {
- public:
-  HandShot() {
-    shot.setPoints(new Geometry::Points2d());
-    shot.setRegions(new Geometry::Regions2dInDrawingOrder());
-    shot.setObjects(new Shot::Objects2d());
-    addObject("first");
-  }
-
-  void addObject(const std::string& id) {
-    auto* object = new Shot::Object2d();
-    object->setId(id);
-    shot.getObjects()->addObject(object);
-  }
-
-  void add(const Outline& outline, int object = 1) {
-    auto* region = new Geometry::Region2d();
-    for (const auto& [x, y] : outline) {
-      shot.getPoints()->addPoint(new Geometry::Point2d(x, y));
-      region->addPoint(static_cast<int>(shot.getPoints()->getPoints()->size()));
-    }
-    shot.getRegions()->addRegion(region);
-    region->setObjectNumber(object);
-    region->setFaceNumber(static_cast<int>(shot.getRegions()->getRegions()->size()));
-    region->setSourceRegionNumber(1);
-  }
-
-  VisibleShares round() const { return {shot, ProjectionType::Radial}; }
-  VisibleShares square() const { return {shot, ProjectionType::Square}; }
-
-  Shot::Shot2d shot;
-};
-
-Outline box(double x0, double y0, double x1, double y1) {
-  return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
-}
 
 double area(const VisibleShares& shares, size_t region) {
   return shares.regions().at(region - 1).share.area;

@@ -170,6 +170,21 @@ TEST(LoadedScene, SplittingIsSetForATakeAndRestored) {
   CmdManager::maxSegmentsLength = 0.0;
 }
 
+TEST(LoadedScene, MergeDistanceIsSetForATakeAndRestored) {
+  const double usual = Geometry::Point2d::Precision;
+  ViewSettings view;
+  LoadedScene scene = squareScene();
+  const size_t merged = scene.take(view).shot().getPoints()->getPoints()->size();
+  view.mergeDistance = 0.3;
+  double during = 0.0;
+  const TakenShot coarse = scene.take(view, [&during](double percent) {
+    if (percent == 0.0) during = Geometry::Point2d::Precision;
+  });
+  EXPECT_EQ(0.3, during);
+  EXPECT_EQ(usual, Geometry::Point2d::Precision);
+  EXPECT_GT(merged, coarse.shot().getPoints()->getPoints()->size());
+}
+
 TEST(LoadedScene, SplittingChangesTheShot) {
   LoadedScene scene = squareScene();
   ViewSettings view;

@@ -53,6 +53,9 @@ TEST(ViewSettings, LimitsAreFiniteAndNotNegative) {
   settings.maxLength = std::nan("");
   EXPECT_EQ("the maximum length is nan, not a finite number of at least 0", settings.fault());
   settings.maxLength = 0.0;
+  settings.mergeDistance = -1e-7;
+  EXPECT_EQ("the merge distance is -1e-07, not a finite number of at least 0", settings.fault());
+  settings.mergeDistance = 0.0;
   settings.segments = 0;
   EXPECT_EQ("the least number of segments is 0, not above 0", settings.fault());
 }

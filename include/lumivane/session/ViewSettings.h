@@ -31,6 +31,10 @@ struct LUMIVANE_EXPORT ViewSettings {
   int segments = 6;         ///< least number of pieces of an edge, at least 1
   double maxLength = 0.02;  ///< greatest length of a piece in the picture; 0 for no limit
 
+  /// Points of the picture closer than this on both axes become one; 0 for what
+  /// `Geometry::Point2d::Precision` says. Smaller makes larger shots and truer visible shares.
+  double mergeDistance = 0.0;
+
   Base::ViewDisplayStyle style = Base::ViewDisplayStyle::Filled;  ///< for drawing only
 
   /// Why no shot can be taken with these; empty if one can. Directions must not be zero nor

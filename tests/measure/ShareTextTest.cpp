@@ -1,0 +1,64 @@
+#include "measure/HandShot.h"
+
+#include <lumivane/measure/ShareText.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace Lumivane::Measure {
+namespace {
+
+using Test::box;
+using Test::HandShot;
+
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> result;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) result.push_back(line);
+  return result;
+}
+
+TEST(ShareText, CsvHasARowForEachObjectFaceRegionAndTheSky) {
+  HandShot hand;
+  hand.addObject("a \"b\", c");
+  hand.add(box(0, 0, 1, 0.5), 2);
+  const std::vector<std::string> rows = lines(ShareText::csv(hand.square()));
+  ASSERT_EQ(6U, rows.size());
+  EXPECT_EQ(
+      "kind,object,id,face,region,source_region,area,view_factor,solid_angle,hemisphere_share",
+      rows[0]);
+  EXPECT_EQ("object,1,first,,,,0,0,0,0", rows[1]);
+  EXPECT_EQ(0U, rows[2].find("object,2,\"a \"\"b\"\", c\",,,,0.5")) << rows[2];
+  EXPECT_EQ(0U, rows[3].find("face,2,\"a \"\"b\"\", c\",1,,,0.5")) << rows[3];
+  EXPECT_EQ(0U, rows[4].find("region,2,\"a \"\"b\"\", c\",1,1,1,0.5")) << rows[4];
+  EXPECT_EQ(0U, rows[5].find("sky,,,,,,3.5")) << rows[5];
+}
+
+TEST(ShareText, JsonHoldsTheSameNumbers) {
+  HandShot hand;
+  hand.addObject("quote \" and \n end");
+  hand.add(box(0, 0, 0.5, 0.25), 2);
+  const VisibleShares shares = hand.round();
+  const auto json = nlohmann::json::parse(ShareText::json(shares));
+  EXPECT_EQ("radial", json.at("projection"));
+  EXPECT_EQ("quote \" and \n end", json.at("objects").at(1).at("id"));
+  EXPECT_EQ(shares.regions()[0].share.area, json.at("regions").at(0).at("area"));
+  EXPECT_EQ(shares.regions()[0].share.solidAngle, json.at("faces").at(0).at("solidAngle"));
+  EXPECT_EQ(shares.open().viewFactor, json.at("sky").at("viewFactor"));
+  EXPECT_EQ(1.0, json.at("whole").at("hemisphereShare"));
+  EXPECT_EQ("square", nlohmann::json::parse(ShareText::json(hand.square())).at("projection"));
+}
+
+TEST(ShareText, AnEmptyShotIsAllSky) {
+  const Shot::Shot2d shot;
+  const VisibleShares shares(shot, Algorithm::ProjectionType::Square);
+  EXPECT_EQ(2U, lines(ShareText::csv(shares)).size());
+  EXPECT_TRUE(nlohmann::json::parse(ShareText::json(shares)).at("regions").empty());
+}
+
+}  // namespace
+}  // namespace Lumivane::Measure
