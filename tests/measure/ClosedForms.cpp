@@ -22,10 +22,14 @@ PolygonPoints square(double side, double z) {
   return rectangle(-side / 2, side / 2, -side / 2, side / 2, z);
 }
 
+double toFourDecimals(double value) { return std::round(value * 1e4) / 1e4; }
+
+// Its points as a scene file would have them.
 PolygonPoints disc(double radius, double x, double z) {
   PolygonPoints result;
   for (int i = 0; i < 720; ++i)
-    result.push_back({x + radius * std::cos(i * Pi / 360), radius * std::sin(i * Pi / 360), z});
+    result.push_back({toFourDecimals(x + radius * std::cos(i * Pi / 360)),
+                      toFourDecimals(radius * std::sin(i * Pi / 360)), z});
   return result;
 }
 

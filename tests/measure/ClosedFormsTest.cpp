@@ -51,6 +51,17 @@ TEST(ClosedForms, FormulasGiveTheNumbersThatAreKnown) {
   for (const auto& [name, factor] : known) EXPECT_NEAR(factor, found[name], 1e-12) << name;
 }
 
+TEST(ClosedForms, PolygonsInPlaceOfDiscsAndTheEndlessStripHaveTheSumsThatAreKnown) {
+  const std::map<std::string, double> known = {{"disc_axis", 0.280896535646},
+                                               {"disc_tilt", 0.215179230223},
+                                               {"disc_shift", 0.126291898421},
+                                               {"strip", 0.063102953155}};
+  std::map<std::string, double> found;
+  for (const ClosedFormScene& form : closedFormScenes())
+    for (const ClosedForm& expected : form.expected) found[expected.name] = expected.ofPolygons;
+  for (const auto& [name, factor] : known) EXPECT_NEAR(factor, found[name], 1e-12) << name;
+}
+
 TEST(ClosedForms, AtTheUsualPieceLengthViewFactorsAgreeWithinOneInAThousand) {
   for (const ClosedFormScene& form : closedFormScenes())
     for (const auto& [name, error] : errors(form, 0.02)) EXPECT_LT(error, 1e-3) << name;
@@ -75,7 +86,7 @@ TEST(ClosedForms, WithPointsKeptApartTheDiscsAreThoseOfTheirPolygons) {
   for (const ClosedFormScene& form : closedFormScenes()) {
     if (form.name.find("disc") != 0) continue;
     for (const auto& [name, error] : errors(form, 0.08, true)) EXPECT_LT(error, 1e-7) << name;
-    for (const auto& [name, error] : errors(form, 0.08)) EXPECT_LT(error, 2e-5) << name;
+    for (const auto& [name, error] : errors(form, 0.08)) EXPECT_LT(error, 3e-5) << name;
   }
 }
 
