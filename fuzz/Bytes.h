@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <limits>
 #include <string>
 
 #include <fcntl.h>
@@ -28,10 +30,21 @@ class Bytes {
   }
 
   /// A coordinate: mostly a multiple of 1/16 from a small range, so that points and lines often
-  /// coincide; sometimes any double at all.
+  /// coincide; sometimes an end of the doubles' range, or any double at all.
   double coordinate() {
+    using Limits = std::numeric_limits<double>;
+    constexpr double Ends[] = {Limits::infinity(),
+                               -Limits::infinity(),
+                               Limits::quiet_NaN(),
+                               Limits::max(),
+                               -Limits::max(),
+                               Limits::min(),
+                               -0.0,
+                               Limits::denorm_min(),
+                               Limits::epsilon()};
     const auto kind = take<std::uint8_t>();
     if (kind == 255) return take<double>();
+    if (kind == 254) return Ends[take<std::uint8_t>() % std::size(Ends)];
     return (kind - 127) / 16.0;
   }
 

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Builds the fuzzers and runs each, from its corpus and from the tests' data.
+# Builds the fuzzers and runs each from its kept corpus and from the tests' data.
 # Usage: scripts/fuzz.sh [SECONDS [FUZZER...]]      (20 seconds each by default)
-# New inputs are kept in build/fuzz/corpus; a failing one is named and kept in build/fuzz/found.
+# Two run at a time. New inputs are kept in build/fuzz/corpus; a failing one is named and kept in
+# build/fuzz/found. The last lines tell of each what was executed and covered; the exit status is 1
+# if anything was found.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-20}
@@ -13,37 +15,68 @@ scripts/install_packages.sh clang libclang-rt-14-dev llvm-14
 cmake --preset fuzz
 cmake --build --preset fuzz --target "${fuzzers[@]/#/fuzz_}"
 
-build=$PWD/build/fuzz
-golden=$PWD/tests/data/golden
-seeds() {  # seeds FUZZER FOLDER: what the tests' data holds of its kind
+root=$PWD
+build=$root/build/fuzz
+data=$root/tests/data
+export LSAN_OPTIONS=suppressions=$root/tests/support/lsan.supp:print_suppressions=0
+# Freed memory is kept for a while to tell its use; less of it leaves more of the limit to the input.
+export ASAN_OPTIONS=quarantine_size_mb=64
+
+# seeds FUZZER FOLDER: what the tests' data holds of its kind; large files would slow all down.
+seeds() {
+  local pattern
   case $1 in
-    json) cp "$golden"/*.json "$2" ;;
-    scene) cp "$golden"/*.scene.json scenes/small.json "$2" ;;
-    shot) cp "$golden"/*.shot.json "$2" ;;
-    json5) cp "$golden"/a*.scene.json "$2" ;;
+    json) pattern='*.json' ;;
+    scene | json5) pattern='*.scene.json' ;;
+    shot) pattern='*.shot.json' ;;
+    *) return 0 ;;
   esac
+  find "$data/golden" -name "$pattern" -size -6k -exec cp {} "$2" \;
 }
 
-status=0
-for fuzzer in "${fuzzers[@]}"; do
-  corpus=$build/corpus/$fuzzer
-  mkdir -p "$corpus" "$build/seeds/$fuzzer" "$build/found" "$build/work"
-  seeds "$fuzzer" "$build/seeds/$fuzzer"
-  kept=()
-  [ ! -d "fuzz/corpus/$fuzzer" ] || kept=("$PWD/fuzz/corpus/$fuzzer")
-  dictionary=()
-  for name in "$fuzzer" model; do
-    case $fuzzer-$name in *-model) [[ $fuzzer == s* ]] || continue ;; esac
-    [ ! -e "fuzz/dictionaries/$name.dict" ] || dictionary=(-dict="$PWD/fuzz/dictionaries/$name.dict")
-  done
-  echo "=== $fuzzer, $seconds s"
+dictionary() {  # the words of a fuzzer's language, as an option
+  local name=$1
+  case $name in scene | shot) name=model ;; esac
+  [ ! -e "fuzz/dictionaries/$name.dict" ] || echo "-dict=$root/fuzz/dictionaries/$name.dict"
+}
+
+run() {
+  local fuzzer=$1
+  local corpus=$build/corpus/$fuzzer seeds=$build/seeds/$fuzzer work=$build/work/$fuzzer
+  mkdir -p "$corpus" "$seeds" "$work" "$build/found"
+  seeds "$fuzzer" "$seeds"
+  local options=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=65536
+    -print_final_stats=1 -artifact_prefix="$build/found/$fuzzer-")
+  mapfile -t -O "${#options[@]}" options < <(dictionary "$fuzzer")
+  local folders=("$corpus" "$seeds")
+  [ ! -d "fuzz/corpus/$fuzzer" ] || folders+=("$root/fuzz/corpus/$fuzzer")
   # A fuzzer writes the library's reports into its folder.
-  (cd "$build/work" && "$build/fuzz/fuzz_$fuzzer" -max_total_time="$seconds" -timeout=10 \
-    -rss_limit_mb=2048 -max_len=65536 -print_final_stats=1 "${dictionary[@]}" \
-    -artifact_prefix="$build/found/$fuzzer-" "$corpus" "$build/seeds/$fuzzer" "${kept[@]}" \
-    >"$build/$fuzzer.log" 2>&1) || status=1
-  grep -E 'stat::number_of_executed_units|SUMMARY|ERROR|Test unit written' "$build/$fuzzer.log" || true
-  grep -E ' cov: ' "$build/$fuzzer.log" | tail -n 1 || true
+  cd "$work"
+  "$build/fuzz/fuzz_$fuzzer" "${options[@]}" "${folders[@]}" >"$build/$fuzzer.log" 2>&1 ||
+    touch "$build/$fuzzer.failed"
+}
+
+tell() {
+  local log=$build/$1.log
+  local executed rate cover
+  executed=$(awk '/stat::number_of_executed_units/ { print $2 }' "$log")
+  rate=$(awk '/stat::average_exec_per_sec/ { print $2 }' "$log")
+  cover=$(grep -Eo 'cov: [0-9]+ ft: [0-9]+' "$log" | tail -n 1)
+  printf '%-10s %10s executions %7s/s  %s\n' "$1" "${executed:-0}" "${rate:-0}" "${cover:-nothing covered}"
+  [ ! -e "$build/$1.failed" ] || grep -E 'SUMMARY|Test unit written' "$log" || echo "failed: $log"
+}
+
+rm -f "$build"/*.failed
+for fuzzer in "${fuzzers[@]}"; do
+  while [ "$(jobs -rp | wc -l)" -ge 2 ]; do wait -n; done
+  run "$fuzzer" &
 done
-[ "$status" -eq 0 ] && echo "No findings." || echo "There are findings; the logs: $build/*.log"
-exit "$status"
+wait
+
+echo
+for fuzzer in "${fuzzers[@]}"; do tell "$fuzzer"; done
+if compgen -G "$build/*.failed" >/dev/null; then
+  echo "There are findings; the logs: $build/FUZZER.log"
+  exit 1
+fi
+echo "No findings."

@@ -15,7 +15,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -101,8 +103,22 @@ std::vector<Triangle> trianglesOf(vtkPolyData* data) {
   return triangles;
 }
 
+// Whether the triangulator comes to an end: on infinite coordinates, and its points hold floats, it
+// looks for ever for a ray out of the outline.
+bool canBeFilled(const std::vector<Loop>& loops) {
+  constexpr double Largest = std::numeric_limits<float>::max();
+  const auto fits = [](const Point3d& point) {
+    return std::abs(point.getX()) <= Largest && std::abs(point.getY()) <= Largest &&
+           std::abs(point.getZ()) <= Largest;
+  };
+  return std::all_of(loops.begin(), loops.end(), [&fits](const Loop& loop) {
+    return std::all_of(loop.begin(), loop.end(), fits);
+  });
+}
+
 // The triangles that fill the outline; none for loops without points.
 std::vector<Triangle> triangulated(const std::vector<Loop>& loops) {
+  if (!canBeFilled(loops)) return {};
   const vtkNew<vtkAppendPolyData> append;
   bool hasPoints = false;
   for (const Loop& loop : loops) {

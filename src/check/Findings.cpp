@@ -1,7 +1,5 @@
 #include "check/Findings.h"
 
-#include <algorithm>
-
 namespace Lumivane::Check {
 
 std::string Finding::line() const {
@@ -12,20 +10,17 @@ std::string Finding::line() const {
   return place.empty() ? text : place + ": " + text;
 }
 
-bool Findings::hasErrors() const {
-  return std::any_of(items.begin(), items.end(),
-                     [](const Finding& finding) { return finding.severity == Severity::Error; });
-}
-
 void Findings::put(Severity severity, const char* code, int region, int face, std::string text,
                    const char* mend) {
-  if (full()) return;
-  if (items.size() == SceneChecker::Most) {
+  const bool isFirstError = severity == Severity::Error && !errorTold;
+  if (items.size() < SceneChecker::Most || isFirstError) {
+    items.push_back({severity, code, object, region, face, std::move(text), mend});
+    errorTold = errorTold || isFirstError;
+  } else if (!moreTold) {
     items.push_back(
         {Severity::Warning, "more", "", 0, 0, "there is more; it is not told", "mend these first"});
-    return;
+    moreTold = true;
   }
-  items.push_back({severity, code, object, region, face, std::move(text), mend});
 }
 
 std::string outOfRange(const char* what, int number, size_t count) {

@@ -9,7 +9,8 @@
 namespace Lumivane::Check {
 
 /// Collects findings about one object after the other, and stops at a number that nobody would
-/// read.
+/// read. The first error is taken all the same: whether a shot can be made must not depend on how
+/// many warnings stand before.
 class Findings {
  public:
   /// What follows is about this object; the empty id is the scene's.
@@ -29,8 +30,8 @@ class Findings {
     put(severity, code, 0, static_cast<int>(face), std::move(text), mend);
   }
 
-  bool full() const { return items.size() > SceneChecker::Most; }
-  bool hasErrors() const;
+  bool full() const { return moreTold && errorTold; }
+  bool hasErrors() const { return errorTold; }
   std::vector<Finding> take() { return std::move(items); }
 
  private:
@@ -39,6 +40,8 @@ class Findings {
 
   std::string object;
   std::vector<Finding> items;
+  bool moreTold = false;
+  bool errorTold = false;
 };
 
 /// Whether a number from 1 points at one of so many.

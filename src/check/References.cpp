@@ -21,6 +21,7 @@
 namespace Lumivane::Check {
 namespace {
 
+constexpr const char* MendId = "give each object an id of its own";
 constexpr const char* MendNumber = "numbers count from 1; mend the number or add what it means";
 
 const Geometry::Regions::Vector& regionsOf(Scene::Object& object) {
@@ -154,7 +155,24 @@ void findLooseNumbers(Scene::Object& object, const Counts& counts, Findings& fin
           MendNumber);
 }
 
-void findDoubleIds(Scene::Scene3D& scene, Findings& findings) {
+namespace {
+
+size_t pointCount(const Geometry::Region* region) {
+  return region == nullptr ? 0 : itemsOf(region->getPoints()).size();
+}
+
+// The number of the first region that can be seen of `later` and has no points in `first`; or 0.
+size_t regionOfLaterOnly(Scene::Object& first, Scene::Object& later) {
+  const auto& there = regionsOf(first);
+  const auto& here = regionsOf(later);
+  for (size_t r = 0; r < here.size(); ++r)
+    if (pointCount(here[r]) >= 3 && (r >= there.size() || pointCount(there[r]) == 0)) return r + 1;
+  return 0;
+}
+
+}  // namespace
+
+void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings) {
   std::map<std::string, size_t> first;
   const auto& objects =
       itemsOf(scene.getObjects() == nullptr ? nullptr : scene.getObjects()->getObjects());
@@ -163,10 +181,17 @@ void findDoubleIds(Scene::Scene3D& scene, Findings& findings) {
     const auto [place, isNew] = first.emplace(objects[i]->getId(), i + 1);
     if (isNew) continue;
     findings.setObject(objects[i]->getId());
-    findings.add(Severity::Warning, "double-id",
-                 "objects " + std::to_string(place->second) + " and " + std::to_string(i + 1) +
-                     " have one id, and the drawing order takes them for one",
-                 "give each object an id of its own");
+    const size_t region = regionOfLaterOnly(*objects[place->second - 1], *objects[i]);
+    const std::string both = "objects " + std::to_string(place->second) + " and " +
+                             std::to_string(i + 1) + " have one id, and ";
+    if (region > 0)
+      findings.add(Severity::Error, "double-id",
+                   both + "the drawing order misses region " + std::to_string(region) + " of " +
+                       std::to_string(i + 1) + " in " + std::to_string(place->second),
+                   MendId);
+    else if (least == Severity::Warning)
+      findings.add(Severity::Warning, "double-id", both + "the drawing order takes them for one",
+                   MendId);
   }
 }
 

@@ -27,7 +27,10 @@ void findErrors(Scene::Object& object, const Counts& counts, Findings& findings)
 /// other.
 void findLooseNumbers(Scene::Object& object, const Counts& counts, Findings& findings);
 
-/// Two objects of one id.
-void findDoubleIds(Scene::Scene3D& scene, Findings& findings);
+/// Two objects of one id. The depth sort takes the first object of an id for all of them, so a
+/// region that only a later one has is an error: a shot that sees it fails.
+///
+/// \param least  what is told: all, or errors only
+void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings);
 
 }  // namespace Lumivane::Check

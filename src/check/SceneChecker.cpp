@@ -41,7 +41,7 @@ void findInScene(Scene::Scene3D& scene, Findings& findings) {
     findLooseNumbers(object, counts, findings);
     findOddShapes(object, scene, findings);
   });
-  findDoubleIds(scene, findings);
+  findDoubleIds(scene, Severity::Warning, findings);
 }
 
 }  // namespace
@@ -76,6 +76,7 @@ std::vector<Finding> SceneChecker::errors(Scene::Scene3D& scene) {
   const Counts counts(scene);
   lookAtObjects(scene, findings,
                 [&](Scene::Object& object) { findErrors(object, counts, findings); });
+  findDoubleIds(scene, Severity::Error, findings);
   return findings.take();
 }
 

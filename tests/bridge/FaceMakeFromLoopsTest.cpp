@@ -318,6 +318,19 @@ TEST(MakeFromLoops, CoordinatesThatAreNoNumbersEnd) {
   }
 }
 
+// Looking for the loop around a hole once went on for ever.
+TEST(MakeFromLoops, HolesOfAnOutlineThatIsNotFiniteEnd) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double value : {nan, infinity, -infinity, 1e39, -1e300}) {
+    PolygonPoints points = Square;
+    points[2][1] = value;
+    const Made made({loopOf(points), loopOf(Hole)});
+    EXPECT_NE(nullptr, made.face);
+    EXPECT_TRUE(made.regions().empty());
+  }
+}
+
 // The drawn edges of a shot's regions, as pieces between points on the plane.
 std::vector<std::pair<Coordinates, Coordinates>> drawnEdges(Shot::Shot2d& shot) {
   std::vector<std::pair<Coordinates, Coordinates>> edges;

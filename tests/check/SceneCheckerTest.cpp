@@ -228,6 +228,47 @@ TEST(SceneChecker, DoubleIdsAreTold) {
       checkedScene(scene).at(0));
 }
 
+// The depth sort looks for the regions of the second in the first.
+TEST(SceneChecker, RegionThatOnlyALaterObjectOfAnIdHasIsAnError) {
+  Json scene = square();
+  Json twin = object(scene);
+  twin["Regions"].push_back(twin["Regions"][0]);
+  scene["Objects"].push_back(twin);
+  const std::string error =
+      "error double-id object \"A\": objects 1 and 2 have one id, and the drawing order misses "
+      "region 2 of 2 in 1";
+  const Lines found = checkedScene(scene);
+  EXPECT_EQ(1, std::count(found.begin(), found.end(), error));
+
+  Session::LoadedScene loaded = Session::LoadedScene::fromText(scene.dump(), "scene");
+  EXPECT_EQ(Lines{error}, lines(SceneChecker::errors(loaded.scene())));
+  Session::ViewSettings view;
+  view.eye = {4.1, 0.2, 0.3};
+  view.forward = {-1, 0, 0};
+  std::string refusal;
+  Lumivane::Test::capturedStdout([&] {
+    try {
+      loaded.take(view);
+    } catch (const Session::Error& thrown) {
+      refusal = thrown.what();
+    }
+  });
+  EXPECT_NE(std::string::npos, refusal.find("misses region 2 of 2 in 1")) << refusal;
+}
+
+TEST(SceneChecker, RegionOfALaterObjectThatTheFirstHasWithoutPointsIsAnError) {
+  Json scene = square();
+  scene["Objects"].push_back(object(scene));
+  region(scene)["Points"] = Json::array();
+  const Lines found = checkedScene(scene);
+  EXPECT_EQ(1, std::count(found.begin(), found.end(),
+                          "error double-id object \"A\": objects 1 and 2 have one id, and the "
+                          "drawing order misses region 1 of 2 in 1"));
+  // The other way round it is only surprising.
+  std::swap(scene["Objects"][0], scene["Objects"][1]);
+  for (const std::string& line : checkedScene(scene)) EXPECT_NE(0U, line.find("error"));
+}
+
 TEST(SceneChecker, MissingListsAreTold) {
   Json scene = square();
   scene.erase("Pens");
@@ -324,6 +365,27 @@ TEST(SceneChecker, FindingsEndAtALimit) {
   const std::vector<Finding> findings = SceneChecker::checkText(scene.dump());
   ASSERT_EQ(static_cast<size_t>(SceneChecker::Most) + 1, findings.size());
   EXPECT_EQ("more", findings.back().code);
+}
+
+// Whether a shot can be made must not depend on how many warnings stand before.
+TEST(SceneChecker, FirstErrorIsToldBehindTheLimitToo) {
+  Json scene = square();
+  for (int i = 0; i < 2 * SceneChecker::Most; ++i) scene["Points"].push_back({1});
+  Json wrong = scene;
+  region(wrong)["Face"] = 7;
+  std::vector<Finding> findings = SceneChecker::checkText(wrong.dump());
+  ASSERT_EQ(static_cast<size_t>(SceneChecker::Most) + 2, findings.size());
+  EXPECT_EQ("face-number", findings.back().code);
+
+  // Reading throws on this one, so the scene must not be read.
+  wrong = scene;
+  wrong["Pens"].push_back({0, 0, 0, 256, 1});
+  std::string text = wrong.dump();
+  std::string keys;
+  for (int i = 0; i <= SceneChecker::Most; ++i) keys += "\"key\":1,";
+  findings = SceneChecker::checkText("{" + keys + text.substr(1));
+  ASSERT_EQ(static_cast<size_t>(SceneChecker::Most) + 2, findings.size());
+  EXPECT_EQ("color", findings.back().code);
 }
 
 TEST(SceneChecker, NullObjectOfASceneInMemoryIsAnError) {

@@ -18,7 +18,8 @@ namespace Lumivane::Check {
 /// can be wrong for long without a word; these checks say it. They change nothing.
 ///
 /// Findings come in the order of the document: those of its text, then for each object its own and
-/// those of its regions and faces. There are no more than `Most`, and then one more that says so.
+/// those of its regions and faces. There are no more than `Most`, then one that says so, and
+/// the first error if it comes later still.
 class LUMIVANE_EXPORT SceneChecker {
  public:
   static constexpr int Most = 1000;  ///< findings told in one check
@@ -41,8 +42,8 @@ class LUMIVANE_EXPORT SceneChecker {
   /// Checks a scene in memory: all but what only a text can have wrong.
   static std::vector<Finding> check(Scene::Scene3D& scene);
 
-  /// Only what makes every shot of the scene fail: numbers that point at nothing, null
-  /// objects, no list of them.
+  /// Only what makes shots of the scene fail: numbers that point at nothing, null objects, no list
+  /// of them, and objects of one id of which only a later one has a region that is seen.
   /// Quick: no geometry is looked at.
   static std::vector<Finding> errors(Scene::Scene3D& scene);
 };

@@ -41,7 +41,9 @@ class LUMIVANE_EXPORT Face : public Part {
   /// \param scene        the scene that owns `object`; its points grow
   /// \param object       gets the face and the regions
   /// \param loops        one closed contour each, in scene units, its first point repeated or not;
-  ///                     a contour wound opposite to the one around it is a hole
+  ///                     a contour wound opposite to the one around it is a hole. An outline that
+  ///                     cannot be filled, for one with a coordinate that is not finite or beyond
+  ///                     float, gives a face with fewer regions or none
   /// \param brushNumber  stored in every region
   /// \return the new face, never null, owned by the object's faces
   /// \throws std::invalid_argument if `scene` or `object` is null
