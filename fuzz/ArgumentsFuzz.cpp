@@ -54,9 +54,9 @@ void driverArguments(const std::vector<std::string>& arguments) {
   require(CmdManager::projectionType == 1 || CmdManager::projectionType == 2);
 }
 
-// What the program may start with once the parser has let it pass.
+// What the program may start with once the parser has let it pass. A scene's name may be empty: it
+// is refused where it is opened.
 void checkShot(const Host::ShotOptions& shot) {
-  require(!shot.scene.empty());
   require(shot.width >= 1 && shot.width <= 16384 && shot.height >= 1 && shot.height <= 16384);
   require(shot.view.segments >= 1);
   require(std::isfinite(shot.view.maxLength) && shot.view.maxLength >= 0.0);

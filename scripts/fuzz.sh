@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-20}
 shift || true
 fuzzers=("$@")
-[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops)
+[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops models)
 
 scripts/install_packages.sh clang libclang-rt-14-dev llvm-14
 cmake --preset fuzz
@@ -26,12 +26,30 @@ export ASAN_OPTIONS=quarantine_size_mb=64
 seeds() {
   local pattern
   case $1 in
+    models) model_seeds "$2"; return 0 ;;
     json) pattern='*.json' ;;
     scene | json5) pattern='*.scene.json' ;;
     shot) pattern='*.shot.json' ;;
     *) return 0 ;;
   esac
   find "$data/golden" -name "$pattern" -size -6k -exec cp {} "$2" \;
+}
+
+# The letter of the format and that of the options stand in front of the file.
+model_seeds() {
+  local file letter
+  for file in "$data"/models/*; do
+    case $file in
+      *.obj) letter=o ;;
+      *.stl) letter=s ;;
+      *.ply) letter=p ;;
+      *.gltf) letter=g ;;
+      *.glb) letter=b ;;
+      *.json) letter=c ;;
+      *) continue ;;
+    esac
+    { printf '%s0' "$letter"; cat "$file"; } >"$1/$(basename "$file")"
+  done
 }
 
 dictionary() {  # the words of a fuzzer's language, as an option

@@ -1,0 +1,110 @@
+// A mesh or a city model to a scene and a shot. The first byte tells the format, the second how the
+// scene is made, the rest is the file.
+
+#include "Bytes.h"
+
+#include <lumivane/check/Finding.h>
+#include <lumivane/check/SceneChecker.h>
+#include <lumivane/exchange/Importer.h>
+#include <lumivane/io/DataReader.h>
+#include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+namespace {
+
+namespace Exchange = Lumivane::Exchange;
+namespace Session = Lumivane::Session;
+using Lumivane::Fuzz::Bytes;
+using Lumivane::Fuzz::require;
+
+// In letters, so that a seed can be made with an editor.
+std::string ending(char letter) {
+  switch (letter) {
+    case 'o':
+      return ".obj";
+    case 's':
+      return ".stl";
+    case 'p':
+      return ".ply";
+    case 'g':
+      return ".gltf";
+    case 'b':
+      return ".glb";
+    default:
+      return ".city.json";
+  }
+}
+
+Exchange::ImportOptions options(char letter) {
+  const int bits = letter - '0';
+  Exchange::ImportOptions options;
+  if (bits & 1) options.sides = Exchange::ImportSides::Both;
+  options.yUp = (bits & 2) != 0;
+  options.center = (bits & 4) != 0;
+  if (bits & 8) options.eye = {4.1, 0.3, 2.2};
+  return options;
+}
+
+// A file that goes when the run ends.
+class File {
+ public:
+  File(const std::string& name, const std::string& bytes) : path(name) {
+    std::ofstream(path, std::ios::binary) << bytes;
+  }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() { std::filesystem::remove(path); }
+
+  const std::string path;
+};
+
+bool hasErrors(Lumivane::Scene::Scene3D& scene) {
+  return !Lumivane::Check::SceneChecker::errors(scene).empty();
+}
+
+void takeShot(Session::LoadedScene& scene) {
+  Session::ViewSettings view;
+  view.eye = {4.1, 0.3, 2.2};
+  view.forward = {-1, 0, -0.4};
+  view.maxLength = 0.1;
+  try {
+    require(!scene.take(view).text().empty());
+  } catch (const Session::Error& error) {
+    // An edge so near to the eye that no splitting is fine enough.
+    require(error.cause().find("no splitting brings its") != std::string::npos);
+  }
+}
+
+void checkScene(Exchange::ImportedScene& imported) {
+  Lumivane::Scene::Scene3D& scene = imported.scene.scene();
+  require(!hasErrors(scene));
+  require(imported.report.regions > 0 && imported.report.points > 0);
+  const std::string text = Exchange::Importer::sceneText(scene);
+  const std::unique_ptr<Lumivane::Scene::Scene3D> again(
+      Lumivane::IO::DataReader().readSceneString(text));
+  require(again != nullptr && Exchange::Importer::sceneText(*again) == text);
+  takeShot(imported.scene);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Lumivane::Fuzz::silence();
+  Bytes bytes(data, size);
+  const auto format = bytes.take<char>(), making = bytes.take<char>();
+  const File file("model" + ending(format), bytes.rest());
+  Exchange::Importer::isImportable(file.path);
+  try {
+    Exchange::ImportedScene imported = Exchange::Importer::importFile(file.path, options(making));
+    checkScene(imported);
+  } catch (const Session::Error& error) {
+    require(!error.cause().empty());
+  }
+  return 0;
+}
