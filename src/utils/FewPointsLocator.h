@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -57,12 +59,12 @@ class FewPointsLocator : public vtkMergePoints {
 
   vtkIdType InsertNextPoint(const double x[3]) override {
     Points->InsertPoint(InsertionPointId, x);
-    inserted.push_back({GetBucketIndex(x), InsertionPointId});
+    inserted.push_back({bucketOf(x), InsertionPointId});
     return InsertionPointId++;
   }
 
   vtkIdType IsInsertedPoint(const double x[3]) override {
-    const vtkIdType bucket = GetBucketIndex(x);
+    const vtkIdType bucket = bucketOf(x);
     for (const auto& [itsBucket, id] : inserted)
       if (itsBucket == bucket && isStoredAs(x, id)) return id;
     return -1;
@@ -77,6 +79,19 @@ class FewPointsLocator : public vtkMergePoints {
   ~FewPointsLocator() override = default;
 
  private:
+  // The number that GetBucketIndex gives. That one turns any double into an integer, which only
+  // those within its range can be; what no integer can hold comes out as the first bucket there.
+  static vtkIdType bucketAlong(double place, vtkIdType count) {
+    constexpr auto Beyond = static_cast<double>(std::numeric_limits<vtkIdType>::max());
+    if (!(place > 0.0) || place >= Beyond) return 0;
+    return std::min(static_cast<vtkIdType>(place), count - 1);
+  }
+
+  vtkIdType bucketOf(const double x[3]) const {
+    return bucketAlong((x[0] - BX) * FX, XD) + bucketAlong((x[1] - BY) * FY, YD) * XD +
+           bucketAlong((x[2] - BZ) * FZ, ZD) * SliceSize;
+  }
+
   bool isStoredAs(const double x[3], vtkIdType id) const {
     double stored[3];
     Points->GetPoint(id, stored);
