@@ -43,24 +43,25 @@ inline DiscLine discLine(Vec2 a, Vec2 b) {
   return {flatCross(a, direction), direction};
 }
 
-/// Antiderivative, along a line at distance d from the centre, of (1 - height) d(angle around the
-/// centre), that is of the solid angle between the centre and the line; s is the way along the line
-/// from its foot and z the height on the hemisphere. The line stands for the circle in which the
-/// upright plane through it cuts the sphere.
+/// Solid angle between the centre and a stretch of a line from a to b, which stands for the circle
+/// in which the upright plane through the line cuts the sphere. Signed.
 ///
-/// With z^2 = 1 - d^2 - s^2 the derivative is d (1 - z) / (d^2 + s^2). The two angles of the
-/// antiderivative, atan(s / d) and atan(s / (d z)), stand as one, which no small d tears apart.
-/// (1) Near the rim, where z is ill known, the derivative by z vanishes.
-inline double lineTerm(double d, double s, double z) {
-  return d * std::atan2(s, z) - std::atan2(s * d * (1.0 - z), d * d * z + s * s);
+/// At the distance d from the centre, s along the line from its foot and z high on the hemisphere
+/// it is the integral of (1 - z) d(angle around the centre), with the derivative d (1 - z) / (d^2 +
+/// s^2) by s and z^2 = 1 - d^2 - s^2. An antiderivative is d atan(s / z) - (atan(s / d) - atan(s /
+/// (d z))); the bracket stands as one angle, which no small d tears apart, and the two ends as
+/// another. (1) Near the rim, where z is ill known, the derivative by z vanishes.
+inline double lineSolidAngle(const DiscLine& line, Vec2 a, Vec2 b) {
+  const double d = line.distance;
+  const double s0 = dot(a, line.direction);
+  const double s1 = dot(b, line.direction);
+  const double z0 = heightOnHemisphere(a);
+  const double z1 = heightOnHemisphere(b);
+  const double along = std::atan2(s1 * z0 - s0 * z1, z1 * z0 + s1 * s0);
+  const Vec2 from = {d * d * z0 + s0 * s0, s0 * d * (1.0 - z0)};
+  const Vec2 to = {d * d * z1 + s1 * s1, s1 * d * (1.0 - z1)};
+  return d * along - std::atan2(flatCross(from, to), dot(from, to));
 }
-
-inline double lineTerm(const DiscLine& line, Vec2 p) {
-  return lineTerm(line.distance, dot(p, line.direction), heightOnHemisphere(p));
-}
-
-/// Solid angle between a level line from the axis x = 0 to the point and the centre.
-inline double levelTerm(Vec2 p) { return lineTerm(p.y, p.x, heightOnHemisphere(p)); }
 
 /// Solid angle between the great circle's arc from a to b and forward, (0, 0, 1): the formula of A.
 /// van Oosterom and J. Strackee, The Solid Angle of a Plane Triangle (1983). Signed.

@@ -29,6 +29,8 @@ Vec2 turnedBack(Vec2 p) {
 }
 
 Vec2 intoDisc(Vec2 p) {
+  constexpr double SurelyInside = 1.0 - 1e-12;
+  if (p.x * p.x + p.y * p.y < SurelyInside) return p;
   const double radius = std::hypot(p.x, p.y);
   return radius > 1.0 ? Vec2{p.x / radius, p.y / radius} : p;
 }
@@ -47,38 +49,28 @@ Vec2 ContourRule::angles(Vec2 sweep) const {
   return {QuarterTurn * p.x, QuarterTurn * p.y};
 }
 
-Content ContourRule::chord(Vec2 a, Vec2 b) const {
+Content ContourRule::line(const SweepEdge& edge, double y0, double y1) const {
+  const Vec2 a = {edge.xAt(y0), y0};
+  const Vec2 b = {edge.xAt(y1), y1};
+  if (type == ProjectionType::Radial)
+    return {lineSolidAngle(discLine(edge.low, edge.high), a, b), 0.0};
   const Vec2 p = angles(a);
   const Vec2 q = angles(b);
   return {angleLineSolidAngle(p, q), angleLineViewFactor(p, q)};
 }
 
-Content ContourRule::piece(const SweepEdge& edge, double y0, double y1) const {
-  const Vec2 a = {edge.xAt(y0), y0};
-  const Vec2 b = {edge.xAt(y1), y1};
-  if (type == ProjectionType::Radial) {
-    const DiscLine line = discLine(edge.low, edge.high);
-    return {lineTerm(line, b) - lineTerm(line, a) + levelTerm(b) - levelTerm(a), 0.0};
-  }
-  Content content = chord(a, b);
-  content += chord(b, {0.0, y1});
-  content += chord({0.0, y1}, {0.0, y0});
-  content += chord({0.0, y0}, a);
-  return content;
-}
-
-Content ContourRule::bulge(const SweepEdge& edge) const {
+Content ContourRule::arc(const SweepEdge& edge) const {
   if (type == ProjectionType::Radial) {
     const Vec3 a = directionOfDisc(edge.low);
     const Vec3 b = directionOfDisc(edge.high);
-    if (dot(a, b) < NearlyOpposite) return {};
-    const DiscLine line = discLine(edge.low, edge.high);
-    return {arcTerm(a, b) - (lineTerm(line, edge.high) - lineTerm(line, edge.low)), 0.0};
+    if (dot(a, b) < NearlyOpposite) return line(edge, edge.low.y, edge.high.y);
+    return {arcTerm(a, b), 0.0};
   }
   const Vec2 a = angles(edge.low);
   const Vec2 b = angles(edge.high);
-  if (dot(directionOfAngles(a), directionOfAngles(b)) < NearlyOpposite) return {};
-  return Content{angleArcSolidAngle(a, b), angleArcViewFactor(a, b)} - chord(edge.low, edge.high);
+  if (dot(directionOfAngles(a), directionOfAngles(b)) < NearlyOpposite)
+    return line(edge, edge.low.y, edge.high.y);
+  return {angleArcSolidAngle(a, b), angleArcViewFactor(a, b)};
 }
 
 double ContourRule::wholeArea() const { return type == ProjectionType::Radial ? Pi : 4.0; }

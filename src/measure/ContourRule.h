@@ -41,19 +41,17 @@ class ContourRule {
   /// A point of the picture, brought back onto its rim if it lies outside, in the sweep's frame.
   Kernel::Vec2 sweepPoint(Kernel::Vec2 picture) const;
 
-  /// What lies between the straight piece of an edge from height y0 to y1 and the axis x = 0 of the
-  /// sweep's frame, both cut off by level lines. Level lines themselves add nothing.
-  Content piece(const SweepEdge& edge, double y0, double y1) const;
+  /// What the straight piece of an edge from height y0 up to y1 adds to what lies left of it.
+  /// Summed along a closed outline it is what the outline encloses; a single one means nothing.
+  Content line(const SweepEdge& edge, double y0, double y1) const;
 
-  /// What lies between the great circle's arc from the edge's lower to its upper end and the
-  /// straight edge.
-  Content bulge(const SweepEdge& edge) const;
+  /// The same for the great circle's arc from the edge's lower to its upper end.
+  Content arc(const SweepEdge& edge) const;
 
   double wholeArea() const;
   Content whole() const;
 
  private:
-  Content chord(Kernel::Vec2 a, Kernel::Vec2 b) const;
   Kernel::Vec2 angles(Kernel::Vec2 sweep) const;
 
   Algorithm::ProjectionType type;

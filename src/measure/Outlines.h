@@ -2,6 +2,7 @@
 
 #include "kernel/Vec.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace Lumivane::Shot {
@@ -24,15 +25,17 @@ struct SweepEdge {
   int winding = 0;  ///< +1 if the outline runs upward here, else -1
 
   double xAt(double y) const {
-    if (y <= low.y) return low.x;
-    if (y >= high.y) return high.x;
-    return low.x + slope * (y - low.y);
+    const double between = low.x + slope * (y - low.y);  // a choice of values, without a branch
+    const double notBelow = y <= low.y ? low.x : between;
+    return y >= high.y ? high.x : notBelow;
   }
+  /// How far along the edge a height is, 0 to 1.
+  double wayTo(double y) const { return std::clamp((y - low.y) / (high.y - low.y), 0.0, 1.0); }
 };
 
-/// The edges of all regions, region by region. Level edges bound nothing from the side and are left
-/// out; points that are no finite numbers as well.
-/// \throws std::out_of_range for a point number that is not in the shot
+/// The edges of all regions, region by region, none of them level. Edges without length are left
+/// out, points that are no finite numbers as well. \throws std::out_of_range for a point number
+/// that is not in the shot
 std::vector<SweepEdge> sweepEdges(const Shot::Shot2d& shot, const ContourRule& rule);
 
 }  // namespace Lumivane::Measure

@@ -1,20 +1,164 @@
 #include "measure/Tile.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace Lumivane::Measure {
 namespace {
 
-// A change of winding at a height of the left side of a tile.
-struct Step {
-  RegionNumber region;
-  double y;
-  int change;
-};
+// Whether a region's covers, which ascend, leave no height of the tile open.
+bool coverAll(std::vector<Cover>::const_iterator first, std::vector<Cover>::const_iterator last,
+              double bottom, double top) {
+  double reached = bottom;
+  for (; first != last && first->low <= reached; ++first) reached = first->high;
+  return reached >= top;
+}
 
-// The covers that come of steps, which stand region by region.
-std::vector<Cover> coversOf(std::vector<Step>& steps) {
-  std::vector<Cover> covers;
+void restart(Tile& part, const Tile& whole) {
+  part.left = whole.left;
+  part.right = whole.right;
+  part.bottom = whole.bottom;
+  part.top = whole.top;
+  part.base = whole.base;
+  part.fragments.clear();
+  part.covers.clear();
+  part.fragments.reserve(whole.fragments.size() / 8 * 5);
+}
+
+template <class Stretch>
+void shareAtHeight(const std::vector<Stretch>& all, double y, std::vector<Stretch>& lower,
+                   std::vector<Stretch>& upper) {
+  for (const Stretch& stretch : all) {
+    if (stretch.low < y) {
+      lower.push_back(stretch);
+      lower.back().high = std::min(stretch.high, y);
+    }
+    if (stretch.high > y) {
+      upper.push_back(stretch);
+      upper.back().low = std::max(stretch.low, y);
+    }
+  }
+}
+
+template <class Stretch>
+void cutAllBelow(std::vector<Stretch>& all, double y) {
+  const auto isBelow = [y](const Stretch& stretch) { return !(stretch.high > y); };
+  all.erase(std::remove_if(all.begin(), all.end(), isBelow), all.end());
+  for (Stretch& stretch : all) stretch.low = std::max(stretch.low, y);
+}
+
+}  // namespace
+
+void Tile::dropHidden() {
+  // Both lists are walked from the topmost region down, up to the first that covers all.
+  size_t fragment = fragments.size();
+  auto last = covers.cend();
+  bool found = false;
+  while (last != covers.cbegin() && !found) {
+    const RegionNumber region = (last - 1)->region;
+    auto first = last;
+    while (first != covers.cbegin() && (first - 1)->region == region) --first;
+    while (fragment > 0 && fragments[fragment - 1].region > region) --fragment;
+    const bool hasEdges = fragment > 0 && fragments[fragment - 1].region == region;
+    found = !hasEdges && coverAll(first, last, bottom, top);
+    if (found)
+      base = region;
+    else
+      last = first;
+  }
+  if (!found) return;
+  covers.erase(covers.cbegin(), last);
+  fragments.erase(fragments.begin(), fragments.begin() + static_cast<std::ptrdiff_t>(fragment));
+}
+
+void Tile::cutBelow(double y) {
+  bottom = y;
+  cutAllBelow(fragments, y);
+  cutAllBelow(covers, y);
+}
+
+void TileParter::atMiddleHeight(const Tile& tile, Tile& lower, Tile& upper) const {
+  const double y = 0.5 * (tile.bottom + tile.top);
+  restart(lower, tile);
+  restart(upper, tile);
+  lower.top = y;
+  upper.bottom = y;
+  shareAtHeight(tile.fragments, y, lower.fragments, upper.fragments);
+  shareAtHeight(tile.covers, y, lower.covers, upper.covers);
+}
+
+void TileParter::across(const Tile& tile, Tile& leftHalf, Tile& rightHalf) {
+  const double x = 0.5 * (tile.left + tile.right);
+  restart(leftHalf, tile);
+  restart(rightHalf, tile);
+  leftHalf.right = x;
+  rightHalf.left = x;
+  leftHalf.covers = tile.covers;
+  steps.clear();
+  nextCover = 0;
+  for (const Fragment& fragment : tile.fragments) {
+    const bool coversFirst =
+        nextCover < tile.covers.size() && tile.covers[nextCover].region <= fragment.region;
+    if (coversFirst) addCoversUpTo(fragment.region, tile.covers);
+    partAcross(fragment, x, leftHalf, rightHalf);
+  }
+  if (!tile.covers.empty()) addCoversUpTo(tile.covers.back().region, tile.covers);
+  coverBySteps(rightHalf.covers);
+}
+
+void TileParter::partAcross(const Fragment& fragment, double x, Tile& leftHalf, Tile& rightHalf) {
+  const SweepEdge& edge = edges[static_cast<size_t>(fragment.edge)];
+  // Nearly all edges lie on one side as a whole.
+  if (std::max(edge.low.x, edge.high.x) <= x) return addLeft(fragment, leftHalf);
+  if (std::min(edge.low.x, edge.high.x) >= x) return rightHalf.fragments.push_back(fragment);
+  const double low = edge.xAt(fragment.low);
+  const double high = edge.xAt(fragment.high);
+  if (low <= x && high <= x) return addLeft(fragment, leftHalf);
+  if (low >= x && high >= x) return rightHalf.fragments.push_back(fragment);
+
+  const double way = (x - low) / (high - low);
+  const double y =
+      std::clamp(fragment.low + (fragment.high - fragment.low) * way, fragment.low, fragment.high);
+  Fragment lower = fragment;
+  Fragment upper = fragment;
+  lower.high = y;
+  upper.low = y;
+  const Fragment& left = low < x ? lower : upper;
+  const Fragment& right = low < x ? upper : lower;
+  if (left.low < left.high) addLeft(left, leftHalf);
+  if (right.low < right.high) rightHalf.fragments.push_back(right);
+}
+
+void TileParter::addLeft(const Fragment& fragment, Tile& leftHalf) {
+  leftHalf.fragments.push_back(fragment);
+  addSteps(fragment.region, fragment.low, fragment.high,
+           edges[static_cast<size_t>(fragment.edge)].winding);
+}
+
+// In the order in which the outline runs: where one edge goes on from another, the first's last
+// step and the second's first undo each other.
+void TileParter::addSteps(RegionNumber region, double low, double high, int winding) {
+  const double from = winding > 0 ? low : high;
+  const double to = winding > 0 ? high : low;
+  const int change = std::abs(winding);
+  const bool goesOn = !steps.empty() && steps.back().y == from && steps.back().change == -change &&
+                      steps.back().region == region;
+  if (goesOn) {
+    steps.back().y = to;
+  } else {
+    steps.push_back({region, from, change});
+    steps.push_back({region, to, -change});
+  }
+}
+
+void TileParter::addCoversUpTo(RegionNumber region, const std::vector<Cover>& covers) {
+  for (; nextCover < covers.size() && covers[nextCover].region <= region; ++nextCover) {
+    const Cover& cover = covers[nextCover];
+    addSteps(cover.region, cover.low, cover.high, cover.winding);
+  }
+}
+
+void TileParter::coverBySteps(std::vector<Cover>& covers) {
   for (auto first = steps.begin(); first != steps.end();) {
     const auto last = std::find_if(
         first, steps.end(), [first](const Step& step) { return step.region != first->region; });
@@ -34,117 +178,6 @@ std::vector<Cover> coversOf(std::vector<Step>& steps) {
     }
     first = last;
   }
-  return covers;
-}
-
-// Merges what enters from the left of the parent and what its left half adds, region by region.
-class StepCollector {
- public:
-  explicit StepCollector(const std::vector<Cover>& parentCovers) : covers(parentCovers) {}
-
-  void add(RegionNumber region, double low, double high, int winding) {
-    takeCoversUpTo(region);
-    steps.push_back({region, low, winding});
-    steps.push_back({region, high, -winding});
-  }
-
-  std::vector<Cover> result() {
-    takeCoversUpTo(covers.empty() ? 0 : covers.back().region);
-    return coversOf(steps);
-  }
-
- private:
-  void takeCoversUpTo(RegionNumber region) {
-    for (; next < covers.size() && covers[next].region <= region; ++next) {
-      steps.push_back({covers[next].region, covers[next].low, covers[next].winding});
-      steps.push_back({covers[next].region, covers[next].high, -covers[next].winding});
-    }
-  }
-
-  const std::vector<Cover>& covers;
-  size_t next = 0;
-  std::vector<Step> steps;
-};
-
-// Whether a region's covers, which ascend, leave no height of the tile open.
-bool coverAll(std::vector<Cover>::const_iterator first, std::vector<Cover>::const_iterator last,
-              double bottom, double top) {
-  double reached = bottom;
-  for (; first != last && first->low <= reached; ++first) reached = first->high;
-  return reached >= top;
-}
-
-}  // namespace
-
-void Tile::dropHidden(const std::vector<SweepEdge>& edges) {
-  // Both lists are walked from the topmost region down, up to the first that covers all.
-  size_t fragment = fragments.size();
-  auto last = covers.cend();
-  bool found = false;
-  while (last != covers.cbegin() && !found) {
-    const RegionNumber region = (last - 1)->region;
-    auto first = last;
-    while (first != covers.cbegin() && (first - 1)->region == region) --first;
-    const auto regionOf = [&](size_t i) {
-      return edges[static_cast<size_t>(fragments[i].edge)].region;
-    };
-    while (fragment > 0 && regionOf(fragment - 1) > region) --fragment;
-    const bool hasEdges = fragment > 0 && regionOf(fragment - 1) == region;
-    found = !hasEdges && coverAll(first, last, bottom, top);
-    if (found)
-      base = region;
-    else
-      last = first;
-  }
-  if (!found) return;
-  covers.erase(covers.cbegin(), last);
-  fragments.erase(fragments.begin(), fragments.begin() + static_cast<std::ptrdiff_t>(fragment));
-}
-
-std::pair<Tile, Tile> Tile::partedAtHeight(double y) const {
-  Tile lower{left, right, bottom, y, base, {}, {}};
-  Tile upper{left, right, y, top, base, {}, {}};
-  for (const Fragment& f : fragments) {
-    if (f.low < y) lower.fragments.push_back({f.edge, f.low, std::min(f.high, y)});
-    if (f.high > y) upper.fragments.push_back({f.edge, std::max(f.low, y), f.high});
-  }
-  for (const Cover& c : covers) {
-    if (c.low < y) lower.covers.push_back({c.region, c.low, std::min(c.high, y), c.winding});
-    if (c.high > y) upper.covers.push_back({c.region, std::max(c.low, y), c.high, c.winding});
-  }
-  return {std::move(lower), std::move(upper)};
-}
-
-std::pair<Tile, Tile> Tile::partedAcross(const std::vector<SweepEdge>& edges) const {
-  const double x = 0.5 * (left + right);
-  Tile leftHalf{left, x, bottom, top, base, {}, covers};
-  Tile rightHalf{x, right, bottom, top, base, {}, {}};
-  StepCollector steps(covers);
-  for (const Fragment& f : fragments) {
-    const SweepEdge& edge = edges[static_cast<size_t>(f.edge)];
-    const double low = edge.xAt(f.low);
-    const double high = edge.xAt(f.high);
-    const auto toLeft = [&](double from, double to) {
-      if (!(from < to)) return;
-      leftHalf.fragments.push_back({f.edge, from, to});
-      steps.add(edge.region, from, to, edge.winding);
-    };
-    const auto toRight = [&](double from, double to) {
-      if (from < to) rightHalf.fragments.push_back({f.edge, from, to});
-    };
-    if (low <= x && high <= x) {
-      toLeft(f.low, f.high);
-    } else if (low >= x && high >= x) {
-      toRight(f.low, f.high);
-    } else {
-      const double y =
-          std::clamp(f.low + (f.high - f.low) * ((x - low) / (high - low)), f.low, f.high);
-      low < x ? toLeft(f.low, y) : toRight(f.low, y);
-      low < x ? toRight(y, f.high) : toLeft(y, f.high);
-    }
-  }
-  rightHalf.covers = steps.result();
-  return {std::move(leftHalf), std::move(rightHalf)};
 }
 
 }  // namespace Lumivane::Measure

@@ -2,7 +2,6 @@
 
 #include "measure/Outlines.h"
 
-#include <utility>
 #include <vector>
 
 namespace Lumivane::Measure {
@@ -10,6 +9,7 @@ namespace Lumivane::Measure {
 /// The part of an edge that lies in a tile, told by its heights.
 struct Fragment {
   int edge = 0;  ///< its index among all edges
+  RegionNumber region = 0;
   double low = 0.0;
   double high = 0.0;
 };
@@ -41,13 +41,37 @@ struct Tile {
   double height() const { return top - bottom; }
 
   /// Finds the topmost region that covers all of the tile, and drops what lies under it.
-  void dropHidden(const std::vector<SweepEdge>& edges);
+  void dropHidden();
 
-  /// The lower and the upper part, parted at a height within.
-  std::pair<Tile, Tile> partedAtHeight(double y) const;
+  /// Leaves the part above a height within.
+  void cutBelow(double y);
+};
 
-  /// The left and the right half.
-  std::pair<Tile, Tile> partedAcross(const std::vector<SweepEdge>& edges) const;
+/// Parts tiles in two. What the parts held before is replaced, and their memory used again.
+class TileParter {
+ public:
+  explicit TileParter(const std::vector<SweepEdge>& theEdges) : edges(theEdges) {}
+
+  void atMiddleHeight(const Tile& tile, Tile& lower, Tile& upper) const;
+  void across(const Tile& tile, Tile& leftHalf, Tile& rightHalf);
+
+ private:
+  // A change of winding at a height of the left side of a tile.
+  struct Step {
+    RegionNumber region;
+    double y;
+    int change;
+  };
+
+  void partAcross(const Fragment& fragment, double x, Tile& leftHalf, Tile& rightHalf);
+  void addLeft(const Fragment& fragment, Tile& leftHalf);
+  void addSteps(RegionNumber region, double low, double high, int winding);
+  void addCoversUpTo(RegionNumber region, const std::vector<Cover>& covers);
+  void coverBySteps(std::vector<Cover>& covers);
+
+  const std::vector<SweepEdge>& edges;
+  std::vector<Step> steps;  // region by region
+  size_t nextCover = 0;     // the tile's first cover that is not among the steps yet
 };
 
 }  // namespace Lumivane::Measure

@@ -13,15 +13,16 @@ struct Totals {
   std::vector<Content> contents;
 };
 
-/// Sweeps tiles by slabs and adds up what is visible in them.
+/// Sweeps tiles by slabs and finds the seams, stretches of edges with one region visible on their
+/// left and another on their right. What seams enclose is what is visible.
 ///
 /// A slab reaches from one height at which an edge of the tile ends, or two cross, to the next:
-/// within it edges keep their order from left to right. Of each stretch between two edges the
-/// topmost region that winds around it takes all. Where rounding misplaces a crossing, edges are
-/// out of order only as far as they are apart by rounding, and areas err by no more.
+/// within it edges keep their order from left to right. Between two edges the topmost region that
+/// winds around the stretch is visible. Where rounding misplaces a crossing, edges are out of order
+/// only as far as they are apart by rounding, and areas err by no more.
 class TileSweep {
  public:
-  TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule, Totals& theTotals);
+  TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule);
 
   /// Sweeps the tile from its bottom. Returns the height reached: the top, or the height from which
   /// on so many edges cross that it is better parted.
@@ -30,58 +31,100 @@ class TileSweep {
   /// Sweeps a tile too small to matter, as if its edges kept their order of the middle height.
   void sweepAsOneSlab(const Tile& tile);
 
+  /// After all tiles: adds what the seams enclose.
+  void sumUp(Totals& totals) const;
+
  private:
   struct Local {
     RegionNumber region;
     int winding;
   };
+  // A fragment that reaches through the slab, with its x at bottom and top.
   struct Active {
-    size_t fragment;
+    const SweepEdge* edge;
+    int fragment;
+    int local;
     double x0, x1;
-    double middle() const { return x0 + x1; }
+    bool isBefore(const Active& other) const {
+      const double middle = x0 + x1;
+      const double otherMiddle = other.x0 + other.x1;
+      return middle != otherMiddle ? middle < otherMiddle : fragment < other.fragment;
+    }
   };
-  // A stretch of a fragment with one region on its left and another on its right.
+  // What comes of an active fragment in the slab above: itself, or what its outline goes on with.
+  struct Next {
+    const SweepEdge* edge;
+    int fragment;
+    double x0, x1;
+  };
+  // The regions on the sides of an active fragment.
+  struct Lane {
+    RegionNumber left, right;
+  };
+  // A fragment by the height at which it starts.
+  struct Start {
+    double low;
+    int fragment;
+  };
   struct Seam {
     int edge = 0;
-    RegionNumber left = -1;
-    RegionNumber right = -1;
+    RegionNumber left = NoRegion;
+    RegionNumber right = NoRegion;
     double y0 = 0.0;
     double y1 = 0.0;
   };
+  static constexpr RegionNumber NoRegion = -1;
 
   void enter(const Tile& tile);
-  void gather(const Tile& tile, double y0, double y1);
-  void placeActives(const Tile& tile, double y0, double y1);
+  void findLocals(const Tile& tile);
+  void findStarts(const Tile& tile);
+  void findHeights(const Tile& tile);
+  bool onlyGoesOn(const Tile& tile, double y0, double y1);
+  bool findNexts(const Tile& tile, double y0, double y1);
+  bool findNext(const Tile& tile, const Active& active, double y);
+  void takeNext(size_t place, double y0);
+  const SweepEdge* edgeOf(const Tile& tile, int fragment) const;
+  void activate(const Tile& tile, double y0, double y1);
+  Active activeAt(const Tile& tile, int fragment, double y) const;
+  void reachUpTo(double y1);
+  void goOn();
   bool inOrder() const;
   void findCrossings(double y0, double y1, size_t most);
+
   void sweepSlab(const Tile& tile, double y0, double y1);
+  bool coversChange(const Tile& tile, double y) const;
   void setCovers(const Tile& tile, double y);
-  void change(size_t local, int winding);
+  void change(int local, int winding);
   RegionNumber topmost() const {
     return topLocal < 0 ? base : locals[static_cast<size_t>(topLocal)].region;
   }
-  void addArea(RegionNumber region, double twiceWidth, double height);
-  void addSeam(size_t fragment, int edge, RegionNumber left, RegionNumber right, double y0,
-               double y1);
-  void close(size_t fragment);
-  const Content& bulge(int edge);
-  size_t localOf(RegionNumber region) const;
+
+  void bound(const Active& active, RegionNumber left, RegionNumber right, double y);
+  void closeSeam(Seam& seam, double y);
+  void closeSeams(double y);
+  std::vector<int> orderOfSeams() const;
+  void addTo(Totals& totals, const Seam& seam) const;
+  Content contentOf(const Seam& seam) const;
 
   const std::vector<SweepEdge>& edges;
   const ContourRule& rule;
-  Totals& totals;
-  std::vector<Content> bulges;     // of edges, as far as they are known
-  std::vector<char> bulgeIsKnown;  // by edge
+  std::vector<Seam> closed;  // of all tiles
 
   RegionNumber base = 0;
   int topLocal = -1;
-  std::vector<Local> locals;           // the tile's regions, ascending
-  std::vector<size_t> fragmentLocals;  // by fragment
-  std::vector<Seam> seams;             // by fragment
+  std::vector<Local> locals;        // the tile's regions, ascending
+  std::vector<int> fragmentLocals;  // by fragment
+  std::vector<int> coverLocals;     // by cover
+  std::vector<Seam> seams;          // by fragment; those with regions are open
+  std::vector<Start> starting;      // fragments by their lower ends
+  std::vector<Start> later;
+  size_t started = 0;  // how many of those have been active
   std::vector<double> heights;
   std::vector<double> crossings;
   std::vector<Active> actives;  // from left to right at the middle of the slab
   std::vector<Active> swapped;
+  std::vector<Next> nexts;  // by place among the actives
+  std::vector<Lane> lanes;  // of the actives, once they are swept
 };
 
 }  // namespace Lumivane::Measure

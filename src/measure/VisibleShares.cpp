@@ -9,7 +9,6 @@
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
-#include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <utility>
@@ -39,6 +38,11 @@ void add(Share& sum, const Share& share) {
   sum.solidAngle += share.solidAngle;
 }
 
+// What rounding leaves of sums that should be nothing.
+constexpr double Residue = 1e-14;
+
+double withoutResidue(double value) { return value < Residue ? 0.0 : value; }
+
 // An arrangement of chords holds slivers that the arcs in their place do not have: their measure
 // then is a rounding's breadth, or a chord's, below nothing. It is taken as nothing, and what that
 // adds is taken from all others in proportion, so that the sum stays.
@@ -46,14 +50,14 @@ template <class Get>
 void raiseToZero(std::vector<Content>& contents, double whole, Get get) {
   double positive = 0.0;
   for (Content& content : contents) {
-    get(content) = std::max(get(content), 0.0);
+    get(content) = withoutResidue(get(content));
     positive += get(content);
   }
   for (Content& content : contents) get(content) *= whole / positive;
 }
 
 Share shareOf(double area, const Content& content, ProjectionType projection) {
-  const double visible = std::max(area, 0.0);
+  const double visible = withoutResidue(area);
   const bool round = projection == ProjectionType::Radial;
   return {visible, round ? visible / Kernel::Pi : content.viewFactor, content.solidAngle};
 }

@@ -29,7 +29,7 @@ double integral(Rate rate) {
 
 Vec2 between(Vec2 a, Vec2 b, double t) { return a + t * (b - a); }
 
-TEST(SphereContourProperty, LineTermIsTheIntegralAlongALine) {
+TEST(SphereContourProperty, LineSolidAngleIsTheIntegralAlongALine) {
   std::mt19937_64 random(1);
   for (int i = 0; i < 200; ++i) {
     const Vec2 a = inDisc(random);
@@ -40,7 +40,7 @@ TEST(SphereContourProperty, LineTermIsTheIntegralAlongALine) {
       const double square = dot(p, p);
       return (1 - heightOnHemisphere(p)) * flatCross(a, b) / square;
     });
-    EXPECT_NEAR(expected, lineTerm(line, b) - lineTerm(line, a), 1e-8);
+    EXPECT_NEAR(expected, lineSolidAngle(line, a, b), 1e-8);
   }
 }
 
@@ -56,7 +56,7 @@ TEST(SphereContourProperty, ArcTermIsTheLimitOfManyLines) {
       const double length = length3(mixed);
       const Vec2 next = {mixed.x / length, mixed.y / length};
       const DiscLine line = discLine(last, next);
-      sum += lineTerm(line, next) - lineTerm(line, last);
+      sum += lineSolidAngle(line, last, next);
       last = next;
     }
     EXPECT_NEAR(sum, arcTerm(a, b), 1e-5);
@@ -64,7 +64,9 @@ TEST(SphereContourProperty, ArcTermIsTheLimitOfManyLines) {
 }
 
 TEST(SphereContour, ALineThroughTheCentreEnclosesNothing) {
-  EXPECT_EQ(0.0, lineTerm(0.0, 0.7, std::sqrt(1 - 0.49)));
+  const Vec2 a = {-0.2, 0.0};
+  const Vec2 b = {0.7, 0.0};
+  EXPECT_EQ(0.0, lineSolidAngle(discLine(a, b), a, b));
   EXPECT_EQ(0.0, arcTerm(directionOfDisc({0.6, 0}), directionOfDisc({-0.3, 0})));
 }
 
@@ -77,10 +79,27 @@ TEST(SphereContour, TheRimEnclosesTheHemisphere) {
   EXPECT_NEAR(2 * Pi, sum, 1e-14);
 }
 
+// A line that nearly touches the rim encloses nearly all that its end points do with the centre:
+// the sector of an upright slice of the hemisphere.
 TEST(SphereContour, NothingIsLostWhereALineTouchesTheRim) {
-  EXPECT_TRUE(std::isfinite(lineTerm(1.0, 0.0, 0.0)));
-  EXPECT_TRUE(std::isfinite(levelTerm({0.0, 1.0})));
-  EXPECT_TRUE(std::isfinite(levelTerm({1.0, 0.0})));
+  const DiscLine touching = {1.0, {1.0, 0.0}};
+  EXPECT_EQ(0.0, lineSolidAngle(touching, {0.0, -1.0}, {0.0, -1.0}));
+  for (const double angle : {1e-3, 1e-6, 1e-9}) {
+    const Vec2 a = {-std::sin(angle), -std::cos(angle)};
+    const Vec2 b = {std::sin(angle), -std::cos(angle)};
+    EXPECT_NEAR(2 * angle, lineSolidAngle(discLine(a, b), a, b), 4 * angle * angle + 1e-15);
+  }
+}
+
+TEST(SphereContour, ALineFromRimToRimHasTheSolidAngleOfItsSlice) {
+  for (const double d : {0.0, 0.1, 0.5, 0.9}) {
+    const double s = std::sqrt(1 - d * d);
+    const double expected = Pi * d - 2 * std::atan2(d, s);
+    const Vec2 a = {-s, -d};
+    const Vec2 b = {s, -d};
+    EXPECT_NEAR(expected, lineSolidAngle(discLine(a, b), a, b), 1e-12) << d;
+    EXPECT_NEAR(-expected, lineSolidAngle(discLine(b, a), b, a), 1e-12) << d;
+  }
 }
 
 TEST(SphereContourProperty, LinesOfAnglesAreTheirIntegrals) {

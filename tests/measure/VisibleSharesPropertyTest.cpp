@@ -3,6 +3,7 @@
 
 #include "measure/HandShot.h"
 #include "plain/VisibleShares.h"
+#include "plain/VisibleSlabs.h"
 #include "support/ShotScene.h"
 #include "support/Vectors.h"
 
@@ -107,6 +108,77 @@ void expectAreasOfPoints(const Shot::Shot2d& shot, const VisibleShares& shares, 
   for (size_t i = 0; i < shares.regions().size(); ++i)
     EXPECT_NEAR(expected[i + 1], shares.regions()[i].share.area, tolerance)
         << what << ", region " << i + 1;
+}
+
+// Slivers between chords and arcs can make a solid angle less than nothing: it is taken as nothing,
+// and the rest in proportion.
+std::vector<double> raisedToZero(std::vector<double> angles) {
+  double sum = 0.0;
+  for (double& angle : angles) sum += angle = std::max(angle, 0.0);
+  for (double& angle : angles) angle *= 2 * Pi / sum;
+  return angles;
+}
+
+constexpr double Rounding = 1e-11;
+
+void expectAreasOfSlabs(const HandShot& hand, const std::string& what) {
+  const Plain::VisibleSums expected = Plain::VisibleSlabs(Plain::outlines(hand.shot)).sums;
+  const VisibleShares shares = hand.round();
+  EXPECT_NEAR(expected.areas[0], shares.open().area, Rounding) << what;
+  for (size_t i = 0; i < shares.regions().size(); ++i)
+    EXPECT_NEAR(expected.areas[i + 1], shares.regions()[i].share.area, Rounding)
+        << what << ", region " << i + 1;
+}
+
+void expectSolidAnglesOfSlabs(const HandShot& hand, const std::string& what) {
+  const Plain::VisibleSums expected = Plain::VisibleSlabs(Plain::outlines(hand.shot)).sums;
+  const std::vector<double> angles = raisedToZero(expected.solidAngles);
+  const VisibleShares shares = hand.round();
+  EXPECT_NEAR(angles[0], shares.open().solidAngle, Rounding) << what;
+  for (size_t i = 0; i < shares.regions().size(); ++i)
+    EXPECT_NEAR(angles[i + 1], shares.regions()[i].share.solidAngle, Rounding)
+        << what << ", region " << i + 1;
+}
+
+TEST(VisibleSharesProperty, RandomRegionsHaveTheSumsOfPlainSlabs) {
+  std::mt19937_64 random(20260111);
+  for (int round = 0; round < 150; ++round) {
+    HandShot hand;
+    const int regions = 1 + static_cast<int>(random() % 25);
+    for (int i = 0; i < regions; ++i)
+      hand.add(star(random, uniform(random, 0.05, 0.36), 3 + static_cast<int>(random() % 9)));
+    expectAreasOfSlabs(hand, "round " + std::to_string(round));
+    expectSolidAnglesOfSlabs(hand, "round " + std::to_string(round));
+  }
+}
+
+// Edges of different lengths lie on each other here: which one's arc counts is left to rounding.
+TEST(VisibleSharesProperty, MergedPointsWithSharedEdgesHaveTheAreasOfPlainSlabs) {
+  std::mt19937_64 random(20260112);
+  for (int round = 0; round < 150; ++round) {
+    HandShot hand;
+    for (int i = 0; i < 30; ++i) hand.add(merged(star(random, 0.3, 5), 0.0625));
+    expectAreasOfSlabs(hand, "round " + std::to_string(round));
+  }
+}
+
+// Edges that are level in the turned frame to the last bit.
+TEST(VisibleSharesProperty, EdgesAlongTheSweepsFrameKeepTheirSolidAngle) {
+  const double c = std::cos(0.4142);
+  const double s = std::sin(0.4142);
+  const auto height = [c, s](Vec2 p) { return s * p.x + c * p.y; };
+  std::mt19937_64 random(20260113);
+  int found = 0;
+  while (found < 40) {
+    const Vec2 a = {uniform(random, -0.5, 0.0), uniform(random, -0.5, 0.5)};
+    const double length = uniform(random, 0.1, 0.4);
+    const Vec2 b = {a.x + length * c, a.y - length * s};
+    if (height(a) != height(b)) continue;
+    ++found;
+    HandShot hand;
+    hand.add({{a.x, a.y}, {b.x, b.y}, {0.1, 0.6}});
+    expectSolidAnglesOfSlabs(hand, "edge " + std::to_string(found));
+  }
 }
 
 TEST(VisibleSharesProperty, RandomRegionsHaveTheAreasThatPointsTell) {
