@@ -14,6 +14,7 @@ packages=(
   python3-jsonschema                     # the schemas of the documents
   help2man dpkg-dev binutils             # manual pages, packages
   chromium                               # to look at SVG and pages
+  parallel                               # to spread eye points over shards
 )
 
 # Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.

@@ -16,6 +16,7 @@ A comment before a block may say otherwise:
 
     <!-- stands in: FILE -->      the block's lines stand in FILE, which is built or run elsewhere
     <!-- only parsed: REASON -->  a sh block that cannot run here; bash reads it
+    <!-- runs with: PROGRAM -->   a sh block that runs where there is this program, else bash reads it
     <!-- file: NAME -->           the block is kept under this name in the scratch folder
 """
 
@@ -25,12 +26,13 @@ import json
 import os
 import re
 import shlex
+import shutil
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-FENCE = re.compile(r"^(?:<!-- (?P<key>[a-z ]+): (?P<value>.+?) -->\n+)?"
+FENCE = re.compile(r"^(?:<!-- (?P<key>[a-z ]+): (?P<value>[^\n]+?) -->\n+)?"
                    r"^```(?P<language>[^\n]*)\n(?P<body>.*?)^```$", re.M | re.S)
 
 
@@ -55,7 +57,7 @@ class Document:
             (folder / name).symlink_to(self.root / name)
 
     def sh(self, body, key, value):
-        if key == "only parsed":
+        if key == "only parsed" or (key == "runs with" and shutil.which(value) is None):
             run(["bash", "-n"], self.folder, self.environment, body)
         else:
             run(["bash", "-euo", "pipefail"], self.folder, self.environment, body)
