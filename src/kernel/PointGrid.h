@@ -3,6 +3,7 @@
 #include "kernel/SamePoint.h"
 #include "kernel/Vec.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -79,15 +80,16 @@ class CellTiles {
 /// How: a grid of square cells, each with the chain of its points. What agrees with a point lies in
 /// the cells between its coordinates less and more a margin a little above the tolerance.
 /// Subtraction, multiplication by a positive number and floor are monotone, rounding included, so
-/// no cell is missed. Points beyond the grid's range stand in a list of their own.
+/// no cell is missed. Points beyond the grid's range stand in a list of their own. A tolerance far
+/// below the size of the picture does not make the cells smaller, or most of it would lie there.
 class PointGrid {
  public:
   explicit PointGrid(double agreement)
       : tolerance(agreement),
         margin(agreement * 1.01),
-        cellsPerLength(1.0 / (agreement * CellSide)),
-        range(agreement * CellSide * 1e8),
-        hasGrid(agreement > 1e-100 && agreement < 1e100) {}
+        cellsPerLength(1.0 / cellSide(agreement)),
+        range(cellSide(agreement) * 1e8),
+        hasGrid(agreement > 0.0 && agreement < 1e100) {}
 
   std::size_t size() const { return points.size(); }
 
@@ -108,6 +110,7 @@ class PointGrid {
   /// Calls `visit(position)` once for each point that agrees, in no promised order.
   template <class Visit>
   void forEachNear(Vec2 point, Visit visit) const {
+    if (!isAnythingNear(point)) return;
     if (!isInGrid(point)) {
       for (std::size_t i = 0; i < points.size(); ++i) visitIfNear(point, i, visit);
       return;
@@ -123,12 +126,20 @@ class PointGrid {
 
  private:
   using Position = CellTiles::Position;
-  static constexpr double CellSide = 4.0;  // in tolerances
+  static constexpr double CellSide = 4.0;         // in tolerances
+  static constexpr double SmallestCell = 4.0e-7;  // so that the range is the picture at least
+
+  static double cellSide(double agreement) { return std::max(agreement * CellSide, SmallestCell); }
 
   struct GridPoint {
     Vec2 at;
     Position nextInCell;
   };
+
+  // Whether some point may agree at all.
+  bool isAnythingNear(Vec2 point) const {
+    return tolerance > 0.0 && std::isfinite(point.x) && std::isfinite(point.y);
+  }
 
   // Cell numbers, the margin included, stay far within their type.
   bool isInGrid(Vec2 point) const {

@@ -117,5 +117,30 @@ TEST(PointPoolProperty, GivesTheFirstMatchOfTheScanForAnyTolerance) {
   }
 }
 
+// The tolerance may be smaller than the distance of neighbouring doubles, down to the smallest of
+// all: the cells, which do not shrink with it, miss no point.
+TEST(PointPoolProperty, GivesTheFirstMatchOfTheScanForTolerancesFarBelowThePicture) {
+  std::mt19937_64 random(20240614);
+  for (const double tolerance : {1e-10, 1e-13, 1e-16, 1e-17, 1e-160, 2.3e-308, 5e-324}) {
+    PointPool pool(tolerance);
+    Plain::PointPool plain(tolerance);
+    std::vector<double> coordinates{0.0, -0.0, 4e-7, -1.0};
+    std::size_t found = 0;
+    for (int i = 0; i < 1500; ++i) {
+      double near = coordinates[random() % coordinates.size()];
+      if (random() % 2 == 0) near += (static_cast<double>(random() % 9) - 4.0) / 4.0 * tolerance;
+      if (random() % 4 == 0) near = std::nextafter(near, random() % 2 == 0 ? -9.0 : 9.0);
+      if (random() % 8 == 0) coordinates.push_back(std::ldexp(near + 0.3, -1));
+      const Vec2 point{near, coordinates[random() % 4]};
+      const std::size_t expected = plain.find(point);
+      ASSERT_EQ(expected, pool.find(point)) << tolerance << ": " << point.x << ", " << point.y;
+      found += expected != PointPool::None ? 1 : 0;
+      plain.add(point);
+      pool.add(point);
+    }
+    EXPECT_LT(100u, found) << tolerance;
+  }
+}
+
 }  // namespace
 }  // namespace Lumivane::Test
