@@ -23,6 +23,7 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <thread>
 
 #include <fcntl.h>
@@ -37,6 +38,9 @@ using Session::TakenShot;
 
 // Where the library leaves its report of a cycle.
 constexpr const char* CycleReport = "log_sort.txt";
+
+// Leads the name of a file in a work folder that tells a process's number.
+constexpr const char* ProcessMark = "process-";
 
 std::string duration(double seconds) {
   const auto whole = static_cast<long>(seconds + 0.5);
@@ -198,14 +202,39 @@ class Batch {
         fs::path(setting.folder) / "parts" / (workFolderStart() + std::to_string(number));
     makeFolder(folder);
     fs::current_path(folder);
+    Session::writeFile(ProcessMark + std::to_string(getpid()), "");
   }
 
+  // Those of this run, and of one that was killed before.
   void removeWorkFolders() const {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(fs::path(setting.folder) / "parts", error)) {
       const std::string name = entry.path().filename().string();
-      if (name.rfind(workFolderStart(), 0) == 0) fs::remove_all(entry.path(), error);
+      if (name.rfind(workFolderStart(), 0) != 0) continue;
+      removeUnfinishedOf(entry.path());
+      fs::remove_all(entry.path(), error);
     }
+  }
+
+  // Files that processes of this work folder were about to write when they were killed.
+  void removeUnfinishedOf(const fs::path& workFolder) const {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(workFolder, error)) {
+      const std::string name = entry.path().filename().string();
+      if (name.rfind(ProcessMark, 0) == 0)
+        removeUnfinished(".lumivane." + name.substr(std::strlen(ProcessMark)) + "-");
+    }
+  }
+
+  void removeUnfinished(const std::string& start) const {
+    std::set<fs::path> folders;
+    for (const TableView& view : views)
+      for (const std::string& file : view.files)
+        folders.insert((fs::path(setting.folder) / file).parent_path());
+    std::error_code error;
+    for (const fs::path& folder : folders)
+      for (const auto& entry : fs::directory_iterator(folder, error))
+        if (entry.path().filename().string().rfind(start, 0) == 0) fs::remove(entry.path(), error);
   }
 
   // The row of the summary, led by + if the view was made and by - if not.

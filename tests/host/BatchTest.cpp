@@ -190,6 +190,63 @@ TEST(BatchProgram, AKilledRunGoesOnWhereItStopped) {
   EXPECT_EQ(filesOf(folder.path("whole")), filesOf(folder.path("out")));
 }
 
+// The processes that a program with this word among its arguments has made of itself.
+std::vector<pid_t> copiesOf(const std::string& word) {
+  std::vector<pid_t> all;
+  for (const auto& entry : fs::directory_iterator("/proc")) {
+    const std::string name = entry.path().filename().string();
+    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+    std::ifstream file(entry.path() / "cmdline");
+    const std::string line{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (line.find(word) != std::string::npos) all.push_back(static_cast<pid_t>(std::stol(name)));
+  }
+  std::vector<pid_t> copies;
+  for (const pid_t process : all) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    std::istringstream fields(line.substr(std::min(line.size(), line.rfind(')') + 1)));
+    std::string state;
+    pid_t parent = 0;
+    fields >> state >> parent;
+    if (std::count(all.begin(), all.end(), parent) > 0) copies.push_back(process);
+  }
+  return copies;
+}
+
+// As when memory ends, and the system picks one.
+TEST(BatchProgram, AProcessThatDiesCostsItsViewOnly) {
+  const TempFolder folder;
+  write(folder.path("views.csv"), manyViews(400));
+  ASSERT_EQ(0, run(batch(folder, "whole", Outputs)).status);
+
+  std::vector<std::string> command = batch(folder, "out", with(Outputs, {"--jobs", "2"}));
+  command.insert(command.begin(), LUMIVANE_PROGRAM);
+  bool isKilled = false;
+  const Result result =
+      Lumivane::Test::runUntil(command, {{"DISPLAY", {}}}, SIGKILL, [&folder, &isKilled] {
+        if (isKilled || !fs::exists(folder.path("out/shots/v5.json"))) return false;
+        const std::vector<pid_t> copies = copiesOf(folder.path("out"));
+        if (!copies.empty()) isKilled = kill(copies.front(), SIGKILL) == 0;
+        return false;  // the run itself goes on to its end
+      });
+  ASSERT_TRUE(isKilled) << "it ended before";
+  EXPECT_EQ(1, result.status);
+  EXPECT_FALSE(result.bySignal);
+  const std::string summary = fileBytes(folder.path("out/summary.csv"));
+  const std::vector<std::string> rows = lines(summary);
+  ASSERT_EQ(401U, rows.size());
+  const auto has = [](const std::string& word) {
+    return [word](const std::string& row) { return row.find(word) != std::string::npos; };
+  };
+  EXPECT_EQ(399, std::count_if(rows.begin(), rows.end(), has(",ok,")));
+  EXPECT_EQ(1,
+            std::count_if(rows.begin(), rows.end(), has(",failed,its process ended by signal 9,")));
+
+  ASSERT_EQ(0, run(batch(folder, "out", Outputs)).status);
+  EXPECT_EQ(filesOf(folder.path("whole")), filesOf(folder.path("out")));
+}
+
 TEST(BatchProgram, ATornLineOfTheJournalCountsAsNone) {
   const TempFolder folder;
   write(folder.path("views.csv"), manyViews(3));
