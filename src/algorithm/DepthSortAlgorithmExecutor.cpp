@@ -72,63 +72,62 @@ struct Pools {
   Geometry::Points3d* scenePoints;
 };
 
-const Geometry::Region2d& addCopy(ObjectData::Regions& regions, const Geometry::Region2d& region) {
-  regions.push_back(nullptr);
-  regions.back() = new Geometry::Region2d(region);
-  return *regions.back();
-}
-
 Kernel::Vec2 planePoint(Geometry::Points2d* points, int number) {
   const Geometry::Point2d& point = elementOfNumber(points, &Geometry::Points2d::getPoint, number);
   return {point.getX(), point.getY()};
 }
 
-// One piece of a face. A region without points stays in the list of regions all the same, which
-// then is longer than the two lists of polygons.
-void addPiece(ObjectData::Regions& regions, SortShapes& shapes, int regionNumber,
-              const Pools& pools, const Scene::Object* object) {
-  const auto position = static_cast<std::size_t>(positionOfNumber(regionNumber));
-  if (position >= pools.regions.size()) Utils::throwInvalidSubscript();
-  const Geometry::Region2d& region = addCopy(regions, existing(pools.regions[position]));
+// Takes the faces of a shot into the flat lists of a sort.
+class ShapeCollector {
+ public:
+  ShapeCollector(const Pools& poolsOfNumbers, SortShapes& target)
+      : pools(poolsOfNumbers), shapes(target) {}
 
-  const std::vector<int>& numbers = numbersOf(region.getPoints());
-  if (numbers.empty()) return;
-  shapes.addPiece(numbers.size(),
-                  [&](std::size_t k) { return planePoint(pools.planePoints, numbers[k]); });
-
-  const Geometry::Region& source = elementOfNumber(
-      existing(object).getRegions(), &Geometry::Regions::getRegion, region.getSourceRegionNumber());
-  std::vector<Kernel::Vec3> corners;
-  corners.reserve(numbersOf(source.getPoints()).size());
-  for (const int number : numbersOf(source.getPoints()))
-    corners.push_back(scenePoint(pools.scenePoints, number));
-  if (!corners.empty()) shapes.addSource(corners);
-}
-
-// The object of a face; null if the face has no polygon.
-ObjectData* objectOf(const Geometry::Face2d& face, const Pools& pools, SortShapes& shapes,
-                     const std::string& id, const Scene::Object* source) {
-  OwnedRegions regions(new ObjectData::Regions());
-  shapes.addFace();
-  for (const int number : numbersOf(face.getRegions()))
-    addPiece(*regions, shapes, number, pools, source);
-  if (shapes.faces.back().pieceCount == 0) {
-    shapes.dropLastFace();
+  // The object of a face; null if the face has no polygon.
+  ObjectData* objectOf(const Geometry::Face2d& face, const std::string& id,
+                       const Scene::Object* source) {
+    shapes.beginFace();
+    for (const int number : numbersOf(face.getRegions())) addPiece(number, source);
+    if (shapes.faces.back().pieceCount != 0)
+      return SortObject::make(id, shapes, shapes.faces.size() - 1);
+    shapes.dropFace();
     return nullptr;
   }
-  ObjectData* object = SortObject::make(id, regions.get(), shapes, shapes.faces.size() - 1);
-  static_cast<void>(regions.release());
-  return object;
-}
 
-// So that the arrays are laid out once.
-void reserve(SortShapes& shapes, const std::vector<Geometry::Region2d*>& regions) {
+ private:
+  // One piece of the last face. A region without points stays in the list of regions all the same,
+  // which then is longer than the two lists of polygons.
+  void addPiece(int regionNumber, const Scene::Object* object) {
+    const auto position = static_cast<std::size_t>(positionOfNumber(regionNumber));
+    if (position >= pools.regions.size()) Utils::throwInvalidSubscript();
+    const Geometry::Region2d& region = existing(pools.regions[position]);
+    shapes.addRegion(position);
+
+    const std::vector<int>& numbers = numbersOf(region.getPoints());
+    if (numbers.empty()) return;
+    shapes.addPiece(numbers.size(),
+                    [&](std::size_t k) { return planePoint(pools.planePoints, numbers[k]); });
+    addSource(elementOfNumber(existing(object).getRegions(), &Geometry::Regions::getRegion,
+                              region.getSourceRegionNumber()));
+  }
+
+  void addSource(const Geometry::Region& source) {
+    corners.clear();
+    for (const int number : numbersOf(source.getPoints()))
+      corners.push_back(scenePoint(pools.scenePoints, number));
+    if (!corners.empty()) shapes.addSource(corners);
+  }
+
+  const Pools& pools;
+  SortShapes& shapes;
+  std::vector<Kernel::Vec3> corners;  // of one polygon after the other
+};
+
+std::size_t pointCountOf(const std::vector<Geometry::Region2d*>& regions) {
   std::size_t points = 0;
   for (const Geometry::Region2d* region : regions)
     if (region != nullptr) points += numbersOf(region->getPoints()).size();
-  shapes.outlines.reserve(regions.size(), points);
-  shapes.sources.reserve(regions.size());
-  shapes.faces.reserve(regions.size());
+  return points;
 }
 
 // The first object of each id.
@@ -141,11 +140,10 @@ std::unordered_map<std::string, const Scene::Object*> objectsById(Scene::Objects
 
 }  // namespace
 
-ObjectData* SortObject::make(const std::string& sourceObject, ObjectData::Regions* regions,
-                             const SortShapes& shapes, std::size_t face) {
+ObjectData* SortObject::make(const std::string& sourceObject, const SortShapes& shapes,
+                             std::size_t face) {
   auto object = std::make_unique<ObjectData>();
   object->sourceObject = sourceObject;
-  object->sourceRegions = regions;
   object->shapes = &shapes;
   object->face = face;
   return object.release();
@@ -153,7 +151,7 @@ ObjectData* SortObject::make(const std::string& sourceObject, ObjectData::Region
 
 void SortObject::release(ObjectData* object) {
   if (object == nullptr) return;
-  const OwnedRegions regions(object->sourceRegions);
+  const OwnedRegions regions(object->lists.sourceRegions);
   const OwnedPolygons polygons(object->lists.projectedPolygons);
   const OwnedSources sources(object->lists.sourcePolygons);
   delete object->lists.projectedBounds;
@@ -188,7 +186,9 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
   const auto sources = objectsById(scene->getObjects());
   const Pools pools{elementsOf(shot->getRegions(), &Geometry::Regions2dInDrawingOrder::getRegions),
                     shot->getPoints(), scene->getPoints()};
-  reserve(*shapes, pools.regions);
+  shapes->shotRegions = &pools.regions;
+  shapes->reserve(pools.regions.size(), pointCountOf(pools.regions));
+  ShapeCollector collector(pools, *shapes);
   for (const Shot::Object2d* object :
        elementsOf(shot->getObjects(), &Shot::Objects2d::getObjects)) {
     if (object == nullptr) continue;
@@ -199,7 +199,7 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
          elementsOf(object->getFaces(), &Geometry::Faces2d::getFaces)) {
       if (face == nullptr) continue;
       objectDataList->push_back(nullptr);  // what can fail comes before the handing over
-      objectDataList->back() = objectOf(*face, pools, *shapes, id, source);
+      objectDataList->back() = collector.objectOf(*face, id, source);
       if (objectDataList->back() == nullptr) objectDataList->pop_back();
     }
   }

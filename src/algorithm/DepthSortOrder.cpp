@@ -4,6 +4,7 @@
 #include "algorithm/ClassificationMatrix.h"
 #include "algorithm/CycleReport.h"
 #include "algorithm/SortObjects.h"
+#include "algorithm/SortShapes.h"
 #include "kernel/Order.h"
 #include "utils/StageScope.h"
 
@@ -44,20 +45,68 @@ std::vector<std::uint32_t> sortedObjects(const std::vector<ObjectData*>& objects
   return std::move(order.nodes);
 }
 
-// Appends the object's regions, which the shot takes over, and gives their numbers in the shot.
-std::vector<int> moveRegions(ObjectData& object, Geometry::Regions2dInDrawingOrder& regions) {
-  std::vector<int> numbers;
-  for (Geometry::Region2d* region : *object.getSourceRegions()) {
-    regions.addRegion(region);
-    numbers.push_back(static_cast<int>(regions.getRegions()->size()));
+// The regions that a shot had before they are put into their order. Each is handed out once as it
+// is, and copied where it is asked for again; what nobody asked for is destroyed.
+class RegionStock {
+ public:
+  explicit RegionStock(Geometry::Regions2dInDrawingOrder* list) {
+    if (list == nullptr || list->getRegions() == nullptr) return;
+    regions.swap(*list->getRegions());
+    isTaken.assign(regions.size(), 0);
   }
-  object.getSourceRegions()->clear();
-  return numbers;
-}
+  RegionStock(const RegionStock&) = delete;
+  RegionStock& operator=(const RegionStock&) = delete;
+  ~RegionStock() {
+    for (std::size_t k = 0; k < regions.size(); ++k)
+      if (isTaken[k] == 0) delete regions[k];
+  }
 
-void addFace(Geometry::Faces2d& faces, const std::vector<int>& regionNumbers) {
+  Geometry::Region2d* take(std::size_t position) {
+    Geometry::Region2d* const region = regions[position];
+    // A region is handed on as a copy is, and that has both lists.
+    const bool isWhole = region->getPoints() != nullptr && region->getDockingEdges() != nullptr;
+    if (isTaken[position] != 0 || !isWhole) return new Geometry::Region2d(*region);
+    isTaken[position] = 1;
+    return region;
+  }
+
+ private:
+  std::vector<Geometry::Region2d*> regions;
+  std::vector<char> isTaken;
+};
+
+// Moves what the shot takes over to the end of its regions, and gives the numbers there.
+class RegionMover {
+ public:
+  RegionMover(const SortShapes& sortShapes, Geometry::Regions2dInDrawingOrder* list)
+      : shapes(sortShapes), stock(list), regions(list) {}
+
+  std::vector<int> move(ObjectData& object) {
+    numbers.clear();
+    if (const std::size_t* const face = SortObject::faceOf(object)) {
+      for (const std::size_t position : shapes.regionsOf(*face)) append(stock.take(position));
+    } else {
+      for (Geometry::Region2d* region : *object.getSourceRegions()) append(region);
+      object.getSourceRegions()->clear();
+    }
+    return numbers;
+  }
+
+ private:
+  void append(Geometry::Region2d* region) {
+    regions->addRegion(region);
+    numbers.push_back(static_cast<int>(regions->getRegions()->size()));
+  }
+
+  const SortShapes& shapes;
+  RegionStock stock;
+  Geometry::Regions2dInDrawingOrder* regions;
+  std::vector<int> numbers;
+};
+
+void addFace(Geometry::Faces2d& faces, std::vector<int> regionNumbers) {
   auto* face = new Geometry::Face2d();
-  *face->getRegions() = regionNumbers;
+  *face->getRegions() = std::move(regionNumbers);
   faces.addFace(face);
 }
 
@@ -86,8 +135,9 @@ void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
 }
 
 void DepthSortAlgorithmExecutor::rewriteShot() {
-  Geometry::Regions2dInDrawingOrder* regions = shot->getRegions();
-  if (regions != nullptr) regions->clear();
+  // A polygon of an object came from the shot's regions, so with an object that list is there.
+  RegionMover mover(*shapes, shot->getRegions());
+  shapes->shotRegions = nullptr;
   std::unordered_map<std::string, Shot::Object2d*> objects;  // the first one of each id
   for (Shot::Object2d* object : elementsOf(shot->getObjects(), &Shot::Objects2d::getObjects)) {
     if (object == nullptr) continue;
@@ -95,11 +145,10 @@ void DepthSortAlgorithmExecutor::rewriteShot() {
     objects.emplace(object->getId(), object);
   }
   for (ObjectData* data : *objectDataList) {
-    // A polygon of the object came from the shot's regions, so that list is there.
-    const std::vector<int> numbers = moveRegions(*data, *regions);
+    std::vector<int> numbers = mover.move(*data);
     const auto object = objects.find(data->getSourceObject());
     if (object != objects.end() && object->second->getFaces() != nullptr)
-      addFace(*object->second->getFaces(), numbers);
+      addFace(*object->second->getFaces(), std::move(numbers));
   }
 }
 

@@ -3,6 +3,7 @@
 #include <lumivane/algorithm/Bounds2D.h>
 #include <lumivane/algorithm/ObjectData.h>
 #include <lumivane/algorithm/ProjectedPolygonData.h>
+#include <lumivane/geometry/Region2d.h>
 
 #include <cstddef>
 
@@ -32,7 +33,6 @@ ObjectData::ObjectData() : id(std::to_string(idCounter++)) {}
 ObjectData::ObjectData(const ObjectData& other)
     : id(other.id),
       sourceObject(other.sourceObject),
-      sourceRegions(other.sourceRegions),
       lists(other.withLists()),
       depthIndex(other.depthIndex) {}
 
@@ -41,15 +41,18 @@ ObjectData& ObjectData::operator=(const ObjectData& other) {
   shapes = nullptr;
   id = other.id;
   sourceObject = other.sourceObject;
-  sourceRegions = other.sourceRegions;
   depthIndex = other.depthIndex;
   return *this;
 }
 
 void ObjectData::makeLists() const {
-  const Kernel::FaceShapes& flat = *shapes;
+  const SortShapes& flat = *shapes;
   const Kernel::FaceShapes::Face& place = flat.faces[face];
   shapes = nullptr;
+  lists.sourceRegions = new Regions();
+  if (flat.shotRegions != nullptr)
+    for (const std::size_t position : flat.regionsOf(face))
+      lists.sourceRegions->push_back(new Geometry::Region2d(*(*flat.shotRegions)[position]));
   lists.projectedPolygons = new ProjectedPolygons();
   for (std::size_t k = 0; k < place.pieceCount; ++k) {
     const Kernel::Ring ring = flat.outlines[place.firstPiece + k];

@@ -15,9 +15,13 @@ class SortShapes;
 // How the sort makes and destroys its objects.
 class SortObject {
  public:
-  // A new object; takes the regions over.
-  static ObjectData* make(const std::string& sourceObject, ObjectData::Regions* regions,
-                          const SortShapes& shapes, std::size_t face);
+  static ObjectData* make(const std::string& sourceObject, const SortShapes& shapes,
+                          std::size_t face);
+
+  // The object's place among the shapes, or null if it has lists of its own.
+  static const std::size_t* faceOf(const ObjectData& object) {
+    return object.shapes == nullptr ? nullptr : &object.face;
+  }
 
   // Destroys an object, if there is one, with everything that hangs on it. Regions that became the
   // shot's must have left its list.

@@ -200,6 +200,45 @@ TEST_F(DepthSortOrder, RegionsStayInTheShotWhereNoFaceCanTakeThem) {
   EXPECT_TRUE(stage.faces(1).empty());
 }
 
+TEST_F(DepthSortOrder, RegionNamedTwiceComesTwiceAndOneThatNoFaceNamesGoes) {
+  stage.addObject("a");
+  addFaces(1);
+  Geometry::Face2d& second = stage.addFace({SortStage::square(2, 5, 1)});
+  stage.shot.getRegions()->addRegion(new Geometry::Region2d());
+  second.addRegion(1);
+  EXPECT_EQ((Numbers{101, 102, 101}), orderBy({}));
+  EXPECT_EQ((std::vector<Numbers>{{1}, {2, 3}}), stage.faces(0));
+  const Geometry::Region2d* first = stage.shot.getRegions()->getRegion(0);
+  const Geometry::Region2d* again = stage.shot.getRegions()->getRegion(2);
+  ASSERT_NE(first, again);
+  EXPECT_EQ(*first->getPoints(), *again->getPoints());
+  EXPECT_NE(first->getPoints(), again->getPoints());
+}
+
+TEST_F(DepthSortOrder, RegionsComeBackWithBothLists) {
+  stage.addObject("a");
+  addFaces(1);
+  Geometry::Region2d* region = stage.shot.getRegions()->getRegion(0);
+  delete region->getDockingEdges();
+  region->setDockingEdges(nullptr);
+  EXPECT_EQ(Numbers{101}, orderBy({}));
+  ASSERT_NE(nullptr, stage.shot.getRegions()->getRegion(0)->getDockingEdges());
+  EXPECT_TRUE(stage.shot.getRegions()->getRegion(0)->getDockingEdges()->empty());
+}
+
+TEST_F(DepthSortOrder, RegionsThatWereAskedForAreThoseOfTheShot) {
+  stage.addObject("a");
+  addFaces(2);
+  executor.setScene(&stage.scene);
+  executor.setShot(&stage.shot);
+  probe.fill();
+  Geometry::Region2d* const copy = probe.objects()->at(1)->getSourceRegions()->at(0);
+  probe.setRows({{}, {2}});
+  printed = capturedStdout([&] { probe.calculate(); });
+  EXPECT_EQ((Numbers{102, 101}), stage.regions());
+  EXPECT_EQ(copy, stage.shot.getRegions()->getRegion(0));
+}
+
 // The whole road: three squares one behind the other, listed front first.
 TEST(DepthSort, DrawsBackToFrontAndDropsWhatIsHidden) {
   SortStage stage;

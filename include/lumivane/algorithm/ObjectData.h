@@ -47,8 +47,9 @@ class LUMIVANE_EXPORT ObjectData {
   void setSourceObject(std::string value) { sourceObject = std::move(value); }  ///< Unchecked.
 
   /// The face's regions in the shot; borrowed, may be null.
-  Regions* getSourceRegions() const { return sourceRegions; }
-  void setSourceRegions(Regions* value) { sourceRegions = value; }  ///< Stores it; frees nothing.
+  Regions* getSourceRegions() const { return withLists().sourceRegions; }
+  /// Stores it; frees nothing.
+  void setSourceRegions(Regions* value) { withLists().sourceRegions = value; }
 
   /// Their polygons in the scene; borrowed, may be null.
   SourcePolygons* getSourcePolygons() const { return withLists().sourcePolygons; }
@@ -80,15 +81,17 @@ class LUMIVANE_EXPORT ObjectData {
  private:
   friend class SortObject;
 
-  // The polygons of an object, with their bounds.
+  // The regions and polygons of an object, with their bounds.
   struct Lists {
+    Regions* sourceRegions = nullptr;
     SourcePolygons* sourcePolygons = nullptr;
     ProjectedPolygons* projectedPolygons = nullptr;
     Bounds2D* projectedBounds = nullptr;
   };
 
-  // An object that the sort has made knows where its polygons lie flat. They become lists when
-  // somebody first asks for one, which a sort does not.
+  // An object that the sort has made knows where its polygons lie flat, and which regions of the
+  // shot it has. They become lists, the regions copies, when somebody first asks for one, which a
+  // sort does not.
   Lists& withLists() const {
     if (shapes != nullptr) makeLists();
     return lists;
@@ -99,7 +102,6 @@ class LUMIVANE_EXPORT ObjectData {
 
   std::string id;
   std::string sourceObject;
-  Regions* sourceRegions = nullptr;
   mutable Lists lists;
   mutable const SortShapes* shapes = nullptr;  // until the lists are made
   std::size_t face = 0;                        // the object's place there
