@@ -32,18 +32,18 @@ class Rings {
     values.resize(start + 2 * length, std::numeric_limits<double>::quiet_NaN());
     double* const x = values.data() + start;
     double* const y = x + length;
-    Place place{start, length, count, Box{}};
+    Box box;
     for (std::size_t k = 0; k < count; ++k) {
       const Vec2 point = pointAt(k);
       x[k] = point.x;
       y[k] = point.y;
-      take(place.box, point);
+      take(box, point);
     }
     if (count != 0) {
       x[count] = x[0];
       y[count] = y[0];
     }
-    places.push_back(place);
+    places.push_back({start, length, count, box});
     if (count > largestCount) largestCount = count;
   }
 
