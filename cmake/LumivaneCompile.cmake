@@ -13,6 +13,11 @@ if(LUMIVANE_WERROR)
   target_compile_options(lumivane_compile INTERFACE -Werror)
 endif()
 
+# A library calls its own functions directly: none of them is meant to be replaced from outside.
+target_compile_options(lumivane_compile INTERFACE
+  $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+target_link_options(lumivane_compile INTERFACE -Wl,-Bsymbolic-functions)
+
 if(LUMIVANE_SANITIZE)
   target_compile_options(lumivane_compile INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
