@@ -218,6 +218,54 @@ TEST(VisibleSharesProperty, DenseScenesAddUpToTheWhole) {
   }
 }
 
+// Outlines as no shot should have them, by kind.
+Outline oddOutline(std::mt19937_64& random, int kind) {
+  const double angle = uniform(random, 0.0, 2 * Pi);
+  const double c = std::cos(angle);
+  const double s = std::sin(angle);
+  const double width = std::pow(10.0, uniform(random, -17.0, -3.0));
+  const double size = std::pow(10.0, uniform(random, -3.0, 300.0));
+  const double values[] = {0.0, 1.0, -1.0, 0.5, NAN, HUGE_VAL, 1e-300, 5e-324};
+  const double near = std::ldexp(1.0, -static_cast<int>(random() % 60));
+  Outline outline;
+  switch (kind) {
+    case 0:  // a sliver across the picture
+      return {{-c, -s}, {c, s}, {c - width * s, s + width * c}};
+    case 1:  // far outside
+      for (int i = 0; i < 5; ++i)
+        outline.push_back({uniform(random, -size, size), uniform(random, -size, size)});
+      return outline;
+    case 2:  // no numbers, and the least ones
+      for (int i = 0; i < 5; ++i) outline.push_back({values[random() % 8], values[random() % 8]});
+      return outline;
+    case 3:  // nearly on others of its kind
+      return {{-0.8, 0.1}, {0.8, 0.1 + near}, {0.8, -0.1 - near}};
+    case 4:  // to and fro along the rim, a little outside
+      for (int i = 0; i < 30; ++i) {
+        const double along = uniform(random, 0.0, 2 * Pi);
+        outline.push_back({1.0000001 * std::cos(along), 1.0000001 * std::sin(along)});
+      }
+      return outline;
+    default:  // points that are repeated
+      for (int i = 0; i < 5; ++i)
+        outline.insert(outline.end(), 1 + random() % 3,
+                       {uniform(random, -0.9, 0.9), uniform(random, -0.9, 0.9)});
+      return outline;
+  }
+}
+
+TEST(VisibleSharesProperty, OddOutlinesAddUpToTheWhole) {
+  std::mt19937_64 random(20260114);
+  for (int round = 0; round < 60; ++round) {
+    HandShot hand;
+    for (int i = 0; i < 40; ++i)
+      hand.add(oddOutline(random, round < 36 ? round % 6 : static_cast<int>(random() % 6)));
+    const std::string what = "round " + std::to_string(round);
+    expectWholeAndNotNegative(hand.round(), what);
+    expectWholeAndNotNegative(hand.square(), what);
+  }
+}
+
 // Each polygon of a wheel has a corner in the hub and an edge in common with the next one.
 TEST(VisibleSharesProperty, AWheelOfManySpokesIsSharedOutEvenly) {
   constexpr int Spokes = 3000;
