@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/concepts.md in docs/pictures, from the scenes that explain one thing each,
-# and those of a real town on the first page.
+# Makes the pictures in docs/pictures: of the scenes that explain one thing each, of the room and the
+# street, and of a real town. The two windows, window-*.png, are pictures of a screen and stay.
 # Usage: scripts/make_pictures.sh [PROGRAM]    (build/release/host/lumivane by default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -20,6 +20,14 @@ picture() {  # picture SCENE EYE [OPTION...]
 picture winding -4.1,0.013,1.1
 picture docking -4.1,0.013,0.017
 picture ring -4,0.013,0.017
+
+while read -r name scene camera eye forward; do
+  case $name in room-* | street-*) ;; *) continue ;; esac
+  (cd "$work" && "$program" shot "$OLDPWD/scenes/$scene" --camera "$camera" --eye "$eye" \
+    --forward "$forward" --axes --size 480x480 --png-vector "$pictures/$name.png" \
+    </dev/null >/dev/null)
+  echo "docs/pictures/$name.png"
+done <scenes/views.txt
 
 # The pieces of an edge are short by --max-length already; one at least is enough for the many short
 # edges of a town.
