@@ -1,7 +1,6 @@
 #include "support/Capture.h"
 #include "support/DepthSortProbe.h"
 #include "support/SortStage.h"
-#include "support/TemporaryFolder.h"
 #include "support/Thrown.h"
 
 #include <lumivane/algorithm/Bounds2D.h>

@@ -1,7 +1,7 @@
 #include "support/Capture.h"
 #include "support/DepthSortProbe.h"
 #include "support/SortStage.h"
-#include "support/TemporaryFolder.h"
+#include "support/WorkingFolder.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
 #include <lumivane/algorithm/ObjectData.h>
@@ -106,7 +106,7 @@ TEST_F(DepthSortOrder, HiddenFaceHasNoEdges) {
 }
 
 TEST_F(DepthSortOrder, CycleIsReportedAndDrawnInListOrder) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   stage.addObject("a");
   addFaces(3);
   EXPECT_EQ((Numbers{101, 102, 103}), orderBy({{}, {1}, {2, 1}}));
@@ -123,7 +123,7 @@ TEST_F(DepthSortOrder, CycleIsReportedAndDrawnInListOrder) {
 }
 
 TEST_F(DepthSortOrder, FacesBehindACycleKeepListOrderAfterTheSorted) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   stage.addObject("a");
   addFaces(5);
   // First to third in a ring, the fourth in front of the third, the fifth behind the first.

@@ -5,7 +5,7 @@
 #include "support/Capture.h"
 #include "support/DepthSortProbe.h"
 #include "support/SortStage.h"
-#include "support/TemporaryFolder.h"
+#include "support/WorkingFolder.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
 #include <lumivane/algorithm/ObjectData.h>
@@ -126,7 +126,7 @@ std::string plainReport(const Plain::Sorted& sorted) {
   return text;
 }
 
-void expectPlainOrder(SortStage& stage, DepthSortProbe& probe, const TemporaryFolder& folder,
+void expectPlainOrder(SortStage& stage, DepthSortProbe& probe, const WorkingFolder& folder,
                       const DepthSortProbe::Matrix& cells, int& cycles) {
   const Plain::Order order = Plain::objectsOrder(idsOf(probe), cells);
   const Plain::Sorted sorted = Plain::sortGraph(order.edges);
@@ -147,7 +147,7 @@ void expectPlainOrder(SortStage& stage, DepthSortProbe& probe, const TemporaryFo
 
 // Gives how many scenes had a cycle.
 int expectPlainSorts(std::uint64_t seed, int scenes, AnyPiece anyPiece) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   Random random(seed);
   int cycles = 0;
   int counts[6] = {};

@@ -1,9 +1,9 @@
 #include "plain/DepthSort.h"
 #include "support/Capture.h"
 #include "support/DepthSortProbe.h"
-#include "support/TemporaryFolder.h"
 #include "support/Thrown.h"
 #include "support/Vectors.h"
+#include "support/WorkingFolder.h"
 
 #include <lumivane/algorithm/Edge.h>
 #include <lumivane/algorithm/Graph.h>
@@ -44,7 +44,7 @@ Names sortedNodes(Graph& graph) {
 
 // The nodes of a graph that has no cycle, with the check that the sort is silent.
 Names sortedSilently(const Rows& rows) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   Graph graph(rows);
   Names nodes;
   EXPECT_EQ("", capturedStdout([&] { nodes = sortedNodes(graph); }));
@@ -60,7 +60,7 @@ struct Cyclic {
 };
 
 Cyclic sortedCyclic(const Rows& rows) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   Graph graph(rows);
   Cyclic result;
   EXPECT_EQ(CyclicMessage, capturedStdout([&] { result.nodes = sortedNodes(graph); }));
@@ -70,7 +70,7 @@ Cyclic sortedCyclic(const Rows& rows) {
 }
 
 const VectorTests GraphSortVectors("graphSort", [](const VectorCase& c) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   checkedRun(c, [&] {
     Graph graph(c.in.at("rows").get<Rows>());
     const Names sorted = sortedNodes(graph);  // may throw: then there is no `out` to look at
@@ -161,7 +161,7 @@ TEST(Graph, RemainingEdgesAreSortedByNumberNotByText) {
 }
 
 TEST(Graph, ReportReplacesWhatTheFileHeld) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   std::ofstream(folder.file(ReportName)) << std::string(1000, 'x');
   Graph graph(Rows{{"4", "4"}});
   capturedStdout([&] { sortedNodes(graph); });
@@ -169,7 +169,7 @@ TEST(Graph, ReportReplacesWhatTheFileHeld) {
 }
 
 TEST(Graph, ReportThatCannotBeWrittenIsPassedOver) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   std::filesystem::create_directory(folder.file(ReportName));
   Graph graph(Rows{{"1", "4"}, {"4", "4"}});
   Names nodes;
@@ -178,14 +178,14 @@ TEST(Graph, ReportThatCannotBeWrittenIsPassedOver) {
 }
 
 TEST(Graph, SecondSortOfAnEmptiedGraphIsEmpty) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   Graph graph(Rows{{"1", "2"}});
   sortedNodes(graph);
   EXPECT_EQ(Names{}, sortedNodes(graph));
 }
 
 TEST(Graph, CyclicNameThatIsNoNumberThrows) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   capturedStdout([] {
     EXPECT_EQ("invalid stoi argument", thrownText<std::invalid_argument>([] {
                 Graph graph(Rows{{"a", "b"}, {"b", "a"}});
@@ -195,7 +195,7 @@ TEST(Graph, CyclicNameThatIsNoNumberThrows) {
 }
 
 TEST(Graph, CyclicNameBeyondIntThrows) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   capturedStdout([] {
     EXPECT_EQ("stoi argument out of range", thrownText<std::out_of_range>([] {
                 Graph graph(Rows{{"2147483648", "1"}, {"1", "2147483648"}});
@@ -210,7 +210,7 @@ TEST(Graph, SingleCyclicEdgeIsNeverCompared) {
 }
 
 TEST(Graph, CopyHasEdgesOfItsOwn) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   Graph graph(Rows{{"1", "2"}});
   Graph copy(graph);
   sortedNodes(graph);
@@ -250,7 +250,7 @@ TEST(Graph, FirstElementOfNothingThrows) {
 }
 
 TEST(GraphProperty, OrderIsThatOfThePlainScan) {
-  const TemporaryFolder folder;
+  const WorkingFolder folder;
   std::mt19937_64 random(20240702);
   for (int i = 0; i < 1500; ++i) {
     const std::uint64_t nodes = 1 + random() % 20;

@@ -10,21 +10,21 @@
 namespace Lumivane::Test {
 
 /// An empty folder that is the working directory as long as the object lives, and gone after it.
-class TemporaryFolder {
+class WorkingFolder {
  public:
-  TemporaryFolder() : before(std::filesystem::current_path()) {
+  WorkingFolder() : before(std::filesystem::current_path()) {
     std::string pattern = (std::filesystem::temp_directory_path() / "lumivane-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     path = pattern;
     std::filesystem::current_path(path);
   }
-  ~TemporaryFolder() {
+  ~WorkingFolder() {
     std::error_code ignored;
     std::filesystem::current_path(before, ignored);
     std::filesystem::remove_all(path, ignored);
   }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  WorkingFolder(const WorkingFolder&) = delete;
+  WorkingFolder& operator=(const WorkingFolder&) = delete;
 
   bool isEmpty() const { return std::filesystem::is_empty(path); }
   std::filesystem::path file(const std::string& name) const { return path / name; }
