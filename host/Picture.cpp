@@ -47,8 +47,7 @@ std::string drawPicture(const std::string& file, Shot::Shot2d& shot, int width, 
     return png;
   } catch (const std::out_of_range& error) {
     const std::string place = Session::shotFault(shot);
-    throw HostError(file, "the picture is not drawn: " + (place.empty() ? "" : place + " ") + "(" +
-                              error.what() + ")");
+    throw HostError(file, "the picture is not drawn: " + (place.empty() ? error.what() : place));
   }
 }
 

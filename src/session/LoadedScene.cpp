@@ -105,7 +105,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
     shot = make(scene(), view, taken->setup, progress);
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
-    throw failure(*this, (place.empty() ? "" : place + " ") + "(" + error.what() + ")");
+    throw failure(*this, place.empty() ? error.what() : place);
   } catch (const std::bad_alloc&) {
     releaseWorkingLists();
     throw;  // a text for it would need memory as well
