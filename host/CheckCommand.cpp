@@ -3,6 +3,9 @@
 #include "Options.h"
 
 #include <lumivane/check/SceneChecker.h>
+#ifdef LUMIVANE_HOST_EXCHANGE
+#include <lumivane/exchange/Importer.h>
+#endif
 #include <lumivane/io/DataReader.h>
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
@@ -64,6 +67,16 @@ void printJson(const std::string& scene, const Findings& findings) {
   std::cout << text << '\n';
 }
 
+// A mesh or city model would only be told to have none of a scene's keys.
+void refuseModel(const std::string& file) {
+#ifdef LUMIVANE_HOST_EXCHANGE
+  if (Exchange::Importer::isImportable(file))
+    throw HostError(file, "is a mesh or a city model: check the scene that lumivane import makes");
+#else
+  static_cast<void>(file);
+#endif
+}
+
 }  // namespace
 
 void setCheckOptions(CLI::App& command, CheckOptions& options) {
@@ -74,6 +87,7 @@ void setCheckOptions(CLI::App& command, CheckOptions& options) {
 
 int runCheck(const CheckOptions& options) try {
   Session::checkReadable(options.scene);
+  refuseModel(options.scene);
   const Findings findings =
       Check::SceneChecker::checkText(IO::DataReader().readFileIntoString(options.scene));
   options.json ? printJson(options.scene, findings) : print(options.scene, findings);

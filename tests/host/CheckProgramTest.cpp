@@ -64,6 +64,19 @@ TEST(CheckProgram, JsonIsForMachines) {
   EXPECT_EQ(3, report.at("findings").at(0).at("region"));
 }
 
+#ifdef LUMIVANE_HOST_EXCHANGE
+TEST(CheckProgram, MeshOrCityModelIsNoScene) {
+  for (const std::string name : {"cube.obj", "house.city.json"}) {
+    const std::string model = LUMIVANE_MODELS "/" + name;
+    const Result result = lumivane({"check", model});
+    EXPECT_EQ(2, result.status);
+    EXPECT_EQ("lumivane: " + model +
+                  ": is a mesh or a city model: check the scene that lumivane import makes\n",
+              result.err);
+  }
+}
+#endif
+
 TEST(CheckProgram, MissingFileIsOneLineAndTwo) {
   const Result result = lumivane({"check", "no/scene.json"});
   EXPECT_EQ(2, result.status);
