@@ -13,7 +13,7 @@ std::string summaryHeading();
 
 /// The row of a view that was made, and of one that was not.
 ///
-/// \param hasCycle  whether faces overlap in a circle, so that no drawing order suits all
+/// \param hasCycle  whether faces overlap in a ring, so that no drawing order suits all
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle);
 std::string failureRow(const std::string& name, const std::string& error);
 

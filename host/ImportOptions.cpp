@@ -52,7 +52,7 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
   command
       .add_option("--crease", settings.crease,
                   "edges that bend by at most this many degrees are not drawn; without it 30 on "
-                  "the terrain of a city model, else 1")
+                  "the ground of a city model, else 1")
       ->check(
           [](const std::string& text) {
             return refusedNumber(text, "an angle of 0 to 90 degrees",
@@ -79,7 +79,7 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
       .add_option_function<std::string>(
           "--eye", [&options](const std::string& text) { options.settings.eye = readEye(text); },
           "from where the scene will be seen: its objects are listed from far to near, which "
-          "decides where faces overlap in a circle")
+          "decides where faces overlap in a ring")
       ->type_name("X,Y,Z");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 }

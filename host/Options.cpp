@@ -92,7 +92,8 @@ void addViewOptions(CLI::App& command, ViewSettings& view) {
       ->check(CLI::Range(1, 1048576))
       ->capture_default_str();
   addNumber(command, "--max-length", view.maxLength,
-            "greatest length of a piece in the picture; 0 for no limit");
+            "greatest length of a piece in the picture, twice it in the square one; none if 0 or "
+            "above 1");
   addNumber(command, "--merge-distance", view.mergeDistance,
             "points of the picture closer than this become one; 0 for the usual 0.001");
   addChoice<Base::ViewDisplayStyle>(command, "--style", view.style, "how the shot is drawn",
@@ -189,7 +190,8 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
   addScene(command, options.scene, options.import);
   addViewOptions(command, options.view);
   command.add_option("-o,--output", options.shot, "shot file to write (JSON)")->type_name("FILE");
-  command.add_option("--png", options.png, "picture to write")->type_name("FILE");
+  command.add_option("--png", options.png, "PNG to write, as show draws it; needs a display")
+      ->type_name("FILE");
   command
       .add_option_function<std::string>(
           "--size",

@@ -29,7 +29,7 @@ struct ImportOptions {
   bool center = false;
 
   /// From where the scene will be seen, in its own coordinates. The objects are then listed from
-  /// far to near, which decides in a shot where faces overlap in a circle. Either way the pieces of
+  /// far to near, which decides in a shot where faces overlap in a ring. Either way the pieces of
   /// the ground of a city model come first.
   std::optional<std::array<double, 3>> eye;
 

@@ -53,7 +53,7 @@ class LUMIVANE_EXPORT LoadedScene {
   ///
   /// The splitting settings of `Cmd::CmdManager` are set for the take and restored after it. The
   /// library prints lines to standard output meanwhile: a host that wants none redirects its
-  /// standard output, e.g. to /dev/null. If faces overlap in a circle, the library writes the
+  /// standard output, e.g. to /dev/null. If faces overlap in a ring, the library writes the
   /// report "log_sort.txt" into the working directory.
   ///
   /// \param progress  is told how far the shot has come; may be empty
