@@ -45,12 +45,12 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def reachable(room):
-    found, todo = {room}, [room]
-    while todo:
-        for below in ARROWS[todo.pop()]:
+    found, waiting = {room}, [room]
+    while waiting:
+        for below in ARROWS[waiting.pop()]:
             if below not in found:
                 found.add(below)
-                todo.append(below)
+                waiting.append(below)
     return found
 
 

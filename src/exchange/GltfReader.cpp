@@ -68,12 +68,12 @@ class GltfReader {
  private:
   // Trees of nodes can be deep, so this does not call itself.
   void addNode(int root) {
-    std::vector<int> todo = {root};
-    while (!todo.empty()) {
-      const Node& node = source.Nodes[static_cast<size_t>(todo.back())];
-      const int number = todo.back();
-      todo.pop_back();
-      todo.insert(todo.end(), node.Children.rbegin(), node.Children.rend());
+    std::vector<int> waiting = {root};
+    while (!waiting.empty()) {
+      const Node& node = source.Nodes[static_cast<size_t>(waiting.back())];
+      const int number = waiting.back();
+      waiting.pop_back();
+      waiting.insert(waiting.end(), node.Children.rbegin(), node.Children.rend());
       if (node.Mesh < 0) continue;
       const vtkGLTFDocumentLoader::Mesh& mesh = source.Meshes[static_cast<size_t>(node.Mesh)];
       std::string name = node.Name.empty() ? mesh.Name : node.Name;

@@ -190,16 +190,16 @@ class FaceGatherer {
 
  private:
   void gatherFrom(size_t start, int face) {
-    std::vector<size_t> todo = {start};
+    std::vector<size_t> waiting = {start};
     faceOf[start] = face;
-    while (!todo.empty()) {
-      const size_t piece = todo.back();
-      todo.pop_back();
+    while (!waiting.empty()) {
+      const size_t piece = waiting.back();
+      waiting.pop_back();
       for (const int next : neighbours[piece]) {
         const size_t n = static_cast<size_t>(next);
         if (faceOf[n] >= 0 || !fits(pieces[start], pieces[n])) continue;
         faceOf[n] = face;
-        todo.push_back(n);
+        waiting.push_back(n);
       }
     }
   }
