@@ -1,4 +1,5 @@
-// The order of a graph's nodes: that of a plain scan of all edges, with a cycle or without.
+// The bytes are names, two to an edge of a graph. The order of its nodes is that of a plain scan of
+// all edges, with a cycle or without.
 
 #include "Bytes.h"
 #include "plain/DepthSort.h"

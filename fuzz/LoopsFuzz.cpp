@@ -1,5 +1,5 @@
-// Any loops make a face of triangles, each seen from both sides, whose points are those of the
-// loops.
+// The bytes are loops of points and a brush number. Any loops make a face of triangles, each seen
+// from both sides, whose points are those of the loops.
 
 #include "Bytes.h"
 

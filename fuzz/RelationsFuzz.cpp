@@ -1,4 +1,5 @@
-// Two polygons: the fast relation tests say what the plain ones say.
+// The bytes are pairs of polygons, in the plane and in space: the fast relation tests say what the
+// plain ones say.
 
 #include "Bytes.h"
 #include "plain/DepthSort.h"

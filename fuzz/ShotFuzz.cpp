@@ -1,4 +1,5 @@
-// A shot's text is read, written, and read again: the second writing equals the first.
+// The bytes are a shot's text, which is read, written, and read again: the second writing equals
+// the first.
 
 #include "Bytes.h"
 
