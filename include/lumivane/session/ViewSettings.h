@@ -29,7 +29,8 @@ struct LUMIVANE_EXPORT ViewSettings {
   double d2 = 1.0;   ///< if it looks along the polygon to within this many degrees
 
   int segments = 6;         ///< least number of pieces of an edge, at least 1
-  double maxLength = 0.02;  ///< greatest length of a piece in the picture; 0 for no limit
+  double maxLength = 0.02;  ///< greatest length of a piece in the round picture, twice it in the
+                            ///< square one; no limit if 0 or above 1
 
   /// Points of the picture closer than this on both axes become one; 0 for what
   /// `Geometry::Point2d::Precision` says. Smaller makes larger shots and truer visible shares.
