@@ -1,6 +1,7 @@
 // A mesh or a city model to a scene and a shot. The first byte tells the format, the second how the
 // scene is made, the rest is the file.
 
+#include "Bounded.h"
 #include "Bytes.h"
 
 #include <lumivane/check/Finding.h>
@@ -73,8 +74,10 @@ void takeShot(Session::LoadedScene& scene) {
   view.eye = {4.1, 0.3, 2.2};
   view.forward = {-1, 0, -0.4};
   view.maxLength = 0.1;
+  const Lumivane::Fuzz::BoundedShots shots(scene.scene(), view);
+  if (!shots.arePossible()) return;
   try {
-    require(!scene.take(view).text().empty());
+    require(!scene.take(shots.settings()).text().empty());
   } catch (const Session::Error& error) {
     // An edge so near to the eye that no splitting is fine enough.
     require(error.cause().find("no splitting brings its") != std::string::npos);

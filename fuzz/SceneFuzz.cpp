@@ -1,6 +1,7 @@
 // A scene's text to whole shots. What is wrong with it a session's error says, and the checks of
 // scenes have said so before; and a scene once written stays as it is.
 
+#include "Bounded.h"
 #include "Bytes.h"
 
 #include <lumivane/check/SceneChecker.h>
@@ -59,8 +60,10 @@ bool isOfTheView(const Session::Error& error, const Session::ViewSettings& view)
 
 void takeShots(Session::LoadedScene& scene, const std::string& text, bool errors) {
   for (const Session::ViewSettings& view : views(text)) {
+    const Lumivane::Fuzz::BoundedShots shots(scene.scene(), view);
+    if (!shots.arePossible()) return;
     try {
-      require(!scene.take(view).text().empty());
+      require(!scene.take(shots.settings()).text().empty());
     } catch (const Session::Error& error) {
       checkMessage(error);
       require(errors || isOfTheView(error, view));

@@ -20,6 +20,7 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace Lumivane::Check {
@@ -102,9 +103,14 @@ bool cross(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
   return ((c1 > 0 && d1 < 0) || (c1 < 0 && d1 > 0)) && ((a1 > 0 && b1 < 0) || (a1 < 0 && b1 > 0));
 }
 
-// Two edges that run through each other, as numbers from 1; zeros if there are none. A sweep over
-// the edges by their smaller x, so that long outlines cost what overlaps.
-std::pair<size_t, size_t> crossingEdges(const std::vector<Vec2>& flat) {
+// So many pairs of edges are looked at, those of 2,800 edges at least: a few hundredths of a
+// second. An outline that runs to and fro over itself has a pair for any two of its edges.
+constexpr size_t MostPairs = 4000000;
+
+// Two edges that run through each other, as numbers from 1; zeros if there are none; nothing if
+// there are too many pairs to know. A sweep over the edges by their smaller x, so that long
+// outlines cost what overlaps.
+std::optional<std::pair<size_t, size_t>> crossingEdges(const std::vector<Vec2>& flat) {
   struct Edge {
     double from, to;
     size_t start;
@@ -115,12 +121,14 @@ std::pair<size_t, size_t> crossingEdges(const std::vector<Vec2>& flat) {
     edges.push_back({std::min(flat[i].x, end(i).x), std::max(flat[i].x, end(i).x), i});
   std::sort(edges.begin(), edges.end(),
             [](const Edge& a, const Edge& b) { return a.from < b.from; });
+  size_t pairs = 0;
   for (size_t i = 0; i < edges.size(); ++i)
     for (size_t j = i + 1; j < edges.size() && edges[j].from <= edges[i].to; ++j) {
       const size_t a = edges[i].start, b = edges[j].start;
       if (cross(flat[a], end(a), flat[b], end(b))) return std::minmax(a + 1, b + 1);
+      if (++pairs == MostPairs) return std::nullopt;
     }
-  return {0, 0};
+  return std::pair<size_t, size_t>(0, 0);
 }
 
 class RegionCheck {
@@ -182,10 +190,17 @@ class RegionCheck {
     if (off > std::max(SceneChecker::Flatness, 1e-5 * largest))
       warn("not-flat", "its points are up to " + lengthText(off) + " off their plane",
            "split it into flat pieces, which may be of one face");
-    const auto [a, b] = crossingEdges(flattened(outline, normal));
-    if (a != 0)
+    checkCrossings(normal);
+  }
+
+  void checkCrossings(Vec3 normal) {
+    const auto crossing = crossingEdges(flattened(outline, normal));
+    if (!crossing)
+      warn("tangled", "its edges pass each other too often to tell whether they cross", "split it");
+    else if (crossing->first != 0)
       warn("self-crossing",
-           "its edges " + std::to_string(a) + " and " + std::to_string(b) + " cross",
+           "its edges " + std::to_string(crossing->first) + " and " +
+               std::to_string(crossing->second) + " cross",
            "an outline may not run through itself; split it");
   }
 

@@ -185,6 +185,22 @@ TEST(SceneChecker, SelfCrossingOutlineIsTold) {
       << found.size();
 }
 
+// Edges that lie on each other never cross, and each pair of them has to be looked at.
+TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsToldAsSuch) {
+  Json scene = square();
+  const std::string tangled =
+      "warning tangled object \"A\", region 1: its edges pass each other too often to tell whether "
+      "they cross";
+  const auto toldOfRounds = [&](int rounds) {
+    region(scene)["Points"] = Json::array();
+    for (int i = 0; i < 4 * rounds; ++i) region(scene)["Points"].push_back(i % 4 + 1);
+    const Lines found = checkedScene(scene);
+    return std::count(found.begin(), found.end(), tangled);
+  };
+  EXPECT_EQ(0, toldOfRounds(700));
+  EXPECT_EQ(1, toldOfRounds(2000));
+}
+
 TEST(SceneChecker, AreaOfNothingIsTold) {
   Json scene = square();
   scene["Points"] = {{2, 0, 0}, {2, 0, 1}, {2, 0, 2}, {2, 0, 3}};
