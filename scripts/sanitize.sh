@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs the tests under them. Left out
-# is what looks at packages, documents, windows and speed. Arguments go to CTest.
+# Runs the tests under AddressSanitizer and UndefinedBehaviorSanitizer, each test program once, in
+# the build that the fuzzers share. Left out is what looks at packages, documents, windows and
+# speed. Arguments go to CTest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install_packages.sh
-cmake --preset sanitize
-cmake --build --preset sanitize
-ctest --preset sanitize -j "$(nproc)" -LE 'install|docs|windows|instructions|web' "$@"
+scripts/install_packages.sh clang libclang-rt-14-dev llvm-14
+cmake --preset fuzz -DLUMIVANE_BUILD_TESTS=ON -DLUMIVANE_TESTS_BY_PROGRAM=ON
+cmake --build --preset fuzz
+ctest --test-dir build/fuzz --output-on-failure -j "$(nproc)" \
+  -LE 'install|docs|windows|instructions|web' "$@"
