@@ -116,7 +116,9 @@ struct PairScan {
   explicit PairScan(const FaceShapes& shapes)
       : ofFirst(mostPieces(shapes)),
         ofSecond(mostPieces(shapes)),
-        rings(shapes.outlines.largest()) {}
+        rings(shapes.outlines.largest()) {
+    nearPieces.reserve(mostPieces(shapes));
+  }
 
   static std::size_t mostPieces(const FaceShapes& shapes) {
     std::size_t most = 0;
@@ -128,6 +130,7 @@ struct PairScan {
   HiddenPieces ofFirst;
   HiddenPieces ofSecond;
   RingScratch rings;
+  std::vector<std::size_t> nearPieces;  ///< of the second face: those that meet the first's bounds
 };
 
 /// The cell of a complete scan, told whether all pieces of the faces are hidden.
@@ -158,9 +161,19 @@ inline void takePieces(PairScan& scan, Classification& result, const FaceShapes&
   if (location.value == 2 && meeting == Meeting::FirstInSecond) scan.ofFirst.hide(ia);
 }
 
+/// Finds the pieces of the second face that meet the bounds of the first, in their order. All
+/// others meet none of its pieces: bounds enclose the boxes that they were taken from.
+inline void findNearPieces(PairScan& scan, const FaceShapes& shapes, const FaceShapes::Face& first,
+                           const FaceShapes::Face& second) {
+  scan.nearPieces.clear();
+  for (std::size_t ib = 0; ib < second.pieceCount; ++ib)
+    if (boxesMeet(first.bounds, shapes.outlines[second.firstPiece + ib].box))
+      scan.nearPieces.push_back(ib);
+}
+
 /// Decides the cell of two faces.
 ///
-/// One scan of all pairs of pieces serves both to find any overlap and to judge the overlaps: pairs
+/// One scan of the pairs of pieces serves both to find any overlap and to judge the overlaps: pairs
 /// that do not overlap leave nothing behind.
 inline Classification classifyPair(const FaceShapes& shapes, std::size_t firstFace,
                                    std::size_t secondFace, PairScan& scan) {
@@ -171,9 +184,11 @@ inline Classification classifyPair(const FaceShapes& shapes, std::size_t firstFa
   if (isDefaultBox(first.bounds) || isDefaultBox(second.bounds)) return result;
 
   scan.votes = Votes();
+  findNearPieces(scan, shapes, first, second);
   for (std::size_t ia = 0; ia < first.pieceCount; ++ia) {
     const Ring a = shapes.outlines[first.firstPiece + ia];
-    for (std::size_t ib = 0; ib < second.pieceCount; ++ib) {
+    if (!boxesMeet(a.box, second.bounds)) continue;  // so it meets none of the pieces
+    for (const std::size_t ib : scan.nearPieces) {
       const Ring b = shapes.outlines[second.firstPiece + ib];
       if (!boxesMeet(a.box, b.box)) continue;
       const int meeting = meetingOf(a, b, scan.rings);

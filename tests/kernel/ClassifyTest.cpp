@@ -234,5 +234,41 @@ TEST(ClassifyPairProperty, AgreesWithThePlainScans) {
   for (const int count : counts) EXPECT_GT(count, 20);
 }
 
+// Most pieces lie away from the other face; some of their points are infinite or no numbers.
+TEST(ClassifyPairProperty, AgreesWithThePlainScansOnFacesOfManyPieces) {
+  std::mt19937_64 random(20240801);
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  const double odd[] = {infinite, -infinite, std::numeric_limits<double>::quiet_NaN(), 1e308};
+  const auto lattice = [&random](std::uint64_t range) {
+    return static_cast<double>(random() % range);
+  };
+  const auto anyFace = [&](double offset) {
+    Plain::Face face;
+    for (std::uint64_t pieces = 1 + random() % 12; pieces > 0; --pieces) {
+      const double x = offset + lattice(12);
+      const double y = lattice(12);
+      face.projected.push_back({{x, y}, {x + 2 + lattice(2), y + 0.25}, {x, y + 1 + lattice(3)}});
+      if (random() % 32 == 0) face.projected.back()[random() % 3][random() % 2] = odd[random() % 4];
+      Matrix source;
+      for (int k = 0; k < 3; ++k) source.push_back({lattice(3), lattice(3), lattice(3)});
+      face.sources.push_back(source);
+    }
+    return face;
+  };
+  int counts[6] = {};
+  for (int i = 0; i < 4000; ++i) {
+    const Plain::Face first = anyFace(0);
+    const Plain::Face second = anyFace(lattice(14));
+    std::string printed;
+    const int expected = Plain::cell(first, second, printed);
+    const Kernel::Classification found = classify(first, second);
+    ASSERT_EQ(expected, found.cell) << i;
+    ASSERT_EQ(printed.size(), found.zeroLengthAsked * ZeroLength.size()) << i;
+    ++counts[expected];
+  }
+  for (const int cell : {Cell::Undecided, Cell::FirstInFront, Cell::SecondInFront, Cell::Apart})
+    EXPECT_GT(counts[cell], 100) << cell;
+}
+
 }  // namespace
 }  // namespace Lumivane::Test
