@@ -354,6 +354,9 @@ test("twenty thousand regions change nothing but one rule and the rows in view",
                { subtree: true, childList: true, attributes: true });
   });
   const place = await placeOf(page, "house-777");
+  await page.mouse.move(place.x, place.y);
+  await page.waitForFunction((wanted) => document.getElementById("marks").textContent
+    .includes(`.o${wanted}[fill]{fill:var(--hovered)`), await numberOf(page, "house-777"));
   await page.mouse.click(place.x, place.y);
   await selectedRow(page).waitFor();
   assert.equal(await selectedRow(page).textContent(), "house-777");

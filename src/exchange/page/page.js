@@ -50,13 +50,25 @@
       `#stage .spread.o${number}{stroke:var(--${name})}` +
       `#stage path[data-region].o${number}:not([fill]){stroke-width:3px}`;
 
+  // To draw many regions anew takes longer than a frame: on its way over them the pointer marks only
+  // rows, and the picture once it rests.
+  const isLarge = svgs.some((svg) => svg.querySelectorAll("path").length > 3000);
+  const Rest = 60; // milliseconds
+  let resting = 0;
+
+  function markPicture() {
+    byId("marks").textContent = rule(state.hovered, "hovered") + rule(state.selected, "selected");
+  }
+
   let isPending = false;
-  function mark() {
+  function mark(waitsForRest = false) {
+    clearTimeout(resting);
+    if (waitsForRest) resting = setTimeout(markPicture, Rest);
+    else requestAnimationFrame(markPicture);
     if (isPending) return;
     isPending = true;
     requestAnimationFrame(() => {
       isPending = false;
-      byId("marks").textContent = rule(state.hovered, "hovered") + rule(state.selected, "selected");
       for (const row of byId("shown").rows) markRow(row);
     });
   }
@@ -85,7 +97,7 @@
   function hover(number, path) {
     if (number !== state.hovered) {
       state.hovered = number;
-      mark();
+      mark(isLarge);
     }
     tell(path);
   }
