@@ -18,9 +18,6 @@ namespace Lumivane::Host {
 namespace {
 
 constexpr int LargestPicture = 16384;  // what OpenGL draws at most
-const std::vector<std::string> ViewOptionNames = {
-    "--eye", "--forward", "--up",       "--camera",     "--property",       "--scale",
-    "--d1",  "--d2",      "--segments", "--max-length", "--merge-distance", "--style"};
 
 // The whole text as a number, which may be infinite or not a number.
 bool readNumber(const std::string& text, double& number) {
@@ -279,8 +276,14 @@ void setJson5Options(CLI::App& command, Json5Options& options) {
 }
 
 bool viewWasGiven(const CLI::App& command) {
-  return std::any_of(ViewOptionNames.begin(), ViewOptionNames.end(),
-                     [&command](const std::string& name) { return command.count(name) > 0; });
+  CLI::App view("", "");
+  view.set_help_flag();
+  ViewSettings ignored;
+  addViewOptions(view, ignored);
+  const auto options = view.get_options();
+  return std::any_of(options.begin(), options.end(), [&command](const CLI::Option* option) {
+    return command.count(option->get_name()) > 0;
+  });
 }
 
 std::vector<std::string> givenShotOptions(const CLI::App& command) {

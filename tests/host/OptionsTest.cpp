@@ -40,6 +40,7 @@ TEST(Options, DefaultsAreThoseOfTheManual) {
   EXPECT_EQ(1.0, options.view.d2);
   EXPECT_EQ(6, options.view.segments);
   EXPECT_EQ(0.02, options.view.maxLength);
+  EXPECT_EQ(0.0, options.view.mergeDistance);
   EXPECT_EQ(Base::ViewDisplayStyle::Filled, options.view.style);
   EXPECT_EQ(800, options.width);
   EXPECT_EQ(800, options.height);
@@ -110,10 +111,14 @@ TEST(Options, OnlyOptionsOfTheViewCountAsView) {
   EXPECT_EQ("scene.json", options.scene);
   EXPECT_EQ("shot.json", options.shot);
 
-  CLI::App turned;
-  setShowOptions(turned, options);
-  turned.parse(std::vector<std::string>{"1", "--d2", "scene.json"});
-  EXPECT_TRUE(viewWasGiven(turned));
+  for (const std::string view : {"--eye=1,2,3", "--forward=1,2,3", "--up=1,2,3", "--camera=normal",
+                                 "--property=1", "--scale=1", "--d1=1", "--d2=1", "--segments=1",
+                                 "--max-length=1", "--merge-distance=1", "--style=half"}) {
+    CLI::App turned;
+    setShowOptions(turned, options);
+    turned.parse(std::vector<std::string>{view, "scene.json"});
+    EXPECT_TRUE(viewWasGiven(turned)) << view;
+  }
 }
 
 TEST(Options, ValueOfAVectorOptionIsNotJoinedTwice) {
