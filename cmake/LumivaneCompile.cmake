@@ -6,6 +6,8 @@ target_compile_options(lumivane_compile INTERFACE -ffp-contract=off -fno-fast-ma
 
 target_compile_options(lumivane_compile INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  # The formats of printed text are literals; where one is not, it says why.
+  -Wformat=2
   # The model has no virtual destructors: each owner deletes through the exact class.
   $<$<COMPILE_LANGUAGE:CXX>:-Wno-delete-non-virtual-dtor>
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wno-delete-non-abstract-non-virtual-dtor>)
@@ -32,3 +34,6 @@ if(LUMIVANE_COVERAGE)
   target_compile_options(lumivane_compile INTERFACE --coverage -O0)
   target_link_options(lumivane_compile INTERFACE --coverage)
 endif()
+
+include(cmake/LumivaneHarden.cmake)
+lumivane_harden(lumivane_compile)

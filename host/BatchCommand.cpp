@@ -98,6 +98,8 @@ class Batch {
   explicit Batch(const BatchOptions& theOptions) : options(theOptions) {
     Session::checkReadable(options.shot.scene);
     Session::checkReadable(options.views);
+    if (!fs::is_regular_file(options.shot.scene))
+      throw HostError(options.shot.scene, "is read more than once and must be a plain file");
     setting.scene = options.shot.scene;
     setting.folder = fs::absolute(options.folder).lexically_normal().string();
     setting.options = options.shotOptions;

@@ -1,12 +1,12 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
+#include "Streams.h"
 
 #include <lumivane/check/SceneChecker.h>
 #ifdef LUMIVANE_HOST_EXCHANGE
 #include <lumivane/exchange/Importer.h>
 #endif
-#include <lumivane/io/DataReader.h>
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
 #include <lumivane/session/Files.h>
@@ -88,11 +88,9 @@ void setCheckOptions(CLI::App& command, CheckOptions& options) {
 int runCheck(const CheckOptions& options) try {
   Session::checkReadable(options.scene);
   refuseModel(options.scene);
-  const Findings findings =
-      Check::SceneChecker::checkText(IO::DataReader().readFileIntoString(options.scene));
+  const Findings findings = Check::SceneChecker::checkText(Session::readDocument(options.scene));
   options.json ? printJson(options.scene, findings) : print(options.scene, findings);
-  std::cout.flush();
-  if (!std::cout) throw HostError("standard output", "cannot be written");
+  finishStandardOutput();
   if (count(findings, Severity::Error) > 0) return WithErrors;
   return findings.empty() ? Clean : WarningsOnly;
 } catch (const std::exception& error) {  // what cannot be read counts as an error of the scene

@@ -248,7 +248,7 @@ void runGrid(const GridOptions& options) {
   checkGrid(options, box);
   const std::string result = table(options, all, box);
   if (options.out.empty())
-    std::cout << result << std::flush;
+    std::cout << result;
   else
     Session::writeFile(options.out, result);
 }

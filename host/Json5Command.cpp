@@ -20,11 +20,6 @@ void warnIfNoJson(const std::string& file, const std::string& json) {
             << ": warning: the result is no JSON: " << oneLine(parser.getError()) << std::endl;
 }
 
-void writeStandardOutput(const std::string& text) {
-  std::cout << text << std::flush;
-  if (!std::cout) throw HostError("standard output", "cannot be written");
-}
-
 }  // namespace
 
 void runJson5(const Json5Options& options) {
@@ -32,7 +27,7 @@ void runJson5(const Json5Options& options) {
   if (json.empty()) throw HostError(options.file, "cannot be converted");
   warnIfNoJson(options.file, json);
   if (options.out.empty())
-    writeStandardOutput(json + "\n");
+    std::cout << json << '\n';
   else
     Session::writeFile(options.out, json + "\n");
 }

@@ -3,6 +3,7 @@
 #include "Memory.h"
 #include "Options.h"
 #include "Signals.h"
+#include "Streams.h"
 
 #ifdef LUMIVANE_HOST_EXCHANGE
 #include "ImportOptions.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -78,6 +80,7 @@ int run(const std::vector<std::string>& arguments) {
   if (app.got_subcommand("batch")) runBatch(batch);
   if (app.got_subcommand("grid")) runGrid(grid);
   if (app.got_subcommand("json5")) runJson5(json5);
+  finishStandardOutput();
   return Done;
 }
 
@@ -86,10 +89,13 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   using namespace Lumivane::Host;
+  openStandardStreams();
   prepareMemory();
   endCleanlyOnSignals();
   try {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});
+  } catch (const std::bad_alloc&) {
+    return fail(Failed, "there is not enough memory");
   } catch (const std::exception& error) {
     return fail(Failed, error.what());
   }

@@ -69,7 +69,9 @@ void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& se
   const Timer timer(seconds.visible);
   writeVisibleFile(options.visible, shot);
 #else
-  static_cast<void>(options), static_cast<void>(shot), static_cast<void>(seconds);
+  static_cast<void>(options);
+  static_cast<void>(shot);
+  static_cast<void>(seconds);
 #endif
 }
 
@@ -79,7 +81,9 @@ void writeVectorPictures(const ShotOptions& options, LoadedScene& scene, const T
   const Timer timer(seconds.vector);
   writeVectorFiles(options.vector, scene, options.view, shot, options.width, options.height);
 #else
-  static_cast<void>(options), static_cast<void>(scene), static_cast<void>(shot);
+  static_cast<void>(options);
+  static_cast<void>(scene);
+  static_cast<void>(shot);
   static_cast<void>(seconds);
 #endif
 }

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks format, layers, the reference's comments and, unless --quick, what clang-tidy thinks.
+# Checks format, layers, the reference's comments and, unless --quick, what cppcheck and clang-tidy
+# think. What they are not to tell stands, with its reason, in scripts/cppcheck.supp and .clang-tidy.
 # Usage: scripts/lint.sh [--quick] [BUILD_DIR]
 # BUILD_DIR (default build/release) must hold a compile_commands.json for clang-tidy.
 set -euo pipefail
@@ -19,7 +20,13 @@ scripts/check_layers.py
 scripts/docs.sh
 [ "$quick" = no ] || exit 0
 
-scripts/install_packages.sh clang-tidy
+scripts/install_packages.sh clang-tidy cppcheck
+# Not the tests: it takes the test library's macros for functions.
+cppcheck --quiet --std=c++17 --enable=warning,performance,portability --inline-suppr \
+  --suppressions-list=scripts/cppcheck.supp --error-exitcode=1 -j "$(nproc)" \
+  -I include -I src -I host -I bench -I bench/plain -I tests src host examples bench fuzz
+echo "cppcheck: clean"
+
 mapfile -t sources < <(git ls-files 'src/*.cpp' 'host/*.cpp' 'examples/*.cpp' 'tests/*.cpp' \
                        | grep -v '^tests/install/')
 printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p "$build" --quiet

@@ -3,6 +3,7 @@
 #include "exchange/CityColours.h"
 #include "exchange/CityGeometry.h"
 #include "exchange/ImportError.h"
+#include "exchange/JsonDepth.h"
 #include "exchange/Readers.h"
 
 #include <algorithm>
@@ -229,6 +230,7 @@ class CityJsonReader {
 }  // namespace
 
 SourceModel readCityJson(const std::string& bytes) {
+  checkDepth(bytes);
   CityNode root;
   try {
     root = CityNode::parse(bytes);

@@ -1,6 +1,7 @@
 #include "exchange/GltfCheck.h"
 
 #include "exchange/ImportError.h"
+#include "exchange/JsonDepth.h"
 #include "exchange/TextLines.h"
 
 #include <algorithm>
@@ -57,6 +58,7 @@ Container openBinary(const std::string& bytes) {
 }
 
 Json parse(const std::string& text) {
+  checkDepth(text);
   try {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {

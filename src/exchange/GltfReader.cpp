@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <set>
 
 #include <vtkGLTFDocumentLoader.h>
@@ -145,6 +146,8 @@ std::string reason(const VtkMessages& messages) {
 }  // namespace
 
 SourceModel readGltf(const std::string& path, const std::string& bytes) {
+  // It is read once more by its name, beside which its buffers lie.
+  if (!std::filesystem::is_regular_file(path)) throw ImportError("it is no plain file");
   checkGltf(path, bytes);
   const VtkMessages messages;
   const vtkNew<vtkGLTFDocumentLoader> loader;

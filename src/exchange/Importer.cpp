@@ -212,6 +212,8 @@ bool Importer::isImportable(const std::string& path) {
   const std::string ending = lowerEnding(path);
   if (formatByEnding(ending) != Format::None) return true;
   if (ending != ".json") return false;
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;  // a pipe is read but once
   try {
     return isCityModel(readBytes(path));
   } catch (const std::exception&) {

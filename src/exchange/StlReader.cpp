@@ -2,6 +2,7 @@
 // what a damaged file has.
 
 #include "exchange/ImportError.h"
+#include "exchange/MemoryFile.h"
 #include "exchange/PolyDataCells.h"
 #include "exchange/Readers.h"
 #include "exchange/TextLines.h"
@@ -178,8 +179,9 @@ SourceModel readStl(const std::string& path, const std::string& bytes) {
     model.objects.push_back({name.empty() ? stem : name, false});
 
   const VtkMessages messages;
+  const MemoryFile checked(bytes);
   const vtkNew<vtkSTLReader> reader;
-  reader->SetFileName(path.c_str());
+  reader->SetFileName(checked.path().c_str());
   reader->ScalarTagsOn();
   reader->Update();
   if (!messages.firstError().empty()) throw ImportError(messages.firstError());

@@ -1,6 +1,7 @@
 #include <lumivane/session/Error.h>
 #include <lumivane/session/Files.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -39,9 +40,11 @@ std::string readBytes(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.number < 0) fail(path, errno);
   struct stat status = {};
+  if (fstat(file.number, &status) != 0) fail(path, errno);
+  if (S_ISBLK(status.st_mode) || (S_ISCHR(status.st_mode) && isatty(file.number) == 0))
+    throw Error(path, "cannot be read: it is a device");
   std::string bytes;
-  if (fstat(file.number, &status) == 0 && S_ISREG(status.st_mode))
-    bytes.reserve(static_cast<size_t>(status.st_size));
+  if (S_ISREG(status.st_mode)) bytes.reserve(static_cast<size_t>(status.st_size));
   char buffer[65536];
   for (;;) {
     const ssize_t count = read(file.number, buffer, sizeof buffer);
@@ -50,6 +53,12 @@ std::string readBytes(const std::string& path) {
     if (count == 0) return bytes;
     bytes.append(buffer, static_cast<size_t>(count));
   }
+}
+
+std::string readDocument(const std::string& path) {
+  std::string text = readBytes(path);
+  text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
+  return text;
 }
 
 }  // namespace Lumivane::Session

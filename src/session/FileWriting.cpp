@@ -4,6 +4,8 @@
 #include <lumivane/session/Files.h>
 
 #include <cerrno>
+#include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 
@@ -38,6 +40,29 @@ int writeAndClose(int descriptor, const std::string& bytes) {
   return error != 0 ? error : closed;
 }
 
+// The descriptor of this process that a name means, as "/dev/stdout" and "/dev/fd/3" do; -1 if
+// none. What stands behind it is not ours to replace, be it a plain file: others have it open.
+int namedDescriptor(const std::string& path) {
+  if (path == "/dev/stdout") return STDOUT_FILENO;
+  if (path == "/dev/stderr") return STDERR_FILENO;
+  for (const std::string folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    if (path.rfind(folder, 0) != 0) continue;
+    int number = -1;
+    const char* const end = path.data() + path.size();
+    const auto read = std::from_chars(path.data() + folder.size(), end, number);
+    if (read.ec == std::errc() && read.ptr == end && number >= 0) return number;
+  }
+  return -1;
+}
+
+// At the place that the descriptor has come to, behind what has been printed so far.
+void writeToDescriptor(const std::string& path, int number, const std::string& bytes) {
+  std::fflush(stdout);
+  const int descriptor = fcntl(number, F_DUPFD_CLOEXEC, 0);
+  const int error = descriptor < 0 ? errno : writeAndClose(descriptor, bytes);
+  if (error != 0) fail(path, error);
+}
+
 bool isPlainOrNew(const fs::path& path) {
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
@@ -56,24 +81,37 @@ void keepMode(const fs::path& file, int descriptor) {
   if (stat(file.c_str(), &status) == 0) fchmod(descriptor, status.st_mode & 07777);
 }
 
+// The folder in which the new file is to be made.
+void checkFolder(const std::string& path) {
+  const fs::path folder = target(path).parent_path();
+  const std::string name = folder.empty() ? "." : folder.string();
+  struct stat status = {};
+  if (stat(name.c_str(), &status) != 0) fail(path, errno);
+  if (!S_ISDIR(status.st_mode)) fail(path, ENOTDIR);
+  if (access(name.c_str(), W_OK | X_OK) != 0) fail(path, errno);
+}
+
 }  // namespace
 
 void checkWritable(const std::string& path) {
   if (path.empty()) throw Error("\"\"", "cannot be written: the name is empty");
+  if (namedDescriptor(path) >= 0) {
+    if (fcntl(namedDescriptor(path), F_GETFD) == -1) fail(path, errno);
+    return;
+  }
   struct stat status = {};
   if (stat(path.c_str(), &status) == 0) {
     if (S_ISDIR(status.st_mode)) throw Error(path, "cannot be written: it is a folder");
-    return;
+    if (access(path.c_str(), W_OK) != 0) fail(path, errno);
+  } else if (path.back() == '/') {
+    throw Error(path, "cannot be written: it names a folder");
   }
-  if (path.back() == '/') throw Error(path, "cannot be written: it names a folder");
-  const fs::path folder = fs::path(path).parent_path();
-  const std::string name = folder.empty() ? "." : folder.string();
-  if (stat(name.c_str(), &status) != 0) fail(path, errno);
-  if (!S_ISDIR(status.st_mode)) fail(path, ENOTDIR);
+  if (isPlainOrNew(path)) checkFolder(path);
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
   checkWritable(path);
+  if (namedDescriptor(path) >= 0) return writeToDescriptor(path, namedDescriptor(path), bytes);
   if (!isPlainOrNew(path)) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
     const int error = descriptor < 0 ? errno : writeAndClose(descriptor, bytes);

@@ -4,8 +4,6 @@
 #include <lumivane/jzon/Parser.h>
 #include <lumivane/session/ShotFile.h>
 
-#include <algorithm>
-
 namespace Lumivane::Session {
 namespace {
 
@@ -29,12 +27,6 @@ std::string refusedEntry(const Jzon::Node& list, const std::string& name, size_t
 }
 
 }  // namespace
-
-std::string readDocument(const std::string& path) {
-  std::string text = readBytes(path);
-  text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
-  return text;
-}
 
 std::string parserError(const std::string& text) {
   Jzon::Parser parser;

@@ -10,10 +10,6 @@
 
 namespace Lumivane::Session {
 
-/// A whole document file as the parser is to see it: the reader of the library drops line feeds.
-/// \throws Error
-std::string readDocument(const std::string& path);
-
 /// Why a text is no document.
 std::string parserError(const std::string& text);
 

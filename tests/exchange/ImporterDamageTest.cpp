@@ -221,6 +221,21 @@ TEST(ImporterErrors, CityJsonFaultsNameTheObject) {
             importFault("a.city.json", R"({"type":"CityJSON","version":"3.0"})"));
 }
 
+// Trees are copied within the readers, level by level.
+TEST(ImporterErrors, DepthOfADocumentIsBounded) {
+  const auto nested = [](size_t depth) {
+    return std::string(depth, '[') + "\"[[\\\"[\"" + std::string(depth, ']');
+  };
+  for (const std::string name : {"a.city.json", "a.gltf"}) {
+    const std::string tooDeep = R"({"asset":0,"extras":)" + nested(1000000) + R"(,"type":0})";
+    EXPECT_EQ("its lists and objects lie deeper than 500 levels within each other",
+              importFault(name, tooDeep));
+    const std::string deep = R"({"asset":0,"extras":)" + nested(499) + R"(,"type":0})";
+    EXPECT_EQ(std::string::npos, importFault(name, deep).find("deeper"));
+    EXPECT_NE("", importFault(name, deep));
+  }
+}
+
 TEST(ImporterErrors, UnknownAndUnreadableFilesAreNamed) {
   EXPECT_EQ(
       "\".abc\" is no kind of file that is read here; these are: .obj, .stl, .ply, .gltf, "

@@ -98,6 +98,16 @@ TEST(ZeroFormatProperty, AnyTextIsSafeAndBounded) {
   }
 }
 
+// What the C library prints of the text as a format with zeros behind it: no literal can tell.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+std::string printed(const std::string& format) {
+  char text[256];
+  const int length = std::snprintf(text, sizeof text, format.c_str(), 0, 0, 0, 0, 0);
+  return std::string(text, static_cast<size_t>(length));
+}
+#pragma GCC diagnostic pop
+
 TEST(ZeroFormatProperty, IntegerConversionsAreWhatPrintfPrints) {
   std::mt19937_64 random(20240608);
   const auto oneOf = [&random](const std::vector<std::string>& texts) {
@@ -109,9 +119,7 @@ TEST(ZeroFormatProperty, IntegerConversionsAreWhatPrintfPrints) {
       text += oneOf({"a", "/", "%%", ""}) + "%" + oneOf({"", "-", "+", " ", "#", "0", "-+"}) +
               oneOf({"", "1", "7", "12"}) + oneOf({"", ".", ".0", ".3", ".11"}) +
               oneOf({"d", "i", "u", "x", "X", "o", "c"});
-    char expected[256];
-    const int length = std::snprintf(expected, sizeof expected, text.c_str(), 0, 0, 0, 0, 0);
-    ASSERT_EQ(std::string(expected, static_cast<size_t>(length)), formatWithZeros(text)) << text;
+    ASSERT_EQ(printed(text), formatWithZeros(text)) << text;
   }
 }
 

@@ -8,6 +8,6 @@ namespace Lumivane::Cmd {
 ///
 /// \param format  a printf format, followed by its arguments
 /// \return the count of printf: bytes written, negative on an error of the stream
-LUMIVANE_EXPORT int logMessage(const char* format, ...);
+[[gnu::format(printf, 1, 2)]] LUMIVANE_EXPORT int logMessage(const char* format, ...);
 
 }  // namespace Lumivane::Cmd

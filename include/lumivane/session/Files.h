@@ -10,19 +10,23 @@ namespace Lumivane::Session {
 /// \throws Error
 LUMIVANE_EXPORT void checkReadable(const std::string& path);
 
-/// The bytes of a file, line ends included.
+/// The bytes of a file, line ends included. Devices but a terminal are refused: some never end.
 /// \throws Error
 LUMIVANE_EXPORT std::string readBytes(const std::string& path);
 
+/// The text of a scene or shot file as `IO::DataReader` joins it: without its line feeds.
+/// \throws Error
+LUMIVANE_EXPORT std::string readDocument(const std::string& path);
+
 /// Fails if the file surely cannot be written, so that it is known before the long work: an empty
-/// name, a missing folder, a folder in the file's place.
+/// name, a missing folder, a folder in the file's place, a file or folder that must not be written.
 /// \throws Error
 LUMIVANE_EXPORT void checkWritable(const std::string& path);
 
 /// Writes a file whole or not at all: into a new file beside it, which then takes its name. What is
-/// no plain file, as a device or a pipe, is written directly. Every write is checked. May be called
-/// by several threads at a time.
-/// \throws Error; then the file is as it was
+/// no plain file, as a device or a pipe, is written directly, and so is what this process has open
+/// already, as /dev/stdout or /dev/fd/3. Every write is checked. May be called by several threads
+/// at a time. \throws Error; then the file is as it was
 LUMIVANE_EXPORT void writeFile(const std::string& path, const std::string& bytes);
 
 /// Removes the files that `writeFile` is writing beside their places, in all threads. It is for the
