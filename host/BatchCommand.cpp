@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -43,7 +44,7 @@ constexpr const char* CycleReport = "log_sort.txt";
 constexpr const char* ProcessMark = "process-";
 
 std::string duration(double seconds) {
-  const auto whole = static_cast<long>(seconds + 0.5);
+  const long whole = std::lround(seconds);
   char text[40];
   if (whole < 3600)
     std::snprintf(text, sizeof text, "%ld:%02ld", whole / 60, whole % 60);

@@ -5,7 +5,8 @@
 
 namespace Lumivane::Cmd {
 
-int logMessage(const char* format, ...) {
+// The interface is that of printf.
+int logMessage(const char* format, ...) {  // NOLINT(cert-dcl50-cpp)
   std::va_list arguments;
   va_start(arguments, format);
   const int count = std::vprintf(format, arguments);
