@@ -263,7 +263,7 @@ void expectWholeFiles(int signal) {
   ASSERT_EQ(0, runProcess(shot + optionsFor(reference), noDisplay).status);
   const std::map<std::string, std::string> whole = filesIn(reference.path(""));
   int ended = 0;
-  for (int run = 0; run < 12; ++run) {
+  for (int run = 0; run < 8; ++run) {
     const TempFolder folder;
     for (const auto& [name, bytes] : whole) folder.file(name, Old);
     const auto first = folder.path("a.json");
@@ -293,7 +293,7 @@ TEST(FaultyOutput, BatchThatIsToldToEndHasWholeFilesAndGoesOn) {
   for (const int signal : {SIGINT, SIGTERM}) {
     const TempFolder folder;
     std::string views = "name,eye\n";
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 16; ++i)
       views += "v" + std::to_string(i) + ",\"-5.3,-1.37," + std::to_string(3 + 0.01 * i) + "\"\n";
     const std::string table = folder.file("views.csv", views);
     const auto command = [&table](const std::string& out) {
