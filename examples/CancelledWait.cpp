@@ -14,7 +14,7 @@
 namespace Session = Lumivane::Session;
 
 int main(int, char** argv) try {
-  const double patience = std::atof(argv[2]);
+  const double patience = std::strtod(argv[2], nullptr);
   Session::ViewSettings view;
   view.eye = {-2.6, 0.35, 1.9};
 

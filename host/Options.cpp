@@ -135,7 +135,8 @@ Shard readShard(const std::string& text) {
   int number = 0;
   int count = 0;
   int used = 0;
-  const bool fits = text.size() < 12 &&
+  // Too short a text for a number that an int cannot hold.
+  const bool fits = text.size() < 12 &&  // NOLINTNEXTLINE(cert-err34-c)
                     std::sscanf(text.c_str(), "%d/%d%n", &number, &count, &used) == 2 &&
                     static_cast<size_t>(used) == text.size();
   if (!fits || number < 1 || number > count)
