@@ -106,10 +106,10 @@ std::vector<Triangle> trianglesOf(vtkPolyData* data) {
 // Whether the triangulator comes to an end: on infinite coordinates, and its points hold floats, it
 // looks for ever for a ray out of the outline.
 bool canBeFilled(const std::vector<Loop>& loops) {
-  constexpr double Largest = std::numeric_limits<float>::max();
+  constexpr double largest = std::numeric_limits<float>::max();
   const auto fits = [](const Point3d& point) {
-    return std::abs(point.getX()) <= Largest && std::abs(point.getY()) <= Largest &&
-           std::abs(point.getZ()) <= Largest;
+    return std::abs(point.getX()) <= largest && std::abs(point.getY()) <= largest &&
+           std::abs(point.getZ()) <= largest;
   };
   return std::all_of(loops.begin(), loops.end(), [&fits](const Loop& loop) {
     return std::all_of(loop.begin(), loop.end(), fits);

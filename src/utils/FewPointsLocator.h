@@ -82,8 +82,8 @@ class FewPointsLocator : public vtkMergePoints {
   // The number that GetBucketIndex gives. That one turns any double into an integer, which only
   // those within its range can be; what no integer can hold comes out as the first bucket there.
   static vtkIdType bucketAlong(double place, vtkIdType count) {
-    constexpr auto Beyond = static_cast<double>(std::numeric_limits<vtkIdType>::max());
-    if (!(place > 0.0) || place >= Beyond) return 0;
+    constexpr auto beyond = static_cast<double>(std::numeric_limits<vtkIdType>::max());
+    if (!(place > 0.0) || place >= beyond) return 0;
     return std::min(static_cast<vtkIdType>(place), count - 1);
   }
 
