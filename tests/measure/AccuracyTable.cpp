@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <ios>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -46,15 +46,18 @@ void addErrors(std::map<std::string, AccuracyRow>& rows, const ClosedFormScene& 
   }
 }
 
-std::string printed(const char* format, double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, format, value);
-  return text;
+// By the stream's form for floating numbers; the default one is the shortest that holds the digits.
+std::string printed(double value, int digits, std::ios_base::fmtflags form = {}) {
+  std::ostringstream text;
+  text.setf(form, std::ios_base::floatfield);
+  text.precision(digits);
+  text << value;
+  return text.str();
 }
 
 // With two digits, and no more of the exponent than it needs: -2.7e-4.
 std::string errorText(double error) {
-  std::string text = printed("%.1e", error);
+  std::string text = printed(error, 1, std::ios_base::scientific);
   const size_t zero = text.find("e-0");
   if (zero != std::string::npos) text.erase(zero + 2, 1);
   return text;
@@ -86,20 +89,21 @@ double lastUnit(double value) {
 }
 
 std::string marker(double mergeDistance) {
-  return "<!-- accuracy: " + printed("%g", mergeDistance) + " -->";
+  return "<!-- accuracy: " + printed(mergeDistance, 6) + " -->";
 }
 
 std::string difference(const AccuracyRow& page, const AccuracyRow& measured) {
   if (page.scene != measured.scene)
     return "\"" + page.scene + "\" stands where \"" + measured.scene + "\" should\n";
   if (std::abs(page.viewFactor - measured.viewFactor) > 0.6e-9)
-    return page.scene + ": closed form " + printed("%.9f", measured.viewFactor) + "\n";
+    return page.scene + ": closed form " + printed(measured.viewFactor, 9, std::ios_base::fixed) +
+           "\n";
   if (page.errors.size() != measured.errors.size())
     return page.scene + ": has " + std::to_string(page.errors.size()) + " errors\n";
   std::string result;
   for (size_t i = 0; i < page.errors.size(); ++i)
     if (std::abs(page.errors[i] - measured.errors[i]) > lastUnit(measured.errors[i]))
-      result += page.scene + " at " + printed("%g", accuracyLengths()[i]) + ": the page says " +
+      result += page.scene + " at " + printed(accuracyLengths()[i], 6) + ": the page says " +
                 errorText(page.errors[i]) + ", measured is " + errorText(measured.errors[i]) + "\n";
   return result;
 }
@@ -128,11 +132,11 @@ AccuracyTable measuredAccuracy(double mergeDistance) {
 
 std::string markdown(const AccuracyTable& table) {
   std::string text = marker(table.mergeDistance) + "\n\n| Scene | Closed form |";
-  for (const double length : accuracyLengths()) text += " " + printed("%g", length) + " |";
+  for (const double length : accuracyLengths()) text += " " + printed(length, 6) + " |";
   text += "\n|---|---|";
   for (size_t i = 0; i < accuracyLengths().size(); ++i) text += "---|";
   for (const AccuracyRow& row : table.rows) {
-    text += "\n| " + row.scene + " | " + printed("%.9f", row.viewFactor) + " |";
+    text += "\n| " + row.scene + " | " + printed(row.viewFactor, 9, std::ios_base::fixed) + " |";
     for (const double error : row.errors) text += " " + errorText(error) + " |";
   }
   return text + "\n";
