@@ -100,17 +100,17 @@ void addViewOptions(CLI::App& command, ViewSettings& view) {
 }
 
 void readSize(const std::string& text, int& width, int& height) {
-  const CLI::ValidationError error("--size: \"" + text + "\" is not a size WxH of 1 to " +
-                                   std::to_string(LargestPicture) + " pixels");
-  const auto side = [&error](const std::string& digits) {
+  const std::string fault = "--size: \"" + text + "\" is not a size WxH of 1 to " +
+                            std::to_string(LargestPicture) + " pixels";
+  const auto side = [&fault](const std::string& digits) {
     const bool plain = !digits.empty() && digits.size() < 6 &&
                        digits.find_first_not_of("0123456789") == std::string::npos;
     const int number = plain ? std::stoi(digits) : 0;
-    if (number < 1 || number > LargestPicture) throw error;
+    if (number < 1 || number > LargestPicture) throw CLI::ValidationError(fault);
     return number;
   };
   const size_t x = text.find('x');
-  if (x == std::string::npos) throw error;
+  if (x == std::string::npos) throw CLI::ValidationError(fault);
   width = side(text.substr(0, x));
   height = side(text.substr(x + 1));
 }
