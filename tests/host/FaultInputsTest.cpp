@@ -281,7 +281,7 @@ TEST(FaultyInput, NamesThatAreNoTextMakeNoOutputUnreadable) {
                                   made[1], "--visible", made[2]});
   EXPECT_EQ(0, result.status) << result.err;
   EXPECT_EQ(0, lumivane({"shot", path, "--eye=-4,0.35,1.9", "--visible", made[3]}).status);
-  for (size_t i : {0, 1}) {
+  for (const size_t i : {size_t{0}, size_t{1}}) {
     const std::string text = fileBytes(made[i]);
     EXPECT_TRUE(isUtf8(text)) << made[i];
     for (const char c : text)
