@@ -36,8 +36,9 @@ void readLine(const std::string& text, Journal::Rows& rows) {
   const size_t first = text.find(' ');
   const size_t second = first == std::string::npos ? first : text.find(' ', first + 1);
   if (first != 16 || second == std::string::npos) return;
+  const std::string digits = text.substr(0, first);
   char* end = nullptr;
-  const std::uint64_t key = std::strtoull(text.substr(0, 16).c_str(), &end, 16);
+  const std::uint64_t key = std::strtoull(digits.c_str(), &end, 16);
   const std::string state = text.substr(first + 1, second - first - 1);
   if (*end != '\0' || (state != "done" && state != "failed")) return;
   JournalRow row{state == "done", text.substr(second + 1)};
