@@ -133,6 +133,7 @@ class Inside {
       if (std::abs(twiceGroundArea(polygon)) > 0.0)
         flats.push_back({&polygon, boundsOf({polygon}), twiceGroundArea(polygon) < 0.0});
   }
+  explicit Inside(std::vector<Polygon>&&) = delete;  // the polygons are looked at in place
 
   bool contains(const Vector& eye) const {
     double nearest = std::numeric_limits<double>::infinity();
@@ -198,7 +199,8 @@ void checkGrid(const GridOptions& options, const Box& box) {
 }
 
 std::string table(const GridOptions& options, const std::vector<Polygon>& all, const Box& box) {
-  const Inside inside(options.skipInside ? all : std::vector<Polygon>());
+  const std::vector<Polygon> none;
+  const Inside inside(options.skipInside ? all : none);
   const std::vector<double> columns = places(box.x, options.spacing);
   const std::vector<double> rows = places(box.y, options.spacing);
   const double z = (options.groundGiven ? options.ground : box.z.low) + options.height;
