@@ -12,7 +12,7 @@ packages=(
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
   xdotool x11-utils                      # to look at windows
   python3-jsonschema                     # the schemas of the documents
-  help2man dpkg-dev binutils             # manual pages, packages
+  help2man dpkg-dev binutils file        # manual pages, packages
   chromium                               # to look at SVG and pages
   parallel                               # to spread eye points over shards
 )
