@@ -33,7 +33,7 @@ class CsvReader {
 
   std::string plain() {
     const size_t end = text.find_first_of(",\r\n", at);
-    const std::string field = text.substr(at, end - at);
+    std::string field = text.substr(at, end - at);
     if (field.find('"') != std::string::npos)
       fail(line, "a quote inside a field that does not start with one");
     at = end == std::string::npos ? text.size() : end;

@@ -138,7 +138,7 @@ class TableReader {
     const bool named = std::count(columns.begin(), columns.end(), "name") > 0;
     std::string digits = std::to_string(number);
     digits.insert(0, std::to_string(count).size() - digits.size(), '0');
-    const std::string name = named ? cells["name"] : "view" + digits;
+    std::string name = named ? cells["name"] : "view" + digits;
     cells.erase("name");
     if (name.empty()) fail(record, "column \"name\": there is none");
     const bool odd = std::any_of(name.begin(), name.end(), [](char c) {

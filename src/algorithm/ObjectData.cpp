@@ -37,6 +37,7 @@ ObjectData::ObjectData(const ObjectData& other)
       depthIndex(other.depthIndex) {}
 
 ObjectData& ObjectData::operator=(const ObjectData& other) {
+  if (this == &other) return *this;
   lists = other.withLists();
   shapes = nullptr;
   id = other.id;

@@ -55,8 +55,8 @@ std::string outOfRange(const char* what, int number, size_t count);
 /// The items of one of the model's lists, or no items: the list or its vector may be missing.
 template <class Vector>
 const Vector& itemsOf(const Vector* vector) {
-  static const Vector None;
-  return vector == nullptr ? None : *vector;
+  static const Vector none;
+  return vector == nullptr ? none : *vector;
 }
 
 }  // namespace Lumivane::Check
