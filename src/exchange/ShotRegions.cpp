@@ -111,8 +111,7 @@ class RegionReader {
 
   VectorPicture::Color fillOf(const VectorPicture::Region& region,
                               const Geometry::Region2d& source) const {
-    Geometry::Region2d copy(source);
-    if (const auto override = copy.getOverrideColor()) return toColor(*override, opacityFactor);
+    if (const auto override = source.getOverrideColor()) return toColor(*override, opacityFactor);
     return toColor(elementOfNumber(brushes, source.getBrushNumber(), "brush", region),
                    opacityFactor);
   }
