@@ -1,9 +1,9 @@
 // One cell for every pair of objects: whether they meet on the picture, and if so, which one is in
 // front or wholly hidden. The costly step, and the one that reports progress.
 //
-// Outlines, planes and boxes lie in flat arrays. A tree of the boxes finds
-// the few pairs of each row that may meet; those are examined piece by piece, from the left to the
-// right, as in a scan of the whole row, and all others are apart. Nothing is allocated for a pair.
+// Outlines, planes and boxes lie in flat arrays. A tree of the boxes finds the few pairs of each
+// row that may meet; those are examined piece by piece, from the left to the right, as in a scan of
+// the whole row, and all others are apart. Nothing is allocated for a pair.
 
 #include "algorithm/ClassificationMatrix.h"
 #include "algorithm/SortShapes.h"

@@ -82,26 +82,27 @@ class RegionMover {
       : shapes(sortShapes), stock(list), regions(list) {}
 
   std::vector<int> move(ObjectData& object) {
-    numbers.clear();
+    std::vector<int> numbers;
     if (const std::size_t* const face = SortObject::faceOf(object)) {
-      for (const std::size_t position : shapes.regionsOf(*face)) append(stock.take(position));
+      for (const std::size_t position : shapes.regionsOf(*face))
+        numbers.push_back(append(stock.take(position)));
     } else {
-      for (Geometry::Region2d* region : *object.getSourceRegions()) append(region);
+      for (Geometry::Region2d* region : *object.getSourceRegions())
+        numbers.push_back(append(region));
       object.getSourceRegions()->clear();
     }
     return numbers;
   }
 
  private:
-  void append(Geometry::Region2d* region) {
+  int append(Geometry::Region2d* region) {
     regions->addRegion(region);
-    numbers.push_back(static_cast<int>(regions->getRegions()->size()));
+    return static_cast<int>(regions->getRegions()->size());
   }
 
   const SortShapes& shapes;
   RegionStock stock;
   Geometry::Regions2dInDrawingOrder* regions;
-  std::vector<int> numbers;
 };
 
 void addFace(Geometry::Faces2d& faces, std::vector<int> regionNumbers) {

@@ -28,9 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string Small = LUMIVANE_SCENES "/small.json";
-constexpr const char* Old = "what was there before";
-
 // Calls a test for each way to read a file, with a folder of its own, where the way writes.
 template <class Function>
 void forEachInput(Function function) {

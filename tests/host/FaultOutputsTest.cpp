@@ -16,9 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string Small = LUMIVANE_SCENES "/small.json";
-constexpr const char* Old = "what was there before";
-
 // Calls a test for each way to write a file, with an empty folder for it.
 template <class Function>
 void forEachOutput(Function function) {

@@ -14,7 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string Small = LUMIVANE_SCENES "/small.json";
 const Arguments Shot = {"shot", Small, "--eye=-4,0.35,1.9"};
 const Arguments Program = {"timeout", "120", LUMIVANE_PROGRAM};
 

@@ -12,6 +12,9 @@ namespace Lumivane::Test {
 
 using Arguments = std::vector<std::string>;
 
+inline const std::string Small = LUMIVANE_SCENES "/small.json";  ///< A scene without fault.
+constexpr const char* Old = "what was there before";             ///< In files that are written.
+
 /// Both, one after the other.
 Arguments operator+(Arguments first, const Arguments& second);
 
