@@ -25,10 +25,11 @@ ARROWS = {
     "check": ["algorithm", "io"],
     "session": ["check"],
     "measure": ["algorithm"],
-    "exchange": ["session", "measure"],
+    "visibility": ["session"],
+    "exchange": ["session", "measure", "visibility"],
 }
 # Rooms of the components beside the core: their headers are not in the umbrella.
-COMPONENTS = ["measure", "exchange"]
+COMPONENTS = ["measure", "visibility", "exchange"]
 PUBLIC_ROOMS = list(ARROWS)
 
 # Two classes of base own points, so these two bodies may look up to geometry.

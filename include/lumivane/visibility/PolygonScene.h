@@ -1,0 +1,50 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Visibility {
+
+/// A point or direction of the scene: x, y, z.
+using Vector = std::array<double, 3>;
+
+/// What is seen somewhere: numbers from 1 as in the scene. The sky has 0 for all three; the face is
+/// -1 for a region of no face.
+struct Label {
+  int object = 0;  ///< from 1 in the scene's objects; 0 for the sky
+  int face = 0;    ///< from 1 in the object's faces; -1 if the region is of no face
+  int region = 0;  ///< from 1 in the object's regions
+
+  /// Whether all three numbers are equal.
+  friend bool operator==(const Label& a, const Label& b) {
+    return a.object == b.object && a.face == b.face && a.region == b.region;
+  }
+  /// The negation of ==.
+  friend bool operator!=(const Label& a, const Label& b) { return !(a == b); }
+};
+
+/// Flat polygons as plain arrays: what a `SceneIndex` is made from.
+///
+/// Outline i has the corners `corners[offsets[i]]` up to, but without, `corners[offsets[i + 1]]`;
+/// it is closed implicitly, and filled by the even-odd rule. It is seen from the side from which
+/// its corners run clockwise.
+struct PolygonScene {
+  std::vector<Vector> points;        ///< in scene units
+  std::vector<std::size_t> offsets;  ///< one more than there are outlines; the first is 0
+  std::vector<int> corners;          ///< positions from 0 in `points`
+  /// One for each outline, in the scene's order: by object, then by region. Empty: outline i is
+  /// face -1, region i + 1 of object 1.
+  std::vector<Label> labels;
+  /// One for each corner: whether the edge that starts there is a docking edge (an inner edge that
+  /// is not drawn). Empty: none is.
+  std::vector<std::uint8_t> docking;
+  /// The id of object i + 1, for tables. May be shorter than there are objects.
+  std::vector<std::string> objectIds;
+  /// One for each outline: its class, a position in `classNames`, or -1. Empty: no classes.
+  std::vector<int> classes;
+  std::vector<std::string> classNames;  ///< e.g. roof, wall, ground
+};
+
+}  // namespace Lumivane::Visibility

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <lumivane/visibility/LookOptions.h>
+#include <lumivane/visibility/PolygonScene.h>
+#include <lumivane/visibility/VisibleMap.h>
+#include <lumivane/visibility/export.h>
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+namespace Lumivane::Session {
+class LoadedScene;
+}
+
+namespace Lumivane::Visibility {
+
+/// What `SceneIndex::look` throws when it was cancelled.
+class LUMIVANE_VISIBILITY_EXPORT Cancelled : public std::runtime_error {
+ public:
+  Cancelled();
+  Cancelled(const Cancelled&) noexcept = default;             ///< Shares the text.
+  Cancelled& operator=(const Cancelled&) noexcept = default;  ///< Shares the text.
+  ~Cancelled() override;
+};
+
+/// How an index is made.
+struct IndexOptions {
+  /// A region is flat if no corner is off its plane by more than this part of its size; others are
+  /// taken as triangles.
+  double flatness = 1e-4;
+  /// Regions whose corners lie within this part of the larger one's size of each other's planes
+  /// form a layer, in which the later region is seen.
+  double coplanar = 1e-7;
+};
+
+/// What one direction meets.
+struct Seen {
+  Label label;            ///< 0, 0, 0 for the sky
+  double distance = 0.0;  ///< from the eye along the direction, in scene units; 0 for the sky
+};
+
+/// A scene made ready for looking at it from any eye point: immutable, and used by any number of
+/// threads at a time. Copies are cheap and share all.
+class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
+ public:
+  /// The regions of a loaded scene, whose working lists are not looked at. The scene may change or
+  /// go afterwards.
+  /// \throws std::invalid_argument that names object and region for a point number that points at
+  ///         nothing and for coordinates that are not finite
+  explicit SceneIndex(const Session::LoadedScene& scene, const IndexOptions& options = {});
+  /// The same of a raw scene.
+  explicit SceneIndex(const Scene::Scene3D& scene, const IndexOptions& options = {});
+  /// Plain arrays, which are taken over.
+  /// \throws std::invalid_argument if the arrays do not fit each other or coordinates are not
+  /// finite
+  explicit SceneIndex(PolygonScene scene, const IndexOptions& options = {});
+
+  SceneIndex(const SceneIndex&) noexcept;             ///< Shares all.
+  SceneIndex& operator=(const SceneIndex&) noexcept;  ///< Shares all.
+  SceneIndex(SceneIndex&&) noexcept;                  ///< Takes all of the other.
+  SceneIndex& operator=(SceneIndex&&) noexcept;       ///< Takes all of the other.
+  ~SceneIndex();
+
+  /// The exact map of what the eye sees.
+  /// \throws std::invalid_argument for an eye or direction that is not finite, a forward of zero or
+  ///         a negative number of threads
+  /// \throws Cancelled  if `options.cancelled` became true
+  VisibleMap look(const Vector& eye, const LookOptions& options = {}) const;
+
+  /// What single directions, of any length but zero, meet: by the same rules as the map, found one
+  /// by one with exact predicates. \throws std::invalid_argument for an eye or direction that is
+  /// not finite, or a direction of zero
+  std::vector<Seen> seenIn(const Vector& eye, const std::vector<Vector>& directions,
+                           bool twoSided = false) const;
+
+  std::size_t regionCount() const;  ///< All regions of the scene, the dropped ones included.
+  std::size_t droppedRegionCount()
+      const;  ///< Regions without a normal: no area, fewer than 3 corners.
+  std::size_t triangulatedRegionCount() const;  ///< Regions that are not flat, taken as triangles.
+  std::size_t layerCount() const;               ///< Layers of two or more coplanar regions.
+
+ private:
+  struct State;
+  std::shared_ptr<const State> state;
+};
+
+}  // namespace Lumivane::Visibility

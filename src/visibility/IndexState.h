@@ -1,0 +1,69 @@
+#pragma once
+
+#include "kernel/Vec.h"
+
+#include <lumivane/visibility/SceneIndex.h>
+#include <lumivane/visibility/VisibleMap.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace Lumivane::Visibility {
+
+/// A node of the bounding volume hierarchy. Children stand side by side.
+struct BoxNode {
+  float low[3];   ///< rounded down
+  float high[3];  ///< rounded up
+  /// Inner node: the position of the first child, the second follows it. Leaf: the first polygon.
+  std::int32_t first;
+  std::int32_t count;  ///< of polygons in a leaf; 0 for an inner node
+
+  bool isLeaf() const { return count > 0; }
+};
+
+/// A plane n.x = n.point, seen from the side to which -n points (corners run clockwise there).
+struct ScenePlane {
+  Kernel::Vec3 normal;  ///< unit vector, Newell's
+  Kernel::Vec3 point;   ///< the mean of the corners
+};
+
+/// What every look at a scene asks. Polygons are the flat pieces: regions, or the triangles of
+/// regions that are not flat. They are numbered in the order of the hierarchy's leaves.
+struct SceneIndex::State {
+  std::vector<Kernel::Vec3> vertices;  ///< points that polygons use, equal ones once
+
+  std::vector<std::int32_t>
+      cornerOffsets;  ///< of polygon i in the two below; one more than polygons
+  std::vector<std::int32_t> cornerVertices;  ///< positions in `vertices`
+  /// The edge that starts at the corner: edges between the same two vertices have one number.
+  std::vector<std::int32_t> cornerEdges;
+  /// The edge that starts at the corner is a docking edge, or a diagonal of a region that was cut.
+  std::vector<std::uint8_t> cornerInner;
+
+  std::vector<ScenePlane> planes;     ///< of polygon i
+  std::vector<double> sizes;          ///< of polygon i: greatest extent of its corners' box
+  std::vector<std::int32_t> regions;  ///< of polygon i: position in `names->regions`
+  std::vector<std::int32_t> layers;   ///< of polygon i: position in `layerPlanes`
+  std::vector<ScenePlane>
+      layerPlanes;  ///< the plane of the layer's first region, by which depth is compared
+  std::vector<std::int32_t> edgeVertices;  ///< two for each edge, the lower vertex first
+
+  std::vector<BoxNode> nodes;  ///< the first is the root; empty if there are no polygons
+
+  /// For each object (number - 1) its polygons in ascending order:
+  /// objectPolygons[objectOffsets[i]]...
+  std::vector<std::int32_t> objectOffsets;
+  std::vector<std::int32_t> objectPolygons;
+
+  std::shared_ptr<const VisibleMap::Names> names;  ///< labels of regions in the scene's order
+  std::size_t droppedRegions = 0;
+  std::size_t triangulatedRegions = 0;
+  std::size_t layersOfSeveral = 0;
+
+  std::size_t polygonCount() const { return planes.size(); }
+};
+
+}  // namespace Lumivane::Visibility
