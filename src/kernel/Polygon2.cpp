@@ -12,12 +12,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 
 namespace Lumivane::Kernel {
 namespace {
 
-constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t WordBits = 64;
 
 // The edges of a polygon as arrays of their ends, readable to a whole group of lanes.
@@ -31,26 +29,7 @@ struct Edges {
   Segment operator[](std::size_t k) const { return {{ax[k], ay[k]}, {bx[k], by[k]}}; }
 };
 
-Edges edgesOf(const Ring& first) {
-  return {first.x, first.y, first.x + 1, first.y + 1, first.count};
-}
-
-// Deliberate: the ends of the edges of the second polygon are counted in the size of the first, so
-// for a smaller first polygon some of them are diagonals. Otherwise they are the edges of the ring.
-Edges edgesOfSecond(const Ring& first, const Ring& second, RingScratch& scratch) {
-  if (first.count >= second.count) return edgesOf(second);
-  double* const endX = scratch.endX.data();
-  double* const endY = scratch.endY.data();
-  std::size_t end = 0;
-  for (std::size_t j = 0; j < second.count; ++j) {
-    end = end + 1 == first.count ? 0 : end + 1;  // (j + 1) modulo the size of the first
-    endX[j] = second.x[end];
-    endY[j] = second.y[end];
-  }
-  // Behind the points stands the first one again, and that starts no edge.
-  if (second.count < padded(second.count)) endX[second.count] = NotANumber;
-  return {second.x, second.y, endX, endY, second.count};
-}
+Edges edgesOf(const Ring& ring) { return {ring.x, ring.y, ring.x + 1, ring.y + 1, ring.count}; }
 
 // The lowest `count` bits of a word, or all.
 std::uint64_t lowBits(std::size_t count) {
@@ -125,7 +104,7 @@ bool edgesCross(const Ring& first, const Ring& second, RingScratch& scratch) {
   const Edges ofFirst = edgesOf(first);
   const std::size_t firstCount = markCrossing(ofFirst, second.box, scratch.ofFirst.data());
   if (firstCount == 0) return false;
-  const Edges ofSecond = edgesOfSecond(first, second, scratch);
+  const Edges ofSecond = edgesOf(second);
   const std::size_t secondCount = markCrossing(ofSecond, first.box, scratch.ofSecond.data());
   if (secondCount == 0) return false;
   return firstCount < secondCount
@@ -185,10 +164,7 @@ bool containsAll(const Ring& outer, const Ring& inner) {
 }  // namespace
 
 RingScratch::RingScratch(std::size_t largest)
-    : endX(padded(largest), NotANumber),
-      endY(padded(largest), NotANumber),
-      ofFirst(padded(largest) / Lanes),
-      ofSecond(padded(largest) / Lanes) {}
+    : ofFirst(padded(largest) / Lanes), ofSecond(padded(largest) / Lanes) {}
 
 bool containsPoint(const std::vector<Vec2>& polygon, Vec2 point) {
   Rings rings;

@@ -85,15 +85,16 @@ struct Meeting {
 struct RingScratch {
   explicit RingScratch(std::size_t largest);
 
-  std::vector<double> endX, endY;                ///< ends of edges that are not those of the ring
   std::vector<std::uint64_t> ofFirst, ofSecond;  ///< a bit for each edge that may cross
 };
 
 /// Whether a polygon contains a point.
 bool containsPoint(const std::vector<Vec2>& polygon, Vec2 point);
 
-/// How two polygons meet. An empty polygon lies in any other; of two empty ones the first lies in
-/// the second.
+/// How two polygons meet. Both are closed rings: the last edge of each runs from its last point to
+/// its first. Swapping the polygons swaps FirstInSecond and SecondInFirst and keeps everything
+/// else, except that of two polygons that lie in each other the first lies in the second. An empty
+/// polygon lies in any other.
 int meetingOf(const Ring& first, const Ring& second, RingScratch& scratch);
 int meetingOf(const std::vector<Vec2>& first, const std::vector<Vec2>& second);
 

@@ -102,6 +102,16 @@ TEST(PolygonRelation, MissingPolygonCountsAsEmpty) {
   EXPECT_EQ(IntersectionType::FirstInSecond, probe().getPolygonsIntersectionType(nullptr, &square));
 }
 
+// The triangle crosses only the edge that closes the longer second polygon.
+TEST(PolygonRelation, LongerSecondClosesOnItsOwnFirstPoint) {
+  Polygon triangle{{-1, 2}, {1, 1.9}, {1, 2.1}};
+  Polygon pentagon{{0, 0}, {4, 0}, {6, 2}, {4, 4}, {0, 4}};
+  EXPECT_EQ(IntersectionType::EdgesCrossing,
+            probe().getPolygonsIntersectionType(&triangle, &pentagon));
+  EXPECT_EQ(IntersectionType::EdgesCrossing,
+            probe().getPolygonsIntersectionType(&pentagon, &triangle));
+}
+
 TEST(PolygonRelation, TypeReadsNoPointThatItDoesNotCompare) {
   Polygon empty;
   Polygon tooShort{{1}};

@@ -3,6 +3,7 @@
 #include "support/Extremes.h"
 #include "utils/Shapes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -106,23 +107,29 @@ TEST(MeetingOf, EmptyPolygonLiesInAnyOther) {
   EXPECT_EQ(Meeting::FirstInSecond, Kernel::meetingOf({}, {}));
 }
 
-// The second polygon has more points than the first, so the edge from its point 2 ends at its
-// point 0 and the edge from its point 3 at its point 1; its true edge from (2, 1) to (2, 3), the
-// only one that crosses the triangle, does not exist for the scan.
-TEST(MeetingOf, EdgesOfTheSecondEndInTheSizeOfTheFirst) {
-  const Ring second{{0, 0}, {4, 0}, {2, 1}, {2, 3}};
+// The spike crosses only the edge from point 2 to point 3 of the other polygon, which has one point
+// more than the spike.
+TEST(MeetingOf, EdgeBehindThePointCountOfTheOtherPolygonCrosses) {
+  const Ring longer{{0, 0}, {4, 0}, {2, 1}, {2, 3}};
   const Ring spike{{1.9, 2}, {2.1, 2.1}, {1.9, 2.1}};
-  EXPECT_TRUE(Kernel::segmentsCross(spike[0], spike[1], {2, 1}, {2, 3}));
-  EXPECT_EQ(Meeting::None, Kernel::meetingOf(spike, second));
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(spike, longer));
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(longer, spike));
 }
 
-// With three points against four, the second has the diagonal from its point 3 to its point 1,
-// which alone passes between the other edges here.
-TEST(MeetingOf, DiagonalOfTheSecondCrosses) {
-  const Ring second{{0, 0}, {8, 0}, {8, 8}, {0, 8}};
-  const Ring onTheDiagonal{{3.5, 4}, {4.5, 4}, {4.5, 4.1}};
-  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(onTheDiagonal, second));
-  EXPECT_EQ(Meeting::SecondInFirst, Kernel::meetingOf(second, onTheDiagonal));
+// The triangle lies across the line from point 3 to point 1 of the square, which is no edge.
+TEST(MeetingOf, ChordOfALongerPolygonIsNoEdge) {
+  const Ring square{{0, 0}, {8, 0}, {8, 8}, {0, 8}};
+  const Ring onTheChord{{3.5, 4}, {4.5, 4}, {4.5, 4.1}};
+  EXPECT_EQ(Meeting::FirstInSecond, Kernel::meetingOf(onTheChord, square));
+  EXPECT_EQ(Meeting::SecondInFirst, Kernel::meetingOf(square, onTheChord));
+}
+
+// The triangle crosses only the left side of the pentagon, from its last point to its first.
+TEST(MeetingOf, LastEdgeOfALongerSecondEndsAtItsFirstPoint) {
+  const Ring pentagon{{0, 0}, {4, 0}, {6, 2}, {4, 4}, {0, 4}};
+  const Ring acrossTheLeftSide{{-1, 2}, {1, 1.9}, {1, 2.1}};
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(acrossTheLeftSide, pentagon));
+  EXPECT_EQ(Meeting::EdgesCrossing, Kernel::meetingOf(pentagon, acrossTheLeftSide));
 }
 
 TEST(MeetingOf, LastEdgeOfASmallerSecondEndsAtItsFirstPoint) {
@@ -183,6 +190,18 @@ Ring anyRing(std::mt19937_64& random, Source anyPoint) {
   return ring;
 }
 
+// What the polygons are to each other when they are asked in the other order. Of two that lie in
+// each other, such as two points in one place, the first is reported in the second both times.
+int swapped(int meeting, const Ring& first, const Ring& second) {
+  const auto liesIn = [](const Ring& inner, const Ring& outer) {
+    return std::all_of(inner.begin(), inner.end(),
+                       [&outer](Vec2 point) { return Kernel::containsPoint(outer, point); });
+  };
+  if (meeting == Meeting::SecondInFirst) return Meeting::FirstInSecond;
+  if (meeting == Meeting::FirstInSecond && !liesIn(second, first)) return Meeting::SecondInFirst;
+  return meeting;
+}
+
 // The rings of one case are tested with the scratch of all, so that nothing left in it by rings of
 // other sizes goes unseen.
 void expectPlainMeetings(std::uint64_t seed, Source anyPoint) {
@@ -198,6 +217,8 @@ void expectPlainMeetings(std::uint64_t seed, Source anyPoint) {
     rings.add(second);
     ASSERT_EQ(expected, Kernel::meetingOf(rings[0], rings[1], scratch))
         << "seed " << seed << ", case " << i;
+    ASSERT_EQ(swapped(expected, first, second), Kernel::meetingOf(rings[1], rings[0], scratch))
+        << "seed " << seed << ", case " << i << ", swapped";
     ++counts[expected];
   }
   EXPECT_GT(counts[Meeting::None], 0);
@@ -251,6 +272,24 @@ TEST(MeetingOfProperty, FineOutlinesMeetAsInThePlainScan) {
     ASSERT_EQ(expected, Kernel::meetingOf(first, second)) << "case " << i;
     ++counts[expected];
   }
+  for (const int count : counts) EXPECT_GT(count, 10);
+}
+
+// Random rings of unequal size: how they meet does not depend on which one is asked first.
+TEST(MeetingOfProperty, RelationIsSymmetric) {
+  std::mt19937_64 random(20261124);
+  constexpr Source sources[] = {anyLatticePoint, anyPointNearALine, anySharedCorner, anyVec2};
+  int unequal = 0;
+  int counts[4] = {};
+  for (int i = 0; i < 40000; ++i) {
+    const Ring first = anyRing(random, sources[i % 4]);
+    const Ring second = anyRing(random, sources[i % 4]);
+    const int meeting = Kernel::meetingOf(first, second);
+    ASSERT_EQ(swapped(meeting, first, second), Kernel::meetingOf(second, first)) << "case " << i;
+    if (first.size() != second.size()) ++unequal;
+    ++counts[meeting];
+  }
+  EXPECT_GT(unequal, 20000);
   for (const int count : counts) EXPECT_GT(count, 10);
 }
 

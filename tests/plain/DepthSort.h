@@ -50,9 +50,8 @@ inline int intersectionType(const Matrix& first, const Matrix& second) {
   std::vector<std::pair<std::size_t, std::size_t>> crossings;
   for (std::size_t i = 0; i < first.size(); ++i) {
     for (std::size_t j = 0; j < second.size(); ++j) {
-      const std::size_t successor = (j + 1) % first.size();
-      const Vector& end = successor < second.size() ? second[successor] : second[0];
-      if (cross2(first[i], first[(i + 1) % first.size()], second[j], end))
+      if (cross2(first[i], first[(i + 1) % first.size()], second[j],
+                 second[(j + 1) % second.size()]))
         crossings.emplace_back(i, j);
     }
   }
