@@ -32,7 +32,7 @@ struct ScenePlane {
 
 /// What every look at a scene asks. Polygons are the flat pieces: regions, or the triangles of
 /// regions that are not flat. They are numbered in the order of the hierarchy's leaves.
-struct SceneIndex::State {
+struct IndexState {
   std::vector<Kernel::Vec3> vertices;  ///< points that polygons use, equal ones once
 
   std::vector<std::int32_t>

@@ -19,6 +19,8 @@ class LoadedScene;
 
 namespace Lumivane::Visibility {
 
+struct IndexState;
+
 /// What `SceneIndex::look` throws when it was cancelled.
 class LUMIVANE_VISIBILITY_EXPORT Cancelled : public std::runtime_error {
  public:
@@ -85,7 +87,7 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   std::size_t layerCount() const;               ///< Layers of two or more coplanar regions.
 
  private:
-  struct State;
+  using State = IndexState;
   std::shared_ptr<const State> state;
 };
 
