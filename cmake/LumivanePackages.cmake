@@ -13,7 +13,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Our libraries find each other among the build's files, since no package holds them yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/src/measure" "${PROJECT_BINARY_DIR}/src/exchange")
+  "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/src/measure" "${PROJECT_BINARY_DIR}/src/visibility"
+  "${PROJECT_BINARY_DIR}/src/exchange")
 
 set(soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set(exact "(= ${PROJECT_VERSION})")

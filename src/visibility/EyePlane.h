@@ -1,0 +1,66 @@
+#pragma once
+
+#include "kernel/Vec.h"
+#include "visibility/IndexState.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace Lumivane::Visibility {
+
+/// A polygon's plane as one eye sees it. Along a direction d of any length the plane is met at the
+/// distance t (in lengths of d) with 1/t = nearness.d, so the greater is the nearer.
+struct EyePlane {
+  bool isSeen = false;       ///< it faces the eye, or either side counts, and it is not edge-on
+  double offset = 0.0;       ///< of the plane from the eye along its normal; above 0 faces the eye
+  Kernel::Vec3 ownNearness;  ///< of the polygon's own plane
+  /// By which polygons are compared: that of the layer's plane, or the polygon's own where the eye
+  /// is so near both planes that the layer's has it on the other side.
+  Kernel::Vec3 nearness;
+};
+
+/// An eye is in the plane of an outline if it is off it by no more than this part of the distance
+/// of the outline's farthest corner.
+constexpr double EdgeOn = 1e-12;
+
+inline double offsetFrom(const ScenePlane& plane, Kernel::Vec3 eye) {
+  return Kernel::dot(plane.normal, plane.point - eye);
+}
+
+inline Kernel::Vec3 nearnessOf(const ScenePlane& plane, double offset) {
+  return {plane.normal.x / offset, plane.normal.y / offset, plane.normal.z / offset};
+}
+
+/// Whether an eye sees nothing of a polygon because it is in its plane, or at one of its corners.
+inline bool isEdgeOn(const IndexState& state, std::size_t polygon, Kernel::Vec3 eye,
+                     double offset) {
+  double farthest = 0.0;
+  for (auto c = state.cornerOffsets[polygon]; c < state.cornerOffsets[polygon + 1]; ++c) {
+    const auto vertex = static_cast<std::size_t>(state.cornerVertices[static_cast<std::size_t>(c)]);
+    const Kernel::Vec3 corner = state.vertices[vertex] - eye;
+    if (corner == Kernel::Vec3{}) return true;
+    farthest = std::max(farthest, Kernel::dot(corner, corner));
+  }
+  return !(std::abs(offset) > EdgeOn * std::sqrt(farthest));
+}
+
+/// The one place where it is decided whether an eye sees a polygon's plane, and how near it is.
+inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::Vec3 eye,
+                         bool twoSided) {
+  EyePlane result;
+  const ScenePlane& own = state.planes[polygon];
+  result.offset = offsetFrom(own, eye);
+  if (!(result.offset > 0.0) && !twoSided) return result;
+  if (isEdgeOn(state, polygon, eye, result.offset)) return result;
+  result.isSeen = true;
+  result.ownNearness = nearnessOf(own, result.offset);
+  const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
+  const double layerOffset = offsetFrom(layer, eye);
+  result.nearness = nearnessOf(layer, layerOffset);
+  if (!(Kernel::dot(result.nearness, result.ownNearness) > 0.0))
+    result.nearness = result.ownNearness;
+  return result;
+}
+
+}  // namespace Lumivane::Visibility
