@@ -20,11 +20,11 @@ namespace {
 using Session::LoadedScene;
 using Session::TakenShot;
 
-// The file with the number that points at nothing, and where.
+// The file with the number that points at nothing, and where: the scene is drawn first, so its
+// faults come first, but only those that drawing meets.
 HostError drawingFault(const ShowOptions& options, LoadedScene& scene, Shot::Shot2d& shot) {
-  for (const std::string& fault : {Session::sceneFault(scene.scene(), options.view),
-                                   Session::sceneDrawingFault(scene.scene())})
-    if (!fault.empty()) return {options.scene, fault};
+  const std::string sceneFault = Session::sceneDrawingFault(scene.scene());
+  if (!sceneFault.empty()) return {options.scene, sceneFault};
   const std::string& file = options.shot.empty() ? options.scene : options.shot;
   for (const std::string& fault : {Session::shotPointsFault(shot), Session::shotFault(shot)})
     if (!fault.empty()) return {file, fault};

@@ -138,6 +138,16 @@ std::unordered_map<std::string, const Scene::Object*> objectsById(Scene::Objects
   return result;
 }
 
+// Destroys a list with its objects. Nobody outside can hold a pointer to what the list refers to,
+// except to the regions that became the shot's; those have left their lists by then. The objects go
+// in the order of their making, as far as addresses tell it: neighbours in memory are fast to free
+// one after the other.
+void releaseObjects(std::vector<ObjectData*>* list) {
+  std::sort(list->begin(), list->end(), std::less<>());
+  std::for_each(list->begin(), list->end(), SortObject::release);
+  delete list;
+}
+
 }  // namespace
 
 ObjectData* SortObject::make(const std::string& sourceObject, const SortShapes& shapes,
@@ -159,13 +169,14 @@ void SortObject::release(ObjectData* object) {
 }
 
 DepthSortAlgorithmExecutor::DepthSortAlgorithmExecutor()
-    : classificationMatrix(new ClassificationMatrix()), shapes(new SortShapes()) {}
+    : classificationMatrix(std::make_shared<ClassificationMatrix>()),
+      shapes(std::make_shared<SortShapes>()) {}
 
 DepthSortAlgorithmExecutor::~DepthSortAlgorithmExecutor() {
   const Utils::StageScope stage(Utils::Stage::Order);
-  releaseObjectDataList();
-  delete classificationMatrix;
-  delete shapes;
+  objectDataList.reset();
+  classificationMatrix.reset();
+  shapes.reset();
 }
 
 void DepthSortAlgorithmExecutor::run() {
@@ -179,9 +190,10 @@ void DepthSortAlgorithmExecutor::run() {
 
 void DepthSortAlgorithmExecutor::fillObjectDataList() {
   if (scene == nullptr || shot == nullptr) return;
-  releaseObjectDataList();
-  *shapes = SortShapes();
-  objectDataList = new std::vector<ObjectData*>();
+  // All made anew, since a copy may still refer to the old ones.
+  shapes = std::make_shared<SortShapes>();
+  objectDataList = {new std::vector<ObjectData*>(), releaseObjects};
+  classificationMatrix = std::make_shared<ClassificationMatrix>(*classificationMatrix);
 
   const auto sources = objectsById(scene->getObjects());
   const Pools pools{elementsOf(shot->getRegions(), &Geometry::Regions2dInDrawingOrder::getRegions),
@@ -208,17 +220,6 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
 
 void DepthSortAlgorithmExecutor::classifyObjects() {
   if (scene != nullptr && shot != nullptr) classifyObjectsByBoundingBoxes();
-}
-
-// Nobody outside can hold a pointer to what the list refers to, except to the regions that became
-// the shot's; those have left their lists by then. The objects go in the order of their making, as
-// far as addresses tell it: neighbours in memory are fast to free one after the other.
-void DepthSortAlgorithmExecutor::releaseObjectDataList() {
-  if (objectDataList == nullptr) return;
-  std::sort(objectDataList->begin(), objectDataList->end(), std::less<>());
-  std::for_each(objectDataList->begin(), objectDataList->end(), SortObject::release);
-  delete objectDataList;
-  objectDataList = nullptr;
 }
 
 }  // namespace Lumivane::Algorithm

@@ -28,6 +28,7 @@ struct ProjectionSetting {
 };
 
 /// Projects the visible polygons of an object, and settles how finely each region is split.
+/// Polygons of an object without a list of regions have no docking edges.
 ///
 /// \throws as ShotCreator::projectPoints
 PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,

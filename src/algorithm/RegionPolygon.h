@@ -33,6 +33,11 @@ void readRegionPoints(Geometry::Region2d* region, Geometry::Points2d* points, in
 void readRegionPolygon(Geometry::Region* region, Geometry::Points3d* points,
                        std::vector<Kernel::Vec3>& polygon);
 
+/// The same as the first, but for the outline: `polygon` is empty for fewer points than 2, and no
+/// point number is read then.
+void readRegionOutline(Geometry::Region* region, Geometry::Points3d* points,
+                       std::vector<Kernel::Vec3>& polygon);
+
 /// Appends the poly-lines of an outline without its docking edges, all points numbered through.
 void appendOutline(const std::vector<Kernel::Vec3>& polygon, const std::vector<int>* dockingEdges,
                    vtkPoints* points, vtkCellArray* lines);

@@ -8,8 +8,10 @@
 
 #include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/View.h>
+#include <lumivane/utils/LinearGeometryUtils.h>
 
 #include <cmath>
+#include <cstddef>
 
 #include <vtkIdList.h>
 #include <vtkOBBTree.h>
@@ -45,8 +47,10 @@ vtkIdType crossingCount(vtkPolyData* data, Vec3 eye, Vec3 direction) {
 }  // namespace
 
 bool ShotCreator::isPointInArea3dConvex(Point point, Polygon polygon) {
-  if (polygon.empty()) return false;
-  return Kernel::isInConvexArea(Utils::toVec3(point), Utils::toVec3s(polygon));
+  // By the public operation, which reports points of another size than 3.
+  return Kernel::isInConvexArea(polygon.size(), [&](std::size_t i) {
+    return Utils::toVec3(Utils::LinearGeometryUtils::getVector3D(point, polygon[i]));
+  });
 }
 
 void ShotCreator::checkCameraOnPolygonAndShift(PolyDataList* polyData) {

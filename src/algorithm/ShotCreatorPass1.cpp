@@ -5,6 +5,7 @@
 // How: all is done on plain values, which the second pass goes on with. The lists of polygon data
 // and of vectors that an object hands out are only made from them when somebody asks.
 
+#include "algorithm/HeldPolyData.h"
 #include "algorithm/ObjectProjection.h"
 #include "algorithm/PolygonClipper.h"
 #include "algorithm/RegionPolygon.h"
@@ -23,6 +24,7 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/utils/ProgressbarUtils.h>
+#include <lumivane/utils/VtkUtils.h>
 
 #include <cmath>
 #include <cstddef>
@@ -119,6 +121,26 @@ class FirstPass {
     return plane;
   }
 
+  // An object without a list of regions may hold polygon data all the same, from its host or from a
+  // shot before it lost the list. It gets its lists like any other. The second pass makes nothing
+  // of them: with no regions there are no brushes, faces and numbers.
+  void projectHeld(Scene::Object& object) {
+    const PolyDataList* const held = object.getRegionsPolyData();
+    if (held == nullptr) return;
+    const Vec3 eye = eyeOf(*setting.view);
+    const Vec3 forward = forwardOf(*setting.view);
+    auto clipped = std::make_unique<PolyDataList>();
+    for (const vtkSmartPointer<vtkPolyData>& data : *held)
+      clipped->push_back(
+          Utils::VtkUtils::clip(data, {eye.x, eye.y, eye.z}, {forward.x, forward.y, forward.z}));
+    std::vector<PlainPolygons> visible;
+    for (std::size_t k = 0; k < clipped->size(); ++k)
+      visible.push_back(analysed(object, k, normalCellsOf((*clipped)[k]), eye, forward));
+    object.setRegionsClippedPolyData(clipped.release());
+    object.setRegionsVisiblePolygons(regionPolygonsOf(visible));
+    object.setRegionsProjectedPolygons(edgeStartPoints(projectRegions(object, visible, setting)));
+  }
+
  private:
   // Clips the regions, shifts the eye off those that it stands on and chooses what is kept.
   std::vector<PlainPolygons> look(Scene::Object& object,
@@ -135,10 +157,16 @@ class FirstPass {
     visible.reserve(shapes->size());
     for (std::size_t k = 0; k < shapes->size(); ++k) {
       const auto& cells = clipper.clip(shapes->polygon(k), shapes->pointCount(k));
-      for (const NormalCell& cell : cells) shift(object, k, cell, eye, forward);
-      visible.push_back(keptPolygons(cells, eyeOf(*setting.view)));
+      visible.push_back(analysed(object, k, cells, eye, forward));
     }
     return visible;
+  }
+
+  // What is kept of the cells of a region, once the eye has been shifted off them.
+  PlainPolygons analysed(Scene::Object& object, std::size_t region,
+                         const std::vector<NormalCell>& cells, Vec3 eye, Vec3 forward) {
+    for (const NormalCell& cell : cells) shift(object, region, cell, eye, forward);
+    return keptPolygons(cells, eyeOf(*setting.view));
   }
 
   // Steps the eye off a cell that it stands on; of several, the last one wins.
@@ -169,9 +197,11 @@ ShotCreator::Projections ShotCreator::projectObjects(ProjectionType type) {
   for (std::size_t i = 0; i < list.size(); ++i) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step);
     if (cameraObject != nullptr) break;
-    if (list[i]->getRegions() == nullptr) continue;
     checkCameraOnPolygonAndShift(nullptr);  // it looks at nothing, so no list is made for it
-    projections.of[list[i]] = pass.project(*list[i]);
+    if (list[i]->getRegions() == nullptr)
+      pass.projectHeld(*list[i]);
+    else
+      projections.of[list[i]] = pass.project(*list[i]);
   }
   return projections;
 }

@@ -63,6 +63,12 @@ void readRegionPoints(Geometry::Region2d* region, Geometry::Points2d* points, in
   }
 }
 
+void readRegionOutline(Geometry::Region* region, Geometry::Points3d* points,
+                       std::vector<Vec3>& polygon) {
+  polygon.clear();
+  if (pointCount(region) >= 2) readRegionPoints(region, points, polygon);
+}
+
 void triangulate(vtkPolyData* source, vtkPolyData* target) {
   const vtkNew<vtkTriangleFilter> triangles;
   triangles->SetInputData(source);

@@ -158,8 +158,8 @@ PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygo
   RegionProjector projector;
   for (std::size_t r = 0; r < visible.size(); ++r) {
     const int index = static_cast<int>(r);
-    if (object.getRegions() == nullptr) Base::throwBadIndex(index);
-    Geometry::Region* region = object.getRegions()->getRegion(index);
+    Geometry::Region* const region =
+        object.getRegions() == nullptr ? nullptr : object.getRegions()->getRegion(index);
     // Wrong numbers and a view without a frame are found for every region, projected or not.
     std::vector<Vec3> regionPoints = regionPointsOf(region, setting.points);
     const Kernel::BackFrame frame = frameOfView(*setting.view);
@@ -183,6 +183,7 @@ ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object
   std::vector<PlainPolygons> plain;
   if (polygons != nullptr)
     for (const std::vector<Polygon>& region : *polygons) plain.push_back(plainPolygons(region));
+  if (object->getRegions() == nullptr && !plain.empty()) Base::throwBadIndex(0);
   return edgeStartPoints(projectRegions(*object, plain, {type, view, points, pointsPrecision}));
 }
 

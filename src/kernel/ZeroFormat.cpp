@@ -56,7 +56,7 @@ Conversion readConversion(const std::string& text, size_t start) {
     if (text[i] != 'I') result.flags += text[i];
   result.width = readField(text, i);
   if (i < text.size() && text[i] == '.') result.precision = readField(text, ++i);
-  while (i < text.size() && isOneOf("hlLqjzt", text[i])) ++i;
+  while (i < text.size() && isOneOf("hlLqjztZ", text[i])) ++i;
   if (i < text.size()) result.letter = text[i++];
   result.end = i;
   return result;
@@ -90,7 +90,7 @@ std::string printedZero(const Conversion& conversion, const std::string& asItSta
   if (c == 'n') return "";
   if (c == 'm') return std::strerror(0);
   if (isOneOf("di", c)) return print(conversion, wide, std::intmax_t{0});
-  if (isOneOf("ouxX", c)) return print(conversion, wide, std::uintmax_t{0});
+  if (isOneOf("ouxXbB", c)) return print(conversion, wide, std::uintmax_t{0});
   if (isOneOf("eEfFgGaA", c)) return print(conversion, letters, 0.0);
   if (isOneOf("cC", c)) return print(conversion, "c", 0);
   if (isOneOf("sS", c)) return print(conversion, "s", static_cast<const char*>(nullptr));

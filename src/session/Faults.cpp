@@ -6,6 +6,8 @@
 #include <lumivane/base/View.h>
 #include <lumivane/base/ViewDisplayStyle.h>
 #include <lumivane/geometry/Points2d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region.h>
 #include <lumivane/geometry/Region2d.h>
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
@@ -70,6 +72,44 @@ std::string firstFault(Shot::Shot2d& shot, const Check& check) {
   return "";
 }
 
+// What the numbers of a scene's regions lead to when it is drawn. Without a list of brushes or pens
+// defaults are drawn.
+struct DrawnLists {
+  size_t points;
+  const Base::Brushes::Vector* brushes;
+  const Base::Pens::Vector* pens;
+};
+
+// By the rules of the drawing: an outline takes two points, a polygon three, and what has neither
+// needs no brush and no pen.
+constexpr size_t OutlinePoints = 2;
+constexpr size_t PolygonPoints = 3;
+
+// ", region 2: brush 9, but there are 1 to 8"
+std::string regionFault(size_t position, const std::string& fault) {
+  return ", region " + std::to_string(position + 1) + ": " + fault;
+}
+
+std::string drawingFault(Scene::Object& object, const DrawnLists& lists) {
+  if (object.getRegions() == nullptr) return "";
+  const auto* const regions = object.getRegions()->getRegions();
+  bool hasOutline = false;
+  for (size_t r = 0; r < count(regions); ++r) {
+    Geometry::Region* const region = (*regions)[r];
+    if (region == nullptr || count(region->getPoints()) < OutlinePoints) continue;
+    hasOutline = true;
+    for (const int number : *region->getPoints())
+      if (!isNumberOf(number, lists.points))
+        return regionFault(r, wrong("point", number, lists.points));
+    if (lists.brushes == nullptr || region->getPoints()->size() < PolygonPoints) continue;
+    if (!isNumberOf(region->getBrushNumber(), lists.brushes->size()))
+      return regionFault(r, wrong("brush", region->getBrushNumber(), lists.brushes->size()));
+  }
+  const int pen = object.getPenNumber();
+  if (!hasOutline || lists.pens == nullptr || isNumberOf(pen, lists.pens->size())) return "";
+  return ": " + wrong("pen", pen, lists.pens->size());
+}
+
 }  // namespace
 
 std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view) {
@@ -81,23 +121,15 @@ std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view) {
 }
 
 std::string sceneDrawingFault(Scene::Scene3D& scene) {
-  if (scene.getObjects() == nullptr) return "";
-  const auto* const brushes = brushesOf(scene);
-  const auto* const pens = pensOf(scene);
+  if (scene.getObjects() == nullptr || scene.getPoints() == nullptr) return "";
+  const size_t points = count(scene.getPoints()->getPoints());
+  if (points == 0) return "";  // nothing is drawn then
+  const DrawnLists lists{points, brushesOf(scene), pensOf(scene)};
   const auto* const objects = scene.getObjects()->getObjects();
   for (size_t i = 0; i < count(objects); ++i) {
-    Scene::Object* const object = (*objects)[i];
-    if (object == nullptr || object->getRegions() == nullptr) continue;
-    const std::string name = "object \"" + object->getId() + "\"";
-    const auto* const regions = object->getRegions()->getRegions();
-    for (size_t r = 0; r < count(regions); ++r) {
-      const int number = (*regions)[r] == nullptr ? 1 : (*regions)[r]->getBrushNumber();
-      if (brushes != nullptr && !isNumberOf(number, brushes->size()))
-        return name + ", region " + std::to_string(r + 1) + ": " +
-               wrong("brush", number, brushes->size());
-    }
-    if (pens != nullptr && !isNumberOf(object->getPenNumber(), pens->size()))
-      return name + ": " + wrong("pen", object->getPenNumber(), pens->size());
+    if ((*objects)[i] == nullptr) continue;
+    const std::string fault = drawingFault(*(*objects)[i], lists);
+    if (!fault.empty()) return "object \"" + (*objects)[i]->getId() + "\"" + fault;
   }
   return "";
 }
@@ -117,8 +149,8 @@ std::string shotFault(Shot::Shot2d& shot) {
   }
   if (pens == nullptr) return "";
   return firstFault(shot, [pens](Geometry::Region2d& region) -> std::string {
-    if (count(region.getPoints()) == 0 || isNumberOf(region.getPenNumber(), pens->size()))
-      return "";
+    const bool hasOutline = count(region.getPoints()) >= OutlinePoints;
+    if (!hasOutline || isNumberOf(region.getPenNumber(), pens->size())) return "";
     return wrong("pen", region.getPenNumber(), pens->size());
   });
 }

@@ -128,7 +128,7 @@ void addObject(vtkActorCollection* actors, Scene::Scene3D* scene, Scene::Object*
     if (region == nullptr) continue;
     Algorithm::readRegionPolygon(region, scene->getPoints(), polygon);
     polygons[region->getBrushNumber()].addPolygon(polygon);
-    Algorithm::readRegionPoints(region, scene->getPoints(), polygon);
+    Algorithm::readRegionOutline(region, scene->getPoints(), polygon);
     lines[object->getPenNumber()].addOutline(polygon, region->getDockingEdges());
   }
   addPolygons(actors, polygons, scene->getBrushes(), 1.0);

@@ -319,5 +319,49 @@ TEST(DepthSortFrame, SecondRunKeepsTheOrder) {
   EXPECT_EQ((Numbers{102, 101}), stage.regions());
 }
 
+// --- Copies ---
+
+// Two squares, the first listed in front.
+void addPair(SortStage& stage) {
+  stage.addObject("a");
+  stage.addFace({SortStage::square(2, 0, 1)});
+  stage.addFace({SortStage::square(3, 0.5, 1.2)});
+}
+
+TEST(DepthSortFrame, CopyMadeBeforeTheRunSortsAsItsOriginalDoes) {
+  SortStage stage;
+  SortStage other;
+  addPair(stage);
+  addPair(other);
+  DepthSortAlgorithmExecutor executor;
+  executor.setScene(&stage.scene);
+  executor.setShot(&stage.shot);
+  DepthSortAlgorithmExecutor copy(executor);
+  copy.setScene(&other.scene);
+  copy.setShot(&other.shot);
+  capturedStdout([&] { executor.run(); });
+  EXPECT_EQ((Numbers{102, 101}), stage.regions());
+  EXPECT_EQ((Numbers{101, 102}), other.regions());
+  capturedStdout([&] { copy.run(); });
+  EXPECT_EQ((Numbers{102, 101}), other.regions());
+}
+
+TEST(DepthSortFrame, CopyKeepsTheWorkingObjectsThatItsOriginalDrops) {
+  SortStage stage;
+  addPair(stage);
+  DepthSortAlgorithmExecutor copy;
+  {
+    Filled filled(stage);
+    copy = filled.executor;
+    EXPECT_EQ(filled.probe.objects(), DepthSortProbe(copy).objects());
+    filled.probe.fill();
+    EXPECT_NE(filled.probe.objects(), DepthSortProbe(copy).objects());
+  }
+  DepthSortProbe probe(copy);
+  ASSERT_EQ(2u, probe.objects()->size());
+  EXPECT_EQ("a", probe.objects()->front()->getSourceObject());
+  EXPECT_EQ(1u, probe.objects()->front()->getSourcePolygons()->size());
+}
+
 }  // namespace
 }  // namespace Lumivane::Test

@@ -4,6 +4,7 @@
 #include "support/Capture.h"
 #include "support/ShotCreatorProbe.h"
 #include "support/ShotScene.h"
+#include "support/Thrown.h"
 #include "support/Vectors.h"
 
 #include <lumivane/utils/VtkUtils.h>
@@ -12,6 +13,7 @@
 #include <cstddef>
 #include <limits>
 #include <numeric>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -97,6 +99,28 @@ TEST(IsPointInArea3dConvex, FarOutAndAboveAreOut) {
 
 TEST(IsPointInArea3dConvex, NoPolygonHasNoArea) {
   EXPECT_FALSE(ShotCreatorProbe::isPointInArea3dConvex({0, 0, 0}, {}));
+}
+
+const std::string WrongPointSize = "point in arguments has a size not equal to 3\n";
+
+TEST(IsPointInArea3dConvex, PointOfFourCoordinatesIsReportedForEachVectorAndCut) {
+  EXPECT_EQ(std::string(), capturedStdout([] { EXPECT_TRUE(isOverSquare({1, 1, 0})); }));
+  std::string eight;
+  for (int i = 0; i < 8; ++i) eight += WrongPointSize;
+  EXPECT_EQ(eight, capturedStdout([] { EXPECT_TRUE(isOverSquare({1, 1, 0, 9})); }));
+  PolygonPoints longCorner = Square;
+  longCorner[2].push_back(5);
+  EXPECT_EQ(WrongPointSize + WrongPointSize, capturedStdout([&] {
+              EXPECT_TRUE(ShotCreatorProbe::isPointInArea3dConvex({1, 1, 0}, longCorner));
+            }));
+}
+
+TEST(IsPointInArea3dConvex, PointOfTwoCoordinatesIsReportedThenThrows) {
+  std::string thrown;
+  EXPECT_EQ(WrongPointSize, capturedStdout([&] {
+              thrown = thrownText<std::out_of_range>([] { isOverSquare({1, 1}); });
+            }));
+  EXPECT_EQ("invalid vector subscript", thrown);
 }
 
 // ---- The shift -------------------------------------------------------------------------------

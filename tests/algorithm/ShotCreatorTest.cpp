@@ -12,6 +12,7 @@
 #include <lumivane/base/Property.h>
 #include <lumivane/geometry/VFace.h>
 #include <lumivane/utils/ProgressbarUtils.h>
+#include <lumivane/utils/VtkUtils.h>
 
 #include <algorithm>
 #include <cmath>
@@ -336,6 +337,50 @@ TEST(FirstPass, ObjectThatLostItsRegionsListShowsNothingOfAnEarlierShot) {
   delete object.getRegions();
   object.setRegions(nullptr);
   EXPECT_TRUE(regionsOf(quietShot(s)).empty());
+}
+
+TEST(FirstPass, ObjectWithPolygonDataButWithoutARegionsListGetsItsLists) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  delete object.getRegions();
+  object.setRegions(nullptr);
+  object.setRegionsPolyData(new ShotCreatorProbe::PolyDataList{
+      Utils::VtkUtils::createPolydataFromPolygon(wallAhead()),
+      Utils::VtkUtils::createPolydataFromPolygon(reversed(wallAhead())),
+      Utils::VtkUtils::createPolydataFromPolygon(wallAhead(-3)), nullptr});
+  const SegmentSettings coarse(2, 0.0);
+  const SharingShot shot = quietShot(s);
+  ASSERT_NE(nullptr, object.getRegionsClippedPolyData());
+  ASSERT_EQ(4u, object.getRegionsClippedPolyData()->size());
+  EXPECT_EQ(1, (*object.getRegionsClippedPolyData())[0]->GetNumberOfCells());
+  ASSERT_NE(nullptr, object.getRegionsVisiblePolygons());
+  EXPECT_EQ((std::vector<std::vector<PolygonPoints>>{{wallAhead()}, {{}}, {}, {}}),
+            *object.getRegionsVisiblePolygons());
+  ASSERT_NE(nullptr, object.getRegionsProjectedPolygons());
+  EXPECT_EQ(8u, (*object.getRegionsProjectedPolygons())[0][0].size());
+  EXPECT_TRUE((*object.getRegionsProjectedPolygons())[1][0].empty());
+  EXPECT_TRUE(regionsOf(shot).empty());
+}
+
+TEST(FirstPass, HeldPolygonDataIsLookedAtAsThatOfARegion) {
+  ShotScene s;
+  Scene::Object& object = s.addObject();
+  const PolygonPoints cut = {{-1, -1, -1}, {3, 1, -1}, {3, 1, 1}, {-1, -1, 1}};
+  s.addRegion(object, cut);
+  Scene::Object& held = s.addObject("held");
+  delete held.getRegions();
+  held.setRegions(nullptr);
+  held.setRegionsPolyData(
+      new ShotCreatorProbe::PolyDataList{Utils::VtkUtils::createPolydataFromPolygon(cut)});
+  quietShot(s);
+  expectSamePolyData((*object.getRegionsClippedPolyData())[0],
+                     (*held.getRegionsClippedPolyData())[0]);
+  EXPECT_EQ(*object.getRegionsVisiblePolygons(), *held.getRegionsVisiblePolygons());
+  const auto& expected = (*object.getRegionsProjectedPolygons())[0];
+  const auto& projected = (*held.getRegionsProjectedPolygons())[0];
+  ASSERT_EQ(expected.size(), projected.size());
+  for (std::size_t p = 0; p < expected.size(); ++p)
+    EXPECT_EQ(coordinatesOf(expected[p]), coordinatesOf(projected[p]));
 }
 
 TEST(FirstPass, RegionOfTwoPointsSaysSoAndHasNoCells) {

@@ -127,6 +127,27 @@ TEST(ShowProgram, NumbersThatPointAtNothingAreNamed) {
   EXPECT_EQ("lumivane: " + scene + ": object \"A\": pen 3, but there are 1 to 1\n", result.err);
 }
 
+// An empty object without a pen is drawn without a look at its pen; it is the shot file that names
+// a brush which is not there.
+TEST(ShowProgram, FaultOfTheShotFileIsNotPutOnTheScene) {
+  const TempFolder folder;
+  const Lumivane::Test::VirtualDisplay display;
+  const std::string scene = folder.file(
+      "s.json",
+      "{\"Brushes\":[[1,2,3,4]],\"Pens\":[[1,2,3,4,1]],\"Points\":[[2,0,0],[2,1,0],[2,0,1]],"
+      "\"Objects\":[{\"Id\":\"empty\",\"Faces\":[],\"Regions\":[]},"
+      "{\"Id\":\"A\",\"Pen\":1,\"Regions\":[{\"Brush\":1,\"Points\":[1,2,3]}]}]}");
+  const std::string shot =
+      folder.file("shot.json",
+                  "{\"Brushes\":[[1,2,3,4]],\"Pens\":[[1,2,3,4,1]],\"Points\":[[0,0],[0,1],[1,0]],"
+                  "\"Regions\":[{\"Pen\":1,\"Brush\":6,\"Points\":[1,2,3]}]}");
+  const Result result = Lumivane::Test::runProcess({LUMIVANE_PROGRAM, "show", scene, shot},
+                                                   {{"DISPLAY", display.name()}});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("lumivane: " + shot + ": region 1 of the shot: brush 6, but there are 1 to 1\n",
+            result.err);
+}
+
 TEST(DriverProgram, FilesAreShown) {
   const TempFolder folder;
   const std::string shot = folder.path("shot.json");

@@ -21,6 +21,11 @@ TEST(ZeroFormat, NumbersAreZero) {
   EXPECT_EQ("0.000000 0.000000e+00 0 0x0p+0", formatWithZeros("%f %e %g %a"));
 }
 
+TEST(ZeroFormat, BinaryNumbersAreZeroToo) {
+  EXPECT_EQ("/data/0ackup-0.json", formatWithZeros("/data/%backup-%B.json"));
+  EXPECT_EQ("00000000|  0|0  |0", formatWithZeros("%08b|%3B|%-3b|%#llb"));
+}
+
 TEST(ZeroFormat, FlagsWidthAndPrecisionAreThoseOfPrintf) {
   EXPECT_EQ("00|    0|0    |+0|  000", formatWithZeros("%02d|%5d|%-5d|%+d|%5.3d"));
   EXPECT_EQ("0.00", formatWithZeros("%.2f"));
@@ -29,6 +34,7 @@ TEST(ZeroFormat, FlagsWidthAndPrecisionAreThoseOfPrintf) {
 
 TEST(ZeroFormat, LengthPrefixesMakeNoDifference) {
   EXPECT_EQ("0000000", formatWithZeros("%hhd%hd%ld%lld%jd%zd%td"));
+  EXPECT_EQ("00", formatWithZeros("%Zd%qd"));
   EXPECT_EQ("0.000000", formatWithZeros("%Lf"));
 }
 
@@ -118,7 +124,7 @@ TEST(ZeroFormatProperty, IntegerConversionsAreWhatPrintfPrints) {
     for (size_t n = random() % 5; n > 0; --n)
       text += oneOf({"a", "/", "%%", ""}) + "%" + oneOf({"", "-", "+", " ", "#", "0", "-+"}) +
               oneOf({"", "1", "7", "12"}) + oneOf({"", ".", ".0", ".3", ".11"}) +
-              oneOf({"d", "i", "u", "x", "X", "o", "c"});
+              oneOf({"d", "i", "u", "x", "X", "o", "b", "B", "c"});
     ASSERT_EQ(printed(text), formatWithZeros(text)) << text;
   }
 }

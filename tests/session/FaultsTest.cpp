@@ -51,6 +51,30 @@ TEST(Faults, BrushAndPenOfASceneAreLookedAt) {
   EXPECT_EQ("object \"wall\": pen 3, but there are 1 to 1", sceneDrawingFault(pen.scene()));
 }
 
+TEST(Faults, WhatDrawingDoesNotReadIsNoFaultOfAScene) {
+  const LoadedScene scene = LoadedScene::fromText(
+      R"({"Points":[[3,-1,-1],[3,1,-1],[3,1,1]],"Brushes":[[1,2,3,255]],"Pens":[[0,0,0,255,1]],)"
+      R"("Objects":[{"Id":"empty","Regions":[]},{"Id":"no list"},)"
+      R"({"Id":"point","Regions":[{"Brush":9,"Points":[77]}]},)"
+      R"({"Id":"wall","Pen":1,"Regions":[{"Brush":9,"Points":[1,2]},)"
+      R"({"Brush":1,"Points":[1,2,3],"DockingEdges":[0]}]}]})",
+      "scene");
+  EXPECT_EQ("", sceneDrawingFault(scene.scene()));
+}
+
+TEST(Faults, PointsOfASceneAreLookedAtAsFarAsDrawn) {
+  const LoadedScene scene =
+      LoadedScene::fromText(squareText(R"({"Brush":1,"Face":1,"Points":[1,9]})"), "square");
+  EXPECT_EQ("object \"wall\", region 1: point 9, but there are 1 to 4",
+            sceneDrawingFault(scene.scene()));
+}
+
+TEST(Faults, ShotRegionOfOnePointNeedsNoPen) {
+  const auto shot =
+      readShotText(R"({"Points":[[0,0]],"Pens":[],"Regions":[{"Pen":4,"Points":[1]}]})", "shot");
+  EXPECT_EQ("", shotFault(*shot));
+}
+
 TEST(Faults, BrushAndPenOfAShotAreLookedAtAsFarAsDrawn) {
   LoadedScene scene = Lumivane::Test::squareScene();
   ViewSettings view;

@@ -4,6 +4,8 @@
 
 #include <lumivane/algorithm/Edge.h>
 
+#include <memory>
+
 namespace Lumivane::Test {
 namespace {
 
@@ -38,12 +40,12 @@ struct Calculate : Tagged<void (Executor::*)()> {
 };
 template struct Opened<Calculate, &Executor::calculateObjectsOrder>;
 
-struct ObjectList : Tagged<DepthSortProbe::Objects * Executor::*> {
+struct ObjectList : Tagged<std::shared_ptr<DepthSortProbe::Objects> Executor::*> {
   friend Type opened(ObjectList);
 };
 template struct Opened<ObjectList, &Executor::objectDataList>;
 
-struct Cells : Tagged<Algorithm::ClassificationMatrix * Executor::*> {
+struct Cells : Tagged<std::shared_ptr<Algorithm::ClassificationMatrix> Executor::*> {
   friend Type opened(Cells);
 };
 template struct Opened<Cells, &Executor::classificationMatrix>;
@@ -90,7 +92,9 @@ void DepthSortProbe::fill() { (executor.*opened(Fill()))(); }
 void DepthSortProbe::classify() { (executor.*opened(Classify()))(); }
 void DepthSortProbe::calculate() { (executor.*opened(Calculate()))(); }
 
-DepthSortProbe::Objects* DepthSortProbe::objects() const { return executor.*opened(ObjectList()); }
+DepthSortProbe::Objects* DepthSortProbe::objects() const {
+  return (executor.*opened(ObjectList())).get();
+}
 
 DepthSortProbe::Matrix DepthSortProbe::matrix() const {
   const Algorithm::ClassificationMatrix& cells = *(executor.*opened(Cells()));

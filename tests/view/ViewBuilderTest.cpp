@@ -141,6 +141,12 @@ TEST(SceneView, RegionWithoutAPolygonStillHasItsOutline) {
   EXPECT_TRUE(actors[0].isLines);
 }
 
+TEST(SceneView, RegionOfOnePointReadsNoPointNumber) {
+  SceneModel model;
+  model.addRegion(model.addObject(1), 1, {{0, 0, 0}})->getPoints()->front() = 77;
+  capturedStdout([&] { EXPECT_TRUE(drawnScene(model).empty()); });
+}
+
 TEST(SceneView, BrushNumberBeyondTheListThrowsOnceItsGroupIsReached) {
   for (const int number : {0, -1, 3}) {
     SceneModel model;

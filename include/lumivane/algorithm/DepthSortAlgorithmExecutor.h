@@ -3,6 +3,7 @@
 #include <lumivane/algorithm/IntersectionType.h>
 #include <lumivane/export.h>
 
+#include <memory>
 #include <vector>
 
 namespace Lumivane::Scene {
@@ -22,7 +23,8 @@ class SortShapes;
 /// faces that are wholly hidden.
 ///
 /// Serves one shot: make one, set scene and shot, call `run`, drop it. Owns neither of the two. Its
-/// working objects, which no caller can reach, end with it; hence it cannot be copied.
+/// working objects, which no caller can reach, end with it. A copy shares the working objects that
+/// there are, which end with the last of both, and its own `run` makes its own.
 ///
 /// The method is a painter's algorithm on whole faces: after Newell, Newell and Sancha, "A Solution
 /// to the Hidden Surface Problem" (1972), with a graph of drawn-before relations in place of their
@@ -31,8 +33,9 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
  public:
   DepthSortAlgorithmExecutor();
   ~DepthSortAlgorithmExecutor();
-  DepthSortAlgorithmExecutor(const DepthSortAlgorithmExecutor&) = delete;
-  DepthSortAlgorithmExecutor& operator=(const DepthSortAlgorithmExecutor&) = delete;
+  DepthSortAlgorithmExecutor(const DepthSortAlgorithmExecutor&) = default;  ///< Shares; see above.
+  /// Shares; see above.
+  DepthSortAlgorithmExecutor& operator=(const DepthSortAlgorithmExecutor&) = default;
 
   void setScene(Scene::Scene3D* value) { scene = value; }  ///< What the shot was made from.
   void setShot(Shot::Shot2d* value) { shot = value; }      ///< What is to be ordered.
@@ -55,7 +58,6 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   // The frame: DepthSortAlgorithmExecutor.cpp.
   void fillObjectDataList();
   void classifyObjects();
-  void releaseObjectDataList();
 
   // One cell for every pair of objects: DepthSortClassify.cpp.
   void classifyObjectsByBoundingBoxes();
@@ -72,11 +74,11 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   IntersectionType getPolygonsIntersectionType(Polygon* first, Polygon* second);
   int checkPolygonsLocation(const Polygon& first, const Polygon& second);
 
-  std::vector<ObjectData*>* objectDataList = nullptr;
-  ClassificationMatrix* classificationMatrix;  // one cell for every pair; sparse
+  std::shared_ptr<std::vector<ObjectData*>> objectDataList;    // owns its objects
+  std::shared_ptr<ClassificationMatrix> classificationMatrix;  // one cell for every pair; sparse
   Scene::Scene3D* scene = nullptr;
   Shot::Shot2d* shot = nullptr;
-  SortShapes* shapes;  // the polygons of the objects, in flat arrays
+  std::shared_ptr<SortShapes> shapes;  // the polygons of the objects, in flat arrays
 };
 
 }  // namespace Lumivane::Algorithm

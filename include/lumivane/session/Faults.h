@@ -20,7 +20,8 @@ struct ViewSettings;
 /// Empty if there is none.
 LUMIVANE_EXPORT std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view);
 
-/// The same for the brushes and pens of a scene that is to be shown.
+/// The same for a scene that is to be drawn: its points, brushes and pens, as far as drawing reads
+/// them. A region of one point, and an object without outlines, need none.
 LUMIVANE_EXPORT std::string sceneDrawingFault(Scene::Scene3D& scene);
 
 /// The same for the brushes and pens of a shot that is to be drawn.
