@@ -50,6 +50,10 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
                 "put the model's middle at x = y = 0 and its lowest point at z = 0")
       ->group(group);
   command
+      .add_flag("--allow-outside", settings.allowOutside,
+                "read buffers of a glTF file that lie outside its folder")
+      ->group(group);
+  command
       .add_option("--crease", settings.crease,
                   "edges that bend by at most this many degrees are not drawn; without it 30 on "
                   "the ground of a city model, else 1")

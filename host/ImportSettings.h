@@ -12,6 +12,7 @@ struct ImportSettings {
   bool flip = false;
   bool yUp = false;
   bool center = false;
+  bool allowOutside = false;
   double scale = 1.0;
   double crease = -1.0;                      ///< below 0: as the importer thinks best
   std::optional<std::array<double, 3>> eye;  ///< from where the scene will be seen

@@ -39,6 +39,7 @@ Exchange::ImportedScene importFile(const std::string& path, const ImportSettings
   options.scale = settings.scale;
   options.yUp = settings.yUp;
   options.center = settings.center;
+  options.allowOutside = settings.allowOutside;
   options.creaseDegrees = settings.crease;
   options.eye = settings.eye;
   return Exchange::Importer::importFile(path, options);

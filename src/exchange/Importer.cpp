@@ -113,7 +113,7 @@ Format formatByEnding(const std::string& ending) {
   return Format::None;
 }
 
-SourceModel readModel(const std::string& path) {
+SourceModel readModel(const std::string& path, const ImportOptions& options) {
   const std::string bytes = readBytes(path);
   const std::string ending = lowerEnding(path);
   switch (formatByEnding(ending)) {
@@ -124,7 +124,7 @@ SourceModel readModel(const std::string& path) {
     case Format::Ply:
       return readPly(path, bytes);
     case Format::Gltf:
-      return readGltf(path, bytes);
+      return readGltf(path, bytes, options.allowOutside);
     case Format::CityJson:
       return readCityJson(bytes);
     case Format::None:
@@ -170,7 +170,7 @@ std::optional<Kernel::Vec3> eyeOf(const ImportOptions& options) {
 std::unique_ptr<Scene::Scene3D> makeScene(const std::string& path, const ImportOptions& options,
                                           ImportReport& report) {
   checkOptions(options);
-  SourceModel model = readModel(path);
+  SourceModel model = readModel(path, options);
   report.format = model.format;
   report.sourcePolygons = model.polygons.size();
   const double diagonal = placeModel(model, options, report);

@@ -11,7 +11,7 @@ namespace Lumivane::Exchange {
 SourceModel readObj(const std::string& path, const std::string& bytes);
 SourceModel readStl(const std::string& path, const std::string& bytes);
 SourceModel readPly(const std::string& path, const std::string& bytes);
-SourceModel readGltf(const std::string& path, const std::string& bytes);
+SourceModel readGltf(const std::string& path, const std::string& bytes, bool allowOutside);
 SourceModel readCityJson(const std::string& bytes);
 
 }  // namespace Lumivane::Exchange

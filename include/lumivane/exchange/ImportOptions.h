@@ -24,6 +24,10 @@ struct ImportOptions {
   /// file is turned without being asked, since its format says that y is up.
   bool yUp = false;
 
+  /// Whether the buffers of a glTF file may lie outside its folder. A file from elsewhere could have
+  /// any file of this machine read otherwise.
+  bool allowOutside = false;
+
   /// Puts the middle of the model at x = 0 and y = 0 and its lowest point at z = 0. Without it
   /// only coordinates far from the origin are moved.
   bool center = false;

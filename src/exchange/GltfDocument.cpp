@@ -1,16 +1,16 @@
-#include "exchange/GltfCheck.h"
+#include "exchange/GltfDocument.h"
 
 #include "exchange/ImportError.h"
 #include "exchange/JsonDepth.h"
 #include "exchange/TextLines.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -25,7 +25,7 @@ constexpr std::uint32_t DataChunk = 0x004E4942;
 
 struct Container {
   std::string json;
-  long long dataSize = -1;  // of the data chunk of a binary file, -1 if there is none
+  GltfBytes data;  // the data chunk of a binary file, null if there is none
 };
 
 std::uint32_t word(const std::string& bytes, size_t offset) {
@@ -50,8 +50,8 @@ Container openBinary(const std::string& bytes) {
     const std::uint32_t type = word(bytes, offset + 4);
     if (offset == 12 && type != JsonChunk) throw ImportError("its first chunk is no JSON");
     if (offset == 12) container.json = bytes.substr(offset + 8, size);
-    if (type == DataChunk && container.dataSize < 0)
-      container.dataSize = static_cast<long long>(size);
+    if (type == DataChunk && container.data == nullptr)
+      container.data = std::make_shared<const std::string>(bytes, offset + 8, size);
     offset += 8 + size;
   }
   return container;
@@ -74,6 +74,7 @@ struct Reference {
   const char* owner;  // the list that the owner stands in; null for any
   const char* member;
   const char* target;
+  bool isList = false;
 };
 constexpr Reference References[] = {
     {"accessors", "bufferView", "bufferViews"},
@@ -82,9 +83,9 @@ constexpr Reference References[] = {
     {"nodes", "mesh", "meshes"},
     {"nodes", "skin", "skins"},
     {"nodes", "camera", "cameras"},
-    {"nodes", "children", "nodes"},
-    {"scenes", "nodes", "nodes"},
-    {"skins", "joints", "nodes"},
+    {"nodes", "children", "nodes", true},
+    {"scenes", "nodes", "nodes", true},
+    {"skins", "joints", "nodes", true},
     {"skins", "skeleton", "nodes"},
     {"skins", "inverseBindMatrices", "accessors"},
     {"textures", "source", "images"},
@@ -105,10 +106,11 @@ const Json* member(const Json& node, const char* name) {
 
 class Checker {
  public:
-  Checker(const Json& document, const std::string& path, long long data)
-      : root(document), folder(std::filesystem::path(path).parent_path()), dataSize(data) {}
+  Checker(const Json& document, GltfBuffers files, GltfBytes chunk)
+      : root(document), reader(std::move(files)), data(std::move(chunk)) {}
 
-  void check() {
+  // The bytes of the buffers, when all is well.
+  std::vector<GltfBytes> check() {
     checkAsset();
     for (const char* const list :
          {"accessors", "animations", "buffers", "bufferViews", "cameras", "images", "materials",
@@ -130,6 +132,7 @@ class Checker {
             [this](const Json& node, const std::string& where) { checkSkin(node, where); });
     forEach("animations",
             [this](const Json& node, const std::string& where) { checkAnimation(node, where); });
+    return std::move(buffers);
   }
 
  private:
@@ -193,16 +196,18 @@ class Checker {
       if (key == "extras" || key == "extensions") continue;
       for (const Reference& reference : References)
         if (list == reference.owner && key == reference.member)
-          checkIndices(value, reference.target, memberOf(where, key));
+          reference.isList ? checkIndices(value, reference.target, memberOf(where, key))
+                           : checkIndex(value, reference.target, memberOf(where, key));
       checkReferences(value, list, where);
     }
   }
 
   void checkIndices(const Json& value, const char* target, const std::string& where) const {
-    if (value.is_array()) {
-      for (const Json& item : value) checkIndices(item, target, where);
-      return;
-    }
+    if (!value.is_array()) fail(where, "is no list");
+    for (const Json& item : value) checkIndex(item, target, where);
+  }
+
+  void checkIndex(const Json& value, const char* target, const std::string& where) const {
     const long long count = sizeOf(target);
     if (!value.is_number_integer() || value.get<long long>() < 0 || value.get<long long>() >= count)
       fail(where, shown(value) + " is none of the " + std::to_string(count) + " " + target);
@@ -216,29 +221,37 @@ class Checker {
 
   void checkScene() const {
     const Json* const scene = member(root, "scene");
-    if (scene != nullptr) checkIndices(*scene, "scenes", "scene");
+    if (scene != nullptr) checkIndex(*scene, "scenes", "scene");
     if (sizeOf("scenes") == 0) throw ImportError("there is no scene in it");
   }
 
   // No node has two parents or is its own ancestor.
   void checkTrees() const {
-    const long long count = sizeOf("nodes");
-    std::vector<long long> parent(static_cast<size_t>(count), -1);
-    forEach("nodes", [&](const Json& node, const std::string& where) {
-      const Json* const children = member(node, "children");
-      if (children == nullptr) return;
-      if (!children->is_array()) fail(where, "its children are no list");
+    const size_t count = static_cast<size_t>(sizeOf("nodes"));
+    std::vector<size_t> parent(count, count);
+    for (size_t owner = 0; owner < count; ++owner) {
+      const Json* const children = member((*member(root, "nodes"))[owner], "children");
+      if (children == nullptr) continue;
+      const std::string where = "nodes " + std::to_string(owner);
       for (const Json& child : *children) {
-        long long& owner = parent[child.get<size_t>()];
-        if (owner >= 0) fail(where, "child " + child.dump() + " has another parent already");
-        owner = std::stoll(where.substr(where.find(' ') + 1));
+        if (parent[child.get<size_t>()] < count)
+          fail(where, "child " + child.dump() + " has another parent already");
+        parent[child.get<size_t>()] = owner;
       }
-    });
-    for (long long start = 0; start < count; ++start) {
-      long long steps = 0;
-      for (long long node = start; node >= 0; node = parent[static_cast<size_t>(node)])
-        if (++steps > count)
-          fail("nodes", "node " + std::to_string(start) + " is its own ancestor");
+    }
+    checkAncestors(parent);
+  }
+
+  // Every node is walked over once: a walk that meets one of an earlier walk is no circle.
+  static void checkAncestors(const std::vector<size_t>& parent) {
+    std::vector<size_t> walkOf(parent.size(), parent.size());
+    for (size_t start = 0; start < parent.size(); ++start) {
+      for (size_t node = start; node < parent.size(); node = parent[node]) {
+        if (walkOf[node] == start)
+          fail("nodes", "node " + std::to_string(node) + " is its own ancestor");
+        if (walkOf[node] < parent.size()) break;
+        walkOf[node] = start;
+      }
     }
   }
 
@@ -255,31 +268,17 @@ class Checker {
     return value->get<long long>();
   }
 
-  long long bytesOf(const std::string& uri, const std::string& where) const {
-    if (uri.rfind("data:", 0) == 0) {
-      const size_t start = uri.find(";base64,");
-      if (start == std::string::npos) fail(where, "its data is not in base 64");
-      size_t size = uri.size() - start - 8;
-      while (size > 0 && uri[start + 8 + size - 1] == '=') --size;
-      const std::string_view text = std::string_view(uri).substr(start + 8, size);
-      if (text.find_first_not_of(
-              "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/") !=
-          std::string_view::npos)
-        fail(where, "its data is not in base 64");
-      return static_cast<long long>(size) * 3 / 4;
-    }
-    std::error_code error;
-    const auto size = std::filesystem::file_size(folder / uri, error);
-    if (error) fail(where, "its file " + inQuotes(uri) + " cannot be read");
-    return static_cast<long long>(size);
-  }
-
-  void checkBuffer(const Json& node, const std::string& where) const {
+  void checkBuffer(const Json& node, const std::string& where) {
     const long long wanted = countIn(node, "byteLength", -1, where);
     const Json* const uri = member(node, "uri");
     if (uri != nullptr && !uri->is_string()) fail(where, "its \"uri\" is no text");
-    if (uri == nullptr && dataSize < 0) fail(where, "has no data");
-    const long long there = uri == nullptr ? dataSize : bytesOf(uri->get<std::string>(), where);
+    if (uri == nullptr && data == nullptr) fail(where, "has no data");
+    try {
+      buffers.push_back(uri == nullptr ? data : reader.read(uri->get_ref<const std::string&>()));
+    } catch (const ImportError& error) {
+      fail(where, error.what());
+    }
+    const auto there = static_cast<long long>(buffers.back()->size());
     if (there < wanted)
       fail(where, "has " + std::to_string(there) + " of its " + std::to_string(wanted) + " bytes");
   }
@@ -361,7 +360,7 @@ class Checker {
       if (!targets->is_array()) fail(where, "its targets are no list");
       for (const Json& target : *targets)
         for (const auto& [name, accessor] : target.items())
-          checkIndices(accessor, "accessors", memberOf(where, name));
+          checkIndex(accessor, "accessors", memberOf(where, name));
     }
   }
 
@@ -370,8 +369,7 @@ class Checker {
     if (position == nullptr) fail(where, "has no positions");
     long long count = -1;
     for (const auto& [name, index] : attributes.items()) {
-      if (index.is_array()) fail(where, name + " is no accessor");
-      checkIndices(index, "accessors", memberOf(where, name));
+      checkIndex(index, "accessors", memberOf(where, name));
       const long long own = countIn(at("accessors", index), "count", -1, where);
       if (count >= 0 && own != count) fail(where, "its attributes differ in length");
       count = own;
@@ -384,7 +382,6 @@ class Checker {
   void checkIndexAccessor(const Json& primitive, const std::string& where) const {
     const Json* const indices = member(primitive, "indices");
     if (indices == nullptr) return;
-    if (indices->is_array()) fail(where, "its indices are no accessor");
     const Json& accessor = at("accessors", *indices);
     const long long type = countIn(accessor, "componentType", -1, where);
     if (typeOf(accessor) != "SCALAR" || (type != 5121 && type != 5123 && type != 5125))
@@ -433,21 +430,20 @@ class Checker {
   }
 
   const Json& root;
-  std::filesystem::path folder;
-  long long dataSize;
+  GltfBuffers reader;
+  GltfBytes data;
+  std::vector<GltfBytes> buffers;
 };
 
 }  // namespace
 
-void checkGltf(const std::string& path, const std::string& bytes) {
+GltfDocument openGltf(const std::string& path, const std::string& bytes, bool allowOutside) {
   const bool isBinary = bytes.size() >= 4 && word(bytes, 0) == BinaryMagic;
-  Container container;
-  if (isBinary)
-    container = openBinary(bytes);
-  else
-    container.json = bytes;
-  const Json document = parse(container.json);
-  Checker(document, path, container.dataSize).check();
+  const Container container = isBinary ? openBinary(bytes) : Container{bytes, nullptr};
+  GltfDocument document{parse(container.json), {}};
+  document.buffers =
+      Checker(document.root, GltfBuffers(path, allowOutside), container.data).check();
+  return document;
 }
 
 }  // namespace Lumivane::Exchange
