@@ -2,6 +2,7 @@
 #include "Csv.h"
 #include "HostError.h"
 #include "Options.h"
+#include "OutputNames.h"
 #include "SceneSource.h"
 
 #include <lumivane/geometry/Point3d.h>
@@ -243,7 +244,7 @@ SourcedScene readScene(const GridOptions& options) {
 }  // namespace
 
 void runGrid(const GridOptions& options) {
-  if (!options.out.empty()) Session::checkWritable(options.out);
+  OutputNames(sourceFiles(options.scene)).add(options.out);
   const SourcedScene source = readScene(options);
   const std::vector<Polygon> all = polygons(source.scene.scene());
   const Box box = boundsOf(all);

@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "ImportWork.h"
+#include "OutputNames.h"
 #include "StatsNumbers.h"
 
 #include <lumivane/session/Files.h>
@@ -10,16 +11,11 @@
 namespace Lumivane::Host {
 namespace {
 
-// Before the work: neither output takes the place of the file or of the other output.
 void checkOutputs(const ImportCommandOptions& options) {
-  Session::checkWritable(options.out);
-  if (Session::sameFile(options.out, options.file))
-    throw HostError(options.out, "is already named for another file");
-  if (options.stats.empty()) return;
-  Session::checkWritable(options.stats);
-  for (const std::string& other : {options.file, options.out})
-    if (Session::sameFile(options.stats, other))
-      throw HostError(options.stats, "is already named for another file");
+  OutputNames names(Exchange::Importer::inputFiles(options.file));
+  if (options.out.empty()) Session::checkWritable(options.out);
+  names.add(options.out);
+  names.add(options.stats);
 }
 
 }  // namespace

@@ -24,30 +24,89 @@ namespace fs = std::filesystem;
 fs::path partsFolder(const std::string& folder) { return fs::path(folder) / "parts"; }
 fs::path journalFile(const std::string& folder) { return fs::path(folder) / "journal.csv"; }
 
-// "KEY done ROW": the key in 16 hexadecimal digits.
+// Escapes what could end a line or a record, and the character that leads an escape.
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F && c != '\\') {
+      result += c;
+      continue;
+    }
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(byte));
+    result += escape;
+  }
+  return result;
+}
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
+std::optional<std::string> unescaped(const std::string& text) {
+  std::string result;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\') {
+      result += text[i];
+      continue;
+    }
+    if (i + 3 >= text.size() || text[i + 1] != 'x') return std::nullopt;
+    const int high = hexDigit(text[i + 2]);
+    const int low = hexDigit(text[i + 3]);
+    if (high < 0 || low < 0) return std::nullopt;
+    result += static_cast<char>(high * 16 + low);
+    i += 3;
+  }
+  return result;
+}
+
+// The fields of a line as they were before they were escaped.
+std::optional<std::vector<std::string>> fieldsOf(const std::string& line) {
+  std::vector<std::string> fields;
+  try {
+    const std::vector<CsvRecord> records = readCsv(line, "the journal");
+    if (records.size() != 1) return std::nullopt;
+    for (const std::string& field : records[0].fields) {
+      const std::optional<std::string> text = unescaped(field);
+      if (!text) return std::nullopt;
+      fields.push_back(*text);
+    }
+  } catch (const HostError&) {
+    return std::nullopt;
+  }
+  return fields;
+}
+
+constexpr size_t FixedFields = 5;  // state, name, sources, options, row
+constexpr size_t FileFields = 3;   // name, size, hash
+
+bool readFiles(const std::vector<std::string>& fields, std::vector<FileMark>& files) {
+  if (fields.size() < FixedFields || (fields.size() - FixedFields) % FileFields != 0) return false;
+  for (size_t i = FixedFields; i < fields.size(); i += FileFields) {
+    const auto size = readKey(fields[i + 1]);
+    const auto hash = readKey(fields[i + 2]);
+    if (!size || !hash) return false;
+    files.push_back({fields[i], *size, *hash});
+  }
+  return true;
+}
+
 std::string line(std::uint64_t key, const JournalRow& row) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(key));
-  return std::string(text) + (row.isDone ? " done " : " failed ") + row.row + "\n";
+  return keyText(key) + "," + journalText(row) + "\n";
 }
 
 // A line that is no row, as of another program, counts as none.
 void readLine(const std::string& text, Journal::Rows& rows) {
-  const size_t first = text.find(' ');
-  const size_t second = first == std::string::npos ? first : text.find(' ', first + 1);
-  if (first != 16 || second == std::string::npos) return;
-  const std::string digits = text.substr(0, first);
-  char* end = nullptr;
-  const std::uint64_t key = std::strtoull(digits.c_str(), &end, 16);
-  const std::string state = text.substr(first + 1, second - first - 1);
-  if (*end != '\0' || (state != "done" && state != "failed")) return;
-  JournalRow row{state == "done", text.substr(second + 1)};
-  const auto known = rows.find(key);
-  if (known == rows.end() || row.isDone || !known->second.isDone) rows[key] = std::move(row);
+  const size_t comma = text.find(',');
+  if (comma == std::string::npos) return;
+  const auto key = readKey(text.substr(0, comma));
+  const auto row = readJournalText(text.substr(comma + 1));
+  if (key && row) rows[*key].push_back(*row);
 }
 
-void readFile(const fs::path& path, Journal::Rows& rows) {
-  const std::string text = Session::readBytes(path.string());
+void readRows(const std::string& text, Journal::Rows& rows) {
   for (size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1)
     readLine(text.substr(at, end - at), rows);
 }
@@ -87,6 +146,29 @@ void removePart(const fs::path& path) {
 
 }  // namespace
 
+std::string journalText(const JournalRow& row) {
+  std::vector<std::string> fields = {row.isDone ? "done" : "failed", row.name, keyText(row.sources),
+                                     row.options, row.row};
+  for (const FileMark& mark : row.files)
+    fields.insert(fields.end(), {mark.file, keyText(mark.size), keyText(mark.hash)});
+  for (std::string& field : fields) field = escaped(field);
+  return csvRecord(fields);
+}
+
+std::optional<JournalRow> readJournalText(const std::string& line) {
+  const auto fields = fieldsOf(line);
+  JournalRow row;
+  if (!fields || !readFiles(*fields, row.files)) return std::nullopt;
+  const auto sources = readKey((*fields)[2]);
+  if (!sources || ((*fields)[0] != "done" && (*fields)[0] != "failed")) return std::nullopt;
+  row.isDone = (*fields)[0] == "done";
+  row.name = (*fields)[1];
+  row.sources = *sources;
+  row.options = (*fields)[3];
+  row.row = (*fields)[4];
+  return row;
+}
+
 Journal::Journal(const std::string& folder, Shard shard) : descriptor(-1) {
   const std::string path = (partsFolder(folder) / (std::to_string(shard.number) + "-of-" +
                                                    std::to_string(shard.count) + ".csv"))
@@ -95,7 +177,7 @@ Journal::Journal(const std::string& folder, Shard shard) : descriptor(-1) {
     if (descriptor >= 0) ::close(descriptor);
     std::error_code error;
     fs::create_directories(partsFolder(folder), error);
-    descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (descriptor < 0 && errno == ENOENT) continue;  // another run has just taken the folder away
     if (descriptor < 0)
       throw HostError(path, std::string("cannot be written: ") + std::strerror(errno));
@@ -120,17 +202,30 @@ void Journal::append(std::uint64_t key, const JournalRow& row) {
   }
 }
 
+// A run that ends puts the rows of all parts into the journal and then removes the parts. So the
+// parts are read before the journal, and if one cannot be read, all is listed and read again.
 Journal::Rows Journal::rows(const std::string& folder) {
-  Rows result;
-  if (fs::exists(journalFile(folder))) readFile(journalFile(folder), result);
-  for (const fs::path& part : parts(folder)) readFile(part, result);
-  return result;
+  constexpr int MostTries = 100;
+  for (int i = 1;; ++i) {
+    const std::vector<fs::path> listed = parts(folder);
+    try {
+      std::vector<std::string> texts;
+      for (const fs::path& part : listed) texts.push_back(Session::readBytes(part.string()));
+      Rows result;
+      if (fs::exists(journalFile(folder)))
+        readRows(Session::readBytes(journalFile(folder).string()), result);
+      for (const std::string& text : texts) readRows(text, result);
+      return result;
+    } catch (const HostError&) {
+      if (i == MostTries) throw;
+    }
+  }
 }
 
-void Journal::close(const std::string& folder, const std::vector<std::uint64_t>& keys,
-                    const Rows& rows) {
+void Journal::close(const std::string& folder,
+                    const std::vector<std::pair<std::uint64_t, JournalRow>>& rows) {
   std::string text;
-  for (const std::uint64_t key : keys) text += line(key, rows.at(key));
+  for (const auto& [key, row] : rows) text += line(key, row);
   Session::writeFile(journalFile(folder).string(), text);
   for (const fs::path& part : parts(folder)) removePart(part);
   std::error_code error;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "FileMark.h"
 #include "Options.h"
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +13,18 @@ namespace Lumivane::Host {
 
 /// What is known of a view that has been made.
 struct JournalRow {
-  bool isDone = false;  ///< false if it failed
-  std::string row;      ///< its row of the summary, without a line end
+  bool isDone = false;          ///< false if it failed
+  std::string name;             ///< the view's
+  std::uint64_t sources = 0;    ///< stands for the program's version and all files that were read
+  std::string options;          ///< those given for all views, one after the other
+  std::string row;              ///< its row of the summary, without a line end
+  std::vector<FileMark> files;  ///< its outputs, as names in the folder
 };
+
+/// The row as one line of text, whatever bytes its members hold, and back; nothing if a line is no
+/// row.
+std::string journalText(const JournalRow& row);
+std::optional<JournalRow> readJournalText(const std::string& line);
 
 /// The record of a run in its folder, by which a killed run goes on and shards come together.
 ///
@@ -22,7 +33,8 @@ struct JournalRow {
 /// table's order, and the parts are removed. So the folder ends up the same whatever the shards.
 class Journal {
  public:
-  using Rows = std::map<std::uint64_t, JournalRow>;
+  /// The rows of each view by its key, the oldest first. A view has several if it was tried again.
+  using Rows = std::map<std::uint64_t, std::vector<JournalRow>>;
 
   /// Opens the shard's part to append to.
   /// \throws HostError if it cannot be opened or another run has it open
@@ -34,14 +46,13 @@ class Journal {
   /// \throws HostError
   void append(std::uint64_t key, const JournalRow& row);
 
-  /// All rows by key that the folder's parts and journal hold. Of two rows of one key, one that is
-  /// done counts, or else the later one. A last line without an end, as a killed run leaves it, is
-  /// passed over.
+  /// All rows that the folder's journal and parts hold. A last line without an end, as a killed run
+  /// leaves it, is passed over.
   static Rows rows(const std::string& folder);
 
   /// Writes the journal of these views and removes all parts but those that a run has open.
-  static void close(const std::string& folder, const std::vector<std::uint64_t>& keys,
-                    const Rows& rows);
+  static void close(const std::string& folder,
+                    const std::vector<std::pair<std::uint64_t, JournalRow>>& rows);
 
  private:
   int descriptor;

@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
+#include "OutputNames.h"
 
 #include <lumivane/io/DataReader.h>
 #include <lumivane/jzon/Node.h>
@@ -23,6 +24,7 @@ void warnIfNoJson(const std::string& file, const std::string& json) {
 }  // namespace
 
 void runJson5(const Json5Options& options) {
+  OutputNames({options.file}).add(options.out);
   const std::string json = IO::DataReader().Json5_to_Json(Session::readBytes(options.file));
   if (json.empty()) throw HostError(options.file, "cannot be converted");
   warnIfNoJson(options.file, json);

@@ -96,6 +96,8 @@ int main(int argc, char** argv) {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});
   } catch (const std::bad_alloc&) {
     return fail(Failed, "there is not enough memory");
+  } catch (const ArgumentError& error) {
+    return fail(WrongArguments, error.what());
   } catch (const std::exception& error) {
     return fail(Failed, error.what());
   }

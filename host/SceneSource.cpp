@@ -10,6 +10,14 @@
 
 namespace Lumivane::Host {
 
+std::vector<std::string> sourceFiles(const std::string& path) {
+#ifdef LUMIVANE_HOST_EXCHANGE
+  return Exchange::Importer::inputFiles(path);
+#else
+  return {path};
+#endif
+}
+
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings) {
 #ifdef LUMIVANE_HOST_EXCHANGE
   if (Exchange::Importer::isImportable(path)) {

@@ -6,6 +6,7 @@
 #include <lumivane/session/LoadedScene.h>
 
 #include <string>
+#include <vector>
 
 namespace Lumivane::Host {
 
@@ -14,6 +15,10 @@ struct SourcedScene {
   Session::LoadedScene scene;
   Jzon::Node import;
 };
+
+/// All files that `loadScene` reads of a path: itself first, then those that it names.
+/// \throws Session::Error
+std::vector<std::string> sourceFiles(const std::string& path);
 
 /// Reads a scene file; where the program is built with importers, also a mesh or a city model,
 /// telling on standard output what became of it.

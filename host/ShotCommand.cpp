@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
+#include "OutputNames.h"
 #include "Picture.h"
 #include "ProgressBar.h"
 #include "SceneSource.h"
@@ -21,21 +22,11 @@ namespace {
 using Session::LoadedScene;
 using Session::TakenShot;
 
-// Before the long work: no output takes the place of the scene or of another output, and each has
-// a folder.
 void checkOutputs(const ShotOptions& options) {
-  std::vector<std::string> taken = {options.scene};
-  std::vector<std::string> outputs = options.vector.paths();
-  outputs.insert(outputs.begin(), {options.shot, options.png, options.stats, options.visible});
-  for (const std::string& path : outputs) {
-    if (path.empty()) continue;
-    Session::checkWritable(path);
-    if (path == "/dev/null" || path == "/dev/stdout") continue;
-    for (const std::string& other : taken)
-      if (Session::sameFile(path, other))
-        throw HostError(path, "is already named for another file");
-    taken.push_back(path);
-  }
+  OutputNames names(sourceFiles(options.scene));
+  for (const std::string& path : {options.shot, options.png, options.stats, options.visible})
+    names.add(path);
+  for (const std::string& path : options.vector.paths()) names.add(path);
 }
 
 SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {

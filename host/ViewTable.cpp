@@ -187,6 +187,8 @@ class TableReader {
          at += view.name.size())
       path.replace(at, std::string(NamePlace).size(), view.name);
     checkFile(record, name, path);
+    // Also as written: "x/../a" must not mean one file before x is made and another one after.
+    path = fs::path(path).lexically_normal().string();
     view.files.push_back(path);
     return "--" + name + "=" + (fs::path(setting.folder) / path).string();
   }
@@ -217,12 +219,6 @@ class TableReader {
 
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting) {
   return TableReader(file, setting).views();
-}
-
-std::uint64_t textKey(const std::string& text, std::uint64_t start) {
-  std::uint64_t key = start;
-  for (const char c : text) key = (key ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
-  return key;
 }
 
 }  // namespace Lumivane::Host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileMark.h"
 #include "Options.h"
 
 #include <cstdint>
@@ -30,8 +31,5 @@ struct TableSetting {
 /// "{name}" in an output file stands for the view's name; without names, views are numbered.
 /// \throws HostError that names the table's file, line and column
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting);
-
-/// A number that stands for a text: FNV-1a of 64 bits, going on from `start`.
-std::uint64_t textKey(const std::string& text, std::uint64_t start = 14695981039346656037ULL);
 
 }  // namespace Lumivane::Host

@@ -40,23 +40,30 @@ bool receiveSome(int socket, std::string& text) {
   return true;
 }
 
-// Takes a line off the front of a text; false if there is none yet.
-bool takeLine(std::string& text, std::string& line) {
-  const size_t end = text.find('\n');
+// A message is its length in bytes, a line end, and the bytes, which may be any.
+std::string framed(const std::string& message) {
+  return std::to_string(message.size()) + "\n" + message;
+}
+
+// Takes a message off the front of what was received; false if it is not complete yet.
+bool takeMessage(std::string& received, std::string& message) {
+  const size_t end = received.find('\n');
   if (end == std::string::npos) return false;
-  line = text.substr(0, end);
-  text.erase(0, end + 1);
+  const size_t length = std::stoul(received.substr(0, end));
+  if (received.size() - end - 1 < length) return false;
+  message = received.substr(end + 1, length);
+  received.erase(0, end + 1 + length);
   return true;
 }
 
-// The life of a process: pieces come as numbers, results go as lines.
+// The life of a process: pieces come as numbers, results go back.
 void serve(int socket, const SharedWork& shared) {
   std::string received;
-  std::string line;
+  std::string message;
   while (true) {
-    while (!takeLine(received, line))
+    while (!takeMessage(received, message))
       if (!receiveSome(socket, received)) return;
-    if (!sendAll(socket, shared.work(std::stoul(line)) + "\n")) return;
+    if (!sendAll(socket, framed(shared.work(std::stoul(message))))) return;
   }
 }
 
@@ -141,7 +148,7 @@ class Pool {
     worker.hasPiece = next < pieces.size();
     if (!worker.hasPiece) return;
     worker.piece = pieces[next++];
-    sendAll(worker.socket, std::to_string(worker.piece) + "\n");  // a failure shows as its end
+    sendAll(worker.socket, framed(std::to_string(worker.piece)));  // a failure shows as its end
   }
 
   static int end(Worker& worker) {
@@ -172,9 +179,9 @@ class Pool {
       begin(index);
       return;
     }
-    std::string line;
-    if (!takeLine(worker.received, line)) return;
-    shared.done(worker.piece, line);
+    std::string result;
+    if (!takeMessage(worker.received, result)) return;
+    shared.done(worker.piece, result);
     hand(worker);
   }
 

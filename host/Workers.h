@@ -11,9 +11,9 @@ namespace Lumivane::Host {
 struct SharedWork {
   /// Called once in each new process, told its number from 0.
   std::function<void(int)> start;
-  /// Does one piece in a process, and gives one line of text.
+  /// Does one piece in a process, and returns its result: any bytes.
   std::function<std::string(size_t)> work;
-  /// Is told the line in the parent.
+  /// Called in the parent with the result.
   std::function<void(size_t, const std::string&)> done;
   /// Is told in the parent that the process ended over the piece, and how.
   std::function<void(size_t, const std::string&)> died;

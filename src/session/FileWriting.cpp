@@ -69,11 +69,19 @@ bool isPlainOrNew(const fs::path& path) {
   return status.type() == fs::file_type::not_found || status.type() == fs::file_type::regular;
 }
 
-// The file that the name means: a link stays one, and what it points at is replaced.
+// The file that the name means: a link stays one, and what it points at is replaced or made. A
+// link in a circle is left to the system to refuse.
 fs::path target(const std::string& path) {
+  constexpr int MostLinks = 40;  // as the system follows
+  fs::path file = path;
   std::error_code error;
-  const fs::path real = fs::weakly_canonical(path, error);
-  return error || !fs::is_symlink(fs::symlink_status(path, error)) ? fs::path(path) : real;
+  for (int i = 0; i < MostLinks; ++i) {
+    if (!fs::is_symlink(fs::symlink_status(file, error))) return file;
+    const fs::path next = fs::read_symlink(file, error);
+    if (error) return file;
+    file = next.is_absolute() ? next : file.parent_path() / next;
+  }
+  return path;
 }
 
 void keepMode(const fs::path& file, int descriptor) {
@@ -130,13 +138,17 @@ void writeFile(const std::string& path, const std::string& bytes) {
   if (error != 0) fail(path, error);
 }
 
-bool sameFile(const std::string& a, const std::string& b) {
+std::string writtenFile(const std::string& path) {
   std::error_code error;
-  if (fs::equivalent(a, b, error)) return true;
-  const fs::path first = fs::weakly_canonical(a, error);
-  if (error) return a == b;
-  const fs::path second = fs::weakly_canonical(b, error);
-  return error ? a == b : first == second;
+  const fs::path file = fs::absolute(target(path), error);
+  if (error) return path;
+  const fs::path folder = fs::weakly_canonical(file.parent_path(), error);
+  return error ? file.lexically_normal().string() : (folder / file.filename()).string();
+}
+
+bool sameFile(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  return fs::equivalent(a, b, ignored) || writtenFile(a) == writtenFile(b);
 }
 
 }  // namespace Lumivane::Session

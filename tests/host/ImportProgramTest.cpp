@@ -138,10 +138,10 @@ TEST(ImportProgram, FaultsNameTheFileAndLeaveNoOutput) {
 TEST(ImportProgram, OutputsNeverTakeThePlaceOfTheFile) {
   const TempFolder folder;
   const std::string file = folder.file("cube.obj", fileBytes(Cube));
-  expectFailure(run({"import", file, "-o", file}), 1,
+  expectFailure(run({"import", file, "-o", file}), 2,
                 "lumivane: " + file + ": is already named for another file");
   const std::string out = folder.path("scene");
-  expectFailure(run({"import", file, "-o", out, "--stats", out}), 1,
+  expectFailure(run({"import", file, "-o", out, "--stats", out}), 2,
                 "lumivane: " + out + ": is already named for another file");
   EXPECT_EQ(fileBytes(Cube), fileBytes(file));
 }

@@ -303,12 +303,27 @@ TEST(ShotProgram, FullDiskIsAnError) {
 TEST(ShotProgram, OutputsNeverReplaceTheSceneOrEachOther) {
   const TempFolder folder;
   const std::string scene = folder.file("s.json", fileBytes(Small));
-  expectFailure(runView(scene, {"-o", scene}), 1,
+  expectFailure(runView(scene, {"-o", scene}), 2,
                 "lumivane: " + scene + ": is already named for another file");
   const std::string out = folder.path("a");
-  expectFailure(runView(scene, {"-o", out, "--stats", out}), 1,
+  expectFailure(runView(scene, {"-o", out, "--stats", out}), 2,
                 "lumivane: " + out + ": is already named for another file");
   EXPECT_EQ(fileBytes(Small), fileBytes(scene));
+}
+
+TEST(ShotProgram, TwoOutputsUnderTwoSpellingsOfOneNameAreRefused) {
+  const TempFolder folder;
+  std::filesystem::create_symlink("a.out", folder.path("link"));
+  const std::string shell = "cd " + folder.path("") + " && exec " LUMIVANE_PROGRAM " shot " +
+                            Small + " --eye=-4,0.35,1.9 ";
+  for (const std::string outputs :
+       {"-o a.out --stats ./a.out", "-o link --stats a.out", "-o a.out --stats link"}) {
+    const Result result = Lumivane::Test::runProcess({"/bin/sh", "-c", shell + outputs});
+    EXPECT_EQ(2, result.status) << outputs;
+    EXPECT_NE(std::string::npos, result.err.find(": is already named for another file"))
+        << result.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.path("a.out"))) << outputs;
+  }
 }
 
 TEST(ShotProgram, WrongArgumentsAreOneLineAndStatusTwo) {

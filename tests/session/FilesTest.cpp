@@ -179,5 +179,47 @@ TEST(Files, NamesOfOneFileAreKnownAsTheSame) {
   EXPECT_FALSE(sameFile(path, folder.path("b")));
 }
 
+// A folder of its own as the working directory, for names without one.
+class WorkingFolder {
+ public:
+  explicit WorkingFolder(const std::string& path) : before(fs::current_path()) {
+    fs::current_path(path);
+  }
+  WorkingFolder(const WorkingFolder&) = delete;
+  WorkingFolder& operator=(const WorkingFolder&) = delete;
+  ~WorkingFolder() { fs::current_path(before); }
+
+ private:
+  fs::path before;
+};
+
+TEST(Files, TwoSpellingsOfANewFileAreOneFile) {
+  const TempFolder folder;
+  const WorkingFolder here(folder.path(""));
+  EXPECT_TRUE(sameFile("new", "./new"));
+  EXPECT_TRUE(sameFile("new", folder.path("new")));
+  EXPECT_TRUE(sameFile("none/../new", "./new"));
+  fs::create_symlink("new", "dangling");
+  EXPECT_TRUE(sameFile("dangling", "new"));
+  EXPECT_FALSE(sameFile("new", "./newer"));
+}
+
+TEST(Files, ALinkThatPointsAtNothingStaysALink) {
+  const TempFolder folder;
+  fs::create_directory(folder.path("sub"));
+  fs::create_symlink("sub/second", folder.path("first"));
+  fs::create_symlink("real", folder.path("sub/second"));
+  writeFile(folder.path("first"), "bytes");
+  EXPECT_TRUE(fs::is_symlink(folder.path("first")));
+  EXPECT_TRUE(fs::is_symlink(folder.path("sub/second")));
+  EXPECT_EQ("bytes", fileBytes(folder.path("sub/real")));
+  fs::create_symlink("no/such/folder", folder.path("away"));
+  EXPECT_THROW(writeFile(folder.path("away"), "bytes"), Error);
+  EXPECT_TRUE(fs::is_symlink(folder.path("away")));
+  fs::create_symlink("circle", folder.path("circle"));
+  EXPECT_THROW(writeFile(folder.path("circle"), "bytes"), Error);
+  EXPECT_TRUE(fs::is_symlink(folder.path("circle")));
+}
+
 }  // namespace
 }  // namespace Lumivane::Session

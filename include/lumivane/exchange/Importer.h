@@ -6,6 +6,7 @@
 #include <lumivane/session/LoadedScene.h>
 
 #include <string>
+#include <vector>
 
 namespace Lumivane::Scene {
 class Scene3D;
@@ -28,6 +29,12 @@ class LUMIVANE_EXCHANGE_EXPORT Importer {
   /// Whether the file is of a kind that is read here, told by the ending of its name and, for
   /// ".json", by its content, so that a scene file is not taken for a city model.
   static bool isImportable(const std::string& path);
+
+  /// The files that reading this one reads: itself first, then the material libraries of an OBJ
+  /// file or the buffers of a glTF file, as far as they are there.
+  ///
+  /// \throws Session::Error if the file cannot be read
+  static std::vector<std::string> inputFiles(const std::string& path);
 
   /// Reads a file.
   ///

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Host {
+
+/// The files that a command reads and writes, checked before its work: no output takes the place of
+/// an input or of another output, by whatever name.
+class OutputNames {
+ public:
+  explicit OutputNames(std::vector<std::string> inputs);
+
+  /// Adds an output. An empty name is none.
+  /// \throws ArgumentError if it is an input or another output
+  /// \throws HostError if it cannot be written
+  void add(const std::string& path);
+
+ private:
+  std::vector<std::string> taken;
+};
+
+}  // namespace Lumivane::Host

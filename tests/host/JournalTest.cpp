@@ -1,0 +1,130 @@
+#include "Csv.h"
+#include "Journal.h"
+#include "Workers.h"
+#include "support/TempFolder.h"
+
+#include <atomic>
+#include <map>
+#include <numeric>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Host {
+namespace {
+
+using Lumivane::Test::TempFolder;
+
+std::string everyByte() {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  return bytes + "\\x0a\\\\" + bytes;
+}
+
+JournalRow rowOf(const std::string& text) {
+  JournalRow row;
+  row.isDone = true;
+  row.name = text;
+  row.sources = 0x123456789abcdef0ULL;
+  row.options = text;
+  row.row = text;
+  row.files = {{text, 12, 0xffffffffffffffffULL}, {"b", 0, 7}};
+  return row;
+}
+
+void expectSame(const JournalRow& expected, const JournalRow& row) {
+  EXPECT_EQ(expected.isDone, row.isDone);
+  EXPECT_EQ(expected.name, row.name);
+  EXPECT_EQ(expected.sources, row.sources);
+  EXPECT_EQ(expected.options, row.options);
+  EXPECT_EQ(expected.row, row.row);
+  EXPECT_EQ(expected.files, row.files);
+}
+
+TEST(Journal, ARowIsOneLineWhateverBytesItHolds) {
+  const std::string text = journalText(rowOf(everyByte()));
+  for (const char c : text) EXPECT_TRUE(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
+  const auto row = readJournalText(text);
+  ASSERT_TRUE(row);
+  expectSame(rowOf(everyByte()), *row);
+}
+
+TEST(Journal, RowsOfEveryByteComeBackFromTheFolder) {
+  const TempFolder folder;
+  const std::string path = folder.path("");
+  for (std::uint64_t byte = 0; byte < 256; ++byte) {
+    Journal journal(path, {1, 1});
+    journal.append(byte, rowOf("a" + std::string(1, static_cast<char>(byte)) + "b"));
+  }
+  const Journal::Rows rows = Journal::rows(path);
+  ASSERT_EQ(256U, rows.size());
+  for (const auto& [byte, all] : rows) {
+    ASSERT_EQ(1U, all.size());
+    expectSame(rowOf("a" + std::string(1, static_cast<char>(byte)) + "b"), all[0]);
+  }
+}
+
+TEST(Journal, ALineThatIsNoRowCountsAsNone) {
+  const std::string text = journalText(rowOf("a"));
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto row = readJournalText(text.substr(0, i));
+    EXPECT_TRUE(!row || row->files.size() < 2U) << i;
+  }
+  for (const std::string line :
+       {"", "done", "made,a,0123456789abcdef,,row", "done,a,0123456789abcdeg,,row",
+        "done,a,0123456789abcdef,,ro\\w", "done,a,0123456789abcdef,,row\\x0",
+        "done,a,0123456789abcdef,,row\\xzz", "done,a,0123456789abcdef,,row,file",
+        "done,a,0123456789abcdef,,\"row", "done,a,0123456789abcdef,,r\"w",
+        "done,a,0123456789abcdef,,row\ndone,b,0123456789abcdef,,row"})
+    EXPECT_FALSE(readJournalText(line)) << line;
+}
+
+// As when one shard of many ends while another one reads.
+TEST(Journal, NoRowIsMissedWhileAnotherRunPutsThePartsTogether) {
+  const TempFolder folder;
+  const std::string path = folder.path("");
+  Journal(path, {1, 2}).append(1, rowOf("a"));
+  std::atomic<bool> isOver = false;
+  std::thread other([&path, &isOver] {
+    for (int i = 0; i < 300; ++i) {
+      Journal::close(path, {{1, rowOf("a")}});
+      for (int shard = 1; shard <= 5; ++shard) Journal(path, {shard, 5}).append(1, rowOf("a"));
+    }
+    isOver = true;
+  });
+  int missed = 0;
+  int failed = 0;
+  while (!isOver) {
+    try {
+      if (Journal::rows(path).count(1) == 0) ++missed;
+    } catch (const std::exception&) {
+      ++failed;
+    }
+  }
+  other.join();
+  EXPECT_EQ(0, missed);
+  EXPECT_EQ(0, failed);
+}
+
+TEST(Workers, ResultsMayHoldEveryByte) {
+  std::vector<size_t> pieces(256);
+  std::iota(pieces.begin(), pieces.end(), 0U);
+  const auto resultOf = [](size_t piece) {
+    return std::string(piece % 5, static_cast<char>(piece)) + "\n" + std::to_string(piece) + "\n";
+  };
+  std::map<size_t, std::string> results;
+  SharedWork shared;
+  shared.start = [](int) {};
+  shared.work = resultOf;
+  shared.done = [&results](size_t piece, const std::string& result) { results[piece] = result; };
+  shared.died = [](size_t piece, const std::string& how) { ADD_FAILURE() << piece << how; };
+  shared.tick = [] {};
+  shareOut(pieces, 2, shared);
+  ASSERT_EQ(256U, results.size());
+  for (const auto& [piece, result] : results) EXPECT_EQ(resultOf(piece), result);
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
