@@ -204,11 +204,20 @@ class Batch {
            static_cast<size_t>(options.shard.number - 1);
   }
 
+  // A material library that cannot be read is left out by the importer, with a note.
+  static std::string bytesOrNone(const std::string& file) {
+    try {
+      return Session::readBytes(file);
+    } catch (const HostError&) {
+      return "";
+    }
+  }
+
   // Stands for the program's version and the name and bytes of every file that is read.
   static std::uint64_t sourcesKey(const std::vector<std::string>& files) {
     std::uint64_t key = textKey(LUMIVANE_VERSION);
     for (const std::string& file : files) {
-      const std::string bytes = Session::readBytes(file);
+      const std::string bytes = bytesOrNone(file);
       const std::string name = fs::path(file).filename().string();
       key = textKey(name + "\n" + std::to_string(bytes.size()) + "\n", key);
       key = textKey(bytes, key);

@@ -2,6 +2,7 @@
 // as a whole. Both readings of a name are listed where readers may differ (blanks in the name of a
 // material library, percent signs in a URI): a file too many only means that it is not overwritten.
 
+#include "exchange/GltfBuffers.h"
 #include "exchange/ImportError.h"
 #include "exchange/JsonDepth.h"
 #include "exchange/TextLines.h"
@@ -74,28 +75,6 @@ void addFilesOfObj(std::string_view text, FileList& list) {
     joined.clear();
   }
   addLibraries(joined, list);
-}
-
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
-std::string percentDecoded(const std::string& uri) {
-  std::string result;
-  for (size_t i = 0; i < uri.size(); ++i) {
-    const bool fits = uri[i] == '%' && i + 2 < uri.size();
-    const int high = fits ? hexDigit(uri[i + 1]) : -1;
-    const int low = fits ? hexDigit(uri[i + 2]) : -1;
-    if (high < 0 || low < 0) {
-      result += uri[i];
-      continue;
-    }
-    result += static_cast<char>(high * 16 + low);
-    i += 2;
-  }
-  return result;
 }
 
 // The document of a binary file is its first chunk, behind 20 bytes of lengths and marks.
