@@ -19,14 +19,14 @@ VectorPicture::Color color(const PlaneAxes::Rgba& rgba) {
   return {rgba[0], rgba[1], rgba[2], rgba[3] / 255.0};
 }
 
-VectorPicture::Line line(const PlaneFrame& frame, const Places& places) {
+VectorPicture::Line line(const PictureFrame& frame, const Places& places) {
   VectorPicture::Line result;
   for (const Vec2 place : places) result.push_back(frame.at(place));
   return result;
 }
 
 // One pixel wide, as the library draws them.
-Path stroke(const PlaneFrame& frame, const std::vector<Places>& lines, VectorPicture::Color color,
+Path stroke(const PictureFrame& frame, const std::vector<Places>& lines, VectorPicture::Color color,
             bool closed = false) {
   Path path;
   for (const Places& places : lines) path.lines.push_back(line(frame, places));
@@ -35,7 +35,7 @@ Path stroke(const PlaneFrame& frame, const std::vector<Places>& lines, VectorPic
   return path;
 }
 
-Path head(const PlaneFrame& frame, Vec2 direction) {
+Path head(const PictureFrame& frame, Vec2 direction) {
   const Vec2 side = {-direction.y, direction.x};
   const Vec2 middle = PlaneAxes::Reach * direction;
   const Vec2 half = (PlaneAxes::HeadLength * 0.5) * direction;
@@ -64,7 +64,7 @@ Places letterV(double x) { return {{x, 0.5}, {x + 0.19, 0.0}, {x + 0.38, 0.5}}; 
 
 Places digitOne(double x) { return {{x, 0.55}, {x + 0.15, 0.7}, {x + 0.15, 0.0}}; }
 
-Path label(const PlaneFrame& frame, const PlaneAxes::Label& label) {
+Path label(const PictureFrame& frame, const PlaneAxes::Label& label) {
   const double size = PlaneAxes::LabelPoints * PlaneAxes::LabelScale;
   constexpr double advance = 0.55;
   std::vector<Places> letters;
@@ -81,7 +81,7 @@ Path label(const PlaneFrame& frame, const PlaneAxes::Label& label) {
 }
 
 // What both projections have: two axes with their heads and names.
-std::vector<Path> arrows(const PlaneFrame& frame, const std::array<PlaneAxes::Label, 2>& labels) {
+std::vector<Path> arrows(const PictureFrame& frame, const std::array<PlaneAxes::Label, 2>& labels) {
   const double reach = PlaneAxes::Reach;
   const VectorPicture::Color axisColor = color(PlaneAxes::AxisColor);
   std::vector<Path> paths = {stroke(frame, {{{-reach, 0.0}, {reach, 0.0}}}, axisColor),
@@ -102,14 +102,14 @@ Places ring(double radius) {
 
 }  // namespace
 
-std::vector<Path> radialAxes(const PlaneFrame& frame) {
+std::vector<Path> radialAxes(const PictureFrame& frame) {
   std::vector<Path> paths = arrows(frame, PlaneAxes::RadialLabels);
   for (const double radius : PlaneAxes::RingRadii)
     paths.push_back(stroke(frame, {ring(radius)}, color(PlaneAxes::RingColor), true));
   return paths;
 }
 
-std::vector<Path> squareAxes(const PlaneFrame& frame) {
+std::vector<Path> squareAxes(const PictureFrame& frame) {
   std::vector<Path> paths = arrows(frame, PlaneAxes::SquareLabels);
   // The library lays every line once for each step of the other direction; here one line has the
   // opacity of them all. The directions are two paths, since crossings are darker.

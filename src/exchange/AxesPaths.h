@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exchange/PlaneFrame.h"
+#include "exchange/PictureFrame.h"
 
 #include <lumivane/exchange/VectorPicture.h>
 
@@ -9,7 +9,7 @@
 namespace Lumivane::Exchange {
 
 /// The axes of a projection, in the order and the looks of the library's own drawing.
-std::vector<VectorPicture::Path> radialAxes(const PlaneFrame& frame);
-std::vector<VectorPicture::Path> squareAxes(const PlaneFrame& frame);
+std::vector<VectorPicture::Path> radialAxes(const PictureFrame& frame);
+std::vector<VectorPicture::Path> squareAxes(const PictureFrame& frame);
 
 }  // namespace Lumivane::Exchange

@@ -121,7 +121,9 @@ void draw(cairo_surface_t* target, const VectorPicture& picture, double scale,
     cairo_paint(context.get());
   }
   drawAxes(context.get(), picture, transparency);
+  for (const Path& path : picture.underlay()) draw(context.get(), path);
   for (const Surface& surface : picture.surfaces()) drawSurface(context.get(), surface);
+  for (const Path& path : picture.lines()) draw(context.get(), path);
   check(cairo_status(context.get()));
 }
 

@@ -53,7 +53,7 @@ Element elementOfNumber(const std::vector<Element*>* list, int number, const cha
 
 class RegionReader {
  public:
-  RegionReader(Shot::Shot2d& shot, const PlaneFrame& planeFrame, Base::ViewDisplayStyle style)
+  RegionReader(Shot::Shot2d& shot, const PictureFrame& planeFrame, Base::ViewDisplayStyle style)
       : frame(planeFrame),
         isFilled(style != Base::ViewDisplayStyle::Outline),
         opacityFactor(style == Base::ViewDisplayStyle::HalfTransparent ? 0.5 : 1.0) {
@@ -158,7 +158,7 @@ class RegionReader {
       region.edges.pen = VectorPicture::Pen{toColor(pen), pen.getWidth()};
   }
 
-  const PlaneFrame& frame;
+  const PictureFrame& frame;
   bool isFilled;
   double opacityFactor;
   const std::vector<Geometry::Point2d*>* points = nullptr;
@@ -169,7 +169,7 @@ class RegionReader {
 
 }  // namespace
 
-std::vector<DrawnRegion> drawnRegions(Shot::Shot2d& shot, const PlaneFrame& frame,
+std::vector<DrawnRegion> drawnRegions(Shot::Shot2d& shot, const PictureFrame& frame,
                                       Base::ViewDisplayStyle style) {
   std::vector<DrawnRegion> result;
   if (shot.getRegions() == nullptr || shot.getRegions()->getRegions() == nullptr) return result;

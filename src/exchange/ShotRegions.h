@@ -1,6 +1,6 @@
 #pragma once
 
-#include "exchange/PlaneFrame.h"
+#include "exchange/PictureFrame.h"
 
 #include <lumivane/base/ViewDisplayStyle.h>
 #include <lumivane/exchange/VectorPicture.h>
@@ -22,7 +22,7 @@ struct DrawnRegion {
 
 /// The regions of a shot in drawing order, without those of fewer than two points.
 /// \throws std::runtime_error as VectorPicture says
-std::vector<DrawnRegion> drawnRegions(Shot::Shot2d& shot, const PlaneFrame& frame,
+std::vector<DrawnRegion> drawnRegions(Shot::Shot2d& shot, const PictureFrame& frame,
                                       Base::ViewDisplayStyle style);
 
 }  // namespace Lumivane::Exchange

@@ -48,9 +48,11 @@ class Document {
     if (!picture.title().empty())
       svg.append_child("title").text() = xmlText(picture.title()).c_str();
     if (picture.background()) addBackground(*picture.background());
-    if (!picture.axes().empty()) addAxes();
-    pugi::xml_node shot = addGroup(svg, "shot");
-    for (const Surface& surface : picture.surfaces()) addSurface(shot, surface);
+    addPaths("axes", picture.axes());
+    addPaths("underlay", picture.underlay());
+    pugi::xml_node content = addGroup(svg, picture.content().c_str());
+    for (const Surface& surface : picture.surfaces()) addSurface(content, surface);
+    addPaths("lines", picture.lines());
     return saved();
   }
 
@@ -93,9 +95,12 @@ class Document {
     setColor(node, "fill", color);
   }
 
-  void addAxes() {
-    pugi::xml_node group = addGroup(svg, "axes");
-    for (const Path& path : picture.axes()) addPath(group, path, nullptr, nullptr);
+  // A group of paths that belong to no region and do not answer to the pointer.
+  void addPaths(const char* name, const std::vector<Path>& paths) {
+    if (paths.empty()) return;
+    pugi::xml_node group = addGroup(svg, name);
+    if (&paths != &picture.axes()) group.append_attribute("pointer-events") = "none";
+    for (const Path& path : paths) addPath(group, path, nullptr, nullptr);
   }
 
   // The class names the object, so that one style rule reaches all that is drawn of it.
@@ -149,6 +154,10 @@ class Document {
     if (region.interior.fill) setColor(node, "fill", *region.interior.fill);
     if (onlyEdges && region.edges.pen) setPen(node, *region.edges.pen);
     if (!options.titles) return;
+    if (region.objectNumber == 0) {
+      node.append_child("title").text() = "sky";
+      return;
+    }
     const std::string title = object + ", face " + std::to_string(region.faceNumber) + ", region " +
                               std::to_string(region.sourceRegionNumber);
     node.append_child("title").text() = title.c_str();

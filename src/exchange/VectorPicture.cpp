@@ -1,5 +1,6 @@
 #include "exchange/AxesPaths.h"
 #include "exchange/Colors.h"
+#include "exchange/PictureFrame.h"
 #include "exchange/ShotRegions.h"
 #include "exchange/Surfaces.h"
 
@@ -27,10 +28,7 @@ void checkSide(const char* name, int side) {
 }
 
 const VectorOptions& checked(const VectorOptions& options) {
-  checkSide("width", options.width);
-  checkSide("height", options.height);
-  if (!(options.extent >= SmallestExtent && options.extent <= LargestExtent))
-    throw std::invalid_argument("the extent of the picture is not within 0.001 to 1000");
+  checkPictureSize(options.width, options.height, options.extent);
   const int style = options.style ? static_cast<int>(*options.style) : 0;
   if (style < 0 || style > 2)
     throw std::invalid_argument("there is no display style " + std::to_string(style));
@@ -49,7 +47,7 @@ bool isSquare(const Shot::Shot2d& shot) {
 }
 
 std::vector<VectorPicture::Path> axesOf(const Shot::Shot2d& shot, VectorAxes axes,
-                                        const PlaneFrame& frame) {
+                                        const PictureFrame& frame) {
   if (axes == VectorAxes::OfShot) axes = isSquare(shot) ? VectorAxes::Square : VectorAxes::Radial;
   if (axes == VectorAxes::Square) return squareAxes(frame);
   if (axes == VectorAxes::Radial) return radialAxes(frame);
@@ -63,12 +61,19 @@ std::optional<VectorPicture::Color> backgroundOf(const VectorOptions& options) {
 
 }  // namespace
 
+void checkPictureSize(int width, int height, double extent) {
+  checkSide("width", width);
+  checkSide("height", height);
+  if (!(extent >= SmallestExtent && extent <= LargestExtent))
+    throw std::invalid_argument("the extent of the picture is not within 0.001 to 1000");
+}
+
 VectorPicture::VectorPicture(Shot::Shot2d& shot, const VectorOptions& options)
     : pictureWidth(checked(options).width),
       pictureHeight(options.height),
       pictureTitle(options.title),
       pictureBackground(backgroundOf(options)) {
-  const PlaneFrame frame(options);
+  const PictureFrame frame(options);
   axesPaths = axesOf(shot, options.axes, frame);
   drawnSurfaces = surfacesOf(drawnRegions(shot, frame, styleOf(shot, options)));
 }

@@ -1,4 +1,5 @@
 #include "exchange/ExchangeModels.h"
+#include "exchange/PngImage.h"
 
 #include <lumivane/exchange/CairoWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
@@ -12,7 +13,6 @@
 #include <string>
 #include <thread>
 
-#include <cairo.h>
 #include <gtest/gtest.h>
 
 namespace Lumivane::Test {
@@ -21,44 +21,6 @@ namespace {
 using Exchange::CairoWriter;
 using Exchange::VectorOptions;
 using Exchange::VectorPicture;
-using Rgb = std::array<int, 3>;
-
-struct Reader {
-  const std::string& bytes;
-  size_t at = 0;
-  static cairo_status_t read(void* self, unsigned char* target, unsigned count) {
-    auto& reader = *static_cast<Reader*>(self);
-    if (reader.at + count > reader.bytes.size()) return CAIRO_STATUS_READ_ERROR;
-    std::copy_n(reader.bytes.begin() + static_cast<std::ptrdiff_t>(reader.at), count, target);
-    reader.at += count;
-    return CAIRO_STATUS_SUCCESS;
-  }
-};
-
-// A PNG, read again.
-class Image {
- public:
-  explicit Image(const std::string& bytes) {
-    Reader reader{bytes};
-    surface.reset(cairo_image_surface_create_from_png_stream(Reader::read, &reader));
-    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
-      throw std::runtime_error("no PNG");
-  }
-  int width() const { return cairo_image_surface_get_width(surface.get()); }
-  int height() const { return cairo_image_surface_get_height(surface.get()); }
-  Rgb at(int x, int y) const {
-    const unsigned char* row = cairo_image_surface_get_data(surface.get()) +
-                               y * cairo_image_surface_get_stride(surface.get());
-    return {row[4 * x + 2], row[4 * x + 1], row[4 * x]};
-  }
-
- private:
-  struct Release {
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-  };
-  std::unique_ptr<cairo_surface_t, Release> surface;
-};
-
 VectorOptions onMagenta(int side) {
   VectorOptions options;
   options.width = options.height = side;

@@ -10,12 +10,18 @@
 namespace Lumivane::Shot {
 class Shot2d;
 }
+namespace Lumivane::Visibility {
+struct VisibleMap;
+}
 
 namespace Lumivane::Exchange {
 
-/// A shot as a list of what to draw, first things first: the one description that all writers of
-/// vector files replay. Coordinates are pixels, x to the right and y down. It refers to nothing of
-/// the shot and stays valid without it.
+class MapColors;
+struct MapPictureOptions;
+
+/// A shot or a visibility map as a list of what to draw, first things first: the one description
+/// that all writers of vector files replay. Coordinates are pixels, x to the right and y down. It
+/// refers to nothing of the shot or map and stays valid without it.
 class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
  public:
   /// A point of the picture.
@@ -49,10 +55,11 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
     std::optional<Pen> pen;     ///< without it no line is drawn
   };
 
-  /// One polygon of the shot.
+  /// One polygon of the shot, or one cell of the map.
   struct Region {
-    int number = 0;              ///< in the order of drawing, from 1
-    int objectNumber = -1;       ///< from 1; -1 or beyond the shot's objects: of no object
+    int number = 0;  ///< in the order of drawing, from 1
+    /// From 1; -1 or beyond the shot's objects: of no object; 0: the sky of a map.
+    int objectNumber = -1;
     std::string objectId;        ///< bytes as the scene gave them; need not be unique
     int faceNumber = -1;         ///< from 1 in the scene's object
     int sourceRegionNumber = 0;  ///< from 1 in the scene's object
@@ -90,23 +97,42 @@ class LUMIVANE_EXCHANGE_EXPORT VectorPicture {
   ///         finite; the text names the region and its object
   explicit VectorPicture(Shot::Shot2d& shot, const VectorOptions& options = {});
 
+  /// Draws a visibility map: every cell is one region, in the map's order, none of which lies under
+  /// another. Arcs become chords that are off them by at most 0.1 pixel; cells on both sides of an
+  /// edge have the same points there, so that neither gap nor overlap is left between them.
+  ///
+  /// \throws std::invalid_argument for options out of range
+  VectorPicture(const Visibility::VisibleMap& map, const MapColors& colors,
+                const MapPictureOptions& options);
+
   int width() const { return pictureWidth; }                 ///< Pixels.
   int height() const { return pictureHeight; }               ///< Pixels.
   const std::string& title() const { return pictureTitle; }  ///< May be empty.
   /// What lies under everything, if anything does.
   const std::optional<Color>& background() const { return pictureBackground; }
+  /// What is drawn, in a word that names its group in a document: "shot" or "map".
+  const std::string& content() const { return contentName; }
   /// Lies under the surfaces, as in the library's PNG.
   const std::vector<Path>& axes() const { return axesPaths; }
+  /// Lines under the surfaces of a map, along edges without a line of their own, in the colour of
+  /// one of the cells: where a renderer smooths the edges of both cells, no background shines
+  /// through between them. The cells cover them wholly.
+  const std::vector<Path>& underlay() const { return underlayPaths; }
   /// What is drawn, in its order.
   const std::vector<Surface>& surfaces() const { return drawnSurfaces; }
+  /// Lies over the surfaces of a map: its silhouettes, creases and crossings.
+  const std::vector<Path>& lines() const { return linePaths; }
 
  private:
   int pictureWidth;
   int pictureHeight;
   std::string pictureTitle;
   std::optional<Color> pictureBackground;
+  std::string contentName = "shot";
   std::vector<Path> axesPaths;
+  std::vector<Path> underlayPaths;
   std::vector<Surface> drawnSurfaces;
+  std::vector<Path> linePaths;
 };
 
 }  // namespace Lumivane::Exchange

@@ -1,0 +1,73 @@
+#include "exchange/ProjectionRules.h"
+
+#include "kernel/SphereContour.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace Lumivane::Exchange {
+namespace {
+
+using Kernel::Vec2;
+using Kernel::Vec3;
+
+constexpr double Quarter = Kernel::Pi / 2.0;  // of a turn, radians
+
+Vec2 fisheyePlace(Vec3 d) {
+  const double length = Kernel::length3(d);
+  return {d.x / length, d.y / length};
+}
+
+std::optional<Vec3> fisheyeDirection(Vec2 p) {
+  if (!(p.x * p.x + p.y * p.y <= 1.0)) return {};
+  return Kernel::directionOfDisc(p);
+}
+
+Vec2 unitDisc(Visibility::Field) { return {1.0, 1.0}; }
+
+Vec2 equirectangularPlace(Vec3 d) {
+  return {std::atan2(d.x, d.z) / Quarter, std::atan2(d.y, std::hypot(d.x, d.z)) / Quarter};
+}
+
+std::optional<Vec3> equirectangularDirection(Vec2 p) {
+  if (!(std::abs(p.x) <= 2.0 && std::abs(p.y) <= 1.0)) return {};
+  return Kernel::directionOfAngles({p.x * Quarter, p.y * Quarter});
+}
+
+Vec2 anglesOf(Visibility::Field field) {
+  return {field == Visibility::Field::Hemisphere ? 1.0 : 2.0, 1.0};
+}
+
+}  // namespace
+
+const std::vector<ProjectionRule>& projectionRules() {
+  static const std::vector<ProjectionRule> rules = {
+      {MapProjection::Fisheye, "fisheye", PlaneShape::Disc, fisheyePlace, fisheyeDirection,
+       unitDisc},
+      {MapProjection::Equirectangular, "equirectangular", PlaneShape::Band, equirectangularPlace,
+       equirectangularDirection, anglesOf},
+  };
+  return rules;
+}
+
+const ProjectionRule& ruleOf(MapProjection projection) {
+  const std::vector<ProjectionRule>& rules = projectionRules();
+  const auto found = std::find_if(rules.begin(), rules.end(), [projection](const auto& rule) {
+    return rule.projection == projection;
+  });
+  if (found == rules.end()) throw std::invalid_argument("there is no such projection of a map");
+  return *found;
+}
+
+const std::vector<MapProjectionName>& mapProjections() {
+  static const std::vector<MapProjectionName> names = [] {
+    std::vector<MapProjectionName> result;
+    for (const ProjectionRule& rule : projectionRules())
+      result.push_back({rule.projection, rule.name});
+    return result;
+  }();
+  return names;
+}
+
+}  // namespace Lumivane::Exchange
