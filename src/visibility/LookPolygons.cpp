@@ -1,0 +1,293 @@
+#include "visibility/LookPolygons.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Lumivane::Visibility {
+namespace {
+
+using Kernel::Vec3;
+
+constexpr double Half = static_cast<double>(CubeHalf);
+constexpr double EdgeOn = 1e-12;
+
+double dotFrame(const FrameVector& a, const FrameVector& b) {
+  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+double determinant(const FrameVector& a, const FrameVector& b, const FrameVector& c) {
+  return (a[1] * b[2] - a[2] * b[1]) * c[0] + (a[2] * b[0] - a[0] * b[2]) * c[1] +
+         (a[0] * b[1] - a[1] * b[0]) * c[2];
+}
+
+size_t slotOf(std::int32_t number, size_t mask) {
+  return (static_cast<std::uint64_t>(static_cast<std::uint32_t>(number)) * 0x9E3779B97F4A7C15ull >>
+          20) & mask;
+}
+
+FrameVector directionOn(const CubeFace& f, double x, double y) {
+  FrameVector d{};
+  d.c[f.axis] = f.sign;
+  d.c[f.u] = x / Half;
+  d.c[f.v] = y / Half;
+  return d;
+}
+
+// How far a point of a face is from a segment, roughly; in units.
+double distanceTo(const Segment& s, double x, double y) {
+  const double dx = static_cast<double>(s.x1 - s.x0);
+  const double dy = static_cast<double>(s.y1 - s.y0);
+  const double px = x - static_cast<double>(s.x0);
+  const double py = y - static_cast<double>(s.y0);
+  const double t = std::clamp((px * dx + py * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+  return std::hypot(px - t * dx, py - t * dy);
+}
+
+}  // namespace
+
+int inFront(const LookPolygon& a, const LookPolygon& b, const CubeFace& f, double x, double y) {
+  if (a.layer != b.layer) {
+    const double difference = depthAt(a, f, x, y) - depthAt(b, f, x, y);
+    if (std::fabs(difference) > depthError(a, b)) return difference > 0.0 ? 1 : -1;
+  }
+  if (a.region == b.region) return a.number < b.number ? -1 : static_cast<int>(a.number > b.number);
+  return paintedAfter(a, b) ? 1 : -1;
+}
+
+LookPolygons::LookPolygons(const LookSetup& setup) : theSetup(setup), slots(1024, -1) {
+  addBeyond();
+}
+
+std::int32_t LookPolygons::find(std::int32_t number) {
+  size_t mask = slots.size() - 1;
+  size_t slot = slotOf(number, mask);
+  for (; slots[slot] >= 0; slot = (slot + 1) & mask)
+    if (polygons[static_cast<size_t>(slots[slot])].number == number) return slots[slot];
+  if (2 * polygons.size() > slots.size()) {
+    std::vector<std::int32_t> larger(2 * slots.size(), -1);
+    mask = larger.size() - 1;
+    for (const std::int32_t position : slots) {
+      if (position < 0) continue;
+      size_t free = slotOf(polygons[static_cast<size_t>(position)].number, mask);
+      while (larger[free] >= 0) free = (free + 1) & mask;
+      larger[free] = position;
+    }
+    slots = std::move(larger);
+    slot = slotOf(number, mask);
+    while (slots[slot] >= 0) slot = (slot + 1) & mask;
+  }
+  const auto position = static_cast<std::int32_t>(polygons.size());
+  slots[slot] = position;
+  add(number);
+  return position;
+}
+
+// What lies beyond the field is a polygon in front of all others: its outline is the great circle
+// at right angles to forward.
+void LookPolygons::addBeyond() {
+  LookPolygon beyond;
+  beyond.region = std::numeric_limits<std::int32_t>::max();
+  if (theSetup.hemisphere) {
+    beyond.seen = true;
+    const FrameVector& n = theSetup.forward;
+    const auto first = static_cast<std::uint32_t>(segments.size());
+    for (int face = 0; face < FaceCount; ++face) {
+      const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
+      // In the order of the axes, so that all faces agree on a corner.
+      const auto at = [&](int x, int y) {
+        int c[3] = {};
+        c[f.axis] = f.sign;
+        c[f.u] = x;
+        c[f.v] = y;
+        return n[0] * c[0] + n[1] * c[1] + n[2] * c[2];
+      };
+      if (at(-1, -1) < 0.0) beyond.cornerParity |= static_cast<std::uint8_t>(1 << face);
+      // Where the circle crosses the four sides; on a side shared by two faces in the same point.
+      Coordinate ends[4][2];
+      int count = 0;
+      const auto side = [&](int x0, int y0, int x1, int y1) {
+        const double a = at(x0, y0);
+        const double b = at(x1, y1);
+        if ((a < 0.0) == (b < 0.0)) return;
+        const int along = x0 == x1 ? f.v : f.u;
+        const double fixed = x0 == x1 ? n[f.u] * x0 : n[f.v] * y0;
+        const double t = -(n[f.axis] * f.sign + fixed) / n[along];
+        const Coordinate c = std::clamp(static_cast<Coordinate>(std::llrint(t * Half)), -CubeHalf,
+                                        CubeHalf);
+        ends[count][0] = x0 == x1 ? x0 * CubeHalf : c;
+        ends[count][1] = x0 == x1 ? c : y0 * CubeHalf;
+        ++count;
+      };
+      side(-1, -1, 1, -1);
+      side(-1, -1, -1, 1);
+      side(1, -1, 1, 1);
+      side(-1, 1, 1, 1);
+      for (int i = 0; i + 1 < count; i += 2)
+        if (ends[i][0] != ends[i + 1][0] || ends[i][1] != ends[i + 1][1])
+          segments.push_back(makeSegment(face, ends[i][0], ends[i][1], ends[i + 1][0],
+                                         ends[i + 1][1], FieldEdge, false));
+    }
+    sortByFace(beyond, first);
+    beyond.onlyFace = LookPolygon::NoFace;
+  }
+  polygons.push_back(beyond);
+}
+
+void LookPolygons::add(std::int32_t number) {
+  LookPolygon polygon;
+  polygon.number = number;
+  placePlanes(polygon);
+  if (polygon.seen) addSegments(polygon);
+  polygons.push_back(polygon);
+}
+
+void LookPolygons::placePlanes(LookPolygon& polygon) const {
+  const IndexState& state = *theSetup.state;
+  const auto i = static_cast<size_t>(polygon.number);
+  polygon.layer = state.layers[i];
+  polygon.region = state.regions[i];
+  const ScenePlane& own = state.planes[i];
+  const Vec3 middle = own.point - theSetup.eye;
+  const double offset = Kernel::dot(own.normal, middle);
+  if (!theSetup.twoSided && !(offset > 0.0)) return;
+  if (!(std::fabs(offset) > EdgeOn * Kernel::length3(middle))) return;
+  const ScenePlane& layer = state.layerPlanes[static_cast<size_t>(polygon.layer)];
+  double layerOffset = Kernel::dot(layer.normal, layer.point - theSetup.eye);
+  // So near to the layer's plane that the eye stands between it and the polygon's own.
+  const bool between = !(layerOffset * offset * Kernel::dot(layer.normal, own.normal) > 0.0);
+  const Vec3 normal = between ? own.normal : layer.normal;
+  if (between) layerOffset = offset;
+  const Vec3 plane = {normal.x / layerOffset, normal.y / layerOffset, normal.z / layerOffset};
+  polygon.scenePlane = plane;
+  polygon.plane = toFrame(plane);
+  polygon.ownPlane =
+      toFrame({own.normal.x / offset, own.normal.y / offset, own.normal.z / offset});
+  polygon.weight =
+      std::fabs(polygon.plane[0]) + std::fabs(polygon.plane[1]) + std::fabs(polygon.plane[2]);
+  polygon.seen = true;
+}
+
+void LookPolygons::addSegments(LookPolygon& polygon) {
+  const IndexState& state = *theSetup.state;
+  const auto first = static_cast<std::uint32_t>(segments.size());
+  const auto i = static_cast<size_t>(polygon.number);
+  const auto begin = static_cast<size_t>(state.cornerOffsets[i]);
+  const size_t count = static_cast<size_t>(state.cornerOffsets[i + 1]) - begin;
+  corners.clear();
+  for (size_t k = 0; k < count; ++k) {
+    const Vec3 v = state.vertices[static_cast<size_t>(state.cornerVertices[begin + k])];
+    const Vec3 seen = v - theSetup.eye;
+    if (seen == Vec3{}) {
+      polygon.seen = false;  // the eye stands on a corner
+      return;
+    }
+    corners.push_back(toFrame(seen));
+  }
+  for (size_t k = 0; k < count; ++k) {
+    const size_t next = k + 1 == count ? 0 : k + 1;
+    const bool forwards =
+        state.cornerVertices[begin + k] < state.cornerVertices[begin + next];
+    appendArc(segments, corners[forwards ? k : next], corners[forwards ? next : k],
+              state.cornerEdges[begin + k], state.cornerInner[begin + k] != 0);
+  }
+  sortByFace(polygon, first);
+  findCornerParity(polygon);
+}
+
+void LookPolygons::sortByFace(LookPolygon& polygon, std::uint32_t first) {
+  const auto begin = segments.begin() + first;
+  std::stable_sort(begin, segments.end(),
+                   [](const Segment& a, const Segment& b) { return a.face < b.face; });
+  size_t at = first;
+  int touched = 0;
+  for (int face = 0; face < FaceCount; ++face) {
+    polygon.firstSegment[face] = static_cast<std::uint32_t>(at);
+    while (at < segments.size() && segments[at].face == face) ++at;
+    if (at > polygon.firstSegment[face]) {
+      ++touched;
+      polygon.onlyFace = static_cast<std::int8_t>(face);
+    }
+  }
+  polygon.firstSegment[FaceCount] = static_cast<std::uint32_t>(at);
+  if (touched != 1) polygon.onlyFace = LookPolygon::NoFace;
+  if (touched != 1) return;
+  polygon.box[0] = polygon.box[1] = CubeHalf;
+  polygon.box[2] = polygon.box[3] = -CubeHalf;
+  for (size_t i = first; i < segments.size(); ++i) {
+    const Segment& s = segments[i];
+    polygon.box[0] = std::min(polygon.box[0], s.x0);
+    polygon.box[1] = std::min({polygon.box[1], s.y0, s.y1});
+    polygon.box[2] = std::max(polygon.box[2], s.x1);
+    polygon.box[3] = std::max({polygon.box[3], s.y0, s.y1});
+  }
+}
+
+// A polygon is seen within less than a hemisphere, so one that touches a single face covers none of
+// its corners.
+void LookPolygons::findCornerParity(LookPolygon& polygon) const {
+  if (polygon.onlyFace != LookPolygon::NoFace) return;
+  for (int face = 0; face < FaceCount; ++face)
+    if (parityOfCorner(polygon, face)) polygon.cornerParity |= static_cast<std::uint8_t>(1 << face);
+}
+
+// From a point of the face that is far from all segments, where doubles tell inside and outside,
+// the exact count of crossings leads to the corner.
+bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
+  const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
+  const std::uint32_t from = polygon.firstSegment[face];
+  const std::uint32_t to = polygon.firstSegment[face + 1];
+  double bestDistance = -1.0;
+  Coordinate bestX = 0;
+  Coordinate bestY = 0;
+  for (int i = 0; i < 16 && bestDistance < 1e-3 * Half; ++i) {
+    // Points spread over the face by multiples of irrational numbers.
+    const auto spread = [&](double step) {
+      const double t = 0.37 + step * i;
+      return static_cast<Coordinate>((2.0 * (t - std::floor(t)) - 1.0) * 0.98 * Half);
+    };
+    const Coordinate x = spread(0.7548776662466927);
+    const Coordinate y = spread(0.5698402909980532);
+    double nearest = Half;
+    for (std::uint32_t s = from; s < to; ++s)
+      nearest = std::min(
+          nearest, distanceTo(segments[s], static_cast<double>(x), static_cast<double>(y)));
+    if (nearest > bestDistance) {
+      bestDistance = nearest;
+      bestX = x;
+      bestY = y;
+    }
+  }
+  const bool inside = coversDirection(
+      polygon, directionOn(f, static_cast<double>(bestX), static_cast<double>(bestY)));
+  std::vector<std::uint32_t> all;
+  for (std::uint32_t s = from; s < to; ++s) all.push_back(s);
+  return inside !=
+         crossingParity(
+             all, [this](std::uint32_t s) -> const Segment& { return segments[s]; }, -CubeHalf,
+             -CubeHalf, bestX, bestY);
+}
+
+// Counts the edges that cross the half circle from the direction d by a helping axis u to -d, which
+// no polygon before the eye covers. With m = d x u an edge from a to b crosses the circle if m.a and
+// m.b differ in sign, and does so on this half if det(a, b, d) < 0 where m.a >= 0.
+bool LookPolygons::coversDirection(const LookPolygon& polygon, const FrameVector& d) const {
+  if (!(dotFrame(polygon.ownPlane, d) > 0.0)) return false;
+  int axis = 0;
+  for (int i = 1; i < 3; ++i)
+    if (std::fabs(d[i]) < std::fabs(d[axis])) axis = i;
+  FrameVector m{};
+  m.c[(axis + 1) % 3] = d[(axis + 2) % 3];
+  m.c[(axis + 2) % 3] = -d[(axis + 1) % 3];
+  bool inside = false;
+  for (size_t k = 0; k < corners.size(); ++k) {
+    const FrameVector& a = corners[k];
+    const FrameVector& b = corners[k + 1 == corners.size() ? 0 : k + 1];
+    const bool above = dotFrame(m, a) >= 0.0;
+    if (above == (dotFrame(m, b) >= 0.0)) continue;
+    if ((determinant(a, b, d) < 0.0) == above) inside = !inside;
+  }
+  return inside;
+}
+
+}  // namespace Lumivane::Visibility

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "visibility/IndexState.h"
+#include "visibility/LookPolygons.h"
+#include "visibility/MapParts.h"
+
+#include <lumivane/visibility/VisibleMap.h>
+
+namespace Lumivane::Visibility {
+
+/// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures
+/// cells. Fills all but the map's view and names.
+void buildMap(MapParts& parts, const LookSetup& setup, VisibleMap& map);
+
+}  // namespace Lumivane::Visibility

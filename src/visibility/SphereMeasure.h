@@ -1,0 +1,41 @@
+#pragma once
+
+#include "kernel/Vec.h"
+
+#include <algorithm>
+#include <cmath>
+
+/// Solid angles, view factors and distances of what arcs of great circles bound. Directions are unit
+/// vectors; a ring runs around its inside counterclockwise as the eye sees it from within the
+/// sphere.
+namespace Lumivane::Visibility {
+
+/// Solid angle of the triangle of three directions, signed: positive if they run counterclockwise
+/// as the eye sees them (A. van Oosterom and J. Strackee, The Solid Angle of a Plane Triangle,
+/// 1983).
+inline double triangleSolidAngle(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 c) {
+  const double volume = -Kernel::dot(a, Kernel::cross(b, c));
+  const double denominator = 1.0 + Kernel::dot(a, b) + Kernel::dot(b, c) + Kernel::dot(c, a);
+  return 2.0 * std::atan2(volume, denominator);
+}
+
+/// What an arc adds to the view factor about `forward` of the inside of its ring (J. H. Lambert,
+/// Photometria, 1760).
+inline double arcViewFactor(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 forward) {
+  const Kernel::Vec3 normal = Kernel::cross(b, a);
+  const double sine = Kernel::length3(normal);
+  if (sine == 0.0) return 0.0;
+  const double angle = std::atan2(sine, Kernel::dot(a, b));
+  constexpr double TwoPi = 6.283185307179586;
+  return angle / sine * Kernel::dot(normal, forward) / TwoPi;
+}
+
+/// Least distance from the origin of the straight line between two points.
+inline double distanceToSegment(Kernel::Vec3 a, Kernel::Vec3 b) {
+  const Kernel::Vec3 along = b - a;
+  const double square = Kernel::dot(along, along);
+  const double t = square > 0.0 ? std::clamp(-Kernel::dot(a, along) / square, 0.0, 1.0) : 0.0;
+  return Kernel::length3(a + t * along);
+}
+
+}  // namespace Lumivane::Visibility

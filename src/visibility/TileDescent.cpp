@@ -1,0 +1,409 @@
+#include "visibility/TileDescent.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Lumivane::Visibility {
+namespace {
+
+using Kernel::Vec3;
+
+constexpr double Half = static_cast<double>(CubeHalf);
+constexpr size_t FewSegments = 20;
+constexpr Coordinate SmallestTile = 1 << 14;
+constexpr int StalledLevels = 8;
+constexpr size_t StalledSegments = 400;
+
+Vec3 axisInScene(int axis, double sign) {
+  FrameVector v{};
+  v.c[axis] = sign;
+  return toScene(v);
+}
+
+struct Box {
+  double low[3];
+  double high[3];
+};
+
+Box boxFromEye(const BoxNode& node, Vec3 eye) {
+  return {{node.low[0] - eye.x, node.low[1] - eye.y, node.low[2] - eye.z},
+          {node.high[0] - eye.x, node.high[1] - eye.y, node.high[2] - eye.z}};
+}
+
+// The greatest (or with a negated vector the least) of n.x over a box.
+double support(const Box& box, Vec3 n) {
+  return std::max(n.x * box.low[0], n.x * box.high[0]) +
+         std::max(n.y * box.low[1], n.y * box.high[1]) +
+         std::max(n.z * box.low[2], n.z * box.high[2]);
+}
+
+double extent(const Box& box, Vec3 n) {
+  return std::fabs(n.x) * std::max(std::fabs(box.low[0]), std::fabs(box.high[0])) +
+         std::fabs(n.y) * std::max(std::fabs(box.low[1]), std::fabs(box.high[1])) +
+         std::fabs(n.z) * std::max(std::fabs(box.low[2]), std::fabs(box.high[2]));
+}
+
+}  // namespace
+
+TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts,
+                         const std::atomic<bool>* cancelFlag)
+    : polygons(lookPolygons),
+      parts(mapParts),
+      sweep(lookPolygons, mapParts),
+      state(*lookPolygons.setup().state),
+      cancelled(cancelFlag) {}
+
+Sides TileDescent::run(const Tile& tile) {
+  entries.clear();
+  nodes.clear();
+  covers.clear();
+  segments.clear();
+  Content content{0, 0, 0, 0, 0, 0, 0};
+  pyramid = pyramidOf(tile);
+  if (polygons.setup().hemisphere) {
+    // What lies beyond the field is like a polygon of the scene.
+    addPolygon(tile, content, -1);
+  }
+  if (const std::vector<std::int32_t>* only = polygons.setup().only) {
+    for (const std::int32_t number : *only) addPolygon(tile, content, number);
+  } else if (!state.nodes.empty()) {
+    nodes.push_back(0);
+    content.nodesEnd = 1;
+  }
+  return descend(tile, content, {0, ~size_t{0}, 0});
+}
+
+TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
+  const CubeFace& f = CubeFaces[static_cast<size_t>(tile.face)];
+  const Vec3 u = axisInScene(f.u, 1.0);
+  const Vec3 v = axisInScene(f.v, 1.0);
+  const Vec3 forward = axisInScene(f.axis, f.sign);
+  const auto at = [&](Coordinate c) { return static_cast<double>(c) / Half; };
+  return {{u - at(tile.x0) * forward, at(tile.x1) * forward - u, v - at(tile.y0) * forward,
+           at(tile.y1) * forward - v},
+          forward,
+          std::max(at(tile.x1 - tile.x0), at(tile.y1 - tile.y0))};
+}
+
+bool TileDescent::misses(const Pyramid& p, const BoxNode& node) const {
+  const Box box = boxFromEye(node, polygons.setup().eye);
+  if (support(box, p.forward) < -1e-12 * extent(box, p.forward)) return true;
+  return std::any_of(std::begin(p.sides), std::end(p.sides), [&](Vec3 side) {
+    return support(box, side) < -1e-12 * extent(box, side);
+  });
+}
+
+double TileDescent::sizeSeen(const BoxNode& node) const {
+  const Box box = boxFromEye(node, polygons.setup().eye);
+  double diagonal = 0.0;
+  double distance = 0.0;
+  for (int i = 0; i < 3; ++i) {
+    const double side = box.high[i] - box.low[i];
+    const double gap = std::max({0.0, box.low[i], -box.high[i]});
+    diagonal += side * side;
+    distance += gap * gap;
+  }
+  return distance > 0.0 ? std::sqrt(diagonal / distance) : 1e300;
+}
+
+bool TileDescent::hidden(const Content& content, const BoxNode& node) const {
+  const Box box = boxFromEye(node, polygons.setup().eye);
+  for (size_t i = content.covers; i < content.coversEnd; ++i) {
+    const LookPolygon& cover = polygons[covers[i]];
+    const Vec3 plane = cover.scenePlane;
+    if (-support(box, -plane) > 1.0 + 1e-9 * (1.0 + extent(box, plane))) return true;
+  }
+  return false;
+}
+
+// Behind a cover everywhere in the tile, or at least where the polygon lies in it.
+bool TileDescent::hides(const Tile& tile, const LookPolygon& cover,
+                        const LookPolygon& polygon) const {
+  if (cover.layer == polygon.layer)
+    return cover.region != polygon.region ? paintedAfter(cover, polygon)
+                                          : cover.number > polygon.number;
+  const CubeFace& f = CubeFaces[static_cast<size_t>(tile.face)];
+  Coordinate box[4] = {tile.x0, tile.y0, tile.x1, tile.y1};
+  if (polygon.onlyFace == tile.face) {
+    for (const int i : {0, 1}) box[i] = std::max(box[i], polygon.box[i]);
+    for (const int i : {2, 3}) box[i] = std::min(box[i], polygon.box[i]);
+  }
+  const double error = depthError(cover, polygon);
+  for (const int x : {0, 2})
+    for (const int y : {1, 3}) {
+      const auto px = static_cast<double>(box[x]);
+      const auto py = static_cast<double>(box[y]);
+      if (!(depthAt(cover, f, px, py) - depthAt(polygon, f, px, py) > error)) return false;
+    }
+  return true;
+}
+
+bool TileDescent::hidden(const Tile& tile, const Content& content, std::int32_t position) const {
+  const LookPolygon& polygon = polygons[position];
+  if (position == LookPolygons::Beyond) return false;
+  for (size_t i = content.covers; i < content.coversEnd; ++i)
+    if (covers[i] == LookPolygons::Beyond || hides(tile, polygons[covers[i]], polygon)) return true;
+  return false;
+}
+
+// Keeps the covers of which none hides another.
+void TileDescent::addCover(const Tile& tile, Content& content, std::int32_t position) {
+  if (hidden(tile, content, position)) return;
+  const auto begin = covers.begin() + static_cast<std::ptrdiff_t>(content.covers);
+  covers.erase(std::remove_if(begin, covers.end(),
+                              [&](std::int32_t other) {
+                                return position == LookPolygons::Beyond ||
+                                       (other != LookPolygons::Beyond &&
+                                        hides(tile, polygons[position], polygons[other]));
+                              }),
+               covers.end());
+  covers.push_back(position);
+  content.coversEnd = covers.size();
+}
+
+void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t number) {
+  const std::int32_t position = number < 0 ? LookPolygons::Beyond : polygons.find(number);
+  const LookPolygon& polygon = polygons[position];
+  if (!polygon.seen) return;
+  const std::uint32_t from = polygon.firstSegment[tile.face];
+  const std::uint32_t to = polygon.firstSegment[tile.face + 1];
+  const bool coversFace = (polygon.cornerParity >> tile.face & 1) != 0;
+  if (from == to && !coversFace) return;
+  if (polygon.onlyFace == tile.face &&
+      (polygon.box[0] > tile.x1 || polygon.box[1] > tile.y1 || polygon.box[2] <= tile.x0 ||
+       polygon.box[3] <= tile.y0))
+    return;
+  const size_t first = segments.size();
+  bool covered = coversFace;
+  for (std::uint32_t i = from; i < to; ++i) {
+    const Segment& s = polygons.segment(i);
+    if (touchesTile(s, tile)) segments.push_back(i);
+    // From the corner of the face to that of the tile.
+    if ((s.y0 <= -CubeHalf) != (s.y1 <= -CubeHalf))
+      covered ^= crossesLeftOf(s, -CubeHalf, -CubeHalf) != crossesLeftOf(s, tile.x0, -CubeHalf);
+    if (s.x0 <= tile.x0 && tile.x0 < s.x1)
+      covered ^= sideOf(s, tile.x0, -CubeHalf) != sideOf(s, tile.x0, tile.y0);
+  }
+  if (segments.size() == first) {
+    if (covered) addCover(tile, content, position);
+    return;
+  }
+  if (hidden(tile, content, position)) {
+    segments.resize(first);
+    return;
+  }
+  entries.push_back({position, static_cast<std::uint32_t>(first),
+                     static_cast<std::uint32_t>(segments.size() - first), covered});
+  content.entriesEnd = entries.size();
+}
+
+// Opens the boxes that look larger than the limit, the nearer half first, since what is near hides.
+void TileDescent::refineNodes(const Tile& tile, Content& content, double limit) {
+  const Vec3 eye = polygons.setup().eye;
+  waiting.assign(nodes.rbegin(), nodes.rend() - static_cast<std::ptrdiff_t>(content.nodes));
+  nodes.resize(content.nodes);
+  const auto squareDistance = [&](const BoxNode& node) {
+    const Box box = boxFromEye(node, eye);
+    double sum = 0.0;
+    for (int i = 0; i < 3; ++i) {
+      const double gap = std::max({0.0, box.low[i], -box.high[i]});
+      sum += gap * gap;
+    }
+    return sum;
+  };
+  while (!waiting.empty()) {
+    const std::int32_t number = waiting.back();
+    waiting.pop_back();
+    const BoxNode& node = state.nodes[static_cast<size_t>(number)];
+    if (misses(pyramid, node) || hidden(content, node)) continue;
+    if (sizeSeen(node) < limit) {
+      nodes.push_back(number);
+      continue;
+    }
+    if (node.isLeaf()) {
+      for (std::int32_t i = 0; i < node.count; ++i) addPolygon(tile, content, node.first + i);
+      continue;
+    }
+    const double a = squareDistance(state.nodes[static_cast<size_t>(node.first)]);
+    const double b = squareDistance(state.nodes[static_cast<size_t>(node.first) + 1]);
+    const bool firstIsNear = a <= b;
+    waiting.push_back(node.first + (firstIsNear ? 1 : 0));
+    waiting.push_back(node.first + (firstIsNear ? 0 : 1));
+  }
+  content.nodesEnd = nodes.size();
+}
+
+// What came in before its hider did.
+void TileDescent::dropHidden(const Tile& tile, Content& content) {
+  if (content.covers == content.coversEnd) return;
+  size_t kept = content.entries;
+  size_t keptSegments = content.segments;
+  for (size_t i = content.entries; i < content.entriesEnd; ++i) {
+    TileEntry entry = entries[i];
+    if (hidden(tile, content, entry.polygon)) continue;
+    std::copy_n(segments.begin() + entry.firstSegment, entry.segmentCount,
+                segments.begin() + static_cast<std::ptrdiff_t>(keptSegments));
+    entry.firstSegment = static_cast<std::uint32_t>(keptSegments);
+    keptSegments += entry.segmentCount;
+    entries[kept++] = entry;
+  }
+  entries.resize(kept);
+  segments.resize(keptSegments);
+  content.entriesEnd = kept;
+  nodes.erase(std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes),
+                             nodes.end(),
+                             [&](std::int32_t number) {
+                               return hidden(content, state.nodes[static_cast<size_t>(number)]);
+                             }),
+              nodes.end());
+  content.nodesEnd = nodes.size();
+}
+
+size_t TileDescent::polygonsIn(const Content& content, size_t limit) const {
+  size_t count = 0;
+  std::vector<std::int32_t> open(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes),
+                                 nodes.begin() + static_cast<std::ptrdiff_t>(content.nodesEnd));
+  while (!open.empty() && count <= limit) {
+    const BoxNode& node = state.nodes[static_cast<size_t>(open.back())];
+    open.pop_back();
+    if (node.isLeaf()) {
+      count += static_cast<size_t>(node.count);
+      continue;
+    }
+    open.push_back(node.first);
+    open.push_back(node.first + 1);
+  }
+  return count;
+}
+
+Sides TileDescent::descend(const Tile& tile, Content content, Progress progress) {
+  if (cancelled != nullptr && cancelled->load(std::memory_order_relaxed)) throw Cancelled();
+  pyramid = pyramidOf(tile);
+  const Coordinate width = std::max(tile.x1 - tile.x0, tile.y1 - tile.y0);
+  const bool smallest = width <= SmallestTile;
+  refineNodes(tile, content, smallest ? 0.0 : pyramid.size);
+  dropHidden(tile, content);
+  size_t count = segments.size() - content.segments;
+  if (content.nodes < content.nodesEnd && count < FewSegments &&
+      4 * polygonsIn(content, FewSegments / 4) + count <= FewSegments) {
+    refineNodes(tile, content, 0.0);
+    dropHidden(tile, content);
+    count = segments.size() - content.segments;
+  }
+  if (content.nodes == content.nodesEnd) {
+    if (count == 0 && content.coversEnd - content.covers <= 1)
+      return uniformTile(tile, content.covers < content.coversEnd ? covers[content.covers] : -1);
+    if (2 * count <= progress.segments) {
+      progress.segments = count;
+      progress.stalled = 0;
+    } else {
+      ++progress.stalled;
+    }
+    const bool stalled = progress.stalled >= StalledLevels && count <= StalledSegments;
+    if (count <= FewSegments || stalled || smallest) return sweepTile(tile, content);
+  }
+  ++progress.level;
+  return split(tile, content, progress);
+}
+
+Sides TileDescent::uniformTile(const Tile& tile, std::int32_t cover) {
+  const bool beyond = cover == LookPolygons::Beyond;
+  const int area = cover < 0 ? parts.addArea(SkyRegion, -1)
+                   : beyond  ? parts.addArea(BeyondRegion, -1)
+                             : parts.addArea(polygons[cover].region, polygons[cover].number);
+  Sides sides;
+  parts.addStretch(sides[Left], tile.y0, tile.y1, -1, -1, area);
+  parts.addStretch(sides[Right], tile.y0, tile.y1, -1, -1, area);
+  parts.addStretch(sides[Bottom], tile.x0, tile.x1, -1, -1, area);
+  parts.addStretch(sides[Top], tile.x0, tile.x1, -1, -1, area);
+  return sides;
+}
+
+Sides TileDescent::sweepTile(const Tile& tile, const Content& content) {
+  return sweep.run(tile, {entries.data() + content.entries, content.entriesEnd - content.entries,
+                          segments.data(), covers.data() + content.covers,
+                          content.coversEnd - content.covers});
+}
+
+TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
+                                           const Content& content) {
+  Content narrow{entries.size(), entries.size(), nodes.size(), nodes.size(),
+                 covers.size(),  covers.size(),  segments.size()};
+  for (size_t i = content.covers; i < content.coversEnd; ++i) {
+    const std::int32_t cover = covers[i];
+    covers.push_back(cover);
+  }
+  narrow.coversEnd = covers.size();
+  for (size_t i = content.nodes; i < content.nodesEnd; ++i) {
+    const std::int32_t node = nodes[i];
+    nodes.push_back(node);
+  }
+  narrow.nodesEnd = nodes.size();
+  for (size_t i = content.entries; i < content.entriesEnd; ++i) {
+    const TileEntry entry = entries[i];
+    const size_t first = segments.size();
+    bool covered = entry.coversCorner;
+    for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
+      const std::uint32_t number = segments[entry.firstSegment + k];
+      const Segment& s = polygons.segment(number);
+      if (touchesTile(s, tile)) segments.push_back(number);
+      if (tile.x0 != parent.x0 && (s.y0 <= parent.y0) != (s.y1 <= parent.y0))
+        covered ^= crossesLeftOf(s, parent.x0, parent.y0) != crossesLeftOf(s, tile.x0, parent.y0);
+      if (tile.y0 != parent.y0 && s.x0 <= tile.x0 && tile.x0 < s.x1)
+        covered ^= sideOf(s, tile.x0, parent.y0) != sideOf(s, tile.x0, tile.y0);
+    }
+    if (segments.size() == first) {
+      if (covered) addCover(tile, narrow, entry.polygon);
+      continue;
+    }
+    entries.push_back({entry.polygon, static_cast<std::uint32_t>(first),
+                       static_cast<std::uint32_t>(segments.size() - first), covered});
+  }
+  narrow.entriesEnd = entries.size();
+  return narrow;
+}
+
+Sides TileDescent::split(const Tile& tile, const Content& content, Progress progress) {
+  const bool alongX = tile.x1 - tile.x0 >= tile.y1 - tile.y0;
+  Tile low = tile;
+  Tile high = tile;
+  if (alongX) {
+    low.x1 = high.x0 = tile.x0 + (tile.x1 - tile.x0) / 2;
+  } else {
+    low.y1 = high.y0 = tile.y0 + (tile.y1 - tile.y0) / 2;
+  }
+  Sides halves[2];
+  const Tile* tiles[2] = {&low, &high};
+  for (int i = 0; i < 2; ++i) {
+    const size_t entryMark = entries.size();
+    const size_t nodeMark = nodes.size();
+    const size_t coverMark = covers.size();
+    const size_t segmentMark = segments.size();
+    const Content narrow = narrowed(tile, *tiles[i], content);
+    halves[i] = descend(*tiles[i], narrow, progress);
+    entries.resize(entryMark);
+    nodes.resize(nodeMark);
+    covers.resize(coverMark);
+    segments.resize(segmentMark);
+  }
+  return joinTiles(parts, low, halves[0], halves[1], alongX);
+}
+
+Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,
+                bool alongX) {
+  const CubeFace& f = CubeFaces[static_cast<size_t>(low.face)];
+  const Side nearSide = alongX ? Left : Bottom;
+  const Side farSide = alongX ? Right : Top;
+  const SharedLine line{alongX ? f.v : f.u, cubePoint(low.face, low.x1, low.y1), alongX};
+  stitch(parts, lowSides[farSide], highSides[nearSide], line);
+  Sides sides;
+  sides[nearSide] = lowSides[nearSide];
+  sides[farSide] = highSides[farSide];
+  for (const Side side : {alongX ? Bottom : Left, alongX ? Top : Right}) {
+    sides[side] = lowSides[side];
+    parts.concatenate(sides[side], highSides[side]);
+  }
+  return sides;
+}
+
+}  // namespace Lumivane::Visibility

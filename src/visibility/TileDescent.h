@@ -1,0 +1,80 @@
+#pragma once
+
+#include "visibility/LookPolygons.h"
+#include "visibility/MapParts.h"
+#include "visibility/TileSweep.h"
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+/// Descends from a tile of a face to smaller ones, together with the hierarchy of boxes, until few
+/// edges are left in each; what lies behind a polygon that covers a whole tile is left out there
+/// (J. E. Warnock, 1969; N. Greene, M. Kass and G. Miller, Hierarchical Z-Buffer Visibility, 1993).
+/// So what is hidden costs hardly anything.
+namespace Lumivane::Visibility {
+
+/// Joins two tiles that touch along an upright line (alongX) or a level one; `low` is the left or
+/// lower one.
+Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,
+                bool alongX);
+
+class TileDescent {
+ public:
+  /// `cancelled` may be null.
+  TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, const std::atomic<bool>* cancelled);
+
+  /// Appends the map of a tile, and gives what lies along its sides. Throws Cancelled.
+  Sides run(const Tile& tile);
+
+ private:
+  // Ranges of the stacks below: what may be seen in a tile.
+  struct Content {
+    size_t entries, entriesEnd;
+    size_t nodes, nodesEnd;
+    size_t covers, coversEnd;
+    size_t segments;  // all from here on to the end belong to the entries
+  };
+  // The four planes of a tile's pyramid, in the scene's axes, pointing inwards.
+  struct Pyramid {
+    Kernel::Vec3 sides[4];
+    Kernel::Vec3 forward;
+    double size;  // of the tile, in units of the distance to the face
+  };
+  struct Progress {
+    int level;
+    size_t segments;  // in the last tile above that had twice as many
+    int stalled;      // levels since
+  };
+
+  Sides descend(const Tile& tile, Content content, Progress progress);
+  Sides split(const Tile& tile, const Content& content, Progress progress);
+  Sides sweepTile(const Tile& tile, const Content& content);
+  Sides uniformTile(const Tile& tile, std::int32_t cover);
+  Content narrowed(const Tile& parent, const Tile& tile, const Content& content);
+  void refineNodes(const Tile& tile, Content& content, double limit);
+  void addPolygon(const Tile& tile, Content& content, std::int32_t number);
+  void addCover(const Tile& tile, Content& content, std::int32_t position);
+  void dropHidden(const Tile& tile, Content& content);
+  bool hidden(const Tile& tile, const Content& content, std::int32_t position) const;
+  bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
+  bool hidden(const Content& content, const BoxNode& node) const;
+  bool misses(const Pyramid& pyramid, const BoxNode& node) const;
+  double sizeSeen(const BoxNode& node) const;
+  size_t polygonsIn(const Content& content, size_t limit) const;
+  Pyramid pyramidOf(const Tile& tile) const;
+
+  LookPolygons& polygons;
+  MapParts& parts;
+  TileSweep sweep;
+  const IndexState& state;
+  const std::atomic<bool>* cancelled;
+  std::vector<TileEntry> entries;
+  std::vector<std::int32_t> nodes;
+  std::vector<std::int32_t> covers;
+  std::vector<std::uint32_t> segments;
+  std::vector<std::int32_t> waiting;  // nodes that are being refined
+  Pyramid pyramid{};
+};
+
+}  // namespace Lumivane::Visibility
