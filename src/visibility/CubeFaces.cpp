@@ -123,9 +123,14 @@ Segment makeSegment(int face, Coordinate xa, Coordinate ya, Coordinate xb, Coord
     std::swap(xa, xb);
     std::swap(ya, yb);
   }
-  const double slope =
-      xa == xb ? 0.0 : static_cast<double>(yb - ya) / static_cast<double>(xb - xa);
-  return {xa, ya, xb, yb, slope, edge, static_cast<std::uint8_t>(inner ? 1 : 0),
+  const double slope = xa == xb ? 0.0 : static_cast<double>(yb - ya) / static_cast<double>(xb - xa);
+  return {xa,
+          ya,
+          xb,
+          yb,
+          slope,
+          edge,
+          static_cast<std::uint8_t>(inner ? 1 : 0),
           static_cast<std::uint8_t>(face)};
 }
 

@@ -23,8 +23,8 @@ constexpr Coordinate CubeHalf = Coordinate{1} << 50;
 
 constexpr int FaceCount = 6;
 
-/// A face of the cube: the axis it lies across, on which side, and the axes of its coordinates x and
-/// y. As the eye sees the face, x runs to the right and y upwards.
+/// A face of the cube: the axis it lies across, on which side, and the axes of its coordinates x
+/// and y. As the eye sees the face, x runs to the right and y upwards.
 struct CubeFace {
   int axis;
   int sign;
@@ -63,9 +63,9 @@ struct Segment {
   Coordinate y0;
   Coordinate x1;
   Coordinate y1;
-  double slope;         // (y1 - y0) / (x1 - x0); 0 for an upright one
-  std::int32_t edge;    // of the scene, or one of the special numbers below
-  std::uint8_t inner;   // a docking edge or a diagonal of its polygon
+  double slope;        // (y1 - y0) / (x1 - x0); 0 for an upright one
+  std::int32_t edge;   // of the scene, or one of the special numbers below
+  std::uint8_t inner;  // a docking edge or a diagonal of its polygon
   std::uint8_t face;
 };
 

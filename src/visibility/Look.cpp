@@ -16,9 +16,9 @@
 #include <stdexcept>
 #include <thread>
 
-// A look divides the faces of the cube into tiles, which are worked on in any order by any number of
-// threads, each into parts of its own. The parts are then joined in the order of the tiles, so that
-// the map does not depend on who did what.
+// A look divides the faces of the cube into tiles, which are worked on in any order by any number
+// of threads, each into parts of its own. The parts are then joined in the order of the tiles, so
+// that the map does not depend on who did what.
 namespace Lumivane::Visibility {
 namespace {
 
@@ -28,9 +28,7 @@ bool isFinite(const Vector& v) {
   return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
 }
 
-double lengthOf(Vec3 v) {
-  return Kernel::length3(v);
-}
+double lengthOf(Vec3 v) { return Kernel::length3(v); }
 
 // Of any length: the greatest coordinate becomes 1 first.
 Vec3 unitOf(const Vector& v) {
@@ -208,8 +206,7 @@ void joinFaces(MapParts& parts, const std::array<Sides, FaceCount>& sides) {
 Tile wholeFace(int face) { return {face, -CubeHalf, -CubeHalf, CubeHalf, CubeHalf}; }
 
 void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
-  const size_t polygons =
-      setup.only != nullptr ? setup.only->size() : setup.state->polygonCount();
+  const size_t polygons = setup.only != nullptr ? setup.only->size() : setup.state->polygonCount();
   const int levels = levelsFor(polygons);
   std::vector<Task> tasks;
   for (int face = 0; face < FaceCount; ++face) addTasks(tasks, wholeFace(face), levels);

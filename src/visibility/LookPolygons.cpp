@@ -1,5 +1,7 @@
 #include "visibility/LookPolygons.h"
 
+#include "visibility/EyePlane.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -10,7 +12,6 @@ namespace {
 using Kernel::Vec3;
 
 constexpr double Half = static_cast<double>(CubeHalf);
-constexpr double EdgeOn = 1e-12;
 
 double dotFrame(const FrameVector& a, const FrameVector& b) {
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
@@ -23,7 +24,8 @@ double determinant(const FrameVector& a, const FrameVector& b, const FrameVector
 
 size_t slotOf(std::int32_t number, size_t mask) {
   return (static_cast<std::uint64_t>(static_cast<std::uint32_t>(number)) * 0x9E3779B97F4A7C15ull >>
-          20) & mask;
+          20) &
+         mask;
 }
 
 FrameVector directionOn(const CubeFace& f, double x, double y) {
@@ -113,8 +115,8 @@ void LookPolygons::addBeyond() {
         const int along = x0 == x1 ? f.v : f.u;
         const double fixed = x0 == x1 ? n[f.u] * x0 : n[f.v] * y0;
         const double t = -(n[f.axis] * f.sign + fixed) / n[along];
-        const Coordinate c = std::clamp(static_cast<Coordinate>(std::llrint(t * Half)), -CubeHalf,
-                                        CubeHalf);
+        const Coordinate c =
+            std::clamp(static_cast<Coordinate>(std::llrint(t * Half)), -CubeHalf, CubeHalf);
         ends[count][0] = x0 == x1 ? x0 * CubeHalf : c;
         ends[count][1] = x0 == x1 ? c : y0 * CubeHalf;
         ++count;
@@ -147,25 +149,14 @@ void LookPolygons::placePlanes(LookPolygon& polygon) const {
   const auto i = static_cast<size_t>(polygon.number);
   polygon.layer = state.layers[i];
   polygon.region = state.regions[i];
-  const ScenePlane& own = state.planes[i];
-  const Vec3 middle = own.point - theSetup.eye;
-  const double offset = Kernel::dot(own.normal, middle);
-  if (!theSetup.twoSided && !(offset > 0.0)) return;
-  if (!(std::fabs(offset) > EdgeOn * Kernel::length3(middle))) return;
-  const ScenePlane& layer = state.layerPlanes[static_cast<size_t>(polygon.layer)];
-  double layerOffset = Kernel::dot(layer.normal, layer.point - theSetup.eye);
-  // So near to the layer's plane that the eye stands between it and the polygon's own.
-  const bool between = !(layerOffset * offset * Kernel::dot(layer.normal, own.normal) > 0.0);
-  const Vec3 normal = between ? own.normal : layer.normal;
-  if (between) layerOffset = offset;
-  const Vec3 plane = {normal.x / layerOffset, normal.y / layerOffset, normal.z / layerOffset};
-  polygon.scenePlane = plane;
-  polygon.plane = toFrame(plane);
-  polygon.ownPlane =
-      toFrame({own.normal.x / offset, own.normal.y / offset, own.normal.z / offset});
+  const EyePlane seen = eyePlane(state, i, theSetup.eye, theSetup.twoSided);
+  if (!seen.isSeen) return;
+  polygon.seen = true;
+  polygon.scenePlane = seen.nearness;
+  polygon.plane = toFrame(seen.nearness);
+  polygon.ownPlane = toFrame(seen.ownNearness);
   polygon.weight =
       std::fabs(polygon.plane[0]) + std::fabs(polygon.plane[1]) + std::fabs(polygon.plane[2]);
-  polygon.seen = true;
 }
 
 void LookPolygons::addSegments(LookPolygon& polygon) {
@@ -177,17 +168,11 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
   corners.clear();
   for (size_t k = 0; k < count; ++k) {
     const Vec3 v = state.vertices[static_cast<size_t>(state.cornerVertices[begin + k])];
-    const Vec3 seen = v - theSetup.eye;
-    if (seen == Vec3{}) {
-      polygon.seen = false;  // the eye stands on a corner
-      return;
-    }
-    corners.push_back(toFrame(seen));
+    corners.push_back(toFrame(v - theSetup.eye));
   }
   for (size_t k = 0; k < count; ++k) {
     const size_t next = k + 1 == count ? 0 : k + 1;
-    const bool forwards =
-        state.cornerVertices[begin + k] < state.cornerVertices[begin + next];
+    const bool forwards = state.cornerVertices[begin + k] < state.cornerVertices[begin + next];
     appendArc(segments, corners[forwards ? k : next], corners[forwards ? next : k],
               state.cornerEdges[begin + k], state.cornerInner[begin + k] != 0);
   }
@@ -250,8 +235,8 @@ bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
     const Coordinate y = spread(0.5698402909980532);
     double nearest = Half;
     for (std::uint32_t s = from; s < to; ++s)
-      nearest = std::min(
-          nearest, distanceTo(segments[s], static_cast<double>(x), static_cast<double>(y)));
+      nearest = std::min(nearest,
+                         distanceTo(segments[s], static_cast<double>(x), static_cast<double>(y)));
     if (nearest > bestDistance) {
       bestDistance = nearest;
       bestX = x;
@@ -262,15 +247,14 @@ bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
       polygon, directionOn(f, static_cast<double>(bestX), static_cast<double>(bestY)));
   std::vector<std::uint32_t> all;
   for (std::uint32_t s = from; s < to; ++s) all.push_back(s);
-  return inside !=
-         crossingParity(
-             all, [this](std::uint32_t s) -> const Segment& { return segments[s]; }, -CubeHalf,
-             -CubeHalf, bestX, bestY);
+  return inside != crossingParity(
+                       all, [this](std::uint32_t s) -> const Segment& { return segments[s]; },
+                       -CubeHalf, -CubeHalf, bestX, bestY);
 }
 
 // Counts the edges that cross the half circle from the direction d by a helping axis u to -d, which
-// no polygon before the eye covers. With m = d x u an edge from a to b crosses the circle if m.a and
-// m.b differ in sign, and does so on this half if det(a, b, d) < 0 where m.a >= 0.
+// no polygon before the eye covers. With m = d x u an edge from a to b crosses the circle if m.a
+// and m.b differ in sign, and does so on this half if det(a, b, d) < 0 where m.a >= 0.
 bool LookPolygons::coversDirection(const LookPolygon& polygon, const FrameVector& d) const {
   if (!(dotFrame(polygon.ownPlane, d) > 0.0)) return false;
   int axis = 0;

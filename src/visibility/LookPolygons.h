@@ -26,18 +26,19 @@ struct LookSetup {
 struct LookPolygon {
   static constexpr std::int32_t NoFace = -1;
 
-  std::int32_t number = -1;   // in the state; -1 for what lies beyond the field
-  bool seen = false;          // faces the eye, and is not edge-on
+  std::int32_t number = -1;  // in the state; -1 for what lies beyond the field
+  bool seen = false;         // faces the eye, and is not edge-on
   std::int32_t layer = -1;
-  std::int32_t region = -1;   // position in the scene's order
-  FrameVector plane{};        // of its layer, by which depth is compared
-  FrameVector ownPlane{};     // for distances
-  Kernel::Vec3 scenePlane{};  // of its layer, in the scene's axes
-  double weight = 0.0;        // sum of the magnitudes of plane, for bounds of rounding
-  std::uint8_t cornerParity = 0;             // bit f: whether it covers the lower left corner of face f
-  std::int8_t onlyFace = NoFace;             // the one face that it touches, or NoFace for several
-  std::uint32_t firstSegment[FaceCount + 1] = {};  // of its segments on face f: firstSegment[f] up to [f + 1]
-  Coordinate box[4] = {};     // on its only face: x from, y from, x to, y to
+  std::int32_t region = -1;       // position in the scene's order
+  FrameVector plane{};            // of its layer, by which depth is compared
+  FrameVector ownPlane{};         // for distances
+  Kernel::Vec3 scenePlane{};      // of its layer, in the scene's axes
+  double weight = 0.0;            // sum of the magnitudes of plane, for bounds of rounding
+  std::uint8_t cornerParity = 0;  // bit f: whether it covers the lower left corner of face f
+  std::int8_t onlyFace = NoFace;  // the one face that it touches, or NoFace for several
+  std::uint32_t firstSegment[FaceCount + 1] =
+      {};                  // of its segments on face f: firstSegment[f] up to [f + 1]
+  Coordinate box[4] = {};  // on its only face: x from, y from, x to, y to
 };
 
 /// Whether polygon a is seen where both cover a direction in which they are at one distance.
@@ -45,7 +46,8 @@ inline bool paintedAfter(const LookPolygon& a, const LookPolygon& b) { return a.
 
 /// 1 / distance at a point of a face, times CubeHalf.
 inline double depthAt(const LookPolygon& p, const CubeFace& f, double x, double y) {
-  return p.plane[f.u] * x + p.plane[f.v] * y + p.plane[f.axis] * (f.sign * static_cast<double>(CubeHalf));
+  return p.plane[f.u] * x + p.plane[f.v] * y +
+         p.plane[f.axis] * (f.sign * static_cast<double>(CubeHalf));
 }
 
 /// More than what rounding does to the difference of two of `depthAt`.
@@ -85,7 +87,7 @@ class LookPolygons {
   LookSetup theSetup;
   std::vector<LookPolygon> polygons;
   std::vector<Segment> segments;
-  std::vector<std::int32_t> slots;  // open addressing: numbers' positions, -1 where free
+  std::vector<std::int32_t> slots;   // open addressing: numbers' positions, -1 where free
   std::vector<FrameVector> corners;  // scratch: of the polygon that is being added
 };
 

@@ -10,9 +10,9 @@
 #include <utility>
 
 // From pieces to the map. Pieces that follow each other on one edge of the scene, with the same
-// cells on both sides, become one edge, so that neither the tiles nor what is hidden leaves a trace.
-// Each edge has two halves, one for each side; a ring is what halves of one cell make, each followed
-// by the next one of that cell around their common vertex.
+// cells on both sides, become one edge, so that neither the tiles nor what is hidden leaves a
+// trace. Each edge has two halves, one for each side; a ring is what halves of one cell make, each
+// followed by the next one of that cell around their common vertex.
 namespace Lumivane::Visibility {
 namespace {
 
@@ -39,8 +39,8 @@ Vec3 unit(Vec3 v) {
 }
 
 Vec3 directionOf(const CubePoint& p) {
-  return unit(toScene({{static_cast<double>(p.c[0]), static_cast<double>(p.c[1]),
-                        static_cast<double>(p.c[2])}}));
+  return unit(toScene(
+      {{static_cast<double>(p.c[0]), static_cast<double>(p.c[1]), static_cast<double>(p.c[2])}}));
 }
 
 struct PointHash {
@@ -190,8 +190,8 @@ class Builder {
       const Piece& piece = parts.pieces[static_cast<size_t>(linkPieces[i])];
       const Vec3 a = directionAt(links[i].from);
       const Vec3 b = directionAt(links[i].to);
-      for (const auto& [cell, area] : {std::pair(links[i].left, piece.left),
-                                       std::pair(links[i].right, piece.right)}) {
+      for (const auto& [cell, area] :
+           {std::pair(links[i].left, piece.left), std::pair(links[i].right, piece.right)}) {
         const std::int32_t polygon = parts.areas[static_cast<size_t>(area)].polygon;
         if (cell == NoCell || polygon < 0) continue;
         const Vec3 plane = planeOf(polygon);
@@ -231,8 +231,8 @@ class Builder {
   bool passes(int vertex) const {
     if (atVertex.size(vertex) != 2) return false;
     const int* at = atVertex.begin(vertex);
-    return at[0] != at[1] && continues(vertex, links[static_cast<size_t>(at[0])],
-                                       links[static_cast<size_t>(at[1])]);
+    return at[0] != at[1] &&
+           continues(vertex, links[static_cast<size_t>(at[0])], links[static_cast<size_t>(at[1])]);
   }
 
   void chainLinks() {
@@ -272,8 +272,9 @@ class Builder {
       link = &links[static_cast<size_t>(number)];
       const int next = link->from == at ? link->to : link->from;
       // Arcs stay well below half a circle.
-      if (begin != at && Kernel::dot(directions[static_cast<size_t>(begin)],
-                                     directions[static_cast<size_t>(next)]) < -0.2 &&
+      if (begin != at &&
+          Kernel::dot(directions[static_cast<size_t>(begin)],
+                      directions[static_cast<size_t>(next)]) < -0.2 &&
           link->source == FieldSource)
         finish(at);
       at = next;
@@ -407,8 +408,7 @@ class Builder {
     const size_t from = map.ringOffsets[ring];
     const size_t to = map.ringOffsets[ring + 1];
     for (size_t i = from; i < to; ++i)
-      visit(vertexAt(map.ringVertices[i]),
-            vertexAt(map.ringVertices[i + 1 == to ? from : i + 1]));
+      visit(vertexAt(map.ringVertices[i]), vertexAt(map.ringVertices[i + 1 == to ? from : i + 1]));
   }
 
   template <class Visit>
@@ -428,7 +428,8 @@ class Builder {
       if (i == 13) continue;
       const Vec3 opposite = -unit(candidate);
       double nearest = -1.0;
-      forArcs(cell, [&](Vec3 a, Vec3 b) { nearest = std::max(nearest, cosineToArc(opposite, a, b)); });
+      forArcs(cell,
+              [&](Vec3 a, Vec3 b) { nearest = std::max(nearest, cosineToArc(opposite, a, b)); });
       if (nearest < bestCosine) {
         bestCosine = nearest;
         best = -opposite;

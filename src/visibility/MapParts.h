@@ -144,8 +144,8 @@ constexpr Coordinate Snap = 64;
 /// Where a line of the cube that two sides share lies, and which is on its left as one walks along
 /// it towards higher coordinates.
 struct SharedLine {
-  int axis;                      // the axis along the line
-  CubePoint point;               // any point of it
+  int axis;         // the axis along the line
+  CubePoint point;  // any point of it
   bool firstIsLeft;
 };
 

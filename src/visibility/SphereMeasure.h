@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-/// Solid angles, view factors and distances of what arcs of great circles bound. Directions are unit
-/// vectors; a ring runs around its inside counterclockwise as the eye sees it from within the
+/// Solid angles, view factors and distances of what arcs of great circles bound. Directions are
+/// unit vectors; a ring runs around its inside counterclockwise as the eye sees it from within the
 /// sphere.
 namespace Lumivane::Visibility {
 

@@ -88,9 +88,8 @@ TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
 bool TileDescent::misses(const Pyramid& p, const BoxNode& node) const {
   const Box box = boxFromEye(node, polygons.setup().eye);
   if (support(box, p.forward) < -1e-12 * extent(box, p.forward)) return true;
-  return std::any_of(std::begin(p.sides), std::end(p.sides), [&](Vec3 side) {
-    return support(box, side) < -1e-12 * extent(box, side);
-  });
+  return std::any_of(std::begin(p.sides), std::end(p.sides),
+                     [&](Vec3 side) { return support(box, side) < -1e-12 * extent(box, side); });
 }
 
 double TileDescent::sizeSeen(const BoxNode& node) const {
@@ -109,8 +108,8 @@ double TileDescent::sizeSeen(const BoxNode& node) const {
 bool TileDescent::hidden(const Content& content, const BoxNode& node) const {
   const Box box = boxFromEye(node, polygons.setup().eye);
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
-    const LookPolygon& cover = polygons[covers[i]];
-    const Vec3 plane = cover.scenePlane;
+    if (covers[i] == LookPolygons::Beyond) return true;
+    const Vec3 plane = polygons[covers[i]].scenePlane;
     if (-support(box, -plane) > 1.0 + 1e-9 * (1.0 + extent(box, plane))) return true;
   }
   return false;
@@ -169,9 +168,8 @@ void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t nu
   const std::uint32_t to = polygon.firstSegment[tile.face + 1];
   const bool coversFace = (polygon.cornerParity >> tile.face & 1) != 0;
   if (from == to && !coversFace) return;
-  if (polygon.onlyFace == tile.face &&
-      (polygon.box[0] > tile.x1 || polygon.box[1] > tile.y1 || polygon.box[2] <= tile.x0 ||
-       polygon.box[3] <= tile.y0))
+  if (polygon.onlyFace == tile.face && (polygon.box[0] > tile.x1 || polygon.box[1] > tile.y1 ||
+                                        polygon.box[2] <= tile.x0 || polygon.box[3] <= tile.y0))
     return;
   const size_t first = segments.size();
   bool covered = coversFace;
@@ -250,12 +248,12 @@ void TileDescent::dropHidden(const Tile& tile, Content& content) {
   entries.resize(kept);
   segments.resize(keptSegments);
   content.entriesEnd = kept;
-  nodes.erase(std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes),
-                             nodes.end(),
-                             [&](std::int32_t number) {
-                               return hidden(content, state.nodes[static_cast<size_t>(number)]);
-                             }),
-              nodes.end());
+  nodes.erase(
+      std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes), nodes.end(),
+                     [&](std::int32_t number) {
+                       return hidden(content, state.nodes[static_cast<size_t>(number)]);
+                     }),
+      nodes.end());
   content.nodesEnd = nodes.size();
 }
 
@@ -320,14 +318,14 @@ Sides TileDescent::uniformTile(const Tile& tile, std::int32_t cover) {
 }
 
 Sides TileDescent::sweepTile(const Tile& tile, const Content& content) {
-  return sweep.run(tile, {entries.data() + content.entries, content.entriesEnd - content.entries,
-                          segments.data(), covers.data() + content.covers,
-                          content.coversEnd - content.covers});
+  return sweep.run(
+      tile, {entries.data() + content.entries, content.entriesEnd - content.entries,
+             segments.data(), covers.data() + content.covers, content.coversEnd - content.covers});
 }
 
 TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
                                            const Content& content) {
-  Content narrow{entries.size(), entries.size(), nodes.size(), nodes.size(),
+  Content narrow{entries.size(), entries.size(), nodes.size(),   nodes.size(),
                  covers.size(),  covers.size(),  segments.size()};
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     const std::int32_t cover = covers[i];

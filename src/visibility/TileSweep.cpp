@@ -75,10 +75,9 @@ Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {
   size_t knownCuts = 0;
   for (;;) {
     sweep();
-    std::sort(cuts.begin() + static_cast<std::ptrdiff_t>(knownCuts), cuts.end(),
-              [](const PlanePair& a, const PlanePair& b) {
-                return a.a != b.a ? a.a < b.a : a.b < b.b;
-              });
+    std::sort(
+        cuts.begin() + static_cast<std::ptrdiff_t>(knownCuts), cuts.end(),
+        [](const PlanePair& a, const PlanePair& b) { return a.a != b.a ? a.a < b.a : a.b < b.b; });
     if (!planesCross) return sides;
     parts.areas.resize(areas);
     parts.areaSets.truncate(areas);
@@ -103,8 +102,8 @@ void TileSweep::gatherSlots(const TileContent& content) {
     const LookPolygon& p = polygons[position];
     const size_t i = slots.size();
     // What lies beyond the field is in front of everything.
-    const double c = position == LookPolygons::Beyond ? 1e300
-                                                      : p.plane[face.axis] * (face.sign * Half);
+    const double c =
+        position == LookPolygons::Beyond ? 1e300 : p.plane[face.axis] * (face.sign * Half);
     slots.push_back({p.plane[face.u], p.plane[face.v], c, 1e-15 * Half * p.weight, position,
                      p.layer, p.region, p.number});
     if (covers) cornerMask[i / 64] |= Word{1} << (i % 64);
@@ -299,8 +298,7 @@ void TileSweep::addMeetings() {
           std::abs(after) <= tolerance)
         continue;
       const double part = static_cast<double>(before) / static_cast<double>(before - after);
-      stops.push_back(
-          std::clamp(from + rounded(part * static_cast<double>(to - from)), from, to));
+      stops.push_back(std::clamp(from + rounded(part * static_cast<double>(to - from)), from, to));
     }
   }
 }
@@ -349,7 +347,8 @@ void TileSweep::prepareSlab(Coordinate from, Coordinate to) {
                active.end());
   for (; nextStart < starts.size() && lines[static_cast<size_t>(starts[nextStart])].xa <= from;
        ++nextStart)
-    if (lines[static_cast<size_t>(starts[nextStart])].xb > from) active.push_back(starts[nextStart]);
+    if (lines[static_cast<size_t>(starts[nextStart])].xb > from)
+      active.push_back(starts[nextStart]);
   sortActive(from, to);
   placeGaps(from, to);
 }
@@ -417,9 +416,7 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
                       old.masks.begin() + static_cast<std::ptrdiff_t>((i + 1) * words),
                       now.masks.begin() + static_cast<std::ptrdiff_t>(k * words));
   };
-  const auto keep = [&](size_t i, size_t k) {
-    now.gaps[k] = old.gaps[i];
-  };
+  const auto keep = [&](size_t i, size_t k) { now.gaps[k] = old.gaps[i]; };
   size_t prefix = 0;
   size_t suffix = 0;
   if (!cut) {
@@ -436,8 +433,7 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
   const size_t oldTo = oldCount - suffix;
   const size_t newTo = newCount - suffix;
   if (!first && !last && prefix == oldTo && prefix == newTo) return;
-  const Coordinate next =
-      last ? x : *std::upper_bound(stops.begin(), stops.end(), x);
+  const Coordinate next = last ? x : *std::upper_bound(stops.begin(), stops.end(), x);
   for (size_t i = prefix; i < oldTo; ++i) closeGap(old.gaps[i], &old.masks[i * words], x);
   for (size_t k = prefix; k < newTo; ++k) openGap(now.gaps[k], &now.masks[k * words], x, next);
   placeMarks(prefix, oldTo, prefix, newTo, x);
@@ -492,7 +488,8 @@ void TileSweep::placeMarks(size_t oldFrom, size_t oldTo, size_t newFrom, size_t 
   };
   size_t oldCount = 0;
   if (!old.gaps.empty())
-    for (size_t b = oldFrom; b <= oldTo; ++b, ++oldCount) marks.push_back(markBorder(old, b, false));
+    for (size_t b = oldFrom; b <= oldTo; ++b, ++oldCount)
+      marks.push_back(markBorder(old, b, false));
   if (!now.gaps.empty())
     for (size_t b = newFrom; b <= newTo; ++b) marks.push_back(markBorder(now, b, true));
   std::vector<int>& byHeight = newMarks;  // scratch until the numbers are known
@@ -658,7 +655,8 @@ void TileSweep::chooseSource(const Line& line, std::int32_t regionA, std::int32_
   if (line.crossed[0] >= 0) {
     const Slot& s = slots[static_cast<size_t>(line.crossed[0])];
     const Slot& t = slots[static_cast<size_t>(line.crossed[1])];
-    if ((s.region == regionA && t.region == regionB) || (s.region == regionB && t.region == regionA))
+    if ((s.region == regionA && t.region == regionB) ||
+        (s.region == regionB && t.region == regionA))
       offer(2, crossingSource(std::min(s.number, t.number), std::max(s.number, t.number)), false,
             false);
     return;
@@ -701,8 +699,8 @@ std::int32_t TileSweep::seenAt(const Word* mask, double x, double y) const {
     for (Word rest = mask[w]; rest != 0; rest &= rest - 1) {
       const auto slot =
           static_cast<std::int32_t>(w * 64 + static_cast<size_t>(__builtin_ctzll(rest)));
-      if (best < 0 || isInFront(slots[static_cast<size_t>(slot)],
-                                slots[static_cast<size_t>(best)], x, y))
+      if (best < 0 ||
+          isInFront(slots[static_cast<size_t>(slot)], slots[static_cast<size_t>(best)], x, y))
         best = slot;
     }
   return best;
@@ -753,8 +751,7 @@ void TileSweep::closeGap(const Gap& gap, const Word* mask, Coordinate to) {
       const double b = other.b - seen.b;
       const double c = other.c - seen.c;
       // Corners are known to within a few units.
-      const double margin =
-          seen.error + other.error + 4.0 * Snap * (std::fabs(a) + std::fabs(b));
+      const double margin = seen.error + other.error + 4.0 * Snap * (std::fabs(a) + std::fabs(b));
       bool crosses = false;
       for (int k = 0; k < 4; ++k)
         crosses = crosses || a * corners[k][0] + b * corners[k][1] + c > margin;

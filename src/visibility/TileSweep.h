@@ -11,8 +11,8 @@
 ///
 /// A line sweeps over the tile from left to right and stops where an edge begins, ends or crosses
 /// another one. Between two stops the edges that span the tile there have one order, and between
-/// neighbours in it lies a gap, whose polygons are known by counting edges from below. The nearest of
-/// them is seen. A gap goes on over a stop if nothing around it changes.
+/// neighbours in it lies a gap, whose polygons are known by counting edges from below. The nearest
+/// of them is seen. A gap goes on over a stop if nothing around it changes.
 ///
 /// Why no rounding can break it: the gaps between two stops fill the tile without overlap, whatever
 /// order and height the edges are given; what is joined or bordered at a stop is found from the
@@ -82,12 +82,12 @@ class TileSweep {
   struct Line {
     Coordinate x0, y0;  // a point of it, from which heights are told
     double slope;
-    Coordinate xa, ya, xb, yb;  // the part in the tile
+    Coordinate xa, ya, xb, yb;    // the part in the tile
     bool togglesAtA, togglesAtB;  // it crosses the lower border there
     bool fixedA, fixedB;          // an end of the edge, not of the tile
     Coordinate tolerance;         // heights within it are one
     std::int32_t firstOwner, ownerCount;
-    std::int32_t crossed[2];      // slots of the two planes; -1 for edges
+    std::int32_t crossed[2];  // slots of the two planes; -1 for edges
   };
   struct Raw {
     const Segment* segment;
@@ -98,17 +98,17 @@ class TileSweep {
     int above;  // line, or UpperBorder
     bool empty;
     int area;
-    std::int32_t slot;   // what is seen; -1 for the sky
-    Coordinate since;    // where it begins
-    int wallVertex;      // where the border above it begins, if there is one
+    std::int32_t slot;  // what is seen; -1 for the sky
+    Coordinate since;   // where it begins
+    int wallVertex;     // where the border above it begins, if there is one
   };
   // The order between two stops.
   struct Slab {
-    std::vector<int> order;       // lines from below
-    std::vector<Coordinate> low;  // their heights at the left stop
+    std::vector<int> order;        // lines from below
+    std::vector<Coordinate> low;   // their heights at the left stop
     std::vector<Coordinate> high;  // and at the right one
-    std::vector<Gap> gaps;        // one more than lines
-    std::vector<Word> masks;      // `words` for each gap
+    std::vector<Gap> gaps;         // one more than lines
+    std::vector<Word> masks;       // `words` for each gap
   };
   struct Mark {
     Coordinate y;
