@@ -1,0 +1,25 @@
+#pragma once
+
+#include <lumivane/visibility/LookOptions.h>
+#include <lumivane/visibility/PolygonScene.h>
+
+#include <cstddef>
+#include <string>
+
+namespace Lumivane::Truth {
+
+/// A scene that is likely to break an exact engine, and how to look at it.
+struct HardScene {
+  std::string name;
+  Visibility::PolygonScene scene;
+  Visibility::Vector eye{0.0, 0.0, 0.0};
+  Visibility::LookOptions options;
+};
+
+constexpr std::size_t HardSceneCount = 200;
+
+/// Number 0 to 199, the same on every machine: overlapping, coplanar, interpenetrating, thin,
+/// cyclic and far polygons, eyes on vertices and edges, in planes and inside bodies.
+HardScene hardScene(std::size_t number);
+
+}  // namespace Lumivane::Truth

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "truth/Judge.h"
+
+#include <lumivane/visibility/VisibleMap.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Truth {
+
+/// Directions nearer to an edge of the map than this are not counted, in radians.
+constexpr double NoMansLand = 1e-6;
+
+/// A direction in which the map is wrong.
+struct WrongLabel {
+  Visibility::Vector direction{};
+  Visibility::Label truth;
+  Visibility::Label map;
+  double angleToEdge = 0.0;
+};
+
+/// What rays say of a map.
+struct RayReport {
+  std::size_t rays = 0;
+  std::vector<WrongLabel> wrong;   ///< farther from an edge than `NoMansLand`
+  std::size_t nearEdges = 0;       ///< other labels nearer to an edge, which do not count
+  std::size_t wrongDistances = 0;  ///< truth outside the cell's least and greatest distance
+  double worstShare = 0.0;         ///< greatest distance of an object's share, in deviations
+  std::string worstObject;
+  double judgeSeconds = 0.0;   ///< processor time of the judge
+  double locateSeconds = 0.0;  ///< processor time of finding cells
+
+  std::string text() const;  ///< The wrong labels, for messages of tests.
+};
+
+/// Holds a map against random directions of its field.
+RayReport checkByRays(const Judge& judge, const Visibility::VisibleMap& map, std::size_t rays,
+                      std::uint64_t seed);
+
+}  // namespace Lumivane::Truth
