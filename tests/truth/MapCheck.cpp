@@ -142,4 +142,12 @@ RayReport checkByRays(const Judge& judge, const VisibleMap& map, std::size_t ray
   return RayCheck(judge, map).run(rays, seed);
 }
 
+bool checkDirection(const Judge& judge, const VisibleMap& map, const Vector& direction) {
+  const MapLocator locator(map);
+  const int cell = locator.cellOfAll(direction);
+  const Label truth = judge.seenOfAll(map.eye, direction, map.twoSided).label;
+  if (cell >= 0 && map.cells[static_cast<std::size_t>(cell)].label == truth) return true;
+  return locator.angleToEdge(direction) <= NoMansLand;
+}
+
 }  // namespace Lumivane::Truth

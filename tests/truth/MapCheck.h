@@ -39,4 +39,8 @@ struct RayReport {
 RayReport checkByRays(const Judge& judge, const Visibility::VisibleMap& map, std::size_t rays,
                       std::uint64_t seed);
 
+/// Whether a map has the right label in a direction, or the direction is too near an edge to say.
+bool checkDirection(const Judge& judge, const Visibility::VisibleMap& map,
+                    const Visibility::Vector& direction);
+
 }  // namespace Lumivane::Truth

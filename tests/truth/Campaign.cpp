@@ -1,0 +1,325 @@
+// Many rays against the maps of scenes, city models, meshes and the hard scenes: a table, and,
+// where asked for, the smallest part of each scene that still fails.
+
+#include "truth/Builder.h"
+#include "truth/HardScenes.h"
+#include "truth/Invariants.h"
+#include "truth/MapCheck.h"
+#include "truth/Reduce.h"
+#include "truth/SceneArrays.h"
+
+#include <lumivane/exchange/Importer.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Lumivane::Truth;
+using Lumivane::Visibility::Field;
+using Lumivane::Visibility::LookOptions;
+using Lumivane::Visibility::PolygonScene;
+using Lumivane::Visibility::SceneIndex;
+using Lumivane::Visibility::Vector;
+using Lumivane::Visibility::VisibleMap;
+
+constexpr const char* Usage =
+    "Usage: truth_campaign all|hard|FILE... [--rays N] [--eyes N] [--reduce FOLDER]\n"
+    "\n"
+    "  all              the sample scenes and models, and the hard scenes\n"
+    "  hard             the hard scenes; hard:N one of them\n"
+    "  FILE             a scene, a mesh or a city model\n"
+    "  --rays N         rays for each eye (1000000)\n"
+    "  --eyes N         eyes for each file (51 for city models, 9 for others)\n"
+    "  --reduce FOLDER  writes the smallest part of each scene that fails there\n"
+    "\n"
+    "Exits with 1 if a map is wrong.\n";
+
+struct Eye {
+  Vector place;
+  LookOptions options;
+};
+
+struct Order {
+  std::vector<std::string> files;
+  std::size_t rays = 1000000;
+  int eyes = 0;
+  std::string reduceTo;
+};
+
+double seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+std::string textOf(const Vector& v) {
+  std::ostringstream out;
+  out.precision(17);
+  out << v[0] << ',' << v[1] << ',' << v[2];
+  return out.str();
+}
+
+struct Bounds {
+  Vector low{HUGE_VAL, HUGE_VAL, HUGE_VAL};
+  Vector high{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
+  double size = 0.0;
+
+  explicit Bounds(const PolygonScene& scene) {
+    for (const Vector& point : scene.points)
+      for (std::size_t i = 0; i < 3; ++i) {
+        low[i] = std::min(low[i], point[i]);
+        high[i] = std::max(high[i], point[i]);
+      }
+    size = static_cast<double>(length(wide(high) - wide(low)));
+  }
+  double at(std::size_t axis, double part) const {
+    return low[axis] + part * (high[axis] - low[axis]);
+  }
+};
+
+/// Eyes of one file: in turn at a walker's height, just above what is below, far above or around,
+/// and in the planes of polygons and on corners.
+class EyeChooser {
+ public:
+  EyeChooser(const Judge& newJudge, bool newCity)
+      : judge(newJudge), bounds(newJudge.scene()), city(newCity) {}
+
+  Eye eye(int number) {
+    Eye result;
+    result.options.forward = forwardOf(number);
+    result.options.field = number % 5 == 4 ? Field::Sphere : Field::Hemisphere;
+    result.options.twoSided = number % 7 == 6;
+    const Vector above{bounds.at(0, random.between(0.15, 0.85)),
+                       bounds.at(1, random.between(0.15, 0.85)), bounds.high[2] + bounds.size};
+    switch (number % 4) {
+      case 0:
+        result.place = over(above, city ? 1.7 : 0.02 * bounds.size);
+        break;
+      case 1:
+        result.place = over(above, city ? 0.05 : 0.001 * bounds.size);
+        break;
+      case 2:
+        result.place = {above[0], above[1], bounds.high[2] + (city ? 80.0 : 0.3 * bounds.size)};
+        break;
+      default:
+        result.place = special(number);
+    }
+    return result;
+  }
+
+ private:
+  Vector forwardOf(int number) {
+    if (number % 4 == 2) return {0.3, 0.2, -1.0};
+    if (number % 3 == 0) return {0, 0, 1};
+    const double turn = random.between(0.0, 6.28);
+    return {std::cos(turn), std::sin(turn), 0};
+  }
+  Vector over(const Vector& above, double height) const {
+    const Verdict below = judge.seen(above, {0, 0, -1}, true);
+    const double ground = below.outline < 0 ? bounds.low[2] : above[2] - below.distance;
+    return {above[0], above[1], ground + height};
+  }
+  Vector special(int number) {
+    const std::vector<Vector>& points = judge.scene().points;
+    const Vector& corner =
+        points[static_cast<std::size_t>(random.below(static_cast<int>(points.size())))];
+    if (number % 8 == 3) return corner;
+    // In the planes of what is upright or level there, and a little off it.
+    return {corner[0] + 0.01 * bounds.size, corner[1], corner[2]};
+  }
+
+  const Judge& judge;
+  Bounds bounds;
+  bool city;
+  Random random{23};
+};
+
+class Campaign {
+ public:
+  explicit Campaign(const Order& newOrder) : order(newOrder) {}
+
+  bool run() {
+    std::printf("%-34s %8s %7s %7s %6s %6s %9s %6s %8s %8s\n", "scene and eye", "outlines", "cells",
+                "edges", "wrong", "near", "area", "worst", "look s", "rays s");
+    for (const std::string& file : order.files) {
+      if (file == "hard")
+        for (std::size_t i = 0; i < HardSceneCount; ++i) hard(i);
+      else if (file.rfind("hard:", 0) == 0)
+        hard(std::stoul(file.substr(5)));
+      else
+        model(file);
+    }
+    std::printf("%zu looks, %zu with a fault\n", looks, bad);
+    return bad == 0;
+  }
+
+ private:
+  void hard(std::size_t number) {
+    const HardScene scene = hardScene(number);
+    const Judge judge(scene.scene);
+    try {
+      const SceneIndex index(scene.scene);
+      compareCounts(index, judge, scene.name);
+      check(index, judge, {scene.eye, scene.options}, std::to_string(number) + " " + scene.name);
+    } catch (const std::exception& error) {
+      failed(scene.name, error.what());
+    }
+  }
+
+  void model(const std::string& file) {
+    const std::string name = std::filesystem::path(file).filename().string();
+    const bool importable = Lumivane::Exchange::Importer::isImportable(file);
+    const bool city = name.find(".city.json") != std::string::npos;
+    const Lumivane::Session::LoadedScene loaded =
+        importable ? Lumivane::Exchange::Importer::importFile(file).scene
+                   : Lumivane::Session::LoadedScene::fromFile(file);
+    const Judge judge(arraysOf(loaded.scene()));
+    double start = seconds();
+    const SceneIndex index(loaded);
+    std::printf("%s: index %.3f s\n", name.c_str(), seconds() - start);
+    compareCounts(index, judge, name);
+    EyeChooser chooser(judge, city);
+    const int eyes = order.eyes > 0 ? order.eyes : city ? 51 : 9;
+    for (int i = 0; i < eyes; ++i) {
+      const Eye eye = chooser.eye(i);
+      try {
+        check(index, judge, eye, name + " eye " + std::to_string(i));
+      } catch (const std::exception& error) {
+        failed(name + " eye " + textOf(eye.place), error.what());
+      }
+    }
+  }
+
+  void compareCounts(const SceneIndex& index, const Judge& judge, const std::string& name) {
+    const auto compare = [&](const char* what, std::size_t of, std::size_t expected) {
+      if (of != expected)
+        std::printf("  %s: the index has %zu %s, the judge %zu\n", name.c_str(), of, what,
+                    expected);
+    };
+    compare("dropped regions", index.droppedRegionCount(), judge.pieces().dropped);
+    compare("regions in triangles", index.triangulatedRegionCount(), judge.pieces().triangulated);
+    compare("layers", index.layerCount(), judge.pieces().layers);
+  }
+
+  void check(const SceneIndex& index, const Judge& judge, const Eye& eye, const std::string& name) {
+    const double start = seconds();
+    const VisibleMap map = index.look(eye.place, eye.options);
+    const double lookSeconds = seconds() - start;
+    const std::vector<std::string> faults = faultsOf(map);
+    const RayReport report = checkByRays(judge, map, order.rays, 1 + looks);
+    std::printf("%-34s %8zu %7zu %7zu %6zu %6zu %9.1e %6.2f %8.4f %8.3f\n", name.c_str(),
+                judge.pieces().list.size(), map.cells.size(), map.edges.size(), report.wrong.size(),
+                report.nearEdges, areaError(map), report.worstShare, lookSeconds,
+                report.judgeSeconds + report.locateSeconds);
+    ++looks;
+    const bool isBad = !faults.empty() || !report.wrong.empty() || report.wrongDistances > 0;
+    if (isBad) {
+      ++bad;
+      for (const std::string& fault : faults) std::printf("    %s\n", fault.c_str());
+      if (!report.wrong.empty()) std::printf("    %s", report.text().c_str());
+      if (report.wrongDistances > 0)
+        std::printf("    %zu distances beyond those of their cell\n", report.wrongDistances);
+      std::printf("    --eye %s --forward %s%s%s\n", textOf(eye.place).c_str(),
+                  textOf(eye.options.forward).c_str(),
+                  eye.options.field == Field::Sphere ? " --field sphere" : "",
+                  eye.options.twoSided ? " --two-sided" : "");
+      if (!order.reduceTo.empty()) reduce(judge.scene(), eye, name, report, faults);
+    }
+    std::fflush(stdout);
+  }
+
+  void failed(const std::string& name, const std::string& cause) {
+    ++looks;
+    ++bad;
+    std::printf("%-34s %s\n", name.c_str(), cause.c_str());
+    std::fflush(stdout);
+  }
+
+  /// Writes the part of the scene that still fails in the same way: with the first wrong direction
+  /// if there is one, else with the first fault.
+  void reduce(const PolygonScene& scene, const Eye& eye, const std::string& name,
+              const RayReport& report, const std::vector<std::string>& faults) {
+    const auto kindOf = [](const std::string& fault) {
+      const std::size_t from = fault.find(" x ") + 3;
+      return fault.substr(from, fault.find(", e.g.") - from);
+    };
+    const auto isBad = [&](const PolygonScene& part) {
+      try {
+        const VisibleMap map = SceneIndex(part).look(eye.place, eye.options);
+        if (report.wrong.empty()) {
+          for (const std::string& fault : faultsOf(map))
+            if (!faults.empty() && kindOf(fault) == kindOf(faults.front())) return true;
+          return false;
+        }
+        return !checkDirection(Judge(part), map, report.wrong.front().direction);
+      } catch (const std::exception&) {
+        return false;
+      }
+    };
+    const PolygonScene part = reduced(scene, isBad);
+    std::string file = name;
+    std::replace(file.begin(), file.end(), ' ', '-');
+    const std::string path = order.reduceTo + "/" + file + ".json";
+    std::ofstream(path) << sceneFileText(part);
+    std::ofstream readme(order.reduceTo + "/README", std::ios::app);
+    readme << file << ".json: --eye " << textOf(eye.place) << " --forward "
+           << textOf(eye.options.forward)
+           << (eye.options.field == Field::Sphere ? " --field sphere" : "")
+           << (eye.options.twoSided ? " --two-sided" : "") << " : "
+           << (report.wrong.empty() ? faults.empty() ? "distances" : faults.front() : report.text())
+           << '\n';
+    std::printf("    reduced to %zu outlines: %s\n", part.labels.size(), path.c_str());
+  }
+
+  Order order;
+  std::size_t looks = 0;
+  std::size_t bad = 0;
+};
+
+std::vector<std::string> filesOf(const std::string& word) {
+  if (word != "all") return {word};
+  std::vector<std::string> files;
+  for (const char* folder : {LUMIVANE_SCENES, LUMIVANE_SCENES "/models"})
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      if (entry.path().extension() == ".json" || entry.path().extension() == ".obj")
+        files.push_back(entry.path().string());
+  std::sort(files.begin(), files.end());
+  files.emplace_back("hard");
+  return files;
+}
+
+Order orderOf(const std::vector<std::string>& words) {
+  Order order;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (words[i] == "--rays") {
+      order.rays = std::stoul(words.at(++i));
+    } else if (words[i] == "--eyes") {
+      order.eyes = std::stoi(words.at(++i));
+    } else if (words[i] == "--reduce") {
+      order.reduceTo = words.at(++i);
+    } else {
+      for (const std::string& file : filesOf(words[i])) order.files.push_back(file);
+    }
+  }
+  if (order.files.empty()) throw std::invalid_argument("nothing to check");
+  return order;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Campaign(orderOf({argv + 1, argv + argc})).run() ? EXIT_SUCCESS : EXIT_FAILURE;
+  } catch (const std::exception& error) {
+    std::cerr << Usage << "\nError: " << error.what() << '\n';
+    return EXIT_FAILURE;
+  }
+}
