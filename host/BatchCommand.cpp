@@ -340,8 +340,8 @@ class Batch {
   }
 
   void makeViews(const std::vector<size_t>& pieces, Journal& journal) {
-    SourcedScene source = loadScene(options.shot.scene, options.shot.import);
-    if (!options.shot.noCheck) refuseErrors(options.shot.scene, source.scene.scene());
+    SceneForEyes source(options.shot.scene, options.shot.import);
+    if (!options.shot.noCheck) refuseErrors(options.shot.scene, source.scene().scene());
     for (const size_t piece : pieces)
       for (const std::string& file : views[piece].files)
         makeFolder((fs::path(setting.folder) / file).parent_path());
@@ -349,7 +349,7 @@ class Batch {
     BatchProgress progress(pieces.size());
     SharedWork shared;
     shared.start = [this](int number) { startProcess(number); };
-    shared.work = [this, &source](size_t piece) { return makeView(source.scene, views[piece]); };
+    shared.work = [this, &source](size_t piece) { return makeView(source, views[piece]); };
     const auto keep = [this, &journal, &progress](size_t piece, const JournalRow& row) {
       journal.append(views[piece].key, row);
       for (const FileMark& mark : row.files) compared[markKey(mark)] = true;
@@ -424,8 +424,9 @@ class Batch {
   }
 
   // The text of the view's row for the journal.
-  std::string makeView(LoadedScene& scene, const TableView& view) const {
+  std::string makeView(SceneForEyes& source, const TableView& view) const {
     try {
+      LoadedScene& scene = source.at(view.options.view.eye);
       std::error_code ignored;
       fs::remove(CycleReport, ignored);
       const TakenShot shot = scene.take(view.options.view);

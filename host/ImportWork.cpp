@@ -33,7 +33,7 @@ Jzon::Node node(const Triple& triple) {
 
 }  // namespace
 
-Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
+Exchange::ImportOptions importOptions(const ImportSettings& settings) {
   Exchange::ImportOptions options;
   options.sides = sidesOf(settings);
   options.scale = settings.scale;
@@ -42,7 +42,11 @@ Exchange::ImportedScene importFile(const std::string& path, const ImportSettings
   options.allowOutside = settings.allowOutside;
   options.creaseDegrees = settings.crease;
   options.eye = settings.eye;
-  return Exchange::Importer::importFile(path, options);
+  return options;
+}
+
+Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
+  return Exchange::Importer::importFile(path, importOptions(settings));
 }
 
 std::string reportText(const Exchange::ImportReport& report) {

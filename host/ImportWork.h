@@ -9,6 +9,9 @@
 
 namespace Lumivane::Host {
 
+/// How to import, as the command line asks for.
+Exchange::ImportOptions importOptions(const ImportSettings& settings);
+
 /// Imports a file as the command line asks for.
 /// \throws Session::Error
 Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings);

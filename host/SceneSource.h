@@ -5,6 +5,9 @@
 #include <lumivane/jzon/Node.h>
 #include <lumivane/session/LoadedScene.h>
 
+#include <array>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,5 +27,29 @@ std::vector<std::string> sourceFiles(const std::string& path);
 /// telling on standard output what became of it.
 /// \throws Session::Error
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings);
+
+/// One scene for many eyes: a scene file as it is, a mesh or city model with its objects and faces
+/// in the order for the eye, as `loadScene` with that eye in its settings. Reads the file once.
+class SceneForEyes {
+ public:
+  /// Prints on standard output what became of a mesh or city model.
+  /// \throws Session::Error
+  SceneForEyes(const std::string& path, const ImportSettings& settings);
+  SceneForEyes(const SceneForEyes&) = delete;
+  SceneForEyes& operator=(const SceneForEyes&) = delete;
+  ~SceneForEyes();
+
+  /// The scene for no eye in particular, or for that of the last call of `at`.
+  Session::LoadedScene& scene() { return current; }
+  /// The scene for an eye, up to the next call. \throws Session::Error
+  Session::LoadedScene& at(const std::array<double, 3>& eye);
+
+ private:
+  struct Model;
+
+  std::unique_ptr<Model> model;  // null for a scene file
+  std::optional<std::array<double, 3>> currentEye;
+  Session::LoadedScene current;
+};
 
 }  // namespace Lumivane::Host

@@ -162,30 +162,27 @@ void warnOfShortEdges(const SourceModel& model, ImportReport& report) {
                               "a greater scale helps");
 }
 
-std::optional<Kernel::Vec3> eyeOf(const ImportOptions& options) {
-  if (!options.eye) return std::nullopt;
-  return Kernel::Vec3{(*options.eye)[0], (*options.eye)[1], (*options.eye)[2]};
+std::optional<Kernel::Vec3> eyeOf(const std::optional<std::array<double, 3>>& eye) {
+  if (!eye || !std::all_of(eye->begin(), eye->end(), [](double c) { return std::isfinite(c); }))
+    return std::nullopt;
+  return Kernel::Vec3{(*eye)[0], (*eye)[1], (*eye)[2]};
 }
 
-std::unique_ptr<Scene::Scene3D> makeScene(const std::string& path, const ImportOptions& options,
-                                          ImportReport& report) {
-  checkOptions(options);
-  SourceModel model = readModel(path, options);
-  report.format = model.format;
-  report.sourcePolygons = model.polygons.size();
-  const double diagonal = placeModel(model, options, report);
-  std::vector<ObjectSurfaces> surfaces = makeFaces(model, options, diagonal, report);
-  const std::vector<std::size_t> order = listOrder(model, surfaces, eyeOf(options));
-  auto scene = buildScene(model, surfaces, order, options.sides, report);
-  report.warnings = std::move(model.warnings);
-  if (report.emptyPolygons > 0)
-    report.warnings.push_back(std::to_string(report.emptyPolygons) +
-                              " polygons without area are left out");
-  if (report.unfilledPolygons > 0)
-    report.warnings.push_back(std::to_string(report.unfilledPolygons) +
-                              " polygons whose outline crosses itself are left out");
-  warnOfShortEdges(model, report);
-  return scene;
+// What went wrong, as an error that names the file.
+template <class Work>
+auto namingTheFile(const std::string& path, const Work& work) {
+  try {
+    return work();
+  } catch (const ImportError& error) {
+    throw Session::Error(path, error.what());
+  } catch (const Session::Error&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;  // the end of memory is no fault of the file
+  } catch (const std::exception& error) {
+    // The reader of a foreign format may object in its own way.
+    throw Session::Error(path, std::string("cannot be imported: ") + error.what());
+  }
 }
 
 Jzon::Node number(double value) {
@@ -221,21 +218,50 @@ bool Importer::isImportable(const std::string& path) {
   }
 }
 
-ImportedScene Importer::importFile(const std::string& path, const ImportOptions& options) {
-  try {
-    ImportReport report;
-    std::unique_ptr<Scene::Scene3D> scene = makeScene(path, options, report);
-    return {Session::LoadedScene::adopt(scene.release(), path), std::move(report)};
-  } catch (const ImportError& error) {
-    throw Session::Error(path, error.what());
-  } catch (const Session::Error&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    throw;  // the end of memory is no fault of the file
-  } catch (const std::exception& error) {
-    // The reader of a foreign format may object in its own way.
-    throw Session::Error(path, std::string("cannot be imported: ") + error.what());
+struct ImportedModel::State {
+  State(const std::string& file, const ImportOptions& options) : path(file), sides(options.sides) {
+    checkOptions(options);
+    model = readModel(path, options);
+    report.format = model.format;
+    report.sourcePolygons = model.polygons.size();
+    const double diagonal = placeModel(model, options, report);
+    surfaces = makeFaces(model, options, diagonal, report);
+    report.warnings = std::move(model.warnings);
+    if (report.emptyPolygons > 0)
+      report.warnings.push_back(std::to_string(report.emptyPolygons) +
+                                " polygons without area are left out");
+    if (report.unfilledPolygons > 0)
+      report.warnings.push_back(std::to_string(report.unfilledPolygons) +
+                                " polygons whose outline crosses itself are left out");
+    warnOfShortEdges(model, report);
   }
+
+  std::string path;
+  ImportSides sides;
+  SourceModel model;
+  std::vector<ObjectSurfaces> surfaces;  // in the order of the file
+  ImportReport report;                   // without the counts of a scene
+};
+
+ImportedModel::ImportedModel(const std::string& path, const ImportOptions& options)
+    : state(namingTheFile(path, [&] { return std::make_unique<const State>(path, options); })) {}
+ImportedModel::ImportedModel(ImportedModel&&) noexcept = default;
+ImportedModel& ImportedModel::operator=(ImportedModel&&) noexcept = default;
+ImportedModel::~ImportedModel() = default;
+
+ImportedScene ImportedModel::sceneFor(const std::optional<std::array<double, 3>>& eye) const {
+  return namingTheFile(state->path, [&] {
+    std::vector<ObjectSurfaces> surfaces = state->surfaces;
+    const std::vector<std::size_t> order = listOrder(state->model, surfaces, eyeOf(eye));
+    ImportReport report = state->report;
+    auto scene = buildScene(state->model, surfaces, order, state->sides, report);
+    return ImportedScene{Session::LoadedScene::adopt(scene.release(), state->path),
+                         std::move(report)};
+  });
+}
+
+ImportedScene Importer::importFile(const std::string& path, const ImportOptions& options) {
+  return ImportedModel(path, options).sceneFor(options.eye);
 }
 
 std::string Importer::sceneText(Scene::Scene3D& scene) {

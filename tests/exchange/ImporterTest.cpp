@@ -1,9 +1,14 @@
 #include "exchange/ImportedRegions.h"
+#include "support/TempFolder.h"
 
 #include <lumivane/geometry/Region2d.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/shot/Shot2d.h>
 
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <optional>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -404,6 +409,65 @@ TEST(ImporterRealModels, PieceOfDelftIsReadWhole) {
       ++roofs;
     }
   EXPECT_GT(roofs, 1000u);
+}
+
+TEST(ImportedModel, ItsSceneForAnEyeIsThatOfAnImportForTheEyeWhateverCameBefore) {
+  const std::string file = LUMIVANE_MODELS "/house.city.json";
+  const Exchange::ImportedModel model(file);
+  const auto text = [](const ImportedScene& imported) {
+    return Importer::sceneText(imported.scene.scene());
+  };
+  std::set<std::string> texts;
+  for (const std::optional<std::array<double, 3>> eye : {std::optional<std::array<double, 3>>{},
+                                                         {{-90.0, -80.0, 5.0}},
+                                                         {{90.0, 80.0, 5.0}},
+                                                         {{0.0, 0.0, 50.0}},
+                                                         {{-90.0, -80.0, 5.0}},
+                                                         {}}) {
+    ImportOptions options;
+    options.eye = eye;
+    const std::string expected = text(Importer::importFile(file, options));
+    EXPECT_TRUE(expected == text(model.sceneFor(eye)));
+    texts.insert(expected);
+  }
+  EXPECT_GT(texts.size(), 2U);
+}
+
+TEST(ImportedModel, AnEyeThatIsNotFiniteIsNone) {
+  const Exchange::ImportedModel model(LUMIVANE_MODELS "/house.city.json");
+  const auto text = [&model](double x) {
+    return Importer::sceneText(model.sceneFor({{x, 0.0, 0.0}}).scene.scene());
+  };
+  const std::string none = Importer::sceneText(model.sceneFor({}).scene.scene());
+  EXPECT_TRUE(none == text(std::nan("")));
+  EXPECT_TRUE(none == text(std::numeric_limits<double>::infinity()));
+}
+
+TEST(Importer, FilesThatAModelNamesAreInputFilesAsFarAsTheyAreThere) {
+  const TempFolder folder;
+  const auto names = [&folder](const std::string& file) {
+    std::set<std::string> result;
+    for (const std::string& path : Importer::inputFiles(folder.path(file)))
+      result.insert(std::filesystem::relative(path, folder.path("")).string());
+    return result;
+  };
+  using Names = std::set<std::string>;
+  for (const std::string name : {"a.mtl", "b c.mtl", "d.mtl", "e.bin", "f g.bin"})
+    folder.file(name, "");
+  folder.file("m.obj", "mtllib a.mtl none.mtl\r\nmtllib b c.mtl\nmtllib \\\n d.mtl");
+  EXPECT_EQ((Names{"m.obj", "a.mtl", "b c.mtl", "d.mtl"}), names("m.obj"));
+  folder.file("m.gltf", R"({"buffers":[{"uri":"e.bin"},{"uri":"f%20g.bin"},{"uri":"none"},
+                           {"uri":"data:,x"},{"uri":7},8,{}]})");
+  EXPECT_EQ((Names{"m.gltf", "e.bin", "f g.bin"}), names("m.gltf"));
+  const std::string document = R"({"buffers":[{"uri":"e.bin"}]})";
+  folder.file("m.glb", "glTF" + std::string(8, '\0') + static_cast<char>(document.size()) +
+                           std::string(3, '\0') + "JSON" + document + "rest");
+  EXPECT_EQ((Names{"m.glb", "e.bin"}), names("m.glb"));
+  folder.file("bad.gltf", "{");
+  EXPECT_EQ(Names{"bad.gltf"}, names("bad.gltf"));
+  folder.file("deep.gltf", std::string(100000, '['));
+  EXPECT_EQ(Names{"deep.gltf"}, names("deep.gltf"));
+  EXPECT_EQ(Names{"a.stl"}, names("a.stl"));
 }
 
 }  // namespace

@@ -107,6 +107,35 @@ TEST(BatchProgram, AShotOfABatchIsThatOfTheShotCommand) {
   EXPECT_EQ(fileBytes(folder.path("shot.json")), fileBytes(folder.path("out/shots/view1.json")));
 }
 
+#ifdef LUMIVANE_HOST_EXCHANGE
+// Objects and faces of a model are listed by their distance from the eye, which decides where faces
+// overlap in a cycle.
+TEST(BatchProgram, AShotOfAModelIsThatOfTheShotCommandForEveryEye) {
+  const TempFolder folder;
+  const std::string house = LUMIVANE_MODELS "/house.city.json";
+  const std::vector<std::pair<std::string, std::string>> views = {
+      {"-20,-21,7", "1,1,-0.2"}, {"22,20,7", "-1,-1,-0.2"}, {"0.3,-20.1,9", "0,1,-0.3"}};
+  std::string table = "name,eye,forward\n";
+  for (size_t i = 0; i < views.size(); ++i)
+    table += std::to_string(i) + ",\"" + views[i].first + "\",\"" + views[i].second + "\"\n";
+  write(folder.path("views.csv"), table);
+  for (const std::string jobs : {"1", "2"})
+    ASSERT_EQ(0, run({"batch", house, folder.path("views.csv"), "--out-dir", folder.path(jobs),
+                      "--jobs", jobs, "-o", "{name}.json"})
+                     .status);
+  for (size_t i = 0; i < views.size(); ++i) {
+    const std::string shot = folder.path("shot.json");
+    ASSERT_EQ(0, run({"shot", house, "--eye=" + views[i].first, "--forward=" + views[i].second,
+                      "-o", shot})
+                     .status);
+    for (const std::string jobs : {"1", "2"})
+      EXPECT_TRUE(fileBytes(shot) ==
+                  fileBytes(folder.path(jobs + "/" + std::to_string(i) + ".json")))
+          << views[i].first;
+  }
+}
+#endif
+
 TEST(BatchProgram, OptionsOfTheCommandLineStandForViewsWithoutTheirOwn) {
   const TempFolder folder;
   write(folder.path("views.csv"),

@@ -5,6 +5,9 @@
 #include <lumivane/exchange/export.h>
 #include <lumivane/session/LoadedScene.h>
 
+#include <array>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,30 @@ namespace Lumivane::Exchange {
 struct ImportedScene {
   Session::LoadedScene scene;  ///< named for the file
   ImportReport report;         ///< what became of the file
+};
+
+/// A file of another program, read once, of which scenes for several eyes are made: the order of a
+/// scene's objects and faces depends on the eye (`ImportOptions::eye`). To be used from one thread
+/// at a time.
+class LUMIVANE_EXCHANGE_EXPORT ImportedModel {
+ public:
+  /// Reads the file; the eye of the options is not used.
+  /// \throws Session::Error as `Importer::importFile`
+  explicit ImportedModel(const std::string& path, const ImportOptions& options = {});
+  ImportedModel(ImportedModel&& other) noexcept;             ///< Takes all of the other.
+  ImportedModel& operator=(ImportedModel&& other) noexcept;  ///< Drops its own for the other's.
+  ImportedModel(const ImportedModel&) = delete;
+  ImportedModel& operator=(const ImportedModel&) = delete;
+  ~ImportedModel();
+
+  /// A new scene, with the same bytes as that of `Importer::importFile` with this eye in its
+  /// options. An eye that is not finite is none.
+  /// \throws Session::Error if no polygon has an area
+  ImportedScene sceneFor(const std::optional<std::array<double, 3>>& eye) const;
+
+ private:
+  struct State;
+  std::unique_ptr<const State> state;
 };
 
 /// Reads meshes (OBJ, STL, PLY, glTF) and city models (CityJSON) as scenes. Has no state.
