@@ -31,7 +31,7 @@ inline Vec3 meanOf(const Vec3* points, std::size_t count) {
 inline double greatestExtent(const Vec3* points, std::size_t count) {
   Vec3 low = points[0];
   Vec3 high = points[0];
-  for (std::size_t i = 1; i < count; ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const Vec3 p = points[i];
     low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
     high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};

@@ -42,7 +42,8 @@ inline bool isEdgeOn(const IndexState& state, std::size_t polygon, Kernel::Vec3 
     if (corner == Kernel::Vec3{}) return true;
     farthest = std::max(farthest, Kernel::dot(corner, corner));
   }
-  return !(std::abs(offset) > EdgeOn * std::sqrt(farthest));
+  constexpr double Least = 1e-290;  // the inverse of less may be beyond a double
+  return !(std::abs(offset) > std::max(EdgeOn * std::sqrt(farthest), Least));
 }
 
 /// The one place where it is decided whether an eye sees a polygon's plane, and how near it is.

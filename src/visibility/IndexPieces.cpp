@@ -1,8 +1,10 @@
 #include "visibility/IndexPieces.h"
 
+#include "kernel/EarClipping.h"
 #include "kernel/Newell.h"
 #include "visibility/SceneArrays.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -87,7 +89,16 @@ class PieceMaker {
       ++pieces.droppedRegions;
       return;
     }
-    addPiece(static_cast<std::int32_t>(outline), plane);
+    const auto region = static_cast<std::int32_t>(outline);
+    if (isFlat(plane) || !addTriangles(region, plane)) addFlat(region, plane);
+  }
+
+  bool isFlat(const OutlinePlane& plane) const {
+    if (corners.size() == 3) return true;
+    const double most = options.flatness * plane.size;
+    return std::all_of(corners.begin(), corners.end(), [&](Vec3 corner) {
+      return std::abs(Kernel::dot(plane.normal, corner - plane.mean)) <= most;
+    });
   }
 
   // The corners of an outline without those that are repeated by the next: the edge that goes on
@@ -111,9 +122,51 @@ class PieceMaker {
     return pointNumbers[static_cast<std::size_t>(scene.corners[i])];
   }
 
-  void addPiece(std::int32_t outline, const OutlinePlane& plane) {
+  void addFlat(std::int32_t outline, const OutlinePlane& plane) {
     pieces.corners.insert(pieces.corners.end(), numbers.begin(), numbers.end());
     pieces.inner.insert(pieces.inner.end(), marks.begin(), marks.end());
+    endPiece(outline, plane);
+  }
+
+  // \return false, and adds nothing, if there are no triangles
+  bool addTriangles(std::int32_t outline, const OutlinePlane& plane) {
+    const std::size_t before = pieces.count();
+    for (const Kernel::CornerTriple& triple : Kernel::clippedEars(flattened(plane)))
+      addTriangle(outline, triple);
+    if (pieces.count() == before) return false;
+    ++pieces.triangulatedRegions;
+    return true;
+  }
+
+  // The corners in axes of the plane, their order counter-clockwise.
+  std::vector<Kernel::Vec2> flattened(const OutlinePlane& plane) const {
+    const Vec3 n = plane.normal;
+    const bool nearX = std::abs(n.x) <= std::abs(n.y) && std::abs(n.x) <= std::abs(n.z);
+    const bool nearY = std::abs(n.y) <= std::abs(n.z);
+    const Vec3 axis = nearX ? Vec3{1, 0, 0} : nearY ? Vec3{0, 1, 0} : Vec3{0, 0, 1};
+    const Vec3 u = Kernel::normalise(Kernel::cross(axis, n)).direction;
+    const Vec3 v = Kernel::cross(n, u);
+    std::vector<Kernel::Vec2> result;
+    result.reserve(corners.size());
+    for (const Vec3 corner : corners)
+      result.push_back({Kernel::dot(u, corner - plane.mean), Kernel::dot(v, corner - plane.mean)});
+    return result;
+  }
+
+  void addTriangle(std::int32_t outline, const Kernel::CornerTriple& triple) {
+    const Vec3 points[3] = {corners[triple[0]], corners[triple[1]], corners[triple[2]]};
+    const OutlinePlane plane = Kernel::outlinePlane(points, 3);
+    if (!plane.exists()) return;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const std::size_t from = triple[k];
+      const bool isOutline = triple[(k + 1) % 3] == (from + 1) % corners.size();
+      pieces.corners.push_back(numbers[from]);
+      pieces.inner.push_back(isOutline ? marks[from] : 1);
+    }
+    endPiece(outline, plane);
+  }
+
+  void endPiece(std::int32_t outline, const OutlinePlane& plane) {
     pieces.offsets.push_back(static_cast<std::int32_t>(pieces.corners.size()));
     pieces.planes.push_back({plane.normal, plane.mean});
     pieces.sizes.push_back(plane.size);

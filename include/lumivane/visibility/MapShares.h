@@ -26,8 +26,8 @@ class LUMIVANE_VISIBILITY_EXPORT MapShares {
   struct Row {
     Label label;      ///< numbers that do not apply are 0
     ViewShare share;  ///< what is seen of it
-    /// Position in `VisibleMap::Names::classNames`; -1 for none, and for faces and objects of more
-    /// than one class.
+    /// Position in `VisibleMap::Names::classNames`; -1 for none, and for faces and objects whose
+    /// regions, seen or not, have more than one class.
     int classNumber = -1;
   };
   /// All that belongs to one class.
@@ -41,14 +41,17 @@ class LUMIVANE_VISIBILITY_EXPORT MapShares {
 
   const std::vector<Row>& objects() const {
     return theObjects;
-  }                                                           ///< All of the scene, in its order.
-  const std::vector<Row>& faces() const { return theFaces; }  ///< Seen ones, by object and face.
+  }  ///< All of the scene, in its order.
+  /// Seen ones, by object and face; face -1 stands for the object's regions of no face.
+  const std::vector<Row>& faces() const { return theFaces; }
   const std::vector<Row>& regions() const {
     return theRegions;
   }  ///< Seen ones, in the scene's order.
   const std::vector<ClassRow>& classes() const { return theClasses; }  ///< All, those of none last.
   const ViewShare& sky() const { return theSky; }                      ///< Where no region is seen.
-  const ViewShare& whole() const { return theWhole; }                  ///< All of the field.
+  const ViewShare& whole() const {
+    return theWhole;
+  }  ///< All of the field; the distances are those of all that is seen.
   /// For each object the part of it that is seen of what it would take if nothing stood in front of
   /// it, 0 to 1; 0 for one that would take nothing. Empty unless the map was asked for it.
   const std::vector<double>& visibleFractions() const { return theFractions; }

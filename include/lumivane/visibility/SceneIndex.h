@@ -32,8 +32,10 @@ class LUMIVANE_VISIBILITY_EXPORT Cancelled : public std::runtime_error {
 
 /// How an index is made.
 struct IndexOptions {
-  /// A region is flat if no corner is off its plane by more than this part of its size; others are
-  /// taken as triangles.
+  /// A region is flat if no corner is off its plane by more than this part of its size (the
+  /// greatest extent of its corners along an axis); others are taken as triangles. One whose
+  /// outline, seen along the plane's normal, crosses itself is taken as flat, since no triangles of
+  /// its corners cover what the even-odd rule fills.
   double flatness = 1e-4;
   /// Regions whose corners lie within this part of the larger one's size of each other's planes
   /// form a layer, in which the later region is seen.

@@ -28,12 +28,12 @@ struct LUMIVANE_VISIBILITY_EXPORT VisibleMap {
 
   /// One connected set of directions in which one region, or the sky, is seen.
   struct Cell {
-    Label label;              ///< 0, 0, 0 for the sky
-    double solidAngle = 0.0;  ///< steradian; the whole hemisphere is 2 pi
-    double viewFactor = 0.0;  ///< share of the hemisphere weighted by the cosine to forward; 0 for
-                              ///< a field that is a sphere
-    double minDistance = 0.0;   ///< from the eye, in scene units; 0 for the sky
-    double maxDistance = 0.0;   ///< from the eye, in scene units; 0 for the sky
+    Label label;               ///< 0, 0, 0 for the sky
+    double solidAngle = 0.0;   ///< steradian; the whole hemisphere is 2 pi
+    double viewFactor = 0.0;   ///< share of the hemisphere weighted by the cosine to forward; 0 for
+                               ///< a field that is a sphere
+    double minDistance = 0.0;  ///< from the eye, in scene units; 0 for the sky
+    double maxDistance = 0.0;  ///< from the eye, in scene units; 0 for the sky
     std::size_t firstRing = 0;  ///< position in `ringOffsets`; the first ring is the outer one
     std::size_t ringCount = 0;  ///< outer ring and holes; 0 if the cell is the whole sphere
   };
