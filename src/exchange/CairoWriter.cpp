@@ -3,6 +3,7 @@
 #include <lumivane/exchange/CairoWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <stdexcept>
@@ -20,6 +21,10 @@ using Region = VectorPicture::Region;
 using Surface = VectorPicture::Surface;
 
 constexpr double PointsPerPixel = 72.0 / 96.0;
+
+// In pixels. A wider line covers every picture as well, and cairo counts in whole numbers that end
+// at 8 million pixels.
+constexpr double WidestLine = 1e6;
 
 struct Release {
   void operator()(cairo_t* context) const { cairo_destroy(context); }
@@ -62,7 +67,7 @@ void draw(cairo_t* context, const Path& path) {
   }
   if (path.pen) {
     setColor(context, path.pen->color);
-    cairo_set_line_width(context, path.pen->width);
+    cairo_set_line_width(context, std::min(path.pen->width, WidestLine));
     cairo_set_line_cap(context, path.pen->roundEnds ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
     cairo_stroke(context);
   }

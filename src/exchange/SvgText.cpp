@@ -1,5 +1,6 @@
 #include "exchange/SvgText.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -49,8 +50,17 @@ SvgNumbers SvgNumbers::forHeight(int pictureHeight) {
   return SvgNumbers(decimals);
 }
 
-// By whole steps, so that no locale has a say and a number reads the same wherever it stands.
+// By whole steps, so that no locale has a say and a number reads the same wherever it stands. From
+// 2^53 steps on a double has no decimals to round, and soon no integer holds it: it stands with the
+// digits that read back to it.
 void SvgNumbers::append(std::string& target, double value) const {
+  constexpr double MostSteps = 9007199254740992.0;
+  if (!(std::abs(value * steps) < MostSteps)) {
+    char digits[32];
+    const double number = std::isfinite(value) ? value : 0.0;
+    target.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+    return;
+  }
   const long long scaled = std::llround(value * steps);
   if (scaled < 0) target += '-';
   const auto steps64 = static_cast<long long>(steps);

@@ -7,7 +7,8 @@
 namespace Lumivane::Exchange {
 
 /// Numbers of an SVG document: rounded to a count of decimals, no zeros at their end, a point
-/// whatever the locale.
+/// whatever the locale. Numbers too large to have decimals may have an exponent; what is not finite
+/// stands as 0.
 class SvgNumbers {
  public:
   explicit SvgNumbers(int decimalCount);

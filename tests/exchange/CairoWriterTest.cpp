@@ -144,6 +144,22 @@ TEST(CairoWriter, SizesThatAreNoneAreRefused) {
     EXPECT_THROW(CairoWriter::png(picture, scale), std::invalid_argument) << scale;
 }
 
+TEST(CairoWriter, APenOfAnyWidthCoversThePicture) {
+  std::string expected;
+  for (const double width : {1e5, 1e9, 1e15, 1e19, 1e300}) {
+    PiecesModel model;
+    model.addRectangle(1, 3, -0.5, -0.5, 0.5, 0.5);
+    for (Base::Pen* const pen : *model.shot->getPens()->getPens()) pen->setWidth(width);
+    const VectorPicture picture(*model.shot, onMagenta(100));
+    const std::string png = CairoWriter::png(picture);
+    if (expected.empty()) expected = png;
+    EXPECT_TRUE(expected == png) << width;
+    EXPECT_FALSE(CairoWriter::pdf(picture).empty());
+    EXPECT_FALSE(CairoWriter::eps(picture).empty());
+  }
+  EXPECT_NE(Magenta, Image(expected).at(1, 1));
+}
+
 TEST(CairoWriter, PdfHasOnePageOfThePicturesSize) {
   const FourPieces model;
   VectorOptions options;

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cmath>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -58,6 +60,25 @@ TEST(SvgNumbers, StepIsAtMostAMillionthOfHalfTheHeight) {
   EXPECT_EQ(".33333", SvgNumbers::forHeight(100).text(1.0 / 3));
   EXPECT_EQ(".333", SvgNumbers::forHeight(16384).text(1.0 / 3));
   EXPECT_EQ(".333333", SvgNumbers::forHeight(1).text(1.0 / 3));
+}
+
+TEST(SvgNumbers, OfAnySizeAreWellFormedAndReadBack) {
+  for (int decimals = 0; decimals <= 6; ++decimals) {
+    const SvgNumbers numbers(decimals);
+    for (double value = 1.0; std::isfinite(value); value *= 7.3) {
+      for (const double number : {value, -value}) {
+        const std::string text = numbers.text(number);
+        EXPECT_EQ(std::string::npos, text.find_first_not_of("-+.e0123456789")) << text;
+        EXPECT_EQ(number < 0 ? 0U : std::string::npos, text.find('-')) << text;
+        EXPECT_NEAR(number, std::stod(text), 0.5 * std::pow(10.0, -decimals) + value * 2e-16)
+            << text;
+      }
+    }
+    EXPECT_EQ("0", numbers.text(std::nan("")));
+    EXPECT_EQ("0", numbers.text(-std::numeric_limits<double>::infinity()));
+  }
+  EXPECT_EQ("1e+15", SvgNumbers(4).text(1e15));
+  EXPECT_EQ("1e+300", SvgNumbers(6).text(1e300));
 }
 
 TEST(SvgNumbersProperty, ReadBackWithinHalfAStep) {
@@ -186,6 +207,25 @@ TEST(SvgWriter, OverrideColorIsHonoured) {
   PiecesModel model;
   model.addRectangle(1, 1, 0, 0, 1, 1)->setOverrideColor(Base::Color(1, 2, 3, 255));
   EXPECT_EQ("#010203", attribute(Svg(*model.shot).regions().at(0), "fill"));
+}
+
+TEST(SvgWriter, APenOfAnyWidthMakesAWellFormedDocument) {
+  for (const double width : {1e14, 1e15, 1e19, 1e40, 1e300}) {
+    PiecesModel model;
+    model.addRectangle(1, 3, -0.5, -0.5, 0.5, 0.5);
+    for (Base::Pen* const pen : *model.shot->getPens()->getPens()) pen->setWidth(width);
+    const Svg svg(*model.shot);
+    ASSERT_TRUE(svg.result);
+    size_t count = 0;
+    for (const pugi::xml_node& path : svg.all("//path[@stroke-width]")) {
+      const std::string text = attribute(path, "stroke-width");
+      size_t length = 0;
+      EXPECT_EQ(width, std::stod(text, &length)) << text;
+      EXPECT_EQ(text.size(), length) << text;
+      ++count;
+    }
+    EXPECT_GT(count, 0U);
+  }
 }
 
 TEST(SvgWriter, AxesAreAGroupUnderTheShot) {
