@@ -1,5 +1,6 @@
 #include "visibility/LookPolygons.h"
 
+#include "kernel/Exact.h"
 #include "visibility/EyePlane.h"
 
 #include <algorithm>
@@ -52,6 +53,11 @@ int inFront(const LookPolygon& a, const LookPolygon& b, const CubeFace& f, doubl
   if (a.layer != b.layer) {
     const double difference = depthAt(a, f, x, y) - depthAt(b, f, x, y);
     if (std::fabs(difference) > depthError(a, b)) return difference > 0.0 ? 1 : -1;
+    const double depth = f.sign * Half;
+    const double planes[6] = {a.plane[f.u],  a.plane[f.v],  a.plane[f.axis],
+                              -b.plane[f.u], -b.plane[f.v], -b.plane[f.axis]};
+    const double point[6] = {x, y, depth, x, y, depth};
+    if (const int sign = Kernel::signOfSumOfProducts(planes, point, 6)) return sign;
   }
   if (a.region == b.region) return a.number < b.number ? -1 : static_cast<int>(a.number > b.number);
   return paintedAfter(a, b) ? 1 : -1;

@@ -313,7 +313,7 @@ void TileSweep::sweep() {
   old.order.clear();
   old.gaps.clear();
   sides = Sides{};
-  lowerArea = upperArea = -1;
+  lower = upper = OpenStretch{};
   for (size_t k = 0; k + 1 < stops.size(); ++k) {
     prepareSlab(stops[k], stops[k + 1]);
     stopAt(stops[k], k == 0, false);
@@ -456,20 +456,18 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
       if (!slab.gaps[i - 1].empty) return slab.gaps[i - 1].area;
     return -1;
   };
-  borderStretch(sides[Bottom], lowerArea, lowerSince, last ? -1 : firstArea(now), x, tile.y0);
-  borderStretch(sides[Top], upperArea, upperSince, last ? -1 : lastArea(now), x, tile.y1);
+  const std::vector<int>& heights = last ? oldMarks : newMarks;
+  borderStretch(sides[Bottom], lower, last ? -1 : firstArea(now), x, heights.front());
+  borderStretch(sides[Top], upper, last ? -1 : lastArea(now), x, heights.back());
 }
 
-void TileSweep::borderStretch(SideList& side, int& open, Coordinate& since, int area, Coordinate x,
-                              Coordinate y) {
-  if (area == open) return;
-  const bool lower = y == tile.y0;
-  int& vertex = lower ? lowerVertex : upperVertex;
-  const int here = parts.addVertex(tile.face, x, y);
-  if (open >= 0) parts.addStretch(side, since, x, vertex, here, open);
-  open = area;
-  since = x;
-  vertex = here;
+// Ends the open stretch of the lower or upper side where another area begins to lie along it. The
+// ends are those of the borders that meet the side there.
+void TileSweep::borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int mark) {
+  if (area == open.area) return;
+  const int here = vertexOf(mark, x);
+  if (open.area >= 0) parts.addStretch(side, open.since, x, open.vertex, here, open.area);
+  open = {area, x, here};
 }
 
 // The heights of all borders of changed gaps at a stop; what is nearly one becomes one.

@@ -117,6 +117,12 @@ class TileSweep {
     int vertex;  // -1 until asked for
     int joined;  // number of the point that it is part of
   };
+  // What lies along a side now, and since where.
+  struct OpenStretch {
+    int area = -1;
+    Coordinate since = 0;
+    int vertex = -1;
+  };
   struct PlanePair {
     std::int32_t a;
     std::int32_t b;
@@ -141,8 +147,7 @@ class TileSweep {
   void openWalls(Coordinate x, size_t from, size_t to);
   void openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to);
   void closeGap(const Gap& gap, const Word* mask, Coordinate to);
-  void borderStretch(SideList& side, int& open, Coordinate& since, int area, Coordinate x,
-                     Coordinate y);
+  void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int mark);
   std::int32_t seenAt(const Word* mask, double x, double y) const;
   bool isInFront(const Slot& s, const Slot& t, double x, double y) const;
   std::int32_t regionOf(std::int32_t slot) const {
@@ -184,12 +189,8 @@ class TileSweep {
   std::vector<int> oldMarks;  // of the borders of the changed gaps, from below
   std::vector<int> newMarks;
   Sides sides;
-  int lowerArea = -1;  // the area that lies along the lower side now
-  int upperArea = -1;
-  Coordinate lowerSince = 0;
-  Coordinate upperSince = 0;
-  int lowerVertex = -1;
-  int upperVertex = -1;
+  OpenStretch lower;  // along the lower side
+  OpenStretch upper;
   bool planesCross = false;
 };
 
