@@ -24,6 +24,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <optional>
 #include <set>
 #include <thread>
@@ -438,6 +439,8 @@ class Batch {
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(setting.folder) / file).string(), file));
       return journalText(row);
+    } catch (const std::bad_alloc&) {
+      return journalText(failure(view, NotEnoughMemory));
     } catch (const std::exception& error) {
       return journalText(failure(view, oneLine(withoutFolder(error.what()))));
     }

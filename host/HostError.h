@@ -16,4 +16,7 @@ class ArgumentError : public HostError {
 
 using Session::oneLine;
 
+/// What is said when memory ends, which no exception has words for.
+inline constexpr const char* NotEnoughMemory = "there is not enough memory";
+
 }  // namespace Lumivane::Host

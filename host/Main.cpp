@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
   try {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});
   } catch (const std::bad_alloc&) {
-    return fail(Failed, "there is not enough memory");
+    return fail(Failed, NotEnoughMemory);
   } catch (const ArgumentError& error) {
     return fail(WrongArguments, error.what());
   } catch (const std::exception& error) {

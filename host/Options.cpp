@@ -7,9 +7,12 @@
 #endif
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -18,6 +21,7 @@ namespace Lumivane::Host {
 namespace {
 
 constexpr int LargestPicture = 16384;  // what OpenGL draws at most
+constexpr int ManySegments = 100000;   // more pieces an edge than any picture shows
 
 // The whole text as a number, which may be infinite or not a number.
 bool readNumber(const std::string& text, double& number) {
@@ -97,6 +101,56 @@ void addViewOptions(CLI::App& command, ViewSettings& view) {
                                     {{"filled", Base::ViewDisplayStyle::Filled},
                                      {"outline", Base::ViewDisplayStyle::Outline},
                                      {"half", Base::ViewDisplayStyle::HalfTransparent}});
+}
+
+// A number of bytes: digits, and then nothing or one of K, M, G, T, which may have "B" or "iB".
+std::int64_t readBytes(const std::string& option, const std::string& text) {
+  const std::string units = "KMGT";
+  std::int64_t number = 0;
+  const char* const last = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), last, number);
+  const std::string unit(read.ptr, last);
+  const size_t power = unit.empty() ? 0 : units.find(unit[0]) + 1;
+  const std::string more = unit.empty() ? "" : unit.substr(1);
+  const bool isUnit = unit.empty() || (power > 0 && (more.empty() || more == "B" || more == "iB"));
+  const auto shift = static_cast<unsigned>(10 * power);
+  if (read.ec != std::errc() || number < 0 || !isUnit ||
+      number > (std::numeric_limits<std::int64_t>::max() >> shift))
+    throw CLI::ValidationError(option + ": \"" + text +
+                               "\" is not a size such as 500M, 2G or 0 for any");
+  return number << shift;
+}
+
+// The limits of a shot. Very many pieces an edge must be asked for together with a limit: by
+// mistake they would run for minutes before they come to the usual one.
+void addLimits(CLI::App& command, ViewSettings& view) {
+  const auto isCount = [](const std::string& text) -> std::string {
+    if (!text.empty() && text.find_first_not_of("0123456789") == std::string::npos) return "";
+    return "\"" + text + "\" is not a whole number of at least 0";
+  };
+  const CLI::Option* const points =
+      command
+          .add_option("--limit-points", view.limitPoints,
+                      "most point references of a shot; any number if 0")
+          ->check(isCount, "")
+          ->type_name("N")
+          ->capture_default_str();
+  command
+      .add_option_function<std::string>(
+          "--limit-memory",
+          [&view](const std::string& text) {
+            view.limitMemory = readBytes("--limit-memory", text);
+          },
+          "most memory of a shot beside its scene, as 500M or 4G; any if 0")
+      ->type_name("SIZE")
+      ->default_str("2G");
+  command.callback([points, &view] {
+    if (view.segments > ManySegments && points->count() == 0)
+      throw CLI::ValidationError("--segments: " + std::to_string(view.segments) + " is above " +
+                                 std::to_string(ManySegments) +
+                                 ": say with --limit-points N how many point references the shot "
+                                 "may have");
+  });
 }
 
 void readSize(const std::string& text, int& width, int& height) {
@@ -187,6 +241,7 @@ Vector readVector(const std::string& option, const std::string& text) {
 void setShotOptions(CLI::App& command, ShotOptions& options) {
   addScene(command, options.scene, options.import);
   addViewOptions(command, options.view);
+  addLimits(command, options.view);
   command.add_option("-o,--output", options.shot, "shot file to write (JSON)")->type_name("FILE");
   command.add_option("--png", options.png, "PNG to write, as show draws it; needs a display")
       ->type_name("FILE");
@@ -212,10 +267,12 @@ void setShowOptions(CLI::App& command, ShowOptions& options) {
   command.add_option("SHOT", options.shot, "shot file (JSON); without it the shot is made first")
       ->type_name("");
   addViewOptions(command, options.view);
+  addLimits(command, options.view);
 }
 
 void setBatchOptions(CLI::App& command, BatchOptions& options) {
   setShotOptions(command, options.shot);
+  command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")

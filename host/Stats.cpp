@@ -4,43 +4,18 @@
 
 #include <lumivane/geometry/Faces2d.h>
 #include <lumivane/geometry/Points2d.h>
-#include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/jzon/Node.h>
-#include <lumivane/scene/Object.h>
-#include <lumivane/scene/Objects.h>
-#include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 #include <lumivane/utils/StageTimes.h>
 
-#include <set>
-
 #include <sys/resource.h>
 
 namespace Lumivane::Host {
 namespace {
-
-// The faces that the depth sort was given: those with a polygon in the picture.
-size_t sortedFaces(Scene::Object& object) {
-  const auto* const projected = object.getRegionsProjectedPolygons();
-  if (projected == nullptr || object.getRegions() == nullptr) return 0;
-  std::set<int> faces;
-  for (size_t i = 0; i < projected->size(); ++i)
-    for (const auto& polygon : (*projected)[i])
-      if (!polygon.empty())
-        faces.insert(object.getRegions()->getRegion(static_cast<int>(i))->getFaceNumber());
-  return faces.size();
-}
-
-size_t sortedFaces(Scene::Scene3D& scene) {
-  size_t count = 0;
-  for (Scene::Object* const object : *scene.getObjects()->getObjects())
-    if (object != nullptr) count += sortedFaces(*object);
-  return count;
-}
 
 size_t peakMemoryBytes() {
   struct rusage usage = {};
@@ -83,9 +58,7 @@ size_t drawnFaces(Shot::Shot2d& shot) {
   return count;
 }
 
-size_t hiddenFaces(const Session::TakenShot& taken) {
-  return sortedFaces(taken.scene()) - drawnFaces(taken.shot());
-}
+size_t hiddenFaces(const Session::TakenShot& taken) { return taken.hiddenFaces(); }
 
 std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
                       const Jzon::Node& import) {

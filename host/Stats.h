@@ -41,12 +41,11 @@ class Timer {
 };
 
 /// Faces left in the shot, and those that lay in the picture wholly behind others and were taken
-/// out. To be asked before the next shot of the scene is taken.
+/// out.
 size_t drawnFaces(Shot::Shot2d& shot);
 size_t hiddenFaces(const Session::TakenShot& taken);
 
 /// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
-/// To be asked before the next shot of the scene is taken.
 ///
 /// \param import  what became of an imported file; left out if it is invalid
 std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,

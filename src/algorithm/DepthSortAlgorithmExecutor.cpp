@@ -6,6 +6,7 @@
 
 #include "algorithm/ClassificationMatrix.h"
 #include "algorithm/SceneAccess.h"
+#include "algorithm/ShotBudget.h"
 #include "algorithm/SortObjects.h"
 #include "algorithm/SortShapes.h"
 #include "utils/Shapes.h"
@@ -215,6 +216,7 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
       if (objectDataList->back() == nullptr) objectDataList->pop_back();
     }
   }
+  sortedFaces() = objectDataList->size();
   classificationMatrix->addRows(objectDataList->size());
 }
 

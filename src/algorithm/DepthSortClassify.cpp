@@ -6,6 +6,7 @@
 // the whole row, and all others are apart. Nothing is allocated for a pair.
 
 #include "algorithm/ClassificationMatrix.h"
+#include "algorithm/ShotBudget.h"
 #include "algorithm/SortShapes.h"
 #include "kernel/BoxTree.h"
 #include "utils/Reports.h"
@@ -17,6 +18,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace Lumivane::Algorithm {
@@ -69,6 +72,17 @@ class Classifier {
   std::vector<std::uint32_t> candidates;
 };
 
+// The pairs that meet are counted while they are found: how many there are is not known before.
+void checkRelations(std::size_t count, const ObjectData& face) {
+  const std::int64_t limit = shotLimits().memory;
+  const std::int64_t most = limit / ShotBudget::BytesPerRelation;
+  if (limit <= 0 || static_cast<std::int64_t>(count) <= most) return;
+  throw std::length_error(
+      "Scene::Object \"" + face.getSourceObject() + "\": more than " + std::to_string(most) +
+      " pairs of its faces and those before them lie over each other, and " +
+      memoryLimitText(limit) + " has no room for more: raise it, or take apart what overlaps");
+}
+
 }  // namespace
 
 void DepthSortAlgorithmExecutor::classifyObjectsByBoundingBoxes() {
@@ -80,6 +94,7 @@ void DepthSortAlgorithmExecutor::classifyObjectsByBoundingBoxes() {
     progress->setProgress(static_cast<double>(i) * (ProgressRange / static_cast<double>(count)) +
                           ProgressStart);
     classifier.classifyRow(i, *classificationMatrix);
+    checkRelations(classificationMatrix->entryCount(), *(*objectDataList)[i]);
   }
 }
 

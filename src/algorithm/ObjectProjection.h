@@ -1,11 +1,14 @@
 #pragma once
 
 #include "algorithm/RegionProjector.h"
+#include "algorithm/ShotBudget.h"
 #include "kernel/Vec.h"
 
 #include <lumivane/algorithm/ProjectionType.h>
 #include <lumivane/algorithm/ShotCreator.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -27,19 +30,47 @@ struct ProjectionSetting {
   double precision;
 };
 
+/// How the regions of an object came onto the plane, so that they can be carried there once more.
+/// That takes little memory; the points themselves are the largest part of a shot.
+struct PlaneRecipe {
+  struct Region {
+    std::int64_t pieceCount = 0;  ///< of each edge of all its polygons
+    std::vector<Kernel::DockingSegment> segments;
+  };
+
+  RegionFrame frame;  ///< of all regions, without docking edges
+  std::vector<Region> regions;
+
+  /// The same regions to the bit. \param visible  the polygons that they were made of
+  PlaneRegions carriedOut(const std::vector<PlainPolygons>& visible) const;
+};
+
+/// The regions of an object on the plane, and how they came there.
+struct ObjectProjection {
+  PlaneRegions plane;
+  PlaneRecipe recipe;
+};
+
 /// Projects the visible polygons of an object, and settles how finely each region is split.
 /// Polygons of an object without a list of regions have no docking edges.
 ///
-/// \throws as ShotCreator::projectPoints
-PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
-                            const ProjectionSetting& setting);
+/// \param budget  what the points of the regions are taken from
+/// \throws as ShotCreator::projectPoints and, if the budget has too little, std::length_error that
+///         names object, region and limit
+ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
+                                const ProjectionSetting& setting, ShotBudget& budget);
 
 /// The same as the lists of pointers that an object hands out; all owned by the caller.
 ShotCreator::RegionProjections* edgeStartPoints(const PlaneRegions& regions);
 
-/// What the first pass leaves for the second.
+/// What the first pass leaves for the second, which frees each object's part when it has used it.
 struct ShotCreator::Projections {
-  std::unordered_map<const Scene::Object*, std::shared_ptr<const PlaneRegions>> of;
+  struct Part {
+    PlaneRegions plane;
+    std::size_t uses = 0;  ///< how often the object is listed
+  };
+  using Parts = std::unordered_map<const Scene::Object*, Part>;
+  std::unique_ptr<Parts> of = std::make_unique<Parts>();
 };
 
 }  // namespace Lumivane::Algorithm

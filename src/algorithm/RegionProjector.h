@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -20,23 +21,15 @@
 /// The polygons of one region, split and carried onto the plane.
 namespace Lumivane::Algorithm {
 
-/// A point of a projected polygon, and whether the edge that starts there is drawn.
-struct PlanePoint {
-  Kernel::Vec2 at;
-  bool hasEdge = true;
-};
-using PlanePolygon = std::vector<PlanePoint>;
+/// A projected polygon: its points, and the numbers, from 1, of those whose edge is not drawn. A
+/// shot may hold tens of millions of such points, so nothing else is kept of one.
+struct PlanePolygon {
+  std::vector<Kernel::Vec2> points;
+  std::vector<int> edgeless;
 
-/// The outlines of polygons on the plane, without their edge flags.
-inline std::vector<std::vector<Kernel::Vec2>> planeOutlines(
-    const std::vector<PlanePolygon>& polygons) {
-  std::vector<std::vector<Kernel::Vec2>> result(polygons.size());
-  for (std::size_t i = 0; i < polygons.size(); ++i) {
-    result[i].reserve(polygons[i].size());
-    for (const PlanePoint& point : polygons[i]) result[i].push_back(point.at);
-  }
-  return result;
-}
+  std::size_t size() const { return points.size(); }
+  bool empty() const { return points.empty(); }
+};
 
 /// The way onto the plane that a type acts as; nothing for a type that projects nothing. The values
 /// 2 and 3 act as 0 and 1.
@@ -99,6 +92,17 @@ class RegionProjector {
     std::vector<std::int64_t> pieceCounts;
   };
 
+  /// How many points the polygons of a region may take, and how many they would need.
+  struct TooManyPoints {
+    std::int64_t needed;
+    std::int64_t pieceCount;
+  };
+
+  /// Points that fall together count once, and how many do is not known before. Up to this many
+  /// times the points allowed are looked at to find out.
+  static constexpr std::int64_t AlikeFactor = 2;
+  static constexpr std::int64_t AnyPoints = std::numeric_limits<std::int64_t>::max();
+
   RegionProjector() = default;
   explicit RegionProjector(RegionFrame frame) : region(std::move(frame)) {}
 
@@ -108,26 +112,26 @@ class RegionProjector {
     segments.reset();
   }
 
+  /// Goes back to a region whose docking segments are known.
+  void setRegion(RegionFrame frame, std::vector<Kernel::DockingSegment> known) {
+    region = std::move(frame);
+    segments = std::move(known);
+  }
+
+  /// The docking segments of the region, as far as they were needed, which leave the projector.
+  std::vector<Kernel::DockingSegment> takeSegments() {
+    std::vector<Kernel::DockingSegment> result;
+    if (segments) result.swap(*segments);
+    segments.reset();
+    return result;
+  }
+
   /// One polygon at one piece count.
   ///
   /// \throws std::out_of_range "invalid vector subscript" for wrong docking numbers and, after
   ///         messages, for a singular frame
   PlanePolygon project(const std::vector<Kernel::Vec3>& polygon, std::int64_t pieceCount) {
-    Kernel::splitPolygon(polygon, pieceCount, split);
-    // Made at the first call and not before: without a polygon, wrong numbers harm nobody.
-    if (!segments) segments = dockingSegments(region.dockingEdges, region.regionPoints);
-
-    PlanePolygon result;
-    result.reserve(split.size());
-    for (const Kernel::Vec3& point : split) {
-      const bool hasEdge = Kernel::isDrawnFrom(point, *segments, region.precision);
-      const Kernel::Vec2 at =
-          planePoint(Utils::reportedTransformedBack(point - region.eye, region.frame));
-      // The first of the points that are one stays. The first and the last are not compared.
-      if (!result.empty() && region.precision > Kernel::distance(result.back().at, at)) continue;
-      result.push_back({at, hasEdge});
-    }
-    return result;
+    return *projectWithin(polygon, pieceCount, std::numeric_limits<double>::infinity());
   }
 
   /// All polygons, each with its edges split until no piece is longer than the limit, and then all
@@ -135,57 +139,117 @@ class RegionProjector {
   ///
   /// \param firstCount  pieces per edge of the first trial
   /// \param maxLength   limit on the plane, twice that for the square; counts above 0 and up to 1
+  /// \param mostPoints  how many points all polygons together may be split into
   /// \return nothing if doubling the count would have no end
+  /// \throws TooManyPoints before a trial that would split the edges into more than AlikeFactor
+  ///         times as many points, and when more than allowed are left of those that are alike
   std::optional<Result> settle(const std::vector<std::vector<Kernel::Vec3>>& polygons,
-                               std::int64_t firstCount, double maxLength) {
+                               std::int64_t firstCount, double maxLength,
+                               std::int64_t mostPoints = AnyPoints) {
+    Trials all{maxLength, mostPoints, cornersOf(polygons), 0};
     Result result;
     for (const std::vector<Kernel::Vec3>& polygon : polygons) {
       std::int64_t pieceCount = firstCount;
-      std::optional<PlanePolygon> projected = trials(polygon, pieceCount, maxLength);
+      std::optional<PlanePolygon> projected = trials(polygon, pieceCount, all);
       if (!projected) return std::nullopt;
       result.polygons.push_back(std::move(*projected));
       result.pieceCounts.push_back(pieceCount);
     }
-    equalise(polygons, result);
+    equalise(polygons, result, all);
     return result;
   }
 
  private:
+  // What the trials of a region's polygons share.
+  struct Trials {
+    double maxLength;
+    std::int64_t mostPoints;
+    std::int64_t corners;      // of all polygons that are split
+    std::int64_t finestCount;  // of the trials so far, to which all polygons come in the end
+
+    void check(std::int64_t pieceCount) {
+      finestCount = std::max(finestCount, pieceCount);
+      if (corners > 0 && finestCount / AlikeFactor > mostPoints / corners)
+        throw TooManyPoints{corners * finestCount, finestCount};
+    }
+
+    void checkActual(const std::vector<PlanePolygon>& polygons) const {
+      if (corners == 0 || finestCount <= mostPoints / corners) return;  // cannot be too many
+      std::int64_t count = 0;
+      for (const PlanePolygon& polygon : polygons)
+        count += static_cast<std::int64_t>(polygon.size());
+      if (count > mostPoints) throw TooManyPoints{corners * finestCount, finestCount};
+    }
+  };
+
   Kernel::Vec2 planePoint(Kernel::Vec3 camera) const {
     return region.type == ProjectionType::Radial ? Kernel::planePointRadial(camera)
                                                  : Kernel::planePointSquare(camera);
   }
 
+  static std::int64_t cornersOf(const std::vector<std::vector<Kernel::Vec3>>& polygons) {
+    std::int64_t corners = 0;
+    for (const std::vector<Kernel::Vec3>& polygon : polygons)
+      if (Kernel::isSplit(polygon)) corners += static_cast<std::int64_t>(polygon.size());
+    return corners;
+  }
+
+  // Nothing if a piece is longer than `longest`: then the rest is not looked at.
+  std::optional<PlanePolygon> projectWithin(const std::vector<Kernel::Vec3>& polygon,
+                                            std::int64_t pieceCount, double longest) {
+    Kernel::splitPolygon(polygon, pieceCount, split);
+    // Made at the first call and not before: without a polygon, wrong numbers harm nobody.
+    if (!segments) segments = dockingSegments(region.dockingEdges, region.regionPoints);
+
+    PlanePolygon result;
+    result.points.reserve(split.size());
+    for (const Kernel::Vec3& point : split) {
+      const bool hasEdge = Kernel::isDrawnFrom(point, *segments, region.precision);
+      const Kernel::Vec2 at =
+          planePoint(Utils::reportedTransformedBack(point - region.eye, region.frame));
+      if (!result.empty()) {
+        const double length = Kernel::distance(result.points.back(), at);
+        // The first of the points that are one stays. The first and the last are not compared.
+        if (region.precision > length) continue;
+        if (length > longest) return std::nullopt;
+      }
+      result.points.push_back(at);
+      if (!hasEdge) result.edgeless.push_back(static_cast<int>(result.size()));
+    }
+    if (!result.empty() && Kernel::distance(result.points.back(), result.points.front()) > longest)
+      return std::nullopt;
+    return result;
+  }
+
   std::optional<PlanePolygon> trials(const std::vector<Kernel::Vec3>& polygon,
-                                     std::int64_t& pieceCount, double maxLength) {
-    const bool isLimited = maxLength > 0.0 && 1.0 >= maxLength;
+                                     std::int64_t& pieceCount, Trials& all) {
+    constexpr double any = std::numeric_limits<double>::infinity();
+    const bool isLimited = all.maxLength > 0.0 && 1.0 >= all.maxLength;
     const bool isSquare = region.type == ProjectionType::Square;
-    const double limit = isSquare ? maxLength * 2.0 : maxLength;
+    const double limit = isSquare ? all.maxLength * 2.0 : all.maxLength;
     for (;;) {
-      PlanePolygon projected = project(polygon, pieceCount);
-      if (projected.empty() || !isLimited || !hasLongerPiece(projected, limit)) return projected;
-      if (isSquare && pieceCount > EnoughSquarePieces) return projected;
+      all.check(pieceCount);
+      const bool isLast = !isLimited || (isSquare && pieceCount > EnoughSquarePieces);
+      std::optional<PlanePolygon> projected =
+          projectWithin(polygon, pieceCount, isLast ? any : limit);
+      if (projected) return projected;
       if (pieceCount <= 0 || pieceCount * 2 > MostPieces) return std::nullopt;
       pieceCount *= 2;
     }
   }
 
-  static bool hasLongerPiece(const PlanePolygon& polygon, double limit) {
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-      const std::size_t next = i + 1 == polygon.size() ? 0 : i + 1;
-      if (Kernel::distance(polygon[i].at, polygon[next].at) > limit) return true;
-    }
-    return false;
-  }
-
-  void equalise(const std::vector<std::vector<Kernel::Vec3>>& polygons, Result& result) {
+  void equalise(const std::vector<std::vector<Kernel::Vec3>>& polygons, Result& result,
+                const Trials& all) {
     if (result.pieceCounts.empty()) return;
+    all.checkActual(result.polygons);
     const std::int64_t most =
         *std::max_element(result.pieceCounts.begin(), result.pieceCounts.end());
     for (std::size_t j = 0; j < polygons.size(); ++j) {
       if (result.pieceCounts[j] == most) continue;
+      result.polygons[j] = PlanePolygon();
       result.polygons[j] = project(polygons[j], most);
       result.pieceCounts[j] = most;
+      all.checkActual(result.polygons);
     }
   }
 

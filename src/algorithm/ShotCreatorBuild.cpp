@@ -95,6 +95,14 @@ void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::si
   }
 }
 
+std::vector<Kernel::ClosedOutline> closedOutlines(const std::vector<PlanePolygon>& polygons) {
+  std::vector<Kernel::ClosedOutline> outlines;
+  outlines.reserve(polygons.size());
+  for (const PlanePolygon& polygon : polygons)
+    outlines.push_back(Kernel::closedOutline(polygon.points));
+  return outlines;
+}
+
 // Makes the regions of a shot, object by object, merging their points into one list.
 class ShotBuilder {
  public:
@@ -104,14 +112,20 @@ class ShotBuilder {
         propertyNum(colourProperty),
         dockingPrecision(edgePrecision) {}
 
-  void build(Scene::Object& object, int objectNumber, const PlaneRegions* projected) {
+  // Frees each projected region when it has become regions of the shot for the last time.
+  void build(Scene::Object& object, int objectNumber, PlaneRegions* projected, bool isLastUse) {
     Faces2d& faces2d = addObject(shot, object);
     for (std::size_t f = 0; f < faceCount(object); ++f) faces2d.addFace(new Face2d());
 
     if (projected != nullptr) {
       for (std::size_t r = 0; r < projected->size(); ++r) {
         if ((*projected)[r].empty()) continue;
-        buildRegions(object, objectNumber, static_cast<int>(r), (*projected)[r], faces2d);
+        std::vector<PlanePolygon> polygons;
+        if (isLastUse)
+          polygons.swap((*projected)[r]);
+        else
+          polygons = (*projected)[r];
+        buildRegions(object, objectNumber, static_cast<int>(r), polygons, faces2d);
       }
     }
     removeEmptyFaces(faces2d);
@@ -123,11 +137,11 @@ class ShotBuilder {
   }
 
   void buildRegions(Scene::Object& object, int objectNumber, int regionIndex,
-                    const std::vector<PlanePolygon>& polygons, Faces2d& faces2d) {
-    std::vector<std::vector<int>> docking(polygons.size());
+                    std::vector<PlanePolygon>& polygons, Faces2d& faces2d) {
+    Kernel::DockingNumbers docking(polygons.size());
     if (polygons.size() > 1) {
       const Utils::StageScope stage(Utils::Stage::Docking);
-      docking = Kernel::dockingEdges(planeOutlines(polygons), dockingPrecision);
+      docking = Kernel::dockingEdges(closedOutlines(polygons), dockingPrecision);
     }
     const Geometry::Region& region = *object.getRegions()->getRegion(regionIndex);
     const int facePosition = positionOfNumber(region.getFaceNumber());
@@ -143,6 +157,8 @@ class ShotBuilder {
       region2d->setSourceRegionNumber(regionIndex + 1);
       if (colour) region2d->setOverrideColor(*colour);
       fillPoints(*region2d, polygons[p], docking[p]);
+      polygons[p] = PlanePolygon();
+      docking[p] = std::vector<int>();
       if (region.getFaceNumber() < 0) {
         // Unreachable as long as the face is looked up above.
         Cmd::logMessage("Scene::Object \"%s\" has region \"%d\" with undefined face number\n",
@@ -170,13 +186,11 @@ class ShotBuilder {
                   const std::vector<int>& docking) {
     std::vector<int>& indices = *region2d.getPoints();
     indices.reserve(polygon.size());
-    std::vector<int> edgeless;
-    for (const PlanePoint& point : polygon) {
-      indices.push_back(pointNumber(point.at));
-      if (!point.hasEdge) edgeless.push_back(static_cast<int>(indices.size()));
-    }
-    appendOnce(*region2d.getDockingEdges(), docking, polygon.size());
-    appendOnce(*region2d.getDockingEdges(), edgeless, polygon.size());
+    for (const Kernel::Vec2 point : polygon.points) indices.push_back(pointNumber(point));
+    edges.clear();
+    appendOnce(edges, docking, polygon.size());
+    appendOnce(edges, polygon.edgeless, polygon.size());
+    region2d.getDockingEdges()->assign(edges.begin(), edges.end());
   }
 
   // The number of the first point of the shot that agrees, or of a new one.
@@ -201,6 +215,7 @@ class ShotBuilder {
 
   Shot::Shot2d& shot;
   Kernel::PointPool pool;
+  std::vector<int> edges;  // of the polygon at hand; kept for its memory
   int propertyNum;
   double dockingPrecision;
 };
@@ -226,9 +241,10 @@ Shot::Shot2d* ShotCreator::buildShot(const Projections& projections) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step + 15.0);
     Scene::Object& object = *(*objects->getObjects())[i];
     // An object without regions is not projected: what an earlier shot has left says nothing.
-    const auto projected = projections.of.find(&object);
-    builder.build(object, static_cast<int>(i) + 1,
-                  projected == projections.of.end() ? nullptr : projected->second.get());
+    const auto projected = projections.of->find(&object);
+    const bool isProjected = projected != projections.of->end();
+    builder.build(object, static_cast<int>(i) + 1, isProjected ? &projected->second.plane : nullptr,
+                  isProjected && --projected->second.uses == 0);
   }
 
   DepthSortAlgorithmExecutor depthSort;

@@ -20,6 +20,7 @@
 
 #include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/View.h>
+#include <lumivane/geometry/Point2d.h>
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
@@ -105,7 +106,7 @@ class FirstPass {
   FirstPass(const ProjectionSetting& projection, double shiftReach, double shiftTilt)
       : setting(projection), reach(shiftReach), tilt(shiftTilt) {}
 
-  std::shared_ptr<const PlaneRegions> project(Scene::Object& object) {
+  PlaneRegions project(Scene::Object& object) {
     const Utils::StageScope stage(Utils::Stage::PolygonData);
     const auto shapes =
         std::make_shared<const RegionShapes>(regionShapes(*object.getRegions(), setting.points));
@@ -115,10 +116,11 @@ class FirstPass {
     DeferredAccess::setRegionsVisiblePolygons(object,
                                               [visible] { return regionPolygonsOf(*visible); });
 
-    auto plane = std::make_shared<const PlaneRegions>(projectRegions(object, *visible, setting));
-    DeferredAccess::setRegionsProjectedPolygons(object,
-                                                [plane] { return edgeStartPoints(*plane); });
-    return plane;
+    ObjectProjection projection = projectRegions(object, *visible, setting, budget);
+    auto recipe = std::make_shared<const PlaneRecipe>(std::move(projection.recipe));
+    DeferredAccess::setRegionsProjectedPolygons(
+        object, [visible, recipe] { return edgeStartPoints(recipe->carriedOut(*visible)); });
+    return std::move(projection.plane);
   }
 
   // An object without a list of regions may hold polygon data all the same, from its host or from a
@@ -138,7 +140,8 @@ class FirstPass {
       visible.push_back(analysed(object, k, normalCellsOf((*clipped)[k]), eye, forward));
     object.setRegionsClippedPolyData(clipped.release());
     object.setRegionsVisiblePolygons(regionPolygonsOf(visible));
-    object.setRegionsProjectedPolygons(edgeStartPoints(projectRegions(object, visible, setting)));
+    object.setRegionsProjectedPolygons(
+        edgeStartPoints(projectRegions(object, visible, setting, budget).plane));
   }
 
  private:
@@ -185,6 +188,7 @@ class FirstPass {
   double reach;
   double tilt;
   PolygonClipper clipper;
+  ShotBudget budget{shotLimits(), Geometry::Point2d::Precision};
 };
 
 }  // namespace
@@ -198,10 +202,13 @@ ShotCreator::Projections ShotCreator::projectObjects(ProjectionType type) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step);
     if (cameraObject != nullptr) break;
     checkCameraOnPolygonAndShift(nullptr);  // it looks at nothing, so no list is made for it
-    if (list[i]->getRegions() == nullptr)
+    if (list[i]->getRegions() == nullptr) {
       pass.projectHeld(*list[i]);
-    else
-      projections.of[list[i]] = pass.project(*list[i]);
+      continue;
+    }
+    Projections::Part& part = (*projections.of)[list[i]];
+    part.plane = pass.project(*list[i]);
+    ++part.uses;
   }
   return projections;
 }

@@ -45,10 +45,10 @@ constexpr std::int64_t CameraRegionFactor = 300;
 ShotCreator::ProjectedPolygon edgeStartPoints(const PlanePolygon& polygon) {
   ShotCreator::ProjectedPolygon result;
   result.reserve(polygon.size());
-  for (const PlanePoint& point : polygon) {
-    result.push_back(new EdgeStartPoint2d(point.at.x, point.at.y));
-    result.back()->setHasEdge(point.hasEdge);
-  }
+  for (const Kernel::Vec2 point : polygon.points)
+    result.push_back(new EdgeStartPoint2d(point.x, point.y));
+  for (const int number : polygon.edgeless)
+    result[static_cast<std::size_t>(number) - 1]->setHasEdge(false);
   return result;
 }
 
@@ -92,6 +92,22 @@ ShotCreator::ProjectedPolygon projectedAlone(RegionFrame region,
   throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
                           std::to_string(regionIndex + 1) +
                           ": no splitting brings its pieces below the length limit");
+}
+
+[[noreturn]] void throwTooManyPoints(const Scene::Object& object, std::size_t regionIndex,
+                                     const RegionProjector::TooManyPoints& tooMany,
+                                     const ShotBudget& budget) {
+  throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
+                          std::to_string(regionIndex + 1) + ": its edges of " +
+                          std::to_string(tooMany.pieceCount) + " pieces each need " +
+                          std::to_string(tooMany.needed) + " point references, and " +
+                          budget.limitText() + ": raise it or the maximum length, or move the eye");
+}
+
+std::int64_t pointCount(const std::vector<PlanePolygon>& polygons) {
+  std::size_t count = 0;
+  for (const PlanePolygon& polygon : polygons) count += polygon.size();
+  return static_cast<std::int64_t>(count);
 }
 
 }  // namespace
@@ -150,11 +166,13 @@ ShotCreator::RegionProjections* edgeStartPoints(const PlaneRegions& regions) {
   return result;
 }
 
-PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
-                            const ProjectionSetting& setting) {
+ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
+                                const ProjectionSetting& setting, ShotBudget& budget) {
   const Utils::StageScope stage(Utils::Stage::Projection);
   const std::optional<ProjectionType> acting = actingType(setting.type);
-  PlaneRegions projected(visible.size());
+  ObjectProjection projected;
+  projected.plane.resize(visible.size());
+  projected.recipe.regions.resize(visible.size());
   RegionProjector projector;
   for (std::size_t r = 0; r < visible.size(); ++r) {
     const int index = static_cast<int>(r);
@@ -166,15 +184,35 @@ PlaneRegions projectRegions(Scene::Object& object, const std::vector<PlainPolygo
     if (!acting) continue;
 
     const std::vector<int>* docking = region == nullptr ? nullptr : region->getDockingEdges();
+    projected.recipe.frame = {*acting, eyeOf(*setting.view), frame, nullptr, {}, setting.precision};
     projector.setRegion({*acting, eyeOf(*setting.view), frame, docking, std::move(regionPoints),
                          setting.precision});
     std::int64_t firstCount = Cmd::CmdManager::minSegmentsNumber;
     if (index == object.getCameraInRegionIndex()) firstCount *= CameraRegionFactor;
-    auto result = projector.settle(visible[r], firstCount, Cmd::CmdManager::maxSegmentsLength);
-    if (!result) throwEndlessSplitting(object, r);
-    projected[r] = std::move(result->polygons);
+    try {
+      auto result = projector.settle(visible[r], firstCount, Cmd::CmdManager::maxSegmentsLength,
+                                     budget.left());
+      if (!result) throwEndlessSplitting(object, r);
+      budget.take(pointCount(result->polygons));
+      projected.plane[r] = std::move(result->polygons);
+      projected.recipe.regions[r] = {result->pieceCounts.empty() ? 0 : result->pieceCounts.front(),
+                                     projector.takeSegments()};
+    } catch (const RegionProjector::TooManyPoints& tooMany) {
+      throwTooManyPoints(object, r, tooMany, budget);
+    }
   }
   return projected;
+}
+
+PlaneRegions PlaneRecipe::carriedOut(const std::vector<PlainPolygons>& visible) const {
+  PlaneRegions plane(visible.size());
+  RegionProjector projector;
+  for (std::size_t r = 0; r < visible.size(); ++r) {
+    projector.setRegion(frame, regions[r].segments);
+    for (const std::vector<Vec3>& polygon : visible[r])
+      plane[r].push_back(projector.project(polygon, regions[r].pieceCount));
+  }
+  return plane;
 }
 
 ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
@@ -184,7 +222,9 @@ ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object
   if (polygons != nullptr)
     for (const std::vector<Polygon>& region : *polygons) plain.push_back(plainPolygons(region));
   if (object->getRegions() == nullptr && !plain.empty()) Base::throwBadIndex(0);
-  return edgeStartPoints(projectRegions(*object, plain, {type, view, points, pointsPrecision}));
+  ShotBudget budget;
+  const ProjectionSetting setting{type, view, points, pointsPrecision};
+  return edgeStartPoints(projectRegions(*object, plain, setting, budget).plane);
 }
 
 std::vector<std::vector<int>> ShotCreator::getDockingEdges(std::vector<ProjectedPolygon> polygons) {

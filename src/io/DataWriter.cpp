@@ -1,3 +1,4 @@
+#include "io/DocumentWriter.h"
 #include "io/PathLog.h"
 #include "utils/StageScope.h"
 
@@ -10,8 +11,6 @@
 
 namespace Lumivane::IO {
 namespace {
-
-Jzon::Writer documentWriter() { return Jzon::Writer(Jzon::Format{true, true, true, 1}); }
 
 std::string writtenText(Base::BaseLibClass* model) {
   const Utils::StageScope stage(Utils::Stage::Write);

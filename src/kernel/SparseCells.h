@@ -43,6 +43,9 @@ class SparseCells {
     if (cell != Cell::Apart) entries.push_back({static_cast<std::uint32_t>(column), cell});
   }
 
+  /// How many cells were put and are not apart.
+  std::size_t entryCount() const { return entries.size(); }
+
   void endRow() { starts.push_back(entries.size()); }
 
   /// What was put into a row, except what is apart; nothing for a row that is not filled.

@@ -34,6 +34,13 @@ inline bool appendSplitEdge(Vec3 a, Vec3 b, std::int64_t pieceCount, std::vector
   return true;
 }
 
+/// Whether a closed polygon is split at all: it has corners, and no edge that is too short.
+inline bool isSplit(const std::vector<Vec3>& polygon) {
+  for (std::size_t i = 0; i < polygon.size(); ++i)
+    if (ShortestEdge > length3(polygon[i] - polygon[(i + 1) % polygon.size()])) return false;
+  return !polygon.empty();
+}
+
 /// All edges of a closed polygon, cut into the same number of pieces each.
 ///
 /// Deliberate: one edge that is too short gives up the whole polygon, with no points at all.

@@ -8,6 +8,9 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <ostream>
+#include <streambuf>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,7 +25,7 @@ namespace fs = std::filesystem;
   throw Error(path, "cannot be written: " + std::string(std::strerror(error)));
 }
 
-int writeAll(int descriptor, const std::string& bytes) {
+int writeAll(int descriptor, std::string_view bytes) {
   for (size_t done = 0; done < bytes.size();) {
     const ssize_t count = write(descriptor, bytes.data() + done, bytes.size() - done);
     if (count < 0 && errno == EINTR) continue;
@@ -32,10 +35,48 @@ int writeAll(int descriptor, const std::string& bytes) {
   return 0;
 }
 
+// Writes to a descriptor in large pieces; after an error nothing more.
+class DescriptorBuffer : public std::streambuf {
+ public:
+  explicit DescriptorBuffer(int target) : descriptor(target) {}
+
+  int error() const { return firstError; }
+
+ protected:
+  std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+    if (firstError == 0)
+      firstError = writeAll(descriptor, {bytes, static_cast<std::size_t>(count)});
+    return firstError == 0 ? count : 0;
+  }
+  int_type overflow(int_type c) override {
+    const char byte = traits_type::to_char_type(c);
+    return xsputn(&byte, 1) == 1 ? traits_type::not_eof(c) : traits_type::eof();
+  }
+
+ private:
+  int descriptor;
+  int firstError = 0;
+};
+
+using Put = std::function<void(std::ostream&)>;
+
+int putAll(int descriptor, const Put& put) {
+  DescriptorBuffer buffer(descriptor);
+  std::ostream stream(&buffer);
+  put(stream);
+  return buffer.error();
+}
+
 // Writes and closes; returns the first error, or 0. Some file systems report a full disk only when
 // the file is closed.
-int writeAndClose(int descriptor, const std::string& bytes) {
-  const int error = writeAll(descriptor, bytes);
+int writeAndClose(int descriptor, const Put& put) {
+  int error = 0;
+  try {
+    error = putAll(descriptor, put);
+  } catch (...) {
+    close(descriptor);
+    throw;
+  }
   const int closed = close(descriptor) == 0 ? 0 : errno;
   return error != 0 ? error : closed;
 }
@@ -56,10 +97,10 @@ int namedDescriptor(const std::string& path) {
 }
 
 // At the place that the descriptor has come to, behind what has been printed so far.
-void writeToDescriptor(const std::string& path, int number, const std::string& bytes) {
+void writeToDescriptor(const std::string& path, int number, const Put& put) {
   std::fflush(stdout);
   const int descriptor = fcntl(number, F_DUPFD_CLOEXEC, 0);
-  const int error = descriptor < 0 ? errno : writeAndClose(descriptor, bytes);
+  const int error = descriptor < 0 ? errno : writeAndClose(descriptor, put);
   if (error != 0) fail(path, error);
 }
 
@@ -118,11 +159,17 @@ void checkWritable(const std::string& path) {
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
+  writeFile(path, [&bytes](std::ostream& stream) {
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  });
+}
+
+void writeFile(const std::string& path, const std::function<void(std::ostream&)>& put) {
   checkWritable(path);
-  if (namedDescriptor(path) >= 0) return writeToDescriptor(path, namedDescriptor(path), bytes);
+  if (namedDescriptor(path) >= 0) return writeToDescriptor(path, namedDescriptor(path), put);
   if (!isPlainOrNew(path)) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    const int error = descriptor < 0 ? errno : writeAndClose(descriptor, bytes);
+    const int error = descriptor < 0 ? errno : writeAndClose(descriptor, put);
     if (error != 0) fail(path, error);
     return;
   }
@@ -132,7 +179,7 @@ void writeFile(const std::string& path, const std::string& bytes) {
   int error = beside.error();
   if (error == 0) {
     keepMode(file, beside.descriptor());
-    error = writeAndClose(beside.descriptor(), bytes);
+    error = writeAndClose(beside.descriptor(), put);
   }
   if (error == 0) error = beside.moveTo(file.string());
   if (error != 0) fail(path, error);

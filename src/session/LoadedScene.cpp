@@ -1,3 +1,4 @@
+#include "algorithm/ShotBudget.h"
 #include "session/LoadedSceneState.h"
 #include "session/ProgressPoll.h"
 #include "session/Reading.h"
@@ -22,10 +23,12 @@ class Splitting {
   explicit Splitting(const ViewSettings& view)
       : segments(Cmd::CmdManager::minSegmentsNumber),
         length(Cmd::CmdManager::maxSegmentsLength),
-        precision(Geometry::Point2d::Precision) {
+        precision(Geometry::Point2d::Precision),
+        limits(Algorithm::shotLimits()) {
     Cmd::CmdManager::minSegmentsNumber = view.segments;
     Cmd::CmdManager::maxSegmentsLength = view.maxLength;
     if (view.mergeDistance > 0.0) Geometry::Point2d::Precision = view.mergeDistance;
+    Algorithm::shotLimits() = {view.limitPoints, view.limitMemory};
   }
   Splitting(const Splitting&) = delete;
   Splitting& operator=(const Splitting&) = delete;
@@ -33,16 +36,18 @@ class Splitting {
     Cmd::CmdManager::minSegmentsNumber = segments;
     Cmd::CmdManager::maxSegmentsLength = length;
     Geometry::Point2d::Precision = precision;
+    Algorithm::shotLimits() = limits;
   }
 
  private:
   int segments;
   double length;
   double precision;
+  Algorithm::ShotLimits limits;
 };
 
 Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& setup,
-                   const Progress& progress) {
+                   const Progress& progress, std::size_t& sortedFaces) {
   // The settings, the progress record and the numbers of the depth sort are the whole process's.
   static std::mutex oneAtATime;
   const std::lock_guard<std::mutex> lock(oneAtATime);
@@ -50,6 +55,7 @@ Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& s
   ProgressPoll poll(progress);
   Shot::Shot2d* const shot = scene.makeShot(setup.view(), setup.parameters());
   if (shot != nullptr) poll.finish();
+  sortedFaces = Algorithm::sortedFaces();
   return shot;
 }
 
@@ -101,8 +107,9 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
 
   auto taken = std::make_unique<TakenShot::State>(state, view);
   Shot::Shot2d* shot = nullptr;
+  std::size_t sortedFaces = 0;
   try {
-    shot = make(scene(), view, taken->setup, progress);
+    shot = make(scene(), view, taken->setup, progress, sortedFaces);
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
     throw failure(*this, place.empty() ? error.what() : place);
@@ -113,7 +120,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
     throw failure(*this, error.what());
   }
   if (shot == nullptr) throw failure(*this, "the library gives none");
-  taken->hold(shot);
+  taken->hold(shot, sortedFaces);
   return TakenShot(std::move(taken));
 }
 

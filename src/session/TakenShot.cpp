@@ -1,13 +1,31 @@
+#include "io/DocumentWriter.h"
 #include "session/TakenShotState.h"
+#include "utils/StageScope.h"
 
+#include <lumivane/geometry/Faces2d.h>
 #include <lumivane/io/DataWriter.h>
+#include <lumivane/jzon/Node.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/shot/Object2d.h>
+#include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
 namespace Lumivane::Session {
 
-void TakenShot::State::hold(Shot::Shot2d* newShot) {
+namespace {
+
+std::size_t faceCount(Shot::Shot2d& shot) {
+  std::size_t count = 0;
+  for (const Shot::Object2d* object : *shot.getObjects()->getObjects())
+    if (object->getFaces() != nullptr) count += object->getFaces()->getFaces()->size();
+  return count;
+}
+
+}  // namespace
+
+void TakenShot::State::hold(Shot::Shot2d* newShot, std::size_t sortedFaces) {
   shot = newShot;
+  hiddenFaces = sortedFaces - faceCount(*shot);
   brushes = shot->getBrushes();
   pens = shot->getPens();
   scale = shot->getScale();
@@ -36,8 +54,15 @@ Vector TakenShot::eye() const { return state->setup.eye(); }
 
 Scene::Scene3D& TakenShot::scene() const { return *state->sceneState->scene; }
 
+std::size_t TakenShot::hiddenFaces() const { return state->hiddenFaces; }
+
 std::string TakenShot::text() const { return IO::DataWriter().writeShotString(state->shot); }
 
-void TakenShot::write(const std::string& path) const { writeFile(path, text()); }
+void TakenShot::write(const std::string& path) const {
+  const Utils::StageScope stage(Utils::Stage::Write);
+  writeFile(path, [this](std::ostream& stream) {
+    IO::documentWriter().writeStream(state->shot->serialize(), stream);
+  });
+}
 
 }  // namespace Lumivane::Session

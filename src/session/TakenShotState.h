@@ -7,6 +7,7 @@
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/session/ViewSetup.h>
 
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -21,11 +22,13 @@ struct TakenShot::State {
   ~State();
 
   /// Takes the shot over; whatever it points at among the shared lists is the scene's.
-  void hold(Shot::Shot2d* newShot);
+  /// \param sortedFaces  how many faces there were to be brought into an order
+  void hold(Shot::Shot2d* newShot, std::size_t sortedFaces);
 
   std::shared_ptr<LoadedScene::State> sceneState;
   ViewSetup setup;
   Shot::Shot2d* shot = nullptr;
+  std::size_t hiddenFaces = 0;
 
  private:
   // As the shot was made: what a host puts in their place is the shot's own.

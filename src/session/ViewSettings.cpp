@@ -65,6 +65,11 @@ std::string limitsFault(const ViewSettings& settings) {
       return std::string(name) + " is " + text(value) + ", not a finite number of at least 0";
   if (settings.segments < 1)
     return "the least number of segments is " + std::to_string(settings.segments) + ", not above 0";
+  const std::pair<const char*, std::int64_t> counts[] = {
+      {"the limit of point references", settings.limitPoints},
+      {"the limit of memory", settings.limitMemory}};
+  for (const auto& [name, value] : counts)
+    if (value < 0) return std::string(name) + " is " + std::to_string(value) + ", below 0";
   return "";
 }
 

@@ -87,7 +87,9 @@ const VectorTests squareVectors("projectPointsSquare",
 
 std::vector<EdgeStart> edgeStarts(const PlanePolygon& polygon) {
   std::vector<EdgeStart> result;
-  for (const auto& point : polygon) result.push_back({{point.at.x, point.at.y}, point.hasEdge});
+  for (const Kernel::Vec2 point : polygon.points) result.push_back({{point.x, point.y}, true});
+  for (const int number : polygon.edgeless)
+    result[static_cast<std::size_t>(number) - 1].hasEdge = false;
   return result;
 }
 
@@ -442,6 +444,35 @@ TEST(RegionProjector, DoublingMayReachTheMostPiecesAndNotPassThem) {
   ASSERT_TRUE(result);
   EXPECT_EQ(1'048'576, result->pieceCounts[0]);
   EXPECT_FALSE(radialProjector().settle({needle}, 524'289, 1e-06));
+}
+
+TEST(RegionProjector, MoreThanTwiceThePointsAllowedAreRefusedBeforeTheyAreMade) {
+  const auto wall = Utils::toVec3s({{3, -1, -1}, {3, 1, -1}, {3, 1, 1}});
+  EXPECT_NO_THROW(radialProjector().settle({wall}, 100, 0.0, 300));
+  EXPECT_THROW(radialProjector().settle({wall}, 100, 0.0, 299), RegionProjector::TooManyPoints);
+  // So many could not be made in any time, nor held.
+  EXPECT_THROW(radialProjector().settle({wall}, 1'000'000'000'000, 0.0, 299),
+               RegionProjector::TooManyPoints);
+}
+
+TEST(RegionProjector, PointsThatFallTogetherCountOnce) {
+  // Wide and thin: from the eye all points of an edge at the end fall together.
+  const auto far = Utils::toVec3s({{9e6, 0, 0}, {9e6, 0.5, 0}, {9e6, 0.5, 0.5}});
+  const auto result = radialProjector().settle({far}, 100, 0.0, 200);
+  ASSERT_TRUE(result);
+  EXPECT_LT(result->polygons[0].size(), 10u);
+  EXPECT_EQ(100, result->pieceCounts[0]);
+}
+
+TEST(RegionProjector, FinePolygonCountsForAllOfItsRegion) {
+  const auto near = Utils::toVec3s({{0.5, -1, -1}, {0.5, 1, -1}, {0.5, 1, 1}});
+  const auto far = Utils::toVec3s({{300, -1, -1}, {300, 1, -1}, {300, 1, 1}});
+  const auto alone = radialProjector().settle({near}, 6, 0.02);
+  ASSERT_TRUE(alone);
+  const std::int64_t most = 3 * alone->pieceCounts[0] / 2;
+  EXPECT_NO_THROW(radialProjector().settle({near}, 6, 0.02, 2 * most));
+  EXPECT_THROW(radialProjector().settle({far, near}, 6, 0.02, most - 1),
+               RegionProjector::TooManyPoints);
 }
 
 TEST(RegionProjector, EmptyPolygonCountsWithItsFirstCountAndIsEqualised) {

@@ -165,6 +165,38 @@ TEST(BatchProgram, AViewThatFailsIsARowWithItsErrorAndStopsNoOther) {
   EXPECT_EQ(0U, rows[3].find("other,ok,"));
 }
 
+TEST(BatchProgram, AViewBeyondALimitIsARowWithTheWordsOfTheShotCommand) {
+  const TempFolder folder;
+  write(folder.path("views.csv"),
+        "name,eye,limit-points,segments\n"
+        "few,\"-4,0.35,1.9\",50,\n"
+        "fine,\"-4,0.35,1.9\",100,200000\n"
+        "good,\"-4,0.35,1.9\",,\n");
+  EXPECT_EQ(1, run(batch(folder, "out", Outputs)).status);
+  const std::vector<std::string> rows = lines(fileBytes(folder.path("out/summary.csv")));
+  ASSERT_EQ(4U, rows.size());
+  Result alone = run({"shot", Small, "--eye=-4,0.35,1.9", "--limit-points=50"});
+  EXPECT_EQ(1, alone.status);
+  for (size_t at = 0; (at = alone.err.find('"', at)) != std::string::npos; at += 2)
+    alone.err.insert(at, 1, '"');  // as in a cell
+  const std::string words = alone.err.substr(std::string("lumivane: ").size());
+  EXPECT_EQ(0U, rows[1].find("few,failed,\"" + words.substr(0, words.size() - 1) + "\","))
+      << rows[1];
+  EXPECT_EQ(0U, rows[2].find("fine,failed,\"")) << rows[2];
+  EXPECT_EQ(0U, rows[3].find("good,ok,"));
+}
+
+TEST(BatchProgram, VeryManySegmentsOfAViewAskForALimit) {
+  const TempFolder folder;
+  write(folder.path("views.csv"), "name,segments\na,6\nb,100001\n");
+  const Result result = run(batch(folder, "out", Outputs));
+  EXPECT_EQ(
+      "lumivane: " + folder.path("views.csv") +
+          ": line 3: column --segments: 100001 is above 100000: say with --limit-points N how "
+          "many point references the shot may have\n",
+      result.err);
+}
+
 TEST(BatchProgram, TheFolderIsTheSameWhateverJobsAndShards) {
   const TempFolder folder;
   write(folder.path("views.csv"), manyViews(11) + "bad,,\"0,0,1\"\n");

@@ -1,11 +1,13 @@
 // `lumivane shot`, run as a process.
 
 #include "host/Process.h"
+#include "support/Floor.h"
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using Lumivane::Test::Environment;
 using Lumivane::Test::fileBytes;
+using Lumivane::Test::floorText;
 using Lumivane::Test::Json;
 using Lumivane::Test::Result;
 using Lumivane::Test::TempFolder;
@@ -341,6 +344,60 @@ TEST(ShotProgram, WrongArgumentsAreOneLineAndStatusTwo) {
     EXPECT_EQ(0u, result.err.find("lumivane: "));
     EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
   }
+}
+
+TEST(ShotProgram, LimitsAreSaidWithObjectRegionAndOption) {
+  const TempFolder folder;
+  const std::string floor = folder.path("floor.json");
+  std::ofstream(floor) << floorText(200, 10.0);
+  const std::vector<std::string> shot = {"shot", floor, "--eye=0,0,0.05", "--forward=1,0.01,0"};
+  const auto with = [&shot](const std::string& option) {
+    std::vector<std::string> arguments = shot;
+    arguments.push_back(option);
+    return arguments;
+  };
+  const std::string start = "lumivane: " + floor +
+                            ": no shot can be made: Scene::Object \"floor\", region 1: its edges "
+                            "of 768 pieces each need 347904 point references, and ";
+  const std::string advice = ": raise it or the maximum length, or move the eye";
+  expectFailure(run(with("--limit-points=100000")), 1,
+                start + "--limit-points (ViewSettings::limitPoints) leaves 100000" + advice);
+  expectFailure(run(with("--limit-memory=13000K")), 1,
+                start +
+                    "--limit-memory (ViewSettings::limitMemory) of 13312000 bytes leaves room "
+                    "for 102400" +
+                    advice);
+  for (const std::string wrong :
+       {"--limit-memory=-1", "--limit-memory=2X", "--limit-memory=", "--limit-memory=9999999T",
+        "--limit-points=-1", "--limit-points=1e6"})
+    EXPECT_EQ(2, run(with(wrong)).status) << wrong;
+}
+
+TEST(ShotProgram, FloorBelowTheEyeTakesLittleMemoryForEachPointReference) {
+  const TempFolder folder;
+  const std::string floor = folder.path("floor.json");
+  std::ofstream(floor) << floorText(200, 10.0);
+  const std::string stats = folder.path("stats.json");
+  const std::string file = folder.path("shot.json");
+  const Result result =
+      run({"shot", floor, "--eye=0,0,0.05", "--forward=1,0.01,0", "-o", file, "--stats", stats});
+  ASSERT_EQ(0, result.status) << result.err;
+  const Json shot = Json::parse(fileBytes(file));
+  std::size_t references = 0;
+  for (const Json& region : shot["Regions"]) references += region["Points"].size();
+  EXPECT_GT(references, 3'000'000u);
+  const double bytes = Json::parse(fileBytes(stats))["peak_memory_bytes"];
+  EXPECT_LT(bytes / static_cast<double>(references), 60.0);  // once it was 150
+}
+
+TEST(ShotProgram, VeryManySegmentsAskForALimitInstead) {
+  expectFailure(runView(Small, {"--segments", "100001"}), 2,
+                "lumivane: --segments: 100001 is above 100000: say with --limit-points N how many "
+                "point references the shot may have (see --help)");
+  EXPECT_EQ(0, runView(Small, {"--segments", "100000", "--max-length", "0"}).status);
+  const Result limited = runView(Small, {"--segments", "1000000", "--limit-points", "5000000"});
+  EXPECT_EQ(1, limited.status);
+  EXPECT_NE(std::string::npos, limited.err.find("--limit-points")) << limited.err;
 }
 
 TEST(ShotProgram, HelpAndVersionAreThere) {

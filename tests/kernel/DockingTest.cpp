@@ -1,6 +1,7 @@
 #include "kernel/Docking.h"
 #include "plain/Docking.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <random>
@@ -131,6 +132,29 @@ TEST(DockingEdgesProperty, AreThoseOfEveryEdgeAgainstEveryOther) {
     }
     ASSERT_EQ(Plain::dockingEdges(polygons, precision), dockingEdges(polygons, precision))
         << "run " << run;
+  }
+}
+
+TEST(DockingEdgesProperty, PairsAndGridFindTheSame) {
+  std::mt19937_64 random(7);
+  for (int run = 0; run < 300; ++run) {
+    // Outlines of several runs of edges that wander along shared ways, forth and back.
+    std::vector<Vec2> way(200);
+    for (std::size_t k = 0; k < way.size(); ++k)
+      way[k] = {static_cast<double>(k) * 0.01, anyCoordinate(random, Precision)};
+    Polygons polygons(2 + random() % 5);
+    for (std::vector<Vec2>& polygon : polygons) {
+      const std::size_t first = random() % way.size();
+      polygon.assign(way.begin() + static_cast<std::ptrdiff_t>(first), way.end());
+      if (random() % 2 == 0) std::reverse(polygon.begin(), polygon.end());
+      polygon.push_back({anyCoordinate(random, Precision), -9});
+    }
+    std::vector<Kernel::ClosedOutline> outlines;
+    for (const std::vector<Vec2>& polygon : polygons)
+      outlines.push_back(Kernel::closedOutline(polygon));
+    const Numbers expected = Plain::dockingEdges(polygons, Precision);
+    ASSERT_EQ(expected, Kernel::dockingEdgesOfPairs(outlines, Precision)) << "run " << run;
+    ASSERT_EQ(expected, Kernel::dockingEdgesByGrid(outlines, Precision)) << "run " << run;
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <lumivane/export.h>
 
+#include <functional>
+#include <iosfwd>
 #include <string>
 
 namespace Lumivane::Session {
@@ -29,6 +31,11 @@ LUMIVANE_EXPORT void checkWritable(const std::string& path);
 /// the file is written where it points. Every write is checked. May be called by several threads
 /// at a time. \throws Error; then the file is as it was
 LUMIVANE_EXPORT void writeFile(const std::string& path, const std::string& bytes);
+
+/// The same for bytes that need not be in memory all at once: `put` writes them to the stream that
+/// it is given. What it throws is thrown on; then the file is as it was.
+LUMIVANE_EXPORT void writeFile(const std::string& path,
+                               const std::function<void(std::ostream&)>& put);
 
 /// Removes the files that `writeFile` is writing beside their places, in all threads. It is for the
 /// signal handler of a host that is about to end: it calls nothing that is not safe there.

@@ -3,6 +3,7 @@
 #include <lumivane/export.h>
 #include <lumivane/session/ViewSettings.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -41,6 +42,9 @@ class LUMIVANE_EXPORT TakenShot {
   Vector eye() const;
   /// The scene that the shot was taken of, with what its last shot has left on its objects.
   Scene::Scene3D& scene() const;
+
+  /// How many faces lay in the picture wholly behind others, so that the shot is without them.
+  std::size_t hiddenFaces() const;
 
   /// The text of the shot's file.
   std::string text() const;

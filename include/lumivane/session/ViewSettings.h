@@ -5,6 +5,7 @@
 #include <lumivane/export.h>
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 namespace Lumivane::Session {
@@ -37,6 +38,15 @@ struct LUMIVANE_EXPORT ViewSettings {
   double mergeDistance = 0.0;
 
   Base::ViewDisplayStyle style = Base::ViewDisplayStyle::Filled;  ///< for drawing only
+
+  /// How many point references the polygons of the shot may have together; 0 for any number. A
+  /// polygon close to the eye is split finely, and all pieces of its region with it. Corners times
+  /// pieces are counted before they are made, and what would be more than twice the limit is
+  /// refused at once; up to there, points that fall together count once.
+  std::int64_t limitPoints = 50'000'000;
+  /// How many bytes of memory taking and writing the shot may need, besides the scene, as estimated
+  /// from such counts; 0 for any number.
+  std::int64_t limitMemory = std::int64_t{2} << 30U;
 
   /// Why no shot can be taken with these; empty if one can. Directions must not be zero nor
   /// parallel, numbers finite, limits not negative.
