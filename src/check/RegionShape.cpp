@@ -17,6 +17,7 @@
 #include <lumivane/scene/Scene3D.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -31,6 +32,10 @@ using Kernel::Vec3;
 using Outline = std::vector<Vec3>;
 
 constexpr double LeastAgreement = 0.999;  // cosine between a face's normal and its winding
+
+constexpr double LeastSeen = 0.999;  // share of a region that a shot can show
+constexpr const char* SplitIt =
+    "split it into triangles whose inner edges are docking edges; lumivane import does so";
 
 std::string lengthText(double length) {
   char text[32];
@@ -157,17 +162,23 @@ class RegionCheck {
     findings.addRegion(Severity::Warning, code, number, std::move(text), mend);
   }
 
+  void warnOfOutline(const char* code, std::string text, const char* mend) {
+    hasOddOutline = true;
+    warn(code, std::move(text), mend);
+  }
+
   void checkEdges() {
     for (size_t i = 0; i < outline.size(); ++i) {
       const Vec3 next = outline[(i + 1) % outline.size()];
       const std::string place = "points " + std::to_string(i + 1) + " and " +
                                 std::to_string((i + 1) % outline.size() + 1);
       if (outline[i] == next) {
-        warn("repeated-point", place + " are the same", "name each point once");
+        warnOfOutline("repeated-point", place + " are the same", "name each point once");
       } else if (Kernel::distance(outline[i], next) < SceneChecker::ShortestEdge) {
-        warn("short-edge",
-             place + " are only " + lengthText(Kernel::distance(outline[i], next)) + " apart",
-             "merge them, or choose a smaller unit");
+        warnOfOutline(
+            "short-edge",
+            place + " are only " + lengthText(Kernel::distance(outline[i], next)) + " apart",
+            "merge them, or choose a smaller unit");
       } else {
         continue;
       }
@@ -191,22 +202,44 @@ class RegionCheck {
       warn("not-flat", "its points are up to " + lengthText(off) + " off their plane",
            "split it into flat pieces, which may be of one face");
     checkCrossings(normal);
+    checkSeenShare();
+  }
+
+  // Not for what crosses itself: its area says nothing.
+  void checkSeenShare() {
+    if (hasOddOutline || outline.size() > static_cast<size_t>(SceneChecker::MostCorners)) return;
+    std::vector<std::array<double, 3>> corners;
+    for (const Vec3 p : outline) corners.push_back({p.x, p.y, p.z});
+    const double share = SceneChecker::seenShare(corners);
+    if (share > LeastSeen) return;
+    if (share > 0.0)
+      warn("partly-seen",
+           "only " + lengthText(100.0 * share) +
+               " % of it can be seen, since it cannot be cut into " + "triangles well",
+           SplitIt);
+    else
+      warn("never-seen",
+           "it will not be seen: its outline is concave and not flat, so that a shot cannot cut it "
+           "into triangles",
+           SplitIt);
   }
 
   void checkCrossings(Vec3 normal) {
     const auto crossing = crossingEdges(flattened(outline, normal));
     if (!crossing)
-      warn("tangled", "its edges pass each other too often to tell whether they cross", "split it");
+      warnOfOutline("tangled", "its edges pass each other too often to tell whether they cross",
+                    "split it");
     else if (crossing->first != 0)
-      warn("self-crossing",
-           "its edges " + std::to_string(crossing->first) + " and " +
-               std::to_string(crossing->second) + " cross",
-           "an outline may not run through itself; split it");
+      warnOfOutline("self-crossing",
+                    "its edges " + std::to_string(crossing->first) + " and " +
+                        std::to_string(crossing->second) + " cross",
+                    "an outline may not run through itself; split it");
   }
 
   Findings& findings;
   const size_t number;
   const Outline& outline;
+  bool hasOddOutline = false;
 };
 
 void checkNormal(const Geometry::Face& face, size_t number, Vec3 wound, Findings& findings) {

@@ -224,8 +224,8 @@ struct ImportedModel::State {
     model = readModel(path, options);
     report.format = model.format;
     report.sourcePolygons = model.polygons.size();
-    const double diagonal = placeModel(model, options, report);
-    surfaces = makeFaces(model, options, diagonal, report);
+    const PlacedSize placed = placeModel(model, options, report);
+    surfaces = makeFaces(model, options, placed.step, report);
     report.warnings = std::move(model.warnings);
     if (report.emptyPolygons > 0)
       report.warnings.push_back(std::to_string(report.emptyPolygons) +

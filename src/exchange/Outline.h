@@ -29,11 +29,11 @@ double greatestDistance(const OutlinePlane& plane, const Loop& loop,
 /// Whether the outline crosses or touches itself: then it cannot be one polygon of a scene.
 bool visitsAVertexTwice(const Loop& loop);
 
-/// Fills a polygon with triangles, which run the same way round as its outline.
-///
-/// \param loops  the outline, then its holes, wound either way
-/// \return no triangles if the outline cannot be filled
-std::vector<Loop> triangulated(const std::vector<Loop>& loops,
-                               const std::vector<Kernel::Vec3>& vertices);
+/// The distance of the corner farthest from the first one.
+double extentOf(const Loop& loop, const std::vector<Kernel::Vec3>& vertices);
+
+/// Whether no corner turns the other way. An outline that winds round several times passes.
+bool isConvex(const OutlinePlane& plane, const Loop& loop,
+              const std::vector<Kernel::Vec3>& vertices);
 
 }  // namespace Lumivane::Exchange

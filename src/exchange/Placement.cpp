@@ -135,7 +135,7 @@ void renumber(std::vector<int>& loop, const std::vector<int>& numbers) {
 
 }  // namespace
 
-double placeModel(SourceModel& model, const ImportOptions& options, ImportReport& report) {
+PlacedSize placeModel(SourceModel& model, const ImportOptions& options, ImportReport& report) {
   dropUnused(model);
   if (model.vertices.empty()) throw ImportError("there is no polygon in it");
   turnAndScale(model, options);
@@ -157,7 +157,7 @@ double placeModel(SourceModel& model, const ImportOptions& options, ImportReport
   report.shift = shift;
   report.lower = placed.lower;
   report.upper = placed.upper;
-  return diagonal;
+  return {diagonal, step};
 }
 
 }  // namespace Lumivane::Exchange

@@ -15,6 +15,7 @@ struct SurfaceRegion {
   Loop loop;  ///< counter-clockwise as seen from outside
   int material = 0;
   std::vector<int> hiddenEdges;  ///< from 1: edge e runs from corner e to the next
+  int polygon = -1;              ///< which of the model's polygons it is, or was cut out of
 };
 
 /// Regions in one plane that hang together.
@@ -29,9 +30,9 @@ using ObjectSurfaces = std::vector<SurfaceFace>;
 /// Makes the faces of all objects: cuts polygons that need it into triangles, puts neighbours in
 /// one plane together, and finds the edges that are not drawn.
 ///
-/// \param diagonal  of the model's bounds; the tolerances are shares of it
+/// \param step  of the grid on which the vertices lie: what is flat is so to within it
 /// \return one entry for each object of the model, which may be empty
 std::vector<ObjectSurfaces> makeFaces(const SourceModel& model, const ImportOptions& options,
-                                      double diagonal, ImportReport& report);
+                                      double step, ImportReport& report);
 
 }  // namespace Lumivane::Exchange

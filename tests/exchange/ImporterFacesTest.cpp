@@ -1,6 +1,8 @@
 // Which polygons an import puts together, and which edges it hides.
 
 #include "exchange/ImportedRegions.h"
+#include "support/Capture.h"
+#include "support/NoisyOutlines.h"
 
 #include <cmath>
 #include <map>
@@ -213,11 +215,58 @@ TEST(ImporterFaces, PolygonThatIsNotFlatIsCutIntoTriangles) {
     EXPECT_LT(region.areaVector().z, 0.0);
 }
 
-TEST(ImporterFaces, ConcaveFlatPolygonStaysOneRegion) {
+TEST(ImporterFaces, ConcavePolygonOfMoreThanFourCornersIsCutAtDockingEdges) {
   const ImportedScene imported =
       importText("l.obj", "v 0 0 0\nv 2 0 0\nv 2 1 0\nv 1 1 0\nv 1 2 0\nv 0 2 0\nf 1 2 3 4 5 6\n");
-  EXPECT_EQ(1u, imported.report.regions);
+  EXPECT_EQ(4u, imported.report.regions);
+  EXPECT_EQ(1u, imported.report.faces);
+  EXPECT_EQ(1u, imported.report.splitPolygons);
   EXPECT_DOUBLE_EQ(3.0, area(imported));
+  EXPECT_DOUBLE_EQ(8.0, drawnLength(imported));
+}
+
+TEST(ImporterFaces, ConvexFlatPolygonStaysOneRegion) {
+  const ImportedScene imported =
+      importText("c.obj", "v 0 0 0\nv 2 0 0\nv 3 1 0\nv 2 2 0\nv 0 2 0\nf 1 2 3 4 5\n");
+  EXPECT_EQ(1u, imported.report.regions);
+  EXPECT_EQ(0u, imported.report.splitPolygons);
+}
+
+TEST(ImporterFaces, QuadThatBendsByTwoMillimetresIsCutHoweverLargeItsModel) {
+  const std::string quad = "v 0 0 0\nv 10 0 0\nv 10 8 0.002\nv 0 8 0\nf 1 2 3 4\n";
+  for (const std::string town : {"", "v 500 0 0\nv 500 10 0\nv 500 10 9\nf 5 6 7\n"}) {
+    const ImportedScene imported = importText("q.obj", quad + town);
+    EXPECT_EQ(1u, imported.report.splitPolygons);
+    const double ownLength = town.empty() ? 0.0 : 10.0 + 9.0 + std::hypot(10.0, 9.0);
+    EXPECT_NEAR(36.0 + ownLength, drawnLength(imported), 1e-3);
+  }
+}
+
+TEST(ImporterFaces, CutsOfAPolygonThatBendsMuchAreNotDrawnEither) {
+  const ImportedScene imported =
+      importText("q.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0.5\nv 0 1 0\nf 1 2 3 4\n");
+  EXPECT_NEAR(2.0 + 2.0 * std::hypot(1.0, 0.5), drawnLength(imported), 1e-6);
+}
+
+// A roof with a shape that a shot loses if it is one region.
+TEST(ImporterFacesProperty, NoImportedOutlineVanishesHoweverNoisy) {
+  NoisyOutlines outlines(20261123);
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(i);
+    const Outline3d outline = outlines.next();
+    ObjText obj;
+    obj.face(outline);
+    ImportedScene imported = importText("roof.obj", obj.text());
+    Outline3d seen(outline.rbegin(), outline.rend());  // a scene winds the other way
+    const Session::ViewSettings view = eyeInFrontOf(seen, 15.0);
+    double shown = 0.0;
+    capturedStdout([&] { shown = shownArea(imported.scene.take(view)); });
+    EXPECT_NEAR(1.0, shown / pictureArea(outline, view), 0.02);
+    double length = 0.0;
+    for (size_t k = 0; k < outline.size(); ++k)
+      length += Kernel::distance(outline[k], outline[(k + 1) % outline.size()]);
+    EXPECT_NEAR(length, drawnLength(imported), 1e-3 * length);
+  }
 }
 
 TEST(ImporterFaces, PolygonsWithoutAreaAreCountedAndLeftOut) {

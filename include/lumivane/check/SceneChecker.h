@@ -3,6 +3,7 @@
 #include <lumivane/check/Finding.h>
 #include <lumivane/export.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,22 @@ class LUMIVANE_EXPORT SceneChecker {
   /// of them, and objects of one id of which only a later one has a region that is seen.
   /// Quick: no geometry is looked at.
   static std::vector<Finding> errors(Scene::Scene3D& scene);
+
+  /// The share of a polygon that a shot can show at all, from 0 to 1, whatever the eye that looks
+  /// at it from the side on which it is seen.
+  ///
+  /// A shot cuts a polygon of more than four corners into triangles by cutting off its ears, before
+  /// it looks at the eye. Where an outline is concave and bends, by however little, no ear may be
+  /// left to cut off, and the polygon is given up. This cuts it the same way, and leaves out what
+  /// shots leave out as well: pieces that are wound the other way, or have an edge shorter than
+  /// `ShortestEdge`. What an eye sees of the rest depends on the eye.
+  ///
+  /// \param corners  x, y and z of each, in scene units; time grows with the square of their number
+  /// \return 0 for fewer than 3 corners, and for polygons without area
+  static double seenShare(const std::vector<std::array<double, 3>>& corners);
+
+  /// Regions of more corners are not asked for the share that can be seen.
+  static constexpr int MostCorners = 10000;
 };
 
 }  // namespace Lumivane::Check

@@ -24,8 +24,8 @@ struct ImportOptions {
   /// file is turned without being asked, since its format says that y is up.
   bool yUp = false;
 
-  /// Whether the buffers of a glTF file may lie outside its folder. A file from elsewhere could have
-  /// any file of this machine read otherwise.
+  /// Whether the buffers of a glTF file may lie outside its folder. A file from elsewhere could
+  /// have any file of this machine read otherwise.
   bool allowOutside = false;
 
   /// Puts the middle of the model at x = 0 and y = 0 and its lowest point at z = 0. Without it
@@ -42,7 +42,8 @@ struct ImportOptions {
   /// is put together.
   double flatAngleDegrees = 0.5;
 
-  /// How far a corner may lie off the plane of its face, as a share of the model's diagonal.
+  /// How far a corner may lie off the plane of its face, as a share of the diagonal of its object;
+  /// and how far a polygon may bend for its triangles to be one face, as a share of its own size.
   double flatDistance = 1e-4;
 
   /// The edge between two neighbouring polygons of one object and one colour is not drawn if it

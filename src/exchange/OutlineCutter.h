@@ -1,0 +1,34 @@
+#pragma once
+
+#include "exchange/Outline.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace Lumivane::Exchange {
+
+/// Cuts polygons, with holes or not, into triangles. Corners are only joined, none is made.
+class OutlineCutter {
+ public:
+  explicit OutlineCutter(const std::vector<Kernel::Vec3>& vertices);
+  OutlineCutter(const OutlineCutter&) = delete;
+  OutlineCutter& operator=(const OutlineCutter&) = delete;
+  ~OutlineCutter();
+
+  /// Fills a polygon with triangles, which run the same way round as its outline.
+  ///
+  /// \param loops  the outline, then its holes, wound either way
+  /// \return no triangles if the outline cannot be filled: it crosses itself, or so many of its
+  ///         edges lie side by side that all polygons of the model together would take minutes
+  std::vector<Loop> triangles(const std::vector<Loop>& loops);
+
+ private:
+  struct Tesselator;
+
+  const std::vector<Kernel::Vec3>& points;
+  std::unique_ptr<Tesselator> tesselator;
+  std::int64_t stepsLeft;
+};
+
+}  // namespace Lumivane::Exchange
