@@ -432,6 +432,7 @@ class Batch {
       fs::remove(CycleReport, ignored);
       const TakenShot shot = scene.take(view.options.view);
       const bool hasCycle = fs::exists(CycleReport);
+      warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
       row.row = summaryRow(view.name, shot, hasCycle);  // before another shot

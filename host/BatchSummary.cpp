@@ -30,6 +30,7 @@ const std::vector<std::string> Columns = {
     "faces_drawn",
     "faces_hidden",
     "cycle",
+    "inside",
     "objects_visible",
     "sky_view_factor",
     "sky_hemisphere_share",
@@ -77,6 +78,7 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot, 
   fields.push_back(std::to_string(drawnFaces(shot.shot())));
   fields.push_back(std::to_string(hiddenFaces(shot)));
   fields.push_back(hasCycle ? "1" : "0");
+  fields.push_back(shot.isInside() ? "1" : "0");
   for (const std::string& field : measureFields(shot)) fields.push_back(field);
   return csvRecord(fields);
 }

@@ -5,6 +5,7 @@
 #include "OutputNames.h"
 #include "SceneSource.h"
 
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/geometry/Region.h>
@@ -19,6 +20,7 @@
 #include <cmath>
 #include <iostream>
 #include <limits>
+#include <optional>
 #include <streambuf>
 
 namespace Lumivane::Host {
@@ -85,83 +87,6 @@ Box boundsOf(const std::vector<Polygon>& polygons) {
   return box;
 }
 
-// Twice the area that the polygon covers of the ground, positive if it runs counterclockwise as
-// seen from above.
-double twiceGroundArea(const Polygon& polygon) {
-  double sum = 0.0;
-  for (size_t i = 0; i < polygon.size(); ++i) {
-    const Vector& a = polygon[i];
-    const Vector& b = polygon[(i + 1) % polygon.size()];
-    sum += a[0] * b[1] - a[1] * b[0];
-  }
-  return sum;
-}
-
-bool coversGround(const Polygon& polygon, double x, double y) {
-  bool inside = false;
-  for (size_t i = 0; i < polygon.size(); ++i) {
-    const Vector& a = polygon[i];
-    const Vector& b = polygon[(i + 1) % polygon.size()];
-    if ((a[1] <= y) == (b[1] <= y)) continue;
-    if (a[0] + (b[0] - a[0]) * ((y - a[1]) / (b[1] - a[1])) > x) inside = !inside;
-  }
-  return inside;
-}
-
-// The polygon's plane as z over the ground: through the mean of its points, with Newell's normal.
-double heightAt(const Polygon& polygon, double x, double y) {
-  Vector normal{};
-  Vector mean{};
-  for (size_t i = 0; i < polygon.size(); ++i) {
-    const Vector& a = polygon[i];
-    const Vector& b = polygon[(i + 1) % polygon.size()];
-    for (size_t k = 0; k < 3; ++k) {
-      const size_t l = (k + 1) % 3;
-      const size_t m = (k + 2) % 3;
-      normal[k] += (a[l] - b[l]) * (a[m] + b[m]);
-      mean[k] += a[k] / static_cast<double>(polygon.size());
-    }
-  }
-  return mean[2] - (normal[0] * (x - mean[0]) + normal[1] * (y - mean[1])) / normal[2];
-}
-
-// Whether an eye looking up sees a polygon's back first: then it stands inside a body. A polygon
-// is seen where its points run clockwise, from below that is as seen from above counterclockwise.
-class Inside {
- public:
-  explicit Inside(const std::vector<Polygon>& all) {
-    for (const Polygon& polygon : all)
-      if (std::abs(twiceGroundArea(polygon)) > 0.0)
-        flats.push_back({&polygon, boundsOf({polygon}), twiceGroundArea(polygon) < 0.0});
-  }
-  explicit Inside(std::vector<Polygon>&&) = delete;  // the polygons are looked at in place
-
-  bool contains(const Vector& eye) const {
-    double nearest = std::numeric_limits<double>::infinity();
-    bool isBack = false;
-    for (const Flat& flat : flats) {
-      const Box& box = flat.box;
-      if (eye[0] < box.x.low || eye[0] > box.x.high || eye[1] < box.y.low || eye[1] > box.y.high ||
-          box.z.high < eye[2])
-        continue;
-      if (!coversGround(*flat.polygon, eye[0], eye[1])) continue;
-      const double z = heightAt(*flat.polygon, eye[0], eye[1]);
-      if (z <= eye[2] || z >= nearest) continue;
-      nearest = z;
-      isBack = flat.isBackFromBelow;
-    }
-    return isBack;
-  }
-
- private:
-  struct Flat {
-    const Polygon* polygon;
-    Box box;
-    bool isBackFromBelow;
-  };
-  std::vector<Flat> flats;
-};
-
 // As many places, so far apart, as the range holds, the same way from both ends.
 std::vector<double> places(const Range& range, double spacing) {
   const double count = std::floor((range.high - range.low) / spacing) + 1.0;
@@ -199,9 +124,9 @@ void checkGrid(const GridOptions& options, const Box& box) {
                                      " eyes over the scene");
 }
 
-std::string table(const GridOptions& options, const std::vector<Polygon>& all, const Box& box) {
-  const std::vector<Polygon> none;
-  const Inside inside(options.skipInside ? all : none);
+std::string table(const GridOptions& options, Scene::Scene3D& scene, const Box& box) {
+  std::optional<Check::InsideTest> inside;
+  if (options.skipInside) inside.emplace(scene);
   const std::vector<double> columns = places(box.x, options.spacing);
   const std::vector<double> rows = places(box.y, options.spacing);
   const double z = (options.groundGiven ? options.ground : box.z.low) + options.height;
@@ -209,7 +134,7 @@ std::string table(const GridOptions& options, const std::vector<Polygon>& all, c
   for (size_t row = 0; row < rows.size(); ++row) {
     for (size_t column = 0; column < columns.size(); ++column) {
       const Vector eye = {columns[column], rows[row], z};
-      if (inside.contains(eye)) continue;
+      if (inside && inside->isInside(eye)) continue;
       const std::string name =
           "r" + number(row + 1, rows.size()) + "c" + number(column + 1, columns.size());
       for (const double heading : options.headings) {
@@ -246,10 +171,9 @@ SourcedScene readScene(const GridOptions& options) {
 void runGrid(const GridOptions& options) {
   OutputNames(sourceFiles(options.scene)).add(options.out);
   const SourcedScene source = readScene(options);
-  const std::vector<Polygon> all = polygons(source.scene.scene());
-  const Box box = boundsOf(all);
+  const Box box = boundsOf(polygons(source.scene.scene()));
   checkGrid(options, box);
-  const std::string result = table(options, all, box);
+  const std::string result = table(options, source.scene.scene(), box);
   if (options.out.empty())
     std::cout << result;
   else

@@ -13,6 +13,7 @@
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/utils/StageTimes.h>
 
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -86,6 +87,13 @@ void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds
 
 }  // namespace
 
+void warnIfInside(const std::string& subject, const TakenShot& shot) {
+  if (!shot.isInside()) return;
+  std::cerr << "lumivane: " + oneLine(subject) +
+                   ": warning: the eye is inside a body, which is not drawn from there: what is "
+                   "visible is as if it were not there\n";
+}
+
 void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
                   Seconds& seconds) {
   writeShot(options, shot, seconds);
@@ -104,6 +112,7 @@ void runShot(const ShotOptions& options) {
   static SourcedScene& source = *new SourcedScene(readScene(options, seconds));
   if (!options.noCheck) refuseErrors(options.scene, source.scene.scene());
   static const TakenShot& shot = *new TakenShot(takeShot(options, source.scene, seconds));
+  warnIfInside(options.scene, shot);
   try {
     writeOutputs(options, source.scene, shot, seconds);
   } catch (const HostError&) {

@@ -32,6 +32,7 @@
 #include <lumivane/base/ViewOrientation3D.h>
 #include <lumivane/base/ViewSphericalCamera.h>
 #include <lumivane/check/Finding.h>
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/check/SceneChecker.h>
 #include <lumivane/cmd/CmdManager.h>
 #include <lumivane/cmd/Log.h>

@@ -4,6 +4,7 @@
 #include "session/Reading.h"
 #include "session/TakenShotState.h"
 
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/cmd/CmdManager.h>
 #include <lumivane/geometry/Point2d.h>
 #include <lumivane/session/Faults.h>
@@ -121,6 +122,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
   }
   if (shot == nullptr) throw failure(*this, "the library gives none");
   taken->hold(shot, sortedFaces);
+  taken->isInside = Check::InsideTest(scene()).isInside(taken->setup.eye());
   return TakenShot(std::move(taken));
 }
 

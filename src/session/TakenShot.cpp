@@ -54,6 +54,8 @@ Vector TakenShot::eye() const { return state->setup.eye(); }
 
 Scene::Scene3D& TakenShot::scene() const { return *state->sceneState->scene; }
 
+bool TakenShot::isInside() const { return state->isInside; }
+
 std::size_t TakenShot::hiddenFaces() const { return state->hiddenFaces; }
 
 std::string TakenShot::text() const { return IO::DataWriter().writeShotString(state->shot); }

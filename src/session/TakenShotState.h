@@ -29,6 +29,7 @@ struct TakenShot::State {
   ViewSetup setup;
   Shot::Shot2d* shot = nullptr;
   std::size_t hiddenFaces = 0;
+  bool isInside = false;
 
  private:
   // As the shot was made: what a host puts in their place is the shot's own.

@@ -186,6 +186,28 @@ TEST(BatchProgram, AViewBeyondALimitIsARowWithTheWordsOfTheShotCommand) {
   EXPECT_EQ(0U, rows[3].find("good,ok,"));
 }
 
+TEST(BatchProgram, AnEyeInsideABodyIsReportedAndMarkedInItsRow) {
+  const TempFolder folder;
+  write(folder.path("views.csv"), "name,eye\nin,\"1,0.9,0.3\"\nout,\"-4,0.35,1.9\"\n");
+  const Result result = run(batch(folder, "out", {"--jobs", "1"}));
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ(
+      "lumivane: view in: warning: the eye is inside a body, which is not drawn from there: what "
+      "is visible is as if it were not there\n",
+      result.err);
+  const std::vector<std::string> rows = lines(fileBytes(folder.path("out/summary.csv")));
+  ASSERT_EQ(3U, rows.size());
+  EXPECT_NE(std::string::npos, rows[0].find(",cycle,inside,objects_visible,"));
+  const auto cell = [](const std::string& row, int column) {
+    std::istringstream stream(row);
+    std::string text;
+    for (int i = 0; i <= column; ++i) std::getline(stream, text, ',');
+    return text;
+  };
+  EXPECT_EQ("1", cell(rows[1], 11)) << rows[1];
+  EXPECT_EQ("0", cell(rows[2], 11)) << rows[2];
+}
+
 TEST(BatchProgram, VeryManySegmentsOfAViewAskForALimit) {
   const TempFolder folder;
   write(folder.path("views.csv"), "name,segments\na,6\nb,100001\n");

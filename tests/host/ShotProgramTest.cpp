@@ -390,6 +390,17 @@ TEST(ShotProgram, FloorBelowTheEyeTakesLittleMemoryForEachPointReference) {
   EXPECT_LT(bytes / static_cast<double>(references), 60.0);  // once it was 150
 }
 
+TEST(ShotProgram, AnEyeInsideABodyIsReported) {
+  // Inside the pyramid, whose sides are then not drawn.
+  const Result inside = run({"shot", Small, "--eye=1,0.9,0.3"});
+  EXPECT_EQ(0, inside.status);
+  EXPECT_EQ("lumivane: " + Small +
+                ": warning: the eye is inside a body, which is not drawn from there: what is "
+                "visible is as if it were not there\n",
+            inside.err);
+  EXPECT_EQ("", runView(Small, {}).err);
+}
+
 TEST(ShotProgram, VeryManySegmentsAskForALimitInstead) {
   expectFailure(runView(Small, {"--segments", "100001"}), 2,
                 "lumivane: --segments: 100001 is above 100000: say with --limit-points N how many "

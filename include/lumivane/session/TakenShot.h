@@ -43,6 +43,9 @@ class LUMIVANE_EXPORT TakenShot {
   /// The scene that the shot was taken of, with what its last shot has left on its objects.
   Scene::Scene3D& scene() const;
 
+  /// Whether the shot was taken from inside a body, as `Check::InsideTest` finds it: what is
+  /// visible then is of no use, for the body itself is seen from behind and not drawn.
+  bool isInside() const;
   /// How many faces lay in the picture wholly behind others, so that the shot is without them.
   std::size_t hiddenFaces() const;
 

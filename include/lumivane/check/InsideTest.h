@@ -1,0 +1,40 @@
+#pragma once
+
+#include <lumivane/export.h>
+
+#include <array>
+#include <memory>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Check {
+
+/// Looks whether a point lies inside a body of a scene, from where a shot shows nothing of use: the
+/// body is seen from behind, so that it is not drawn, and what is visible is what would be without
+/// it.
+///
+/// A point is inside if a ray straight up, and most of fourteen rays all around, meet the back of a
+/// polygon first. So a body may be open below, as houses of city models often are, and an eye under
+/// a lone surface is inside nothing. A polygon that has another one on its back, as of a two-sided
+/// model, counts as seen from its front.
+class LUMIVANE_EXPORT InsideTest {
+ public:
+  /// Copies the polygons of the scene, those in front of nobody included. Numbers that point at
+  /// nothing are passed over.
+  explicit InsideTest(Scene::Scene3D& scene);
+  InsideTest(const InsideTest&) = delete;
+  InsideTest& operator=(const InsideTest&) = delete;
+  ~InsideTest();
+
+  /// Whether a point, in scene units, is inside.
+  bool isInside(const std::array<double, 3>& point) const;
+
+ private:
+  struct Polygons;
+
+  std::unique_ptr<const Polygons> polygons;
+};
+
+}  // namespace Lumivane::Check

@@ -1,0 +1,175 @@
+#include "kernel/Vec.h"
+
+#include <lumivane/check/InsideTest.h>
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+namespace Lumivane::Check {
+
+using Kernel::Vec3;
+
+namespace {
+
+// Straight up, and thirteen more all around: none along an axis or a diagonal, where polygons of
+// models have their edges.
+const std::vector<Vec3>& directions() {
+  static const std::vector<Vec3> all = [] {
+    std::vector<Vec3> result = {{0.0, 0.0, 1.0}};
+    constexpr int around = 13;
+    constexpr double goldenAngle = 2.399963229728653;
+    for (int i = 0; i < around; ++i) {
+      const double z = 1.0 - (2.0 * i + 1.0) / around;
+      const double width = std::sqrt(1.0 - z * z);
+      result.push_back(
+          {width * std::cos(goldenAngle * i + 0.1), width * std::sin(goldenAngle * i + 0.1), z});
+    }
+    return result;
+  }();
+  return all;
+}
+
+// Polygons on each other differ by rounding alone.
+constexpr double SameDistance = 1e-9;
+
+struct Polygon {
+  std::vector<Vec3> corners;
+  Vec3 normal;  // points to the side from which the corners run counterclockwise: its back
+  Vec3 mean;
+  Vec3 low;
+  Vec3 high;
+};
+
+// Newell's normal, and the middle of the corners.
+Polygon polygonOf(std::vector<Vec3> corners) {
+  Polygon polygon;
+  const double infinity = std::numeric_limits<double>::infinity();
+  polygon.low = {infinity, infinity, infinity};
+  polygon.high = -polygon.low;
+  const double share = 1.0 / static_cast<double>(corners.size());
+  // About the first corner, so that coordinates far from the origin lose nothing.
+  const Vec3 origin = corners.front();
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const Vec3 a = corners[i] - origin;
+    const Vec3 b = corners[(i + 1) % corners.size()] - origin;
+    polygon.normal = polygon.normal + Kernel::cross(a, b);
+    polygon.mean = polygon.mean + share * a;
+    polygon.low = {std::min(polygon.low.x, corners[i].x), std::min(polygon.low.y, corners[i].y),
+                   std::min(polygon.low.z, corners[i].z)};
+    polygon.high = {std::max(polygon.high.x, corners[i].x), std::max(polygon.high.y, corners[i].y),
+                    std::max(polygon.high.z, corners[i].z)};
+  }
+  polygon.mean = polygon.mean + origin;
+  polygon.corners = std::move(corners);
+  return polygon;
+}
+
+// A coordinate of a vector but the one that is left out.
+double first(Vec3 v, int leftOut) { return leftOut == 0 ? v.y : v.x; }
+double second(Vec3 v, int leftOut) { return leftOut == 2 ? v.y : v.z; }
+
+int longestAxis(Vec3 v) {
+  const double x = std::abs(v.x);
+  const double y = std::abs(v.y);
+  const double z = std::abs(v.z);
+  if (x >= y && x >= z) return 0;
+  return y >= z ? 1 : 2;
+}
+
+// By the even-odd rule, seen along the axis that is left out.
+bool contains(const Polygon& polygon, Vec3 point, int leftOut) {
+  const double px = first(point, leftOut);
+  const double py = second(point, leftOut);
+  bool inside = false;
+  for (std::size_t i = 0; i < polygon.corners.size(); ++i) {
+    const Vec3 a = polygon.corners[i];
+    const Vec3 b = polygon.corners[(i + 1) % polygon.corners.size()];
+    const double ay = second(a, leftOut);
+    const double by = second(b, leftOut);
+    if ((ay <= py) == (by <= py)) continue;
+    const double ax = first(a, leftOut);
+    if (ax + (first(b, leftOut) - ax) * ((py - ay) / (by - ay)) > px) inside = !inside;
+  }
+  return inside;
+}
+
+// How far along a ray a polygon is met; infinity if it is not.
+double distanceTo(const Polygon& polygon, Vec3 from, Vec3 direction) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const double slope = Kernel::dot(polygon.normal, direction);
+  if (slope == 0.0) return infinity;
+  const double distance = Kernel::dot(polygon.normal, polygon.mean - from) / slope;
+  if (!(distance > 0.0)) return infinity;
+  const Vec3 at = from + distance * direction;
+  return contains(polygon, at, longestAxis(polygon.normal)) ? distance : infinity;
+}
+
+bool mayBeAbove(const Polygon& polygon, Vec3 point) {
+  return polygon.high.z > point.z && polygon.low.x <= point.x && polygon.high.x >= point.x &&
+         polygon.low.y <= point.y && polygon.high.y >= point.y;
+}
+
+}  // namespace
+
+struct InsideTest::Polygons {
+  std::vector<Polygon> all;
+
+  // Whether the first polygon along a ray is met from its back alone.
+  bool isBackFirst(Vec3 from, Vec3 direction, bool isUp) const {
+    double front = std::numeric_limits<double>::infinity();
+    double back = front;
+    for (const Polygon& polygon : all) {
+      if (isUp && !mayBeAbove(polygon, from)) continue;
+      const double distance = distanceTo(polygon, from, direction);
+      double& nearest = Kernel::dot(polygon.normal, direction) > 0.0 ? front : back;
+      nearest = std::min(nearest, distance);
+    }
+    return back < front && front - back > SameDistance * back;
+  }
+};
+
+InsideTest::InsideTest(Scene::Scene3D& scene) {
+  auto found = std::make_unique<Polygons>();
+  if (scene.getPoints() != nullptr && scene.getObjects() != nullptr) {
+    const auto& points = *scene.getPoints()->getPoints();
+    for (const Scene::Object* object : *scene.getObjects()->getObjects()) {
+      if (object == nullptr || object->getRegions() == nullptr) continue;
+      for (const Geometry::Region* region : *object->getRegions()->getRegions()) {
+        if (region == nullptr || region->getPoints() == nullptr) continue;
+        std::vector<Vec3> corners;
+        for (const int number : *region->getPoints()) {
+          if (number < 1 || static_cast<std::size_t>(number) > points.size()) continue;
+          const Geometry::Point3d* point = points[static_cast<std::size_t>(number) - 1];
+          if (point != nullptr) corners.push_back({point->getX(), point->getY(), point->getZ()});
+        }
+        if (corners.size() > 2) found->all.push_back(polygonOf(std::move(corners)));
+      }
+    }
+  }
+  polygons = std::move(found);
+}
+
+InsideTest::~InsideTest() = default;
+
+bool InsideTest::isInside(const std::array<double, 3>& point) const {
+  const Vec3 eye{point[0], point[1], point[2]};
+  const std::vector<Vec3>& all = directions();
+  // Nearly every eye is decided by the first ray, and cheaply.
+  if (!polygons->isBackFirst(eye, all.front(), true)) return false;
+  const auto backs = std::count_if(all.begin() + 1, all.end(), [&](Vec3 direction) {
+    return polygons->isBackFirst(eye, direction, false);
+  });
+  return 2 * (static_cast<std::size_t>(backs) + 1) > all.size();
+}
+
+}  // namespace Lumivane::Check

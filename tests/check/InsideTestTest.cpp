@@ -1,0 +1,93 @@
+#include <lumivane/check/InsideTest.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Check {
+namespace {
+
+using Sides = std::vector<std::vector<int>>;
+
+// The corners of a box from (0, 0, 0) to (4, 2, 3), and its sides as they are seen from outside.
+const std::string Corners = "[0,0,0],[4,0,0],[4,2,0],[0,2,0],[0,0,3],[4,0,3],[4,2,3],[0,2,3]";
+const std::vector<int> Floor = {1, 2, 3, 4};
+const std::vector<int> Roof = {8, 7, 6, 5};
+const Sides Walls = {{5, 6, 2, 1}, {6, 7, 3, 2}, {7, 8, 4, 3}, {8, 5, 1, 4}};
+
+Sides turned(Sides sides) {
+  for (std::vector<int>& side : sides) side = {side.rbegin(), side.rend()};
+  return sides;
+}
+
+Sides with(Sides sides, const Sides& more) {
+  sides.insert(sides.end(), more.begin(), more.end());
+  return sides;
+}
+
+Session::LoadedScene sceneOf(const Sides& sides) {
+  std::string regions;
+  for (const std::vector<int>& side : sides) {
+    std::string numbers;
+    for (const int number : side) numbers += (numbers.empty() ? "" : ",") + std::to_string(number);
+    regions += std::string(regions.empty() ? "" : ",") + R"({"Brush":1,"Face":1,"Points":[)" +
+               numbers + "]}";
+  }
+  return Session::LoadedScene::fromText(
+      R"({"Points":[)" + Corners + R"(],"Brushes":[[1,2,3,255]],"Pens":[[0,0,0,255,1]],)" +
+          R"("Objects":[{"Id":"box","Pen":1,"Faces":[{"Regions":[1]}],"Regions":[)" + regions +
+          "]}]}",
+      "box");
+}
+
+bool isInside(const Sides& sides, const std::array<double, 3>& point) {
+  const Session::LoadedScene scene = sceneOf(sides);
+  return InsideTest(scene.scene()).isInside(point);
+}
+
+const Sides Box = with(with(Walls, {Floor}), {Roof});
+
+TEST(InsideTest, PointInAClosedBodyIsInside) {
+  EXPECT_TRUE(isInside(Box, {1.0, 1.0, 1.0}));
+  EXPECT_TRUE(isInside(Box, {3.9, 0.1, 2.9}));
+  EXPECT_TRUE(isInside(Box, {2.0, 1.0, 1.5}));  // where all diagonals meet
+}
+
+TEST(InsideTest, PointOutsideIsNot) {
+  for (const std::array<double, 3>& point :
+       std::vector<std::array<double, 3>>{{-1, 1, 1}, {5, 1, 1}, {2, 3, 1}, {2, 1, 4}, {2, 1, -1}})
+    EXPECT_FALSE(isInside(Box, point)) << point[0] << " " << point[1] << " " << point[2];
+}
+
+TEST(InsideTest, HouseWithoutAFloorCounts) {
+  EXPECT_TRUE(isInside(with(Walls, {Roof}), {1.0, 1.0, 1.0}));
+}
+
+TEST(InsideTest, PointUnderALoneRoofIsInsideNothing) {
+  EXPECT_FALSE(isInside({Roof}, {2.0, 1.0, 0.5}));
+}
+
+TEST(InsideTest, PointInARoomThatIsSeenFromWithinIsInsideNothing) {
+  EXPECT_FALSE(isInside(turned(Box), {1.0, 1.0, 1.0}));
+}
+
+TEST(InsideTest, TwoSidedBodyIsSeenFromWithin) {
+  EXPECT_FALSE(isInside(with(Box, turned(Box)), {1.0, 1.0, 1.0}));
+  EXPECT_FALSE(isInside(with(turned(Box), Box), {1.0, 1.0, 1.0}));
+}
+
+TEST(InsideTest, SceneWithNothingInItHasNoInside) { EXPECT_FALSE(isInside({}, {0, 0, 0})); }
+
+TEST(InsideTest, TakeReportsAnEyeInsideABody) {
+  Session::LoadedScene scene = sceneOf(Box);
+  Session::ViewSettings view;
+  view.eye = {1.0, 1.0, 1.0};
+  EXPECT_TRUE(scene.take(view).isInside());
+  view.eye = {-1.0, 1.0, 1.0};
+  EXPECT_FALSE(scene.take(view).isInside());
+}
+
+}  // namespace
+}  // namespace Lumivane::Check
