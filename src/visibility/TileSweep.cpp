@@ -213,11 +213,11 @@ void TileSweep::clipLine(const Segment& s, Line& line, bool& alive) const {
 void TileSweep::addCrossingLine(const PlanePair& pair) {
   const Slot& s = slots[static_cast<size_t>(pair.a)];
   const Slot& t = slots[static_cast<size_t>(pair.b)];
-  const Slot& lower = s.number < t.number ? s : t;
+  const Slot& nearer = s.number < t.number ? s : t;
   const Slot& higher = s.number < t.number ? t : s;
-  const double a = lower.a - higher.a;
-  const double b = lower.b - higher.b;
-  const double c = lower.c - higher.c;
+  const double a = nearer.a - higher.a;
+  const double b = nearer.b - higher.b;
+  const double c = nearer.c - higher.c;
   const auto x0 = static_cast<double>(tile.x0);
   const auto x1 = static_cast<double>(tile.x1);
   const auto y0 = static_cast<double>(tile.y0);
@@ -629,13 +629,13 @@ void TileSweep::openWalls(Coordinate x, size_t from, size_t to) {
 
 void TileSweep::emitWall(int from, int to, const Gap& below, const Gap& above, size_t firstLine,
                          size_t lastLine) {
-  const std::int32_t lower = parts.regionOf(below.area);
-  const std::int32_t upper = parts.regionOf(above.area);
-  if (lower == upper || from == to) return;
+  const std::int32_t lowest = parts.regionOf(below.area);
+  const std::int32_t highest = parts.regionOf(above.area);
+  if (lowest == highest || from == to) return;
   Piece piece{from, to, above.area, below.area, NoSource, false, false};
   int best = 0;
   for (size_t i = firstLine; i < lastLine; ++i)
-    chooseSource(lines[static_cast<size_t>(old.order[i])], lower, upper, piece, best);
+    chooseSource(lines[static_cast<size_t>(old.order[i])], lowest, highest, piece, best);
   parts.pieces.push_back(piece);
 }
 
