@@ -1,3 +1,4 @@
+#include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
 #include "visibility/LookPolygons.h"
 #include "visibility/MapBuilder.h"
@@ -10,11 +11,9 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <exception>
-#include <mutex>
 #include <stdexcept>
-#include <thread>
+#include <utility>
+#include <vector>
 
 // A look divides the faces of the cube into tiles, which are worked on in any order by any number
 // of threads, each into parts of its own. The parts are then joined in the order of the tiles, so
@@ -103,39 +102,26 @@ class Workers {
       : tasks(theTasks), setup(theSetup), options(theOptions) {}
 
   void run() {
-    const unsigned processors = std::max(1u, std::thread::hardware_concurrency());
-    const size_t wanted = options.threads == 0 ? processors : static_cast<size_t>(options.threads);
-    const size_t others = std::min(wanted, tasks.size()) - 1;
     if (options.progress) options.progress(0.0);
-    std::vector<std::thread> threads;
-    try {
-      for (size_t i = 0; i < others; ++i) threads.emplace_back([this] { work(false); });
-    } catch (...) {
-      // Without more threads those that are there do it all.
-    }
-    work(true);
-    for (std::thread& thread : threads) thread.join();
-    if (failure) std::rethrow_exception(failure);
+    const size_t threads = std::min(threadCount(options.threads), tasks.size());
+    inParallel(threads, [this](bool isCaller) { work(isCaller); });
   }
 
  private:
-  void work(bool reports) {
-    try {
-      LookPolygons polygons(setup);
-      for (;;) {
-        const size_t i = next.fetch_add(1);
-        if (i >= tasks.size() || stopped.load(std::memory_order_relaxed)) return;
-        Task& task = tasks[i];
-        TileDescent descent(polygons, task.parts, options.cancelled);
-        task.sides = descent.run(task.tile);
-        done.fetch_add(1);
-        if (reports) report();
-      }
-    } catch (...) {
-      stopped.store(true);
-      const std::lock_guard<std::mutex> lock(mutex);
-      if (!failure) failure = std::current_exception();
+  void work(bool reports) try {
+    LookPolygons polygons(setup);
+    for (;;) {
+      const size_t i = next.fetch_add(1);
+      if (i >= tasks.size() || stopped.load(std::memory_order_relaxed)) return;
+      Task& task = tasks[i];
+      TileDescent descent(polygons, task.parts, options.cancelled);
+      task.sides = descent.run(task.tile);
+      done.fetch_add(1);
+      if (reports) report();
     }
+  } catch (...) {
+    stopped.store(true);
+    throw;
   }
 
   void report() {
@@ -153,8 +139,6 @@ class Workers {
   std::atomic<size_t> next{0};
   std::atomic<size_t> done{0};
   std::atomic<bool> stopped{false};
-  std::mutex mutex;
-  std::exception_ptr failure;
   std::chrono::steady_clock::time_point lastReport = std::chrono::steady_clock::now();
 };
 
@@ -163,6 +147,25 @@ void shiftSides(Sides& sides, int by) {
     if (side.head >= 0) side.head += by;
     if (side.tail >= 0) side.tail += by;
   }
+}
+
+void reserve(MapParts& parts, const std::vector<Task>& tasks) {
+  size_t areas = 0;
+  size_t vertices = 0;
+  size_t pieces = 0;
+  size_t stretches = 0;
+  for (const Task& task : tasks) {
+    areas += task.parts.areas.size();
+    vertices += task.parts.vertices.size();
+    pieces += task.parts.pieces.size();
+    stretches += task.parts.stretches.size();
+  }
+  parts.areas.reserve(areas);
+  parts.areaSets.reserve(areas);
+  parts.vertices.reserve(vertices);
+  parts.vertexSets.reserve(vertices);
+  parts.pieces.reserve(pieces);
+  parts.stretches.reserve(stretches);
 }
 
 Sides joinTasks(MapParts& parts, std::vector<Task>& tasks, size_t& next, const Tile& tile,
@@ -212,13 +215,14 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   for (int face = 0; face < FaceCount; ++face) addTasks(tasks, wholeFace(face), levels);
   Workers(tasks, setup, options).run();
   MapParts parts;
+  reserve(parts, tasks);
   size_t next = 0;
   std::array<Sides, FaceCount> sides;
   for (int face = 0; face < FaceCount; ++face)
     sides[static_cast<size_t>(face)] = joinTasks(parts, tasks, next, wholeFace(face), levels);
   joinFaces(parts, sides);
   if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
-  buildMap(parts, setup, map);
+  buildMap(parts, setup, threadCount(options.threads), map);
 }
 
 // What each object would take if it were alone: the union of what faces the eye.

@@ -1,12 +1,12 @@
 #include "visibility/MapBuilder.h"
 
+#include "visibility/InParallel.h"
 #include "visibility/SphereMeasure.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <unordered_map>
 #include <utility>
 
 // From pieces to the map. Pieces that follow each other on one edge of the scene, with the same
@@ -43,8 +43,26 @@ Vec3 directionOf(const CubePoint& p) {
       {{static_cast<double>(p.c[0]), static_cast<double>(p.c[1]), static_cast<double>(p.c[2])}}));
 }
 
-struct PointHash {
-  size_t operator()(const CubePoint& p) const {
+// The first of equal points, in a table with open addressing.
+class KnownPoints {
+ public:
+  KnownPoints(const std::vector<CubePoint>& allPoints, size_t most) : points(allPoints) {
+    size_t size = 64;
+    while (size < 2 * most) size *= 2;
+    slots.assign(size, -1);
+  }
+  /// The number of the first point that was asked for and equals this one.
+  int first(int number) {
+    const CubePoint& p = points[static_cast<size_t>(number)];
+    const size_t mask = slots.size() - 1;
+    for (size_t slot = hashOf(p) & mask;; slot = (slot + 1) & mask) {
+      if (slots[slot] < 0) slots[slot] = number;
+      if (points[static_cast<size_t>(slots[slot])] == p) return slots[slot];
+    }
+  }
+
+ private:
+  static size_t hashOf(const CubePoint& p) {
     std::uint64_t h = 0;
     for (const Coordinate c : p.c) {
       h = (h ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15ull;
@@ -52,6 +70,9 @@ struct PointHash {
     }
     return static_cast<size_t>(h);
   }
+
+  const std::vector<CubePoint>& points;
+  std::vector<int> slots;
 };
 
 // Lists of numbers by key, in one array.
@@ -79,8 +100,8 @@ class Buckets {
 
 class Builder {
  public:
-  Builder(MapParts& theParts, const LookSetup& theSetup, VisibleMap& theMap)
-      : parts(theParts), setup(theSetup), map(theMap) {}
+  Builder(MapParts& theParts, const LookSetup& theSetup, size_t threadCount, VisibleMap& theMap)
+      : parts(theParts), setup(theSetup), threads(threadCount), map(theMap) {}
 
   void run() {
     joinVertices();
@@ -96,15 +117,13 @@ class Builder {
   // ---- vertices and cells
 
   void joinVertices() {
-    std::unordered_map<CubePoint, int, PointHash> known;
-    known.reserve(2 * parts.pieces.size());
+    KnownPoints known(parts.vertices, std::min(2 * parts.pieces.size(), parts.vertices.size()));
     std::vector<char> asked(parts.vertices.size(), 0);
     const auto ask = [&](int vertex) {
       const auto i = static_cast<size_t>(vertex);
       if (asked[i] != 0) return;
       asked[i] = 1;
-      const auto [place, isNew] = known.emplace(parts.vertices[i], vertex);
-      if (!isNew) parts.vertexSets.join(place->second, vertex);
+      parts.vertexSets.join(known.first(vertex), vertex);
     };
     for (const Piece& piece : parts.pieces) {
       ask(piece.from);
@@ -534,7 +553,7 @@ class Builder {
 
   void measureCells() {
     const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
-    for (size_t i = 0; i < map.cells.size(); ++i) {
+    forEachInParallel(map.cells.size(), threads, [&](size_t i) {
       VisibleMap::Cell& cell = map.cells[i];
       outerRingFirst(cell);
       cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(cell);
@@ -544,13 +563,14 @@ class Builder {
         cell.viewFactor = std::max(0.0, sum);
       }
       if (cellPolygons[i] >= 0) lookAtFoot(cell, cellPolygons[i]);
-    }
+    });
     for (const auto& [cell, polygon] : morePolygons)
       lookAtFoot(map.cells[static_cast<size_t>(cell)], polygon);
   }
 
   MapParts& parts;
   const LookSetup& setup;
+  size_t threads;
   VisibleMap& map;
   std::vector<Link> links;
   std::vector<int> linkPieces;
@@ -564,8 +584,8 @@ class Builder {
 
 }  // namespace
 
-void buildMap(MapParts& parts, const LookSetup& setup, VisibleMap& map) {
-  Builder(parts, setup, map).run();
+void buildMap(MapParts& parts, const LookSetup& setup, size_t threads, VisibleMap& map) {
+  Builder(parts, setup, threads, map).run();
 }
 
 }  // namespace Lumivane::Visibility

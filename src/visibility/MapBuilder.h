@@ -9,7 +9,8 @@
 namespace Lumivane::Visibility {
 
 /// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures
-/// cells. Fills all but the map's view and names.
-void buildMap(MapParts& parts, const LookSetup& setup, VisibleMap& map);
+/// cells. Fills all but the map's view and
+/// names. The map does not depend on the number of threads.
+void buildMap(MapParts& parts, const LookSetup& setup, size_t threads, VisibleMap& map);
 
 }  // namespace Lumivane::Visibility

@@ -50,6 +50,7 @@ class JoinedSets {
     parents[static_cast<size_t>(b)] = a;
   }
   size_t size() const { return parents.size(); }
+  void reserve(size_t count) { parents.reserve(count); }
   /// Forgets all members from `count` on, which are joined with each other only.
   void truncate(size_t count) { parents.resize(count); }
   /// Appends the sets of another, whose members follow.

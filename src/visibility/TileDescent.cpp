@@ -9,7 +9,7 @@ namespace {
 using Kernel::Vec3;
 
 constexpr double Half = static_cast<double>(CubeHalf);
-constexpr size_t FewSegments = 20;
+constexpr size_t FewSegments = 48;
 constexpr Coordinate SmallestTile = 1 << 14;
 constexpr int StalledLevels = 8;
 constexpr size_t StalledSegments = 400;

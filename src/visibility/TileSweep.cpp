@@ -435,10 +435,13 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
   if (!first && !last && prefix == oldTo && prefix == newTo) return;
   const Coordinate next = last ? x : *std::upper_bound(stops.begin(), stops.end(), x);
   for (size_t i = prefix; i < oldTo; ++i) closeGap(old.gaps[i], &old.masks[i * words], x);
-  for (size_t k = prefix; k < newTo; ++k) openGap(now.gaps[k], &now.masks[k * words], x, next);
+  int areaBelow = -1;
+  for (size_t k = prefix; k > 0 && areaBelow < 0; --k) areaBelow = now.gaps[k - 1].area;
+  for (size_t k = prefix; k < newTo; ++k) {
+    openGap(now.gaps[k], &now.masks[k * words], x, next, areaBelow);
+    if (!now.gaps[k].empty) areaBelow = now.gaps[k].area;
+  }
   placeMarks(prefix, oldTo, prefix, newTo, x);
-  if (!first) closeWalls(x, prefix, oldTo);
-  if (!last) openWalls(x, prefix, newTo);
   if (first) {
     sideStretches(sides[Left], now, true);
   } else if (last) {
@@ -446,6 +449,9 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
   } else {
     joinAcross(x, prefix, oldTo, prefix, newTo);
   }
+  kept.clear();
+  if (!last) openWalls(x, prefix, newTo);
+  if (!first) closeWalls(x, prefix, oldTo);
   const auto firstArea = [](const Slab& slab) {
     for (const Gap& gap : slab.gaps)
       if (!gap.empty) return gap.area;
@@ -465,6 +471,8 @@ void TileSweep::stopAt(Coordinate x, bool first, bool last) {
 // ends are those of the borders that meet the side there.
 void TileSweep::borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int mark) {
   if (area == open.area) return;
+  if (area >= 0 && open.area >= 0 && parts.areaSets.find(area) == parts.areaSets.find(open.area))
+    return;
   const int here = vertexOf(mark, x);
   if (open.area >= 0) parts.addStretch(side, open.since, x, open.vertex, here, open.area);
   open = {area, x, here};
@@ -577,15 +585,26 @@ void TileSweep::emitUpright(Mark& from, Mark& to, Coordinate x, int left, int ri
 void TileSweep::sideStretches(SideList& side, const Slab& slab, bool isNew) {
   const std::vector<int>& heights = isNew ? newMarks : oldMarks;
   const Coordinate x = isNew ? tile.x0 : tile.x1;
-  for (size_t i = 0; i < slab.gaps.size(); ++i) {
-    const int from = heights[i];
-    const int to = heights[i + 1];
-    if (slab.gaps[i].empty || from >= to) continue;
+  const auto add = [&](int from, int to, int area) {
     const int fromVertex = vertexOf(from, x);
     const int toVertex = vertexOf(to, x);
     parts.addStretch(side, marks[static_cast<size_t>(from)].y, marks[static_cast<size_t>(to)].y,
-                     fromVertex, toVertex, slab.gaps[i].area);
+                     fromVertex, toVertex, area);
+  };
+  int begin = -1;
+  int end = -1;
+  int area = -1;
+  for (size_t i = 0; i < slab.gaps.size(); ++i) {
+    if (slab.gaps[i].empty || heights[i] >= heights[i + 1]) continue;
+    const int here = slab.gaps[i].area;
+    if (area < 0 || parts.regionOf(area) != parts.regionOf(here)) {
+      if (area >= 0) add(begin, end, area);
+      begin = heights[i];
+      area = here;
+    }
+    end = heights[i + 1];
   }
+  if (area >= 0) add(begin, end, area);
 }
 
 void TileSweep::closeWalls(Coordinate x, size_t from, size_t to) {
@@ -598,7 +617,8 @@ void TileSweep::closeWalls(Coordinate x, size_t from, size_t to) {
     size_t above = below + 1;
     while (above < gaps.size() && gaps[above].empty) ++above;
     if (above == gaps.size()) return;
-    if (above >= from) {
+    const bool goesOn = std::find(kept.begin(), kept.end(), gaps[below].above) != kept.end();
+    if (above >= from && !goesOn && divides(gaps[below], gaps[above])) {
       const size_t border = std::max(below + 1, from);
       const int end = vertexOf(oldMarks[border - from], x);
       emitWall(gaps[below].wallVertex, end, gaps[below], gaps[above], below, above);
@@ -618,24 +638,48 @@ void TileSweep::openWalls(Coordinate x, size_t from, size_t to) {
     while (above < gaps.size() && gaps[above].empty) ++above;
     if (above == gaps.size()) return;
     if (above >= from) {
-      const size_t border = std::max(below + 1, from);
-      gaps[below].wallVertex = vertexOf(newMarks[border - from], x);
-      if (parts.regionOf(gaps[below].area) == parts.regionOf(gaps[above].area))
+      if (!divides(gaps[below], gaps[above])) {
         parts.areaSets.join(gaps[below].area, gaps[above].area);
+      } else if (!keepWall(below, above)) {
+        const size_t border = std::max(below + 1, from);
+        gaps[below].wallVertex = vertexOf(newMarks[border - from], x);
+      }
     }
     below = above;
   }
 }
 
+// Whether a wall of the old slab goes on with the same lines between the same areas: then it is one
+// piece.
+bool TileSweep::keepWall(size_t below, size_t above) {
+  const int line = now.gaps[below].above;
+  size_t i = 0;
+  while (i < old.gaps.size() && (old.gaps[i].empty || old.gaps[i].above != line)) ++i;
+  const size_t k = i + above - below;
+  if (k >= old.gaps.size() || old.gaps[k].empty) return false;
+  for (size_t n = 1; n < above - below; ++n)
+    if (!old.gaps[i + n].empty || old.gaps[i + n].above != now.gaps[below + n].above) return false;
+  const auto sameArea = [this](const Gap& a, const Gap& b) {
+    return parts.areas[static_cast<size_t>(a.area)].polygon ==
+               parts.areas[static_cast<size_t>(b.area)].polygon &&
+           parts.areaSets.find(a.area) == parts.areaSets.find(b.area);
+  };
+  if (!sameArea(old.gaps[i], now.gaps[below]) || !sameArea(old.gaps[k], now.gaps[above]))
+    return false;
+  now.gaps[below].wallVertex = old.gaps[i].wallVertex;
+  kept.push_back(line);
+  return true;
+}
+
 void TileSweep::emitWall(int from, int to, const Gap& below, const Gap& above, size_t firstLine,
                          size_t lastLine) {
-  const std::int32_t lowest = parts.regionOf(below.area);
-  const std::int32_t highest = parts.regionOf(above.area);
-  if (lowest == highest || from == to) return;
+  if (from == to) return;
+  const std::int32_t lowerRegion = parts.regionOf(below.area);
+  const std::int32_t upperRegion = parts.regionOf(above.area);
   Piece piece{from, to, above.area, below.area, NoSource, false, false};
   int best = 0;
   for (size_t i = firstLine; i < lastLine; ++i)
-    chooseSource(lines[static_cast<size_t>(old.order[i])], lowest, highest, piece, best);
+    chooseSource(lines[static_cast<size_t>(old.order[i])], lowerRegion, upperRegion, piece, best);
   parts.pieces.push_back(piece);
 }
 
@@ -704,7 +748,8 @@ std::int32_t TileSweep::seenAt(const Word* mask, double x, double y) const {
   return best;
 }
 
-void TileSweep::openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to) {
+// Neighbours with one label are one area.
+void TileSweep::openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to, int areaBelow) {
   gap.since = from;
   if (gap.empty) return;
   const double x = 0.5 * (static_cast<double>(from) + static_cast<double>(to));
@@ -714,13 +759,14 @@ void TileSweep::openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate 
     return heightAt(lines[static_cast<size_t>(line)], x);
   };
   gap.slot = seenAt(mask, x, 0.5 * (height(gap.below) + height(gap.above)));
-  if (gap.slot < 0) {
-    gap.area = parts.addArea(SkyRegion, -1);
-    return;
+  Area area{SkyRegion, -1};
+  if (gap.slot >= 0) {
+    const Slot& slot = slots[static_cast<size_t>(gap.slot)];
+    area = {slot.position == LookPolygons::Beyond ? BeyondRegion : slot.region, slot.number};
   }
-  const Slot& slot = slots[static_cast<size_t>(gap.slot)];
-  const bool beyond = slot.position == LookPolygons::Beyond;
-  gap.area = parts.addArea(beyond ? BeyondRegion : slot.region, slot.number);
+  const bool same = areaBelow >= 0 && parts.regionOf(areaBelow) == area.region &&
+                    parts.areas[static_cast<size_t>(areaBelow)].polygon == area.polygon;
+  gap.area = same ? areaBelow : parts.addArea(area.region, area.polygon);
 }
 
 // What is seen in the middle must be in front in all corners too; where it is not, two regions run

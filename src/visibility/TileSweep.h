@@ -145,7 +145,11 @@ class TileSweep {
   void sideStretches(SideList& side, const Slab& slab, bool isNew);
   void closeWalls(Coordinate x, size_t from, size_t to);
   void openWalls(Coordinate x, size_t from, size_t to);
-  void openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to);
+  bool divides(const Gap& below, const Gap& above) const {
+    return parts.regionOf(below.area) != parts.regionOf(above.area);
+  }
+  bool keepWall(size_t below, size_t above);
+  void openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to, int areaBelow);
   void closeGap(const Gap& gap, const Word* mask, Coordinate to);
   void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int mark);
   std::int32_t seenAt(const Word* mask, double x, double y) const;
@@ -188,6 +192,7 @@ class TileSweep {
   std::vector<Mark> marks;
   std::vector<int> oldMarks;  // of the borders of the changed gaps, from below
   std::vector<int> newMarks;
+  std::vector<int> kept;  // lowest lines of walls that go on over a stop
   Sides sides;
   OpenStretch lower;  // along the lower side
   OpenStretch upper;
