@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
+#include <vector>
 
 /// The plane of a whole outline, which need not be quite flat nor simple.
 namespace Lumivane::Kernel {
@@ -13,7 +15,7 @@ struct OutlinePlane {
   /// Unit vector to the side from which the corners run counter-clockwise; zero if there is none.
   Vec3 normal;
   Vec3 mean;          ///< the mean of the corners
-  double size = 0.0;  ///< the greatest extent of the corners' box along an axis
+  double size = 0.0;  ///< the greatest distance between two corners
 
   bool exists() const { return normal != Vec3{}; }
 };
@@ -27,16 +29,47 @@ inline Vec3 meanOf(const Vec3* points, std::size_t count) {
   return points[0] + Vec3{sum.x / n, sum.y / n, sum.z / n};
 }
 
-/// The greatest extent of the box of some points, \pre at least one, along an axis.
-inline double greatestExtent(const Vec3* points, std::size_t count) {
-  Vec3 low = points[0];
-  Vec3 high = points[0];
+/// The power of two that brings the greatest of the points' distances from their mean, along an
+/// axis, between 1 and 2; 0 if all are at one place.
+inline double scaleOf(const Vec3* points, std::size_t count, Vec3 mean) {
+  double greatest = 0.0;
   for (std::size_t i = 0; i < count; ++i) {
-    const Vec3 p = points[i];
-    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
-    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    const Vec3 p = points[i] - mean;
+    greatest = std::max({greatest, std::abs(p.x), std::abs(p.y), std::abs(p.z)});
   }
-  return std::max({high.x - low.x, high.y - low.y, high.z - low.z});
+  return greatest == 0.0 ? 0.0 : std::exp2(-std::ilogb(greatest));
+}
+
+/// The greatest distance between two of some points, times `scale`: of more than 64 points to a
+/// part in a thousand. It does not change with the axes. `mean` is that of the points.
+inline double scaledDiameter(const Vec3* points, std::size_t count, Vec3 mean, double scale) {
+  constexpr std::size_t FewPoints = 64;
+  constexpr double Accuracy = 1e-3;
+  double best = 0.0;  // squared
+  if (count <= FewPoints) {
+    for (std::size_t i = 0; i < count; ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        const Vec3 between = scale * (points[i] - points[j]);
+        best = std::max(best, dot(between, between));
+      }
+    }
+    return std::sqrt(best);
+  }
+  // From the farthest point inwards: two are no farther apart than the sum of their distances from
+  // the mean.
+  std::vector<std::pair<double, std::size_t>> order;
+  for (std::size_t i = 0; i < count; ++i)
+    order.emplace_back(length3(scale * (points[i] - mean)), i);
+  std::sort(order.rbegin(), order.rend());
+  for (std::size_t i = 0; i < count; ++i) {
+    if (2.0 * order[i].first <= best * (1.0 + Accuracy)) break;
+    for (std::size_t j = i + 1; j < count; ++j) {
+      if (order[i].first + order[j].first <= best * (1.0 + Accuracy)) break;
+      const Vec3 between = points[order[i].second] - points[order[j].second];
+      best = std::max(best, length3(scale * between));
+    }
+  }
+  return best;
 }
 
 /// Newell's normal through the mean of the corners (I. Sutherland, R. Sproull, R. Schumacker, A
@@ -49,10 +82,9 @@ inline OutlinePlane outlinePlane(const Vec3* points, std::size_t count) {
   OutlinePlane plane;
   if (count == 0) return plane;
   plane.mean = meanOf(points, count);
-  plane.size = greatestExtent(points, count);
-  if (count < 3 || plane.size == 0.0) return plane;
-
-  const double scale = std::exp2(-std::ilogb(plane.size));
+  const double scale = scaleOf(points, count, plane.mean);
+  if (count < 3 || scale == 0.0) return plane;
+  plane.size = scaledDiameter(points, count, plane.mean, scale) / scale;
   Vec3 area;
   Vec3 terms;  // of the products' absolute values
   Vec3 p = scale * (points[count - 1] - plane.mean);

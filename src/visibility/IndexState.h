@@ -44,7 +44,7 @@ struct IndexState {
   std::vector<std::uint8_t> cornerInner;
 
   std::vector<ScenePlane> planes;     ///< of polygon i
-  std::vector<double> sizes;          ///< of polygon i: greatest extent of its corners' box
+  std::vector<double> sizes;          ///< of polygon i: greatest distance between two corners
   std::vector<std::int32_t> regions;  ///< of polygon i: position in `names->regions`
   std::vector<std::int32_t> layers;   ///< of polygon i: position in `layerPlanes`
   std::vector<ScenePlane>

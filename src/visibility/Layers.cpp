@@ -27,7 +27,7 @@ namespace {
 using Kernel::Vec3;
 
 constexpr double GroupToLayer = 10.0;  // how much farther than `coplanar` a layer reaches
-// Polygons whose size by perimeter and area is beyond this are slivers: 4 is that of a square.
+// Polygons whose size by perimeter and area is beyond this are slivers: 5.7 is that of a square.
 constexpr double MostSlender = 64.0;
 constexpr double Rounding = 1e-14;  // more than rounding changes of a distance, by the scene's size
 constexpr int MostNeighbours = 32;  // looked at on either side in the order of distances
@@ -94,7 +94,7 @@ class Planes {
     return isWithin(i, plane(j), most) && isWithin(j, plane(i), most);
   }
 
-  // Size by perimeter and area: at least 4 for a square. Infinite where the area is lost.
+  // Size by perimeter and area: 5.7 for a square. Infinite where the area is lost.
   double slenderness(std::size_t i) const {
     const std::size_t n = cornerCount(i);
     const Vec3 first = corner(i, 0);
@@ -209,9 +209,10 @@ class PlaneTree {
       std::size_t node;
       std::size_t begin;
       std::size_t end;
+      int depth;
     };
     nodes.emplace_back();
-    std::vector<Task> tasks = {{0, 0, entries.size()}};
+    std::vector<Task> tasks = {{0, 0, entries.size(), 0}};
     while (!tasks.empty()) {
       const Task task = tasks.back();
       tasks.pop_back();
@@ -221,19 +222,21 @@ class PlaneTree {
         nodes[task.node].count = static_cast<std::int32_t>(task.end - task.begin);
         continue;
       }
-      const std::size_t middle = halve(task.begin, task.end);
+      const std::size_t middle = divide(task.begin, task.end, task.depth);
       const std::size_t child = nodes.size();
       nodes[task.node].first = static_cast<std::int32_t>(child);
       nodes.resize(child + 2);
-      tasks.push_back({child, task.begin, middle});
-      tasks.push_back({child + 1, middle, task.end});
+      tasks.push_back({child, task.begin, middle, task.depth + 1});
+      tasks.push_back({child + 1, middle, task.end, task.depth + 1});
     }
     for (std::size_t i = nodes.size(); i-- > 0;) bound(nodes[i]);
   }
 
-  // At the middle along the widest extent: planes first, places where planes are all but the same.
-  std::size_t halve(std::size_t begin, std::size_t end) {
-    constexpr double PlaceWeight = 1e-6;
+  // Along the widest extent, planes before places, in the middle of the extent and not of the
+  // entries: else many that are the same would be dealt out among the few others, and be in many
+  // subtrees.
+  std::size_t divide(std::size_t begin, std::size_t end, int depth) {
+    constexpr double PlaceWeight = 1e-9;
     const double reach = planes.reach;
     const std::array<double, 7> weights = {reach,       reach,       reach,      1.0,
                                            PlaceWeight, PlaceWeight, PlaceWeight};
@@ -243,15 +246,14 @@ class PlaneTree {
     std::size_t axis = 0;
     for (std::size_t k = 1; k < extents.size(); ++k)
       if (weights[k] * extents[k].length() > weights[axis] * extents[axis].length()) axis = k;
-    const std::size_t middle = begin + (end - begin) / 2;
-    const auto at = [this](std::size_t i) {
-      return entries.begin() + static_cast<std::ptrdiff_t>(i);
-    };
-    std::nth_element(at(begin), at(middle), at(end), [axis](const Entry& a, const Entry& b) {
-      return a.place[axis] < b.place[axis] ||
-             (a.place[axis] == b.place[axis] && a.polygon < b.polygon);
-    });
-    return middle;
+    const double middle = extents[axis].middle();
+    const auto first = entries.begin() + static_cast<std::ptrdiff_t>(begin);
+    const auto last = entries.begin() + static_cast<std::ptrdiff_t>(end);
+    const auto cut = std::partition(
+        first, last, [axis, middle](const Entry& entry) { return entry.place[axis] < middle; });
+    constexpr int DeepestMiddle = 60;
+    const bool isCut = cut != first && cut != last && depth < DeepestMiddle;
+    return isCut ? static_cast<std::size_t>(cut - entries.begin()) : begin + (end - begin) / 2;
   }
 
   void bound(Node& node) const {
@@ -280,7 +282,7 @@ class PlaneTree {
     }
   }
 
-  // The tree is balanced: no deeper than the digits of a number of polygons.
+  // No deeper than 60 and the binary digits of the number of polygons.
   void visit(std::size_t number) {
     Node& node = nodes[number];
     --stepsLeft;
@@ -314,9 +316,10 @@ class PlaneTree {
   bool isOfNoUse(const Node& node) {
     const auto i = static_cast<std::size_t>(asked);
     if (node.largest < planes.size(i)) return true;
-    if (node.same >= 0 && groups.groupOf(node.same) == groups.groupOf(asked)) return true;
     const double most = planes.coplanar * node.largest + planes.noise();
-    return isOffPlanes(node, most) || isOffOwnPlane(node, most) || (stepsLeft < 0 && isFar(node));
+    if (isOffPlanes(node, most)) return true;
+    if (node.same >= 0 && groups.groupOf(node.same) == groups.groupOf(asked)) return true;
+    return isOffOwnPlane(node, most) || (stepsLeft < 0 && isFar(node));
   }
 
   // Whether a corner is off all planes of a node.

@@ -31,7 +31,7 @@ TEST(Newell, TheNormalPointsToWhereCornersRunCounterClockwise) {
   const OutlinePlane plane = planeOf({{0, 0, 2}, {4, 0, 2}, {4, 2, 2}, {0, 2, 2}});
   EXPECT_EQ((Vec3{0, 0, 1}), plane.normal);
   EXPECT_EQ((Vec3{2, 1, 2}), plane.mean);
-  EXPECT_EQ(4.0, plane.size);
+  EXPECT_DOUBLE_EQ(std::sqrt(20.0), plane.size);
 }
 
 TEST(Newell, TheWholeOutlineCountsNotItsFirstCorners) {
