@@ -174,14 +174,11 @@ int CityPalette::material(int appearance, const std::string& surface, const std:
 }
 
 int CityPalette::number(const SourceMaterial& material) {
-  const auto found =
-      std::find_if(model.materials.begin(), model.materials.end(), [&](const SourceMaterial& m) {
-        return m.red == material.red && m.green == material.green && m.blue == material.blue &&
-               m.alpha == material.alpha;
-      });
-  if (found != model.materials.end()) return static_cast<int>(found - model.materials.begin());
-  model.materials.push_back(material);
-  return static_cast<int>(model.materials.size()) - 1;
+  const auto [place, isNew] = numbers.emplace(
+      std::array<int, 4>{material.red, material.green, material.blue, material.alpha},
+      static_cast<int>(model.materials.size()));
+  if (isNew) model.materials.push_back(material);
+  return place->second;
 }
 
 bool addCityGeometry(const CityNode& geometry, const CityVertices& vertices,

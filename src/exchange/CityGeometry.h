@@ -1,8 +1,11 @@
 #pragma once
 
+#include "exchange/FileOrderMap.h"
 #include "exchange/SourceModel.h"
 
+#include <array>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,7 +14,7 @@
 namespace Lumivane::Exchange {
 
 /// CityJSON keeps the order of a file's objects, and so do we.
-using CityNode = nlohmann::ordered_json;
+using CityNode = nlohmann::basic_json<FileOrderMap>;
 
 /// Places from which the boundaries of a geometry are read: which vertices they number, and where
 /// these stand among the vertices of the model.
@@ -40,6 +43,7 @@ class CityPalette {
 
   SourceModel& model;
   std::vector<SourceMaterial> appearances;
+  std::map<std::array<int, 4>, int> numbers;  // of the model's materials, by their colours
 };
 
 /// Adds the polygons of one geometry object to the model.

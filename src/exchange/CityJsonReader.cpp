@@ -10,6 +10,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
 #include <memory>
 
 namespace Lumivane::Exchange {
@@ -74,6 +75,10 @@ Vec3 mapped(const Matrix& m, Vec3 v) {
   return {m[0] * v.x + m[1] * v.y + m[2] * v.z + m[3], m[4] * v.x + m[5] * v.y + m[6] * v.z + m[7],
           m[8] * v.x + m[9] * v.y + m[10] * v.z + m[11]};
 }
+
+// What instances make beyond what the file holds.
+constexpr size_t MostMappedVertices = 200000000;
+constexpr size_t MostRepeatedPolygons = 1000000;
 
 class CityJsonReader {
  public:
@@ -200,10 +205,37 @@ class CityJsonReader {
                         std::to_string(numbers.count));
     const Vec3 origin = model.vertices[static_cast<size_t>(index)];
     const Matrix matrix = matrixOf(member(instance, "transformationMatrix"));
+    mappedVertices += templateVertices().size();
+    if (mappedVertices > MostMappedVertices)
+      throw ImportError("instances place templates again and again, more than " +
+                        std::to_string(MostMappedVertices) + " points; split the file");
     const int first = static_cast<int>(model.vertices.size());
     for (const Vec3& v : templateVertices()) model.vertices.push_back(mapped(matrix, v) + origin);
+    const size_t firstPolygon = model.polygons.size();
     const CityVertices own{templateVertices().size(), first};
     if (!addCityGeometry(*node, own, type, object, *palette, model)) ++skippedGeometries;
+    keepUsedVertices(first, firstPolygon);
+    repeatedPolygons += model.polygons.size() - firstPolygon;
+    if (repeatedPolygons > MostRepeatedPolygons)
+      throw ImportError("instances repeat templates to more than " +
+                        std::to_string(MostRepeatedPolygons) + " polygons; split the file");
+  }
+
+  // Drops those of the last vertices, from `first` on, that none of the last polygons uses.
+  void keepUsedVertices(int first, size_t firstPolygon) {
+    std::map<int, int> numbersOfUsed;
+    for (size_t p = firstPolygon; p < model.polygons.size(); ++p)
+      for (const std::vector<int>& loop : model.polygons[p].loops)
+        for (const int vertex : loop) numbersOfUsed.emplace(vertex, 0);
+    int next = first;
+    for (auto& [vertex, number] : numbersOfUsed) {
+      model.vertices[static_cast<size_t>(next)] = model.vertices[static_cast<size_t>(vertex)];
+      number = next++;
+    }
+    model.vertices.resize(static_cast<size_t>(next));
+    for (size_t p = firstPolygon; p < model.polygons.size(); ++p)
+      for (std::vector<int>& loop : model.polygons[p].loops)
+        for (int& vertex : loop) vertex = numbersOfUsed.at(vertex);
   }
 
   const std::vector<Vec3>& templateVertices() {
@@ -223,6 +255,8 @@ class CityJsonReader {
   CityVertices numbers;
   std::vector<Vec3> ownVertices;
   std::unique_ptr<CityPalette> palette;
+  size_t mappedVertices = 0;
+  size_t repeatedPolygons = 0;
   size_t skippedGeometries = 0;
   size_t lowerLevels = 0;
 };

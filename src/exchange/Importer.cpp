@@ -168,6 +168,15 @@ std::optional<Kernel::Vec3> eyeOf(const std::optional<std::array<double, 3>>& ey
   return Kernel::Vec3{(*eye)[0], (*eye)[1], (*eye)[2]};
 }
 
+// A file can give a reason for a note in each of its lines.
+void shorten(std::vector<std::string>& notes) {
+  constexpr size_t MostNotes = 100;
+  if (notes.size() <= MostNotes) return;
+  const size_t more = notes.size() - MostNotes;
+  notes.resize(MostNotes);
+  notes.push_back("there are " + std::to_string(more) + " more notes like these");
+}
+
 // What went wrong, as an error that names the file.
 template <class Work>
 auto namingTheFile(const std::string& path, const Work& work) {
@@ -227,12 +236,15 @@ struct ImportedModel::State {
     const PlacedSize placed = placeModel(model, options, report);
     surfaces = makeFaces(model, options, placed.step, report);
     report.warnings = std::move(model.warnings);
+    shorten(report.warnings);
     if (report.emptyPolygons > 0)
       report.warnings.push_back(std::to_string(report.emptyPolygons) +
                                 " polygons without area are left out");
     if (report.unfilledPolygons > 0)
-      report.warnings.push_back(std::to_string(report.unfilledPolygons) +
-                                " polygons whose outline crosses itself are left out");
+      report.warnings.push_back(
+          std::to_string(report.unfilledPolygons) +
+          " polygons whose outline crosses itself, or is too large to be cut, are "
+          "left out");
     warnOfShortEdges(model, report);
   }
 

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 
 namespace Lumivane::Exchange {
 namespace {
@@ -213,15 +214,23 @@ class ObjReader {
     material = place->second;
   }
 
-  // All words as one name, since names may hold blanks; else each word as a name.
+  // All words as one name, since names may hold blanks; else each word as a name. A line that comes
+  // again says nothing new.
   void readLibraries(const Words& words) {
-    if (readLibrary(nameIn(words))) return;
+    if (!libraryLines.insert(nameIn(words)).second || readLibrary(nameIn(words))) return;
     for (size_t i = 1; i < words.size(); ++i)
       if (!readLibrary(std::string(words[i])))
         model.warnings.push_back("material library " + inQuotes(words[i]) + " cannot be read");
   }
 
+  // A library that is named again has been read.
   bool readLibrary(const std::string& name) {
+    const auto [place, isNew] = librariesRead.emplace(name, false);
+    if (isNew) place->second = readNewLibrary(name);
+    return place->second;
+  }
+
+  bool readNewLibrary(const std::string& name) {
     std::string slashed = name;
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
     const std::filesystem::path path = folder / slashed;
@@ -237,6 +246,8 @@ class ObjReader {
   std::string fallback;
   SourceModel model;
   MaterialLibrary library;
+  std::set<std::string> libraryLines;
+  std::map<std::string, bool> librariesRead;  // by name, and whether it could be read
   std::map<std::string, int> objects;
   std::map<std::string, int> materials;
   size_t lineNumber = 0;

@@ -1,12 +1,13 @@
 // A polygon is flattened onto its plane, blown up or shrunk to one size, and handed to the
 // tesselator of GLU, a sweep over its corners. Its triangles come in no good shape, long slivers
-// where corners lie on one line among them, which a shot might draw on the wrong side; so inner
-// edges are flipped until each is the one that a Delaunay triangulation has (C. L. Lawson,
+// where corners lie on one line among them, which a shot might draw on the wrong side; so the inner
+// edges of slivers are flipped where a Delaunay triangulation has the other diagonal (C. L. Lawson,
 // "Transforming triangulations", 1972).
 //
 // The sweep searches the edges that it crosses one by one, and finds every crossing of two edges.
 // Both are counted beforehand, so that no outline takes it minutes: it sweeps along the axis across
-// which fewer edges lie side by side.
+// which fewer edges lie side by side. What it cuts off it walks round as a whole, which takes time
+// by the square of the corners in the worst case: it counts as well.
 
 #include "exchange/OutlineCutter.h"
 
@@ -35,9 +36,10 @@ constexpr double FlatSize = 1000.0;
 constexpr double MeetingDistance = 1e-4;
 // A filling that covers another area than the polygon by more than this share is no filling.
 constexpr double AreaTolerance = 1e-3;
-// What the outlines of a model may ask of the sweep, and of the search for crossings: a second or
-// two each.
-constexpr std::int64_t MostSteps = 400000000;
+// What one outline may ask of the sweep, a few seconds; and all those of a model, together with the
+// search for crossings. Most outlines take far less than what is counted.
+constexpr std::int64_t MostStepsOfOne = 400000000;
+constexpr std::int64_t MostSteps = 5 * MostStepsOfOne;
 // Crossings near corners are settled by the sweep; more of them are no noise.
 constexpr int MostCrossings = 1000;
 
@@ -198,7 +200,7 @@ class Flipper {
   void run() {
     for (const auto& [key, users] : owners) waiting.push_back(key);
     // A triangulation has few flips to make; rounding must not make it go in circles.
-    for (size_t flips = 0; !waiting.empty() && flips < 20 * triangles.size();) {
+    for (size_t flips = 0; !waiting.empty() && flips < 4 * triangles.size();) {
       const Key key = waiting.back();
       waiting.pop_back();
       if (flip(key)) ++flips;
@@ -246,8 +248,21 @@ class Flipper {
   // For triangles a b c and b a d: whether d lies within the circle through a, b and c, and both
   // triangles at the other diagonal run the right way round.
   static bool isBetterAcross(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
+    if (!isThin(a, b, c) && !isThin(b, a, d)) return false;
     if (!(turn(a, d, c) > 0.0 && turn(d, b, c) > 0.0)) return false;
     return circle(a, b, c, d) > 1e-9 * (turn(a, d, c) + turn(d, b, c)) * FlatSize;
+  }
+
+  // So thin that rounding to single precision could turn it round.
+  static bool isThin(Vec2 a, Vec2 b, Vec2 c) {
+    constexpr double Thin = 1e-6;
+    const double longest =
+        std::max({lengthSquared(a, b), lengthSquared(b, c), lengthSquared(c, a)});
+    return turn(a, b, c) < Thin * longest;
+  }
+
+  static double lengthSquared(Vec2 a, Vec2 b) {
+    return (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
   }
 
   static double circle(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
@@ -371,7 +386,10 @@ std::vector<Loop> OutlineCutter::triangles(const std::vector<Loop>& loops) {
   const std::vector<Edge> edges = edgesOf(flat);
   const std::int64_t alongX = sweepSteps(edges, &Vec2::x);
   const std::int64_t alongY = sweepSteps(edges, &Vec2::y);
-  stepsLeft -= std::min(alongX, alongY);
+  const auto corners = static_cast<std::int64_t>(edges.size());
+  const std::int64_t steps = std::min(alongX, alongY) + corners * corners / 2;
+  if (steps > MostStepsOfOne) return {};
+  stepsLeft -= steps;
   if (stepsLeft < 0 || isTangled(edges, stepsLeft)) return {};
   std::vector<Triangle> filled = tesselator->fill(flat, alongY < alongX);
   Flipper flipper(flat, filled);

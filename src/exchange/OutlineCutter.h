@@ -19,8 +19,9 @@ class OutlineCutter {
   /// Fills a polygon with triangles, which run the same way round as its outline.
   ///
   /// \param loops  the outline, then its holes, wound either way
-  /// \return no triangles if the outline cannot be filled: it crosses itself, or so many of its
-  ///         edges lie side by side that all polygons of the model together would take minutes
+  /// \return no triangles if the outline cannot be filled: it crosses itself, or has more
+  ///         corners (28,000) or edges side by side than can be cut in seconds, of all polygons of
+  ///         the model together
   std::vector<Loop> triangles(const std::vector<Loop>& loops);
 
  private:

@@ -96,7 +96,8 @@ class SceneBuilder {
   std::string uniqueId(const std::string& name) {
     const std::string wanted = name.empty() ? "object" : name;
     std::string id = wanted;
-    for (int i = 2; !ids.insert(id).second; ++i) id = wanted + " (" + std::to_string(i) + ")";
+    int& next = nextNumbers.emplace(wanted, 2).first->second;
+    while (!ids.insert(id).second) id = wanted + " (" + std::to_string(next++) + ")";
     return id;
   }
 
@@ -149,6 +150,7 @@ class SceneBuilder {
   std::vector<int> pointNumbers;
   std::map<std::array<int, 4>, int> brushNumbers;
   std::set<std::string> ids;
+  std::map<std::string, int> nextNumbers;  // of the objects with one name
   size_t faceCount = 0;
   size_t regionCount = 0;
 };
@@ -166,7 +168,7 @@ std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
     builder.addObject(model.objects[i].id, surfaces[i]);
     isEmpty = false;
   }
-  if (isEmpty) throw ImportError("none of its polygons has an area");
+  if (isEmpty) throw ImportError("none of its polygons has an area that can be shown");
   return builder.finish(report);
 }
 

@@ -1,23 +1,17 @@
-// STL through VTK's reader, which is given nothing but files whose structure holds: it reads past
-// what a damaged file has.
+// STL, text and binary. Read here and not by VTK, whose reader reads past what a damaged file has,
+// and takes time by the square of the corners where many of them lie in one spot of a large model.
 
 #include "exchange/ImportError.h"
-#include "exchange/MemoryFile.h"
-#include "exchange/PolyDataCells.h"
 #include "exchange/Readers.h"
 #include "exchange/TextLines.h"
-#include "exchange/VtkMessages.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-
-#include <vtkCellData.h>
-#include <vtkDataArray.h>
-#include <vtkNew.h>
-#include <vtkPolyData.h>
-#include <vtkSTLReader.h>
+#include <limits>
 
 namespace Lumivane::Exchange {
 namespace {
@@ -46,17 +40,40 @@ bool startsWithSolid(const std::string& bytes) {
   return false;
 }
 
-void checkBinary(const std::string& bytes) {
+// A facet has three corners of its own; those in one place become one later.
+void addFacet(const std::array<Kernel::Vec3, 3>& corners, SourceModel& model) {
+  const size_t first = model.vertices.size();
+  if (first + 3 > static_cast<size_t>(std::numeric_limits<int>::max()))
+    throw ImportError("it has more facets than can be numbered");
+  model.vertices.insert(model.vertices.end(), corners.begin(), corners.end());
+  SourcePolygon polygon;
+  const int number = static_cast<int>(first);
+  polygon.loops = {{number, number + 1, number + 2}};
+  polygon.object = std::max(0, static_cast<int>(model.objects.size()) - 1);
+  model.polygons.push_back(std::move(polygon));
+}
+
+double coordinate(const std::string& bytes, size_t facet, size_t index) {
+  float value = 0.0F;
+  const std::uint32_t bits = littleEndian(bytes, HeaderSize + FacetSize * facet + 4 * index);
+  std::memcpy(&value, &bits, sizeof value);
+  if (!std::isfinite(value))
+    throw ImportError("facet " + std::to_string(facet + 1) +
+                      " has a corner coordinate that is not finite");
+  return value;
+}
+
+void readBinary(const std::string& bytes, SourceModel& model) {
+  model.objects.push_back({"", false});
   const size_t facets = (bytes.size() - HeaderSize) / FacetSize;
   for (size_t facet = 0; facet < facets; ++facet) {
-    for (size_t i = 3; i < 12; ++i) {  // the first three numbers are the normal
-      float value = 0.0F;
-      const std::uint32_t bits = littleEndian(bytes, HeaderSize + FacetSize * facet + 4 * i);
-      std::memcpy(&value, &bits, sizeof value);
-      if (!std::isfinite(value))
-        throw ImportError("facet " + std::to_string(facet + 1) +
-                          " has a corner coordinate that is not finite");
+    std::array<Kernel::Vec3, 3> corners;
+    for (size_t k = 0; k < 3; ++k) {  // the first three numbers are the normal
+      const size_t at = 3 + 3 * k;
+      corners[k] = {coordinate(bytes, facet, at), coordinate(bytes, facet, at + 1),
+                    coordinate(bytes, facet, at + 2)};
     }
+    addFacet(corners, model);
   }
 }
 
@@ -67,10 +84,12 @@ std::string lowered(std::string_view word) {
   return result;
 }
 
-// Walks the statements of a text STL in their order and gathers the names of its solids.
-class TextCheck {
+// Walks the statements of a text STL in their order. Each solid is an object.
+class TextReader {
  public:
-  std::vector<std::string> check(std::string_view text) {
+  explicit TextReader(SourceModel& target) : model(target) {}
+
+  void read(std::string_view text) {
     for (std::string_view line; nextLine(text, line);) {
       ++lineNumber;
       const auto words = wordsOf(line);
@@ -78,7 +97,6 @@ class TextCheck {
     }
     if (expected != Solid && expected != FacetOrEnd) fail("the file ends inside a facet");
     if (expected == FacetOrEnd) fail("the file ends before \"endsolid\"");
-    return names;
   }
 
  private:
@@ -91,7 +109,7 @@ class TextCheck {
   void take(const std::vector<std::string_view>& words) {
     const std::string word = lowered(words[0]);
     if (expected == Solid && word == "solid") {
-      names.emplace_back(words.size() > 1 ? std::string(words[1]) : "");
+      model.objects.push_back({words.size() > 1 ? std::string(words[1]) : "", false});
       expected = FacetOrEnd;
     } else if (expected == FacetOrEnd && word == "endsolid") {
       expected = Solid;
@@ -104,6 +122,7 @@ class TextCheck {
     } else if (expected == EndLoop && word == "endloop") {
       expected = EndFacet;
     } else if (expected == EndFacet && word == "endfacet") {
+      addFacet(corners, model);
       expected = FacetOrEnd;
     } else {
       fail(inQuotes(words[0]) + " where " + expectation() + " is due");
@@ -112,11 +131,17 @@ class TextCheck {
 
   void takeVertex(const std::vector<std::string_view>& words) {
     if (words.size() != 4) fail("a vertex has no 3 coordinates");
-    double number = 0.0;
-    for (size_t i = 1; i < 4; ++i)
-      if (!readNumber(words[i], number) || !std::isfinite(static_cast<float>(number)))
-        fail("vertex coordinate " + inQuotes(words[i]) + " is not a finite number");
+    Kernel::Vec3& corner = corners[static_cast<size_t>(expected - Vertex1)];
+    corner = {single(words[1]), single(words[2]), single(words[3])};
     expected = static_cast<State>(expected + 1);
+  }
+
+  // STL holds single precision, in texts too.
+  double single(std::string_view word) const {
+    double number = 0.0;
+    if (!readNumber(word, number) || !std::isfinite(static_cast<float>(number)))
+      fail("vertex coordinate " + inQuotes(word) + " is not a finite number");
+    return static_cast<double>(static_cast<float>(number));
   }
 
   const char* expectation() const {
@@ -138,23 +163,9 @@ class TextCheck {
 
   State expected = Solid;
   size_t lineNumber = 0;
-  std::vector<std::string> names;
+  std::array<Kernel::Vec3, 3> corners;
+  SourceModel& model;
 };
-
-void addPolygons(vtkPolyData& data, SourceModel& model) {
-  appendVertices(data, model);
-  vtkDataArray* const solids = data.GetCellData()->GetScalars();
-  const std::vector<std::vector<int>> polygons = polygonsOf(data);
-  const int last = static_cast<int>(model.objects.size()) - 1;
-  for (size_t i = 0; i < polygons.size(); ++i) {
-    SourcePolygon polygon;
-    polygon.loops = {polygons[i]};
-    if (solids != nullptr)
-      polygon.object =
-          std::clamp(static_cast<int>(solids->GetTuple1(static_cast<vtkIdType>(i))), 0, last);
-    model.polygons.push_back(std::move(polygon));
-  }
-}
 
 }  // namespace
 
@@ -162,11 +173,10 @@ SourceModel readStl(const std::string& path, const std::string& bytes) {
   SourceModel model;
   model.format = "STL";
   model.materials.emplace_back();
-  std::vector<std::string> names = {""};
   if (isBinary(bytes)) {
-    checkBinary(bytes);
+    readBinary(bytes, model);
   } else if (startsWithSolid(bytes)) {
-    names = TextCheck().check(bytes);
+    TextReader(model).read(bytes);
   } else if (bytes.size() >= HeaderSize) {
     throw ImportError("it tells of " + std::to_string(littleEndian(bytes, HeaderSize - 4)) +
                       " facets, which does not fit its size of " + std::to_string(bytes.size()) +
@@ -175,17 +185,8 @@ SourceModel readStl(const std::string& path, const std::string& bytes) {
     throw ImportError("it is too short for an STL file");
   }
   const std::string stem = std::filesystem::path(path).stem().string();
-  for (const std::string& name : names)
-    model.objects.push_back({name.empty() ? stem : name, false});
-
-  const VtkMessages messages;
-  const MemoryFile checked(bytes);
-  const vtkNew<vtkSTLReader> reader;
-  reader->SetFileName(checked.path().c_str());
-  reader->ScalarTagsOn();
-  reader->Update();
-  if (!messages.firstError().empty()) throw ImportError(messages.firstError());
-  addPolygons(*reader->GetOutput(), model);
+  for (SourceObject& object : model.objects)
+    if (object.id.empty()) object.id = stem;
   return model;
 }
 
