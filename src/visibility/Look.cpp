@@ -1,3 +1,4 @@
+#include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
 #include "visibility/LookPolygons.h"
@@ -221,33 +222,46 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   for (int face = 0; face < FaceCount; ++face)
     sides[static_cast<size_t>(face)] = joinTasks(parts, tasks, next, wholeFace(face), levels);
   joinFaces(parts, sides);
-  if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
-  buildMap(parts, setup, threadCount(options.threads), map);
+  buildMap(parts, setup, {threadCount(options.threads), options.cancelled}, map);
 }
 
-// What each object would take if it were alone: the union of what faces the eye.
-std::vector<double> aloneSolidAngles(const LookSetup& whole, const LookOptions& options,
-                                     const VisibleMap& view) {
+bool anySeen(const LookSetup& setup, const std::vector<std::int32_t>& numbers) {
+  return std::any_of(numbers.begin(), numbers.end(), [&](std::int32_t number) {
+    return eyePlane(*setup.state, static_cast<size_t>(number), setup.eye, setup.twoSided).isSeen;
+  });
+}
+
+// What an object would take if it were alone: the union of what faces the eye.
+double aloneSolidAngle(const LookSetup& whole, const LookOptions& options, const VisibleMap& view,
+                       size_t object) {
   const IndexState& state = *whole.state;
-  std::vector<double> angles(state.names->objectIds.size(), 0.0);
+  const std::vector<std::int32_t> only(
+      state.objectPolygons.begin() + state.objectOffsets[object],
+      state.objectPolygons.begin() + state.objectOffsets[object + 1]);
+  if (!anySeen(whole, only)) return 0.0;
+  LookSetup setup = whole;
+  setup.only = &only;
+  VisibleMap map = view;
+  lookAround(setup, options, map);
+  double sum = 0.0;
+  for (const VisibleMap::Cell& cell : map.cells)
+    if (cell.label.object != 0) sum += cell.solidAngle;
+  return sum;
+}
+
+std::vector<double> aloneSolidAngles(const LookSetup& setup, const LookOptions& options,
+                                     const VisibleMap& view) {
+  const size_t offsets = setup.state->objectOffsets.size();
+  const size_t objects = offsets == 0 ? 0 : offsets - 1;
+  std::vector<double> angles(std::max(objects, setup.state->names->objectIds.size()), 0.0);
   LookOptions quiet = options;
   quiet.progress = nullptr;
   quiet.threads = 1;
-  for (size_t object = 0; object + 1 < state.objectOffsets.size(); ++object) {
-    const auto from = state.objectPolygons.begin() + state.objectOffsets[object];
-    const auto to = state.objectPolygons.begin() + state.objectOffsets[object + 1];
-    const std::vector<std::int32_t> only(from, to);
-    if (only.empty()) continue;
-    LookSetup setup = whole;
-    setup.only = &only;
-    VisibleMap map = view;
-    lookAround(setup, quiet, map);
-    double sum = 0.0;
-    for (const VisibleMap::Cell& cell : map.cells)
-      if (cell.label.object != 0) sum += cell.solidAngle;
-    angles.resize(std::max(angles.size(), object + 1), 0.0);
-    angles[object] = sum;
-  }
+  std::atomic<size_t> next{0};
+  inParallel(std::min(threadCount(options.threads), std::max<size_t>(1, objects)), [&](bool) {
+    for (size_t i = next.fetch_add(1); i < objects; i = next.fetch_add(1))
+      angles[i] = aloneSolidAngle(setup, quiet, view, i);
+  });
   return angles;
 }
 

@@ -100,17 +100,17 @@ class Buckets {
 
 class Builder {
  public:
-  Builder(MapParts& theParts, const LookSetup& theSetup, size_t threadCount, VisibleMap& theMap)
-      : parts(theParts), setup(theSetup), threads(threadCount), map(theMap) {}
+  Builder(MapParts& theParts, const LookSetup& theSetup, const BuildOptions& theOptions,
+          VisibleMap& theMap)
+      : parts(theParts), setup(theSetup), options(theOptions), map(theMap) {}
 
   void run() {
-    joinVertices();
-    makeLinks();
-    numberCells();
-    measureDistances();
-    chainLinks();
-    makeRings();
-    measureCells();
+    for (const auto step : {&Builder::joinVertices, &Builder::makeLinks, &Builder::numberCells,
+                            &Builder::measureDistances, &Builder::chainLinks, &Builder::makeRings,
+                            &Builder::measureCells}) {
+      if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
+      (this->*step)();
+    }
   }
 
  private:
@@ -553,7 +553,7 @@ class Builder {
 
   void measureCells() {
     const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
-    forEachInParallel(map.cells.size(), threads, [&](size_t i) {
+    forEachInParallel(map.cells.size(), options.threads, [&](size_t i) {
       VisibleMap::Cell& cell = map.cells[i];
       outerRingFirst(cell);
       cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(cell);
@@ -570,7 +570,7 @@ class Builder {
 
   MapParts& parts;
   const LookSetup& setup;
-  size_t threads;
+  BuildOptions options;
   VisibleMap& map;
   std::vector<Link> links;
   std::vector<int> linkPieces;
@@ -584,8 +584,9 @@ class Builder {
 
 }  // namespace
 
-void buildMap(MapParts& parts, const LookSetup& setup, size_t threads, VisibleMap& map) {
-  Builder(parts, setup, threads, map).run();
+void buildMap(MapParts& parts, const LookSetup& setup, const BuildOptions& options,
+              VisibleMap& map) {
+  Builder(parts, setup, options, map).run();
 }
 
 }  // namespace Lumivane::Visibility

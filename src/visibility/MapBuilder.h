@@ -6,11 +6,21 @@
 
 #include <lumivane/visibility/VisibleMap.h>
 
+#include <atomic>
+#include <cstddef>
+
 namespace Lumivane::Visibility {
+
+/// How a map is made.
+struct BuildOptions {
+  size_t threads;                      ///< what is made does not depend on it
+  const std::atomic<bool>* cancelled;  ///< may be null
+};
 
 /// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures
 /// cells. Fills all but the map's view and
-/// names. The map does not depend on the number of threads.
-void buildMap(MapParts& parts, const LookSetup& setup, size_t threads, VisibleMap& map);
+/// names. \throws Cancelled
+void buildMap(MapParts& parts, const LookSetup& setup, const BuildOptions& options,
+              VisibleMap& map);
 
 }  // namespace Lumivane::Visibility
