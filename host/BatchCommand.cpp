@@ -435,7 +435,7 @@ class Batch {
       warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
-      row.row = summaryRow(view.name, shot, hasCycle);  // before another shot
+      row.row = summaryRow(view.name, shot, hasCycle, options.shot.csvSafe);  // before another shot
       writeOutputs(view.options, scene, shot, seconds);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(setting.folder) / file).string(), file));
@@ -458,7 +458,7 @@ class Batch {
 
   JournalRow failure(const TableView& view, const std::string& how) const {
     JournalRow row = rowFor(view, false);
-    row.row = failureRow(view.name, how);
+    row.row = failureRow(view.name, how, options.shot.csvSafe);
     return row;
   }
 

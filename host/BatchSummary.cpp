@@ -6,6 +6,7 @@
 #include <lumivane/geometry/Points2d.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/session/TakenShot.h>
+#include <lumivane/session/Text.h>
 #include <lumivane/shot/Shot2d.h>
 
 #include <charconv>
@@ -45,8 +46,14 @@ std::string text(double value) {
   return {buffer, end.ptr};
 }
 
+// A text from outside, in UTF-8.
+std::string cell(const std::string& text, bool isSafe) {
+  const std::string clean = Session::utf8Text(text);
+  return isSafe ? Session::csvSafe(clean) : clean;
+}
+
 // Empty where nothing can be measured.
-std::vector<std::string> measureFields(const Session::TakenShot& shot) {
+std::vector<std::string> measureFields(const Session::TakenShot& shot, bool isSafe) {
 #ifdef LUMIVANE_HOST_MEASURES
   const Measure::VisibleShares shares(shot.shot());
   size_t visible = 0;
@@ -58,10 +65,12 @@ std::vector<std::string> measureFields(const Session::TakenShot& shot) {
       largest = &object;
   }
   return {std::to_string(visible), text(shares.open().viewFactor),
-          text(shares.open().hemisphereShare()), largest == nullptr ? "" : largest->id,
+          text(shares.open().hemisphereShare()),
+          largest == nullptr ? "" : cell(Session::idText(largest->id), isSafe),
           largest == nullptr ? "" : text(largest->share.viewFactor)};
 #else
   static_cast<void>(shot);
+  static_cast<void>(isSafe);
   return {"", "", "", "", ""};
 #endif
 }
@@ -70,8 +79,9 @@ std::vector<std::string> measureFields(const Session::TakenShot& shot) {
 
 std::string summaryHeading() { return csvRecord(Columns); }
 
-std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle) {
-  std::vector<std::string> fields = {name, "ok", ""};
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
+                       bool isSafe) {
+  std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
   for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
   fields.push_back(std::to_string(shot.shot().getPoints()->getPoints()->size()));
   fields.push_back(std::to_string(shot.shot().getRegions()->getRegions()->size()));
@@ -79,15 +89,15 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot, 
   fields.push_back(std::to_string(hiddenFaces(shot)));
   fields.push_back(hasCycle ? "1" : "0");
   fields.push_back(shot.isInside() ? "1" : "0");
-  for (const std::string& field : measureFields(shot)) fields.push_back(field);
+  for (const std::string& field : measureFields(shot, isSafe)) fields.push_back(field);
   return csvRecord(fields);
 }
 
-std::string failureRow(const std::string& name, const std::string& error) {
+std::string failureRow(const std::string& name, const std::string& error, bool isSafe) {
   std::vector<std::string> fields(Columns.size());
-  fields[0] = name;
+  fields[0] = cell(name, isSafe);
   fields[1] = "failed";
-  fields[2] = error;
+  fields[2] = cell(error, isSafe);
   return csvRecord(fields);
 }
 

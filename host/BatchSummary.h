@@ -14,7 +14,9 @@ std::string summaryHeading();
 /// The row of a view that was made, and of one that was not.
 ///
 /// \param hasCycle  whether faces overlap in a ring, so that no drawing order suits all
-std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle);
-std::string failureRow(const std::string& name, const std::string& error);
+/// \param isSafe    texts that a spreadsheet would take for formulas get an apostrophe in front
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
+                       bool isSafe);
+std::string failureRow(const std::string& name, const std::string& error, bool isSafe);
 
 }  // namespace Lumivane::Host

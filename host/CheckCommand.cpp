@@ -10,9 +10,11 @@
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/session/Text.h>
 
 #include <algorithm>
 #include <iostream>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -37,18 +39,30 @@ void print(const std::string& scene, const Findings& findings) {
   for (const Finding& finding : findings)
     std::cout << word(finding.severity) << ": " << oneLine(finding.line()) << " [" << finding.code
               << "]\n    mend: " << finding.mend << '\n';
-  std::cout << scene << ": " << count(findings, Severity::Error) << " errors, "
+  std::cout << oneLine(scene) << ": " << count(findings, Severity::Error) << " errors, "
             << count(findings, Severity::Warning) << " warnings\n";
+}
+
+// A text of any bytes as a JSON text may hold it: the writer escapes line ends and tabs, and no
+// other control characters.
+Jzon::Node textNode(const std::string& text) {
+  std::string clean;
+  for (const char c : Session::utf8Text(text)) {
+    const bool isBare = static_cast<unsigned char>(c) < 0x20 &&
+                        std::string_view("\b\t\n\f\r").find(c) == std::string_view::npos;
+    clean += isBare ? std::string("\xEF\xBF\xBD") : std::string(1, c);
+  }
+  return Jzon::Node(clean);
 }
 
 Jzon::Node node(const Finding& finding) {
   Jzon::Node node = Jzon::object();
   node.add("severity", Jzon::Node(word(finding.severity)));
   node.add("code", Jzon::Node(finding.code));
-  node.add("object", Jzon::Node(finding.object));
+  node.add("object", textNode(Session::idText(finding.object)));
   node.add("region", Jzon::Node(finding.region));
   node.add("face", Jzon::Node(finding.face));
-  node.add("text", Jzon::Node(finding.text));
+  node.add("text", textNode(finding.text));
   node.add("mend", Jzon::Node(finding.mend));
   return node;
 }
@@ -57,7 +71,7 @@ void printJson(const std::string& scene, const Findings& findings) {
   Jzon::Node list = Jzon::array();
   for (const Finding& finding : findings) list.add(node(finding));
   Jzon::Node root = Jzon::object();
-  root.add("scene", Jzon::Node(scene));
+  root.add("scene", textNode(scene));
   root.add("errors", Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Error))));
   root.add("warnings",
            Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Warning))));

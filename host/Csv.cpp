@@ -2,6 +2,8 @@
 
 #include "HostError.h"
 
+#include <lumivane/session/Text.h>
+
 namespace Lumivane::Host {
 namespace {
 
@@ -81,16 +83,10 @@ std::vector<CsvRecord> readCsv(const std::string& text, const std::string& file)
   return CsvReader(text, file).records();
 }
 
-std::string csvField(const std::string& field) {
-  if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
-  std::string result = "\"";
-  for (const char c : field) result += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return result + "\"";
-}
-
 std::string csvRecord(const std::vector<std::string>& fields) {
   std::string result;
-  for (size_t i = 0; i < fields.size(); ++i) result += (i == 0 ? "" : ",") + csvField(fields[i]);
+  for (size_t i = 0; i < fields.size(); ++i)
+    result += (i == 0 ? "" : ",") + Session::csvField(fields[i]);
   return result;
 }
 

@@ -18,10 +18,7 @@ struct CsvRecord {
 /// \throws HostError that names `file` and the line
 std::vector<CsvRecord> readCsv(const std::string& text, const std::string& file);
 
-/// The field as it stands in a table, in quotes if it needs them.
-std::string csvField(const std::string& field);
-
-/// The fields, parted by commas, without a line end.
+/// The fields, in quotes where they need them, parted by commas, without a line end.
 std::string csvRecord(const std::vector<std::string>& fields);
 
 }  // namespace Lumivane::Host

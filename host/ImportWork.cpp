@@ -66,7 +66,7 @@ std::string reportText(const Exchange::ImportReport& report) {
 
 Jzon::Node reportNode(const Exchange::ImportReport& report) {
   Jzon::Node root = Jzon::object();
-  root.add("format", report.format);
+  root.add("format", Session::oneLine(report.format));
   root.add("shift", node(report.shift));
   root.add("lower", node(report.lower));
   root.add("upper", node(report.upper));

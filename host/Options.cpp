@@ -254,6 +254,10 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
       ->default_str("800x800");
   command.add_flag("--no-check", options.noCheck, "do not look for errors in the scene first");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
+  command.add_flag(
+      "--csv-safe", options.csvSafe,
+      "put an apostrophe in front of texts in tables that start with = + - @ or a tab, "
+      "which spreadsheets take for formulas");
 #ifdef LUMIVANE_HOST_MEASURES
   addVisible(command, options.visible);
 #endif

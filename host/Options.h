@@ -26,6 +26,7 @@ struct ShotOptions {
   std::string png;       ///< the picture to write, or empty
   std::string stats;     ///< the statistics to write, or empty
   std::string visible;   ///< the visible shares to write, or empty
+  bool csvSafe = false;  ///< texts in tables are kept from being taken for formulas
   int width = 800;
   int height = 800;
   VectorFiles vector;

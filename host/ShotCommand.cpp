@@ -59,7 +59,7 @@ void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& se
 #ifdef LUMIVANE_HOST_MEASURES
   if (options.visible.empty()) return;
   const Timer timer(seconds.visible);
-  writeVisibleFile(options.visible, shot);
+  writeVisibleFile(options.visible, shot, options.csvSafe);
 #else
   static_cast<void>(options);
   static_cast<void>(shot);

@@ -24,8 +24,8 @@ const std::vector<std::string> Vectors = {"eye", "forward", "up"};
 constexpr const char* ImportGroup = "Options for meshes and city models";
 
 // Options of `shot` that no view of a table can have: statistics hold times, which no two runs have
-// in common, and a scene is checked once for all views.
-const std::vector<std::string> LeftOut = {"help", "stats", "no-check"};
+// in common, a scene is checked once for all views, and the summary is one table.
+const std::vector<std::string> LeftOut = {"help", "stats", "no-check", "csv-safe"};
 
 std::string optionOf(std::string column) {
   column.erase(0, column.find_first_not_of('-'));

@@ -21,10 +21,10 @@ std::string visibleFileFault(const std::string& path) {
   return "\"" + path + "\" ends neither in .csv nor in .json";
 }
 
-void writeVisibleFile(const std::string& path, const Session::TakenShot& shot) {
+void writeVisibleFile(const std::string& path, const Session::TakenShot& shot, bool isSafe) {
   const Measure::VisibleShares shares(shot.shot());
   Session::writeFile(path, ending(path) == ".json" ? Measure::ShareText::json(shares)
-                                                   : Measure::ShareText::csv(shares));
+                                                   : Measure::ShareText::csv(shares, isSafe));
 }
 
 }  // namespace Lumivane::Host

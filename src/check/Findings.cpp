@@ -1,10 +1,13 @@
 #include "check/Findings.h"
 
+#include "kernel/DisplayText.h"
+
 namespace Lumivane::Check {
 
 std::string Finding::line() const {
   std::string place;
-  if (!object.empty() || region > 0 || face > 0) place = "object \"" + object + "\"";
+  if (!object.empty() || region > 0 || face > 0)
+    place = "object \"" + Kernel::idText(object) + "\"";
   if (region > 0) place += ", region " + std::to_string(region);
   if (face > 0) place += ", face " + std::to_string(face);
   return place.empty() ? text : place + ": " + text;

@@ -1,5 +1,6 @@
 #include "exchange/PageSource.h"
 #include "exchange/SvgText.h"
+#include "kernel/DisplayText.h"
 
 #include <lumivane/exchange/HtmlPage.h>
 #include <lumivane/exchange/SvgWriter.h>
@@ -42,7 +43,7 @@ double rounded(double value) {
 }
 
 Json row(int number, const std::string& id, const Measure::Share& share) {
-  return {number, xmlText(id), rounded(share.viewFactor), rounded(share.solidAngle),
+  return {number, xmlText(Kernel::idText(id)), rounded(share.viewFactor), rounded(share.solidAngle),
           rounded(share.hemisphereShare())};
 }
 

@@ -1,5 +1,7 @@
 #include "exchange/SvgText.h"
 
+#include "kernel/DisplayText.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -8,33 +10,9 @@
 namespace Lumivane::Exchange {
 namespace {
 
-constexpr const char* Replacement = "\xEF\xBF\xBD";
-
-bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-// The length of the well-formed character at a place, or 0 if there is none.
-std::size_t characterLength(const std::string& bytes, std::size_t at, std::uint32_t& code) {
-  const auto first = static_cast<unsigned char>(bytes[at]);
-  if (first < 0x80) {
-    code = first;
-    return 1;
-  }
-  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  if (first < 0xC2 || first > 0xF4 || at + length > bytes.size()) return 0;
-  code = first & (0xFFU >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(bytes[at + i]);
-    if (!isContinuation(next)) return 0;
-    code = (code << 6) | (next & 0x3FU);
-  }
-  constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  return code < smallest[length] ? 0 : length;
-}
-
 bool isXmlCharacter(std::uint32_t code) {
   if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
-  if (code >= 0xD800 && code <= 0xDFFF) return false;
-  return code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF;
+  return code != 0xFFFE && code != 0xFFFF;
 }
 
 }  // namespace
@@ -115,9 +93,9 @@ std::string xmlText(const std::string& bytes) {
   std::string result;
   for (std::size_t at = 0; at < bytes.size();) {
     std::uint32_t code = 0;
-    const std::size_t length = characterLength(bytes, at, code);
+    const std::size_t length = Kernel::utf8Length(bytes, at, code);
     const bool isText = length > 0 && isXmlCharacter(code);
-    result += isText ? bytes.substr(at, length) : Replacement;
+    result += isText ? std::string_view(bytes).substr(at, length) : Kernel::ReplacementCharacter;
     at += isText ? length : 1;
   }
   return result;

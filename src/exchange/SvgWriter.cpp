@@ -1,4 +1,5 @@
 #include "exchange/SvgText.h"
+#include "kernel/DisplayText.h"
 
 #include <lumivane/exchange/SvgWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
@@ -146,7 +147,7 @@ class Document {
     node.append_attribute("id") = (options.idPrefix + "r" + std::to_string(region.number)).c_str();
     const bool onlyEdges = withEdges && !region.edges.lines.empty();
     node.append_attribute("class") = ("o" + std::to_string(region.objectNumber)).c_str();
-    const std::string object = xmlText(region.objectId);
+    const std::string object = xmlText(Kernel::idText(region.objectId));
     node.append_attribute("data-object") = object.c_str();
     node.append_attribute("data-face") = region.faceNumber;
     node.append_attribute("data-region") = region.sourceRegionNumber;

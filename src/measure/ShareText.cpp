@@ -1,3 +1,6 @@
+#include "kernel/CsvText.h"
+#include "kernel/DisplayText.h"
+
 #include <lumivane/measure/ShareText.h>
 #include <lumivane/measure/VisibleShares.h>
 
@@ -12,18 +15,6 @@ std::string text(double value) {
   char buffer[32];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
   return {buffer, result.ptr};
-}
-
-bool needsQuotes(const std::string& field) {
-  return field.find_first_of(",\"\r\n") != std::string::npos ||
-         (!field.empty() && (field.front() == ' ' || field.back() == ' '));
-}
-
-std::string csvField(const std::string& field) {
-  if (!needsQuotes(field)) return field;
-  std::string quoted = "\"";
-  for (const char c : field) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return quoted + "\"";
 }
 
 std::string csvRow(const std::string& labels, const Share& share) {
@@ -69,20 +60,23 @@ std::string jsonNumber(const char* key, int value) {
   return "\"" + std::string(key) + "\":" + std::to_string(value) + ",";
 }
 
-std::map<int, std::string> idsOf(const VisibleShares& shares) {
-  std::map<int, std::string> ids;
-  for (const ObjectShare& object : shares.objects()) ids[object.objectNumber] = object.id;
-  return ids;
+// As they stand in the cells of a table.
+std::map<int, std::string> cellsOfIds(const VisibleShares& shares, bool isSafe) {
+  std::map<int, std::string> cells;
+  for (const ObjectShare& object : shares.objects()) {
+    const std::string id = Kernel::idText(object.id);
+    cells[object.objectNumber] = Kernel::csvField(isSafe ? Kernel::csvSafe(id) : id);
+  }
+  return cells;
 }
 
 }  // namespace
 
-std::string ShareText::csv(const VisibleShares& shares) {
-  const auto ids = idsOf(shares);
+std::string ShareText::csv(const VisibleShares& shares, bool isSafe) {
+  const auto ids = cellsOfIds(shares, isSafe);
   const auto row = [&ids](const std::string& kind, int object, const std::string& more,
                           const Share& share) {
-    return csvRow(kind + "," + std::to_string(object) + "," + csvField(ids.at(object)) + "," + more,
-                  share);
+    return csvRow(kind + "," + std::to_string(object) + "," + ids.at(object) + "," + more, share);
   };
   std::string result =
       "kind,object,id,face,region,source_region,area,view_factor,solid_angle,hemisphere_share\n";
@@ -101,7 +95,8 @@ std::string ShareText::csv(const VisibleShares& shares) {
 std::string ShareText::json(const VisibleShares& shares) {
   const bool round = shares.projection() == Algorithm::ProjectionType::Radial;
   const auto object = [](const ObjectShare& o) {
-    return jsonNumber("object", o.objectNumber) + "\"id\":" + jsonString(o.id) + ",";
+    return jsonNumber("object", o.objectNumber) + "\"id\":" + jsonString(Kernel::idText(o.id)) +
+           ",";
   };
   const auto face = [](const FaceShare& f) {
     return jsonNumber("object", f.objectNumber) + jsonNumber("face", f.faceNumber);

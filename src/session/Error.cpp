@@ -1,3 +1,5 @@
+#include "kernel/DisplayText.h"
+
 #include <lumivane/session/Error.h>
 
 #include <algorithm>
@@ -5,14 +7,14 @@
 namespace Lumivane::Session {
 
 std::string oneLine(const std::string& text) {
-  std::string line = text;
+  std::string line = Kernel::utf8Text(text);
   std::replace_if(
       line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
   return line;
 }
 
 Error::Error(const std::string& subject, const std::string& cause)
-    : std::runtime_error(oneLine(subject + ": " + cause)), subjectLength(subject.size()) {}
+    : std::runtime_error(oneLine(subject + ": " + cause)), subjectLength(oneLine(subject).size()) {}
 
 Error::~Error() = default;
 

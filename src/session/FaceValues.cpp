@@ -1,3 +1,5 @@
+#include "kernel/DisplayText.h"
+
 #include <lumivane/geometry/Faces.h>
 #include <lumivane/geometry/VFace.h>
 #include <lumivane/geometry/Vector3d.h>
@@ -20,7 +22,7 @@ Face*& faceOf(Scene::Object& object, int number) {
   auto* const faces = object.getFaces() == nullptr ? nullptr : object.getFaces()->getFaces();
   if (faces == nullptr || number < 1 || static_cast<size_t>(number) > faces->size() ||
       (*faces)[static_cast<size_t>(number) - 1] == nullptr)
-    throw std::out_of_range("object \"" + object.getId() + "\" has no face " +
+    throw std::out_of_range("object \"" + Kernel::idText(object.getId()) + "\" has no face " +
                             std::to_string(number));
   return (*faces)[static_cast<size_t>(number) - 1];
 }

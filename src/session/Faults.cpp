@@ -1,4 +1,5 @@
 #include "check/Findings.h"
+#include "kernel/DisplayText.h"
 
 #include <lumivane/base/Brushes.h>
 #include <lumivane/base/Pens.h>
@@ -56,7 +57,7 @@ std::string place(Shot::Shot2d& shot, Geometry::Region2d& region, size_t positio
   if (!isNumberOf(number, count(objects))) return drawn + ": ";
   const Shot::Object2d* const object = (*objects)[static_cast<size_t>(number) - 1];
   if (object == nullptr) return drawn + ": ";
-  return "object \"" + object->getId() + "\", region " +
+  return "object \"" + Kernel::idText(object->getId()) + "\", region " +
          std::to_string(region.getSourceRegionNumber()) + " (" + drawn + "): ";
 }
 
@@ -129,7 +130,7 @@ std::string sceneDrawingFault(Scene::Scene3D& scene) {
   for (size_t i = 0; i < count(objects); ++i) {
     if ((*objects)[i] == nullptr) continue;
     const std::string fault = drawingFault(*(*objects)[i], lists);
-    if (!fault.empty()) return "object \"" + (*objects)[i]->getId() + "\"" + fault;
+    if (!fault.empty()) return "object \"" + Kernel::idText((*objects)[i]->getId()) + "\"" + fault;
   }
   return "";
 }

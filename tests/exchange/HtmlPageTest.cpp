@@ -72,6 +72,15 @@ TEST(HtmlPage, TitleAndIdsOfAnyBytesStayText) {
   EXPECT_EQ(id, dataOf(page).at("pictures").at(0).at("rows").at(0).at(1));
 }
 
+TEST(HtmlPage, EscapesOfAnIdAreShownDecodedInTableAndPicture) {
+  FourPieces model;
+  model.shot->getObjects()->getObject(0)->setId("caf\\u00e9 \xE9");
+  const std::string page = pageOf(model);
+  const std::string shown = "caf\xC3\xA9 \xEF\xBF\xBD";
+  EXPECT_EQ(shown, dataOf(page).at("pictures").at(0).at("rows").at(0).at(1));
+  EXPECT_EQ(4u, count(page, "data-object=\"" + shown + "\""));
+}
+
 TEST(HtmlPage, PicturesOfOnePageHaveIdsOfTheirOwn) {
   FourPieces model;
   HtmlPage page("Two");

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace Lumivane::Host {
 namespace {
@@ -87,6 +88,40 @@ TEST(BatchFiles, AnIdOfControlCharactersStaysInItsCell) {
   const Result again = batch(in.scene, in.table, in.out);
   EXPECT_EQ("2 of 2 views made: " + in.out + "/summary.csv\n", again.out);
   EXPECT_EQ(summary, fileBytes(in.out + "/summary.csv"));
+}
+
+// One id of another code page that looks like a formula, one with escapes.
+TEST(BatchFiles, IdsOfAnyBytesAreShownAsTextInEveryFile) {
+  Inputs in;
+  in.folder.file("scene.json", withIds("=caf\xE9 \\u00e9 "));
+  const std::string shown = "=caf\xEF\xBF\xBD \xC3\xA9 ";
+  const std::vector<std::string> outputs = {"-o", "{name}.json", "--visible", "{name}.csv",
+                                            "--csv-safe"};
+  ASSERT_EQ(0, batch(in.scene, in.table, in.out, outputs).status);
+  EXPECT_NE(std::string::npos, fileBytes(in.out + "/summary.csv").find(",'" + shown));
+  EXPECT_NE(std::string::npos, fileBytes(in.out + "/a.csv").find("object,1,'" + shown));
+  // The bytes of the shot file are those of the scene.
+  EXPECT_NE(std::string::npos, fileBytes(in.out + "/a.json").find("=caf\xE9 \\\\u00e9 "));
+  ASSERT_EQ(0, batch(in.scene, in.table, in.out, {"--visible", "{name}.json"}).status);
+  const auto json = nlohmann::json::parse(fileBytes(in.out + "/a.json"));
+  EXPECT_EQ(0U, json.at("objects").at(0).at("id").get<std::string>().find(shown));
+  EXPECT_NE(std::string::npos, fileBytes(in.out + "/summary.csv").find("," + shown));
+  EXPECT_EQ(std::string::npos, fileBytes(in.out + "/summary.csv").find("'="));
+}
+
+TEST(BatchFiles, MessagesAboutIdsOfAnyBytesAreText) {
+  const TempFolder folder;
+  std::string scene = withIds("caf\xE9\x01 \\u00e9 ");
+  scene.replace(scene.find("[1,2,3,4]"), 9, "[99,2,3,4]");
+  const std::string file = folder.file("scene.json", scene);
+  const std::string shown = "caf\xEF\xBF\xBD";
+  const Result shot = run({"shot", file, "--eye=-4,0.35,1.9", "-o", folder.path("a.json")});
+  EXPECT_EQ(1, shot.status);
+  EXPECT_NE(std::string::npos, shot.err.find("object \"" + shown + "  \xC3\xA9 plate\""))
+      << shot.err;
+  const Result check = run({"check", "--json", file});
+  const auto json = nlohmann::json::parse(check.out);
+  EXPECT_EQ(shown + "\xEF\xBF\xBD \xC3\xA9 plate", json.at("findings").at(0).at("object"));
 }
 
 TEST(BatchFiles, AFileThatWasCutToZeroIsMadeAgain) {

@@ -53,6 +53,35 @@ TEST(ShareText, JsonHoldsTheSameNumbers) {
   EXPECT_EQ("square", nlohmann::json::parse(ShareText::json(hand.square())).at("projection"));
 }
 
+TEST(ShareText, AnIdThatIsNoUtf8IsReplacedInCsvAndJson) {
+  HandShot hand;
+  hand.addObject("caf\xE9\x01");
+  const std::string shown = "caf\xEF\xBF\xBD\x01";
+  const auto json = nlohmann::json::parse(ShareText::json(hand.square()));
+  EXPECT_EQ(shown, json.at("objects").at(1).at("id"));
+  EXPECT_EQ(0U, lines(ShareText::csv(hand.square()))[2].find("object,2," + shown + ",,,,0"));
+}
+
+TEST(ShareText, EscapesOfAnIdAreShownDecoded) {
+  HandShot hand;
+  hand.addObject("caf\\u00e9, \\ud83c\\udfe0");
+  const std::string shown = "caf\xC3\xA9, \xF0\x9F\x8F\xA0";
+  EXPECT_EQ(shown,
+            nlohmann::json::parse(ShareText::json(hand.square())).at("objects").at(1).at("id"));
+  EXPECT_EQ(0U, lines(ShareText::csv(hand.square()))[2].find("object,2,\"" + shown + "\",,,,0"));
+}
+
+TEST(ShareText, IdsThatAreFormulasStartWithAnApostropheIfAsked) {
+  HandShot hand;
+  hand.addObject("=HYPERLINK(\"x\",1)");
+  hand.add(box(0, 0, 1, 0.5), 2);
+  const auto plain = lines(ShareText::csv(hand.square()));
+  const auto safe = lines(ShareText::csv(hand.square(), true));
+  EXPECT_EQ(0U, plain[2].find("object,2,\"=HYPERLINK(\"\"x\"\",1)\",")) << plain[2];
+  EXPECT_EQ(0U, safe[2].find("object,2,\"'=HYPERLINK(\"\"x\"\",1)\",")) << safe[2];
+  EXPECT_EQ(plain[1], safe[1]);
+}
+
 TEST(ShareText, AnEmptyShotIsAllSky) {
   const Shot::Shot2d shot;
   const VisibleShares shares(shot, Algorithm::ProjectionType::Square);

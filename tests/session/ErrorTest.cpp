@@ -20,6 +20,13 @@ TEST(Error, ColonInTheSubjectIsTheSubjects) {
   EXPECT_EQ("cause", error.cause());
 }
 
+TEST(Error, WhatIsNoUtf8IsReplacedAndSubjectAndCauseStayApart) {
+  const Error error("caf\xE9.json", "object \"\xFF\"");
+  EXPECT_STREQ("caf\xEF\xBF\xBD.json: object \"\xEF\xBF\xBD\"", error.what());
+  EXPECT_EQ("caf\xEF\xBF\xBD.json", error.subject());
+  EXPECT_EQ("object \"\xEF\xBF\xBD\"", error.cause());
+}
+
 TEST(Error, CopyTellsTheSame) {
   const Error error("a", "b");
   Error copy("longer", "text");

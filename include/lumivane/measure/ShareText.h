@@ -13,8 +13,12 @@ class VisibleShares;
 class LUMIVANE_MEASURE_EXPORT ShareText {
  public:
   /// A table (RFC 4180, lines ended by a line feed): one heading, a row for every object, every
-  /// face and every region, and one for the sky. Columns that do not apply to a row are empty.
-  static std::string csv(const VisibleShares& shares);
+  /// face and every region, and one for the sky. Columns that do not apply to a row are empty. Ids
+  /// stand as `Session::idText` shows them.
+  ///
+  /// \param isSafe  an id that a spreadsheet would take for a formula, since it starts with
+  ///                = + - @, a tab or a carriage return, gets an apostrophe in front
+  static std::string csv(const VisibleShares& shares, bool isSafe = false);
 
   /// One JSON object with the keys "projection", "whole", "sky", "objects", "faces" and "regions".
   static std::string json(const VisibleShares& shares);

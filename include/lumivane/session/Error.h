@@ -10,7 +10,7 @@ namespace Lumivane::Session {
 /// What every operation of this folder throws when it cannot do its work: the file or name
 /// concerned and the cause, as "SUBJECT: CAUSE".
 ///
-/// The text is one line, whatever came in: control characters stand as spaces.
+/// The text is one line of UTF-8, whatever came in, as `oneLine` makes it.
 class LUMIVANE_EXPORT Error : public std::runtime_error {
  public:
   /// "SUBJECT: CAUSE".
@@ -28,7 +28,8 @@ class LUMIVANE_EXPORT Error : public std::runtime_error {
   size_t subjectLength;  // in what(); an exception's copy must not throw, so no strings are kept
 };
 
-/// The text with its line ends and other control characters as spaces, since an error is one line.
+/// The text with its line ends and other control characters as spaces, since an error is one line,
+/// and with U+FFFD for what is not UTF-8.
 LUMIVANE_EXPORT std::string oneLine(const std::string& text);
 
 }  // namespace Lumivane::Session
