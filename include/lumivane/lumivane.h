@@ -75,6 +75,7 @@
 #include <lumivane/session/Progress.h>
 #include <lumivane/session/ShotFile.h>
 #include <lumivane/session/TakenShot.h>
+#include <lumivane/session/Text.h>
 #include <lumivane/session/ViewSettings.h>
 #include <lumivane/session/ViewSetup.h>
 #include <lumivane/session/WorkingLists.h>
