@@ -49,6 +49,36 @@ configure_file(cmake/lumivane.pc.in "${PROJECT_BINARY_DIR}/lumivane.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/lumivane.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
+# A file for each component: pkg-config --cflags --libs lumivane-measure.
+set(LUMIVANE_PC_REQUIRES "lumivane")
+foreach(component measure visibility exchange)
+  if(TARGET lumivane_${component})
+    if(component STREQUAL "exchange")
+      set(LUMIVANE_PC_REQUIRES "lumivane lumivane-measure lumivane-visibility")
+    endif()
+    configure_file(cmake/lumivane-component.pc.in
+      "${PROJECT_BINARY_DIR}/lumivane-${component}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/lumivane-${component}.pc"
+      DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+  endif()
+endforeach()
+
+# The pages, the examples, and the reference of the headers where Doxygen is there to make it.
+set(LUMIVANE_DOC_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/lumivane-doc")
+install(FILES README.md CHANGELOG.md LICENSE
+  DESTINATION "${LUMIVANE_DOC_DIR}" COMPONENT documentation)
+install(DIRECTORY docs examples scenes
+  DESTINATION "${LUMIVANE_DOC_DIR}" COMPONENT documentation
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN "*.json" PATTERN "*.cpp")
+find_program(LUMIVANE_DOXYGEN doxygen)
+mark_as_advanced(LUMIVANE_DOXYGEN)
+if(LUMIVANE_DOXYGEN)
+  configure_file(cmake/make_reference.cmake.in "${PROJECT_BINARY_DIR}/make_reference.cmake" @ONLY)
+  install(SCRIPT "${PROJECT_BINARY_DIR}/make_reference.cmake" COMPONENT documentation)
+  install(DIRECTORY "${PROJECT_BINARY_DIR}/reference/html/"
+    DESTINATION "${LUMIVANE_DOC_DIR}/reference" COMPONENT documentation)
+endif()
+
 if(PROJECT_IS_TOP_LEVEL)
   include(cmake/LumivanePackages.cmake)
 endif()

@@ -108,9 +108,8 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
 
   auto taken = std::make_unique<TakenShot::State>(state, view);
   Shot::Shot2d* shot = nullptr;
-  std::size_t sortedFaces = 0;
   try {
-    shot = make(scene(), view, taken->setup, progress, sortedFaces);
+    shot = make(scene(), view, taken->setup, progress, taken->sortedFaces);
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
     throw failure(*this, place.empty() ? error.what() : place);
@@ -121,7 +120,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
     throw failure(*this, error.what());
   }
   if (shot == nullptr) throw failure(*this, "the library gives none");
-  taken->hold(shot, sortedFaces);
+  taken->hold(shot);
   taken->isInside = Check::InsideTest(scene()).isInside(taken->setup.eye());
   return TakenShot(std::move(taken));
 }

@@ -23,7 +23,7 @@ std::size_t faceCount(Shot::Shot2d& shot) {
 
 }  // namespace
 
-void TakenShot::State::hold(Shot::Shot2d* newShot, std::size_t sortedFaces) {
+void TakenShot::State::hold(Shot::Shot2d* newShot) {
   shot = newShot;
   hiddenFaces = sortedFaces - faceCount(*shot);
   brushes = shot->getBrushes();

@@ -22,12 +22,12 @@ struct TakenShot::State {
   ~State();
 
   /// Takes the shot over; whatever it points at among the shared lists is the scene's.
-  /// \param sortedFaces  how many faces there were to be brought into an order
-  void hold(Shot::Shot2d* newShot, std::size_t sortedFaces);
+  void hold(Shot::Shot2d* newShot);
 
   std::shared_ptr<LoadedScene::State> sceneState;
   ViewSetup setup;
   Shot::Shot2d* shot = nullptr;
+  std::size_t sortedFaces = 0;  ///< faces there were to be brought into an order
   std::size_t hiddenFaces = 0;
   bool isInside = false;
 

@@ -18,7 +18,7 @@ endif()
 file(REMOVE_RECURSE "${WORK}")
 run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${WORK}/prefix")
 run(${CMAKE_COMMAND} -S "${PROJECT}" -B "${WORK}/build" -G Ninja
-  "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}"
+  "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_CXX_COMPILER=${CXX}"
   "-DCMAKE_CXX_FLAGS=${sanitizer}" -DCMAKE_BUILD_TYPE=Release "-DWANTED=${VERSION}")
 run(${CMAKE_COMMAND} --build "${WORK}/build")
 run("${WORK}/build/host" "${SCENE}" "${WORK}/shot.json")
@@ -40,9 +40,41 @@ if(NOT shot STREQUAL shot2)
   message(FATAL_ERROR "the stranger built by pkg-config makes another shot")
 endif()
 
+# Components without CMake.
+file(WRITE "${WORK}/components.cpp" "#include <lumivane/exchange/SvgWriter.h>
+#include <lumivane/measure/VisibleShares.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <cstdio>
+
+int main(int, char** argv) {
+  const auto shot = Lumivane::Session::LoadedScene::fromFile(argv[1]).take({});
+  const Lumivane::Measure::VisibleShares shares(shot.shot());
+  std::printf(\"%zu\", shares.objects().size());
+}
+")
+foreach(component measure exchange)
+  if(EXISTS "${BUILD}/lumivane-${component}.pc")
+    run(pkg-config --modversion "lumivane-${component}")
+    if(NOT output MATCHES "^${VERSION}\n")
+      message(FATAL_ERROR "lumivane-${component}.pc is of another version: ${output}")
+    endif()
+  endif()
+endforeach()
+if(EXISTS "${BUILD}/lumivane-exchange.pc")
+  run(pkg-config --cflags --libs lumivane-exchange)
+  separate_arguments(flags UNIX_COMMAND "${output} ${sanitizer}")
+  run("${CXX}" "${WORK}/components.cpp" -o "${WORK}/components" ${flags}
+    "-Wl,-rpath,${WORK}/prefix/lib:${WORK}/prefix/lib64")
+  run("${WORK}/components" "${SCENE}")
+  if(NOT output MATCHES "3$")
+    message(FATAL_ERROR "the stranger built by pkg-config with components measures: ${output}")
+  endif()
+endif()
+
 # A component that is not there is told; a version of another minor is refused.
 file(WRITE "${WORK}/other/CMakeLists.txt" "cmake_minimum_required(VERSION 3.23)
-project(Other LANGUAGES C CXX)
+project(Other LANGUAGES CXX)
 find_package(Lumivane 0.999)
 find_package(Lumivane COMPONENTS nonsense)
 if(Lumivane_FOUND)
@@ -50,7 +82,7 @@ if(Lumivane_FOUND)
 endif()
 ")
 run(${CMAKE_COMMAND} -S "${WORK}/other" -B "${WORK}/other/build" -G Ninja
-  "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}")
+  "-DCMAKE_PREFIX_PATH=${WORK}/prefix" "-DCMAKE_CXX_COMPILER=${CXX}")
 if(NOT output MATCHES "nonsense")
   message(FATAL_ERROR "the missing component is not named:\n${output}")
 endif()

@@ -21,7 +21,7 @@ foreach(package ${packages})
   string(APPEND names "${output}")
   run(dpkg-deb --extract "${package}" "${WORK}/unpacked")
 endforeach()
-foreach(name "liblumivane[0-9.]+" liblumivane-dev lumivane)
+foreach(name "liblumivane[0-9.]+" liblumivane-dev lumivane lumivane-doc)
   if(NOT names MATCHES "Package: ${name}\n")
     message(FATAL_ERROR "there is no package ${name} among:\n${names}")
   endif()
@@ -31,6 +31,13 @@ endforeach()
 if(NOT names MATCHES "libvtk9" OR NOT names MATCHES "libstdc")
   message(FATAL_ERROR "the packages do not say that they need VTK:\n${names}")
 endif()
+
+foreach(file docs/embedding.md docs/pictures/ring.png examples/FirstShot.cpp scenes/small.json
+    CHANGELOG.md reference/index.html)
+  if(NOT EXISTS "${WORK}/unpacked/usr/share/doc/lumivane-doc/${file}")
+    message(FATAL_ERROR "lumivane-doc is without ${file}")
+  endif()
+endforeach()
 
 run("${WORK}/unpacked/usr/bin/lumivane" --version)
 if(NOT output MATCHES "^lumivane ${VERSION}\n")
@@ -46,7 +53,7 @@ if(NOT EXISTS "${WORK}/unpacked/usr/share/bash-completion/completions/lumivane")
 endif()
 
 run(${CMAKE_COMMAND} -S "${PROJECT}" -B "${WORK}/build" -G Ninja
-  "-DCMAKE_PREFIX_PATH=${WORK}/unpacked/usr" "-DCMAKE_C_COMPILER=${C}" "-DCMAKE_CXX_COMPILER=${CXX}"
+  "-DCMAKE_PREFIX_PATH=${WORK}/unpacked/usr" "-DCMAKE_CXX_COMPILER=${CXX}"
   -DCMAKE_BUILD_TYPE=Release "-DWANTED=${VERSION}")
 run(${CMAKE_COMMAND} --build "${WORK}/build")
 run("${WORK}/build/host" "${SCENE}" "${WORK}/shot.json")
