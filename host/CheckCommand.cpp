@@ -81,14 +81,13 @@ void printJson(const std::string& scene, const Findings& findings) {
   std::cout << text << '\n';
 }
 
-// A mesh or city model would only be told to have none of a scene's keys.
-void refuseModel(const std::string& file) {
+// A mesh or a city model is checked as the scene that an import makes of it.
+Findings findingsOf(const std::string& file) {
 #ifdef LUMIVANE_HOST_EXCHANGE
   if (Exchange::Importer::isImportable(file))
-    throw HostError(file, "is a mesh or a city model: check the scene that lumivane import makes");
-#else
-  static_cast<void>(file);
+    return Check::SceneChecker::check(Exchange::Importer::importFile(file).scene.scene());
 #endif
+  return Check::SceneChecker::checkText(Session::readDocument(file));
 }
 
 }  // namespace
@@ -101,8 +100,7 @@ void setCheckOptions(CLI::App& command, CheckOptions& options) {
 
 int runCheck(const CheckOptions& options) try {
   Session::checkReadable(options.scene);
-  refuseModel(options.scene);
-  const Findings findings = Check::SceneChecker::checkText(Session::readDocument(options.scene));
+  const Findings findings = findingsOf(options.scene);
   options.json ? printJson(options.scene, findings) : print(options.scene, findings);
   finishStandardOutput();
   if (count(findings, Severity::Error) > 0) return WithErrors;

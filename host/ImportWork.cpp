@@ -31,6 +31,18 @@ Jzon::Node node(const Triple& triple) {
   return list;
 }
 
+// Of many bodies the first are named.
+std::string openBodiesText(const std::vector<Exchange::OpenBody>& bodies) {
+  constexpr std::size_t MostNamed = 5;
+  std::string text = std::to_string(bodies.size()) + " open bodies (edges of one polygon only): ";
+  for (std::size_t i = 0; i < std::min(bodies.size(), MostNamed); ++i)
+    text += (i > 0 ? ", \"" : "\"") + Session::oneLine(bodies[i].object) + "\" " +
+            std::to_string(bodies[i].openEdges);
+  if (bodies.size() > MostNamed)
+    text += " and " + std::to_string(bodies.size() - MostNamed) + " more";
+  return text + "; from behind they let the sky through, unless --two-sided";
+}
+
 }  // namespace
 
 Exchange::ImportOptions importOptions(const ImportSettings& settings) {
@@ -59,6 +71,7 @@ std::string reportText(const Exchange::ImportReport& report) {
                                    [](double value) { return value != 0.0; });
   if (isMoved)
     stream << "Moved by " << text(report.shift) << ": add this to the file's coordinates\n";
+  if (!report.openBodies.empty()) stream << "Note: " << openBodiesText(report.openBodies) << "\n";
   for (const std::string& warning : report.warnings)
     stream << "Note: " << Session::oneLine(warning) << "\n";
   return stream.str();
@@ -79,6 +92,14 @@ Jzon::Node reportNode(const Exchange::ImportReport& report) {
   root.add("split_polygons", numberNode(report.splitPolygons));
   root.add("empty_polygons", numberNode(report.emptyPolygons));
   root.add("unfilled_polygons", numberNode(report.unfilledPolygons));
+  Jzon::Node bodies = Jzon::array();
+  for (const Exchange::OpenBody& body : report.openBodies) {
+    Jzon::Node entry = Jzon::object();
+    entry.add("object", Session::oneLine(body.object));
+    entry.add("open_edges", numberNode(body.openEdges));
+    bodies.add(entry);
+  }
+  root.add("open_bodies", bodies);
   Jzon::Node warnings = Jzon::array();
   for (const std::string& warning : report.warnings) warnings.add(Session::oneLine(warning));
   root.add("notes", warnings);

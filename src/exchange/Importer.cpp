@@ -1,5 +1,6 @@
 #include "exchange/ImportError.h"
 #include "exchange/ListOrder.h"
+#include "exchange/OpenBodies.h"
 #include "exchange/Placement.h"
 #include "exchange/Readers.h"
 #include "exchange/SceneBuilder.h"
@@ -234,6 +235,7 @@ struct ImportedModel::State {
     report.format = model.format;
     report.sourcePolygons = model.polygons.size();
     const PlacedSize placed = placeModel(model, options, report);
+    report.openBodies = openBodiesOf(model);
     surfaces = makeFaces(model, options, placed.step, report);
     report.warnings = std::move(model.warnings);
     shorten(report.warnings);

@@ -384,6 +384,21 @@ TEST(ImporterOrder, FacesOfAnObjectComeFromFarToNearOfAnEye) {
   EXPECT_EQ((std::vector<double>{1.0, 1.0, -1.0, -1.0}), sides);
 }
 
+TEST(Importer, OpenBodiesAreNamedWithTheirOpenEdges) {
+  EXPECT_TRUE(importModel("cube.obj").report.openBodies.empty());
+  const std::string box =
+      "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0 0 1\nv 1 0 1\nv 1 1 1\nv 0 1 1\n"
+      "o shed\nf 4 3 2 1\nf 1 2 6 5\nf 2 3 7 6\nf 3 4 8 7\n";
+  const ImportedScene open = importText("s.obj", box + "f 4 1 5 8\n");
+  ASSERT_EQ(1u, open.report.openBodies.size());
+  EXPECT_EQ("shed", open.report.openBodies[0].object);
+  EXPECT_EQ(4u, open.report.openBodies[0].openEdges);
+  // A body may be spread over several groups.
+  for (const char* const group : {"", "o roof\n"})
+    EXPECT_TRUE(
+        importText("c.obj", box + "f 4 1 5 8\n" + group + "f 5 6 7 8\n").report.openBodies.empty());
+}
+
 TEST(ImporterRealModels, BlockOfRotterdamIsReadWhole) {
   const ImportedScene imported =
       Importer::importFile(LUMIVANE_SCENES "/models/rotterdam.city.json");

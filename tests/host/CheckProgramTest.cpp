@@ -65,15 +65,21 @@ TEST(CheckProgram, JsonIsForMachines) {
 }
 
 #ifdef LUMIVANE_HOST_EXCHANGE
-TEST(CheckProgram, MeshOrCityModelIsNoScene) {
+TEST(CheckProgram, MeshOrCityModelIsCheckedAsTheSceneOfItsImport) {
   for (const std::string name : {"cube.obj", "house.city.json"}) {
     const std::string model = LUMIVANE_MODELS "/" + name;
     const Result result = lumivane({"check", model});
-    EXPECT_EQ(2, result.status);
-    EXPECT_EQ("lumivane: " + model +
-                  ": is a mesh or a city model: check the scene that lumivane import makes\n",
-              result.err);
+    EXPECT_EQ(0, result.status) << result.out << result.err;
+    EXPECT_EQ(model + ": 0 errors, 0 warnings\n", result.out);
   }
+  const TempFolder folder;
+  const std::string thin =
+      folder.file("thin.obj", "v 0 0 0\nv 0.00005 0 0\nv 0 1 0\no sliver\nf 1 2 3\n");
+  const Result result = lumivane({"check", thin});
+  EXPECT_EQ(1, result.status);
+  EXPECT_NE(std::string::npos, result.out.find("object \"sliver\", region 1")) << result.out;
+  const std::string damaged = folder.file("damaged.obj", "v 0 0 0\nf 1 2 3\n");
+  EXPECT_EQ(2, lumivane({"check", damaged}).status);
 }
 #endif
 

@@ -7,6 +7,14 @@
 
 namespace Lumivane::Exchange {
 
+/// An object with edges that belong to one polygon only, so that it does not enclose a body:
+/// through the opening its surfaces can be looked at from behind, where they are not seen unless
+/// both sides are.
+struct OpenBody {
+  std::string object;         ///< its name in the file
+  std::size_t openEdges = 0;  ///< edges that one polygon only uses, above 0
+};
+
 /// What an import found and did.
 struct ImportReport {
   std::string format;  ///< "OBJ", "STL", "PLY", "glTF" or "CityJSON" with its version
@@ -28,6 +36,8 @@ struct ImportReport {
   std::size_t splitPolygons = 0;     ///< not flat, or with holes: cut into triangles
   std::size_t emptyPolygons = 0;     ///< left out, since they have no area
   std::size_t unfilledPolygons = 0;  ///< left out, since their outline crosses itself
+
+  std::vector<OpenBody> openBodies;  ///< but for pieces of the ground, in the order of the file
 
   std::vector<std::string> warnings;  ///< one line each: what was left out and why
 };
