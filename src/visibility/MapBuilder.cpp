@@ -441,10 +441,11 @@ class Builder {
     Vec3 best{};
     double bestCosine = 2.0;
     for (int i = 0; i < 27; ++i) {
-      const Vec3 candidate = {static_cast<double>(i % 3 - 1) + 0.013,
-                              static_cast<double>(i / 3 % 3 - 1) + 0.027,
-                              static_cast<double>(i / 9 - 1) - 0.011};
       if (i == 13) continue;
+      const int x = i % 3 - 1;
+      const int y = i / 3 % 3 - 1;
+      const int z = i / 9 - 1;
+      const Vec3 candidate = {x + 0.013, y + 0.027, z - 0.011};
       const Vec3 opposite = -unit(candidate);
       double nearest = -1.0;
       forArcs(cell,

@@ -10,6 +10,9 @@ using Kernel::Vec3;
 
 constexpr double Half = static_cast<double>(CubeHalf);
 constexpr size_t FewSegments = 48;
+constexpr size_t FewCovers = 8;
+// Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
+constexpr double OpenedSize = 1.0;
 constexpr Coordinate SmallestTile = 1 << 14;
 constexpr int StalledLevels = 8;
 constexpr size_t StalledSegments = 400;
@@ -20,28 +23,14 @@ Vec3 axisInScene(int axis, double sign) {
   return toScene(v);
 }
 
-struct Box {
-  double low[3];
-  double high[3];
-};
-
-Box boxFromEye(const BoxNode& node, Vec3 eye) {
-  return {{node.low[0] - eye.x, node.low[1] - eye.y, node.low[2] - eye.z},
-          {node.high[0] - eye.x, node.high[1] - eye.y, node.high[2] - eye.z}};
-}
-
 // The greatest (or with a negated vector the least) of n.x over a box.
-double support(const Box& box, Vec3 n) {
+double support(const SeenBox& box, Vec3 n) {
   return std::max(n.x * box.low[0], n.x * box.high[0]) +
          std::max(n.y * box.low[1], n.y * box.high[1]) +
          std::max(n.z * box.low[2], n.z * box.high[2]);
 }
 
-double extent(const Box& box, Vec3 n) {
-  return std::fabs(n.x) * std::max(std::fabs(box.low[0]), std::fabs(box.high[0])) +
-         std::fabs(n.y) * std::max(std::fabs(box.low[1]), std::fabs(box.high[1])) +
-         std::fabs(n.z) * std::max(std::fabs(box.low[2]), std::fabs(box.high[2]));
-}
+double sumOfMagnitudes(Vec3 n) { return std::fabs(n.x) + std::fabs(n.y) + std::fabs(n.z); }
 
 }  // namespace
 
@@ -85,32 +74,39 @@ TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
           std::max(at(tile.x1 - tile.x0), at(tile.y1 - tile.y0))};
 }
 
-bool TileDescent::misses(const Pyramid& p, const BoxNode& node) const {
-  const Box box = boxFromEye(node, polygons.setup().eye);
-  if (support(box, p.forward) < -1e-12 * extent(box, p.forward)) return true;
-  return std::any_of(std::begin(p.sides), std::end(p.sides),
-                     [&](Vec3 side) { return support(box, side) < -1e-12 * extent(box, side); });
-}
-
-double TileDescent::sizeSeen(const BoxNode& node) const {
-  const Box box = boxFromEye(node, polygons.setup().eye);
+SeenBox TileDescent::boxFromEye(std::int32_t number) const {
+  const BoxNode& node = state.nodes[static_cast<size_t>(number)];
+  const Vec3 eye = polygons.setup().eye;
+  const double eyeAt[3] = {eye.x, eye.y, eye.z};
+  SeenBox box{};
   double diagonal = 0.0;
-  double distance = 0.0;
   for (int i = 0; i < 3; ++i) {
-    const double side = box.high[i] - box.low[i];
+    box.low[i] = node.low[i] - eyeAt[i];
+    box.high[i] = node.high[i] - eyeAt[i];
+    box.reach = std::max({box.reach, -box.low[i], box.high[i]});
     const double gap = std::max({0.0, box.low[i], -box.high[i]});
+    const double side = box.high[i] - box.low[i];
+    box.squareDistance += gap * gap;
     diagonal += side * side;
-    distance += gap * gap;
   }
-  return distance > 0.0 ? std::sqrt(diagonal / distance) : 1e300;
+  box.squareSize = box.squareDistance > 0.0 ? diagonal / box.squareDistance : 1e300;
+  return box;
 }
 
-bool TileDescent::hidden(const Content& content, const BoxNode& node) const {
-  const Box box = boxFromEye(node, polygons.setup().eye);
+bool TileDescent::misses(const SeenBox& box) const {
+  // More than rounding does to the sums.
+  const double margin = -1e-11 * box.reach;
+  if (support(box, pyramid.forward) < margin) return true;
+  return std::any_of(std::begin(pyramid.sides), std::end(pyramid.sides),
+                     [&](Vec3 side) { return support(box, side) < margin; });
+}
+
+bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     if (covers[i] == LookPolygons::Beyond) return true;
     const Vec3 plane = polygons[covers[i]].scenePlane;
-    if (-support(box, -plane) > 1.0 + 1e-9 * (1.0 + extent(box, plane))) return true;
+    const double margin = 1e-9 * (1.0 + sumOfMagnitudes(plane) * box.reach);
+    if (-support(box, -plane) > 1.0 + margin) return true;
   }
   return false;
 }
@@ -197,36 +193,28 @@ void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t nu
 
 // Opens the boxes that look larger than the limit, the nearer half first, since what is near hides.
 void TileDescent::refineNodes(const Tile& tile, Content& content, double limit) {
-  const Vec3 eye = polygons.setup().eye;
-  waiting.assign(nodes.rbegin(), nodes.rend() - static_cast<std::ptrdiff_t>(content.nodes));
+  waiting.clear();
+  for (size_t i = content.nodesEnd; i > content.nodes; --i)
+    waiting.push_back({nodes[i - 1], boxFromEye(nodes[i - 1])});
   nodes.resize(content.nodes);
-  const auto squareDistance = [&](const BoxNode& node) {
-    const Box box = boxFromEye(node, eye);
-    double sum = 0.0;
-    for (int i = 0; i < 3; ++i) {
-      const double gap = std::max({0.0, box.low[i], -box.high[i]});
-      sum += gap * gap;
-    }
-    return sum;
-  };
   while (!waiting.empty()) {
-    const std::int32_t number = waiting.back();
+    const WaitingNode next = waiting.back();
     waiting.pop_back();
-    const BoxNode& node = state.nodes[static_cast<size_t>(number)];
-    if (misses(pyramid, node) || hidden(content, node)) continue;
-    if (sizeSeen(node) < limit) {
-      nodes.push_back(number);
+    if (misses(next.box) || hidden(content, next.box)) continue;
+    if (next.box.squareSize < limit * limit) {
+      nodes.push_back(next.number);
       continue;
     }
+    const BoxNode& node = state.nodes[static_cast<size_t>(next.number)];
     if (node.isLeaf()) {
       for (std::int32_t i = 0; i < node.count; ++i) addPolygon(tile, content, node.first + i);
       continue;
     }
-    const double a = squareDistance(state.nodes[static_cast<size_t>(node.first)]);
-    const double b = squareDistance(state.nodes[static_cast<size_t>(node.first) + 1]);
-    const bool firstIsNear = a <= b;
-    waiting.push_back(node.first + (firstIsNear ? 1 : 0));
-    waiting.push_back(node.first + (firstIsNear ? 0 : 1));
+    WaitingNode near{node.first, boxFromEye(node.first)};
+    WaitingNode far{node.first + 1, boxFromEye(node.first + 1)};
+    if (far.box.squareDistance < near.box.squareDistance) std::swap(near, far);
+    waiting.push_back(far);
+    waiting.push_back(near);
   }
   content.nodesEnd = nodes.size();
 }
@@ -250,9 +238,7 @@ void TileDescent::dropHidden(const Tile& tile, Content& content) {
   content.entriesEnd = kept;
   nodes.erase(
       std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes), nodes.end(),
-                     [&](std::int32_t number) {
-                       return hidden(content, state.nodes[static_cast<size_t>(number)]);
-                     }),
+                     [&](std::int32_t number) { return hidden(content, boxFromEye(number)); }),
       nodes.end());
   content.nodesEnd = nodes.size();
 }
@@ -279,7 +265,7 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress)
   pyramid = pyramidOf(tile);
   const Coordinate width = std::max(tile.x1 - tile.x0, tile.y1 - tile.y0);
   const bool smallest = width <= SmallestTile;
-  refineNodes(tile, content, smallest ? 0.0 : pyramid.size);
+  refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size);
   dropHidden(tile, content);
   size_t count = segments.size() - content.segments;
   if (content.nodes < content.nodesEnd && count < FewSegments &&
@@ -291,6 +277,9 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress)
   if (content.nodes == content.nodesEnd) {
     if (count == 0 && content.coversEnd - content.covers <= 1)
       return uniformTile(tile, content.covers < content.coversEnd ? covers[content.covers] : -1);
+    const size_t covering = content.coversEnd - content.covers;
+    // Planes that run through each other in a tile cost as edges do.
+    count += covering > FewCovers ? FewSegments / FewCovers * covering : 0;
     if (2 * count <= progress.segments) {
       progress.segments = count;
       progress.stalled = 0;

@@ -19,6 +19,15 @@ namespace Lumivane::Visibility {
 Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,
                 bool alongX);
 
+/// A box of the hierarchy from the eye.
+struct SeenBox {
+  double low[3];
+  double high[3];
+  double reach;           // greatest magnitude of a coordinate
+  double squareDistance;  // of its nearest point
+  double squareSize;      // of its diagonal, in units of its distance
+};
+
 class TileDescent {
  public:
   /// `cancelled` may be null.
@@ -41,6 +50,10 @@ class TileDescent {
     Kernel::Vec3 forward;
     double size;  // of the tile, in units of the distance to the face
   };
+  struct WaitingNode {
+    std::int32_t number;
+    SeenBox box;
+  };
   struct Progress {
     int level;
     size_t segments;  // in the last tile above that had twice as many
@@ -58,9 +71,9 @@ class TileDescent {
   void dropHidden(const Tile& tile, Content& content);
   bool hidden(const Tile& tile, const Content& content, std::int32_t position) const;
   bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
-  bool hidden(const Content& content, const BoxNode& node) const;
-  bool misses(const Pyramid& pyramid, const BoxNode& node) const;
-  double sizeSeen(const BoxNode& node) const;
+  SeenBox boxFromEye(std::int32_t number) const;
+  bool hidden(const Content& content, const SeenBox& box) const;
+  bool misses(const SeenBox& box) const;  // lies outside the pyramid
   size_t polygonsIn(const Content& content, size_t limit) const;
   Pyramid pyramidOf(const Tile& tile) const;
 
@@ -73,7 +86,7 @@ class TileDescent {
   std::vector<std::int32_t> nodes;
   std::vector<std::int32_t> covers;
   std::vector<std::uint32_t> segments;
-  std::vector<std::int32_t> waiting;  // nodes that are being refined
+  std::vector<WaitingNode> waiting;  // nodes that are being refined
   Pyramid pyramid{};
 };
 

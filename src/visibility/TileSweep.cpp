@@ -47,6 +47,11 @@ Coordinate crossingOf(const Segment& s, Coordinate y) {
   return s.x0 + rounded(run * static_cast<double>(y - s.y0));
 }
 
+// The number of the lowest bit that is set in a word of a mask.
+std::int32_t bitAt(size_t word, std::uint64_t bits) {
+  return static_cast<std::int32_t>(64 * word) + __builtin_ctzll(bits);
+}
+
 Coordinate toleranceOf(double slope) {
   return rounded(static_cast<double>(Snap) *
                  std::min(std::sqrt(1.0 + slope * slope), SteepestTolerance));
@@ -739,8 +744,7 @@ std::int32_t TileSweep::seenAt(const Word* mask, double x, double y) const {
   std::int32_t best = -1;
   for (size_t w = 0; w < words; ++w)
     for (Word rest = mask[w]; rest != 0; rest &= rest - 1) {
-      const auto slot =
-          static_cast<std::int32_t>(w * 64 + static_cast<size_t>(__builtin_ctzll(rest)));
+      const auto slot = bitAt(w, rest);
       if (best < 0 ||
           isInFront(slots[static_cast<size_t>(slot)], slots[static_cast<size_t>(best)], x, y))
         best = slot;
@@ -788,7 +792,7 @@ void TileSweep::closeGap(const Gap& gap, const Word* mask, Coordinate to) {
     }
   for (size_t w = 0; w < words; ++w)
     for (Word rest = mask[w]; rest != 0; rest &= rest - 1) {
-      const auto i = static_cast<std::int32_t>(w * 64 + static_cast<size_t>(__builtin_ctzll(rest)));
+      const auto i = bitAt(w, rest);
       const Slot& other = slots[static_cast<size_t>(i)];
       if (i == gap.slot || other.layer == seen.layer) continue;
       const double a = other.a - seen.a;
