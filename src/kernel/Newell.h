@@ -37,7 +37,7 @@ inline double scaleOf(const Vec3* points, std::size_t count, Vec3 mean) {
     const Vec3 p = points[i] - mean;
     greatest = std::max({greatest, std::abs(p.x), std::abs(p.y), std::abs(p.z)});
   }
-  return greatest == 0.0 ? 0.0 : std::exp2(-std::ilogb(greatest));
+  return greatest == 0.0 ? 0.0 : std::ldexp(1.0, -std::ilogb(greatest));
 }
 
 /// The greatest distance between two of some points, times `scale`: of more than 64 points to a

@@ -153,7 +153,7 @@ class EdgeNumbers {
     std::vector<std::int32_t> numbers(others.size(), -1);
     for (std::size_t lower = 0; lower < used.size(); ++lower) {
       for (std::int32_t k = 0; k < used[lower]; ++k) {
-        const auto place = static_cast<std::size_t>(starts[lower] + k);
+        const auto place = static_cast<std::size_t>(starts[lower]) + static_cast<std::size_t>(k);
         numbers[place] = static_cast<std::int32_t>(state.edgeVertices.size() / 2);
         state.edgeVertices.push_back(static_cast<std::int32_t>(lower));
         state.edgeVertices.push_back(others[place]);

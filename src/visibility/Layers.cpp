@@ -144,12 +144,18 @@ class Groups {
 // Searched for the larger partners of one polygon after the other.
 class PlaneTree {
  public:
-  PlaneTree(const Planes& allPlanes, std::vector<std::int32_t> members, Groups& allGroups)
-      : planes(allPlanes), items(std::move(members)), groups(allGroups) {
-    for (const std::int32_t item : items) entries.push_back(entryOf(item));
-    if (!items.empty()) build();
+  PlaneTree(const Planes& allPlanes, const std::vector<std::int32_t>& members, Groups& allGroups)
+      : planes(allPlanes), groups(allGroups) {
+    entries.reserve(members.size());
+    for (const std::int32_t member : members) entries.push_back(entryOf(member));
+    if (!entries.empty()) build();
     // Where so many steps have not led to groups, partners are only looked for nearby.
-    stepsLeft = 500 * static_cast<long long>(items.size()) + 1000000;
+    stepsLeft = 500 * static_cast<long long>(members.size()) + 1000000;
+  }
+
+  // Of all members, in the order of the tree: neighbours there ask the same nodes.
+  void joinPartners() {
+    for (const Entry& entry : entries) joinPartnersOf(entry.polygon);
   }
 
   void joinPartnersOf(std::int32_t polygon) {
@@ -258,8 +264,8 @@ class PlaneTree {
 
   void bound(Node& node) const {
     if (node.count == 0) {
-      for (int c = 0; c < 2; ++c) {
-        const Node& child = nodes[static_cast<std::size_t>(node.first + c)];
+      for (std::size_t c = 0; c < 2; ++c) {
+        const Node& child = nodes[static_cast<std::size_t>(node.first) + c];
         for (std::size_t k = 0; k < 3; ++k) {
           node.normal[k].add(child.normal[k]);
           node.box[k].add(child.box[k]);
@@ -350,7 +356,6 @@ class PlaneTree {
   }
 
   const Planes& planes;
-  std::vector<std::int32_t> items;
   Groups& groups;
   std::vector<Entry> entries;
   std::vector<Node> nodes;
@@ -449,8 +454,7 @@ class Candidates {
 void findGroups(const Planes& planes, Groups& groups) {
   const Candidates candidates(planes);
   const std::vector<std::int32_t> list = candidates.list();
-  PlaneTree tree(planes, list, groups);
-  for (const std::int32_t polygon : list) tree.joinPartnersOf(polygon);
+  PlaneTree(planes, list, groups).joinPartners();
   if (candidates.slivers.empty()) return;
   // All others: only a larger sliver can be the partner of one of them.
   PlaneTree sliverTree(planes, candidates.slivers, groups);
