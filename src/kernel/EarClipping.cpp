@@ -62,11 +62,10 @@ class Clipper {
   std::vector<CornerTriple> run() {
     queueAll();
     while (remaining > 2) {
-      const std::size_t corner = takeEar();
-      if (corner == points.size()) break;
+      std::size_t corner = takeEar();
+      if (corner == points.size()) corner = takeAnother();
       clip(corner);
     }
-    if (remaining > 2 && !isLeftOverFlat()) triangles.clear();
     return std::move(triangles);
   }
 
@@ -110,6 +109,19 @@ class Clipper {
       if (changes[ear.corner] == ear.change) return ear.corner;
     }
     return points.size();
+  }
+
+  // What has been cut off without being an ear may have made ears of others than its neighbours;
+  // those are looked for a number of times.
+  std::size_t takeAnother() {
+    if (searchesLeft > 0) {
+      --searchesLeft;
+      queueAll();
+      const std::size_t corner = takeEar();
+      if (corner != points.size()) return corner;
+    }
+    while (!isThere(lowestLeft)) ++lowestLeft;
+    return lowestLeft;
   }
 
   void clip(std::size_t corner) {
@@ -169,56 +181,22 @@ class Clipper {
     return false;
   }
 
-  // Whether nothing but corners on lines is left.
-  bool isLeftOverFlat() const {
-    for (std::size_t i = 0; i < points.size(); ++i)
-      if (isThere(i) && side(points[previous[i]], points[i], points[next[i]]) != 0) return false;
-    return true;
-  }
-
   const std::vector<Vec2>& points;
   std::vector<std::size_t> next;
   std::vector<std::size_t> previous;
   std::vector<int> changes;  // of what a corner's ear depends on; -1 for a corner that is clipped
   std::vector<std::size_t> byX;
   std::size_t remaining;
+  std::size_t lowestLeft = 0;  // no lower corner is there
+  int searchesLeft = 100;
   std::priority_queue<Ear> ears;
   std::vector<CornerTriple> triangles;
 };
 
-bool cross(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
-  return side(a, b, c) * side(a, b, d) < 0 && side(c, d, a) * side(c, d, b) < 0;
-}
-
 }  // namespace
 
-bool crossesItself(const std::vector<Vec2>& outline) {
-  struct Edge {
-    Vec2 a;
-    Vec2 b;
-    double low() const { return std::min(a.x, b.x); }
-    double high() const { return std::max(a.x, b.x); }
-  };
-  std::vector<Edge> edges;
-  for (std::size_t i = 0; i < outline.size(); ++i)
-    edges.push_back({outline[i], outline[i + 1 < outline.size() ? i + 1 : 0]});
-  std::sort(edges.begin(), edges.end(),
-            [](const Edge& e, const Edge& f) { return e.low() < f.low(); });
-  for (std::size_t i = 0; i < edges.size(); ++i) {
-    const Edge& e = edges[i];
-    for (std::size_t j = i + 1; j < edges.size() && edges[j].low() <= e.high(); ++j) {
-      const Edge& f = edges[j];
-      if (std::max(e.a.y, e.b.y) < std::min(f.a.y, f.b.y) ||
-          std::max(f.a.y, f.b.y) < std::min(e.a.y, e.b.y))
-        continue;
-      if (cross(e.a, e.b, f.a, f.b)) return true;
-    }
-  }
-  return false;
-}
-
 std::vector<CornerTriple> clippedEars(const std::vector<Vec2>& outline) {
-  if (outline.size() < 3 || crossesItself(outline)) return {};
+  if (outline.size() < 3) return {};
   return Clipper(outline).run();
 }
 

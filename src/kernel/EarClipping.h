@@ -17,15 +17,16 @@ using CornerTriple = std::array<std::size_t, 3>;
 /// decided exactly.
 ///
 /// Corners at one place and edges that touch, as where a hole is joined to the outline by an edge
-/// walked twice, are taken as they are. Corners on a line make no triangle. An ear with another
-/// corner on the edge that cuts it off is clipped only where there is no other.
+/// walked twice, are taken as they are. An ear with another corner on the edge that cuts it off is
+/// clipped only where there is no other.
+///
+/// Where there is no ear, the corner with the lowest position is cut off all the same: so it is
+/// with what is left of outlines that cross themselves or run clockwise, and of corners on a line.
+/// The triangles then overlap, run clockwise or have no area, but their vector areas still add up
+/// to that of the outline.
 ///
 /// \param outline  corners that run counter-clockwise, without repetition of the first
-/// \return the triangles in the order of clipping; none if the outline crosses itself or has no
-///         ear, since then its inside is not what triangles of its corners cover
+/// \return the triangles in the order of clipping: two fewer than corners, none for fewer than 3
 std::vector<CornerTriple> clippedEars(const std::vector<Vec2>& outline);
-
-/// Whether two edges of a closed outline cross each other inside both.
-bool crossesItself(const std::vector<Vec2>& outline);
 
 }  // namespace Lumivane::Kernel

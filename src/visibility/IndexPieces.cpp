@@ -90,7 +90,10 @@ class PieceMaker {
       return;
     }
     const auto region = static_cast<std::int32_t>(outline);
-    if (isFlat(plane) || !addTriangles(region, plane)) addFlat(region, plane);
+    if (isFlat(plane))
+      addFlat(region, plane);
+    else
+      addTriangles(region, plane);
   }
 
   bool isFlat(const OutlinePlane& plane) const {
@@ -128,14 +131,10 @@ class PieceMaker {
     endPiece(outline, plane);
   }
 
-  // \return false, and adds nothing, if there are no triangles
-  bool addTriangles(std::int32_t outline, const OutlinePlane& plane) {
-    const std::size_t before = pieces.count();
+  void addTriangles(std::int32_t outline, const OutlinePlane& plane) {
     for (const Kernel::CornerTriple& triple : Kernel::clippedEars(flattened(plane)))
       addTriangle(outline, triple);
-    if (pieces.count() == before) return false;
     ++pieces.triangulatedRegions;
-    return true;
   }
 
   // The corners in axes of the plane, their order counter-clockwise.

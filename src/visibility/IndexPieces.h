@@ -31,8 +31,7 @@ struct Pieces {
 };
 
 /// Takes a scene's outlines to pieces: repeated corners are left out, outlines without a normal
-/// dropped, and those that are not flat cut into triangles. One that is not flat and cannot be cut,
-/// since it crosses itself, is taken as flat: seen along its normal it looks as it should.
+/// dropped, and those that are not flat cut into triangles, so that every piece is flat.
 Pieces makePieces(const PolygonScene& scene, const IndexOptions& options);
 
 }  // namespace Lumivane::Visibility

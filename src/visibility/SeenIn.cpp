@@ -13,6 +13,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace Lumivane::Visibility {
 namespace {
@@ -145,8 +146,11 @@ class RayQuery {
   }
 
   bool isNearer(std::size_t polygon, const EyePlane& plane) const {
-    const int sign = Kernel::signOfDifferenceDot(plane.nearness, bestPlane.nearness, direction);
-    return sign > 0 || (sign == 0 && state.regions[polygon] > state.regions[best]);
+    if (state.layers[polygon] != state.layers[best]) {
+      const int sign = Kernel::signOfDifferenceDot(plane.nearness, bestPlane.nearness, direction);
+      if (sign != 0) return sign > 0;
+    }
+    return std::pair(state.regions[polygon], polygon) > std::pair(state.regions[best], best);
   }
 
   // On the polygon's own plane.

@@ -33,9 +33,9 @@ class LUMIVANE_VISIBILITY_EXPORT Cancelled : public std::runtime_error {
 /// How an index is made.
 struct IndexOptions {
   /// A region is flat if no corner is off its plane by more than this part of its size (the
-  /// greatest extent of its corners along an axis); others are taken as triangles. One whose
-  /// outline, seen along the plane's normal, crosses itself is taken as flat, since no triangles of
-  /// its corners cover what the even-odd rule fills.
+  /// greatest distance between two corners). Others are taken as triangles, each seen from its own
+  /// side: ears of the outline as seen along its normal, or, where that crosses itself and has no
+  /// ear, whatever its corners with the lowest numbers cut off.
   double flatness = 1e-4;
   /// Regions whose corners lie within this part of the larger one's size of each other's planes
   /// form a layer, in which the later region is seen.
