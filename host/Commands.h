@@ -15,11 +15,16 @@ struct GridOptions;
 struct Json5Options;
 struct ShotOptions;
 struct ShowOptions;
+struct ViewOptions;
 
 /// The commands. Each throws HostError when it cannot be done.
 
 /// Makes a shot of a scene; writes the shot, a picture and statistics as far as asked for.
 void runShot(const ShotOptions& options);
+
+/// Looks at a scene from one eye, exactly; writes shares, the map, pictures and statistics as far
+/// as asked for. Only where the program is built with the components.
+void runView(const ViewOptions& options);
 
 /// Opens the two windows on a scene and a shot, and returns when they are closed.
 void runShow(const ShowOptions& options);

@@ -47,6 +47,10 @@ int run(const std::vector<std::string>& arguments) {
       app.add_subcommand("show", "Show a scene and a shot in two windows");
   setShowOptions(*showCommand, show);
 #ifdef LUMIVANE_HOST_EXCHANGE
+  ViewOptions view;
+  CLI::App* const viewCommand = app.add_subcommand(
+      "view", "Find out exactly what one eye sees: shares, the map of it, pictures");
+  setViewOptions(*viewCommand, view);
   ImportCommandOptions import;
   CLI::App* const importCommand =
       app.add_subcommand("import", "Make a scene file of a mesh or a city model");
@@ -74,6 +78,7 @@ int run(const std::vector<std::string>& arguments) {
   if (app.got_subcommand("shot")) runShot(shot);
   if (app.got_subcommand("show")) runShow(show);
 #ifdef LUMIVANE_HOST_EXCHANGE
+  if (viewCommand->parsed()) runView(view);
   if (importCommand->parsed()) runImport(import);
 #endif
   if (app.got_subcommand("check")) return runCheck(check);

@@ -5,6 +5,7 @@
 
 #include <lumivane/session/ViewSettings.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,12 @@ namespace Lumivane::Host {
 
 using Session::Vector;
 using Session::ViewSettings;
+
+/// Of a picture, in pixels.
+struct Size {
+  int width = 800;
+  int height = 800;
+};
 
 struct ShotOptions {
   std::string scene;
@@ -30,6 +37,30 @@ struct ShotOptions {
   int width = 800;
   int height = 800;
   VectorFiles vector;
+};
+
+/// What `lumivane view` looks at and writes; the names of choices are those of the command line.
+struct ViewOptions {
+  std::string scene;
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
+  Vector eye{};
+  Vector forward{1.0, 0.0, 0.0};
+  Vector up{0.0, 0.0, 1.0};
+  std::optional<Vector> target;  ///< a point to look at, in place of `forward`
+  std::string field = "hemisphere";
+  bool twoSided = false;
+  int threads = 0;     ///< 0 for as many as processors
+  std::string shares;  ///< the table of shares to write, or empty, and so for the others
+  std::string rows = "object";
+  std::string map;
+  std::string stats;
+  std::string svg;
+  std::string pdf;
+  std::string png;
+  std::string html;
+  std::string projection = "fisheye";
+  std::string colorBy = "brush";
+  std::optional<Size> size;  ///< without it 800 pixels high, and as wide as the projection
 };
 
 struct ShowOptions {
@@ -84,6 +115,7 @@ struct Json5Options {
 /// `viewWasGiven` after the parse.
 void setShotOptions(CLI::App& command, ShotOptions& options);
 void setShowOptions(CLI::App& command, ShowOptions& options);
+void setViewOptions(CLI::App& command, ViewOptions& options);
 void setBatchOptions(CLI::App& command, BatchOptions& options);
 void setGridOptions(CLI::App& command, GridOptions& options);
 void setJson5Options(CLI::App& command, Json5Options& options);

@@ -17,12 +17,6 @@
 namespace Lumivane::Host {
 namespace {
 
-size_t peakMemoryBytes() {
-  struct rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<size_t>(usage.ru_maxrss) * 1024;  // told in kibibytes
-}
-
 Jzon::Node eyeNode(const Session::Vector& eye) {
   Jzon::Node node = Jzon::array();
   for (const double coordinate : eye) node.add(numberNode(coordinate));
@@ -50,6 +44,12 @@ Jzon::Node stagesNode() {
 }
 
 }  // namespace
+
+size_t peakMemoryBytes() {
+  struct rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<size_t>(usage.ru_maxrss) * 1024;  // told in kibibytes
+}
 
 size_t drawnFaces(Shot::Shot2d& shot) {
   size_t count = 0;

@@ -40,6 +40,9 @@ class Timer {
   std::chrono::steady_clock::time_point start;
 };
 
+/// The most memory that the process has held.
+size_t peakMemoryBytes();
+
 /// Faces left in the shot, and those that lay in the picture wholly behind others and were taken
 /// out.
 size_t drawnFaces(Shot::Shot2d& shot);

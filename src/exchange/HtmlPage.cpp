@@ -6,6 +6,8 @@
 #include <lumivane/exchange/SvgWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
 #include <lumivane/measure/VisibleShares.h>
+#include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/VisibleMap.h>
 
 #include <cmath>
 #include <map>
@@ -42,9 +44,10 @@ double rounded(double value) {
   return std::isfinite(step) ? std::round(value * step) / step : value;
 }
 
-Json row(int number, const std::string& id, const Measure::Share& share) {
-  return {number, xmlText(Kernel::idText(id)), rounded(share.viewFactor), rounded(share.solidAngle),
-          rounded(share.hemisphereShare())};
+Json row(int number, const std::string& id, const std::vector<double>& values) {
+  Json result = {number, xmlText(Kernel::idText(id))};
+  for (const double value : values) result.push_back(rounded(value));
+  return result;
 }
 
 // "<" stands in a script only where a tag cannot begin.
@@ -59,13 +62,51 @@ std::string scriptJson(const Json& json) {
   return result;
 }
 
-std::string tableOf(const Measure::VisibleShares& shares) {
-  Json rows = Json::array();
-  for (const Measure::ObjectShare& object : shares.objects())
-    rows.push_back(row(object.objectNumber, object.id, object.share));
-  rows.push_back(row(0, "", shares.open()));
+// What the page shows of a picture: the columns of its rows, the main one first.
+Json table(const std::string& name, const char* field, const std::vector<std::string>& columns) {
+  return {{"name", name}, {"field", field}, {"columns", columns}, {"rows", Json::array()}};
+}
+
+std::vector<double> valuesOf(const Measure::Share& share, const Visibility::ViewShare* exact) {
+  std::vector<double> values = {share.viewFactor, share.solidAngle, share.hemisphereShare()};
+  if (exact != nullptr) values.insert(values.end(), {exact->viewFactor, exact->solidAngle});
+  return values;
+}
+
+Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* exact) {
+  std::vector<std::string> columns = {"viewFactor", "solidAngle", "share"};
+  if (exact != nullptr) columns.insert(columns.end(), {"exactFactor", "exactAngle"});
   const bool isRadial = shares.projection() == Algorithm::ProjectionType::Radial;
-  return scriptJson({{"name", isRadial ? "radial" : "square"}, {"rows", rows}});
+  Json result = table(isRadial ? "radial" : "square", "hemisphere", columns);
+  const Visibility::ViewShare none;
+  for (const Measure::ObjectShare& object : shares.objects()) {
+    const auto at = static_cast<std::size_t>(object.objectNumber) - 1;
+    const Visibility::ViewShare* share = exact == nullptr ? nullptr : &none;
+    if (exact != nullptr && at < exact->objects().size()) share = &exact->objects()[at].share;
+    result["rows"].push_back(row(object.objectNumber, object.id, valuesOf(object.share, share)));
+  }
+  const Visibility::ViewShare* sky = exact == nullptr ? nullptr : &exact->sky();
+  result["rows"].push_back(row(0, "", valuesOf(shares.open(), sky)));
+  return result;
+}
+
+Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
+  const bool isHemisphere = map.field == Visibility::Field::Hemisphere;
+  std::vector<std::string> columns = {"solidAngle", "share"};
+  if (isHemisphere) columns.insert(columns.begin(), "viewFactor");
+  Json result = table("map", isHemisphere ? "hemisphere" : "sphere", columns);
+  const auto add = [&](int number, const std::string& id, const Visibility::ViewShare& share) {
+    std::vector<double> values = {share.solidAngle, share.solidAngle / map.fieldSolidAngle()};
+    if (isHemisphere) values.insert(values.begin(), share.viewFactor);
+    result["rows"].push_back(row(number, id, values));
+  };
+  for (std::size_t i = 0; i < shares.objects().size(); ++i) {
+    const bool hasId = map.names && i < map.names->objectIds.size();
+    add(shares.objects()[i].label.object, hasId ? map.names->objectIds[i] : "",
+        shares.objects()[i].share);
+  }
+  add(0, "", shares.sky());
+  return result;
 }
 
 int decimalsFor(int height) {
@@ -97,14 +138,29 @@ std::string filled(const std::string& text, const std::map<std::string, std::str
 
 HtmlPage::HtmlPage(std::string title) : pageTitle(std::move(title)) {}
 
+void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+                   const Visibility::MapShares* exact) {
+  addSvg(picture);
+  tables.push_back(scriptJson(tableOf(shares, exact)));
+}
+
 void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares) {
+  add(picture, shares, nullptr);
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+                   const Visibility::MapShares& shares) {
+  addSvg(picture);
+  tables.push_back(scriptJson(tableOf(map, shares)));
+}
+
+void HtmlPage::addSvg(const VectorPicture& picture) {
   SvgWriter::Options options;
   options.titles = false;
   options.declaration = false;
   options.idPrefix = "p" + std::to_string(pictures.size() + 1) + "-";
   options.decimals = decimalsFor(picture.height());
   pictures.push_back(SvgWriter::write(picture, options));
-  tables.push_back(tableOf(shares));
 }
 
 std::string HtmlPage::text() const {

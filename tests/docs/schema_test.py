@@ -20,6 +20,8 @@ def validator(kind):
 
 
 def documents(kind):
+    if kind == "map":
+        return sorted((ROOT / "tests/data/maps").glob("*.map.json"))
     found = sorted((ROOT / "tests/data/golden").glob(f"*.{kind}.json"))
     if kind == "scene":
         found += sorted((ROOT / "scenes").glob("*.json"))
@@ -56,15 +58,30 @@ BROKEN = {
         lambda d: d["Objects"][0].pop("Faces"),
         lambda d: d["Brushes"][0].__setitem__(0, -1),
     ],
+    "map": [
+        lambda d: d.pop("version"),
+        lambda d: d.__setitem__("field", "disc"),
+        lambda d: d["eye"].pop(),
+        lambda d: d["vertices"][0].__setitem__(0, 1.5),
+        lambda d: d["cells"][0].pop("solid_angle"),
+        lambda d: d["cells"][0].__setitem__("object", -1),
+        lambda d: d["cells"][0]["rings"][0].__setitem__(0, -1),
+        lambda d: d["edges"][0]["cells"].pop(),
+        lambda d: d["edges"][0].__setitem__("kind", "hem"),
+    ],
 }
+
+LEAST = {"scene": 50, "shot": 50, "map": 1}
+GOOD = {"scene": "golden/b01_box.scene.json", "shot": "golden/b01_box.shot.json",
+        "map": "maps/square.map.json"}
 
 
 def main():
     faults = []
-    for kind in ("scene", "shot"):
+    for kind in ("scene", "shot", "map"):
         check = validator(kind)
         paths = documents(kind)
-        if len(paths) < 50:
+        if len(paths) < LEAST[kind]:
             faults.append(f"only {len(paths)} {kind} documents were found")
         for path in paths:
             found = faults_found(check, json.loads(path.read_text()), path)
@@ -72,7 +89,7 @@ def main():
                 faults += found
             elif not found:
                 faults.append(f"{path.name} should be refused")
-        good = ROOT / f"tests/data/golden/b01_box.{kind}.json"
+        good = ROOT / "tests/data" / GOOD[kind]
         for number, breaks in enumerate(BROKEN[kind]):
             document = json.loads(good.read_text())
             breaks(document)

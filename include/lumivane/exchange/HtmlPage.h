@@ -9,12 +9,18 @@ namespace Lumivane::Measure {
 class VisibleShares;
 }
 
+namespace Lumivane::Visibility {
+class MapShares;
+struct VisibleMap;
+}  // namespace Lumivane::Visibility
+
 namespace Lumivane::Exchange {
 
 class VectorPicture;
 
-/// A page to explore a shot: the picture beside the table of its objects with their view factors,
-/// in one file that loads nothing from anywhere. See docs/shot-page.md for what it does.
+/// A page to explore a shot or a visibility map: the picture beside the table of its objects with
+/// their view factors, in one file that loads nothing from anywhere. See docs/shot-page.md for what
+/// it does.
 class LUMIVANE_EXCHANGE_EXPORT HtmlPage {
  public:
   /// \param title  the page's heading; any bytes
@@ -25,13 +31,27 @@ class LUMIVANE_EXCHANGE_EXPORT HtmlPage {
   ///
   /// \param picture  how it looks
   /// \param shares   what is visible of its objects, measured on the same shot
-  void add(const VectorPicture& picture, const Measure::VisibleShares& shares);
+  /// \param exact    if not null, the shares of a map of the same hemisphere, whose objects have
+  /// the
+  ///                 same numbers: shown beside those of the picture
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+           const Visibility::MapShares* exact);
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without them.
+  /// Adds a map. Between maps of one scene the page switches too.
+  ///
+  /// \param picture  how it looks
+  /// \param map      what it is of
+  /// \param shares   of that map
+  void add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+           const Visibility::MapShares& shares);
 
   /// The document. Equal pictures and shares give equal bytes.
   std::string text() const;
 
  private:
   std::string pageTitle;
+  void addSvg(const VectorPicture& picture);
+
   std::vector<std::string> pictures;  // SVG
   std::vector<std::string> tables;    // JSON
 };

@@ -18,7 +18,7 @@
     picture: 0,
     selected: null, // object numbers; the open share is 0
     hovered: null,
-    column: "viewFactor",
+    column: "", // the first picture's main one
     ascending: false,
     rows: [],
     zoom: 1,
@@ -26,19 +26,33 @@
     y: 0,
   };
 
+  // What a column shows of a value. A page has the columns that its pictures have values for.
+  const texts = {
+    viewFactor: (value) => value.toFixed(5),
+    exactFactor: (value) => value.toFixed(5),
+    solidAngle: (value) => value.toFixed(4),
+    exactAngle: (value) => value.toFixed(4),
+    share: (value) => (100 * value).toFixed(2),
+  };
+
   // The rows of a picture as objects with names for their columns.
-  const pictures = data.pictures.map((picture) => ({
-    name: picture.name,
-    rows: picture.rows.map(([number, id, viewFactor, solidAngle, hemisphere]) => ({
-      number, id, viewFactor, solidAngle, hemisphere,
+  const pictures = data.pictures.map(({ name, field, columns, rows }) => ({
+    name,
+    field,
+    columns: Object.keys(texts).filter((column) => columns.includes(column)),
+    main: columns[0],
+    rows: rows.map(([number, id, ...values]) => ({
+      number, id,
+      ...Object.fromEntries(columns.map((column, i) => [column, values[i]])),
       label: number === 0 ? "open (sky)" : id === "" ? `object ${number}` : id,
       key: id.toLowerCase(),
     })),
   }));
   for (const picture of pictures) {
     picture.byNumber = new Map(picture.rows.map((row) => [row.number, row]));
-    picture.most = picture.rows.reduce((most, row) => Math.max(most, row.viewFactor), 1e-12);
+    picture.most = picture.rows.reduce((most, row) => Math.max(most, row[picture.main]), 1e-12);
   }
+  state.column = pictures[0].main;
   const rowOf = (number) => pictures[state.picture].byNumber.get(number);
 
   // Marks ------------------------------------------------------------------------------------------
@@ -80,9 +94,17 @@
     row.setAttribute("aria-selected", String(number === state.selected));
   }
 
-  const figures = (row) =>
-    `view factor ${row.viewFactor.toFixed(5)}, solid angle ${row.solidAngle.toFixed(4)} sr, ` +
-    `${(100 * row.hemisphere).toFixed(2)} % of the hemisphere`;
+  const figures = (row) => {
+    const { columns, field } = pictures[state.picture];
+    const parts = {
+      viewFactor: (text) => `view factor ${text}`,
+      exactFactor: (text) => `exactly ${text}`,
+      solidAngle: (text) => `solid angle ${text} sr`,
+      exactAngle: (text) => `exactly ${text} sr`,
+      share: (text) => `${text} % of the ${field}`,
+    };
+    return columns.map((column) => parts[column](texts[column](row[column]))).join(", ");
+  };
 
   function tell(path) {
     const row = rowOf(state.hovered ?? state.selected);
@@ -153,11 +175,12 @@
     row.setAttribute("aria-rowindex", String(index + 2));
     if (entry.number === 0) row.classList.add("open");
     cell(row, entry.label).title = entry.label;
-    const factor = cell(row, entry.viewFactor.toFixed(5), "factor");
-    factor.style.setProperty("--share",
-      `${(100 * entry.viewFactor / pictures[state.picture].most).toFixed(1)}%`);
-    cell(row, entry.solidAngle.toFixed(4));
-    cell(row, (100 * entry.hemisphere).toFixed(2));
+    const { columns, main, most } = pictures[state.picture];
+    for (const column of columns) {
+      const value = cell(row, texts[column](entry[column]), column === main ? "factor" : "");
+      if (column === main)
+        value.style.setProperty("--share", `${(100 * entry[column] / most).toFixed(1)}%`);
+    }
     markRow(row);
     return row;
   }
@@ -388,11 +411,16 @@
     state.picture = picture;
     state.hovered = null;
     svgs.forEach((svg, i) => svg.toggleAttribute("hidden", i !== picture));
-    const rows = pictures[picture].rows;
+    const { rows, columns } = pictures[picture];
+    for (const header of grid.querySelectorAll("th")) {
+      const { column } = header.dataset;
+      header.hidden = column !== "id" && !columns.includes(column);
+    }
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
-    byId("sum").textContent =
-      `All objects and the open share together: view factor ${sum("viewFactor").toFixed(5)}, ` +
-      `${sum("solidAngle").toFixed(4)} sr.`;
+    const factor = columns.includes("viewFactor")
+      ? `view factor ${texts.viewFactor(sum("viewFactor"))}, ` : "";
+    byId("sum").textContent = `All objects and the open share together: ${factor}` +
+      `${texts.solidAngle(sum("solidAngle"))} sr.`;
     listRows();
     mark();
     tell();

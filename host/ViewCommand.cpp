@@ -1,0 +1,232 @@
+// What one eye sees, exactly. All outputs are made in memory before the first is written.
+
+#include "Commands.h"
+#include "HostError.h"
+#include "Options.h"
+#include "OutputNames.h"
+#include "ProgressBar.h"
+#include "SceneSource.h"
+#include "Stats.h"
+#include "StatsNumbers.h"
+
+#include <lumivane/exchange/CairoWriter.h>
+#include <lumivane/exchange/HtmlPage.h>
+#include <lumivane/exchange/MapPicture.h>
+#include <lumivane/exchange/SvgWriter.h>
+#include <lumivane/exchange/VectorPicture.h>
+#include <lumivane/session/Files.h>
+#include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/MapText.h>
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace Lumivane::Host {
+namespace {
+
+using Exchange::VectorPicture;
+using Visibility::MapShares;
+using Visibility::SceneIndex;
+using Visibility::VisibleMap;
+
+// Processor time of all threads, in seconds.
+struct ViewSeconds {
+  double read = 0.0;
+  double index = 0.0;
+  double look = 0.0;
+  double write = 0.0;
+};
+
+class ProcessorTimer {
+ public:
+  explicit ProcessorTimer(double& seconds) : target(seconds), start(std::clock()) {}
+  ProcessorTimer(const ProcessorTimer&) = delete;
+  ProcessorTimer& operator=(const ProcessorTimer&) = delete;
+  ~ProcessorTimer() { target += static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC; }
+
+ private:
+  double& target;
+  std::clock_t start;
+};
+
+struct Output {
+  std::string path;
+  std::string bytes;
+};
+
+void checkOutputs(const ViewOptions& options) {
+  OutputNames names(sourceFiles(options.scene));
+  for (const std::string& path : {options.shares, options.map, options.stats, options.svg,
+                                  options.pdf, options.png, options.html})
+    names.add(path);
+}
+
+Visibility::Field fieldOf(const ViewOptions& options) {
+  return options.field == "sphere" ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
+}
+
+Visibility::ShareDepth depthOf(const std::string& rows) {
+  const std::pair<const char*, Visibility::ShareDepth> depths[] = {
+      {"total", Visibility::ShareDepth::Total},
+      {"class", Visibility::ShareDepth::Class},
+      {"object", Visibility::ShareDepth::Object},
+      {"face", Visibility::ShareDepth::Face},
+      {"region", Visibility::ShareDepth::Region}};
+  const auto* const found =
+      std::find_if(std::begin(depths), std::end(depths),
+                   [&rows](const auto& entry) { return rows == entry.first; });
+  return found == std::end(depths) ? Visibility::ShareDepth::Object : found->second;
+}
+
+bool needsFractions(const ViewOptions& options) {
+  return !options.shares.empty() && depthOf(options.rows) >= Visibility::ShareDepth::Object;
+}
+
+SceneIndex makeIndex(const ViewOptions& options, const Session::LoadedScene& scene,
+                     ViewSeconds& seconds) {
+  const ProcessorTimer timer(seconds.index);
+  try {
+    return SceneIndex(scene);
+  } catch (const std::invalid_argument& error) {
+    throw HostError(options.scene, error.what());
+  }
+}
+
+Visibility::Vector forwardOf(const ViewOptions& options) {
+  if (!options.target) return options.forward;
+  Visibility::Vector forward{};
+  for (std::size_t i = 0; i < forward.size(); ++i)
+    forward[i] = (*options.target)[i] - options.eye[i];
+  if (forward == Visibility::Vector{})
+    throw HostError("--target", "is where the eye stands: name another point to look at");
+  return forward;
+}
+
+VisibleMap look(const ViewOptions& options, const SceneIndex& index, ViewSeconds& seconds) {
+  const ProcessorTimer timer(seconds.look);
+  Visibility::LookOptions how;
+  how.field = fieldOf(options);
+  how.forward = forwardOf(options);
+  how.up = options.up;
+  how.twoSided = options.twoSided;
+  how.threads = options.threads;
+  how.alone = needsFractions(options);
+  const ProgressBar bar;
+  const Session::Progress show = bar.progress();
+  if (show) how.progress = [&show](double part) { show(100.0 * part); };
+  try {
+    return index.look(options.eye, how);
+  } catch (const std::invalid_argument& error) {
+    throw HostError("the view", error.what());
+  }
+}
+
+Exchange::MapPictureOptions pictureOptions(const ViewOptions& options) {
+  Exchange::MapPictureOptions result;
+  for (const Exchange::MapProjectionName& entry : Exchange::mapProjections())
+    if (options.projection == entry.name) result.projection = entry.projection;
+  const bool isWide = fieldOf(options) == Visibility::Field::Sphere &&
+                      result.projection == Exchange::MapProjection::Equirectangular;
+  const Size size = options.size ? *options.size : Size{isWide ? 1600 : 800, 800};
+  result.width = size.width;
+  result.height = size.height;
+  result.title = std::filesystem::path(options.scene).filename().string();
+  return result;
+}
+
+std::string pageOf(const VisibleMap& map, const Exchange::MapColors& colors,
+                   Exchange::MapPictureOptions options, const MapShares& shares) {
+  Exchange::HtmlPage page(options.title);
+  options.extent = 1.02;  // so that no line of the rim is cut
+  page.add(VectorPicture(map, colors, options), map, shares);
+  return page.text();
+}
+
+void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
+                 const VisibleMap& map, const MapShares& shares, std::vector<Output>& outputs) {
+  const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
+  if (!isDrawn && options.html.empty()) return;
+  const Exchange::MapColors colors =
+      options.colorBy == "object" ? Exchange::MapColors() : Exchange::MapColors(scene.scene());
+  const Exchange::MapPictureOptions how = pictureOptions(options);
+  if (isDrawn) {
+    const VectorPicture picture(map, colors, how);
+    if (!options.svg.empty()) outputs.push_back({options.svg, Exchange::SvgWriter::write(picture)});
+    if (!options.pdf.empty()) outputs.push_back({options.pdf, Exchange::CairoWriter::pdf(picture)});
+    if (!options.png.empty()) outputs.push_back({options.png, Exchange::CairoWriter::png(picture)});
+  }
+  if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
+}
+
+std::string sharesText(const ViewOptions& options, const VisibleMap& map, const MapShares& shares) {
+  const Visibility::ShareDepth depth = depthOf(options.rows);
+  const bool isJson = std::filesystem::path(options.shares).extension() == ".json";
+  return isJson ? Visibility::MapText::json(map, shares, depth)
+                : Visibility::MapText::csv(map, shares, depth);
+}
+
+void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
+                  const VisibleMap& map, const MapShares& shares, ViewSeconds& seconds) {
+  const ProcessorTimer timer(seconds.write);
+  std::vector<Output> outputs;
+  if (!options.shares.empty())
+    outputs.push_back({options.shares, sharesText(options, map, shares)});
+  if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
+  addPictures(options, scene, map, shares, outputs);
+  for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
+}
+
+void writeStats(const ViewOptions& options, const VisibleMap& map, const ViewSeconds& seconds,
+                const Jzon::Node& import) {
+  if (options.stats.empty()) return;
+  Jzon::Node times = Jzon::object();
+  times.add("read", numberNode(seconds.read));
+  times.add("index", numberNode(seconds.index));
+  times.add("look", numberNode(seconds.look));
+  times.add("write", numberNode(seconds.write));
+  Jzon::Node root = Jzon::object();
+  root.add("seconds", times);
+  root.add("cells", numberNode(map.cells.size()));
+  root.add("edges", numberNode(map.edges.size()));
+  root.add("peak_memory_bytes", numberNode(peakMemoryBytes()));
+  if (import.isValid()) root.add("import", import);
+  Session::writeFile(options.stats, jsonText(root));
+}
+
+// What is worth a line on the terminal, where no file was asked for.
+void report(const ViewOptions& options, const VisibleMap& map, const MapShares& shares) {
+  for (const std::string& path : {options.shares, options.map, options.stats, options.svg,
+                                  options.pdf, options.png, options.html})
+    if (!path.empty()) return;
+  const auto isSeen = [](const MapShares::Row& row) { return row.share.solidAngle > 0.0; };
+  const auto seen = std::count_if(shares.objects().begin(), shares.objects().end(), isSeen);
+  std::printf("%zu cells; %td of %zu objects are seen, the sky takes %.2f %% of the %s\n",
+              map.cells.size(), seen, shares.objects().size(),
+              100.0 * shares.sky().solidAngle / map.fieldSolidAngle(), options.field.c_str());
+}
+
+}  // namespace
+
+void runView(const ViewOptions& options) {
+  Session::checkReadable(options.scene);
+  checkOutputs(options);
+  ViewSeconds seconds;
+  // Kept to the end of the process, which frees all at once.
+  static const SourcedScene& source = *new SourcedScene([&] {
+    const ProcessorTimer timer(seconds.read);
+    return loadScene(options.scene, options.import);
+  }());
+  static const SceneIndex& index = *new SceneIndex(makeIndex(options, source.scene, seconds));
+  static const VisibleMap& map = *new VisibleMap(look(options, index, seconds));
+  const MapShares shares(map);
+  writeOutputs(options, source.scene, map, shares, seconds);
+  writeStats(options, map, seconds, source.import);
+  report(options, map, shares);
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,204 @@
+// `lumivane view`, run as a process.
+
+#include "host/Process.h"
+#include "support/TempFolder.h"
+#include "support/Vectors.h"
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Host {
+namespace {
+
+namespace fs = std::filesystem;
+using Lumivane::Test::fileBytes;
+using Lumivane::Test::Json;
+using Lumivane::Test::Result;
+using Lumivane::Test::TempFolder;
+
+const std::string Room = LUMIVANE_SCENES "/room.json";
+
+Result view(const std::string& scene, std::vector<std::string> more,
+            const std::string& eye = "0.35,2.137,1.6") {
+  std::vector<std::string> command = {LUMIVANE_PROGRAM, "view", scene, "--eye", eye};
+  command.insert(command.end(), more.begin(), more.end());
+  return Lumivane::Test::runProcess(command, {{"DISPLAY", {}}});
+}
+
+std::vector<std::vector<std::string>> table(const std::string& path) {
+  std::vector<std::vector<std::string>> rows;
+  std::istringstream text(fileBytes(path));
+  for (std::string line; std::getline(text, line);) {
+    rows.emplace_back();
+    std::istringstream fields(line + ",");
+    for (std::string field; std::getline(fields, field, ',');) rows.back().push_back(field);
+  }
+  return rows;
+}
+
+double sum(const std::vector<std::vector<std::string>>& rows, const std::string& column) {
+  std::size_t at = 0;
+  while (rows.at(0).at(at) != column) ++at;
+  double result = 0.0;
+  for (std::size_t i = 1; i < rows.size(); ++i) result += std::stod(rows[i].at(at));
+  return result;
+}
+
+size_t entries(const TempFolder& folder) {
+  size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder.path(""))) ++count;
+  return count;
+}
+
+TEST(ViewProgram, SharesOfObjectsAndSkyAddUpToTheHemisphere) {
+  const TempFolder folder;
+  ASSERT_EQ(0, view(Room, {"--shares", folder.path("room.csv")}).status);
+  const auto rows = table(folder.path("room.csv"));
+  EXPECT_EQ("object", rows.at(1).at(0));
+  EXPECT_EQ("shell", rows.at(1).at(2));
+  EXPECT_EQ("sky", rows.back().at(0));
+  EXPECT_NEAR(1.0, sum(rows, "view_factor"), 1e-9);
+  EXPECT_NEAR(1.0, sum(rows, "hemisphere_share"), 1e-9);
+  EXPECT_NEAR(2.0 * 3.141592653589793, sum(rows, "solid_angle"), 1e-9);
+}
+
+TEST(ViewProgram, SharesOfASphereAddUpToIt) {
+  const TempFolder folder;
+  ASSERT_EQ(0, view(Room, {"--field", "sphere", "--shares", folder.path("room.csv")}).status);
+  const auto rows = table(folder.path("room.csv"));
+  EXPECT_EQ("solid_angle", rows.at(0).at(6));
+  EXPECT_NEAR(4.0 * 3.141592653589793, sum(rows, "solid_angle"), 1e-9);
+}
+
+TEST(ViewProgram, RowsGoAsDeepAsAskedFor) {
+  const TempFolder folder;
+  std::size_t before = 0;
+  for (const char* depth : {"total", "object", "face", "region"}) {
+    ASSERT_EQ(0, view(Room, {"--shares", folder.path("a.csv"), "--rows", depth}).status);
+    const auto rows = table(folder.path("a.csv"));
+    EXPECT_GT(rows.size(), before) << depth;
+    before = rows.size();
+  }
+}
+
+TEST(ViewProgram, ATargetStandsForADirection) {
+  const TempFolder folder;
+  const std::string a = folder.path("a.json");
+  const std::string b = folder.path("b.json");
+  ASSERT_EQ(0, view(Room, {"--target", "2.35,2.137,1.1", "--shares", a}).status);
+  ASSERT_EQ(0, view(Room, {"--forward", "2,0,-0.5", "--shares", b}).status);
+  EXPECT_EQ(Json::parse(fileBytes(b)).at("rows").size(),
+            Json::parse(fileBytes(a)).at("rows").size());
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(Json::parse(fileBytes(b)).at("forward").at(i).get<double>(),
+                Json::parse(fileBytes(a)).at("forward").at(i).get<double>(), 1e-12);
+  const Result both = view(Room, {"--target", "1,1,1", "--forward", "1,0,0"});
+  EXPECT_EQ(2, both.status);
+  const Result here = view(Room, {"--target", "0.35,2.137,1.6"});
+  EXPECT_EQ(1, here.status);
+  EXPECT_EQ("lumivane: --target: is where the eye stands: name another point to look at\n",
+            here.err);
+}
+
+TEST(ViewProgram, MapAndStatisticsAgree) {
+  const TempFolder folder;
+  ASSERT_EQ(
+      0,
+      view(Room, {"--map", folder.path("map.json"), "--stats", folder.path("stats.json")}).status);
+  const Json map = Json::parse(fileBytes(folder.path("map.json")));
+  const Json stats = Json::parse(fileBytes(folder.path("stats.json")));
+  EXPECT_EQ(map.at("cells").size(), stats.at("cells"));
+  EXPECT_EQ(map.at("edges").size(), stats.at("edges"));
+  EXPECT_GT(stats.at("peak_memory_bytes"), 1000000);
+  for (const char* stage : {"read", "index", "look", "write"})
+    EXPECT_GE(stats.at("seconds").at(stage), 0.0);
+  double solidAngle = 0.0;
+  for (const Json& cell : map.at("cells")) solidAngle += cell.at("solid_angle").get<double>();
+  EXPECT_NEAR(2.0 * 3.141592653589793, solidAngle, 1e-9);
+}
+
+TEST(ViewProgram, ThreadsDoNotChangeTheMap) {
+  const TempFolder folder;
+  ASSERT_EQ(0, view(Room, {"--map", folder.path("1.json"), "--threads", "1"}).status);
+  ASSERT_EQ(0, view(Room, {"--map", folder.path("8.json"), "--threads", "8"}).status);
+  EXPECT_EQ(fileBytes(folder.path("1.json")), fileBytes(folder.path("8.json")));
+}
+
+TEST(ViewProgram, TwoSidedSeesWhatFacesAway) {
+  const TempFolder folder;
+  const std::string path = folder.path("a.csv");
+  const auto nearest = [&path] { return std::stod(table(path).at(1).at(12)); };
+  // From outside the room its nearer wall is seen from behind.
+  ASSERT_EQ(0, view(Room, {"--shares", path, "--rows", "total"}, "-3,2,1").status);
+  EXPECT_GT(nearest(), 3.1);
+  ASSERT_EQ(0, view(Room, {"--shares", path, "--rows", "total", "--two-sided"}, "-3,2,1").status);
+  EXPECT_NEAR(3.0, nearest(), 0.1);
+}
+
+TEST(ViewProgram, PicturesAreWrittenInEachProjectionAndField) {
+  for (const char* projection : {"fisheye", "equirectangular"}) {
+    for (const char* field : {"hemisphere", "sphere"}) {
+      const TempFolder folder;
+      const Result result =
+          view(Room, {"--projection", projection, "--field", field, "--svg", folder.path("a.svg"),
+                      "--pdf", folder.path("a.pdf"), "--png-vector", folder.path("a.png"), "--html",
+                      folder.path("a.html"), "--color-by", "object"});
+      ASSERT_EQ(0, result.status) << result.err;
+      EXPECT_NE(std::string::npos, fileBytes(folder.path("a.svg")).find("<g id=\"map\""));
+      EXPECT_EQ(0U, fileBytes(folder.path("a.pdf")).rfind("%PDF-", 0));
+      EXPECT_EQ(0U, fileBytes(folder.path("a.png")).rfind("\x89PNG", 0));
+      EXPECT_NE(std::string::npos, fileBytes(folder.path("a.html")).find("<svg"));
+    }
+  }
+}
+
+TEST(ViewProgram, MeshesAndCityModelsAreLookedAtAsTheyAre) {
+  const TempFolder folder;
+  ASSERT_EQ(
+      0,
+      view(LUMIVANE_MODELS "/cube.obj", {"--shares", folder.path("a.csv")}, "-4,0.3,0.7").status);
+  EXPECT_LT(0.0, std::stod(table(folder.path("a.csv")).at(1).at(8)));
+}
+
+TEST(ViewProgram, WithoutOutputsItPrintsALine) {
+  const Result result = view(Room, {});
+  EXPECT_EQ(0, result.status);
+  EXPECT_NE(std::string::npos, result.out.find("19 of 19 objects are seen")) << result.out;
+}
+
+TEST(ViewProgram, TwoOutputsOnOneFileAreRefusedBeforeTheWork) {
+  const TempFolder folder;
+  const std::string path = folder.path("a.json");
+  const Result result = view(Room, {"--map", path, "--shares", path});
+  EXPECT_NE(0, result.status);
+  EXPECT_NE(std::string::npos, result.err.find(path)) << result.err;
+  EXPECT_EQ(0U, entries(folder));
+}
+
+TEST(ViewProgram, WrongArgumentsAreNamed) {
+  EXPECT_EQ(2, view(Room, {"--field", "disc"}).status);
+  EXPECT_EQ(2, view(Room, {"--projection", "gnomonic"}).status);
+  EXPECT_EQ(2, view(Room, {"--rows", "pixel"}).status);
+  EXPECT_EQ(2, view(Room, {"--shares", "a.txt"}).status);
+  EXPECT_EQ(2, view(Room, {}, "1,2").status);
+  EXPECT_EQ(1, view(Room, {"--forward", "0,0,0"}).status);
+  EXPECT_EQ(1, view(Room, {}, "1,2,nan").status);
+  const Result missing = view("nothing.json", {});
+  EXPECT_EQ(1, missing.status);
+  EXPECT_NE(std::string::npos, missing.err.find("nothing.json"));
+}
+
+TEST(ViewProgram, NothingIsWrittenIfOneOutputCannotBe) {
+  const TempFolder folder;
+  const Result result =
+      view(Room, {"--map", folder.path("map.json"), "--svg", folder.path("no/such/folder/a.svg")});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ(0U, entries(folder));
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
