@@ -213,6 +213,13 @@ std::vector<double> readHeadings(const std::string& text) {
   return headings;
 }
 
+void addCsvSafe(CLI::App& command, bool& isSafe) {
+  command.add_flag(
+      "--csv-safe", isSafe,
+      "put an apostrophe in front of texts in tables that start with = + - @ or a tab, "
+      "which spreadsheets take for formulas");
+}
+
 #ifdef LUMIVANE_HOST_MEASURES
 void addVisible(CLI::App& command, std::string& visible) {
   command
@@ -256,10 +263,7 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
       ->default_str("800x800");
   command.add_flag("--no-check", options.noCheck, "do not look for errors in the scene first");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
-  command.add_flag(
-      "--csv-safe", options.csvSafe,
-      "put an apostrophe in front of texts in tables that start with = + - @ or a tab, "
-      "which spreadsheets take for formulas");
+  addCsvSafe(command, options.csvSafe);
 #ifdef LUMIVANE_HOST_MEASURES
   addVisible(command, options.visible);
 #endif
@@ -344,6 +348,7 @@ void setViewOptions(CLI::App& command, ViewOptions& options) {
       ->type_name("FILE");
   addNames(command, "--rows", options.rows, "how deep the shares go",
            {"total", "class", "object", "face", "region"});
+  addCsvSafe(command, options.csvSafe);
   addFile(command, "--map", options.map, "the map itself to write (JSON)");
   addFile(command, "--stats", options.stats, "statistics to write (JSON)");
   command.add_option("--threads", options.threads, "threads; 0 for as many as processors")

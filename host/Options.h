@@ -52,6 +52,7 @@ struct ViewOptions {
   int threads = 0;     ///< 0 for as many as processors
   std::string shares;  ///< the table of shares to write, or empty, and so for the others
   std::string rows = "object";
+  bool csvSafe = false;  ///< texts in tables are kept from being taken for formulas
   std::string map;
   std::string stats;
   std::string svg;

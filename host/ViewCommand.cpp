@@ -167,7 +167,7 @@ std::string sharesText(const ViewOptions& options, const VisibleMap& map, const 
   const Visibility::ShareDepth depth = depthOf(options.rows);
   const bool isJson = std::filesystem::path(options.shares).extension() == ".json";
   return isJson ? Visibility::MapText::json(map, shares, depth)
-                : Visibility::MapText::csv(map, shares, depth);
+                : Visibility::MapText::csv(map, shares, depth, options.csvSafe);
 }
 
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,

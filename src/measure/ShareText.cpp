@@ -1,11 +1,11 @@
 #include "kernel/CsvText.h"
 #include "kernel/DisplayText.h"
+#include "kernel/JsonText.h"
 
 #include <lumivane/measure/ShareText.h>
 #include <lumivane/measure/VisibleShares.h>
 
 #include <charconv>
-#include <cstdio>
 #include <map>
 
 namespace Lumivane::Measure {
@@ -20,22 +20,6 @@ std::string text(double value) {
 std::string csvRow(const std::string& labels, const Share& share) {
   return labels + "," + text(share.area) + "," + text(share.viewFactor) + "," +
          text(share.solidAngle) + "," + text(share.hemisphereShare()) + "\n";
-}
-
-std::string jsonString(const std::string& value) {
-  std::string result = "\"";
-  for (const char c : value) {
-    char escape[8];
-    if (c == '"' || c == '\\') {
-      result += {'\\', c};
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
-      result += escape;
-    } else {
-      result += c;
-    }
-  }
-  return result + "\"";
 }
 
 std::string jsonShare(const Share& share) {
@@ -95,8 +79,8 @@ std::string ShareText::csv(const VisibleShares& shares, bool isSafe) {
 std::string ShareText::json(const VisibleShares& shares) {
   const bool round = shares.projection() == Algorithm::ProjectionType::Radial;
   const auto object = [](const ObjectShare& o) {
-    return jsonNumber("object", o.objectNumber) + "\"id\":" + jsonString(Kernel::idText(o.id)) +
-           ",";
+    return jsonNumber("object", o.objectNumber) +
+           "\"id\":" + Kernel::jsonString(Kernel::idText(o.id)) + ",";
   };
   const auto face = [](const FaceShare& f) {
     return jsonNumber("object", f.objectNumber) + jsonNumber("face", f.faceNumber);

@@ -1,8 +1,11 @@
+#include "kernel/CsvText.h"
+#include "kernel/DisplayText.h"
+#include "kernel/JsonText.h"
+
 #include <lumivane/visibility/MapText.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -103,12 +106,13 @@ class Naming {
 
   std::string id(int object) const {
     const auto at = static_cast<std::size_t>(object) - 1;
-    return object >= 1 && at < names.objectIds.size() ? names.objectIds[at] : "";
+    return object >= 1 && at < names.objectIds.size() ? Kernel::idText(names.objectIds[at]) : "";
   }
 
   std::string className(int number) const {
     const auto at = static_cast<std::size_t>(number);
-    return number >= 0 && at < names.classNames.size() ? names.classNames[at] : "";
+    return number >= 0 && at < names.classNames.size() ? Kernel::utf8Text(names.classNames[at])
+                                                       : "";
   }
 
   // Counted from 1 through all objects of the scene; 0 for one that it does not have.
@@ -213,73 +217,18 @@ class Rows {
 
 bool isSeen(const ShareRow& row) { return row.kind != "sky" && row.share.solidAngle > 0.0; }
 
-// The length of the well-formed character at a place (Unicode 15, table 3-7), or 0 if there is
-// none.
-std::size_t characterLength(const std::string& bytes, std::size_t at) {
-  const auto byte = [&](std::size_t i) {
-    return at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0U;
-  };
-  const unsigned first = byte(0);
-  if (first < 0x80) return 1;
-  if (first < 0xC2 || first > 0xF4) return 0;
-  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  const unsigned low = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-  const unsigned high = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-  if (byte(1) < low || byte(1) > high) return 0;
-  for (std::size_t i = 2; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  return length;
+std::string cell(const std::string& text, bool isSafe) {
+  return Kernel::csvField(isSafe ? Kernel::csvSafe(text) : text);
 }
 
-// The bytes as UTF-8: each byte that is none becomes U+FFFD.
-std::string utf8(const std::string& bytes) {
-  std::string result;
-  for (std::size_t at = 0; at < bytes.size();) {
-    const std::size_t length = characterLength(bytes, at);
-    if (length == 0)
-      result += "\xEF\xBF\xBD";
-    else
-      result.append(bytes, at, length);
-    at += std::max<std::size_t>(length, 1);
-  }
-  return result;
-}
-
-std::string csvField(const std::string& bytes) {
-  const std::string field = utf8(bytes);
-  if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
-  std::string quoted = "\"";
-  for (const char c : field) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + "\"";
-}
-
-std::string jsonString(const std::string& value) {
-  std::string result = "\"";
-  for (const char c : utf8(value)) {
-    char escape[8];
-    if (c == '"' || c == '\\') {
-      result += {'\\', c};
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
-      result += escape;
-    } else {
-      result += c;
-    }
-  }
-  return result + "\"";
-}
-
-void addCsvRow(Text& text, const ShareRow& row, Field field) {
+void addCsvRow(Text& text, const ShareRow& row, Field field, bool isSafe) {
   const auto number = [&text](int value) {
     text << ',';
     if (value > 0) text << value;
   };
   text << row.kind;
   number(row.object);
-  text << ',' << csvField(row.id);
+  text << ',' << cell(row.id, isSafe);
   number(row.face);
   number(row.region);
   number(row.sourceRegion);
@@ -288,7 +237,7 @@ void addCsvRow(Text& text, const ShareRow& row, Field field) {
   if (isHemisphere) (text << ',').shortest(row.share.viewFactor);
   (text << ',').shortest(row.share.solidAngle);
   if (isHemisphere) (text << ',').shortest(row.share.hemisphereShare());
-  text << ',' << csvField(row.className) << ',';
+  text << ',' << cell(row.className, isSafe) << ',';
   if (row.visibleFraction) text.shortest(*row.visibleFraction);
   text << ',';
   if (isSeen(row)) text.shortest(row.share.minDistance);
@@ -306,7 +255,7 @@ void addJsonRow(Text& text, const ShareRow& row, Field field) {
   };
   text << "{\"kind\":\"" << row.kind << '"';
   number("object", row.object);
-  if (row.object > 0) text << ",\"id\":" << jsonString(row.id);
+  if (row.object > 0) text << ",\"id\":" << Kernel::jsonString(row.id);
   number("face", row.face);
   number("region", row.region);
   number("source_region", row.sourceRegion);
@@ -315,7 +264,7 @@ void addJsonRow(Text& text, const ShareRow& row, Field field) {
   if (isHemisphere) value("view_factor", row.share.viewFactor);
   value("solid_angle", row.share.solidAngle);
   if (isHemisphere) value("hemisphere_share", row.share.hemisphereShare());
-  if (!row.className.empty()) text << ",\"class\":" << jsonString(row.className);
+  if (!row.className.empty()) text << ",\"class\":" << Kernel::jsonString(row.className);
   if (row.visibleFraction) value("visible_fraction", *row.visibleFraction);
   if (isSeen(row)) value("min_distance", row.share.minDistance);
   if (isSeen(row)) value("max_distance", row.share.maxDistance);
@@ -386,17 +335,19 @@ std::string MapText::csvHeading(Field field) {
 }
 
 std::string MapText::csvRows(const std::vector<ShareRow>& rows, Field field,
-                             const std::string& before) {
+                             const std::string& before, bool isSafe) {
   Text text;
   for (const ShareRow& row : rows) {
     text << before;
-    addCsvRow(text, row, field);
+    addCsvRow(text, row, field, isSafe);
   }
   return text.take();
 }
 
-std::string MapText::csv(const VisibleMap& map, const MapShares& shares, ShareDepth depth) {
-  return csvHeading(map.field) + "\n" + csvRows(shareRows(map, shares, depth), map.field);
+std::string MapText::csv(const VisibleMap& map, const MapShares& shares, ShareDepth depth,
+                         bool isSafe) {
+  return csvHeading(map.field) + "\n" +
+         csvRows(shareRows(map, shares, depth), map.field, "", isSafe);
 }
 
 std::string MapText::json(const VisibleMap& map, const MapShares& shares, ShareDepth depth) {

@@ -145,6 +145,15 @@ TEST(MapText, IdsOfAnyBytesGiveTextThatCanBeRead) {
   EXPECT_NE(std::string::npos, table.find("\xC3\xA4"));
 }
 
+TEST(MapText, SafeTablesHoldNoFormulas) {
+  HandMap hand = squareInTheSky();
+  hand.names().objectIds = {"=1+1", "plain"};
+  const std::string table = MapText::csv(hand.map, MapShares(hand.map), ShareDepth::Object, true);
+  EXPECT_NE(std::string::npos, table.find("object,1,'=1+1,"));
+  EXPECT_NE(std::string::npos, table.find("object,2,plain,"));
+  EXPECT_NE(std::string::npos, csv(hand.map, ShareDepth::Object).find("object,1,=1+1,"));
+}
+
 TEST(MapText, MapIsWrittenAsTheFormatSays) {
   const json document = json::parse(MapText::mapJson(plainMap()));
   const VisibleMap map = plainMap();

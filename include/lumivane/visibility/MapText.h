@@ -23,7 +23,7 @@ enum class ShareDepth {
 struct ShareRow {
   std::string kind;       ///< total, class, object, face, region or sky
   int object = 0;         ///< from 1; 0 if it does not apply
-  std::string id;         ///< of the object
+  std::string id;         ///< of the object, as `Session::idText` shows it
   int face = 0;           ///< from 1 in the object's faces; 0 if it does not apply
   int region = 0;         ///< from 1, counted through all objects of the scene; 0 likewise
   int sourceRegion = 0;   ///< from 1 in the object's regions; 0 if it does not apply
@@ -37,8 +37,8 @@ LUMIVANE_VISIBILITY_EXPORT std::vector<ShareRow> shareRows(const VisibleMap& map
                                                            const MapShares& shares,
                                                            ShareDepth depth);
 
-/// Maps and their shares as text. Ids may hold any bytes: what is no UTF-8 is written as U+FFFD.
-/// Numbers have a point whatever the locale, and equal values give equal bytes.
+/// Maps and their shares as text. Ids may hold any bytes: they stand as `Session::idText` shows
+/// them. Numbers have a point whatever the locale, and equal values give equal bytes.
 class LUMIVANE_VISIBILITY_EXPORT MapText {
  public:
   /// The heading of a table of shares (RFC 4180), without a line end. Columns that only a
@@ -47,11 +47,13 @@ class LUMIVANE_VISIBILITY_EXPORT MapText {
   /// The rows of a table, each ended by a line feed. Columns that do not apply to a row are empty.
   ///
   /// \param before  leads each row, as the fields of a table's own first columns with their commas
+  /// \param isSafe  a text that a spreadsheet would take for a formula, since it starts with
+  ///                = + - @, a tab or a carriage return, gets an apostrophe in front
   static std::string csvRows(const std::vector<ShareRow>& rows, Field field,
-                             const std::string& before = "");
+                             const std::string& before = "", bool isSafe = false);
   /// The table of a map's shares. Numbers have as many digits as tell them apart from all others.
   static std::string csv(const VisibleMap& map, const MapShares& shares,
-                         ShareDepth depth = ShareDepth::Object);
+                         ShareDepth depth = ShareDepth::Object, bool isSafe = false);
   /// The same as one JSON object: version, eye, forward, up, field and the rows, whose keys are
   /// the table's columns as far as they apply.
   static std::string json(const VisibleMap& map, const MapShares& shares,
