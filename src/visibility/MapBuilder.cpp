@@ -1,5 +1,6 @@
 #include "visibility/MapBuilder.h"
 
+#include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/SphereMeasure.h"
 
@@ -7,6 +8,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <numeric>
+#include <tuple>
 #include <utility>
 
 // From pieces to the map. Pieces that follow each other on one edge of the scene, with the same
@@ -21,6 +24,12 @@ using Kernel::Vec3;
 constexpr double Pi = 3.141592653589793;
 constexpr Coordinate Tiny = 4 * Snap;  // pieces without an edge of the scene that are rounding's
 constexpr int NoCell = -1;
+// Mean width, in rad, of cells that are left out.
+constexpr double SliverWidth = 2e-13;
+// Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
+constexpr double CloseTo = 1e-11;
+// The same along a line so steep that the sweep knows heights on it badly.
+constexpr double SteepSnap = 4e-9;
 
 struct Link {  // a piece after joining
   int from;
@@ -31,6 +40,21 @@ struct Link {  // a piece after joining
   bool inner;
   bool shared;
   bool used;
+};
+
+// A cell as its areas have made it.
+struct Found {
+  std::int32_t region;
+  std::int32_t polygon;  // one of those of its region that are seen in it
+  bool several;          // more than one is
+  int mergedInto;        // itself, or the cell that it has become a part of
+};
+
+// An edge of the map, between vertices of the parts.
+struct RawEdge {
+  int from;
+  int to;
+  Link link;
 };
 
 Vec3 unit(Vec3 v) {
@@ -105,9 +129,11 @@ class Builder {
       : parts(theParts), setup(theSetup), options(theOptions), map(theMap) {}
 
   void run() {
-    for (const auto step : {&Builder::joinVertices, &Builder::makeLinks, &Builder::numberCells,
-                            &Builder::measureDistances, &Builder::chainLinks, &Builder::makeRings,
-                            &Builder::measureCells}) {
+    for (const auto step :
+         {&Builder::joinVertices, &Builder::makeLinks, &Builder::numberCells, &Builder::closeRings,
+          &Builder::dropSlivers, &Builder::chainLinks, &Builder::placeVertices, &Builder::orderMap,
+          &Builder::makeRings, &Builder::measureDistances, &Builder::measureCells,
+          &Builder::settleWholeSpheres}) {
       if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
       (this->*step)();
     }
@@ -147,94 +173,148 @@ class Builder {
       const int right = parts.areaSets.find(piece.right);
       if (from == to || left == right) continue;
       links.push_back({from, to, left, right, piece.source, piece.inner, piece.shared, false});
-      linkPieces.push_back(static_cast<int>(&piece - parts.pieces.data()));
     }
   }
 
-  // In the scene's order, the sky last; among equals by the place where the cell was found first.
+  // By region, the sky last; `orderMap` gives the final numbers.
   void numberCells() {
-    std::vector<std::pair<std::int32_t, int>> order;
-    for (size_t i = 0; i < parts.areas.size(); ++i) {
-      const int area = static_cast<int>(i);
-      if (parts.areaSets.find(area) != area) continue;
-      const std::int32_t region = parts.areas[i].region;
-      if (region == BeyondRegion) continue;
-      order.emplace_back(region == SkyRegion ? std::numeric_limits<std::int32_t>::max() : region,
-                         area);
-    }
-    std::sort(order.begin(), order.end());
     cellOfArea.assign(parts.areas.size(), NoCell);
-    for (const auto& [region, area] : order) {
-      cellOfArea[static_cast<size_t>(area)] = static_cast<int>(map.cells.size());
-      VisibleMap::Cell cell;
-      if (parts.regionOf(area) != SkyRegion)
-        cell.label = setup.state->names->regions[static_cast<size_t>(region)];
-      map.cells.push_back(cell);
+    for (size_t i = 0; i < parts.areas.size(); ++i) {
+      const int root = parts.areaSets.find(static_cast<int>(i));
+      const Area& area = parts.areas[i];
+      if (area.region == BeyondRegion) continue;
+      int& cell = cellOfArea[static_cast<size_t>(root)];
+      if (cell == NoCell) {
+        cell = static_cast<int>(found.size());
+        found.push_back({area.region, area.polygon, false, cell});
+      }
+      Found& f = found[static_cast<size_t>(cell)];
+      if (area.polygon != f.polygon) f.several = true;
     }
     for (Link& link : links) {
       link.left = cellOfArea[static_cast<size_t>(link.left)];
       link.right = cellOfArea[static_cast<size_t>(link.right)];
     }
-  }
-
-  // ---- distances
-
-  // 1 / distance along a direction d is plane.d.
-  Vec3 planeOf(std::int32_t polygon) const {
-    const ScenePlane& plane = setup.state->planes[static_cast<size_t>(polygon)];
-    const double offset = Kernel::dot(plane.normal, plane.point - setup.eye);
-    return {plane.normal.x / offset, plane.normal.y / offset, plane.normal.z / offset};
-  }
-
-  void reach(int cell, double least, double greatest) {
-    VisibleMap::Cell& c = map.cells[static_cast<size_t>(cell)];
-    c.minDistance = c.minDistance == 0.0 ? least : std::min(c.minDistance, least);
-    c.maxDistance = std::max(c.maxDistance, greatest);
-  }
-
-  // The greatest distance of a flat cell is at a corner, the least at a corner, on an edge, or at
-  // the foot of the perpendicular, which `measureCells` looks at.
-  void measureDistances() {
     directions.resize(parts.vertices.size());
-    std::vector<char> known(parts.vertices.size(), 0);
-    const auto directionAt = [&](int vertex) {
-      const auto i = static_cast<size_t>(vertex);
-      if (known[i] == 0) {
-        directions[i] = directionOf(parts.vertices[i]);
-        known[i] = 1;
+    for (const Link& link : links)
+      for (const int vertex : {link.from, link.to}) {
+        Vec3& d = directions[static_cast<size_t>(vertex)];
+        if (d == Vec3{}) d = directionOf(parts.vertices[static_cast<size_t>(vertex)]);
       }
-      return directions[i];
+  }
+
+  // Around a vertex every cell begins as often as it ends. Where many lines meet within the
+  // distance that counts as one point, tiles and stops may have settled on different ones: such
+  // points are joined.
+  void closeRings() {
+    std::vector<std::uint64_t> balance(parts.vertices.size(), 0);
+    const auto weight = [](int cell) {
+      return (static_cast<std::uint64_t>(cell) + 2) * 0x9E3779B97F4A7C15ull;
     };
-    for (size_t i = 0; i < links.size(); ++i) {
-      const Piece& piece = parts.pieces[static_cast<size_t>(linkPieces[i])];
-      const Vec3 a = directionAt(links[i].from);
-      const Vec3 b = directionAt(links[i].to);
-      for (const auto& [cell, area] :
-           {std::pair(links[i].left, piece.left), std::pair(links[i].right, piece.right)}) {
-        const std::int32_t polygon = parts.areas[static_cast<size_t>(area)].polygon;
-        if (cell == NoCell || polygon < 0) continue;
-        const Vec3 plane = planeOf(polygon);
-        const double atA = Kernel::dot(plane, a);
-        const double atB = Kernel::dot(plane, b);
-        if (!(atA > 0.0) || !(atB > 0.0)) continue;
-        const double distanceA = 1.0 / atA;
-        const double distanceB = 1.0 / atB;
-        reach(cell, distanceToSegment(distanceA * a, distanceB * b),
-              std::max(distanceA, distanceB));
+    for (const Link& link : links) {
+      const std::uint64_t turn = weight(link.left) - weight(link.right);
+      balance[static_cast<size_t>(link.from)] += turn;
+      balance[static_cast<size_t>(link.to)] -= turn;
+    }
+    std::vector<int> open;
+    for (size_t i = 0; i < balance.size(); ++i)
+      if (balance[i] != 0) open.push_back(static_cast<int>(i));
+    if (open.empty()) return;
+    std::sort(open.begin(), open.end(), [this](int a, int b) {
+      return directions[static_cast<size_t>(a)].x < directions[static_cast<size_t>(b)].x;
+    });
+    // First what fits together, then what is left over and close.
+    for (const bool fitting : {true, false})
+      for (size_t i = 0; i < open.size(); ++i)
+        for (size_t k = i + 1; k < open.size(); ++k) {
+          const auto a = static_cast<size_t>(open[i]);
+          const auto b = static_cast<size_t>(open[k]);
+          if (directions[b].x - directions[a].x > SteepSnap) break;
+          const double apart = Kernel::distance(directions[a], directions[b]);
+          if (fitting ? apart > SteepSnap || balance[a] == 0 || balance[a] + balance[b] != 0
+                      : apart > CloseTo || balance[a] == 0 || balance[b] == 0)
+            continue;
+          parts.vertexSets.join(open[i], open[k]);
+          if (fitting) balance[a] = balance[b] = 0;
+        }
+    size_t kept = 0;
+    for (Link link : links) {
+      link.from = parts.vertexSets.find(link.from);
+      link.to = parts.vertexSets.find(link.to);
+      if (link.from != link.to) links[kept++] = link;
+    }
+    links.resize(kept);
+  }
+
+  // ---- slivers
+
+  // Cells narrower than what rounding does to two lines that should coincide become part of the
+  // neighbour with which they share most of their border.
+  void dropSlivers() {
+    struct Extent {
+      Vec3 from;
+      double area;
+      double length;
+      int neighbour;
+      double shared;
+    };
+    std::vector<Extent> extents(found.size(), Extent{{}, 0.0, 0.0, NoCell, 0.0});
+    for (const Link& link : links) {
+      const Vec3 a = directions[static_cast<size_t>(link.from)];
+      const Vec3 b = directions[static_cast<size_t>(link.to)];
+      const double length = Kernel::distance(a, b);
+      for (const bool left : {true, false}) {
+        const int cell = left ? link.left : link.right;
+        if (cell == NoCell) continue;
+        Extent& e = extents[static_cast<size_t>(cell)];
+        if (e.length == 0.0) e.from = a;
+        e.area += triangleSolidAngle(e.from, left ? a : b, left ? b : a);
+        e.length += length;
+        if (length > e.shared) {
+          e.shared = length;
+          e.neighbour = left ? link.right : link.left;
+        }
       }
     }
-    for (size_t i = 0; i < parts.areas.size(); ++i) {
-      const std::int32_t polygon = parts.areas[i].polygon;
-      const int cell = cellOfArea[static_cast<size_t>(parts.areaSets.find(static_cast<int>(i)))];
-      if (polygon < 0 || cell == NoCell) continue;
-      cellPolygons.resize(map.cells.size(), -1);
-      std::int32_t& first = cellPolygons[static_cast<size_t>(cell)];
-      if (first < 0) first = polygon;
-      if (first != polygon) morePolygons.emplace_back(cell, polygon);
+    std::vector<int> order(found.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
+      return orderOf(found[static_cast<size_t>(a)].region) <
+             orderOf(found[static_cast<size_t>(b)].region);
+    });
+    bool any = false;
+    std::vector<char> grown(found.size(), 0);
+    for (const int cell : order) {
+      const Extent& e = extents[static_cast<size_t>(cell)];
+      const double area = std::remainder(e.area, 4.0 * Pi);
+      const bool isSliver = e.length > 0.0 && std::fabs(area) <= SliverWidth * e.length;
+      if (!isSliver || grown[static_cast<size_t>(cell)] != 0) continue;
+      found[static_cast<size_t>(cell)].mergedInto = e.neighbour;
+      if (e.neighbour != NoCell) grown[static_cast<size_t>(e.neighbour)] = 1;
+      any = true;
     }
-    cellPolygons.resize(map.cells.size(), -1);
-    std::sort(morePolygons.begin(), morePolygons.end());
-    morePolygons.erase(std::unique(morePolygons.begin(), morePolygons.end()), morePolygons.end());
+    if (!any) return;
+    size_t kept = 0;
+    for (Link link : links) {
+      link.left = settled(link.left);
+      link.right = settled(link.right);
+      if (link.left != link.right) links[kept++] = link;
+    }
+    links.resize(kept);
+  }
+
+  int settled(int cell) const {
+    // A chain of slivers ends: each was merged before what it merged into grew.
+    for (size_t step = 0; step < found.size() && cell != NoCell; ++step) {
+      const int next = found[static_cast<size_t>(cell)].mergedInto;
+      if (next == cell) break;
+      cell = next;
+    }
+    return cell;
+  }
+
+  static std::int32_t orderOf(std::int32_t region) {
+    return region == SkyRegion ? std::numeric_limits<std::int32_t>::max() : region;
   }
 
   // ---- edges
@@ -261,7 +341,6 @@ class Builder {
         add(links[i].to, static_cast<int>(i));
       }
     });
-    vertexNumbers.assign(parts.vertices.size(), -1);
     for (size_t i = 0; i < links.size(); ++i) {
       if (links[i].used) continue;
       if (!passes(links[i].from)) {
@@ -276,54 +355,63 @@ class Builder {
 
   // From a vertex along a link to the end of its edge.
   void follow(int first, int start) {
-    const Link* link = &links[static_cast<size_t>(first)];
-    const bool forwards = link->from == start;
-    int begin = start;
+    const Link head = links[static_cast<size_t>(first)];
+    const bool forwards = head.from == start;
     int at = start;
     int number = first;
-    const Link head = *link;
-    const auto finish = [&](int end) {
-      addEdge(forwards ? begin : end, forwards ? end : begin, head);
-      begin = end;
-    };
+    double turned = 0.0;
+    Vec3 second{};
     for (;;) {
-      links[static_cast<size_t>(number)].used = true;
-      link = &links[static_cast<size_t>(number)];
-      const int next = link->from == at ? link->to : link->from;
-      // Arcs stay well below half a circle.
-      if (begin != at &&
-          Kernel::dot(directions[static_cast<size_t>(begin)],
-                      directions[static_cast<size_t>(next)]) < -0.2 &&
-          link->source == FieldSource)
-        finish(at);
+      Link& link = links[static_cast<size_t>(number)];
+      link.used = true;
+      const int next = link.from == at ? link.to : link.from;
+      if (at == start) second = directions[static_cast<size_t>(next)];
+      if (link.source == FieldSource)
+        turned += Kernel::distance(directions[static_cast<size_t>(at)],
+                                   directions[static_cast<size_t>(next)]);
       at = next;
       if (at == start || !passes(at)) break;
       const int* both = atVertex.begin(at);
       number = both[0] == number ? both[1] : both[0];
       if (links[static_cast<size_t>(number)].used) break;
     }
-    finish(at);
-  }
-
-  int vertexNumber(int vertex) {
-    int& number = vertexNumbers[static_cast<size_t>(vertex)];
-    if (number < 0) {
-      number = static_cast<int>(map.vertices.size());
-      const Vec3 d = directions[static_cast<size_t>(vertex)];
-      map.vertices.push_back({d.x, d.y, d.z});
+    if (head.source == FieldSource && (at == start || turned > 1.5)) {
+      addFieldArc(start, at, second, forwards, head);
+    } else if (at != start) {
+      edges.push_back({forwards ? start : at, forwards ? at : start, head});
     }
-    return number;
   }
 
-  void addEdge(int from, int to, const Link& link) {
-    if (from == to) return;
-    VisibleMap::Edge edge;
-    edge.from = vertexNumber(from);
-    edge.to = vertexNumber(to);
-    edge.left = link.left;
-    edge.right = link.right;
-    edge.kind = kindOf(link);
-    map.edges.push_back(edge);
+  // The end of the field is a great circle, of which arcs must be less than half: long ones are
+  // divided at the directions right, up, left and down.
+  void addFieldArc(int start, int end, Vec3 second, bool forwards, const Link& link) {
+    const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
+    const Vec3 up = {map.up[0], map.up[1], map.up[2]};
+    const Vec3 right = Kernel::cross(forward, up);
+    const Vec3 from = directions[static_cast<size_t>(start)];
+    const double sense = Kernel::dot(Kernel::cross(from, second), forward) > 0.0 ? 1.0 : -1.0;
+    const Vec3 ahead = sense * Kernel::cross(forward, from);
+    const auto angle = [&](Vec3 d) {
+      const double turn = std::atan2(Kernel::dot(d, ahead), Kernel::dot(d, from));
+      return turn <= 0.0 ? turn + 2.0 * Pi : turn;
+    };
+    const double whole = start == end ? 10.0 : angle(directions[static_cast<size_t>(end)]);
+    std::vector<std::pair<double, Vec3>> stations;
+    for (const Vec3 d : {right, up, -right, -up}) {
+      const double turn = angle(d);
+      if (turn > 1e-9 && turn < whole - 1e-9) stations.emplace_back(turn, d);
+    }
+    std::sort(stations.begin(), stations.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<int> route;
+    if (start != end) route.push_back(start);
+    for (const auto& station : stations) {
+      route.push_back(static_cast<int>(directions.size()));
+      directions.push_back(station.second);
+    }
+    route.push_back(start != end ? end : route.front());
+    for (size_t i = 0; i + 1 < route.size(); ++i)
+      edges.push_back({route[forwards ? i : i + 1], route[forwards ? i + 1 : i], link});
   }
 
   VisibleMap::EdgeKind kindOf(const Link& link) const {
@@ -332,9 +420,152 @@ class Builder {
     if (isCrossing(link.source)) return Kind::Crossing;
     const Label& a = map.cells[static_cast<size_t>(link.left)].label;
     const Label& b = map.cells[static_cast<size_t>(link.right)].label;
-    if (link.inner || (a.object != 0 && a.object == b.object && a.face == b.face && a.face > 0))
-      return Kind::Inner;
+    const bool oneFace = a.face == b.face && a.face > 0;
+    if (a.object != 0 && a.object == b.object && (link.inner || oneFace)) return Kind::Inner;
     return link.shared ? Kind::Crease : Kind::Silhouette;
+  }
+
+  // ---- places and order: they come from the scene, not from tiles or what is hidden
+
+  // A vertex is a corner of the scene, or the meeting of two of the lines that end in it; its
+  // coordinates follow from these. Where lines meet at too small an angle it stays where the sweep
+  // has found it.
+  void placeVertices() {
+    std::vector<std::pair<int, Source>> lines;
+    for (const RawEdge& edge : edges)
+      for (const int vertex : {edge.from, edge.to})
+        if (static_cast<size_t>(vertex) < parts.vertices.size() && edge.link.source != NoSource)
+          lines.emplace_back(vertex, edge.link.source);
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+    for (size_t i = 0; i < lines.size();) {
+      size_t end = i + 1;
+      while (end < lines.size() && lines[end].first == lines[i].first) ++end;
+      placeVertex(lines[i].first, lines.data() + i, end - i);
+      i = end;
+    }
+  }
+
+  void placeVertex(int vertex, const std::pair<int, Source>* lines, size_t count) {
+    Vec3& place = directions[static_cast<size_t>(vertex)];
+    const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < CloseTo; };
+    std::int32_t corner = -1;
+    for (size_t i = 0; i < count; ++i) {
+      const Source source = lines[i].second;
+      if (source < 0 || isCrossing(source)) continue;
+      for (const size_t k : {size_t{0}, size_t{1}}) {
+        const std::int32_t candidate =
+            setup.state->edgeVertices[2 * static_cast<size_t>(source) + k];
+        if ((corner < 0 || candidate < corner) && isClose(unit(fromEye(candidate))))
+          corner = candidate;
+      }
+    }
+    if (corner >= 0) {
+      place = unit(fromEye(corner));
+      return;
+    }
+    double best = 1e-6;
+    Vec3 meeting{};
+    for (size_t i = 0; i < count; ++i)
+      for (size_t k = i + 1; k < count; ++k) {
+        const Vec3 d = Kernel::cross(normalOf(lines[i].second), normalOf(lines[k].second));
+        const double sine = Kernel::length3(d);
+        if (sine <= best) continue;
+        const double sign = Kernel::dot(d, place) < 0.0 ? -1.0 : 1.0;
+        const Vec3 candidate = {sign * d.x / sine, sign * d.y / sine, sign * d.z / sine};
+        if (!isClose(candidate)) continue;
+        best = sine;
+        meeting = candidate;
+      }
+    if (!(meeting == Vec3{})) place = meeting;
+  }
+
+  Vec3 fromEye(std::int32_t vertex) const {
+    return setup.state->vertices[static_cast<size_t>(vertex)] - setup.eye;
+  }
+
+  // The normal of the plane through the eye and a line, up to its sign.
+  Vec3 normalOf(Source source) const {
+    if (source == FieldSource) return {map.forward[0], map.forward[1], map.forward[2]};
+    if (isCrossing(source)) {
+      constexpr Source Low = (Source{1} << 31) - 1;
+      const auto nearness = [this](Source polygon) {
+        return eyePlane(*setup.state, static_cast<size_t>(polygon), setup.eye, setup.twoSided)
+            .nearness;
+      };
+      return unit(nearness(source >> 31 & Low) - nearness(source & Low));
+    }
+    const auto edge = 2 * static_cast<size_t>(source);
+    return unit(Kernel::cross(unit(fromEye(setup.state->edgeVertices[edge])),
+                              unit(fromEye(setup.state->edgeVertices[edge + 1]))));
+  }
+
+  // Vertices by their coordinates, cells by region and first vertex, edges by their vertices.
+  void orderMap() {
+    std::vector<int> used;
+    vertexNumbers.assign(directions.size(), -1);
+    for (const RawEdge& edge : edges)
+      for (const int vertex : {edge.from, edge.to}) {
+        int& number = vertexNumbers[static_cast<size_t>(vertex)];
+        if (number < 0) used.push_back(vertex);
+        number = 0;
+      }
+    const auto place = [this](int vertex) {
+      const Vec3 d = directions[static_cast<size_t>(vertex)];
+      return std::make_tuple(d.x, d.y, d.z, vertex);
+    };
+    std::sort(used.begin(), used.end(), [&](int a, int b) { return place(a) < place(b); });
+    for (size_t i = 0; i < used.size(); ++i) {
+      vertexNumbers[static_cast<size_t>(used[i])] = static_cast<int>(i);
+      const Vec3 d = directions[static_cast<size_t>(used[i])];
+      map.vertices.push_back({d.x, d.y, d.z});
+    }
+    std::vector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
+    for (RawEdge& edge : edges) {
+      edge.from = vertexNumbers[static_cast<size_t>(edge.from)];
+      edge.to = vertexNumbers[static_cast<size_t>(edge.to)];
+      if (edge.to < edge.from) {
+        std::swap(edge.from, edge.to);
+        std::swap(edge.link.left, edge.link.right);
+      }
+      for (const int cell : {edge.link.left, edge.link.right})
+        if (cell != NoCell) {
+          int& first = firstVertex[static_cast<size_t>(cell)];
+          first = std::min(first, edge.from);
+        }
+    }
+    orderCells(firstVertex);
+    const auto key = [](const RawEdge& e) {
+      return std::make_tuple(e.from, e.to, e.link.left, e.link.right);
+    };
+    std::sort(edges.begin(), edges.end(),
+              [&](const RawEdge& a, const RawEdge& b) { return key(a) < key(b); });
+    for (const RawEdge& edge : edges)
+      map.edges.push_back({edge.from, edge.to, edge.link.left, edge.link.right, kindOf(edge.link)});
+  }
+
+  void orderCells(const std::vector<int>& firstVertex) {
+    // A cell without edges is the whole sphere, or was nothing.
+    const bool whole = edges.empty() && map.field == Field::Sphere;
+    std::vector<std::tuple<std::int32_t, int, int>> order;
+    for (size_t i = 0; i < found.size(); ++i)
+      if (firstVertex[i] != std::numeric_limits<int>::max() || (whole && order.empty()))
+        order.emplace_back(orderOf(found[i].region), firstVertex[i], static_cast<int>(i));
+    std::sort(order.begin(), order.end());
+    cellNumbers.assign(found.size(), NoCell);
+    for (const auto& [region, first, number] : order) {
+      cellNumbers[static_cast<size_t>(number)] = static_cast<int>(map.cells.size());
+      const Found& f = found[static_cast<size_t>(number)];
+      VisibleMap::Cell cell;
+      if (f.region != SkyRegion)
+        cell.label = setup.state->names->regions[static_cast<size_t>(region)];
+      map.cells.push_back(cell);
+      cellPolygons.push_back(f.polygon);
+      severalPolygons.push_back(f.several ? 1 : 0);
+    }
+    for (RawEdge& edge : edges)
+      for (int* cell : {&edge.link.left, &edge.link.right})
+        if (*cell != NoCell) *cell = cellNumbers[static_cast<size_t>(*cell)];
   }
 
   // ---- rings
@@ -374,11 +605,14 @@ class Builder {
       for (const int* h = byCell.begin(c); h != byCell.end(c); ++h) {
         if (taken[static_cast<size_t>(*h)] != 0) continue;
         int half = *h;
+        const size_t start = map.ringVertices.size();
         while (half >= 0 && taken[static_cast<size_t>(half)] == 0) {
           taken[static_cast<size_t>(half)] = 1;
           map.ringVertices.push_back(startOfHalf(half));
           half = nextHalf(half, leaving, taken, *h);
         }
+        const auto begin = map.ringVertices.begin() + static_cast<std::ptrdiff_t>(start);
+        std::rotate(begin, std::min_element(begin, map.ringVertices.end()), map.ringVertices.end());
         map.ringOffsets.push_back(map.ringVertices.size());
       }
       cell.ringCount = map.ringOffsets.size() - 1 - cell.firstRing;
@@ -470,30 +704,28 @@ class Builder {
     return std::sqrt(std::max(0.0, 1.0 - sine * sine));
   }
 
+  // The solid angle on the left of some rings, from 0 to that of the sphere. What is as near to
+  // nothing as to all of it counts as nothing.
   double solidAngleOf(const VisibleMap::Cell& cell) const {
     Vec3 middle{};
-    forArcs(cell, [&](Vec3 a, Vec3) { middle = middle + a; });
-    double least = 1.0;
+    double length = 0.0;
+    forArcs(cell, [&](Vec3 a, Vec3 b) {
+      middle = middle + a;
+      length += Kernel::distance(a, b);
+    });
+    double least = -1.0;
     if (Kernel::length3(middle) > 0.0) {
       middle = unit(middle);
+      least = 1.0;
       forArcs(cell, [&](Vec3 a, Vec3) { least = std::min(least, Kernel::dot(a, middle)); });
-    } else {
-      least = -1.0;
     }
+    // Within less than a hemisphere no triangle comes near the direction opposite to the first.
+    const Vec3 from = least > 0.1 ? middle : farFromArcs(cell);
     double sum = 0.0;
-    const auto fan = [&](Vec3 from) {
-      forArcs(cell, [&](Vec3 a, Vec3 b) { sum += triangleSolidAngle(from, a, b); });
-    };
-    // All within less than a hemisphere, and the cell is its inside: not the sky around it all.
-    if (least > 0.1) {
-      fan(middle);
-      if (sum > -1e-3) return std::max(0.0, sum);
-      return sum + 4.0 * Pi;
-    }
-    fan(farFromArcs(cell));
-    sum = std::fmod(sum, 4.0 * Pi);
-    if (sum < 0.0) sum += 4.0 * Pi;
-    return sum > 4.0 * Pi - 1e-9 && cell.label.object != 0 ? 0.0 : sum;
+    forArcs(cell, [&](Vec3 a, Vec3 b) { sum += triangleSolidAngle(from, a, b); });
+    sum = std::remainder(sum, 4.0 * Pi);
+    if (sum >= 0.0) return sum;
+    return sum > -SliverWidth * (1.0 + length) ? 0.0 : sum + 4.0 * Pi;
   }
 
   // The solid angle on the left of one ring.
@@ -502,6 +734,17 @@ class Builder {
     alone.firstRing = ring;
     alone.ringCount = 1;
     return solidAngleOf(alone);
+  }
+
+  // A sphere in which what is seen is too small for its solid angle: then the cell around it, the
+  // sky or the one with most of the rings, has all.
+  void settleWholeSpheres() {
+    double sum = 0.0;
+    for (const VisibleMap::Cell& cell : map.cells) sum += cell.solidAngle;
+    const double missing = map.fieldSolidAngle() - sum;
+    if (map.cells.empty() || missing < 3.0 * Pi) return;
+    VisibleMap::Cell* around = &map.cells.back();
+    if (around->solidAngle < Pi) around->solidAngle += 4.0 * Pi;
   }
 
   void outerRingFirst(VisibleMap::Cell& cell) {
@@ -525,6 +768,62 @@ class Builder {
     std::rotate(at(first), at(first + outer), at(first + outer + 1));
     for (size_t r = first + outer; r > first; --r)
       map.ringOffsets[r] = map.ringOffsets[r - 1] + length;
+  }
+
+  // ---- distances
+
+  // 1 / distance along a direction d is plane.d.
+  Vec3 planeOf(std::int32_t polygon) const {
+    const ScenePlane& plane = setup.state->planes[static_cast<size_t>(polygon)];
+    return nearnessOf(plane, offsetFrom(plane, setup.eye));
+  }
+
+  // The greatest distance of a flat cell is at a corner, the least at a corner, on an edge, or at
+  // the foot of the perpendicular, which `measureCells` looks at. Where a cell has several planes,
+  // its pieces of border know theirs.
+  void measureDistances() {
+    for (const VisibleMap::Edge& edge : map.edges)
+      for (const int cell : {edge.left, edge.right}) {
+        if (cell == NoCell || severalPolygons[static_cast<size_t>(cell)] != 0) continue;
+        reach(cell, cellPolygons[static_cast<size_t>(cell)], vertexAt(edge.from),
+              vertexAt(edge.to));
+      }
+    for (const Piece& piece : parts.pieces)
+      for (const int area : {piece.left, piece.right}) {
+        const int cell = severalAt(area);
+        if (cell == NoCell) continue;
+        const auto at = [&](int vertex) {
+          return directionOf(parts.vertices[static_cast<size_t>(vertex)]);
+        };
+        reach(cell, parts.areas[static_cast<size_t>(area)].polygon, at(piece.from), at(piece.to));
+      }
+    for (size_t i = 0; i < parts.areas.size(); ++i) {
+      const int cell = severalAt(static_cast<int>(i));
+      if (cell != NoCell) morePolygons.emplace_back(cell, parts.areas[i].polygon);
+    }
+    std::sort(morePolygons.begin(), morePolygons.end());
+    morePolygons.erase(std::unique(morePolygons.begin(), morePolygons.end()), morePolygons.end());
+  }
+
+  // The cell of an area, if the cell has several planes and the area is of its region.
+  int severalAt(int area) {
+    const int first = cellOfArea[static_cast<size_t>(parts.areaSets.find(area))];
+    if (first == NoCell || !found[static_cast<size_t>(first)].several) return NoCell;
+    return cellNumbers[static_cast<size_t>(first)];
+  }
+
+  void reach(int cell, std::int32_t polygon, Vec3 a, Vec3 b) {
+    if (polygon < 0) return;
+    const Vec3 plane = planeOf(polygon);
+    const double atA = Kernel::dot(plane, a);
+    const double atB = Kernel::dot(plane, b);
+    if (!(atA > 0.0) || !(atB > 0.0)) return;
+    const double distanceA = 1.0 / atA;
+    const double distanceB = 1.0 / atB;
+    VisibleMap::Cell& c = map.cells[static_cast<size_t>(cell)];
+    const double least = distanceToSegment(distanceA * a, distanceB * b);
+    c.minDistance = c.minDistance == 0.0 ? least : std::min(c.minDistance, least);
+    c.maxDistance = std::max({c.maxDistance, distanceA, distanceB});
   }
 
   bool contains(const VisibleMap::Cell& cell, Vec3 d) const {
@@ -574,12 +873,15 @@ class Builder {
   BuildOptions options;
   VisibleMap& map;
   std::vector<Link> links;
-  std::vector<int> linkPieces;
-  std::vector<int> cellOfArea;
+  std::vector<Found> found;
+  std::vector<int> cellOfArea;   // positions in `found`, of areas that stand for their set
   std::vector<Vec3> directions;  // of vertices
   Buckets atVertex;
+  std::vector<RawEdge> edges;
   std::vector<int> vertexNumbers;
+  std::vector<int> cellNumbers;  // of `found`, in the map
   std::vector<std::int32_t> cellPolygons;
+  std::vector<char> severalPolygons;
   std::vector<std::pair<int, std::int32_t>> morePolygons;
 };
 
