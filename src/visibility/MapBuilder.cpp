@@ -25,7 +25,7 @@ constexpr double Pi = 3.141592653589793;
 constexpr Coordinate Tiny = 4 * Snap;  // pieces without an edge of the scene that are rounding's
 constexpr int NoCell = -1;
 // Mean width, in rad, of cells that are left out.
-constexpr double SliverWidth = 2e-13;
+constexpr double SliverWidth = 5e-13;
 // Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
 constexpr double CloseTo = 1e-11;
 // The same along a line so steep that the sweep knows heights on it badly.
@@ -624,14 +624,14 @@ class Builder {
   int nextHalf(int half, const Buckets& leaving, const std::vector<char>& taken, int first) const {
     const int vertex = endOfHalf(half);
     const int cell = cellOfHalf(half);
-    int found = -1;
+    int best = -1;
     int count = 0;
     for (const int* h = leaving.begin(vertex); h != leaving.end(vertex); ++h) {
       if (cellOfHalf(*h) != cell || (taken[static_cast<size_t>(*h)] != 0 && *h != first)) continue;
-      found = *h;
+      best = *h;
       ++count;
     }
-    if (count <= 1) return found;
+    if (count <= 1) return best;
     const Vec3 v = vertexAt(vertex);
     const Vec3 helper = std::fabs(v.x) < 0.6 ? Vec3{1.0, 0.0, 0.0} : Vec3{0.0, 1.0, 0.0};
     const Vec3 right = unit(Kernel::cross(helper, v));
@@ -648,10 +648,10 @@ class Builder {
       if (turn <= 0.0) turn += 2.0 * Pi;
       if (turn < least) {
         least = turn;
-        found = *h;
+        best = *h;
       }
     }
-    return found;
+    return best;
   }
 
   // ---- measures
