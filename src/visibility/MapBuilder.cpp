@@ -259,23 +259,28 @@ class Builder {
       double shared;
     };
     std::vector<Extent> extents(found.size(), Extent{{}, 0.0, 0.0, NoCell, 0.0});
-    for (const Link& link : links) {
-      const Vec3 a = directions[static_cast<size_t>(link.from)];
-      const Vec3 b = directions[static_cast<size_t>(link.to)];
-      const double length = Kernel::distance(a, b);
-      for (const bool left : {true, false}) {
-        const int cell = left ? link.left : link.right;
-        if (cell == NoCell) continue;
-        Extent& e = extents[static_cast<size_t>(cell)];
-        if (e.length == 0.0) e.from = a;
-        e.area += triangleSolidAngle(e.from, left ? a : b, left ? b : a);
-        e.length += length;
-        if (length > e.shared) {
-          e.shared = length;
-          e.neighbour = left ? link.right : link.left;
-        }
+    const auto forSides = [this, &extents](auto visit) {
+      for (const Link& link : links) {
+        const Vec3 a = directions[static_cast<size_t>(link.from)];
+        const Vec3 b = directions[static_cast<size_t>(link.to)];
+        if (link.left != NoCell) visit(extents[static_cast<size_t>(link.left)], a, b, link.right);
+        if (link.right != NoCell) visit(extents[static_cast<size_t>(link.right)], b, a, link.left);
       }
-    }
+    };
+    forSides([](Extent& e, Vec3 a, Vec3 b, int neighbour) {
+      const double length = Kernel::distance(a, b);
+      if (e.length == 0.0) e.from = a;
+      e.length += length;
+      if (length > e.shared) {
+        e.shared = length;
+        e.neighbour = neighbour;
+      }
+    });
+    // Small cells are measured from one of their corners, so that rounding stays as small; large
+    // ones from a direction that is opposite to none of their arcs.
+    for (Extent& e : extents)
+      if (e.length > 1.0) e.from = unit({0.36, -0.48, 0.81});
+    forSides([](Extent& e, Vec3 a, Vec3 b, int) { e.area += triangleSolidAngle(e.from, a, b); });
     std::vector<int> order(found.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
