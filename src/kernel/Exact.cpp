@@ -83,7 +83,7 @@ class Expansion {
   int sign() const { return count == 0 ? 0 : signOf(parts[count - 1]); }
 
  private:
-  double parts[Most];
+  double parts[Most] = {};
   int count = 0;
 };
 

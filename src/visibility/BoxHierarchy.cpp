@@ -8,30 +8,29 @@
 namespace Lumivane::Visibility {
 namespace {
 
-constexpr int Bins = 16;
+constexpr int MostBins = 16;
+
+// Nodes with few boxes need no more: the bins would be most of the work.
+int binsFor(std::size_t boxes) { return boxes <= 16 ? 4 : boxes <= 64 ? 8 : MostBins; }
+
 // From here on nodes are halved: a tree that the heuristic would make deeper gains nothing.
 constexpr int DeepestHeuristic = 48;
 // A smaller spread of centres is none: its inverse would be beyond a float.
 constexpr float LeastSpread = 1e-30F;
 constexpr float Infinity = std::numeric_limits<float>::infinity();
 
+// Of four numbers, the last of no meaning, so that all are taken at a time.
 struct Bounds {
-  float low[3] = {Infinity, Infinity, Infinity};
-  float high[3] = {-Infinity, -Infinity, -Infinity};
+  float low[4] = {Infinity, Infinity, Infinity, Infinity};
+  float high[4] = {-Infinity, -Infinity, -Infinity, -Infinity};
 
-  void add(const FloatBox& box) {
-    for (int k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], box.low[k]);
-      high[k] = std::max(high[k], box.high[k]);
+  void add(const float* otherLow, const float* otherHigh) {
+    for (int k = 0; k < 4; ++k) {
+      low[k] = otherLow[k] < low[k] ? otherLow[k] : low[k];
+      high[k] = otherHigh[k] > high[k] ? otherHigh[k] : high[k];
     }
   }
-  void add(const Bounds& other) {
-    for (int k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], other.low[k]);
-      high[k] = std::max(high[k], other.high[k]);
-    }
-  }
-  void addCentre(const FloatBox& box);
+  void add(const Bounds& other) { add(other.low, other.high); }
   // Half of it; in double precision, since squares may be beyond a float.
   double area() const {
     const double x = static_cast<double>(high[0]) - static_cast<double>(low[0]);
@@ -41,19 +40,24 @@ struct Bounds {
   }
 };
 
-// Twice the centre: comparisons are all that is asked.
-float centre(const FloatBox& box, int axis) { return box.low[axis] + box.high[axis]; }
-
-void Bounds::addCentre(const FloatBox& box) {
-  for (int k = 0; k < 3; ++k) {
-    low[k] = std::min(low[k], centre(box, k));
-    high[k] = std::max(high[k], centre(box, k));
-  }
-}
-
 struct Primitive {
-  FloatBox box;
+  float low[4];
+  float high[4];
   std::int32_t position;
+
+  Primitive(const FloatBox& box, std::int32_t place)
+      : low{box.low[0], box.low[1], box.low[2], 0.0F},
+        high{box.high[0], box.high[1], box.high[2], 0.0F},
+        position(place) {}
+
+  // Twice the centre: comparisons are all that is asked.
+  float centre(int axis) const { return low[axis] + high[axis]; }
+  void addTo(Bounds& bounds, Bounds& centres) const {
+    bounds.add(low, high);
+    float middle[4];
+    for (int k = 0; k < 4; ++k) middle[k] = centre(k);
+    centres.add(middle, middle);
+  }
 };
 
 struct Task {
@@ -72,43 +76,44 @@ struct Split {
 
 // Which bin of an axis a box is in.
 struct Binning {
+  int bins;
   float low[3];
   float scale[3];
 
-  explicit Binning(const Bounds& centres) {
+  Binning(const Bounds& centres, std::size_t boxes) : bins(binsFor(boxes)) {
     for (int k = 0; k < 3; ++k) {
       const float spread = centres.high[k] - centres.low[k];
       low[k] = centres.low[k];
-      scale[k] = spread > LeastSpread ? static_cast<float>(Bins) / spread : 0.0F;
+      scale[k] = spread > LeastSpread ? static_cast<float>(bins) / spread : 0.0F;
     }
   }
-  int binOf(const FloatBox& box, int axis) const {
-    return std::min(static_cast<int>((centre(box, axis) - low[axis]) * scale[axis]), Bins - 1);
+  int binOf(const Primitive& primitive, int axis) const {
+    return std::min(static_cast<int>((primitive.centre(axis) - low[axis]) * scale[axis]), bins - 1);
   }
 };
 
-struct Histogram {
-  Bounds bounds[Bins];
-  int counts[Bins] = {};
+struct Bin {
+  Bounds bounds;
+  int count = 0;
 };
 
-Split bestOfAxis(const Histogram& histogram, int axis) {
-  double rightCosts[Bins] = {};
+Split bestOfAxis(const Bin* bins, int count, int axis) {
+  double rightCosts[MostBins] = {};
   Bounds right;
-  int count = 0;
-  for (int bin = Bins - 1; bin > 0; --bin) {
-    right.add(histogram.bounds[bin]);
-    count += histogram.counts[bin];
-    rightCosts[bin] = count == 0 ? std::numeric_limits<double>::infinity() : right.area() * count;
+  int boxes = 0;
+  for (int bin = count - 1; bin > 0; --bin) {
+    right.add(bins[bin].bounds);
+    boxes += bins[bin].count;
+    rightCosts[bin] = boxes == 0 ? std::numeric_limits<double>::infinity() : right.area() * boxes;
   }
   Split best;
   Bounds left;
-  count = 0;
-  for (int bin = 1; bin < Bins; ++bin) {
-    left.add(histogram.bounds[bin - 1]);
-    count += histogram.counts[bin - 1];
-    if (count == 0) continue;
-    const double cost = left.area() * count + rightCosts[bin];
+  boxes = 0;
+  for (int bin = 1; bin < count; ++bin) {
+    left.add(bins[bin - 1].bounds);
+    boxes += bins[bin - 1].count;
+    if (boxes == 0) continue;
+    const double cost = left.area() * boxes + rightCosts[bin];
     if (cost < best.cost) best = {axis, bin, cost};
   }
   return best;
@@ -119,7 +124,7 @@ class Builder {
   explicit Builder(const std::vector<FloatBox>& boxes) {
     primitives.reserve(boxes.size());
     for (const FloatBox& box : boxes)
-      primitives.push_back({box, static_cast<std::int32_t>(primitives.size())});
+      primitives.emplace_back(box, static_cast<std::int32_t>(primitives.size()));
   }
 
   BoxHierarchy take() {
@@ -134,10 +139,7 @@ class Builder {
     result.nodes.reserve(primitives.size());
     Bounds bounds;
     Bounds centres;
-    for (const Primitive& primitive : primitives) {
-      bounds.add(primitive.box);
-      centres.addCentre(primitive.box);
-    }
+    for (const Primitive& primitive : primitives) primitive.addTo(bounds, centres);
     addNode(bounds);
     tasks.push_back({0, 0, primitives.size(), centres, 1});
     while (!tasks.empty()) {
@@ -161,27 +163,27 @@ class Builder {
       result.nodes[task.node].count = static_cast<std::int32_t>(count);
       return;
     }
-    const Binning binning(task.centres);
+    const Binning binning(task.centres, count);
     const Split split = task.depth < DeepestHeuristic ? bestSplit(task, binning) : Split{};
     const std::size_t middle =
         split.axis < 0 ? task.begin + count / 2 : partition(task, binning, split);
     addChildren(task, middle);
   }
 
-  Split bestSplit(const Task& task, const Binning& binning) const {
-    Histogram histograms[3];
+  Split bestSplit(const Task& task, const Binning& binning) {
+    std::fill(histogram, histogram + 3 * binning.bins, Bin{});
     for (std::size_t i = task.begin; i < task.end; ++i) {
-      const FloatBox& box = primitives[i].box;
+      const Primitive& primitive = primitives[i];
       for (int axis = 0; axis < 3; ++axis) {
-        const int bin = binning.binOf(box, axis);
-        histograms[axis].bounds[bin].add(box);
-        ++histograms[axis].counts[bin];
+        Bin& bin = histogram[axis * binning.bins + binning.binOf(primitive, axis)];
+        bin.bounds.add(primitive.low, primitive.high);
+        ++bin.count;
       }
     }
     Split best;
     for (int axis = 0; axis < 3; ++axis) {
       if (binning.scale[axis] == 0.0F) continue;
-      const Split split = bestOfAxis(histograms[axis], axis);
+      const Split split = bestOfAxis(histogram + axis * binning.bins, binning.bins, axis);
       if (split.cost < best.cost) best = split;
     }
     return best;
@@ -192,7 +194,7 @@ class Builder {
     std::size_t left = task.begin;
     std::size_t right = task.end;
     while (left < right) {
-      if (binning.binOf(primitives[left].box, split.axis) < split.bin)
+      if (binning.binOf(primitives[left], split.axis) < split.bin)
         ++left;
       else
         std::swap(primitives[left], primitives[--right]);
@@ -213,15 +215,13 @@ class Builder {
   Task child(const Task& parent, std::size_t node, std::size_t begin, std::size_t end) {
     Bounds bounds;
     Task task{node, begin, end, {}, parent.depth + 1};
-    for (std::size_t i = begin; i < end; ++i) {
-      bounds.add(primitives[i].box);
-      task.centres.addCentre(primitives[i].box);
-    }
+    for (std::size_t i = begin; i < end; ++i) primitives[i].addTo(bounds, task.centres);
     addNode(bounds);
     return task;
   }
 
   std::vector<Primitive> primitives;
+  Bin histogram[3 * MostBins];  // of the node at hand
   std::vector<Task> tasks;
   BoxHierarchy result;
 };

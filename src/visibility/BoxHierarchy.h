@@ -27,9 +27,9 @@ struct BoxHierarchy {
   std::vector<std::int32_t> order;  ///< for each place in a leaf the position of its box
 };
 
-/// Divides boxes where the surface area heuristic over 16 bins for each axis finds least cost (I.
-/// Wald, On fast Construction of SAH-based Bounding Volume Hierarchies, 2007). The same boxes give
-/// the same tree on every machine.
+/// Divides boxes where the surface area heuristic over up to 16 bins for each axis finds least cost
+/// (I. Wald, On fast Construction of SAH-based Bounding Volume Hierarchies, 2007). The same boxes
+/// give the same tree on every machine.
 BoxHierarchy makeHierarchy(const std::vector<FloatBox>& boxes);
 
 }  // namespace Lumivane::Visibility

@@ -19,6 +19,7 @@
 #include <cstddef>
 #include <limits>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace Lumivane::Visibility {
@@ -30,7 +31,7 @@ constexpr double GroupToLayer = 10.0;  // how much farther than `coplanar` a lay
 // Polygons whose size by perimeter and area is beyond this are slivers: 5.7 is that of a square.
 constexpr double MostSlender = 64.0;
 constexpr double Rounding = 1e-14;  // more than rounding changes of a distance, by the scene's size
-constexpr int MostNeighbours = 32;  // looked at on either side in the order of distances
+constexpr int MostNeighbours = 100;  // planes looked at on either side in the order of distances
 
 double absoluteDot(Vec3 a, Vec3 b) {
   return std::abs(a.x * b.x) + std::abs(a.y * b.y) + std::abs(a.z * b.z);
@@ -366,10 +367,11 @@ class PlaneTree {
   std::vector<Vec3> askedCorners;  // from the middle of the scene
 };
 
-// Which polygons may have a partner at all.
+// Which polygons may have a partner that they are not joined with at once.
 class Candidates {
  public:
-  explicit Candidates(const Planes& allPlanes) : planes(allPlanes), isOne(allPlanes.count(), 0) {
+  Candidates(const Planes& allPlanes, Groups& allGroups)
+      : planes(allPlanes), groups(allGroups), isOne(allPlanes.count(), 0) {
     double largest = 0.0;
     for (std::size_t i = 0; i < planes.count(); ++i) {
       if (planes.slenderness(i) <= MostSlender)
@@ -380,7 +382,9 @@ class Candidates {
     const double sine = planes.coplanar * MostSlender;
     angle = sine < 0.4 ? 1.1 * sine : 2.0;  // the difference of two unit vectors
     window = planes.coplanar * largest + angle * planes.reach + planes.noise();
-    look();
+    sortPlaces();
+    findRuns();
+    for (std::size_t run = 0; run < runs.size(); ++run) lookFrom(run);
   }
 
   // Slivers, and polygons with another one in much the same plane.
@@ -393,8 +397,7 @@ class Candidates {
     return result;
   }
 
-  std::vector<std::int32_t> slivers;  // those that may have larger ones than themselves for
-                                      // partners in any plane
+  std::vector<std::int32_t> slivers;
 
  private:
   struct Place {
@@ -402,11 +405,16 @@ class Candidates {
     std::int32_t polygon;
     float sign;  // of the normal
   };
+  // Places with equal normals and distances, as parallel to an axis.
+  struct Run {
+    std::size_t begin;
+    std::size_t end;
+    double largest;  // size
+  };
 
   // Normals to either side of one plane through the middle of the sphere of normals are made one;
   // those near it count on both sides.
-  void look() {
-    std::vector<Place> places;
+  void sortPlaces() {
     places.reserve(planes.count() + planes.count() / 8);
     for (std::size_t i = 0; i < planes.count(); ++i) {
       const Vec3 n = planes.plane(i).normal;
@@ -416,43 +424,97 @@ class Candidates {
       if (side > -angle) places.push_back({distance, polygon, 1.0F});
       if (side < angle) places.push_back({-distance, polygon, -1.0F});
     }
-    std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) {
-      return a.distance < b.distance || (a.distance == b.distance && a.polygon < b.polygon);
+    std::sort(places.begin(), places.end(), [this](const Place& a, const Place& b) {
+      if (a.distance != b.distance) return a.distance < b.distance;
+      const Vec3 m = normalOf(a);
+      const Vec3 n = normalOf(b);
+      if (m != n) return std::tie(m.x, m.y, m.z) < std::tie(n.x, n.y, n.z);
+      return a.polygon < b.polygon;
     });
-    const auto count = static_cast<std::ptrdiff_t>(places.size());
-    for (std::ptrdiff_t i = 0; i < count; ++i)
-      if (hasNeighbour(places, i, 1) || hasNeighbour(places, i, -1))
-        isOne[static_cast<std::size_t>(places[static_cast<std::size_t>(i)].polygon)] = 1;
   }
 
-  // Also true where there are too many to look at.
-  bool hasNeighbour(const std::vector<Place>& places, std::ptrdiff_t i, std::ptrdiff_t step) const {
-    const Place& place = places[static_cast<std::size_t>(i)];
-    const auto count = static_cast<std::ptrdiff_t>(places.size());
-    int seen = 0;
-    for (std::ptrdiff_t j = i + step; j >= 0 && j < count; j += step) {
-      const Place& other = places[static_cast<std::size_t>(j)];
-      if (std::abs(other.distance - place.distance) > window) return false;
-      if (++seen > MostNeighbours) return true;
-      if (other.polygon == place.polygon) continue;
-      const Vec3 between = static_cast<double>(place.sign) * normalOf(place) -
-                           static_cast<double>(other.sign) * normalOf(other);
-      if (Kernel::dot(between, between) <= angle * angle) return true;
-    }
-    return false;
-  }
   Vec3 normalOf(const Place& place) const {
-    return planes.plane(static_cast<std::size_t>(place.polygon)).normal;
+    return static_cast<double>(place.sign) *
+           planes.plane(static_cast<std::size_t>(place.polygon)).normal;
+  }
+
+  void findRuns() {
+    for (std::size_t begin = 0; begin < places.size();) {
+      Run run{begin, begin + 1, sizeOf(places[begin])};
+      for (; run.end < places.size() && places[run.end].distance == places[begin].distance &&
+             normalOf(places[run.end]) == normalOf(places[begin]);
+           ++run.end)
+        run.largest = std::max(run.largest, sizeOf(places[run.end]));
+      joinRun(run);
+      runs.push_back(run);
+      begin = run.end;
+    }
+  }
+
+  double sizeOf(const Place& place) const {
+    return planes.size(static_cast<std::size_t>(place.polygon));
+  }
+
+  // Each with the largest, mostly. Where one is not its partner, all are candidates.
+  void joinRun(const Run& run) {
+    if (run.end - run.begin == 1) return;
+    std::size_t largest = run.begin;
+    while (sizeOf(places[largest]) != run.largest) ++largest;
+    const std::int32_t leader = places[largest].polygon;
+    bool areAll = true;
+    for (std::size_t i = run.begin; i < run.end; ++i) {
+      const std::int32_t polygon = places[i].polygon;
+      const bool isPartner =
+          planes.areCoplanar(static_cast<std::size_t>(leader), static_cast<std::size_t>(polygon));
+      if (isPartner) groups.join(leader, polygon);
+      areAll = areAll && isPartner;
+    }
+    for (std::size_t i = run.begin; i < run.end && !areAll; ++i) mark(places[i].polygon);
+  }
+
+  void mark(std::int32_t polygon) { isOne[static_cast<std::size_t>(polygon)] = 1; }
+
+  // Marks the polygons of a run that may have a partner in another one.
+  void lookFrom(std::size_t run) {
+    for (const std::ptrdiff_t step : {1, -1}) {
+      int seen = 0;
+      for (auto other = static_cast<std::ptrdiff_t>(run) + step;
+           other >= 0 && other < static_cast<std::ptrdiff_t>(runs.size()); other += step) {
+        const Run& there = runs[static_cast<std::size_t>(other)];
+        if (!lookAt(runs[run], there, ++seen > MostNeighbours)) break;
+      }
+    }
+  }
+
+  // \return false if there is nothing to look at beyond
+  bool lookAt(const Run& here, const Run& there, bool isTooFar) {
+    const Place& place = places[here.begin];
+    const Place& other = places[there.begin];
+    if (std::abs(other.distance - place.distance) > window) return false;
+    const Vec3 normal = normalOf(other);
+    const Vec3 between = normalOf(place) - normal;
+    if (!isTooFar && Kernel::dot(between, between) > angle * angle) return true;
+    for (std::size_t i = here.begin; i < here.end; ++i) {
+      const auto polygon = static_cast<std::size_t>(places[i].polygon);
+      const double off =
+          Kernel::dot(normal, planes.plane(polygon).point - planes.middle) - other.distance;
+      const double most = planes.coplanar * std::max(there.largest, planes.size(polygon));
+      if (isTooFar || std::abs(off) <= most + planes.noise()) mark(places[i].polygon);
+    }
+    return !isTooFar;
   }
 
   const Planes& planes;
+  Groups& groups;
   std::vector<char> isOne;
+  std::vector<Place> places;
+  std::vector<Run> runs;
   double angle = 0.0;
   double window = 0.0;
 };
 
 void findGroups(const Planes& planes, Groups& groups) {
-  const Candidates candidates(planes);
+  const Candidates candidates(planes, groups);
   const std::vector<std::int32_t> list = candidates.list();
   PlaneTree(planes, list, groups).joinPartners();
   if (candidates.slivers.empty()) return;

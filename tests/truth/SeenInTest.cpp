@@ -19,6 +19,7 @@ using Visibility::Vector;
 // Everywhere, and near the scene's points.
 std::vector<Vector> directionsOf(const HardScene& hard, Random& random) {
   std::vector<Vector> result;
+  result.reserve(700);
   for (int i = 0; i < 500; ++i) result.push_back(random.direction());
   for (std::size_t i = 0; i < hard.scene.points.size() && i < 200; ++i) {
     Vector d{};

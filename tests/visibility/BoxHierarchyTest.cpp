@@ -51,8 +51,8 @@ int check(const BoxHierarchy& tree, const std::vector<FloatBox>& boxes, std::siz
     return 1;
   }
   int depth = 0;
-  for (int c = 0; c < 2; ++c) {
-    const auto child = static_cast<std::size_t>(node.first + c);
+  for (std::size_t c = 0; c < 2; ++c) {
+    const auto child = static_cast<std::size_t>(node.first) + c;
     const BoxNode& below = tree.nodes.at(child);
     for (int k = 0; k < 3; ++k) {
       EXPECT_GE(below.low[k], node.low[k]);
@@ -132,7 +132,8 @@ TEST(BoxHierarchyProperty, FindsWhatAskingAllFinds) {
         if (!node.isLeaf())
           waiting.push_back(node.first + i);
         else
-          found.insert(tree.order.at(static_cast<std::size_t>(node.first + i)));
+          found.insert(
+              tree.order.at(static_cast<std::size_t>(node.first) + static_cast<std::size_t>(i)));
       }
     }
     for (std::size_t i = 0; i < boxes.size(); ++i) {

@@ -176,6 +176,7 @@ TEST(Layers, AChainOfSmallStepsEndsWhereItIsOffTheFirstPlane) {
   const double step = 0.9e-7 * std::sqrt(2.0);
   for (int i = 0; i < 40; ++i) builder.add(square(i, 0, i * step, 1));
   std::vector<int> expected;
+  expected.reserve(40);
   for (int i = 0; i < 40; ++i) expected.push_back(i / 12 * 12);  // 11 steps are 0.99 of the reach
   EXPECT_EQ(expected, layersOf(builder.scene));
 }
@@ -211,8 +212,10 @@ TEST(Layers, ASceneOfNoneOrOneHasAsMany) {
 // Regions in few planes, some slivers among them, offsets around what makes a layer.
 PolygonScene crowd(std::uint64_t seed, int count) {
   Random random(seed);
-  std::vector<Axes> frames;
-  for (int i = 0; i < 3; ++i) frames.emplace_back(random);
+  // Every other scene stands along the axes, where planes are the same to the last digit.
+  std::vector<Axes> frames(3);
+  for (Axes& axes : frames)
+    if (seed % 2 == 0) axes = Axes(random);
   PolygonBuilder builder;
   for (int i = 0; i < count; ++i) {
     const Axes& axes = frames[static_cast<std::size_t>(random.below(3))];
@@ -262,6 +265,7 @@ TEST(LayersProperty, TheOrderOfTheSceneChangesOnlyWhichIsTheFirst) {
     PolygonBuilder backward;
     Random random(seed);
     std::vector<Outline> outlines;
+    outlines.reserve(100);
     for (int i = 0; i < 100; ++i)
       outlines.push_back(square(random.between(0, 9), random.between(0, 9), random.below(20), 1.0));
     for (const Outline& outline : outlines) forward.add(outline);

@@ -80,8 +80,9 @@ class Random {
 
 /// Axes at right angles, to turn scenes with.
 struct Axes {
-  std::array<Vector, 3> axes;
+  std::array<Vector, 3> axes = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
+  Axes() = default;  ///< Those of the scene.
   explicit Axes(Random& random) {
     axes[0] = random.direction();
     axes[1] = unit(cross(axes[0], random.direction()));

@@ -265,7 +265,7 @@ TEST(SeenInProperty, MeshesWithoutGapsShowNone) {
     }
   PolygonBuilder builder;
   const auto at = [&](int i, int j) {
-    return points[static_cast<std::size_t>(i * columns + j % columns)];
+    return points.at(static_cast<std::size_t>(i) * columns + static_cast<std::size_t>(j % columns));
   };
   for (int i = 0; i < rows; ++i)
     for (int j = 0; j < columns; ++j) {
@@ -276,6 +276,7 @@ TEST(SeenInProperty, MeshesWithoutGapsShowNone) {
   for (int round = 0; round < 5; ++round) {
     const Vector eye = random.vector(0.3);
     std::vector<Vector> directions;
+    directions.reserve(2 * points.size() + 300);
     for (const Vector& p : points) directions.push_back(Samples::minus(p, eye));
     for (std::size_t i = 0; i + 1 < points.size(); ++i)
       directions.push_back(
