@@ -15,6 +15,7 @@ packages=(
   help2man dpkg-dev binutils file        # manual pages, packages
   chromium                               # to look at SVG and pages
   parallel                               # to spread eye points over shards
+  libembree-dev                          # rays beside which the exact map is measured
 )
 
 # Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.

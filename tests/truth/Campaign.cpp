@@ -7,6 +7,7 @@
 #include "truth/MapCheck.h"
 #include "truth/Reduce.h"
 #include "truth/SceneArrays.h"
+#include "truth/SceneFaults.h"
 
 #include <lumivane/exchange/Importer.h>
 #include <lumivane/session/LoadedScene.h>
@@ -220,10 +221,13 @@ class Campaign {
                 report.nearEdges, areaError(map), report.worstShare, lookSeconds,
                 report.judgeSeconds + report.locateSeconds);
     ++looks;
-    const bool isBad = !faults.empty() || !report.wrong.empty() || report.wrongDistances > 0;
+    const std::string sceneFaults = sceneFaultText(judge, map);
+    const bool isBad = !sceneFaults.empty() || !faults.empty() || !report.wrong.empty() ||
+                       report.wrongDistances > 0;
     if (isBad) {
       ++bad;
       for (const std::string& fault : faults) std::printf("    %s\n", fault.c_str());
+      if (!sceneFaults.empty()) std::printf("    %s", sceneFaults.c_str());
       if (!report.wrong.empty()) std::printf("    %s", report.text().c_str());
       if (report.wrongDistances > 0)
         std::printf("    %zu distances beyond those of their cell\n", report.wrongDistances);

@@ -376,16 +376,34 @@ void cubicRoom(Random& random, HardScene& result) {
   result.scene = builder.scene();
 }
 
-void largeCoordinates(Random& random, HardScene& result) {
-  touchingBoxes(random, result);
+/// Far from the origin, where coordinates have few digits left.
+void moveFarOff(Random& random, HardScene& result) {
   const Vector offset{84616.0 + random.below(100), 447423.0 + random.below(100), 0.0};
-  const auto place = [&](const Vector& p) {
-    // Millimetres, as in a city model.
-    const auto round = [](double value) { return std::round(value * 1000.0) / 1000.0; };
-    return Vector{round(p[0] + offset[0]), round(p[1] + offset[1]), round(p[2] + offset[2])};
-  };
-  result.scene = moved(result.scene, place);
+  result.scene = moved(result.scene, [&](const Vector& p) { return plus(p, offset); });
   result.eye = plus(result.eye, offset);
+}
+
+void largeCoordinates(Random& random, HardScene& result) {
+  SceneBuilder builder;
+  addBoxes(builder, random, 25);
+  result.scene = builder.scene();
+  result.eye = {0.31, -0.27, 0.11};
+  moveFarOff(random, result);
+}
+
+/// Turned boxes far off, whose corners miss each other by the last digit, or whose sides are flat
+/// and in nearly one plane, but not in one layer.
+void turnedFarOff(Random& random, HardScene& result, bool rounded) {
+  touchingBoxes(random, result);
+  const Rotation turn(random);
+  result.scene = moved(result.scene, turn);
+  result.eye = turn(result.eye);
+  moveFarOff(random, result);
+  if (!rounded) return;
+  result.scene = moved(result.scene, [](const Vector& p) {
+    const auto round = [](double value) { return std::round(value * 1e5) / 1e5; };
+    return Vector{round(p[0]), round(p[1]), round(p[2])};
+  });
 }
 
 void fans(Random& random, HardScene& result) {
@@ -415,12 +433,18 @@ void identical(Random& random, HardScene& result) {
   result.scene = builder.scene();
 }
 
-/// Outlines that are bent by much more than the tolerance, and are taken as triangles.
+/// Outlines that are bent by much more than the tolerance, and are taken as triangles. None crosses
+/// itself: corners move away from the middle only, and off the plane.
 void bent(Random& random, HardScene& result) {
   SceneBuilder builder;
   for (int i = 0; i < 20; ++i) {
-    Outline outline = anyOutline(random, random.between(0.5, 4.0));
-    for (Vector& corner : outline) corner = plus(corner, random.inBall(0.3));
+    const Vector centre = somewhere(random);
+    const Vector axis = random.direction();
+    Outline outline = regularPolygon(centre, axis, random.between(0.5, 4.0), 4 + random.below(8));
+    for (Vector& corner : outline) {
+      const LongVector out = (wide(corner) - wide(centre)) * random.between(0.3, 1.0);
+      corner = narrow(wide(centre) + out + wide(axis) * random.between(-0.3, 0.3));
+    }
     builder.object().addFacing(outline, result.eye);
   }
   result.scene = builder.scene();
@@ -479,12 +503,16 @@ HardScene hardScene(std::size_t number) {
   result.name = std::string(kind.name) + " " + std::to_string(round);
   result.options.field = round % 3 == 2 ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
   result.options.forward = round % 2 == 0 ? Vector{1, 0, 0} : random.direction();
-  if (kind.make != nullptr)
+  if (number >= HardSceneCount) {
+    turnedFarOff(random, result, number % 2 == 1);
+    result.name = "turned far off " + std::to_string(number - HardSceneCount);
+  } else if (kind.make != nullptr) {
     kind.make(random, result);
-  else if (round % 2 == 0)
+  } else if (round % 2 == 0) {
     bent(random, result);
-  else
+  } else {
     twoSided(random, result);
+  }
   return result;
 }
 

@@ -19,7 +19,8 @@ struct HardScene {
 constexpr std::size_t HardSceneCount = 200;
 
 /// Number 0 to 199, the same on every machine: overlapping, coplanar, interpenetrating, thin,
-/// cyclic and far polygons, eyes on vertices and edges, in planes and inside bodies.
+/// cyclic and far polygons, eyes on vertices and edges, in planes and inside bodies. Higher numbers
+/// are turned boxes far from the origin, whose corners and planes nearly meet.
 HardScene hardScene(std::size_t number);
 
 }  // namespace Lumivane::Truth
