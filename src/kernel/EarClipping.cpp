@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <numeric>
 #include <queue>
+#include <utility>
 
 namespace Lumivane::Kernel {
 namespace {
@@ -55,7 +56,7 @@ class Clipper {
     }
     std::iota(byX.begin(), byX.end(), std::size_t{0});
     std::sort(byX.begin(), byX.end(), [this](std::size_t a, std::size_t b) {
-      return points[a].x < points[b].x || (points[a].x == points[b].x && a < b);
+      return std::pair(points[a].x, a) < std::pair(points[b].x, b);
     });
   }
 
