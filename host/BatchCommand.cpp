@@ -342,7 +342,7 @@ class Batch {
 
   void makeViews(const std::vector<size_t>& pieces, Journal& journal) {
     SceneForEyes source(options.shot.scene, options.shot.import);
-    if (!options.shot.noCheck) refuseErrors(options.shot.scene, source.scene().scene());
+    if (options.shot.view.checkScene) refuseErrors(options.shot.scene, source.scene().scene());
     for (const size_t piece : pieces)
       for (const std::string& file : views[piece].files)
         makeFolder((fs::path(setting.folder) / file).parent_path());
@@ -430,13 +430,15 @@ class Batch {
       LoadedScene& scene = source.at(view.options.view.eye);
       std::error_code ignored;
       fs::remove(CycleReport, ignored);
-      const TakenShot shot = scene.take(view.options.view);
+      ShotOptions placed = view.options;
+      placed.view.eye = moved(view.options.view.eye, source.eyeShift());
+      const TakenShot shot = scene.take(placed.view);
       const bool hasCycle = fs::exists(CycleReport);
       warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
       row.row = summaryRow(view.name, shot, hasCycle, options.shot.csvSafe);  // before another shot
-      writeOutputs(view.options, scene, shot, seconds);
+      writeOutputs(placed, scene, shot, seconds);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(setting.folder) / file).string(), file));
       return journalText(row);

@@ -9,6 +9,7 @@
 #endif
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
+#include <lumivane/session/Faults.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/session/Text.h>
 
@@ -111,12 +112,8 @@ int runCheck(const CheckOptions& options) try {
 }
 
 void refuseErrors(const std::string& file, Scene::Scene3D& scene) {
-  const Findings errors = Check::SceneChecker::errors(scene);
-  if (errors.empty()) return;
-  const std::string more = errors.size() == 1 ? ""
-                                              : " (and " + std::to_string(errors.size() - 1) +
-                                                    " more; lumivane check tells all)";
-  throw HostError(file, "no shot can be made: " + errors.front().line() + more);
+  const std::string errors = Session::sceneErrors(scene);
+  if (!errors.empty()) throw HostError(file, "no shot can be made: " + errors);
 }
 
 }  // namespace Lumivane::Host

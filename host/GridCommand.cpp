@@ -161,9 +161,12 @@ class ToldOnError {
 };
 
 SourcedScene readScene(const GridOptions& options) {
-  if (!options.out.empty()) return loadScene(options.scene, options.import);
+  ImportSettings import = options.import;
+  // The eyes of a scene file stand in the table in the file's coordinates: batch moves both.
+  if (isSceneFile(options.scene)) import.center = false;
+  if (!options.out.empty()) return loadScene(options.scene, import);
   const ToldOnError told;
-  return loadScene(options.scene, options.import);
+  return loadScene(options.scene, import);
 }
 
 }  // namespace

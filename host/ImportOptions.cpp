@@ -47,7 +47,8 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
   command.add_flag("--y-up", settings.yUp, "y points up in the file; it will be z")->group(group);
   command
       .add_flag("--center", settings.center,
-                "put the model's middle at x = y = 0 and its lowest point at z = 0")
+                "put the model's middle at x = y = 0 and its lowest point at z = 0; of a scene "
+                "file too, by whole units and with the eye")
       ->group(group);
   command
       .add_flag("--allow-outside", settings.allowOutside,

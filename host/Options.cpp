@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -77,10 +78,35 @@ void addChoice(CLI::App& command, const std::string& name, Value& target, const 
       ->default_str(names.front());
 }
 
+// Without --up the upper edge depends on --forward, in whatever order the two are given.
+void addDirections(CLI::App& command, ViewSettings& view) {
+  const auto isUpGiven = std::make_shared<bool>(false);
+  command
+      .add_option_function<std::string>(
+          "--forward",
+          [&view, isUpGiven](const std::string& text) {
+            view.forward = readVector("--forward", text);
+            if (!*isUpGiven) view.up = Session::usualUp(view.forward);
+          },
+          "the direction of the picture's centre")
+      ->type_name("X,Y,Z")
+      ->default_str(vectorText(view.forward));
+  command
+      .add_option_function<std::string>(
+          "--up",
+          [&view, isUpGiven](const std::string& text) {
+            view.up = readVector("--up", text);
+            *isUpGiven = true;
+          },
+          "the direction of the picture's upper edge; without it 0,1,0 for a look straight up or "
+          "down")
+      ->type_name("X,Y,Z")
+      ->default_str(vectorText(view.up));
+}
+
 void addViewOptions(CLI::App& command, ViewSettings& view) {
   addVector(command, "--eye", view.eye, "where the eye stands");
-  addVector(command, "--forward", view.forward, "the direction of the picture's centre");
-  addVector(command, "--up", view.up, "the direction of the picture's upper edge");
+  addDirections(command, view);
   addChoice<Base::ViewCameraKind>(
       command, "--camera", view.camera, "round picture or square one",
       {{"spherical", Base::ViewCameraKind::Spherical}, {"normal", Base::ViewCameraKind::Normal}});
@@ -261,7 +287,9 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
           "size of the picture in pixels")
       ->type_name("WxH")
       ->default_str("800x800");
-  command.add_flag("--no-check", options.noCheck, "do not look for errors in the scene first");
+  command.add_flag_callback(
+      "--no-check", [&options] { options.view.checkScene = false; },
+      "do not look for errors in the scene first");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
   addCsvSafe(command, options.csvSafe);
 #ifdef LUMIVANE_HOST_MEASURES

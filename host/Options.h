@@ -28,7 +28,6 @@ struct ShotOptions {
   std::string scene;
   ImportSettings import;  ///< for a scene that is a mesh or a city model
   ViewSettings view;
-  bool noCheck = false;  ///< whether the scene's errors are left to the shot to find
   std::string shot;      ///< the shot file to write, or empty
   std::string png;       ///< the picture to write, or empty
   std::string stats;     ///< the statistics to write, or empty

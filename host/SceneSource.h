@@ -13,18 +13,30 @@
 
 namespace Lumivane::Host {
 
-/// A scene, and what statistics tell about its import: an invalid node if it was a scene file.
+/// A scene, and what statistics tell about its import: an invalid node if it was a scene file that
+/// stayed where it is.
 struct SourcedScene {
   Session::LoadedScene scene;
   Jzon::Node import;
+  bool isSceneFile = false;
+  Session::Vector eyeShift{};  ///< what an eye in the file's coordinates is moved by
 };
+
+Session::Vector moved(const Session::Vector& point, const Session::Vector& shift);
 
 /// All files that `loadScene` reads of a path: itself first, then those that it names.
 /// \throws Session::Error
 std::vector<std::string> sourceFiles(const std::string& path);
 
+/// Whether a path is read as a scene file, and not as a mesh or a city model.
+bool isSceneFile(const std::string& path);
+
 /// Reads a scene file; where the program is built with importers, also a mesh or a city model,
 /// telling on standard output what became of it.
+///
+/// With `ImportSettings::center` the middle of a scene file comes to x = y = 0 too, and its lowest
+/// point to z = 0, to within half a unit: by whole units, so that coordinates keep their decimals.
+/// The eye of a scene file is given in the file's coordinates and moves with it.
 /// \throws Session::Error
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings);
 
@@ -39,6 +51,9 @@ class SceneForEyes {
   SceneForEyes& operator=(const SceneForEyes&) = delete;
   ~SceneForEyes();
 
+  /// What an eye is moved by before a shot is taken from it.
+  const Session::Vector& eyeShift() const { return shift; }
+
   /// The scene for no eye in particular, or for that of the last call of `at`.
   Session::LoadedScene& scene() { return current; }
   /// The scene for an eye, up to the next call. \throws Session::Error
@@ -49,6 +64,7 @@ class SceneForEyes {
 
   std::unique_ptr<Model> model;  // null for a scene file
   std::optional<std::array<double, 3>> currentEye;
+  Session::Vector shift{};
   Session::LoadedScene current;
 };
 

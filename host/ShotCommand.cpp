@@ -8,6 +8,7 @@
 #include "ShotOutputs.h"
 #include "Stats.h"
 #include "VisibleFile.h"
+#include "Warnings.h"
 
 #include <lumivane/session/Files.h>
 #include <lumivane/session/LoadedScene.h>
@@ -110,11 +111,14 @@ void runShot(const ShotOptions& options) {
   // Scene and shot are kept to the end of the process, which frees them at once: to take them apart
   // object by object would be a tenth of its time.
   static SourcedScene& source = *new SourcedScene(readScene(options, seconds));
-  if (!options.noCheck) refuseErrors(options.scene, source.scene.scene());
-  static const TakenShot& shot = *new TakenShot(takeShot(options, source.scene, seconds));
+  if (source.isSceneFile) warnOfFarCoordinates(options.scene, source.scene);
+  ShotOptions placed = options;
+  placed.view.eye = moved(options.view.eye, source.eyeShift);
+  static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene, seconds));
+  warnOfCycle(options.scene, shot);
   warnIfInside(options.scene, shot);
   try {
-    writeOutputs(options, source.scene, shot, seconds);
+    writeOutputs(placed, source.scene, shot, seconds);
   } catch (const HostError&) {
     writeStats(options, shot, seconds, source.import);  // the shot itself is there
     throw;

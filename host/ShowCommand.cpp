@@ -4,6 +4,7 @@
 #include "Options.h"
 #include "ProgressBar.h"
 #include "SceneSource.h"
+#include "Warnings.h"
 
 #include <lumivane/session/Faults.h>
 #include <lumivane/session/Files.h>
@@ -56,10 +57,13 @@ void runShow(const ShowOptions& options) {
 
   ImportSettings import = options.import;
   import.eye = options.view.eye;
-  LoadedScene scene = loadScene(options.scene, import).scene;
-  if (!options.shot.empty()) return showShotFile(options, scene);
-  const TakenShot shot = scene.take(options.view, ProgressBar().progress());
-  showBoth(options, scene, shot.shot());
+  SourcedScene source = loadScene(options.scene, import);
+  ShowOptions placed = options;
+  placed.view.eye = moved(options.view.eye, source.eyeShift);
+  if (!options.shot.empty()) return showShotFile(placed, source.scene);
+  const TakenShot shot = source.scene.take(placed.view, ProgressBar().progress());
+  warnOfCycle(options.scene, shot);
+  showBoth(placed, source.scene, shot.shot());
 }
 
 }  // namespace Lumivane::Host

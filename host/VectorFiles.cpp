@@ -13,6 +13,7 @@
 #include <lumivane/utils/StageTimes.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -27,6 +28,16 @@ using Exchange::VectorPicture;
 constexpr const char* Group = "Vector pictures (need no display)";
 
 constexpr double PageExtent = 1.02;  // so that no line of the rim is cut
+
+// Why a text is no extent; empty if it is one. A range check of the parser would take "nan".
+std::string extentFault(const std::string& text) {
+  char* end = nullptr;
+  const double extent = std::strtod(text.c_str(), &end);
+  const bool isNumber = !text.empty() && *end == '\0';
+  return isNumber && extent >= 0.001 && extent <= 1000.0
+             ? ""
+             : "\"" + text + "\" is not a number of 0.001 to 1000";
+}
 
 struct Drawn {
   std::string path;
@@ -106,7 +117,7 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
       .add_option("--extent", files.extent,
                   "half the height of the vector pictures; 1.2 shows the ends of the axes")
       ->type_name("NUMBER")
-      ->check(CLI::Range(0.001, 1000.0))
+      ->check(extentFault, "")
       ->capture_default_str()
       ->group(Group);
 }

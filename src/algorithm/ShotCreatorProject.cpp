@@ -23,6 +23,8 @@
 #include <lumivane/geometry/Regions.h>
 #include <lumivane/scene/Object.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -88,10 +90,30 @@ ShotCreator::ProjectedPolygon projectedAlone(RegionFrame region,
   return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
 }
 
-[[noreturn]] void throwEndlessSplitting(const Scene::Object& object, std::size_t regionIndex) {
+// The number, from 1, of the corner that the eye stands on, as near as single precision tells; or
+// 0.
+std::size_t cornerAt(Vec3 eye, const std::vector<Vec3>& corners) {
+  constexpr double rounding = 0x1p-22;
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const Vec3& c = corners[i];
+    const double reach = rounding * std::max({std::abs(c.x), std::abs(c.y), std::abs(c.z)});
+    if (std::abs(c.x - eye.x) <= reach && std::abs(c.y - eye.y) <= reach &&
+        std::abs(c.z - eye.z) <= reach)
+      return i + 1;
+  }
+  return 0;
+}
+
+// An edge that starts at the eye spans an angle however finely it is cut.
+[[noreturn]] void throwEndlessSplitting(const Scene::Object& object, std::size_t regionIndex,
+                                        std::size_t corner) {
+  const std::string cause =
+      corner == 0 ? "no splitting brings its pieces below the length limit"
+                  : "the eye stands on its corner " + std::to_string(corner) +
+                        ", so no splitting brings its pieces below the length limit: move the eye "
+                        "off the corner";
   throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
-                          std::to_string(regionIndex + 1) +
-                          ": no splitting brings its pieces below the length limit");
+                          std::to_string(regionIndex + 1) + ": " + cause);
 }
 
 [[noreturn]] void throwTooManyPoints(const Scene::Object& object, std::size_t regionIndex,
@@ -192,7 +214,9 @@ ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPo
     try {
       auto result = projector.settle(visible[r], firstCount, Cmd::CmdManager::maxSegmentsLength,
                                      budget.left());
-      if (!result) throwEndlessSplitting(object, r);
+      if (!result)
+        throwEndlessSplitting(
+            object, r, cornerAt(eyeOf(*setting.view), regionPointsOf(region, setting.points)));
       budget.take(pointCount(result->polygons));
       projected.plane[r] = std::move(result->polygons);
       projected.recipe.regions[r] = {result->pieceCounts.empty() ? 0 : result->pieceCounts.front(),

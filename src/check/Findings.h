@@ -30,6 +30,11 @@ class Findings {
     put(severity, code, 0, static_cast<int>(face), std::move(text), mend);
   }
 
+  /// A finding that already says what it is about.
+  void add(Finding finding) {
+    if (items.size() < static_cast<size_t>(SceneChecker::Most)) items.push_back(std::move(finding));
+  }
+
   bool full() const { return moreTold && errorTold; }
   bool hasErrors() const { return errorTold; }
   std::vector<Finding> take() { return std::move(items); }

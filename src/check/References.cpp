@@ -8,6 +8,7 @@
 #include <lumivane/geometry/Overlays.h>
 #include <lumivane/geometry/Part.h>
 #include <lumivane/geometry/Parts.h>
+#include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/geometry/Region.h>
 #include <lumivane/geometry/Regions.h>
@@ -16,6 +17,7 @@
 #include <lumivane/scene/Scene3D.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace Lumivane::Check {
@@ -36,12 +38,32 @@ bool lists(const std::vector<int>& numbers, size_t number) {
   return std::find(numbers.begin(), numbers.end(), static_cast<int>(number)) != numbers.end();
 }
 
+// Whether a polygon can have a point as a corner: polygons are computed in single precision.
+// Numbers that mean no point are reported elsewhere.
+bool isUsable(const Counts& counts, int number) {
+  if (!isNumberOf(number, counts.points)) return true;
+  const Geometry::Point3d* const point = (*counts.pointList)[static_cast<size_t>(number) - 1];
+  if (point == nullptr) return true;
+  return std::abs(point->getX()) <= SceneChecker::LargestCoordinate &&
+         std::abs(point->getY()) <= SceneChecker::LargestCoordinate &&
+         std::abs(point->getZ()) <= SceneChecker::LargestCoordinate;  // false for what is no number
+}
+
 void findRegionErrors(Geometry::Region& region, size_t number, const Counts& counts, size_t faces,
                       Findings& findings) {
   for (const int point : itemsOf(region.getPoints()))
     if (!isNumberOf(point, counts.points)) {
       findings.addRegion(Severity::Error, "point-number", number,
                          outOfRange("point", point, counts.points), MendNumber);
+      break;
+    }
+  for (const int point : itemsOf(region.getPoints()))
+    if (!isUsable(counts, point)) {
+      findings.addRegion(
+          Severity::Error, "coordinate", number,
+          "point " + std::to_string(point) +
+              " has a coordinate that is not finite in single precision",
+          "give it three numbers below 1e38: polygons are computed in that precision");
       break;
     }
   for (const int edge : itemsOf(region.getDockingEdges()))
@@ -108,8 +130,8 @@ void findContradictions(Scene::Object& object, Findings& findings) {
 }  // namespace
 
 Counts::Counts(Scene::Scene3D& scene)
-    : points(
-          itemsOf(scene.getPoints() == nullptr ? nullptr : scene.getPoints()->getPoints()).size()),
+    : pointList(&itemsOf(scene.getPoints() == nullptr ? nullptr : scene.getPoints()->getPoints())),
+      points(pointList->size()),
       brushes(itemsOf(scene.getBrushes() == nullptr ? nullptr : scene.getBrushes()->getBrushes())
                   .size()),
       pens(itemsOf(scene.getPens() == nullptr ? nullptr : scene.getPens()->getPens()).size()),
@@ -161,12 +183,14 @@ size_t pointCount(const Geometry::Region* region) {
   return region == nullptr ? 0 : itemsOf(region->getPoints()).size();
 }
 
+bool canBeSeen(const Geometry::Region* region) { return pointCount(region) >= 3; }
+
 // The number of the first region that can be seen of `later` and has no points in `first`; or 0.
 size_t regionOfLaterOnly(Scene::Object& first, Scene::Object& later) {
   const auto& there = regionsOf(first);
   const auto& here = regionsOf(later);
   for (size_t r = 0; r < here.size(); ++r)
-    if (pointCount(here[r]) >= 3 && (r >= there.size() || pointCount(there[r]) == 0)) return r + 1;
+    if (canBeSeen(here[r]) && (r >= there.size() || pointCount(there[r]) == 0)) return r + 1;
   return 0;
 }
 
@@ -181,6 +205,7 @@ void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings) {
     const auto [place, isNew] = first.emplace(objects[i]->getId(), i + 1);
     if (isNew) continue;
     findings.setObject(objects[i]->getId());
+    const auto& regions = regionsOf(*objects[i]);
     const size_t region = regionOfLaterOnly(*objects[place->second - 1], *objects[i]);
     const std::string both = "objects " + std::to_string(place->second) + " and " +
                              std::to_string(i + 1) + " have one id, and ";
@@ -189,8 +214,13 @@ void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings) {
                    both + "the drawing order misses region " + std::to_string(region) + " of " +
                        std::to_string(i + 1) + " in " + std::to_string(place->second),
                    MendId);
+    else if (std::any_of(regions.begin(), regions.end(), canBeSeen))
+      findings.add(Severity::Error, "double-id",
+                   both + "the drawing order takes the regions of " +
+                       std::to_string(place->second) + " for those of " + std::to_string(i + 1),
+                   MendId);
     else if (least == Severity::Warning)
-      findings.add(Severity::Warning, "double-id", both + "the drawing order takes them for one",
+      findings.add(Severity::Warning, "double-id", both + "of the second nothing can be seen",
                    MendId);
   }
 }

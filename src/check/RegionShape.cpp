@@ -148,11 +148,7 @@ class RegionCheck {
       return;
     }
     const double largest = largestCoordinate(outline);
-    if (!(largest <= SceneChecker::LargestCoordinate)) {
-      warn("coordinate", "has a coordinate that is not finite or too large to be squared",
-           "move the scene near the origin and choose a larger unit");
-      return;
-    }
+    if (!(largest <= SceneChecker::LargestCoordinate)) return;  // an error, reported elsewhere
     checkEdges();
     checkPlane(largest);
   }

@@ -1,4 +1,5 @@
 #include "check/Document.h"
+#include "check/FarCoordinates.h"
 #include "check/Findings.h"
 #include "check/References.h"
 #include "check/RegionShape.h"
@@ -9,6 +10,8 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+
+#include <utility>
 
 namespace Lumivane::Check {
 namespace {
@@ -42,6 +45,7 @@ void findInScene(Scene::Scene3D& scene, Findings& findings) {
     findOddShapes(object, scene, findings);
   });
   findDoubleIds(scene, Severity::Warning, findings);
+  if (auto far = findFarCoordinates(scene)) findings.add(std::move(*far));
 }
 
 }  // namespace
@@ -69,6 +73,10 @@ std::vector<Finding> SceneChecker::check(Scene::Scene3D& scene) {
   Findings findings;
   findInScene(scene, findings);
   return findings.take();
+}
+
+std::optional<Finding> SceneChecker::farCoordinates(Scene::Scene3D& scene) {
+  return findFarCoordinates(scene);
 }
 
 std::vector<Finding> SceneChecker::errors(Scene::Scene3D& scene) {

@@ -121,6 +121,15 @@ std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view) {
   return errors.empty() ? "" : errors.front().line();
 }
 
+std::string sceneErrors(Scene::Scene3D& scene) {
+  const std::vector<Check::Finding> errors = Check::SceneChecker::errors(scene);
+  if (errors.empty()) return "";
+  const std::string first = errors.front().line();
+  return errors.size() == 1
+             ? first
+             : first + " (and " + std::to_string(errors.size() - 1) + " more: see lumivane check)";
+}
+
 std::string sceneDrawingFault(Scene::Scene3D& scene) {
   if (scene.getObjects() == nullptr || scene.getPoints() == nullptr) return "";
   const size_t points = count(scene.getPoints()->getPoints());

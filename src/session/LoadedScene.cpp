@@ -1,3 +1,4 @@
+#include "algorithm/CycleReport.h"
 #include "algorithm/ShotBudget.h"
 #include "session/LoadedSceneState.h"
 #include "session/ProgressPoll.h"
@@ -48,22 +49,25 @@ class Splitting {
 };
 
 Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& setup,
-                   const Progress& progress, std::size_t& sortedFaces) {
+                   const Progress& progress, SortFacts& facts) {
   // The settings, the progress record and the numbers of the depth sort are the whole process's.
   static std::mutex oneAtATime;
   const std::lock_guard<std::mutex> lock(oneAtATime);
   const Splitting splitting(view);
   ProgressPoll poll(progress);
+  Algorithm::cycleReported() = false;
   Shot::Shot2d* const shot = scene.makeShot(setup.view(), setup.parameters());
   if (shot != nullptr) poll.finish();
-  sortedFaces = Algorithm::sortedFaces();
+  facts = {Algorithm::sortedFaces(), Algorithm::cycleReported()};
   return shot;
 }
 
 std::string faultBeforehand(Scene::Scene3D& scene, const ViewSettings& view) {
   if (ProgressPoll::isThisThread()) return "a progress callback takes no shot itself";
   const std::string fault = view.fault();
-  return fault.empty() && scene.getObjects() == nullptr ? sceneFault(scene, view) : fault;
+  if (!fault.empty()) return fault;
+  if (view.checkScene) return sceneErrors(scene);
+  return scene.getObjects() == nullptr ? sceneFault(scene, view) : "";
 }
 
 // Forgets what a shot that failed half way has left on the objects.
@@ -109,7 +113,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
   auto taken = std::make_unique<TakenShot::State>(state, view);
   Shot::Shot2d* shot = nullptr;
   try {
-    shot = make(scene(), view, taken->setup, progress, taken->sortedFaces);
+    shot = make(scene(), view, taken->setup, progress, taken->facts);
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
     throw failure(*this, place.empty() ? error.what() : place);

@@ -25,7 +25,7 @@ std::size_t faceCount(Shot::Shot2d& shot) {
 
 void TakenShot::State::hold(Shot::Shot2d* newShot) {
   shot = newShot;
-  hiddenFaces = sortedFaces - faceCount(*shot);
+  hiddenFaces = facts.sortedFaces - faceCount(*shot);
   brushes = shot->getBrushes();
   pens = shot->getPens();
   scale = shot->getScale();
@@ -57,6 +57,8 @@ Scene::Scene3D& TakenShot::scene() const { return *state->sceneState->scene; }
 bool TakenShot::isInside() const { return state->isInside; }
 
 std::size_t TakenShot::hiddenFaces() const { return state->hiddenFaces; }
+
+bool TakenShot::hasCycle() const { return state->facts.hasCycle; }
 
 std::string TakenShot::text() const { return IO::DataWriter().writeShotString(state->shot); }
 

@@ -13,6 +13,12 @@
 
 namespace Lumivane::Session {
 
+/// What the sort of a shot's faces leaves besides the shot.
+struct SortFacts {
+  std::size_t sortedFaces = 0;  ///< how many faces there were to be brought into an order
+  bool hasCycle = false;        ///< whether no order suits them all
+};
+
 /// The raw shot with what it refers to, which goes after it.
 struct TakenShot::State {
   State(std::shared_ptr<LoadedScene::State> scene, const ViewSettings& settings)
@@ -27,7 +33,7 @@ struct TakenShot::State {
   std::shared_ptr<LoadedScene::State> sceneState;
   ViewSetup setup;
   Shot::Shot2d* shot = nullptr;
-  std::size_t sortedFaces = 0;  ///< faces there were to be brought into an order
+  SortFacts facts;
   std::size_t hiddenFaces = 0;
   bool isInside = false;
 

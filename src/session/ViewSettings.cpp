@@ -75,6 +75,12 @@ std::string limitsFault(const ViewSettings& settings) {
 
 }  // namespace
 
+Vector usualUp(const Vector& forward) {
+  const Vector up{0.0, 0.0, 1.0};
+  const bool isDirection = isFinite(forward) && !isZero(forward);
+  return isDirection && areParallel(forward, up) ? Vector{0.0, 1.0, 0.0} : up;
+}
+
 std::string ViewSettings::fault() const {
   std::string orientation = orientationFault(*this);
   if (!orientation.empty()) return orientation;

@@ -113,6 +113,8 @@ TEST(VectorFiles, NonsenseIsToldInOneLine) {
   };
   EXPECT_NE(std::string::npos, error({"--extent", "0"}).find("--extent"));
   EXPECT_NE(std::string::npos, error({"--extent", "wide"}).find("--extent"));
+  EXPECT_NE(std::string::npos,
+            error({"--extent=nan"}).find("--extent: \"nan\" is not a number of 0.001 to 1000"));
   EXPECT_NE(std::string::npos, error({"--html-both"}).find("--html"));
   EXPECT_NE(std::string::npos, error({"--svg", folder.path("none/a.svg")}).find("none/a.svg"));
   EXPECT_NE(std::string::npos, error({"--svg", folder.path("a"), "--pdf", folder.path("a")})

@@ -5,6 +5,7 @@
 #include "support/Vectors.h"
 #include "support/WorkingFolder.h"
 
+#include <lumivane/check/SceneChecker.h>
 #include <lumivane/cmd/CmdManager.h>
 #include <lumivane/io/DataReader.h>
 #include <lumivane/io/DataWriter.h>
@@ -14,6 +15,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -114,6 +116,53 @@ TEST(LoadedScene, NumberThatPointsAtNothingIsNamedWithObjectAndRegion) {
             takeError(face));
 }
 
+// A scene of the square with one text in place of another, and what a take of it says.
+struct Refused {
+  Refused(const std::string& old, const std::string& text) {
+    std::string document = Lumivane::Test::squareText();
+    document.replace(document.find(old), old.size(), text);
+    scene.emplace(LoadedScene::fromText(document, "square"));
+  }
+  std::string take(const ViewSettings& view) { return takeError(*scene, view); }
+  std::optional<LoadedScene> scene;
+};
+
+TEST(LoadedScene, TakeRefusesACornerThatIsNotFinite) {
+  Refused refused("[3,1,1]", "[3,1,-1e999]");
+  EXPECT_EQ(
+      "square: no shot can be made: object \"wall\", region 1: point 3 has a coordinate that is "
+      "not finite in single precision",
+      refused.take({}));
+  ViewSettings view;
+  view.checkScene = false;
+  EXPECT_EQ("nothing thrown", refused.take(view));
+}
+
+TEST(LoadedScene, TakeRefusesTwoObjectsOfOneId) {
+  const std::string object = R"({"Id":"wall","Pen":1,"Faces":[{"Regions":[1]}],"Regions":[)"
+                             R"({"Brush":1,"Face":1,"Points":[1,2,3,4]}]})";
+  Refused refused(object, object + "," + object);
+  EXPECT_EQ(
+      "square: no shot can be made: object \"wall\": objects 1 and 2 have one id, and the drawing "
+      "order takes the regions of 1 for those of 2",
+      refused.take({}));
+  ViewSettings view;
+  view.checkScene = false;
+  EXPECT_EQ("nothing thrown", refused.take(view));
+}
+
+TEST(LoadedScene, TakeSaysHowManyErrorsThereAreBesidesTheFirst) {
+  Refused refused(R"("Points":[1,2,3,4])", R"("Points":[1,2,9],"DockingEdges":[0])");
+  EXPECT_EQ(
+      "square: no shot can be made: object \"wall\", region 1: point 9, but there are 1 to 4 (and "
+      "1 "
+      "more: see lumivane check)",
+      refused.take({}));
+  const auto errors = Check::SceneChecker::errors(refused.scene->scene());
+  ASSERT_EQ(2u, errors.size());
+  EXPECT_EQ("object \"wall\", region 1: point 9, but there are 1 to 4", errors[0].line());
+}
+
 TEST(LoadedScene, WrongScaleIsNamed) {
   LoadedScene scene = squareScene();
   ViewSettings view;
@@ -137,7 +186,9 @@ TEST(LoadedScene, AfterAFailureTheSceneIsUsable) {
   const std::string before = scene.take({}).text();
   Geometry::Region& region = *scene.scene().getObjects()->getObject(0)->getRegions()->getRegion(0);
   region.addPoint(9);
-  EXPECT_NE("nothing thrown", takeError(scene));
+  ViewSettings unchecked;
+  unchecked.checkScene = false;  // so that it fails half way
+  EXPECT_NE("nothing thrown", takeError(scene, unchecked));
   EXPECT_EQ(nullptr, scene.scene().getObjects()->getObject(0)->getRegionsPolyData());
   region.removePoint(9);
   EXPECT_EQ(before, scene.take({}).text());
@@ -292,6 +343,7 @@ ViewSettings settingsOf(const Json& view) {
   settings.d2 = view.value("d2", 1.0);
   settings.segments = view.value("sn", 6);
   settings.maxLength = view.value("sl", 0.0);
+  settings.checkScene = false;  // some cases are scenes with errors
   return settings;
 }
 

@@ -16,6 +16,15 @@ ViewSettings turned(const Vector& forward, const Vector& up) {
 
 TEST(ViewSettings, DefaultHasNoFault) { EXPECT_EQ("", ViewSettings().fault()); }
 
+TEST(ViewSettings, UsualUpIsNorthForALookStraightUpOrDown) {
+  EXPECT_EQ((Vector{0, 0, 1}), usualUp({1, 0, 0}));
+  EXPECT_EQ((Vector{0, 0, 1}), usualUp({0, 0.001, -1}));
+  EXPECT_EQ((Vector{0, 1, 0}), usualUp({0, 0, 3}));
+  EXPECT_EQ((Vector{0, 1, 0}), usualUp({0, 0, -1e-300}));
+  EXPECT_EQ((Vector{0, 0, 1}), usualUp({0, 0, 0}));
+  EXPECT_EQ((Vector{0, 0, 1}), usualUp({0, 0, HUGE_VAL}));
+}
+
 TEST(ViewSettings, ParallelAndZeroAndInfiniteVectorsAreFaults) {
   EXPECT_EQ("forward 1,0,0 and up 2,0,0 are parallel", turned({1, 0, 0}, {2, 0, 0}).fault());
   EXPECT_EQ("forward 1,0,0 and up -2,0,0 are parallel", turned({1, 0, 0}, {-2, 0, 0}).fault());

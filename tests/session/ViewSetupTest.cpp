@@ -2,6 +2,7 @@
 #include <lumivane/geometry/Vector3d.h>
 #include <lumivane/session/ViewSetup.h>
 
+#include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,6 +30,21 @@ TEST(ViewSetup, CarriesEverySetting) {
   EXPECT_EQ(0.13, setup.parameters()->getD1());
   EXPECT_EQ(14, setup.parameters()->getD2());
   EXPECT_EQ(Base::ViewDisplayStyle::HalfTransparent, setup.view()->getDisplayStyle());
+}
+
+TEST(ViewSetup, VeryShortAndLongDirectionsAreScaledByPowersOfTwo) {
+  for (const double length : {1e-300, 1e-20, 1e20, 1e300}) {
+    ViewSettings settings;
+    settings.forward = {length, -length / 4, 0};
+    settings.up = {0, 0, length};
+    ViewSetup setup(settings);
+    const auto forward = setup.view()->getOrientation()->getForwardDirection()->toVector();
+    EXPECT_GE(forward[0], 1.0);
+    EXPECT_LT(forward[0], 2.0);
+    EXPECT_EQ(-forward[0] / 4, forward[1]);
+    int exponent = 0;
+    EXPECT_EQ(std::frexp(length, &exponent), std::frexp(forward[0], &exponent));
+  }
 }
 
 TEST(ViewSetup, CameraIsOfTheKindAskedFor) {

@@ -4,6 +4,7 @@
 #include <lumivane/export.h>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,11 @@ class LUMIVANE_EXPORT SceneChecker {
   static constexpr double Flatness = 0.0001;
   /// The sine of an angle below which three points count as on one line.
   static constexpr double Straight = 1e-6;
-  /// The square of a larger coordinate is beyond a double.
-  static constexpr double LargestCoordinate = 1e150;
+  /// A larger coordinate is infinite in single precision, in which polygons are computed.
+  static constexpr double LargestCoordinate = 0x1.fffffep127;
+  /// Rounding of coordinates to single precision is reported where it exceeds this share of a
+  /// region's shortest edge.
+  static constexpr double Rounding = 1e-4;
 
   /// Checks the text of a scene file, then the scene in it as far as it can be read.
   ///
@@ -43,9 +47,9 @@ class LUMIVANE_EXPORT SceneChecker {
   /// Checks a scene in memory: all but what only a text can have wrong.
   static std::vector<Finding> check(Scene::Scene3D& scene);
 
-  /// Only what makes shots of the scene fail: numbers that point at nothing, null objects, no list
-  /// of them, and objects of one id of which only a later one has a region that is seen.
-  /// Quick: no geometry is looked at.
+  /// Only what makes shots of the scene fail or be wrong: numbers that point at nothing, corners
+  /// that are not finite, null objects, no list of them, and objects of one id of which a later one
+  /// can be seen. Quick: no shape is looked at.
   static std::vector<Finding> errors(Scene::Scene3D& scene);
 
   /// The share of a polygon that a shot can show at all, from 0 to 1, whatever the eye that looks
@@ -63,6 +67,11 @@ class LUMIVANE_EXPORT SceneChecker {
 
   /// Regions of more corners are not asked for the share that can be seen.
   static constexpr int MostCorners = 10000;
+
+  /// The one warning of `check` about regions so far from the origin that rounding their corners to
+  /// single precision, in which polygons are computed, shows in a shot (see `Rounding`). It is
+  /// about the region that suffers most, and says how many there are. None if all are near enough.
+  static std::optional<Finding> farCoordinates(Scene::Scene3D& scene);
 };
 
 }  // namespace Lumivane::Check

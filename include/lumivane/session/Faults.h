@@ -20,8 +20,12 @@ struct ViewSettings;
 /// Empty if there is none.
 LUMIVANE_EXPORT std::string sceneFault(Scene::Scene3D& scene, const ViewSettings& view);
 
-/// The same for a scene that is to be drawn: its points, brushes and pens, as far as drawing reads
-/// them. A region of one point, and an object without outlines, need none.
+/// The errors of a scene, as `Check::SceneChecker::errors` finds them: the first, and how many more
+/// there are. Empty if there are none.
+LUMIVANE_EXPORT std::string sceneErrors(Scene::Scene3D& scene);
+
+/// The same as the first for a scene that is to be drawn: its points, brushes and pens, as far as
+/// drawing reads them. A region of one point, and an object without outlines, need none.
 LUMIVANE_EXPORT std::string sceneDrawingFault(Scene::Scene3D& scene);
 
 /// The same for the brushes and pens of a shot that is to be drawn.

@@ -57,8 +57,9 @@ class LUMIVANE_EXPORT LoadedScene {
   /// report "log_sort.txt" into the working directory.
   ///
   /// \param progress  is told how far the shot has come; may be empty
-  /// \throws Error that names the object and region with a number that points at nothing, or says
-  ///         what else is wrong with view or scene; the scene stays usable
+  /// \throws Error that names the object and region with an error of the scene, which is looked for
+  ///         before any work (see `ViewSettings::checkScene`), or says what else is wrong with view
+  ///         or scene; the scene stays usable
   /// \throws std::bad_alloc if memory ends; the scene stays usable
   TakenShot take(const ViewSettings& view, const Progress& progress = {});
 

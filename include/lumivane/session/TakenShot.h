@@ -49,6 +49,10 @@ class LUMIVANE_EXPORT TakenShot {
   /// How many faces lay in the picture wholly behind others, so that the shot is without them.
   std::size_t hiddenFaces() const;
 
+  /// Whether faces overlap in a cycle, each hiding part of the next one, so that no drawing order
+  /// is right for all of them. The library has printed its message then.
+  bool hasCycle() const;
+
   /// The text of the shot's file.
   std::string text() const;
   /// Writes the shot's file, whole or not at all. \throws Error

@@ -13,6 +13,10 @@ namespace Lumivane::Session {
 /// A point or direction of the scene: x, y, z.
 using Vector = std::array<double, 3>;
 
+/// The direction of the picture's upper edge where none is asked for: up (z), and for a look
+/// straight up or down, where up is the middle of the picture or behind it, north (y).
+LUMIVANE_EXPORT Vector usualUp(const Vector& forward);
+
 /// From where and how a shot is taken and drawn: a plain value.
 struct LUMIVANE_EXPORT ViewSettings {
   Vector eye{0.0, 0.0, 0.0};      ///< where the eye stands, in scene units
@@ -47,6 +51,11 @@ struct LUMIVANE_EXPORT ViewSettings {
   /// How many bytes of memory taking and writing the shot may need, besides the scene, as estimated
   /// from such counts; 0 for any number.
   std::int64_t limitMemory = std::int64_t{2} << 30U;
+
+  /// Whether a take first looks for the scene's errors (`Check::SceneChecker::errors`) and refuses
+  /// a scene that has any. Without the look, wrong numbers are found when they are met, if at all:
+  /// corners that are not finite and objects of one id give wrong shots without a word.
+  bool checkScene = true;
 
   /// Why no shot can be taken with these; empty if one can. Directions must not be zero nor
   /// parallel, numbers finite, limits not negative.

@@ -1,0 +1,37 @@
+#include "Warnings.h"
+
+#include "HostError.h"
+
+#include <lumivane/check/SceneChecker.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/TakenShot.h>
+
+#include <cstdio>
+#include <iostream>
+
+namespace Lumivane::Host {
+namespace {
+
+void warn(const std::string& file, const std::string& text) {
+  std::cout << std::flush;
+  std::fflush(stdout);  // the library prints there
+  std::cerr << "lumivane: " << oneLine(file) << ": warning: " << oneLine(text) << std::endl;
+}
+
+}  // namespace
+
+void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& scene) {
+  if (const auto far = Check::SceneChecker::farCoordinates(scene.scene()))
+    warn(file, far->line() + ": " + far->mend);
+}
+
+void warnOfCycle(const std::string& file, const Session::TakenShot& shot) {
+  if (!shot.hasCycle()) return;
+  warn(file,
+       "some faces overlap in a cycle, each hiding part of the next one, so no drawing order is "
+       "right "
+       "for all of them and some are drawn over what they should not hide; split one of them where "
+       "another one covers it, or move the eye (log_sort.txt lists the relations)");
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace Lumivane::Session {
+class LoadedScene;
+class TakenShot;
+}  // namespace Lumivane::Session
+
+namespace Lumivane::Host {
+
+/// Each prints one line on standard error if there is something to say, after all that has been
+/// printed on standard output. `file` is the scene's.
+
+/// If the scene's corners lie so far from the origin that rounding shows in a shot.
+void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& scene);
+
+/// If the faces of a shot overlap in a cycle: what the library's message means, and what to do.
+void warnOfCycle(const std::string& file, const Session::TakenShot& shot);
+
+}  // namespace Lumivane::Host
