@@ -31,7 +31,8 @@ constexpr double CloseTo = 1e-11;
 // The same along a line so steep that the sweep knows heights on it badly.
 constexpr double SteepSnap = 4e-9;
 
-struct Link {  // a piece after joining
+// A piece after joining, or an edge of the map that pieces have made.
+struct Link {
   int from;
   int to;
   int left;
@@ -48,13 +49,6 @@ struct Found {
   std::int32_t polygon;  // one of those of its region that are seen in it
   bool several;          // more than one is
   int mergedInto;        // itself, or the cell that it has become a part of
-};
-
-// An edge of the map, between vertices of the parts.
-struct RawEdge {
-  int from;
-  int to;
-  Link link;
 };
 
 Vec3 unit(Vec3 v) {
@@ -131,9 +125,9 @@ class Builder {
   void run() {
     for (const auto step :
          {&Builder::joinVertices, &Builder::makeLinks, &Builder::numberCells, &Builder::closeRings,
-          &Builder::dropSlivers, &Builder::chainLinks, &Builder::placeVertices, &Builder::orderMap,
-          &Builder::makeRings, &Builder::measureDistances, &Builder::measureCells,
-          &Builder::settleWholeSpheres}) {
+          &Builder::dropSliverLinks, &Builder::chainLinks, &Builder::placeVertices,
+          &Builder::dropSliverEdges, &Builder::orderMap, &Builder::makeRings,
+          &Builder::measureDistances, &Builder::measureCells, &Builder::settleWholeSpheres}) {
       if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
       (this->*step)();
     }
@@ -250,7 +244,11 @@ class Builder {
 
   // Cells narrower than what rounding does to two lines that should coincide become part of the
   // neighbour with which they share most of their border.
-  void dropSlivers() {
+  void dropSliverLinks() { dropSlivers(links); }
+  // Once more with the vertices in their final places.
+  void dropSliverEdges() { dropSlivers(edges); }
+
+  void dropSlivers(std::vector<Link>& borders) {
     struct Extent {
       Vec3 from;
       double area;
@@ -259,8 +257,8 @@ class Builder {
       double shared;
     };
     std::vector<Extent> extents(found.size(), Extent{{}, 0.0, 0.0, NoCell, 0.0});
-    const auto forSides = [this, &extents](auto visit) {
-      for (const Link& link : links) {
+    const auto forSides = [&](auto visit) {
+      for (const Link& link : borders) {
         const Vec3 a = directions[static_cast<size_t>(link.from)];
         const Vec3 b = directions[static_cast<size_t>(link.to)];
         if (link.left != NoCell) visit(extents[static_cast<size_t>(link.left)], a, b, link.right);
@@ -300,12 +298,12 @@ class Builder {
     }
     if (!any) return;
     size_t kept = 0;
-    for (Link link : links) {
+    for (Link link : borders) {
       link.left = settled(link.left);
       link.right = settled(link.right);
-      if (link.left != link.right) links[kept++] = link;
+      if (link.left != link.right) borders[kept++] = link;
     }
-    links.resize(kept);
+    borders.resize(kept);
   }
 
   int settled(int cell) const {
@@ -383,8 +381,14 @@ class Builder {
     if (head.source == FieldSource && (at == start || turned > 1.5)) {
       addFieldArc(start, at, second, forwards, head);
     } else if (at != start) {
-      edges.push_back({forwards ? start : at, forwards ? at : start, head});
+      addEdge(forwards ? start : at, forwards ? at : start, head);
     }
+  }
+
+  void addEdge(int from, int to, Link link) {
+    link.from = from;
+    link.to = to;
+    edges.push_back(link);
   }
 
   // The end of the field is a great circle, of which arcs must be less than half: long ones are
@@ -416,7 +420,7 @@ class Builder {
     }
     route.push_back(start != end ? end : route.front());
     for (size_t i = 0; i + 1 < route.size(); ++i)
-      edges.push_back({route[forwards ? i : i + 1], route[forwards ? i + 1 : i], link});
+      addEdge(route[forwards ? i : i + 1], route[forwards ? i + 1 : i], link);
   }
 
   VisibleMap::EdgeKind kindOf(const Link& link) const {
@@ -437,10 +441,10 @@ class Builder {
   // has found it.
   void placeVertices() {
     std::vector<std::pair<int, Source>> lines;
-    for (const RawEdge& edge : edges)
+    for (const Link& edge : edges)
       for (const int vertex : {edge.from, edge.to})
-        if (static_cast<size_t>(vertex) < parts.vertices.size() && edge.link.source != NoSource)
-          lines.emplace_back(vertex, edge.link.source);
+        if (static_cast<size_t>(vertex) < parts.vertices.size() && edge.source != NoSource)
+          lines.emplace_back(vertex, edge.source);
     std::sort(lines.begin(), lines.end());
     lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     for (size_t i = 0; i < lines.size();) {
@@ -509,7 +513,7 @@ class Builder {
   void orderMap() {
     std::vector<int> used;
     vertexNumbers.assign(directions.size(), -1);
-    for (const RawEdge& edge : edges)
+    for (const Link& edge : edges)
       for (const int vertex : {edge.from, edge.to}) {
         int& number = vertexNumbers[static_cast<size_t>(vertex)];
         if (number < 0) used.push_back(vertex);
@@ -526,27 +530,25 @@ class Builder {
       map.vertices.push_back({d.x, d.y, d.z});
     }
     std::vector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
-    for (RawEdge& edge : edges) {
+    for (Link& edge : edges) {
       edge.from = vertexNumbers[static_cast<size_t>(edge.from)];
       edge.to = vertexNumbers[static_cast<size_t>(edge.to)];
       if (edge.to < edge.from) {
         std::swap(edge.from, edge.to);
-        std::swap(edge.link.left, edge.link.right);
+        std::swap(edge.left, edge.right);
       }
-      for (const int cell : {edge.link.left, edge.link.right})
+      for (const int cell : {edge.left, edge.right})
         if (cell != NoCell) {
           int& first = firstVertex[static_cast<size_t>(cell)];
           first = std::min(first, edge.from);
         }
     }
     orderCells(firstVertex);
-    const auto key = [](const RawEdge& e) {
-      return std::make_tuple(e.from, e.to, e.link.left, e.link.right);
-    };
+    const auto key = [](const Link& e) { return std::make_tuple(e.from, e.to, e.left, e.right); };
     std::sort(edges.begin(), edges.end(),
-              [&](const RawEdge& a, const RawEdge& b) { return key(a) < key(b); });
-    for (const RawEdge& edge : edges)
-      map.edges.push_back({edge.from, edge.to, edge.link.left, edge.link.right, kindOf(edge.link)});
+              [&](const Link& a, const Link& b) { return key(a) < key(b); });
+    for (const Link& edge : edges)
+      map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
   }
 
   void orderCells(const std::vector<int>& firstVertex) {
@@ -568,8 +570,8 @@ class Builder {
       cellPolygons.push_back(f.polygon);
       severalPolygons.push_back(f.several ? 1 : 0);
     }
-    for (RawEdge& edge : edges)
-      for (int* cell : {&edge.link.left, &edge.link.right})
+    for (Link& edge : edges)
+      for (int* cell : {&edge.left, &edge.right})
         if (*cell != NoCell) *cell = cellNumbers[static_cast<size_t>(*cell)];
   }
 
@@ -730,7 +732,7 @@ class Builder {
     forArcs(cell, [&](Vec3 a, Vec3 b) { sum += triangleSolidAngle(from, a, b); });
     sum = std::remainder(sum, 4.0 * Pi);
     if (sum >= 0.0) return sum;
-    return sum > -SliverWidth * (1.0 + length) ? 0.0 : sum + 4.0 * Pi;
+    return sum > -SliverWidth * length ? 0.0 : sum + 4.0 * Pi;
   }
 
   // The solid angle on the left of one ring.
@@ -882,7 +884,7 @@ class Builder {
   std::vector<int> cellOfArea;   // positions in `found`, of areas that stand for their set
   std::vector<Vec3> directions;  // of vertices
   Buckets atVertex;
-  std::vector<RawEdge> edges;
+  std::vector<Link> edges;
   std::vector<int> vertexNumbers;
   std::vector<int> cellNumbers;  // of `found`, in the map
   std::vector<std::int32_t> cellPolygons;
