@@ -72,6 +72,7 @@ struct Options {
   Host::GridOptions grid;
   Host::Json5Options json5;
   Host::ImportCommandOptions import;
+  Host::ViewOptions view;
 };
 
 void declare(CLI::App& app, Options& options) {
@@ -84,12 +85,17 @@ void declare(CLI::App& app, Options& options) {
   Host::setJson5Options(*app.add_subcommand("json5"), options.json5);
 #ifdef LUMIVANE_HOST_EXCHANGE
   Host::setImportOptions(*app.add_subcommand("import"), options.import);
+  Host::setViewOptions(*app.add_subcommand("view"), options.view);
 #endif
 }
 
 void checkParsed(const CLI::App& app, const Options& options) {
   if (app.got_subcommand("shot")) checkShot(options.shot);
   if (app.got_subcommand("show")) Host::viewWasGiven(*app.get_subcommand("show"));
+  if (options.view.size) {
+    require(options.view.size->width >= 1 && options.view.size->width <= 16384);
+    require(options.view.size->height >= 1 && options.view.size->height <= 16384);
+  }
   if (app.got_subcommand("grid")) require(!options.grid.headings.empty());
   if (!app.got_subcommand("batch")) return;
   checkShot(options.batch.shot);

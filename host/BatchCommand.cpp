@@ -3,6 +3,7 @@
 
 #include "BatchSummary.h"
 #include "Commands.h"
+#include "ExactBatch.h"
 #include "HostError.h"
 #include "Journal.h"
 #include "Options.h"
@@ -24,6 +25,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <new>
 #include <optional>
 #include <set>
@@ -350,7 +352,10 @@ class Batch {
     BatchProgress progress(pieces.size());
     SharedWork shared;
     shared.start = [this](int number) { startProcess(number); };
-    shared.work = [this, &source](size_t piece) { return makeView(source, views[piece]); };
+    std::unique_ptr<ExactBatch> exact;  // each process makes one for itself
+    shared.work = [this, &source, &exact](size_t piece) {
+      return makeView(source, exact, views[piece]);
+    };
     const auto keep = [this, &journal, &progress](size_t piece, const JournalRow& row) {
       journal.append(views[piece].key, row);
       for (const FileMark& mark : row.files) compared[markKey(mark)] = true;
@@ -425,8 +430,11 @@ class Batch {
   }
 
   // The text of the view's row for the journal.
-  std::string makeView(SceneForEyes& source, const TableView& view) const {
+  std::string makeView(SceneForEyes& source, std::unique_ptr<ExactBatch>& exact,
+                       const TableView& view) const {
     try {
+      // Before the objects are listed for an eye: their numbers are the same for all views.
+      if (!exact) exact = std::make_unique<ExactBatch>(options.shot.scene, source.scene());
       LoadedScene& scene = source.at(view.options.view.eye);
       std::error_code ignored;
       fs::remove(CycleReport, ignored);
@@ -437,7 +445,8 @@ class Batch {
       warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
-      row.row = summaryRow(view.name, shot, hasCycle, options.shot.csvSafe);  // before another shot
+      row.row = summaryRow(view.name, shot, hasCycle, exact->look(placed),
+                           options.shot.csvSafe);  // before another shot
       writeOutputs(placed, scene, shot, seconds);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(setting.folder) / file).string(), file));

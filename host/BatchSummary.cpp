@@ -12,10 +12,6 @@
 #include <charconv>
 #include <vector>
 
-#ifdef LUMIVANE_HOST_MEASURES
-#include <lumivane/measure/VisibleShares.h>
-#endif
-
 namespace Lumivane::Host {
 namespace {
 
@@ -52,27 +48,12 @@ std::string cell(const std::string& text, bool isSafe) {
   return isSafe ? Session::csvSafe(clean) : clean;
 }
 
-// Empty where nothing can be measured.
-std::vector<std::string> measureFields(const Session::TakenShot& shot, bool isSafe) {
-#ifdef LUMIVANE_HOST_MEASURES
-  const Measure::VisibleShares shares(shot.shot());
-  size_t visible = 0;
-  const Measure::ObjectShare* largest = nullptr;
-  for (const Measure::ObjectShare& object : shares.objects()) {
-    if (object.share.area <= 0.0) continue;
-    ++visible;
-    if (largest == nullptr || object.share.viewFactor > largest->share.viewFactor)
-      largest = &object;
-  }
-  return {std::to_string(visible), text(shares.open().viewFactor),
-          text(shares.open().hemisphereShare()),
-          largest == nullptr ? "" : cell(Session::idText(largest->id), isSafe),
-          largest == nullptr ? "" : text(largest->share.viewFactor)};
-#else
-  static_cast<void>(shot);
-  static_cast<void>(isSafe);
-  return {"", "", "", "", ""};
-#endif
+// Empty where nothing is measured.
+std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, bool isSafe) {
+  if (!seen) return {"", "", "", "", ""};
+  return {std::to_string(seen->visibleObjects), text(seen->skyViewFactor),
+          text(seen->skyHemisphereShare), cell(Session::idText(seen->largestId), isSafe),
+          seen->largestViewFactor ? text(*seen->largestViewFactor) : ""};
 }
 
 }  // namespace
@@ -80,7 +61,7 @@ std::vector<std::string> measureFields(const Session::TakenShot& shot, bool isSa
 std::string summaryHeading() { return csvRecord(Columns); }
 
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
-                       bool isSafe) {
+                       const std::optional<ExactSummary>& seen, bool isSafe) {
   std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
   for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
   fields.push_back(std::to_string(shot.shot().getPoints()->getPoints()->size()));
@@ -89,7 +70,7 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot, 
   fields.push_back(std::to_string(hiddenFaces(shot)));
   fields.push_back(hasCycle ? "1" : "0");
   fields.push_back(shot.isInside() ? "1" : "0");
-  for (const std::string& field : measureFields(shot, isSafe)) fields.push_back(field);
+  for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
   return csvRecord(fields);
 }
 

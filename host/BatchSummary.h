@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ExactBatch.h"
+
+#include <optional>
 #include <string>
 
 namespace Lumivane::Session {
@@ -16,7 +19,7 @@ std::string summaryHeading();
 /// \param hasCycle  whether faces overlap in a ring, so that no drawing order suits all
 /// \param isSafe    texts that a spreadsheet would take for formulas get an apostrophe in front
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
-                       bool isSafe);
+                       const std::optional<ExactSummary>& seen, bool isSafe);
 std::string failureRow(const std::string& name, const std::string& error, bool isSafe);
 
 }  // namespace Lumivane::Host

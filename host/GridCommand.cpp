@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Csv.h"
+#include "ExactGrid.h"
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
@@ -46,10 +47,12 @@ struct Box {
 using Polygon = std::vector<Vector>;
 
 // Without zeros that a sum of rounded terms leaves, such as 6e-17.
+double tidy(double value) { return std::round(value * 1e9) / 1e9 + 0.0; }
+Vector tidy(const Vector& v) { return {tidy(v[0]), tidy(v[1]), tidy(v[2])}; }
+
 std::string text(double value) {
-  const double tidy = std::round(value * 1e9) / 1e9 + 0.0;
   char buffer[32];
-  const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, tidy);
+  const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, tidy(value));
   return {buffer, end.ptr};
 }
 
@@ -124,13 +127,13 @@ void checkGrid(const GridOptions& options, const Box& box) {
                                      " eyes over the scene");
 }
 
-std::string table(const GridOptions& options, Scene::Scene3D& scene, const Box& box) {
+std::vector<GridView> viewsOf(const GridOptions& options, Scene::Scene3D& scene, const Box& box) {
   std::optional<Check::InsideTest> inside;
   if (options.skipInside) inside.emplace(scene);
   const std::vector<double> columns = places(box.x, options.spacing);
   const std::vector<double> rows = places(box.y, options.spacing);
   const double z = (options.groundGiven ? options.ground : box.z.low) + options.height;
-  std::string result = "name,eye,forward,up\n";
+  std::vector<GridView> views;
   for (size_t row = 0; row < rows.size(); ++row) {
     for (size_t column = 0; column < columns.size(); ++column) {
       const Vector eye = {columns[column], rows[row], z};
@@ -140,10 +143,17 @@ std::string table(const GridOptions& options, Scene::Scene3D& scene, const Box& 
       for (const double heading : options.headings) {
         const Look look = lookOf(options.look, heading);
         const std::string suffix = options.headings.size() > 1 ? "h" + text(heading) : "";
-        result += csvRecord({name + suffix, text(eye), text(look.forward), text(look.up)}) + "\n";
+        views.push_back({name + suffix, tidy(eye), tidy(look.forward), tidy(look.up)});
       }
     }
   }
+  return views;
+}
+
+std::string table(const std::vector<GridView>& views) {
+  std::string result = "name,eye,forward,up\n";
+  for (const GridView& view : views)
+    result += csvRecord({view.name, text(view.eye), text(view.forward), text(view.up)}) + "\n";
   return result;
 }
 
@@ -172,15 +182,21 @@ SourcedScene readScene(const GridOptions& options) {
 }  // namespace
 
 void runGrid(const GridOptions& options) {
-  OutputNames(sourceFiles(options.scene)).add(options.out);
+  OutputNames names(sourceFiles(options.scene));
+  names.add(options.out);
+  names.add(options.shares);
   const SourcedScene source = readScene(options);
   const Box box = boundsOf(polygons(source.scene.scene()));
   checkGrid(options, box);
-  const std::string result = table(options, source.scene.scene(), box);
+  const std::vector<GridView> views = viewsOf(options, source.scene.scene(), box);
+  const std::string result = table(views);
+  std::string shares;
+  if (!options.shares.empty()) shares = exactShares(options, source.scene, views);
   if (options.out.empty())
     std::cout << result;
   else
     Session::writeFile(options.out, result);
+  if (!options.shares.empty()) Session::writeFile(options.shares, shares);
 }
 
 }  // namespace Lumivane::Host

@@ -250,9 +250,33 @@ void addCsvSafe(CLI::App& command, bool& isSafe) {
 void addVisible(CLI::App& command, std::string& visible) {
   command
       .add_option("--visible", visible,
-                  "what is visible of every object, face and region, to write (.csv or .json)")
+                  "what is visible in the picture of every object, face and region, to write "
+                  "(.csv or .json); what the eye really sees is told by view")
       ->check(visibleFileFault, "")
       ->type_name("FILE");
+}
+#endif
+
+#ifdef LUMIVANE_HOST_EXCHANGE
+void addFile(CLI::App& command, const std::string& name, std::string& target,
+             const std::string& help, const std::string& group = "Options") {
+  command.add_option(name, target, help)->type_name("FILE")->group(group);
+}
+
+void addNames(CLI::App& command, const std::string& name, std::string& target,
+              const std::string& help, const std::vector<std::string>& names,
+              const std::string& group = "Options") {
+  command.add_option(name, target, help)
+      ->check(CLI::IsMember(names))
+      ->capture_default_str()
+      ->group(group);
+}
+
+const std::vector<std::string> RowDepths = {"total", "class", "object", "face", "region"};
+
+void addShares(CLI::App& command, std::string& shares, std::string& rows, const std::string& help) {
+  command.add_option("--shares", shares, help)->check(visibleFileFault, "")->type_name("FILE");
+  addNames(command, "--rows", rows, "how deep the shares go", RowDepths);
 }
 #endif
 
@@ -300,24 +324,18 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
 #endif
 }
 
+void setBatchedShotOptions(CLI::App& command, ShotOptions& options) {
+  setShotOptions(command, options);
+#ifdef LUMIVANE_HOST_EXCHANGE
+  addShares(command, options.shares, options.rows,
+            "what the eye really sees of each object, and the sky, to write (.csv or .json)");
+#endif
+}
+
 #ifdef LUMIVANE_HOST_EXCHANGE
 namespace {
 
 constexpr const char* Pictures = "Pictures (need no display)";
-
-void addFile(CLI::App& command, const std::string& name, std::string& target,
-             const std::string& help, const std::string& group = "Options") {
-  command.add_option(name, target, help)->type_name("FILE")->group(group);
-}
-
-void addNames(CLI::App& command, const std::string& name, std::string& target,
-              const std::string& help, const std::vector<std::string>& names,
-              const std::string& group = "Options") {
-  command.add_option(name, target, help)
-      ->check(CLI::IsMember(names))
-      ->capture_default_str()
-      ->group(group);
-}
 
 void addDirections(CLI::App& command, ViewOptions& options) {
   addVector(command, "--eye", options.eye, "where the eye stands");
@@ -369,13 +387,8 @@ void setViewOptions(CLI::App& command, ViewOptions& options) {
   addNames(command, "--field", options.field, "the directions in front, or all",
            {"hemisphere", "sphere"});
   command.add_flag("--two-sided", options.twoSided, "polygons are seen from behind, too");
-  command
-      .add_option("--shares", options.shares,
-                  "what is seen of each object, and the sky, to write (.csv or .json)")
-      ->check(visibleFileFault, "")
-      ->type_name("FILE");
-  addNames(command, "--rows", options.rows, "how deep the shares go",
-           {"total", "class", "object", "face", "region"});
+  addShares(command, options.shares, options.rows,
+            "what is seen of each object, and the sky, to write (.csv or .json)");
   addCsvSafe(command, options.csvSafe);
   addFile(command, "--map", options.map, "the map itself to write (JSON)");
   addFile(command, "--stats", options.stats, "statistics to write (JSON)");
@@ -396,7 +409,7 @@ void setShowOptions(CLI::App& command, ShowOptions& options) {
 }
 
 void setBatchOptions(CLI::App& command, BatchOptions& options) {
-  setShotOptions(command, options.shot);
+  setBatchedShotOptions(command, options.shot);
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
@@ -450,6 +463,19 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
   command
       .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
       ->type_name("VIEWS");
+#ifdef LUMIVANE_HOST_EXCHANGE
+  const auto fault = [](const std::string& path) -> std::string {
+    const bool isTable = path.size() > 4 && path.substr(path.size() - 4) == ".csv";
+    return isTable ? "" : "\"" + path + "\" does not end in .csv";
+  };
+  command
+      .add_option("--shares", options.shares,
+                  "what each eye really sees, and the sky, as one table to write (.csv)")
+      ->check(fault, "")
+      ->type_name("FILE");
+  addNames(command, "--rows", options.rows, "how deep the shares go", RowDepths);
+  addCsvSafe(command, options.csvSafe);
+#endif
 }
 
 void setJson5Options(CLI::App& command, Json5Options& options) {
@@ -472,7 +498,7 @@ bool viewWasGiven(const CLI::App& command) {
 std::vector<std::string> givenShotOptions(const CLI::App& command) {
   CLI::App shot;
   ShotOptions ignored;
-  setShotOptions(shot, ignored);
+  setBatchedShotOptions(shot, ignored);
   std::vector<std::string> given;
   for (const CLI::Option* option : command.get_options()) {
     if (option->count() == 0 || option->get_lnames().empty()) continue;

@@ -28,11 +28,13 @@ struct ShotOptions {
   std::string scene;
   ImportSettings import;  ///< for a scene that is a mesh or a city model
   ViewSettings view;
-  std::string shot;      ///< the shot file to write, or empty
-  std::string png;       ///< the picture to write, or empty
-  std::string stats;     ///< the statistics to write, or empty
-  std::string visible;   ///< the visible shares to write, or empty
-  bool csvSafe = false;  ///< texts in tables are kept from being taken for formulas
+  std::string shot;             ///< the shot file to write, or empty
+  std::string png;              ///< the picture to write, or empty
+  std::string stats;            ///< the statistics to write, or empty
+  std::string visible;          ///< the visible shares to write, or empty
+  std::string shares;           ///< the exact shares to write, or empty; of `batch` alone
+  std::string rows = "object";  ///< how deep the exact shares go
+  bool csvSafe = false;         ///< texts in tables are kept from being taken for formulas
   int width = 800;
   int height = 800;
   VectorFiles vector;
@@ -103,6 +105,9 @@ struct GridOptions {
   std::string look = "up";   ///< or "horizontal" or "down"
   std::vector<double> headings = {0.0};
   bool skipInside = false;
+  std::string shares;          ///< the table of exact shares of all views to write, or empty
+  std::string rows = "total";  ///< how deep it goes
+  bool csvSafe = false;        ///< texts in tables are kept from being taken for formulas
 };
 
 struct Json5Options {
@@ -114,6 +119,8 @@ struct Json5Options {
 /// is parsed and must live until then. `setShowOptions` returns nothing about the view: ask
 /// `viewWasGiven` after the parse.
 void setShotOptions(CLI::App& command, ShotOptions& options);
+/// Those of `shot` and those that only views of a batch have.
+void setBatchedShotOptions(CLI::App& command, ShotOptions& options);
 void setShowOptions(CLI::App& command, ShowOptions& options);
 void setViewOptions(CLI::App& command, ViewOptions& options);
 void setBatchOptions(CLI::App& command, BatchOptions& options);

@@ -1,5 +1,6 @@
 #include "VectorFiles.h"
 
+#include "ExactScene.h"
 #include "HostError.h"
 
 #include <lumivane/exchange/CairoWriter.h>
@@ -57,9 +58,17 @@ std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
 }
 
 void addToPage(Exchange::HtmlPage& page, const Session::TakenShot& shot,
-               Exchange::VectorOptions options) {
+               Exchange::VectorOptions options, const Visibility::MapShares& exact) {
   options.extent = std::max(options.extent, PageExtent);
-  page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()));
+  page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()), &exact);
+}
+
+// From where the shot was taken, which may be a little off from where it was to be taken: so the
+// two differ in nothing but the engine.
+Visibility::MapShares exactShares(const Session::LoadedScene& scene, Session::ViewSettings view,
+                                  const Session::TakenShot& shot) {
+  view.eye = shot.eye();
+  return ExactScene(scene.name(), scene).look(view).shares;
 }
 
 Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
@@ -133,8 +142,9 @@ void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
     pictures = drawn(files, shot.shot(), options);
     if (!files.html.empty()) {
       Exchange::HtmlPage page(options.title);
-      addToPage(page, shot, options);
-      if (files.htmlBoth) addToPage(page, otherShot(scene, view), options);
+      const Visibility::MapShares exact = exactShares(scene, view, shot);
+      addToPage(page, shot, options, exact);
+      if (files.htmlBoth) addToPage(page, otherShot(scene, view), options, exact);
       pictures.push_back({files.html, page.text()});
     }
   } catch (const HostError&) {

@@ -1,6 +1,7 @@
 // What one eye sees, exactly. All outputs are made in memory before the first is written.
 
 #include "Commands.h"
+#include "ExactScene.h"
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
@@ -17,7 +18,6 @@
 #include <lumivane/session/Files.h>
 #include <lumivane/visibility/MapShares.h>
 #include <lumivane/visibility/MapText.h>
-#include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -31,7 +31,6 @@ namespace {
 
 using Exchange::VectorPicture;
 using Visibility::MapShares;
-using Visibility::SceneIndex;
 using Visibility::VisibleMap;
 
 // Processor time of all threads, in seconds.
@@ -70,33 +69,6 @@ Visibility::Field fieldOf(const ViewOptions& options) {
   return options.field == "sphere" ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
 }
 
-Visibility::ShareDepth depthOf(const std::string& rows) {
-  const std::pair<const char*, Visibility::ShareDepth> depths[] = {
-      {"total", Visibility::ShareDepth::Total},
-      {"class", Visibility::ShareDepth::Class},
-      {"object", Visibility::ShareDepth::Object},
-      {"face", Visibility::ShareDepth::Face},
-      {"region", Visibility::ShareDepth::Region}};
-  const auto* const found =
-      std::find_if(std::begin(depths), std::end(depths),
-                   [&rows](const auto& entry) { return rows == entry.first; });
-  return found == std::end(depths) ? Visibility::ShareDepth::Object : found->second;
-}
-
-bool needsFractions(const ViewOptions& options) {
-  return !options.shares.empty() && depthOf(options.rows) >= Visibility::ShareDepth::Object;
-}
-
-SceneIndex makeIndex(const ViewOptions& options, const Session::LoadedScene& scene,
-                     ViewSeconds& seconds) {
-  const ProcessorTimer timer(seconds.index);
-  try {
-    return SceneIndex(scene);
-  } catch (const std::invalid_argument& error) {
-    throw HostError(options.scene, error.what());
-  }
-}
-
 Visibility::Vector forwardOf(const ViewOptions& options) {
   if (!options.target) return options.forward;
   Visibility::Vector forward{};
@@ -107,7 +79,7 @@ Visibility::Vector forwardOf(const ViewOptions& options) {
   return forward;
 }
 
-VisibleMap look(const ViewOptions& options, const SceneIndex& index, ViewSeconds& seconds) {
+VisibleMap look(const ViewOptions& options, const ExactScene& scene, ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.look);
   Visibility::LookOptions how;
   how.field = fieldOf(options);
@@ -115,15 +87,11 @@ VisibleMap look(const ViewOptions& options, const SceneIndex& index, ViewSeconds
   how.up = options.up;
   how.twoSided = options.twoSided;
   how.threads = options.threads;
-  how.alone = needsFractions(options);
+  how.alone = !options.shares.empty() && hasFractions(options.rows);
   const ProgressBar bar;
   const Session::Progress show = bar.progress();
   if (show) how.progress = [&show](double part) { show(100.0 * part); };
-  try {
-    return index.look(options.eye, how);
-  } catch (const std::invalid_argument& error) {
-    throw HostError("the view", error.what());
-  }
+  return scene.look(options.eye, how);
 }
 
 Exchange::MapPictureOptions pictureOptions(const ViewOptions& options) {
@@ -163,19 +131,13 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
 }
 
-std::string sharesText(const ViewOptions& options, const VisibleMap& map, const MapShares& shares) {
-  const Visibility::ShareDepth depth = depthOf(options.rows);
-  const bool isJson = std::filesystem::path(options.shares).extension() == ".json";
-  return isJson ? Visibility::MapText::json(map, shares, depth)
-                : Visibility::MapText::csv(map, shares, depth, options.csvSafe);
-}
-
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
                   const VisibleMap& map, const MapShares& shares, ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.write);
   std::vector<Output> outputs;
   if (!options.shares.empty())
-    outputs.push_back({options.shares, sharesText(options, map, shares)});
+    outputs.push_back(
+        {options.shares, sharesText(options.shares, options.rows, options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
   addPictures(options, scene, map, shares, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
@@ -221,8 +183,11 @@ void runView(const ViewOptions& options) {
     const ProcessorTimer timer(seconds.read);
     return loadScene(options.scene, options.import);
   }());
-  static const SceneIndex& index = *new SceneIndex(makeIndex(options, source.scene, seconds));
-  static const VisibleMap& map = *new VisibleMap(look(options, index, seconds));
+  static const ExactScene& exact = *new ExactScene([&] {
+    const ProcessorTimer timer(seconds.index);
+    return ExactScene(options.scene, source.scene);
+  }());
+  static const VisibleMap& map = *new VisibleMap(look(options, exact, seconds));
   const MapShares shares(map);
   writeOutputs(options, source.scene, map, shares, seconds);
   writeStats(options, map, seconds, source.import);

@@ -37,7 +37,7 @@ std::string optionOf(std::string column) {
 std::map<std::string, bool> shotOptionNames() {
   CLI::App app;
   ShotOptions ignored;
-  setShotOptions(app, ignored);
+  setBatchedShotOptions(app, ignored);
   std::map<std::string, bool> names;
   for (const CLI::Option* option : app.get_options()) {
     const auto longNames = option->get_lnames();
@@ -165,7 +165,7 @@ class TableReader {
 
   void parse(const CsvRecord& record, const std::vector<std::string>& arguments, TableView& view) {
     CLI::App app;
-    setShotOptions(app, view.options);
+    setBatchedShotOptions(app, view.options);
     std::vector<std::string> reversed = {setting.scene};
     for (const std::string& argument : arguments)
       reversed.insert(reversed.begin(), placed(record, argument, view));

@@ -29,6 +29,13 @@ while read -r name scene camera eye forward; do
   echo "docs/pictures/$name.png"
 done <scenes/views.txt
 
+# The room's shot beside its map.
+(cd "$work" && "$program" shot "$OLDPWD/scenes/room.json" --eye 0.35,2.137,1.6 --size 480x480 \
+  --png-vector "$pictures/room-shot.png" >/dev/null)
+(cd "$work" && "$program" view "$OLDPWD/scenes/room.json" --eye 0.35,2.137,1.6 --size 480x480 \
+  --png-vector "$pictures/room-map.png" >/dev/null)
+echo "docs/pictures/room-shot.png docs/pictures/room-map.png"
+
 # The pieces of an edge are short by --max-length already; one at least is enough for the many short
 # edges of a town.
 town() {  # town NAME MODEL CAMERA EYE FORWARD

@@ -8,7 +8,7 @@ in order, so that a block may use what an earlier one made. By its first line a 
 
     ```sh     run by bash, stopped at the first failure, with our programs in PATH
     ```cpp    compiled with warnings as errors: a program, or lines of a function
-    ```json   parsed; after <!-- schema: scene --> or <!-- schema: shot --> also checked against it
+    ```json   parsed; after <!-- schema: scene -->, shot or map also checked against it
     ```csv    checked for rows of one length; after <!-- file: NAME --> kept for later blocks
     ```text   anything that is not to be run
 

@@ -1,9 +1,12 @@
 #include "exchange/ExchangeModels.h"
+#include "support/HandMap.h"
 
 #include <lumivane/exchange/HtmlPage.h>
+#include <lumivane/exchange/MapPicture.h>
 #include <lumivane/exchange/SvgWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
 #include <lumivane/measure/VisibleShares.h>
+#include <lumivane/visibility/MapShares.h>
 
 #include <string>
 
@@ -113,6 +116,37 @@ TEST(SvgWriter, DecimalsOutOfRangeAreRefused) {
   options.decimals = 0;
   EXPECT_EQ(std::string::npos,
             Exchange::SvgWriter::write(VectorPicture(*model.shot), options).find(".5"));
+}
+
+TEST(HtmlPage, ExactSharesStandBesideThoseOfThePicture) {
+  PiecesModel model;
+  model.addRegion(1, 1, {{-0.5, -0.5}, {-0.5, 0.5}, {0.5, 0.5}, {0.5, -0.5}});
+  const HandMap hand = squareInTheSky();
+  const Visibility::MapShares exact(hand.map);
+  Exchange::HtmlPage page("both");
+  page.add(Exchange::VectorPicture(*model.shot),
+           Measure::VisibleShares(*model.shot, Algorithm::ProjectionType::Radial), &exact);
+  const Json picture = dataOf(page.text()).at("pictures").at(0);
+  EXPECT_EQ((Json{"viewFactor", "solidAngle", "share", "exactFactor", "exactAngle"}),
+            picture.at("columns"));
+  const Json sky = picture.at("rows").back();
+  EXPECT_EQ(0, sky.at(0));
+  EXPECT_NEAR(exact.sky().viewFactor, sky.at(5).get<double>(), 1e-8);
+  EXPECT_NEAR(exact.sky().solidAngle, sky.at(6).get<double>(), 1e-8);
+  EXPECT_NEAR(exact.objects().at(0).share.viewFactor, picture.at("rows").at(0).at(5).get<double>(),
+              1e-8);
+}
+
+TEST(HtmlPage, MapOfASphereHasNoViewFactors) {
+  const HandMap hand = cubeAroundTheEye();
+  Exchange::HtmlPage page("sphere");
+  page.add(Exchange::VectorPicture(hand.map, Exchange::MapColors(), {}), hand.map,
+           Visibility::MapShares(hand.map));
+  const Json picture = dataOf(page.text()).at("pictures").at(0);
+  EXPECT_EQ("sphere", picture.at("field"));
+  EXPECT_EQ((Json{"solidAngle", "share"}), picture.at("columns"));
+  ASSERT_EQ(7U, picture.at("rows").size());
+  EXPECT_NEAR(1.0 / 6.0, picture.at("rows").at(3).at(3).get<double>(), 1e-8);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "support/Vectors.h"
 
 #include <filesystem>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -198,6 +199,52 @@ TEST(ViewProgram, NothingIsWrittenIfOneOutputCannotBe) {
       view(Room, {"--map", folder.path("map.json"), "--svg", folder.path("no/such/folder/a.svg")});
   EXPECT_EQ(1, result.status);
   EXPECT_EQ(0U, entries(folder));
+}
+
+TEST(ExactShares, BatchWritesWhatViewDoesAndSumsItUp) {
+  const TempFolder folder;
+  const std::string views =
+      folder.file("views.csv", "name,eye,forward\na,\"0.35,2.137,1.6\",\"1,0,0\"\n");
+  const Result batch =
+      Lumivane::Test::runProcess({LUMIVANE_PROGRAM, "batch", Room, views, "--out-dir",
+                                  folder.path("out"), "--shares", "{name}.csv", "--rows", "region"},
+                                 {{"DISPLAY", {}}});
+  ASSERT_EQ(0, batch.status) << batch.err;
+  ASSERT_EQ(0, view(Room, {"--shares", folder.path("view.csv"), "--rows", "region"}).status);
+  EXPECT_EQ(fileBytes(folder.path("view.csv")), fileBytes(folder.path("out/a.csv")));
+  const auto summary = table(folder.path("out/summary.csv"));
+  std::map<std::string, std::string> row;
+  for (std::size_t i = 0; i < summary.at(0).size(); ++i) row[summary[0][i]] = summary.at(1).at(i);
+  EXPECT_EQ("19", row.at("objects_visible"));
+  EXPECT_EQ("shell", row.at("largest_object"));
+  EXPECT_EQ(table(folder.path("view.csv")).at(1).at(7), row.at("largest_view_factor"));
+  EXPECT_EQ(table(folder.path("view.csv")).back().at(7), row.at("sky_view_factor"));
+}
+
+TEST(ExactShares, GridWritesThemForEachViewUnderItsName) {
+  const TempFolder folder;
+  const std::string shares = folder.path("shares.csv");
+  const Result grid = Lumivane::Test::runProcess(
+      {LUMIVANE_PROGRAM, "grid", Room, "--spacing", "3", "--height", "1.6", "-o",
+       folder.path("views.csv"), "--shares", shares, "--rows", "object"},
+      {{"DISPLAY", {}}});
+  ASSERT_EQ(0, grid.status) << grid.err;
+  const auto rows = table(shares);
+  const auto names = table(folder.path("views.csv"));
+  ASSERT_EQ(1 + (names.size() - 1) * 20, rows.size());  // 19 objects and the sky
+  EXPECT_EQ("name", rows[0][0]);
+  EXPECT_EQ("kind", rows[0][1]);
+  for (std::size_t i = 1; i < rows.size(); ++i)
+    EXPECT_EQ(names.at(1 + (i - 1) / 20)[0], rows[i][0]);
+  EXPECT_NEAR(static_cast<double>(names.size() - 1), sum(rows, "view_factor"), 1e-8);
+}
+
+TEST(ExactShares, GridRefusesOtherTablesThanCsv) {
+  const Result grid = Lumivane::Test::runProcess(
+      {LUMIVANE_PROGRAM, "grid", Room, "--spacing", "3", "--height", "1.6", "--shares", "a.json"},
+      {{"DISPLAY", {}}});
+  EXPECT_EQ(2, grid.status);
+  EXPECT_NE(std::string::npos, grid.err.find("does not end in .csv")) << grid.err;
 }
 
 }  // namespace

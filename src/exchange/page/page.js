@@ -26,7 +26,8 @@
     y: 0,
   };
 
-  // What a column shows of a value. A page has the columns that its pictures have values for.
+  // How a value is shown, in the order of the columns. A page has the columns that its pictures
+  // have values for; exact solid angles have no room in the table, only under the picture.
   const texts = {
     viewFactor: (value) => value.toFixed(5),
     exactFactor: (value) => value.toFixed(5),
@@ -39,7 +40,9 @@
   const pictures = data.pictures.map(({ name, field, columns, rows }) => ({
     name,
     field,
-    columns: Object.keys(texts).filter((column) => columns.includes(column)),
+    values: Object.keys(texts).filter((column) => columns.includes(column)),
+    columns: Object.keys(texts).filter((column) =>
+      columns.includes(column) && column !== "exactAngle"),
     main: columns[0],
     rows: rows.map(([number, id, ...values]) => ({
       number, id,
@@ -95,7 +98,7 @@
   }
 
   const figures = (row) => {
-    const { columns, field } = pictures[state.picture];
+    const { values, field } = pictures[state.picture];
     const parts = {
       viewFactor: (text) => `view factor ${text}`,
       exactFactor: (text) => `exactly ${text}`,
@@ -103,7 +106,7 @@
       exactAngle: (text) => `exactly ${text} sr`,
       share: (text) => `${text} % of the ${field}`,
     };
-    return columns.map((column) => parts[column](texts[column](row[column]))).join(", ");
+    return values.map((column) => parts[column](texts[column](row[column]))).join(", ");
   };
 
   function tell(path) {
@@ -416,6 +419,7 @@
       const { column } = header.dataset;
       header.hidden = column !== "id" && !columns.includes(column);
     }
+    for (const space of ["before", "after"]) byId(space).rows[0].cells[0].colSpan = columns.length + 1;
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
     const factor = columns.includes("viewFactor")
       ? `view factor ${texts.viewFactor(sum("viewFactor"))}, ` : "";

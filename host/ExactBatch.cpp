@@ -1,0 +1,49 @@
+#include "ExactBatch.h"
+
+#include "ExactScene.h"
+#include "Options.h"
+
+#include <lumivane/session/Files.h>
+
+namespace Lumivane::Host {
+namespace {
+
+ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
+  ExactSummary summary;
+  summary.skyViewFactor = shares.sky().viewFactor;
+  summary.skyHemisphereShare = shares.sky().hemisphereShare();
+  for (const Visibility::MapShares::Row& object : shares.objects()) {
+    if (!(object.share.solidAngle > 0.0)) continue;
+    ++summary.visibleObjects;
+    if (summary.largestViewFactor && object.share.viewFactor <= *summary.largestViewFactor)
+      continue;
+    summary.largestViewFactor = object.share.viewFactor;
+    summary.largestId = map.names->objectIds.at(static_cast<size_t>(object.label.object) - 1);
+  }
+  return summary;
+}
+
+}  // namespace
+
+struct ExactBatch::State {
+  ExactScene scene;
+};
+
+ExactBatch::ExactBatch(const std::string& name, const Session::LoadedScene& scene)
+    : state(new State{ExactScene(name, scene)}) {}
+
+ExactBatch::~ExactBatch() = default;
+
+std::optional<ExactSummary> ExactBatch::look(const ShotOptions& view) const {
+  Visibility::LookOptions options;
+  options.forward = view.view.forward;
+  options.up = view.view.up;
+  options.alone = !view.shares.empty() && hasFractions(view.rows);
+  const Visibility::VisibleMap map = state->scene.look(view.view.eye, options);
+  const Visibility::MapShares shares(map);
+  if (!view.shares.empty())
+    Session::writeFile(view.shares, sharesText(view.shares, view.rows, view.csvSafe, map, shares));
+  return summaryOf(map, shares);
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Lumivane::Session {
+class LoadedScene;
+}
+
+namespace Lumivane::Host {
+
+struct ShotOptions;
+
+/// What a summary tells of a view: of what the eye really sees, not of the shot's picture.
+struct ExactSummary {
+  size_t visibleObjects = 0;
+  double skyViewFactor = 0.0;
+  double skyHemisphereShare = 0.0;
+  std::string largestId;  ///< of the object with the largest view factor; as the scene gave it
+  std::optional<double> largestViewFactor;  ///< none if no object is seen
+};
+
+/// Looks exactly at one scene from many eyes. A program without the components has a form of it
+/// that measures nothing.
+class ExactBatch {
+ public:
+  /// The numbers of the objects are those that the scene has now, for all eyes.
+  /// \throws HostError
+  ExactBatch(const std::string& name, const Session::LoadedScene& scene);
+  ExactBatch(const ExactBatch&) = delete;
+  ExactBatch& operator=(const ExactBatch&) = delete;
+  ~ExactBatch();
+
+  /// Looks from the eye of a view, where the options say it stands, and writes the shares if they
+  /// name a file. Nothing without the components. \throws HostError
+  std::optional<ExactSummary> look(const ShotOptions& view) const;
+
+ private:
+  struct State;
+  std::unique_ptr<const State> state;
+};
+
+}  // namespace Lumivane::Host

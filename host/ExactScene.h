@@ -1,0 +1,50 @@
+#pragma once
+
+#include <lumivane/session/ViewSettings.h>
+#include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/MapText.h>
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <string>
+
+namespace Lumivane::Session {
+class LoadedScene;
+}
+
+namespace Lumivane::Host {
+
+/// What one eye sees, exactly.
+struct ExactView {
+  Visibility::VisibleMap map;
+  Visibility::MapShares shares;
+};
+
+/// A scene made ready for exact looks from any eye.
+class ExactScene {
+ public:
+  /// \param name  stands in errors
+  /// \throws HostError for a scene that cannot be looked at
+  ExactScene(const std::string& name, const Session::LoadedScene& scene);
+
+  /// The hemisphere of a view, from where it says; without what objects would take alone.
+  /// \throws HostError
+  ExactView look(const Session::ViewSettings& view) const;
+  /// \throws HostError
+  Visibility::VisibleMap look(const Visibility::Vector& eye,
+                              const Visibility::LookOptions& options) const;
+
+ private:
+  Visibility::SceneIndex index;
+};
+
+/// The depth of a table of shares by its name on the command line.
+Visibility::ShareDepth depthOf(const std::string& rows);
+
+/// Whether a table of these rows tells how much of each object is seen, which takes another look.
+bool hasFractions(const std::string& rows);
+
+/// A table of shares, as the file's ending says (.csv or .json).
+std::string sharesText(const std::string& path, const std::string& rows, bool isSafe,
+                       const Visibility::VisibleMap& map, const Visibility::MapShares& shares);
+
+}  // namespace Lumivane::Host
