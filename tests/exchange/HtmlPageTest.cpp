@@ -119,13 +119,11 @@ TEST(SvgWriter, DecimalsOutOfRangeAreRefused) {
 }
 
 TEST(HtmlPage, ExactSharesStandBesideThoseOfThePicture) {
-  PiecesModel model;
-  model.addRegion(1, 1, {{-0.5, -0.5}, {-0.5, 0.5}, {0.5, 0.5}, {0.5, -0.5}});
+  const FourPieces model;
   const HandMap hand = squareInTheSky();
   const Visibility::MapShares exact(hand.map);
   Exchange::HtmlPage page("both");
-  page.add(Exchange::VectorPicture(*model.shot),
-           Measure::VisibleShares(*model.shot, Algorithm::ProjectionType::Radial), &exact);
+  page.add(VectorPicture(*model.shot), Measure::VisibleShares(*model.shot), &exact);
   const Json picture = dataOf(page.text()).at("pictures").at(0);
   EXPECT_EQ((Json{"viewFactor", "solidAngle", "share", "exactFactor", "exactAngle"}),
             picture.at("columns"));
