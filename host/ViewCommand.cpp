@@ -187,7 +187,10 @@ void runView(const ViewOptions& options) {
     const ProcessorTimer timer(seconds.index);
     return ExactScene(options.scene, source.scene);
   }());
-  static const VisibleMap& map = *new VisibleMap(look(options, exact, seconds));
+  ViewOptions placed = options;
+  placed.eye = moved(options.eye, source.eyeShift);
+  if (options.target) placed.target = moved(*options.target, source.eyeShift);
+  static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
   writeOutputs(options, source.scene, map, shares, seconds);
   writeStats(options, map, seconds, source.import);

@@ -105,6 +105,19 @@ TEST(ViewProgram, ATargetStandsForADirection) {
             here.err);
 }
 
+TEST(ViewProgram, CenteredScenesMoveWithEyeAndTarget) {
+  const TempFolder folder;
+  const std::string a = folder.path("a.csv");
+  const std::string b = folder.path("b.csv");
+  ASSERT_EQ(0, view(Room, {"--target", "2.35,2.137,1.1", "--shares", a}).status);
+  ASSERT_EQ(0, view(Room, {"--target", "2.35,2.137,1.1", "--shares", b, "--center"}).status);
+  const auto before = table(a);
+  const auto after = table(b);
+  ASSERT_EQ(before.size(), after.size());
+  for (std::size_t i = 1; i < before.size(); ++i)
+    EXPECT_NEAR(std::stod(before[i].at(8)), std::stod(after[i].at(8)), 1e-9) << before[i].at(2);
+}
+
 TEST(ViewProgram, MapAndStatisticsAgree) {
   const TempFolder folder;
   ASSERT_EQ(
