@@ -28,6 +28,10 @@ constexpr int NoCell = -1;
 constexpr double SliverWidth = 5e-13;
 // Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
 constexpr double CloseTo = 1e-11;
+// Solid angle, in steradian, below which the sky may be all of a sphere or nothing of it.
+constexpr double NearlyNothing = 1e-6;
+// Distance at which two vertices of the map are one.
+constexpr double SamePlace = 1e-13;
 // The same along a line so steep that the sweep knows heights on it badly.
 constexpr double SteepSnap = 4e-9;
 
@@ -126,8 +130,9 @@ class Builder {
     for (const auto step :
          {&Builder::joinVertices, &Builder::makeLinks, &Builder::numberCells, &Builder::closeRings,
           &Builder::dropSliverLinks, &Builder::chainLinks, &Builder::placeVertices,
-          &Builder::dropSliverEdges, &Builder::orderMap, &Builder::makeRings,
-          &Builder::measureDistances, &Builder::measureCells, &Builder::settleWholeSpheres}) {
+          &Builder::contractEdges, &Builder::dropSliverEdges, &Builder::orderMap,
+          &Builder::makeRings, &Builder::measureDistances, &Builder::measureCells,
+          &Builder::settleWholeSpheres}) {
       if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
       (this->*step)();
     }
@@ -509,6 +514,34 @@ class Builder {
                               unit(fromEye(setup.state->edgeVertices[edge + 1]))));
   }
 
+  // Vertices that have come to lie in one place are one.
+  void contractEdges() {
+    JoinedSets sets;
+    bool any = false;
+    for (const Link& edge : edges) {
+      if (Kernel::distance(directions[static_cast<size_t>(edge.from)],
+                           directions[static_cast<size_t>(edge.to)]) > SamePlace)
+        continue;
+      if (!any)
+        for (size_t i = 0; i < directions.size(); ++i) sets.add();
+      any = true;
+      sets.join(edge.from, edge.to);
+    }
+    if (!any) return;
+    const auto coordinates = [](Vec3 d) { return std::make_tuple(d.x, d.y, d.z); };
+    for (size_t i = 0; i < directions.size(); ++i) {
+      Vec3& place = directions[static_cast<size_t>(sets.find(static_cast<int>(i)))];
+      if (coordinates(directions[i]) < coordinates(place)) place = directions[i];
+    }
+    size_t kept = 0;
+    for (Link edge : edges) {
+      edge.from = sets.find(edge.from);
+      edge.to = sets.find(edge.to);
+      if (edge.from != edge.to) edges[kept++] = edge;
+    }
+    edges.resize(kept);
+  }
+
   // Vertices by their coordinates, cells by region and first vertex, edges by their vertices.
   void orderMap() {
     std::vector<int> used;
@@ -711,15 +744,10 @@ class Builder {
     return std::sqrt(std::max(0.0, 1.0 - sine * sine));
   }
 
-  // The solid angle on the left of some rings, from 0 to that of the sphere. What is as near to
-  // nothing as to all of it counts as nothing.
-  double solidAngleOf(const VisibleMap::Cell& cell) const {
+  // The solid angle on the left of some rings, up to whole spheres: from -2 pi to 2 pi.
+  double turnOf(const VisibleMap::Cell& cell) const {
     Vec3 middle{};
-    double length = 0.0;
-    forArcs(cell, [&](Vec3 a, Vec3 b) {
-      middle = middle + a;
-      length += Kernel::distance(a, b);
-    });
+    forArcs(cell, [&](Vec3 a, Vec3) { middle = middle + a; });
     double least = -1.0;
     if (Kernel::length3(middle) > 0.0) {
       middle = unit(middle);
@@ -730,9 +758,16 @@ class Builder {
     const Vec3 from = least > 0.1 ? middle : farFromArcs(cell);
     double sum = 0.0;
     forArcs(cell, [&](Vec3 a, Vec3 b) { sum += triangleSolidAngle(from, a, b); });
-    sum = std::remainder(sum, 4.0 * Pi);
-    if (sum >= 0.0) return sum;
-    return sum > -SliverWidth * length ? 0.0 : sum + 4.0 * Pi;
+    return std::remainder(sum, 4.0 * Pi);
+  }
+
+  // A region, and all that is within a hemisphere, takes at most half of the sphere; so what is
+  // below nothing is rounding's. The sky of a sphere may take more; when it is nearly all,
+  // `settleWholeSpheres` says so.
+  double solidAngleOf(const VisibleMap::Cell& cell, double turn) const {
+    const bool large = map.field == Field::Sphere && cell.label.object == 0;
+    if (turn < (large ? -NearlyNothing : -Pi)) return turn + 4.0 * Pi;
+    return std::max(0.0, turn);
   }
 
   // The solid angle on the left of one ring.
@@ -740,18 +775,23 @@ class Builder {
     VisibleMap::Cell alone;
     alone.firstRing = ring;
     alone.ringCount = 1;
-    return solidAngleOf(alone);
+    const double turn = turnOf(alone);
+    return turn < 0.0 ? turn + 4.0 * Pi : turn;
   }
 
-  // A sphere in which what is seen is too small for its solid angle: then the cell around it, the
-  // sky or the one with most of the rings, has all.
+  // If nearly a whole sphere is missing from the sum, it is that of the sky around all.
   void settleWholeSpheres() {
     double sum = 0.0;
-    for (const VisibleMap::Cell& cell : map.cells) sum += cell.solidAngle;
-    const double missing = map.fieldSolidAngle() - sum;
-    if (map.cells.empty() || missing < 3.0 * Pi) return;
-    VisibleMap::Cell* around = &map.cells.back();
-    if (around->solidAngle < Pi) around->solidAngle += 4.0 * Pi;
+    int around = NoCell;
+    for (size_t i = 0; i < map.cells.size(); ++i) {
+      sum += map.cells[i].solidAngle;
+      if (map.cells[i].label.object == 0 && turns[i] <= 0.0 &&
+          (around == NoCell || turns[i] < turns[static_cast<size_t>(around)]))
+        around = static_cast<int>(i);
+    }
+    if (map.field != Field::Sphere || around == NoCell || sum > 3.0 * Pi) return;
+    map.cells[static_cast<size_t>(around)].solidAngle =
+        turns[static_cast<size_t>(around)] + 4.0 * Pi;
   }
 
   void outerRingFirst(VisibleMap::Cell& cell) {
@@ -860,10 +900,12 @@ class Builder {
 
   void measureCells() {
     const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
+    turns.assign(map.cells.size(), 0.0);
     forEachInParallel(map.cells.size(), options.threads, [&](size_t i) {
       VisibleMap::Cell& cell = map.cells[i];
       outerRingFirst(cell);
-      cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(cell);
+      turns[i] = turnOf(cell);
+      cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(cell, turns[i]);
       if (map.field == Field::Hemisphere) {
         double sum = 0.0;
         forArcs(cell, [&](Vec3 a, Vec3 b) { sum += arcViewFactor(a, b, forward); });
@@ -889,6 +931,7 @@ class Builder {
   std::vector<int> cellNumbers;  // of `found`, in the map
   std::vector<std::int32_t> cellPolygons;
   std::vector<char> severalPolygons;
+  std::vector<double> turns;  // of cells
   std::vector<std::pair<int, std::int32_t>> morePolygons;
 };
 
