@@ -27,6 +27,8 @@ constexpr int NoCell = -1;
 // Mean width, in rad, of cells that are left out.
 constexpr double SliverWidth = 5e-13;
 // Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
+constexpr double PlaceTolerance = 3e-13;
+// Distance within which vertices are joined where rings are open.
 constexpr double CloseTo = 1e-11;
 // Solid angle, in steradian, below which the sky may be all of a sphere or nothing of it.
 constexpr double NearlyNothing = 1e-6;
@@ -295,7 +297,10 @@ class Builder {
     for (const int cell : order) {
       const Extent& e = extents[static_cast<size_t>(cell)];
       const double area = std::remainder(e.area, 4.0 * Pi);
-      const bool isSliver = e.length > 0.0 && std::fabs(area) <= SliverWidth * e.length;
+      // What has been turned inside out by placing its vertices was narrower still.
+      const bool turned =
+          area < 0.0 && e.length <= 1.0 && found[static_cast<size_t>(cell)].region != SkyRegion;
+      const bool isSliver = e.length > 0.0 && (turned || std::fabs(area) <= SliverWidth * e.length);
       if (!isSliver || grown[static_cast<size_t>(cell)] != 0) continue;
       found[static_cast<size_t>(cell)].mergedInto = e.neighbour;
       if (e.neighbour != NoCell) grown[static_cast<size_t>(e.neighbour)] = 1;
@@ -462,7 +467,7 @@ class Builder {
 
   void placeVertex(int vertex, const std::pair<int, Source>* lines, size_t count) {
     Vec3& place = directions[static_cast<size_t>(vertex)];
-    const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < CloseTo; };
+    const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
     std::int32_t corner = -1;
     for (size_t i = 0; i < count; ++i) {
       const Source source = lines[i].second;
