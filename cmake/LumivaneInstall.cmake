@@ -18,7 +18,7 @@ endfunction()
 lumivane_install_library(lumivane LumivaneTargets library)
 # Each component beside the core has a target file of its own, so that one may be installed without
 # the others.
-foreach(component measure visibility exchange)
+foreach(component visibility measure exchange)
   if(TARGET lumivane_${component})
     lumivane_install_library(lumivane_${component} Lumivane_${component}Targets components)
   endif()

@@ -318,6 +318,9 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
   addCsvSafe(command, options.csvSafe);
 #ifdef LUMIVANE_HOST_MEASURES
   addVisible(command, options.visible);
+  command.add_flag("--audit", options.audit,
+                   "compare the picture with the exact visibility map: how much of it is wrong "
+                   "stands in --stats, and on standard error if it is more than 0.1 %");
 #endif
 #ifdef LUMIVANE_HOST_EXCHANGE
   setVectorOptions(command, options.vector);
@@ -412,6 +415,9 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
   setBatchedShotOptions(command, options.shot);
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
+#ifdef LUMIVANE_HOST_MEASURES
+  command.remove_option(command.get_option("--audit"));
+#endif
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
       ->required()

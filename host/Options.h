@@ -35,6 +35,7 @@ struct ShotOptions {
   std::string shares;           ///< the exact shares to write, or empty; of `batch` alone
   std::string rows = "object";  ///< how deep the exact shares go
   bool csvSafe = false;         ///< texts in tables are kept from being taken for formulas
+  bool audit = false;           ///< whether the picture is compared with the visibility map
   int width = 800;
   int height = 800;
   VectorFiles vector;

@@ -1,3 +1,4 @@
+#include "AuditReport.h"
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
@@ -81,9 +82,27 @@ void writeVectorPictures(const ShotOptions& options, LoadedScene& scene, const T
 #endif
 }
 
+// What statistics tell of it; an invalid node if it was not asked for.
+Jzon::Node audit(const ShotOptions& options, const TakenShot& shot, const LoadedScene& scene,
+                 Seconds& seconds) {
+#ifdef LUMIVANE_HOST_MEASURES
+  if (options.audit) {
+    const Timer timer(seconds.audit);
+    return auditShot(options.scene, shot, scene);
+  }
+#else
+  static_cast<void>(options);
+  static_cast<void>(shot);
+  static_cast<void>(scene);
+  static_cast<void>(seconds);
+#endif
+  return {};
+}
+
 void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds,
-                const Jzon::Node& import) {
-  if (!options.stats.empty()) Session::writeFile(options.stats, statsText(shot, seconds, import));
+                const Jzon::Node& import, const Jzon::Node& audited) {
+  if (!options.stats.empty())
+    Session::writeFile(options.stats, statsText(shot, seconds, import, audited));
 }
 
 }  // namespace
@@ -117,13 +136,14 @@ void runShot(const ShotOptions& options) {
   static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene, seconds));
   warnOfCycle(options.scene, shot);
   warnIfInside(options.scene, shot);
+  const Jzon::Node audited = audit(options, shot, source.scene, seconds);
   try {
     writeOutputs(placed, source.scene, shot, seconds);
   } catch (const HostError&) {
-    writeStats(options, shot, seconds, source.import);  // the shot itself is there
+    writeStats(options, shot, seconds, source.import, audited);  // the shot itself is there
     throw;
   }
-  writeStats(options, shot, seconds, source.import);
+  writeStats(options, shot, seconds, source.import, audited);
 }
 
 }  // namespace Lumivane::Host

@@ -30,6 +30,7 @@ Jzon::Node secondsNode(const Seconds& seconds) {
   node.add("write", numberNode(seconds.write));
   node.add("png", numberNode(seconds.png));
   node.add("visible", numberNode(seconds.visible));
+  node.add("audit", numberNode(seconds.audit));
   node.add("vector", numberNode(seconds.vector));
   return node;
 }
@@ -61,7 +62,7 @@ size_t drawnFaces(Shot::Shot2d& shot) {
 size_t hiddenFaces(const Session::TakenShot& taken) { return taken.hiddenFaces(); }
 
 std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
-                      const Jzon::Node& import) {
+                      const Jzon::Node& import, const Jzon::Node& audit) {
   Shot::Shot2d& shot = taken.shot();
   Jzon::Node root = Jzon::object();
   root.add("points", numberNode(shot.getPoints()->getPoints()->size()));
@@ -73,7 +74,7 @@ std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
   root.add("seconds", secondsNode(seconds));
   root.add("stages", stagesNode());
   root.add("peak_memory_bytes", numberNode(peakMemoryBytes()));
-
+  if (audit.isValid()) root.add("audit", audit);
   if (import.isValid()) root.add("import", import);
   return jsonText(root);
 }

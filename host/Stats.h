@@ -22,6 +22,7 @@ struct Seconds {
   double write = 0.0;
   double png = 0.0;
   double visible = 0.0;
+  double audit = 0.0;
   double vector = 0.0;  ///< all vector pictures and pages together
 };
 
@@ -51,7 +52,8 @@ size_t hiddenFaces(const Session::TakenShot& taken);
 /// Counts, the eye after the shot, times and the greatest memory so far, as one JSON object.
 ///
 /// \param import  what became of an imported file; left out if it is invalid
+/// \param audit  how right the picture is; left out if it is invalid
 std::string statsText(const Session::TakenShot& taken, const Seconds& seconds,
-                      const Jzon::Node& import);
+                      const Jzon::Node& import, const Jzon::Node& audit);
 
 }  // namespace Lumivane::Host

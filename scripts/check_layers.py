@@ -24,9 +24,9 @@ ARROWS = {
     "view": ["algorithm", "io"],
     "check": ["algorithm", "io"],
     "session": ["check"],
-    "measure": ["algorithm"],
     "visibility": ["session"],
-    "exchange": ["session", "measure", "visibility"],
+    "measure": ["visibility"],
+    "exchange": ["measure"],
 }
 # Rooms of the components beside the core: their headers are not in the umbrella.
 COMPONENTS = ["measure", "visibility", "exchange"]

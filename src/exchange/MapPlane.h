@@ -1,7 +1,7 @@
 #pragma once
 
-#include "exchange/ArcFlattening.h"
 #include "exchange/ProjectionRules.h"
+#include "kernel/ArcFlattening.h"
 
 #include <lumivane/visibility/VisibleMap.h>
 
@@ -10,6 +10,9 @@
 #include <vector>
 
 namespace Lumivane::Exchange {
+
+using Kernel::ArcFlattening;
+using Kernel::Places;
 
 /// A map in the plane of a projection. Each edge is flattened once, whichever cell asks, so that
 /// the cells on its two sides have the same points.

@@ -14,11 +14,6 @@ using Kernel::Vec3;
 
 constexpr double Quarter = Kernel::Pi / 2.0;  // of a turn, radians
 
-Vec2 fisheyePlace(Vec3 d) {
-  const double length = Kernel::length3(d);
-  return {d.x / length, d.y / length};
-}
-
 std::optional<Vec3> fisheyeDirection(Vec2 p) {
   if (!(p.x * p.x + p.y * p.y <= 1.0)) return {};
   return Kernel::directionOfDisc(p);
@@ -27,7 +22,8 @@ std::optional<Vec3> fisheyeDirection(Vec2 p) {
 Vec2 unitDisc(Visibility::Field) { return {1.0, 1.0}; }
 
 Vec2 equirectangularPlace(Vec3 d) {
-  return {std::atan2(d.x, d.z) / Quarter, std::atan2(d.y, std::hypot(d.x, d.z)) / Quarter};
+  const Vec2 angles = Kernel::anglesOfDirection(d);
+  return {angles.x / Quarter, angles.y / Quarter};
 }
 
 std::optional<Vec3> equirectangularDirection(Vec2 p) {
@@ -43,8 +39,8 @@ Vec2 anglesOf(Visibility::Field field) {
 
 const std::vector<ProjectionRule>& projectionRules() {
   static const std::vector<ProjectionRule> rules = {
-      {MapProjection::Fisheye, "fisheye", PlaneShape::Disc, fisheyePlace, fisheyeDirection,
-       unitDisc},
+      {MapProjection::Fisheye, "fisheye", PlaneShape::Disc, Kernel::discOfDirection,
+       fisheyeDirection, unitDisc},
       {MapProjection::Equirectangular, "equirectangular", PlaneShape::Band, equirectangularPlace,
        equirectangularDirection, anglesOf},
   };

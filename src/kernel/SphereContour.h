@@ -20,6 +20,17 @@ inline double heightOnHemisphere(Vec2 p) {
 /// The direction, with forward as its third coordinate, to a point of the round picture.
 inline Vec3 directionOfDisc(Vec2 p) { return {p.x, p.y, heightOnHemisphere(p)}; }
 
+/// Where a direction, of any length but zero, lands in the round picture.
+inline Vec2 discOfDirection(Vec3 d) {
+  const double length = length3(d);
+  return {d.x / length, d.y / length};
+}
+
+/// The azimuth and elevation of a direction in radians; 0 for an azimuth that it does not have.
+inline Vec2 anglesOfDirection(Vec3 d) {
+  return {std::atan2(d.x, d.z), std::atan2(d.y, std::hypot(d.x, d.z))};
+}
+
 /// The direction to a point of azimuth and elevation in radians.
 inline Vec3 directionOfAngles(Vec2 p) {
   const double c = std::cos(p.y);

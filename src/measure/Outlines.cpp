@@ -31,20 +31,17 @@ Vec2 pointOf(const std::vector<Vec2>& points, int number) {
   return points[static_cast<size_t>(number - 1)];
 }
 
-void takeOutline(const Geometry::Region2d& region, const std::vector<Vec2>& points,
-                 std::vector<Vec2>& outline) {
-  outline.clear();
-  if (region.getPoints() == nullptr) return;
-  for (const int number : *region.getPoints()) {
+void takePoints(const Outline& outline, const std::vector<Vec2>& points, std::vector<Vec2>& line) {
+  line.clear();
+  for (const int number : *outline.points) {
     const Vec2 point = pointOf(points, number);
-    if (std::isfinite(point.x) && std::isfinite(point.y)) outline.push_back(point);
+    if (std::isfinite(point.x) && std::isfinite(point.y)) line.push_back(point);
   }
 }
 
-size_t countOfPoints(const std::vector<Geometry::Region2d*>& regions) {
+size_t countOfPoints(const std::vector<Outline>& outlines) {
   size_t count = 0;
-  for (const Geometry::Region2d* region : regions)
-    if (region->getPoints() != nullptr) count += region->getPoints()->size();
+  for (const Outline& outline : outlines) count += outline.points->size();
   return count;
 }
 
@@ -52,11 +49,10 @@ bool isLevel(Vec2 a, Vec2 b) { return a.y == b.y && a.x != b.x; }
 
 // Lifts an end of each level edge by as little as there is: without the edge the outline would not
 // be closed. It takes an edge that lies along the turned frame to the last bit.
-bool liftLevelEdges(const std::vector<Geometry::Region2d*>& regions, std::vector<Vec2>& points) {
+bool liftLevelEdges(const std::vector<Outline>& outlines, std::vector<Vec2>& points) {
   bool lifted = false;
-  for (const Geometry::Region2d* region : regions) {
-    if (region->getPoints() == nullptr) continue;
-    const std::vector<int>& numbers = *region->getPoints();
+  for (const Outline& outline : outlines) {
+    const std::vector<int>& numbers = *outline.points;
     for (size_t i = 0; i < numbers.size(); ++i) {
       const Vec2 a = pointOf(points, numbers[i]);
       Vec2& b = points[static_cast<size_t>(numbers[i + 1 < numbers.size() ? i + 1 : 0] - 1)];
@@ -78,43 +74,49 @@ void addEdge(std::vector<SweepEdge>& edges, Vec2 a, Vec2 b, RegionNumber region)
 }
 
 // Whether an edge was level.
-bool addEdges(std::vector<SweepEdge>& edges, const std::vector<Vec2>& outline,
-              RegionNumber region) {
+bool addEdges(std::vector<SweepEdge>& edges, const std::vector<Vec2>& line, RegionNumber region) {
   bool level = false;
-  for (size_t i = 0; i < outline.size(); ++i) {
-    const Vec2 a = outline[i];
-    const Vec2 b = outline[i + 1 < outline.size() ? i + 1 : 0];
+  for (size_t i = 0; i < line.size(); ++i) {
+    const Vec2 a = line[i];
+    const Vec2 b = line[i + 1 < line.size() ? i + 1 : 0];
     level = level || isLevel(a, b);
     addEdge(edges, a, b, region);
   }
   return level;
 }
 
-bool addAllEdges(std::vector<SweepEdge>& edges, const std::vector<Geometry::Region2d*>& regions,
+bool addAllEdges(std::vector<SweepEdge>& edges, const std::vector<Outline>& outlines,
                  const std::vector<Vec2>& points) {
   edges.clear();
-  edges.reserve(countOfPoints(regions));
-  std::vector<Vec2> outline;
+  edges.reserve(countOfPoints(outlines));
+  std::vector<Vec2> line;
   bool level = false;
-  RegionNumber number = 0;
-  for (const Geometry::Region2d* region : regions) {
-    takeOutline(*region, points, outline);
-    level = addEdges(edges, outline, ++number) || level;
+  for (const Outline& outline : outlines) {
+    takePoints(outline, points, line);
+    level = addEdges(edges, line, outline.region) || level;
   }
   return level;
 }
 
 }  // namespace
 
-std::vector<SweepEdge> sweepEdges(const Shot::Shot2d& shot, const ContourRule& rule) {
+std::vector<SweepEdge> sweepEdges(std::vector<Vec2> points, const std::vector<Outline>& outlines) {
   std::vector<SweepEdge> edges;
-  if (shot.getRegions() == nullptr) return edges;
-  const std::vector<Geometry::Region2d*>& regions = *shot.getRegions()->getRegions();
-  std::vector<Vec2> points = sweepPoints(shot, rule);
   constexpr int MostTimes = 8;  // an edge may become level by what is lifted for another
-  for (int i = 0; addAllEdges(edges, regions, points) && i < MostTimes; ++i)
-    if (!liftLevelEdges(regions, points)) break;
+  for (int i = 0; addAllEdges(edges, outlines, points) && i < MostTimes; ++i)
+    if (!liftLevelEdges(outlines, points)) break;
   return edges;
+}
+
+std::vector<SweepEdge> sweepEdges(const Shot::Shot2d& shot, const ContourRule& rule) {
+  if (shot.getRegions() == nullptr) return {};
+  std::vector<Outline> outlines;
+  RegionNumber number = 0;
+  for (const Geometry::Region2d* region : *shot.getRegions()->getRegions()) {
+    ++number;
+    if (region->getPoints() != nullptr) outlines.push_back({number, region->getPoints()});
+  }
+  return sweepEdges(sweepPoints(shot, rule), outlines);
 }
 
 }  // namespace Lumivane::Measure

@@ -33,9 +33,20 @@ struct SweepEdge {
   double wayTo(double y) const { return std::clamp((y - low.y) / (high.y - low.y), 0.0, 1.0); }
 };
 
+/// A closed line of numbers, from 1, of points, with the region that it bounds.
+struct Outline {
+  RegionNumber region = 0;
+  const std::vector<int>* points = nullptr;
+};
+
 /// The edges of all regions, region by region, none of them level. Edges without length are left
 /// out, points that are no finite numbers as well. \throws std::out_of_range for a point number
 /// that is not in the shot
 std::vector<SweepEdge> sweepEdges(const Shot::Shot2d& shot, const ContourRule& rule);
+
+/// The same of any outlines, which stand in the ascending order of their regions, and of points in
+/// the sweep's frame.
+std::vector<SweepEdge> sweepEdges(std::vector<Kernel::Vec2> points,
+                                  const std::vector<Outline>& outlines);
 
 }  // namespace Lumivane::Measure

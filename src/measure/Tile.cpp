@@ -20,6 +20,7 @@ void restart(Tile& part, const Tile& whole) {
   part.bottom = whole.bottom;
   part.top = whole.top;
   part.base = whole.base;
+  part.secondBase = whole.secondBase;
   part.fragments.clear();
   part.covers.clear();
   part.fragments.reserve(whole.fragments.size() / 8 * 5);
@@ -49,26 +50,38 @@ void cutAllBelow(std::vector<Stretch>& all, double y) {
 
 }  // namespace
 
-void Tile::dropHidden() {
+void Tile::dropHidden(RegionNumber lastOfFirst) {
+  if (lastOfFirst != OneSet) dropHidden(lastOfFirst, OneSet, secondBase);
+  dropHidden(0, lastOfFirst, base);
+}
+
+// Of the regions of one set, whose numbers are greater than `after`.
+void Tile::dropHidden(RegionNumber after, RegionNumber upTo, RegionNumber& covering) {
+  const auto placeAfter = [](const auto& all, RegionNumber number) {
+    return std::partition_point(all.begin(), all.end(),
+                                [number](const auto& one) { return one.region <= number; });
+  };
+  const auto firstCover = placeAfter(covers, after);
+  const auto firstFragment = placeAfter(fragments, after);
   // Both lists are walked from the topmost region down, up to the first that covers all.
-  size_t fragment = fragments.size();
-  auto last = covers.cend();
+  auto fragment = placeAfter(fragments, upTo);
+  auto last = placeAfter(covers, upTo);
   bool found = false;
-  while (last != covers.cbegin() && !found) {
+  while (last != firstCover && !found) {
     const RegionNumber region = (last - 1)->region;
     auto first = last;
-    while (first != covers.cbegin() && (first - 1)->region == region) --first;
-    while (fragment > 0 && fragments[fragment - 1].region > region) --fragment;
-    const bool hasEdges = fragment > 0 && fragments[fragment - 1].region == region;
+    while (first != firstCover && (first - 1)->region == region) --first;
+    while (fragment != firstFragment && (fragment - 1)->region > region) --fragment;
+    const bool hasEdges = fragment != firstFragment && (fragment - 1)->region == region;
     found = !hasEdges && coverAll(first, last, bottom, top);
     if (found)
-      base = region;
+      covering = region;
     else
       last = first;
   }
   if (!found) return;
-  covers.erase(covers.cbegin(), last);
-  fragments.erase(fragments.begin(), fragments.begin() + static_cast<std::ptrdiff_t>(fragment));
+  covers.erase(firstCover, last);
+  fragments.erase(firstFragment, fragment);
 }
 
 void Tile::cutBelow(double y) {

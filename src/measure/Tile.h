@@ -2,6 +2,7 @@
 
 #include "measure/Outlines.h"
 
+#include <limits>
 #include <vector>
 
 namespace Lumivane::Measure {
@@ -23,6 +24,11 @@ struct Cover {
   int winding = 0;
 };
 
+/// Regions may be of two sets that lie over each other without hiding one another: those of numbers
+/// up to a last one of the first set, and those after it. With this as the last number there is one
+/// set.
+constexpr RegionNumber OneSet = std::numeric_limits<RegionNumber>::max();
+
 /// An upright rectangle of the picture with all that is needed to tell what is visible in it.
 ///
 /// Fragments stand region by region in ascending order, covers likewise. The heights of fragments
@@ -33,18 +39,23 @@ struct Tile {
   double right = 0.0;
   double bottom = 0.0;
   double top = 0.0;
-  RegionNumber base = 0;  ///< the topmost region known to cover all of it
+  RegionNumber base = 0;        ///< the topmost region known to cover all of it
+  RegionNumber secondBase = 0;  ///< the same of a second set of regions
   std::vector<Fragment> fragments;
   std::vector<Cover> covers;
 
   double width() const { return right - left; }
   double height() const { return top - bottom; }
 
-  /// Finds the topmost region that covers all of the tile, and drops what lies under it.
-  void dropHidden();
+  /// Finds the topmost region of each set that covers all of the tile, and drops what lies under it
+  /// in its set.
+  void dropHidden(RegionNumber lastOfFirst);
 
   /// Leaves the part above a height within.
   void cutBelow(double y);
+
+ private:
+  void dropHidden(RegionNumber after, RegionNumber upTo, RegionNumber& covering);
 };
 
 /// Parts tiles in two. What the parts held before is replaced, and their memory used again.

@@ -39,8 +39,19 @@ double sliverBefore(double t) { return t * t * (3.0 - 2.0 * t); }
 
 }  // namespace
 
-TileSweep::TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule)
-    : edges(theEdges), rule(theRule) {
+RegionNumber RegionPairs::numberOf(RegionNumber first, RegionNumber second) {
+  const Pair& pair = pairs[static_cast<size_t>(latest)];
+  if (pair.first == first && pair.second == second) return latest;
+  const std::uint64_t key =
+      static_cast<std::uint64_t>(first) << 32U | static_cast<unsigned>(second);
+  const auto [found, isNew] = numbers.try_emplace(key, static_cast<RegionNumber>(pairs.size()));
+  if (isNew) pairs.push_back({first, second});
+  return latest = found->second;
+}
+
+TileSweep::TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule,
+                     RegionNumber theLastOfFirst)
+    : edges(theEdges), rule(theRule), lastOfFirst(theLastOfFirst) {
   closed.reserve(edges.size());
 }
 
@@ -90,6 +101,7 @@ void TileSweep::sweepAsOneSlab(const Tile& tile) {
 
 void TileSweep::enter(const Tile& tile) {
   base = tile.base;
+  secondBase = tile.secondBase;
   findLocals(tile);
   findStarts(tile);
   findHeights(tile);
@@ -117,6 +129,10 @@ void TileSweep::findLocals(const Tile& tile) {
     fragmentLocals.push_back(localFor(f.region));
   }
   if (!tile.covers.empty()) takeCoversUpTo(tile.covers.back().region);
+  const auto second = std::find_if(locals.rbegin(), locals.rend(), [this](const Local& local) {
+                        return local.region <= lastOfFirst;
+                      }).base();
+  secondPlace = static_cast<int>(second - locals.begin());
 }
 
 void TileSweep::findStarts(const Tile& tile) {
@@ -317,14 +333,16 @@ void TileSweep::setCovers(const Tile& tile, double y) {
     if (cover.low <= y && cover.high > y)
       locals[static_cast<size_t>(coverLocals[i])].winding += cover.winding;
   }
-  topLocal = static_cast<int>(locals.size()) - 1;
-  while (topLocal >= 0 && locals[static_cast<size_t>(topLocal)].winding == 0) --topLocal;
+  topLocal = topFrom(secondPlace - 1, 0);
+  topSecond = topFrom(static_cast<int>(locals.size()) - 1, secondPlace);
 }
 
 void TileSweep::change(int local, int winding) {
   locals[static_cast<size_t>(local)].winding += winding;
-  topLocal = std::max(topLocal, local);
-  while (topLocal >= 0 && locals[static_cast<size_t>(topLocal)].winding == 0) --topLocal;
+  if (local < secondPlace)
+    topLocal = topFrom(std::max(topLocal, local), 0);
+  else
+    topSecond = topFrom(std::max(topSecond, local), secondPlace);
 }
 
 // From this height on the fragment has these regions on its sides.
@@ -386,11 +404,12 @@ void TileSweep::addTo(Totals& totals, const Seam& seam) const {
   if (seam.left == NoRegion) return;
   const SweepEdge& edge = edges[static_cast<size_t>(seam.edge)];
   const double area = 0.5 * (seam.y1 - seam.y0) * (edge.xAt(seam.y0) + edge.xAt(seam.y1));
-  const Content content = contentOf(seam);
   const auto left = static_cast<size_t>(seam.left);
   const auto right = static_cast<size_t>(seam.right);
   totals.areas[left] += area;
   totals.areas[right] -= area;
+  if (totals.contents.empty()) return;
+  const Content content = contentOf(seam);
   totals.contents[left] += content;
   totals.contents[right] -= content;
 }

@@ -3,6 +3,8 @@
 #include "measure/ContourRule.h"
 #include "measure/Tile.h"
 
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 namespace Lumivane::Measure {
@@ -13,6 +15,23 @@ struct Totals {
   std::vector<Content> contents;
 };
 
+/// A region of each set, or the set's open picture, told by one number. Two open pictures are 0.
+class RegionPairs {
+ public:
+  struct Pair {
+    RegionNumber first = 0;
+    RegionNumber second = 0;
+  };
+
+  RegionNumber numberOf(RegionNumber first, RegionNumber second);
+  const std::vector<Pair>& all() const { return pairs; }  ///< By number.
+
+ private:
+  std::vector<Pair> pairs = {{0, 0}};
+  std::unordered_map<std::uint64_t, RegionNumber> numbers = {{0, 0}};
+  RegionNumber latest = 0;  // stretches of a slab repeat the pairs of the one before
+};
+
 /// Sweeps tiles by slabs and finds the seams, stretches of edges with one region visible on their
 /// left and another on their right. What seams enclose is what is visible.
 ///
@@ -20,9 +39,15 @@ struct Totals {
 /// within it edges keep their order from left to right. Between two edges the topmost region that
 /// winds around the stretch is visible. Where rounding misplaces a crossing, edges are out of order
 /// only as far as they are apart by rounding, and areas err by no more.
+///
+/// Of two sets of regions each stretch has the topmost region of either, and sums are by their
+/// pairs.
 class TileSweep {
  public:
-  TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule);
+  /// \param theLastOfFirst  the last number of a region of the first set; `OneSet` if there is one
+  /// set
+  TileSweep(const std::vector<SweepEdge>& theEdges, const ContourRule& theRule,
+            RegionNumber theLastOfFirst = OneSet);
 
   /// Sweeps the tile from its bottom. Returns the height reached: the top, or the height from which
   /// on so many edges cross that it is better parted.
@@ -31,8 +56,9 @@ class TileSweep {
   /// Sweeps a tile too small to matter, as if its edges kept their order of the middle height.
   void sweepAsOneSlab(const Tile& tile);
 
-  /// After all tiles: adds what the seams enclose.
+  /// After all tiles: adds what the seams enclose, but the contents only where there is room.
   void sumUp(Totals& totals) const;
+  const RegionPairs& regionPairs() const { return pairs; }  ///< Of two sets, by their numbers.
 
  private:
   struct Local {
@@ -95,8 +121,18 @@ class TileSweep {
   bool coversChange(const Tile& tile, double y) const;
   void setCovers(const Tile& tile, double y);
   void change(int local, int winding);
-  RegionNumber topmost() const {
-    return topLocal < 0 ? base : locals[static_cast<size_t>(topLocal)].region;
+  // The place among the locals of the topmost region of a set, from the place of the set's first;
+  // one less if there is none.
+  int topFrom(int top, int firstPlace) const {
+    while (top >= firstPlace && locals[static_cast<size_t>(top)].winding == 0) --top;
+    return top;
+  }
+  RegionNumber topmost() {
+    const RegionNumber first = topLocal < 0 ? base : locals[static_cast<size_t>(topLocal)].region;
+    if (lastOfFirst == OneSet) return first;
+    const bool isOpen = topSecond < secondPlace;
+    return pairs.numberOf(first,
+                          isOpen ? secondBase : locals[static_cast<size_t>(topSecond)].region);
   }
 
   void bound(const Active& active, RegionNumber left, RegionNumber right, double y);
@@ -108,10 +144,15 @@ class TileSweep {
 
   const std::vector<SweepEdge>& edges;
   const ContourRule& rule;
+  RegionNumber lastOfFirst;  // number of a region
+  RegionPairs pairs;
   std::vector<Seam> closed;  // of all tiles
 
   RegionNumber base = 0;
+  RegionNumber secondBase = 0;
   int topLocal = -1;
+  int topSecond = -1;
+  int secondPlace = 0;              // place among the locals of the second set's first
   std::vector<Local> locals;        // the tile's regions, ascending
   std::vector<int> fragmentLocals;  // by fragment
   std::vector<int> coverLocals;     // by cover

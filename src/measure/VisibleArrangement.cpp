@@ -30,19 +30,18 @@ constexpr int MostVainPartings = 2;
 
 class Arrangement {
  public:
-  Arrangement(const std::vector<SweepEdge>& theEdges, const ContourRule& rule)
-      : parter(theEdges), sweeper(theEdges, rule) {}
+  Arrangement(const std::vector<SweepEdge>& theEdges, const ContourRule& rule,
+              RegionNumber theLastOfFirst = OneSet)
+      : lastOfFirst(theLastOfFirst), parter(theEdges), sweeper(theEdges, rule, theLastOfFirst) {}
 
-  void measure(Tile& tile, Totals& totals) {
-    visit(tile, 0, 0);
-    sweeper.sumUp(totals);
-  }
+  void sweep(Tile tile) { visit(tile, 0, 0); }
+  const TileSweep& swept() const { return sweeper; }
 
  private:
   // The tile comes of so many partings. `vain` counts those that left (nearly) all fragments in
   // both parts, since one took some away.
   void visit(Tile& tile, size_t depth, int vain) {
-    tile.dropHidden();
+    tile.dropHidden(lastOfFirst);
     const size_t count = tile.fragments.size();
     const bool least = tile.width() < LeastSide && tile.height() < LeastSide;
     if (least) return sweeper.sweepAsOneSlab(tile);
@@ -73,6 +72,7 @@ class Arrangement {
     visit(second, depth + 1, vainSecond);
   }
 
+  RegionNumber lastOfFirst;  // number of a region
   TileParter parter;
   TileSweep sweeper;
   std::deque<std::pair<Tile, Tile>> parts;  // by depth; their memory is used again and again
@@ -80,7 +80,7 @@ class Arrangement {
 
 // The whole picture lies in it; its sides and halves are no likely coordinates.
 Tile wholeTile(const std::vector<SweepEdge>& edges) {
-  Tile tile{-1.4371, 1.4492, -1.4423, 1.4461, 0, {}, {}};
+  Tile tile{-1.4371, 1.4492, -1.4423, 1.4461, 0, 0, {}, {}};
   tile.fragments.reserve(edges.size());
   for (size_t i = 0; i < edges.size(); ++i)
     tile.fragments.push_back(
@@ -92,11 +92,27 @@ Tile wholeTile(const std::vector<SweepEdge>& edges) {
 
 Totals visibleTotals(const std::vector<SweepEdge>& edges, size_t regions, const ContourRule& rule) {
   Totals totals{std::vector<double>(regions + 1, 0.0), std::vector<Content>(regions + 1)};
-  Tile tile = wholeTile(edges);
-  Arrangement(edges, rule).measure(tile, totals);
+  Arrangement arrangement(edges, rule);
+  arrangement.sweep(wholeTile(edges));
+  arrangement.swept().sumUp(totals);
   totals.areas[0] += rule.wholeArea();
   totals.contents[0] += rule.whole();
   return totals;
+}
+
+std::vector<SharedArea> sharedAreas(const std::vector<SweepEdge>& edges, RegionNumber lastOfFirst,
+                                    const ContourRule& rule) {
+  Arrangement arrangement(edges, rule, lastOfFirst);
+  arrangement.sweep(wholeTile(edges));
+  const std::vector<RegionPairs::Pair>& pairs = arrangement.swept().regionPairs().all();
+  Totals totals{std::vector<double>(pairs.size(), 0.0), {}};
+  arrangement.swept().sumUp(totals);
+  totals.areas[0] += rule.wholeArea();
+  std::vector<SharedArea> areas;
+  areas.reserve(pairs.size());
+  for (size_t i = 0; i < pairs.size(); ++i)
+    areas.push_back({pairs[i].first, pairs[i].second, totals.areas[i]});
+  return areas;
 }
 
 }  // namespace Lumivane::Measure

@@ -12,4 +12,16 @@ namespace Lumivane::Measure {
 /// of lower number. Entry 0 of the sums is what stays open of the whole picture.
 Totals visibleTotals(const std::vector<SweepEdge>& edges, size_t regions, const ContourRule& rule);
 
+/// How much of the picture two regions of different sets share; 0 is what a set leaves open.
+struct SharedArea {
+  RegionNumber first = 0;
+  RegionNumber second = 0;
+  double area = 0.0;
+};
+
+/// Lays two sets of regions over each other. The regions up to `lastOfFirst` are the first set, the
+/// others the second, each with its own order; their outlines are `edges`.
+std::vector<SharedArea> sharedAreas(const std::vector<SweepEdge>& edges, RegionNumber lastOfFirst,
+                                    const ContourRule& rule);
+
 }  // namespace Lumivane::Measure

@@ -1,8 +1,7 @@
 #include "kernel/SphereContour.h"
+#include "measure/ShotProjection.h"
 #include "measure/VisibleArrangement.h"
 
-#include <lumivane/base/View.h>
-#include <lumivane/base/ViewCamera.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/shot/Object2d.h>
@@ -10,27 +9,12 @@
 #include <lumivane/shot/Shot2d.h>
 
 #include <map>
-#include <stdexcept>
 #include <utility>
 
 namespace Lumivane::Measure {
 namespace {
 
 using Algorithm::ProjectionType;
-
-ProjectionType projectionOf(const Shot::Shot2d& shot) {
-  Base::View* const view = shot.getView();
-  if (view == nullptr || view->getCamera() == nullptr)
-    throw std::invalid_argument("the shot does not know from which camera it was taken");
-  switch (view->getCamera()->getKind()) {
-    case Base::ViewCameraKind::Spherical:
-      return ProjectionType::Radial;
-    case Base::ViewCameraKind::Normal:
-      return ProjectionType::Square;
-    default:
-      throw std::invalid_argument("the shot's camera is neither spherical nor normal");
-  }
-}
 
 void add(Share& sum, const Share& share) {
   sum.area += share.area;

@@ -1,9 +1,9 @@
 // Pictures of maps built by hand: cells fit each other, cover what they should, and keep to the
 // arcs.
 
-#include "exchange/ArcFlattening.h"
 #include "exchange/PngImage.h"
 #include "exchange/ProjectionRules.h"
+#include "kernel/ArcFlattening.h"
 #include "support/HandMap.h"
 
 #include <lumivane/exchange/CairoWriter.h>
@@ -363,8 +363,8 @@ TEST(MapPicture, NeighboursShareEveryPoint) {
 double distanceToLine(Vec2 p, const VectorPicture::Line& line) {
   double least = 1e9;
   for (std::size_t i = 0; i + 1 < line.size(); ++i)
-    least = std::min(least, Exchange::distanceToSegment(p, {line[i].x, line[i].y},
-                                                        {line[i + 1].x, line[i + 1].y}));
+    least = std::min(least, Kernel::distanceToSegment(p, {line[i].x, line[i].y},
+                                                      {line[i + 1].x, line[i + 1].y}));
   return least;
 }
 

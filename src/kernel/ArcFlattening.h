@@ -5,22 +5,22 @@
 #include <algorithm>
 #include <vector>
 
-namespace Lumivane::Exchange {
+namespace Lumivane::Kernel {
 
-using Places = std::vector<Kernel::Vec2>;
+using Places = std::vector<Vec2>;
 
 /// The direction in the middle of an arc of less than half a great circle: the same from both ends.
-inline Kernel::Vec3 middleOfArc(Kernel::Vec3 a, Kernel::Vec3 b) {
-  const Kernel::Vec3 sum = a + b;
-  const double length = Kernel::length3(sum);
+inline Vec3 middleOfArc(Vec3 a, Vec3 b) {
+  const Vec3 sum = a + b;
+  const double length = length3(sum);
   return {sum.x / length, sum.y / length, sum.z / length};
 }
 
-inline double distanceToSegment(Kernel::Vec2 p, Kernel::Vec2 a, Kernel::Vec2 b) {
-  const Kernel::Vec2 along = b - a;
-  const double square = Kernel::dot(along, along);
-  const double t = square > 0.0 ? std::clamp(Kernel::dot(p - a, along) / square, 0.0, 1.0) : 0.0;
-  return Kernel::distance(p, a + t * along);
+inline double distanceToSegment(Vec2 p, Vec2 a, Vec2 b) {
+  const Vec2 along = b - a;
+  const double square = dot(along, along);
+  const double t = square > 0.0 ? std::clamp(dot(p - a, along) / square, 0.0, 1.0) : 0.0;
+  return distance(p, a + t * along);
 }
 
 /// Turns arcs into chords that are off them by no more than a distance. It halves an arc until the
@@ -33,11 +33,10 @@ class ArcFlattening {
       : place(placeOf), tolerance(greatestDistance * Reserve) {}
 
   /// Appends the places behind that of a, up to and with that of b.
-  void add(Kernel::Vec3 a, Kernel::Vec2 placeOfA, Kernel::Vec3 b, Kernel::Vec2 placeOfB,
-           Places& places, int depth = 0) const {
-    const Kernel::Vec3 middle = middleOfArc(a, b);
-    const Kernel::Vec2 placeOfMiddle = place(middle);
-    const auto isClose = [&](Kernel::Vec2 p) {
+  void add(Vec3 a, Vec2 placeOfA, Vec3 b, Vec2 placeOfB, Places& places, int depth = 0) const {
+    const Vec3 middle = middleOfArc(a, b);
+    const Vec2 placeOfMiddle = place(middle);
+    const auto isClose = [&](Vec2 p) {
       return distanceToSegment(p, placeOfA, placeOfB) <= tolerance;
     };
     if (depth >= MostHalvings ||
@@ -58,4 +57,4 @@ class ArcFlattening {
   double tolerance;
 };
 
-}  // namespace Lumivane::Exchange
+}  // namespace Lumivane::Kernel

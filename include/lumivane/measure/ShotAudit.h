@@ -1,0 +1,80 @@
+#pragma once
+
+#include <lumivane/algorithm/ProjectionType.h>
+#include <lumivane/measure/export.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Session {
+class TakenShot;
+}
+namespace Lumivane::Shot {
+class Shot2d;
+}
+namespace Lumivane::Visibility {
+class SceneIndex;
+struct VisibleMap;
+}  // namespace Lumivane::Visibility
+
+namespace Lumivane::Measure {
+
+/// How right a shot is about one object. Areas are those of the picture: the whole disc is pi, the
+/// whole square 4.
+struct ObjectAudit {
+  int objectNumber = 0;  ///< from 1 in the shot's objects
+  std::string id;        ///< as the scene gave it; need not be unique
+  double shown = 0.0;    ///< where the picture shows it
+  double seen = 0.0;     ///< where the map has it
+  /// Where the picture shows a region of it, and the map has another region, perhaps of the same
+  /// object, or the sky.
+  double shownWrongly = 0.0;
+  /// Where the map has a region of it, and the picture shows another region, perhaps of the same
+  /// object, or none.
+  double missing = 0.0;
+};
+
+/// How much of a shot's picture shows another region than the exact visibility map has there.
+///
+/// The arcs between the map's cells are carried into the picture, each cut into pieces that are off
+/// it by at most a millionth of the picture's half width, and laid over what is painted last at
+/// each point of the picture, as `VisibleShares` measures it: both arrangements are swept together,
+/// and nothing is sampled. Beside a wrong order of faces, what counts as wrong is therefore
+/// whatever the picture's chords leave of the arcs, and points that were merged.
+///
+/// Regions are compared by the numbers of object and region that shot and map have in common.
+class LUMIVANE_MEASURE_EXPORT ShotAudit {
+ public:
+  /// Looks from where the shot was really taken, into the hemisphere before it, and compares.
+  /// \param index  of the scene that the shot was taken of
+  /// \param threads  how many of them look; 0 for all processors. Results do not depend on it.
+  /// \throws std::invalid_argument if the eye or a direction is not one to look from
+  ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index, int threads = 1);
+
+  /// Compares with a map that was made from the shot's eye, of the hemisphere before it and with
+  /// its direction upwards. The shot's lists may be null.
+  /// \throws std::invalid_argument for a map of the whole sphere
+  /// \throws std::out_of_range for a point number that is not in the shot
+  ShotAudit(const Shot::Shot2d& shot, Algorithm::ProjectionType projection,
+            const Visibility::VisibleMap& map);
+
+  /// The area where the picture or the map has a region.
+  double covered() const { return theCovered; }
+  /// The part of that area where both do not have the same region.
+  double wrong() const { return theWrong; }
+  /// The same divided by the covered area, 0 to 1; 0 if nothing is covered.
+  double wrongShare() const;
+  /// All objects of the shot and those that the map has besides, in their order.
+  const std::vector<ObjectAudit>& objects() const { return theObjects; }
+
+ private:
+  void compare(const Shot::Shot2d& shot, Algorithm::ProjectionType projection,
+               const Visibility::VisibleMap& map);
+  ObjectAudit& object(int number);
+
+  double theCovered = 0.0;
+  double theWrong = 0.0;
+  std::vector<ObjectAudit> theObjects;
+};
+
+}  // namespace Lumivane::Measure
