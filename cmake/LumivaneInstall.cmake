@@ -51,15 +51,13 @@ install(FILES "${PROJECT_BINARY_DIR}/lumivane.pc"
 
 # A file for each component: pkg-config --cflags --libs lumivane-measure.
 set(LUMIVANE_PC_REQUIRES "lumivane")
-foreach(component measure visibility exchange)
+foreach(component visibility measure exchange)
   if(TARGET lumivane_${component})
-    if(component STREQUAL "exchange")
-      set(LUMIVANE_PC_REQUIRES "lumivane lumivane-measure lumivane-visibility")
-    endif()
     configure_file(cmake/lumivane-component.pc.in
       "${PROJECT_BINARY_DIR}/lumivane-${component}.pc" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/lumivane-${component}.pc"
       DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+    string(APPEND LUMIVANE_PC_REQUIRES " lumivane-${component}")  # of those that use it
   endif()
 endforeach()
 

@@ -122,21 +122,18 @@ class Flattener {
     if (isPole(a) && isPole(b)) return {};
     if (isPole(a)) return {poleBeside(a, to), numberOf(to)};
     if (isPole(b)) return {numberOf(from), poleBeside(b, from)};
-    const Vec3 middle = Kernel::middleOfArc(a, b);
     // Only the rim passes through a pole, for the map ends there.
-    if (isSquare && a.z == 0.0 && b.z == 0.0 && a.x * b.x < 0.0)
-      return {numberOf(from), poleBeside(middle, from), poleBeside(middle, to), numberOf(to)};
-    Numbers line = {numberOf(from)};
-    addArc(a, middle, line);
-    addArc(middle, b, line);
-    line.back() = numberOf(to);
-    return line;
-  }
-
-  void addArc(Vec3 a, Vec3 b, Numbers& line) {
+    if (isSquare && a.z == 0.0 && b.z == 0.0 && a.x * b.x < 0.0) {
+      const Vec3 pole = Kernel::middleOfArc(a, b);
+      return {numberOf(from), poleBeside(pole, from), poleBeside(pole, to), numberOf(to)};
+    }
     Kernel::Places places;
     Kernel::ArcFlattening<Place>(place, tolerance).add(a, place(a), b, place(b), places);
+    places.pop_back();
+    Numbers line = {numberOf(from)};
     for (const Vec2 p : places) line.push_back(addPoint(p));
+    line.push_back(numberOf(to));
+    return line;
   }
 
   using Place = Vec2 (*)(Vec3);

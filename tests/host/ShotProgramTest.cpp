@@ -508,6 +508,40 @@ TEST(ShotProgram, AnEyeInsideABodyIsReported) {
   EXPECT_EQ("", runView(Small, {}).err);
 }
 
+TEST(ShotProgram, AnAuditIsPartOfTheStatistics) {
+  const TempFolder folder;
+  const Result result = run({"shot", Small, "--eye=-2.6,0.35,1.9", "--forward=1,-0.06,-0.45",
+                             "--audit", "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_EQ("", result.err);
+  const Json stats = Json::parse(fileBytes(folder.path("stats.json")));
+  const Json audit = stats.at("audit");
+  const double wrong = audit.at("wrong_share");
+  EXPECT_GT(wrong, 0.0);
+  EXPECT_LT(wrong, 1e-4);
+  EXPECT_DOUBLE_EQ(wrong, audit.at("wrong").get<double>() / audit.at("covered").get<double>());
+  ASSERT_EQ(3u, audit.at("objects").size());
+  const Json plate = audit.at("objects").at(0);
+  EXPECT_EQ(1, plate.at("object"));
+  EXPECT_EQ("plate", plate.at("id"));
+  EXPECT_NEAR(plate.at("shown").get<double>() - plate.at("shown_wrongly").get<double>(),
+              plate.at("seen").get<double>() - plate.at("missing").get<double>(), 1e-12);
+  EXPECT_GT(stats.at("seconds").at("audit"), 0.0);
+}
+
+TEST(ShotProgram, AnAuditWarnsOfAPictureThatIsWrong) {
+  // In a cyclic overlap one bar is painted over what is before it, whatever the order.
+  const Lumivane::Test::WorkingFolder folder;  // for the report of the overlap
+  const std::string ring = LUMIVANE_SCENES "/ring.json";
+  const Result result = run({"shot", ring, "--eye=-4,0,0", "--audit"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ(
+      0u, result.err.find("lumivane: " + ring + ": warning: the picture shows a wrong region on "))
+      << result.err;
+  EXPECT_NE(std::string::npos, result.err.find(" % of what it covers, most of it at object "));
+  EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n'));
+}
+
 TEST(ShotProgram, VeryManySegmentsAskForALimitInstead) {
   expectFailure(runView(Small, {"--segments", "100001"}), 2,
                 "lumivane: --segments: 100001 is above 100000: say with --limit-points N how many "
