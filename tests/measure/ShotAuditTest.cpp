@@ -52,6 +52,7 @@ LoadedScene sceneOf(const std::vector<Polygon>& polygons) {
   std::string points;
   std::string objects;
   int count = 0;
+  int object = 0;
   for (Polygon polygon : polygons) {
     const Vector normal = cross(minus(polygon[1], polygon[0]), minus(polygon[2], polygon[0]));
     if (dot(normal, polygon[0]) < 0.0) std::reverse(polygon.begin(), polygon.end());
@@ -62,7 +63,8 @@ LoadedScene sceneOf(const std::vector<Polygon>& polygons) {
       numbers += (numbers.empty() ? "" : ",") + std::to_string(++count);
     }
     objects += (objects.empty() ? "" : ",");
-    objects += R"({"Id":"a","PartsCount":1,"Pen":1,"Faces":[{"Regions":[1]}],)"
+    objects += R"({"Id":")" + std::to_string(++object) +
+               R"(","PartsCount":1,"Pen":1,"Faces":[{"Regions":[1]}],)"
                R"("Parts":[{"Regions":[1]}],"Overlays":[],)"
                R"("Regions":[{"Brush":1,"Face":1,"Points":[)" +
                numbers + "]}]}";
@@ -141,7 +143,7 @@ TEST(ShotAudit, AWallPaintedOverTheOneBeforeItIsWrongByTheHiddenOnesArea) {
   const ObjectAudit& first = audit.objects()[0];
   const ObjectAudit& second = audit.objects()[1];
   EXPECT_EQ(1, first.objectNumber);
-  EXPECT_EQ("a", first.id);
+  EXPECT_EQ("1", first.id);
   EXPECT_NEAR(far, first.shown, Chords);
   EXPECT_NEAR(far - near, first.seen, Chords);
   EXPECT_NEAR(near, first.shownWrongly, Chords);
