@@ -10,6 +10,8 @@
 #include <lumivane/exchange/MapPicture.h>
 #include <lumivane/exchange/SvgWriter.h>
 #include <lumivane/exchange/VectorPicture.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
 #include <cmath>
@@ -358,6 +360,41 @@ TEST(MapPicture, NeighboursShareEveryPoint) {
                      [](VectorPicture::Point p) {
                        return p.x <= 1e-9 || p.x >= 800 - 1e-9 || p.y <= 1e-9 || p.y >= 400 - 1e-9;
                      });
+}
+
+TEST(MapPicture, CellsOfScenesFillThePictureAndShareEveryPoint) {
+  for (const char* name : {"room", "street", "ring"}) {
+    const auto scene =
+        Session::LoadedScene::fromFile(std::string(LUMIVANE_SCENES "/") + name + ".json");
+    const Visibility::SceneIndex index(scene);
+    Visibility::LookOptions look;
+    const Visibility::Vector eye = name == std::string("room")
+                                       ? Visibility::Vector{0.35, 2.137, 1.6}
+                                       : Visibility::Vector{-5.3, -1.37, 3.4};
+    for (const Field field : {Field::Hemisphere, Field::Sphere}) {
+      look.field = field;
+      const VisibleMap map = index.look(eye, look);
+      ASSERT_GT(map.cells.size(), 3U);
+      for (const auto& [projection, label] : Exchange::mapProjections()) {
+        SCOPED_TRACE(std::string(name) + " " + label);
+        const MapPictureOptions options = optionsOf(projection, 800, 400);
+        const VectorPicture picture = drawn(map, options);
+        const Vec2 half = rule(projection).halfSize(field);
+        const double unit = Frame{options, half}.unit();
+        const bool isDisc = projection == MapProjection::Fisheye;
+        double area = 0.0;
+        for (const VectorPicture::Region& region : regionsOf(picture)) area += areaOf(region);
+        const double whole = (isDisc ? Pi : 4.0 * half.x * half.y) * unit * unit;
+        EXPECT_NEAR(1.0, area / whole, isDisc ? 2e-3 : 1e-9);
+        expectSharedPoints(picture, [&](VectorPicture::Point p) {
+          const double x = (p.x - 400.0) / unit;
+          const double y = (p.y - 200.0) / unit;
+          return isDisc ? std::hypot(x, y) > 1.0 - 1e-9
+                        : std::abs(x) > half.x - 1e-9 || std::abs(y) > half.y - 1e-9;
+        });
+      }
+    }
+  }
 }
 
 double distanceToLine(Vec2 p, const VectorPicture::Line& line) {
