@@ -76,6 +76,8 @@ std::string ShareText::csv(const VisibleShares& shares, bool isSafe) {
   return result + csvRow("sky,,,,,", shares.open());
 }
 
+std::string ShareText::csv(const VisibleShares& shares) { return csv(shares, false); }
+
 std::string ShareText::json(const VisibleShares& shares) {
   const bool round = shares.projection() == Algorithm::ProjectionType::Radial;
   const auto object = [](const ObjectShare& o) {

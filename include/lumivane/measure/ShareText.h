@@ -18,7 +18,8 @@ class LUMIVANE_MEASURE_EXPORT ShareText {
   ///
   /// \param isSafe  an id that a spreadsheet would take for a formula, since it starts with
   ///                = + - @, a tab or a carriage return, gets an apostrophe in front
-  static std::string csv(const VisibleShares& shares, bool isSafe = false);
+  static std::string csv(const VisibleShares& shares, bool isSafe);
+  static std::string csv(const VisibleShares& shares);  ///< Ids as they are.
 
   /// One JSON object with the keys "projection", "whole", "sky", "objects", "faces" and "regions".
   static std::string json(const VisibleShares& shares);
