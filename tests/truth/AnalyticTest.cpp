@@ -199,7 +199,7 @@ double skyOf(double ratio, double halfLength) {
   return factorOf(lookUp(builder), 0);
 }
 
-TEST_P(CanyonFactor, DISABLED_OfTheSkyIsTheCosineOfTheWallsElevation) {
+TEST_P(CanyonFactor, OfTheSkyIsTheCosineOfTheWallsElevation) {
   const double sky = std::cos(std::atan(2.0 * GetParam().ratio));
   EXPECT_NEAR(sky, GetParam().sky, 5e-5);
   // What the open ends add falls with the cube of the length.

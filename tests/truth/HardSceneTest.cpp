@@ -40,7 +40,7 @@ class HardSceneProperty : public ::testing::TestWithParam<std::size_t> {
   }
 };
 
-TEST_P(HardSceneProperty, DISABLED_TheMapIsSound) {
+TEST_P(HardSceneProperty, TheMapIsSound) {
   each([](const HardScene& hard) {
     EXPECT_EQ(faultText(SceneIndex(hard.scene).look(hard.eye, hard.options)), "");
   });

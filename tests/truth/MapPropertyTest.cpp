@@ -206,7 +206,7 @@ PolygonScene cutInTwo(const PolygonScene& scene) {
   return result;
 }
 
-TEST_P(MapProperty, DISABLED_CuttingEachPolygonInTwoChangesNoShare) {
+TEST_P(MapProperty, CuttingEachPolygonInTwoChangesNoShare) {
   // Of an outline that crosses itself, an ear and the rest are not the whole; a bent one falls
   // into other triangles.
   if (GetParam() == SelfCrossing || GetParam() == BentOrTwoSided) GTEST_SKIP() << "has no ears";
@@ -291,6 +291,21 @@ bool hiddenTriangle(const VisibleMap& map, Random& random, Outline& triangle) {
   return false;
 }
 
+/// The same cells and as many edges, with the numbers of objects raised, and measures that differ
+/// by rounding at most.
+void expectNearlySame(const VisibleMap& map, const VisibleMap& other, int raised) {
+  ASSERT_EQ(map.cells.size(), other.cells.size());
+  EXPECT_EQ(map.edges.size(), other.edges.size());
+  EXPECT_EQ(map.vertices.size(), other.vertices.size());
+  for (std::size_t i = 0; i < map.cells.size(); ++i) {
+    Label label = map.cells[i].label;
+    if (label.object > 0) label.object += raised;
+    EXPECT_EQ(label, other.cells[i].label);
+    EXPECT_NEAR(map.cells[i].solidAngle, other.cells[i].solidAngle, 1e-12);
+    EXPECT_NEAR(map.cells[i].viewFactor, other.cells[i].viewFactor, 1e-12);
+  }
+}
+
 PolygonScene withFirstObject(const PolygonScene& scene, const Outline& outline) {
   PolygonScene result = SceneBuilder().object().add(outline).scene();
   const int first = static_cast<int>(result.points.size());
@@ -310,7 +325,7 @@ PolygonScene withFirstObject(const PolygonScene& scene, const Outline& outline) 
   return result;
 }
 
-TEST_P(MapProperty, DISABLED_AHiddenObjectChangesNothingButNumbers) {
+TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbersAndLastBits) {
   each([](const HardScene& hard) {
     const VisibleMap map = lookAt(hard);
     Random random(17);
@@ -319,7 +334,7 @@ TEST_P(MapProperty, DISABLED_AHiddenObjectChangesNothingButNumbers) {
     for (const Outline& side : {triangle, Outline(triangle.rbegin(), triangle.rend())}) {
       HardScene more = hard;
       more.scene = withFirstObject(hard.scene, side);
-      EXPECT_TRUE(sameMap(map, lookAt(more), 1));
+      expectNearlySame(map, lookAt(more), 1);
     }
   });
 }
