@@ -209,8 +209,11 @@ class Builder {
   // points are joined.
   void closeRings() {
     std::vector<std::uint64_t> balance(parts.vertices.size(), 0);
+    // Spread, so that different cells do not cancel each other.
     const auto weight = [](int cell) {
-      return (static_cast<std::uint64_t>(cell) + 2) * 0x9E3779B97F4A7C15ull;
+      std::uint64_t h = (static_cast<std::uint64_t>(cell) + 2) * 0x9E3779B97F4A7C15ull;
+      h = (h ^ h >> 29) * 0xBF58476D1CE4E5B9ull;
+      return h ^ h >> 32;
     };
     for (const Link& link : links) {
       const std::uint64_t turn = weight(link.left) - weight(link.right);

@@ -92,13 +92,11 @@ std::vector<Input> inputs(const TempFolder& made) {
        false},
   };
 #ifdef LUMIVANE_HOST_EXCHANGE
-  for (const std::string name : {"house.city.json", "cube.obj", "pyramid.ply", "pyramid-big.ply",
-                                 "tetrahedron.stl", "tetrahedron-binary.stl"})
+  for (const std::string name :
+       {"house.city.json", "cube.obj", "pyramid.ply", "pyramid-big.ply", "tetrahedron.stl",
+        "tetrahedron-binary.stl", "boxes.gltf", "boxes.glb"})
     result.push_back(
         {"import of " + name, {"import"}, {"-o", out}, LUMIVANE_MODELS "/" + name, false});
-  for (const std::string name : {"boxes.gltf", "boxes.glb"})
-    result.push_back(
-        {"import of " + name, {"import"}, {"-o", out}, LUMIVANE_MODELS "/" + name, false, false});
 #endif
   return result;
 }
