@@ -94,7 +94,7 @@ TEST(ViewProgram, ATargetStandsForADirection) {
   ASSERT_EQ(0, view(Room, {"--forward", "2,0,-0.5", "--shares", b}).status);
   EXPECT_EQ(Json::parse(fileBytes(b)).at("rows").size(),
             Json::parse(fileBytes(a)).at("rows").size());
-  for (int i = 0; i < 3; ++i)
+  for (size_t i = 0; i < 3; ++i)
     EXPECT_NEAR(Json::parse(fileBytes(b)).at("forward").at(i).get<double>(),
                 Json::parse(fileBytes(a)).at("forward").at(i).get<double>(), 1e-12);
   const Result both = view(Room, {"--target", "1,1,1", "--forward", "1,0,0"});

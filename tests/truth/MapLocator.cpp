@@ -93,7 +93,10 @@ bool MapLocator::mayMeet(const Square& square, const Arc& arc) const {
   };
   const LongVector a = put(arc.from);
   const LongVector b = put(arc.to);
-  const auto& [lowU, highU, lowV, highV] = square.bounds;
+  const double lowU = square.bounds[0];
+  const double highU = square.bounds[1];
+  const double lowV = square.bounds[2];
+  const double highV = square.bounds[3];
   const auto outside = [&](auto side) { return side(a) > Room && side(b) > Room; };
   if (outside([&](const LongVector& p) { return lowU * p.x - p.y; }) ||
       outside([&](const LongVector& p) { return p.y - highU * p.x; }) ||
