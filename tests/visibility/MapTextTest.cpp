@@ -166,7 +166,7 @@ TEST(MapText, MapIsWrittenAsTheFormatSays) {
       EXPECT_EQ(map.vertices[i][k], document.at("vertices").at(i).at(k).get<double>());
   const json& square = document.at("cells").at(0);
   EXPECT_EQ(json({1, 1, 2}), json({square.at("object"), square.at("face"), square.at("region")}));
-  EXPECT_EQ(json({json({0, 1, 2, 3})}), square.at("rings"));
+  EXPECT_EQ(json::array({json::array({0, 1, 2, 3})}), square.at("rings"));
   const json& sky = document.at("cells").at(1);
   EXPECT_EQ(json({0, 0, 0}), json({sky.at("object"), sky.at("face"), sky.at("region")}));
   EXPECT_EQ(2U, sky.at("rings").size());
