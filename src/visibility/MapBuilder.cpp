@@ -906,6 +906,25 @@ class Builder {
     cell.minDistance = distance;
   }
 
+  // The nearest points of the edges between the pieces of a region that is not flat.
+  void lookAtEdges(VisibleMap::Cell& cell, std::int32_t polygon) const {
+    const IndexState& state = *setup.state;
+    const auto begin = state.cornerOffsets[static_cast<size_t>(polygon)];
+    const auto end = state.cornerOffsets[static_cast<size_t>(polygon) + 1];
+    for (auto i = begin; i < end; ++i) {
+      const auto next = i + 1 == end ? begin : i + 1;
+      const Vec3 a = fromEye(state.cornerVertices[static_cast<size_t>(i)]);
+      const Vec3 b = fromEye(state.cornerVertices[static_cast<size_t>(next)]);
+      const Vec3 along = b - a;
+      const double square = Kernel::dot(along, along);
+      const double t = square > 0.0 ? std::clamp(-Kernel::dot(a, along) / square, 0.0, 1.0) : 0.0;
+      const Vec3 nearest = a + t * along;
+      const double distance = Kernel::length3(nearest);
+      if (distance < cell.minDistance && distance > 0.0 && contains(cell, unit(nearest)))
+        cell.minDistance = distance;
+    }
+  }
+
   void measureCells() {
     const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
     turns.assign(map.cells.size(), 0.0);
@@ -921,8 +940,10 @@ class Builder {
       }
       if (cellPolygons[i] >= 0) lookAtFoot(cell, cellPolygons[i]);
     });
-    for (const auto& [cell, polygon] : morePolygons)
+    for (const auto& [cell, polygon] : morePolygons) {
       lookAtFoot(map.cells[static_cast<size_t>(cell)], polygon);
+      lookAtEdges(map.cells[static_cast<size_t>(cell)], polygon);
+    }
   }
 
   MapParts& parts;
