@@ -8,7 +8,7 @@
 #include "truth/Pieces.h"
 #include "truth/SceneArrays.h"
 
-#include <lumivane/exchange/Importer.h>
+#include <lumivane/importers/Importer.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/visibility/SceneIndex.h>
 
@@ -347,7 +347,7 @@ void measureTown(Bench& bench, int boxes) {
 }
 
 void measureFile(Bench& bench, const std::string& path) {
-  using Lumivane::Exchange::Importer;
+  using Lumivane::Importers::Importer;
   using Lumivane::Session::LoadedScene;
   const LoadedScene loaded =
       Importer::isImportable(path) ? Importer::importFile(path).scene : LoadedScene::fromFile(path);

@@ -18,7 +18,7 @@ endfunction()
 lumivane_install_library(lumivane LumivaneTargets library)
 # Each component beside the core has a target file of its own, so that one may be installed without
 # the others.
-foreach(component visibility measure exchange)
+foreach(component visibility measure importers pictures)
   if(TARGET lumivane_${component})
     lumivane_install_library(lumivane_${component} Lumivane_${component}Targets components)
   endif()
@@ -50,14 +50,17 @@ install(FILES "${PROJECT_BINARY_DIR}/lumivane.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
 # A file for each component: pkg-config --cflags --libs lumivane-measure.
-set(LUMIVANE_PC_REQUIRES "lumivane")
-foreach(component visibility measure exchange)
+set(LUMIVANE_PC_visibility "lumivane")
+set(LUMIVANE_PC_measure "lumivane lumivane-visibility")
+set(LUMIVANE_PC_importers "lumivane")
+set(LUMIVANE_PC_pictures "lumivane lumivane-visibility lumivane-measure")
+foreach(component visibility measure importers pictures)
   if(TARGET lumivane_${component})
+    set(LUMIVANE_PC_REQUIRES "${LUMIVANE_PC_${component}}")
     configure_file(cmake/lumivane-component.pc.in
       "${PROJECT_BINARY_DIR}/lumivane-${component}.pc" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/lumivane-${component}.pc"
       DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
-    string(APPEND LUMIVANE_PC_REQUIRES " lumivane-${component}")  # of those that use it
   endif()
 endforeach()
 

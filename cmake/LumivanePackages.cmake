@@ -14,7 +14,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Our libraries find each other among the build's files, since no package holds them yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/src/measure" "${PROJECT_BINARY_DIR}/src/visibility"
-  "${PROJECT_BINARY_DIR}/src/exchange")
+  "${PROJECT_BINARY_DIR}/src/importers" "${PROJECT_BINARY_DIR}/src/pictures")
 
 set(soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set(exact "(= ${PROJECT_VERSION})")
@@ -42,13 +42,13 @@ set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION
   "${PROJECT_DESCRIPTION} (pages, examples and the reference)")
 
 set(CPACK_COMPONENTS_ALL library development documentation)
-if(TARGET lumivane_measure OR TARGET lumivane_exchange)
+if(TARGET lumivane_measure)
   list(APPEND CPACK_COMPONENTS_ALL components)
   set(CPACK_DEBIAN_COMPONENTS_PACKAGE_NAME "liblumivane-components${soversion}")
   set(CPACK_DEBIAN_COMPONENTS_PACKAGE_SECTION libs)
   set(CPACK_DEBIAN_COMPONENTS_PACKAGE_DEPENDS "liblumivane${soversion} ${exact}")
   set(CPACK_COMPONENT_COMPONENTS_DESCRIPTION
-    "${PROJECT_DESCRIPTION} (what comes in and goes out, and measures)")
+    "${PROJECT_DESCRIPTION} (importers, vector pictures, exact maps and measures)")
   string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     ", liblumivane-components${soversion} ${exact}")
   string(APPEND CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS

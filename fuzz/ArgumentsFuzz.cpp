@@ -3,7 +3,7 @@
 #include "Bytes.h"
 #include "Options.h"
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 #include "ImportOptions.h"
 #endif
 
@@ -83,7 +83,7 @@ void declare(CLI::App& app, Options& options) {
   Host::setBatchOptions(*app.add_subcommand("batch"), options.batch);
   Host::setGridOptions(*app.add_subcommand("grid"), options.grid);
   Host::setJson5Options(*app.add_subcommand("json5"), options.json5);
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   Host::setImportOptions(*app.add_subcommand("import"), options.import);
   Host::setViewOptions(*app.add_subcommand("view"), options.view);
 #endif

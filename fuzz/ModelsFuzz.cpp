@@ -6,7 +6,7 @@
 
 #include <lumivane/check/Finding.h>
 #include <lumivane/check/SceneChecker.h>
-#include <lumivane/exchange/Importer.h>
+#include <lumivane/importers/Importer.h>
 #include <lumivane/io/DataReader.h>
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/LoadedScene.h>
@@ -19,7 +19,7 @@
 
 namespace {
 
-namespace Exchange = Lumivane::Exchange;
+namespace Importers = Lumivane::Importers;
 namespace Session = Lumivane::Session;
 using Lumivane::Fuzz::Bytes;
 using Lumivane::Fuzz::require;
@@ -42,10 +42,10 @@ std::string ending(char letter) {
   }
 }
 
-Exchange::ImportOptions options(char letter) {
+Importers::ImportOptions options(char letter) {
   const int bits = letter - '0';
-  Exchange::ImportOptions options;
-  if (bits & 1) options.sides = Exchange::ImportSides::Both;
+  Importers::ImportOptions options;
+  if (bits & 1) options.sides = Importers::ImportSides::Both;
   options.yUp = (bits & 2) != 0;
   options.center = (bits & 4) != 0;
   if (bits & 8) options.eye = {4.1, 0.3, 2.2};
@@ -84,14 +84,14 @@ void takeShot(Session::LoadedScene& scene) {
   }
 }
 
-void checkScene(Exchange::ImportedScene& imported) {
+void checkScene(Importers::ImportedScene& imported) {
   Lumivane::Scene::Scene3D& scene = imported.scene.scene();
   require(!hasErrors(scene));
   require(imported.report.regions > 0 && imported.report.points > 0);
-  const std::string text = Exchange::Importer::sceneText(scene);
+  const std::string text = Importers::Importer::sceneText(scene);
   const std::unique_ptr<Lumivane::Scene::Scene3D> again(
       Lumivane::IO::DataReader().readSceneString(text));
-  require(again != nullptr && Exchange::Importer::sceneText(*again) == text);
+  require(again != nullptr && Importers::Importer::sceneText(*again) == text);
   takeShot(imported.scene);
 }
 
@@ -102,9 +102,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Bytes bytes(data, size);
   const auto format = bytes.take<char>(), making = bytes.take<char>();
   const File file("model" + ending(format), bytes.rest());
-  Exchange::Importer::isImportable(file.path);
+  Importers::Importer::isImportable(file.path);
   try {
-    Exchange::ImportedScene imported = Exchange::Importer::importFile(file.path, options(making));
+    Importers::ImportedScene imported = Importers::Importer::importFile(file.path, options(making));
     checkScene(imported);
   } catch (const Session::Error& error) {
     require(!error.cause().empty());

@@ -4,8 +4,8 @@
 #include "Streams.h"
 
 #include <lumivane/check/SceneChecker.h>
-#ifdef LUMIVANE_HOST_EXCHANGE
-#include <lumivane/exchange/Importer.h>
+#ifdef LUMIVANE_HOST_TOOLS
+#include <lumivane/importers/Importer.h>
 #endif
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
@@ -84,9 +84,9 @@ void printJson(const std::string& scene, const Findings& findings) {
 
 // A mesh or a city model is checked as the scene that an import makes of it.
 Findings findingsOf(const std::string& file) {
-#ifdef LUMIVANE_HOST_EXCHANGE
-  if (Exchange::Importer::isImportable(file))
-    return Check::SceneChecker::check(Exchange::Importer::importFile(file).scene.scene());
+#ifdef LUMIVANE_HOST_TOOLS
+  if (Importers::Importer::isImportable(file))
+    return Check::SceneChecker::check(Importers::Importer::importFile(file).scene.scene());
 #endif
   return Check::SceneChecker::checkText(Session::readDocument(file));
 }

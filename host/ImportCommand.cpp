@@ -12,7 +12,7 @@ namespace Lumivane::Host {
 namespace {
 
 void checkOutputs(const ImportCommandOptions& options) {
-  OutputNames names(Exchange::Importer::inputFiles(options.file));
+  OutputNames names(Importers::Importer::inputFiles(options.file));
   if (options.out.empty()) Session::checkWritable(options.out);
   names.add(options.out);
   names.add(options.stats);
@@ -23,8 +23,8 @@ void checkOutputs(const ImportCommandOptions& options) {
 void runImport(const ImportCommandOptions& options) {
   Session::checkReadable(options.file);
   checkOutputs(options);
-  const Exchange::ImportedScene imported = importFile(options.file, options.settings);
-  Session::writeFile(options.out, Exchange::Importer::sceneText(imported.scene.scene()));
+  const Importers::ImportedScene imported = importFile(options.file, options.settings);
+  Session::writeFile(options.out, Importers::Importer::sceneText(imported.scene.scene()));
   if (!options.stats.empty())
     Session::writeFile(options.stats, jsonText(reportNode(imported.report)));
   std::ostream& target = options.out == "/dev/stdout" ? std::cerr : std::cout;

@@ -13,9 +13,9 @@ namespace {
 
 using Triple = std::array<double, 3>;
 
-Exchange::ImportSides sidesOf(const ImportSettings& settings) {
-  if (settings.twoSided) return Exchange::ImportSides::Both;
-  return settings.flip ? Exchange::ImportSides::Inside : Exchange::ImportSides::Outside;
+Importers::ImportSides sidesOf(const ImportSettings& settings) {
+  if (settings.twoSided) return Importers::ImportSides::Both;
+  return settings.flip ? Importers::ImportSides::Inside : Importers::ImportSides::Outside;
 }
 
 std::string text(const Triple& triple) {
@@ -32,7 +32,7 @@ Jzon::Node node(const Triple& triple) {
 }
 
 // Of many bodies the first are named.
-std::string openBodiesText(const std::vector<Exchange::OpenBody>& bodies) {
+std::string openBodiesText(const std::vector<Importers::OpenBody>& bodies) {
   constexpr std::size_t MostNamed = 5;
   std::string text = std::to_string(bodies.size()) + " open bodies (edges of one polygon only): ";
   for (std::size_t i = 0; i < std::min(bodies.size(), MostNamed); ++i)
@@ -45,8 +45,8 @@ std::string openBodiesText(const std::vector<Exchange::OpenBody>& bodies) {
 
 }  // namespace
 
-Exchange::ImportOptions importOptions(const ImportSettings& settings) {
-  Exchange::ImportOptions options;
+Importers::ImportOptions importOptions(const ImportSettings& settings) {
+  Importers::ImportOptions options;
   options.sides = sidesOf(settings);
   options.scale = settings.scale;
   options.yUp = settings.yUp;
@@ -57,11 +57,11 @@ Exchange::ImportOptions importOptions(const ImportSettings& settings) {
   return options;
 }
 
-Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
-  return Exchange::Importer::importFile(path, importOptions(settings));
+Importers::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
+  return Importers::Importer::importFile(path, importOptions(settings));
 }
 
-std::string reportText(const Exchange::ImportReport& report) {
+std::string reportText(const Importers::ImportReport& report) {
   std::ostringstream stream;
   stream << "Imported " << report.format << ": " << report.sourcePolygons << " polygons as "
          << report.objects << " objects, " << report.faces << " faces, " << report.regions
@@ -77,7 +77,7 @@ std::string reportText(const Exchange::ImportReport& report) {
   return stream.str();
 }
 
-Jzon::Node reportNode(const Exchange::ImportReport& report) {
+Jzon::Node reportNode(const Importers::ImportReport& report) {
   Jzon::Node root = Jzon::object();
   root.add("format", Session::oneLine(report.format));
   root.add("shift", node(report.shift));
@@ -93,7 +93,7 @@ Jzon::Node reportNode(const Exchange::ImportReport& report) {
   root.add("empty_polygons", numberNode(report.emptyPolygons));
   root.add("unfilled_polygons", numberNode(report.unfilledPolygons));
   Jzon::Node bodies = Jzon::array();
-  for (const Exchange::OpenBody& body : report.openBodies) {
+  for (const Importers::OpenBody& body : report.openBodies) {
     Jzon::Node entry = Jzon::object();
     entry.add("object", Session::oneLine(body.object));
     entry.add("open_edges", numberNode(body.openEdges));

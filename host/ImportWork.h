@@ -2,7 +2,7 @@
 
 #include "ImportSettings.h"
 
-#include <lumivane/exchange/Importer.h>
+#include <lumivane/importers/Importer.h>
 #include <lumivane/jzon/Node.h>
 
 #include <string>
@@ -10,16 +10,16 @@
 namespace Lumivane::Host {
 
 /// How to import, as the command line asks for.
-Exchange::ImportOptions importOptions(const ImportSettings& settings);
+Importers::ImportOptions importOptions(const ImportSettings& settings);
 
 /// Imports a file as the command line asks for.
 /// \throws Session::Error
-Exchange::ImportedScene importFile(const std::string& path, const ImportSettings& settings);
+Importers::ImportedScene importFile(const std::string& path, const ImportSettings& settings);
 
 /// What became of a file, for the reader of a terminal: lines that end.
-std::string reportText(const Exchange::ImportReport& report);
+std::string reportText(const Importers::ImportReport& report);
 
 /// The same for statistics.
-Jzon::Node reportNode(const Exchange::ImportReport& report);
+Jzon::Node reportNode(const Importers::ImportReport& report);
 
 }  // namespace Lumivane::Host

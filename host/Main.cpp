@@ -5,7 +5,7 @@
 #include "Signals.h"
 #include "Streams.h"
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 #include "ImportOptions.h"
 #endif
 
@@ -46,7 +46,7 @@ int run(const std::vector<std::string>& arguments) {
   CLI::App* const showCommand =
       app.add_subcommand("show", "Show a scene and a shot in two windows");
   setShowOptions(*showCommand, show);
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   ViewOptions view;
   CLI::App* const viewCommand = app.add_subcommand(
       "view", "Find out exactly what one eye sees: shares, the map of it, pictures");
@@ -77,7 +77,7 @@ int run(const std::vector<std::string>& arguments) {
 
   if (app.got_subcommand("shot")) runShot(shot);
   if (app.got_subcommand("show")) runShow(show);
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   if (viewCommand->parsed()) runView(view);
   if (importCommand->parsed()) runImport(import);
 #endif

@@ -2,10 +2,10 @@
 
 #include "VisibleFile.h"
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 #include "ImportOptions.h"
 
-#include <lumivane/exchange/MapPicture.h>
+#include <lumivane/pictures/MapPicture.h>
 #endif
 
 #include <algorithm>
@@ -197,7 +197,7 @@ void readSize(const std::string& text, int& width, int& height) {
   height = side(text.substr(x + 1));
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 constexpr const char* SceneHelp = "scene file (JSON), mesh or city model";
 #else
 constexpr const char* SceneHelp = "scene file (JSON)";
@@ -205,7 +205,7 @@ constexpr const char* SceneHelp = "scene file (JSON)";
 
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
   command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   addImportSettings(command, import);
 #else
   static_cast<void>(import);
@@ -257,7 +257,7 @@ void addVisible(CLI::App& command, std::string& visible) {
 }
 #endif
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 void addFile(CLI::App& command, const std::string& name, std::string& target,
              const std::string& help, const std::string& group = "Options") {
   command.add_option(name, target, help)->type_name("FILE")->group(group);
@@ -322,20 +322,20 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
                    "compare the picture with the exact visibility map: how much of it is wrong "
                    "stands in --stats, and on standard error if it is more than 0.1 %");
 #endif
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   setVectorOptions(command, options.vector);
 #endif
 }
 
 void setBatchedShotOptions(CLI::App& command, ShotOptions& options) {
   setShotOptions(command, options);
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   addShares(command, options.shares, options.rows,
             "what the eye really sees of each object, and the sky, to write (.csv or .json)");
 #endif
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 namespace {
 
 constexpr const char* Pictures = "Pictures (need no display)";
@@ -361,7 +361,7 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
   addFile(command, "--html", options.html,
           "page to explore the map in a browser, with the shares of the objects", Pictures);
   std::vector<std::string> names;
-  for (const Exchange::MapProjectionName& entry : Exchange::mapProjections())
+  for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     names.emplace_back(entry.name);
   addNames(command, "--projection", options.projection, "how directions become a picture", names,
            Pictures);
@@ -469,7 +469,7 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
   command
       .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
       ->type_name("VIEWS");
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   const auto fault = [](const std::string& path) -> std::string {
     const bool isTable = path.size() > 4 && path.substr(path.size() - 4) == ".csv";
     return isTable ? "" : "\"" + path + "\" does not end in .csv";

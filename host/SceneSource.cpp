@@ -2,10 +2,10 @@
 
 #include "StatsNumbers.h"
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 #include "ImportWork.h"
 
-#include <lumivane/exchange/Importer.h>
+#include <lumivane/importers/Importer.h>
 #endif
 
 #include <lumivane/geometry/Point3d.h>
@@ -85,16 +85,16 @@ Session::Vector moved(const Session::Vector& point, const Session::Vector& shift
 }
 
 std::vector<std::string> sourceFiles(const std::string& path) {
-#ifdef LUMIVANE_HOST_EXCHANGE
-  return Exchange::Importer::inputFiles(path);
+#ifdef LUMIVANE_HOST_TOOLS
+  return Importers::Importer::inputFiles(path);
 #else
   return {path};
 #endif
 }
 
 bool isSceneFile(const std::string& path) {
-#ifdef LUMIVANE_HOST_EXCHANGE
-  return !Exchange::Importer::isImportable(path);
+#ifdef LUMIVANE_HOST_TOOLS
+  return !Importers::Importer::isImportable(path);
 #else
   static_cast<void>(path);
   return true;
@@ -102,9 +102,9 @@ bool isSceneFile(const std::string& path) {
 }
 
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings) {
-#ifdef LUMIVANE_HOST_EXCHANGE
-  if (Exchange::Importer::isImportable(path)) {
-    Exchange::ImportedScene imported = importFile(path, settings);
+#ifdef LUMIVANE_HOST_TOOLS
+  if (Importers::Importer::isImportable(path)) {
+    Importers::ImportedScene imported = importFile(path, settings);
     std::cout << reportText(imported.report) << std::flush;
     return {std::move(imported.scene), reportNode(imported.report), false, {}};
   }
@@ -112,27 +112,27 @@ SourcedScene loadScene(const std::string& path, const ImportSettings& settings) 
   return sceneFile(path, settings);
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 struct SceneForEyes::Model {
   static std::unique_ptr<Model> of(const std::string& path, const ImportSettings& settings) {
-    if (!Exchange::Importer::isImportable(path)) return nullptr;
-    return std::make_unique<Model>(Model{Exchange::ImportedModel(path, importOptions(settings))});
+    if (!Importers::Importer::isImportable(path)) return nullptr;
+    return std::make_unique<Model>(Model{Importers::ImportedModel(path, importOptions(settings))});
   }
 
   Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye, bool isReported) {
-    Exchange::ImportedScene imported = file.sceneFor(eye);
+    Importers::ImportedScene imported = file.sceneFor(eye);
     if (isReported) std::cout << reportText(imported.report) << std::flush;
     return std::move(imported.scene);
   }
 
-  Exchange::ImportedModel file;
+  Importers::ImportedModel file;
 };
 #else
 struct SceneForEyes::Model {};
 #endif
 
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
     : model(Model::of(path, settings)),
       current(model ? model->scene({}, true) : Session::LoadedScene::fromFile(path)) {
   if (!model && settings.center) shift = centred(current.scene());
@@ -146,7 +146,7 @@ SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settin
 SceneForEyes::~SceneForEyes() = default;
 
 Session::LoadedScene& SceneForEyes::at(const std::array<double, 3>& eye) {
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   if (model && currentEye != eye) {
     currentEye.reset();  // so that a failure leaves no scene under a wrong eye
     current = model->scene(eye, false);

@@ -71,7 +71,7 @@ void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& se
 
 void writeVectorPictures(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
                          Seconds& seconds) {
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   const Timer timer(seconds.vector);
   writeVectorFiles(options.vector, scene, options.view, shot, options.width, options.height);
 #else

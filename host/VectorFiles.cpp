@@ -3,11 +3,11 @@
 #include "ExactScene.h"
 #include "HostError.h"
 
-#include <lumivane/exchange/CairoWriter.h>
-#include <lumivane/exchange/HtmlPage.h>
-#include <lumivane/exchange/SvgWriter.h>
-#include <lumivane/exchange/VectorPicture.h>
 #include <lumivane/measure/VisibleShares.h>
+#include <lumivane/pictures/CairoWriter.h>
+#include <lumivane/pictures/HtmlPage.h>
+#include <lumivane/pictures/SvgWriter.h>
+#include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/session/TakenShot.h>
@@ -23,8 +23,8 @@
 namespace Lumivane::Host {
 namespace {
 
-using Exchange::CairoWriter;
-using Exchange::VectorPicture;
+using Pictures::CairoWriter;
+using Pictures::VectorPicture;
 
 constexpr const char* Group = "Vector pictures (need no display)";
 
@@ -46,19 +46,19 @@ struct Drawn {
 };
 
 std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
-                         const Exchange::VectorOptions& options) {
+                         const Pictures::VectorOptions& options) {
   std::vector<Drawn> result;
   if (files.svg.empty() && files.pdf.empty() && files.eps.empty() && files.png.empty()) return {};
   const VectorPicture picture(shot, options);
-  if (!files.svg.empty()) result.push_back({files.svg, Exchange::SvgWriter::write(picture)});
+  if (!files.svg.empty()) result.push_back({files.svg, Pictures::SvgWriter::write(picture)});
   if (!files.pdf.empty()) result.push_back({files.pdf, CairoWriter::pdf(picture)});
   if (!files.eps.empty()) result.push_back({files.eps, CairoWriter::eps(picture)});
   if (!files.png.empty()) result.push_back({files.png, CairoWriter::png(picture)});
   return result;
 }
 
-void addToPage(Exchange::HtmlPage& page, const Session::TakenShot& shot,
-               Exchange::VectorOptions options, const Visibility::MapShares& exact) {
+void addToPage(Pictures::HtmlPage& page, const Session::TakenShot& shot,
+               Pictures::VectorOptions options, const Visibility::MapShares& exact) {
   options.extent = std::max(options.extent, PageExtent);
   page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()), &exact);
 }
@@ -89,13 +89,13 @@ std::string firstPath(const VectorFiles& files) {
   return "";
 }
 
-Exchange::VectorOptions optionsOf(const VectorFiles& files, const Session::LoadedScene& scene,
+Pictures::VectorOptions optionsOf(const VectorFiles& files, const Session::LoadedScene& scene,
                                   int width, int height) {
-  Exchange::VectorOptions options;
+  Pictures::VectorOptions options;
   options.width = width;
   options.height = height;
   options.extent = files.extent;
-  options.axes = files.axes ? Exchange::VectorAxes::OfShot : Exchange::VectorAxes::None;
+  options.axes = files.axes ? Pictures::VectorAxes::OfShot : Pictures::VectorAxes::None;
   options.title = std::filesystem::path(scene.name()).filename().string();
   return options;
 }
@@ -136,12 +136,12 @@ void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
                       int height) {
   const std::string first = firstPath(files);
   if (first.empty()) return;
-  const Exchange::VectorOptions options = optionsOf(files, scene, width, height);
+  const Pictures::VectorOptions options = optionsOf(files, scene, width, height);
   std::vector<Drawn> pictures;
   try {
     pictures = drawn(files, shot.shot(), options);
     if (!files.html.empty()) {
-      Exchange::HtmlPage page(options.title);
+      Pictures::HtmlPage page(options.title);
       const Visibility::MapShares exact = exactShares(scene, view, shot);
       addToPage(page, shot, options, exact);
       if (files.htmlBoth) addToPage(page, otherShot(scene, view), options, exact);

@@ -15,7 +15,7 @@ struct ViewSettings;
 namespace Lumivane::Host {
 
 /// The vector pictures and the page of a shot to write; none of them needs a display. Only a
-/// program built with Lumivane::exchange has these options, and without them there is nothing to
+/// program built with Lumivane::pictures has these options, and without them there is nothing to
 /// write.
 struct VectorFiles {
   std::string svg;  ///< or empty, and so for the others

@@ -10,11 +10,11 @@
 #include "Stats.h"
 #include "StatsNumbers.h"
 
-#include <lumivane/exchange/CairoWriter.h>
-#include <lumivane/exchange/HtmlPage.h>
-#include <lumivane/exchange/MapPicture.h>
-#include <lumivane/exchange/SvgWriter.h>
-#include <lumivane/exchange/VectorPicture.h>
+#include <lumivane/pictures/CairoWriter.h>
+#include <lumivane/pictures/HtmlPage.h>
+#include <lumivane/pictures/MapPicture.h>
+#include <lumivane/pictures/SvgWriter.h>
+#include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/visibility/MapShares.h>
 #include <lumivane/visibility/MapText.h>
@@ -29,7 +29,7 @@
 namespace Lumivane::Host {
 namespace {
 
-using Exchange::VectorPicture;
+using Pictures::VectorPicture;
 using Visibility::MapShares;
 using Visibility::VisibleMap;
 
@@ -94,12 +94,12 @@ VisibleMap look(const ViewOptions& options, const ExactScene& scene, ViewSeconds
   return scene.look(options.eye, how);
 }
 
-Exchange::MapPictureOptions pictureOptions(const ViewOptions& options) {
-  Exchange::MapPictureOptions result;
-  for (const Exchange::MapProjectionName& entry : Exchange::mapProjections())
+Pictures::MapPictureOptions pictureOptions(const ViewOptions& options) {
+  Pictures::MapPictureOptions result;
+  for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     if (options.projection == entry.name) result.projection = entry.projection;
   const bool isWide = fieldOf(options) == Visibility::Field::Sphere &&
-                      result.projection == Exchange::MapProjection::Equirectangular;
+                      result.projection == Pictures::MapProjection::Equirectangular;
   const Size size = options.size ? *options.size : Size{isWide ? 1600 : 800, 800};
   result.width = size.width;
   result.height = size.height;
@@ -107,9 +107,9 @@ Exchange::MapPictureOptions pictureOptions(const ViewOptions& options) {
   return result;
 }
 
-std::string pageOf(const VisibleMap& map, const Exchange::MapColors& colors,
-                   Exchange::MapPictureOptions options, const MapShares& shares) {
-  Exchange::HtmlPage page(options.title);
+std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
+                   Pictures::MapPictureOptions options, const MapShares& shares) {
+  Pictures::HtmlPage page(options.title);
   options.extent = 1.02;  // so that no line of the rim is cut
   page.add(VectorPicture(map, colors, options), map, shares);
   return page.text();
@@ -119,14 +119,14 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
                  const VisibleMap& map, const MapShares& shares, std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
   if (!isDrawn && options.html.empty()) return;
-  const Exchange::MapColors colors =
-      options.colorBy == "object" ? Exchange::MapColors() : Exchange::MapColors(scene.scene());
-  const Exchange::MapPictureOptions how = pictureOptions(options);
+  const Pictures::MapColors colors =
+      options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
+  const Pictures::MapPictureOptions how = pictureOptions(options);
   if (isDrawn) {
     const VectorPicture picture(map, colors, how);
-    if (!options.svg.empty()) outputs.push_back({options.svg, Exchange::SvgWriter::write(picture)});
-    if (!options.pdf.empty()) outputs.push_back({options.pdf, Exchange::CairoWriter::pdf(picture)});
-    if (!options.png.empty()) outputs.push_back({options.png, Exchange::CairoWriter::png(picture)});
+    if (!options.svg.empty()) outputs.push_back({options.svg, Pictures::SvgWriter::write(picture)});
+    if (!options.pdf.empty()) outputs.push_back({options.pdf, Pictures::CairoWriter::pdf(picture)});
+    if (!options.png.empty()) outputs.push_back({options.png, Pictures::CairoWriter::png(picture)});
   }
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
 }

@@ -26,10 +26,11 @@ ARROWS = {
     "session": ["check"],
     "visibility": ["session"],
     "measure": ["visibility"],
-    "exchange": ["measure"],
+    "importers": ["session"],
+    "pictures": ["measure"],
 }
 # Rooms of the components beside the core: their headers are not in the umbrella.
-COMPONENTS = ["measure", "visibility", "exchange"]
+COMPONENTS = ["measure", "visibility", "importers", "pictures"]
 PUBLIC_ROOMS = list(ARROWS)
 
 # Two classes of base own points, so these two bodies may look up to geometry.

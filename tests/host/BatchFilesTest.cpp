@@ -177,7 +177,7 @@ TEST(BatchFiles, ASceneThatChangedIsMadeAgainAndTheReasonIsPrinted) {
       << options.out;
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 TEST(BatchFiles, AMaterialThatChangedIsMadeAgain) {
   const TempFolder folder;
   const std::string scene = folder.file("cube.obj", fileBytes(LUMIVANE_MODELS "/cube.obj"));

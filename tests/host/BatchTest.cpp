@@ -107,7 +107,7 @@ TEST(BatchProgram, AShotOfABatchIsThatOfTheShotCommand) {
   EXPECT_EQ(fileBytes(folder.path("shot.json")), fileBytes(folder.path("out/shots/view1.json")));
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 // Objects and faces of a model are listed by their distance from the eye, which decides where faces
 // overlap in a cycle.
 TEST(BatchProgram, AShotOfAModelIsThatOfTheShotCommandForEveryEye) {

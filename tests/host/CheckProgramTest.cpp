@@ -64,7 +64,7 @@ TEST(CheckProgram, JsonIsForMachines) {
   EXPECT_EQ(3, report.at("findings").at(0).at("region"));
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 TEST(CheckProgram, MeshOrCityModelIsCheckedAsTheSceneOfItsImport) {
   for (const std::string name : {"cube.obj", "house.city.json"}) {
     const std::string model = LUMIVANE_MODELS "/" + name;

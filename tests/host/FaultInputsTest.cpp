@@ -263,7 +263,7 @@ bool isUtf8(const std::string& text) {
   return true;
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 // An object's name goes into pictures and pages, which are for other programs to read.
 TEST(FaultyInput, NamesThatAreNoTextMakeNoOutputUnreadable) {
   const TempFolder folder;
@@ -330,7 +330,7 @@ TEST(FaultyInput, NothingOf200MegabytesIsAnError) {
   expectNoHarm(lumivane({"check", blanks}), blanks);
 }
 
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
 TEST(FaultyInput, ModelOf200MegabytesIsImported) {
   const TempFolder folder;
   const std::string model = bigFile(folder, "a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\n",

@@ -236,7 +236,7 @@ Arguments optionsFor(const TempFolder& folder) {
 #ifdef LUMIVANE_HOST_MEASURES
   options = options + Arguments{"--visible", folder.path("a.csv")};
 #endif
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   options =
       options + Arguments{"--svg",  folder.path("a.svg"), "--pdf",        folder.path("a.pdf"),
                           "--eps",  folder.path("a.eps"), "--png-vector", folder.path("a.png"),

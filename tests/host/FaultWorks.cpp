@@ -32,7 +32,7 @@ std::vector<Output> shotOutputs() {
       {"shares", Shot + Arguments{"--visible"}, ".csv"},
       {"shares as JSON", Shot + Arguments{"--visible"}, ".json"},
 #endif
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
       {"SVG", Shot + Arguments{"--svg"}, ".svg"},
       {"PDF", Shot + Arguments{"--pdf"}, ".pdf"},
       {"EPS", Shot + Arguments{"--eps"}, ".eps"},
@@ -63,7 +63,7 @@ std::vector<Output> outputs(const TempFolder& inputs) {
   std::vector<Output> result = shotOutputs();
   result.push_back({"JSON", {"json5", inputs.file("numbers.json5", json5Text()), "-o"}, ".json"});
   result.push_back({"table", {"grid", Small, "--spacing", "0.3", "--height", "1.5", "-o"}, ".csv"});
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   const std::string house = LUMIVANE_MODELS "/house.city.json";
   result.push_back({"scene", {"import", house, "-o"}, ".json"});
   result.push_back({"report", {"import", house, "-o", "/dev/null", "--stats"}, ".json"});
@@ -91,7 +91,7 @@ std::vector<Input> inputs(const TempFolder& made) {
        made.path("views.csv"),
        false},
   };
-#ifdef LUMIVANE_HOST_EXCHANGE
+#ifdef LUMIVANE_HOST_TOOLS
   for (const std::string name :
        {"house.city.json", "cube.obj", "pyramid.ply", "pyramid-big.ply", "tetrahedron.stl",
         "tetrahedron-binary.stl", "boxes.gltf", "boxes.glb"})

@@ -41,7 +41,7 @@ if(NOT shot STREQUAL shot2)
 endif()
 
 # Components without CMake.
-file(WRITE "${WORK}/components.cpp" "#include <lumivane/exchange/SvgWriter.h>
+file(WRITE "${WORK}/components.cpp" "#include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/session/LoadedScene.h>
 
@@ -53,7 +53,7 @@ int main(int, char** argv) {
   std::printf(\"%zu\", shares.objects().size());
 }
 ")
-foreach(component measure exchange)
+foreach(component visibility measure importers pictures)
   if(EXISTS "${BUILD}/lumivane-${component}.pc")
     run(pkg-config --modversion "lumivane-${component}")
     if(NOT output MATCHES "^${VERSION}\n")
@@ -61,8 +61,8 @@ foreach(component measure exchange)
     endif()
   endif()
 endforeach()
-if(EXISTS "${BUILD}/lumivane-exchange.pc")
-  run(pkg-config --cflags --libs lumivane-exchange)
+if(EXISTS "${BUILD}/lumivane-pictures.pc")
+  run(pkg-config --cflags --libs lumivane-pictures)
   separate_arguments(flags UNIX_COMMAND "${output} ${sanitizer}")
   run("${CXX}" "${WORK}/components.cpp" -o "${WORK}/components" ${flags}
     "-Wl,-rpath,${WORK}/prefix/lib:${WORK}/prefix/lib64")

@@ -9,7 +9,7 @@
 #include "truth/SceneArrays.h"
 #include "truth/SceneFaults.h"
 
-#include <lumivane/exchange/Importer.h>
+#include <lumivane/importers/Importer.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/visibility/SceneIndex.h>
 
@@ -177,10 +177,10 @@ class Campaign {
 
   void model(const std::string& file) {
     const std::string name = std::filesystem::path(file).filename().string();
-    const bool importable = Lumivane::Exchange::Importer::isImportable(file);
+    const bool importable = Lumivane::Importers::Importer::isImportable(file);
     const bool city = name.find(".city.json") != std::string::npos;
     const Lumivane::Session::LoadedScene loaded =
-        importable ? Lumivane::Exchange::Importer::importFile(file).scene
+        importable ? Lumivane::Importers::Importer::importFile(file).scene
                    : Lumivane::Session::LoadedScene::fromFile(file);
     const Judge judge(arraysOf(loaded.scene()));
     double start = seconds();

@@ -3,9 +3,9 @@
 
 #include "view/Models.h"
 
-#include <lumivane/exchange/HtmlPage.h>
-#include <lumivane/exchange/VectorPicture.h>
 #include <lumivane/measure/VisibleShares.h>
+#include <lumivane/pictures/HtmlPage.h>
+#include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
 
@@ -61,8 +61,8 @@ int main(int argc, char** argv) {
   const int objects = std::atoi(argv[3]);
   addObjects(model, objects);
   addRegions(model, std::atoi(argv[2]), objects);
-  Lumivane::Exchange::HtmlPage page("A town of " + std::string(argv[2]) + " regions");
-  page.add(Lumivane::Exchange::VectorPicture(*model.shot),
+  Lumivane::Pictures::HtmlPage page("A town of " + std::string(argv[2]) + " regions");
+  page.add(Lumivane::Pictures::VectorPicture(*model.shot),
            Lumivane::Measure::VisibleShares(*model.shot));
   std::ofstream(argv[1], std::ios::binary) << page.text();
   return 0;

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Importers {
+
+/// An object with edges that belong to one polygon only, so that it does not enclose a body:
+/// through the opening its surfaces can be looked at from behind, where they are not seen unless
+/// both sides are.
+struct OpenBody {
+  std::string object;         ///< its name in the file
+  std::size_t openEdges = 0;  ///< edges that one polygon only uses, above 0
+};
+
+/// What an import found and did.
+struct ImportReport {
+  std::string format;  ///< "OBJ", "STL", "PLY", "glTF" or "CityJSON" with its version
+
+  /// Was added to every point, after turning and scaling, in scene units: a scene point minus the
+  /// shift is the file's point.
+  std::array<double, 3> shift{0.0, 0.0, 0.0};
+
+  std::array<double, 3> lower{0.0, 0.0, 0.0};  ///< smallest coordinates of the scene
+  std::array<double, 3> upper{0.0, 0.0, 0.0};  ///< greatest coordinates of the scene
+
+  std::size_t sourcePolygons = 0;  ///< polygons in the file
+  std::size_t points = 0;          ///< points of the scene
+  std::size_t objects = 0;         ///< objects of the scene
+  std::size_t faces = 0;           ///< faces of the scene
+  std::size_t regions = 0;         ///< regions of the scene
+  std::size_t brushes = 0;         ///< brushes of the scene
+
+  std::size_t splitPolygons = 0;     ///< not flat, or with holes: cut into triangles
+  std::size_t emptyPolygons = 0;     ///< left out, since they have no area
+  std::size_t unfilledPolygons = 0;  ///< left out, since their outline crosses itself
+
+  std::vector<OpenBody> openBodies;  ///< but for pieces of the ground, in the order of the file
+
+  std::vector<std::string> warnings;  ///< one line each: what was left out and why
+};
+
+}  // namespace Lumivane::Importers

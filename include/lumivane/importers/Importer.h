@@ -1,0 +1,78 @@
+#pragma once
+
+#include <lumivane/importers/ImportOptions.h>
+#include <lumivane/importers/ImportReport.h>
+#include <lumivane/importers/export.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Importers {
+
+/// A scene made from a file of another program.
+struct ImportedScene {
+  Session::LoadedScene scene;  ///< named for the file
+  ImportReport report;         ///< what became of the file
+};
+
+/// A file of another program, read once, of which scenes for several eyes are made: the order of a
+/// scene's objects and faces depends on the eye (`ImportOptions::eye`). To be used from one thread
+/// at a time.
+class LUMIVANE_IMPORTERS_EXPORT ImportedModel {
+ public:
+  /// Reads the file; the eye of the options is not used.
+  /// \throws Session::Error as `Importer::importFile`
+  explicit ImportedModel(const std::string& path, const ImportOptions& options = {});
+  ImportedModel(ImportedModel&& other) noexcept;             ///< Takes all of the other.
+  ImportedModel& operator=(ImportedModel&& other) noexcept;  ///< Drops its own for the other's.
+  ImportedModel(const ImportedModel&) = delete;
+  ImportedModel& operator=(const ImportedModel&) = delete;
+  ~ImportedModel();
+
+  /// A new scene, with the same bytes as that of `Importer::importFile` with this eye in its
+  /// options. An eye that is not finite is none.
+  /// \throws Session::Error if no polygon has an area
+  ImportedScene sceneFor(const std::optional<std::array<double, 3>>& eye) const;
+
+ private:
+  struct State;
+  std::unique_ptr<const State> state;
+};
+
+/// Reads meshes (OBJ, STL, PLY, glTF) and city models (CityJSON) as scenes. Has no state.
+///
+/// Materials become brushes, and groups, nodes and city objects become objects with their names as
+/// ids. Neighbouring polygons in one plane become one face, whose inner edges are docking edges.
+class LUMIVANE_IMPORTERS_EXPORT Importer {
+ public:
+  /// Whether the file is of a kind that is read here, told by the ending of its name and, for
+  /// ".json", by its content, so that a scene file is not taken for a city model.
+  static bool isImportable(const std::string& path);
+
+  /// The files that reading this one reads: itself first, then the material libraries of an OBJ
+  /// file or the buffers of a glTF file, as far as they are there.
+  ///
+  /// \throws Session::Error if the file cannot be read
+  static std::vector<std::string> inputFiles(const std::string& path);
+
+  /// Reads a file.
+  ///
+  /// \throws Session::Error if the file cannot be read, is of no known kind, is damaged, or holds
+  ///                        no polygon; it says what is wrong and, if it can be told, at which
+  ///                        line, vertex or object
+  static ImportedScene importFile(const std::string& path, const ImportOptions& options = {});
+
+  /// The scene as a scene file, with all digits of its coordinates instead of 6, so that the file
+  /// gives the same shots as the scene, to the bit.
+  static std::string sceneText(Scene::Scene3D& scene);
+};
+
+}  // namespace Lumivane::Importers

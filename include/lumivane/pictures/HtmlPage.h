@@ -1,0 +1,59 @@
+#pragma once
+
+#include <lumivane/pictures/export.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Measure {
+class VisibleShares;
+}
+
+namespace Lumivane::Visibility {
+class MapShares;
+struct VisibleMap;
+}  // namespace Lumivane::Visibility
+
+namespace Lumivane::Pictures {
+
+class VectorPicture;
+
+/// A page to explore a shot or a visibility map: the picture beside the table of its objects with
+/// their view factors, in one file that loads nothing from anywhere. See docs/shot-page.md for what
+/// it does.
+class LUMIVANE_PICTURES_EXPORT HtmlPage {
+ public:
+  /// \param title  the page's heading; any bytes
+  explicit HtmlPage(std::string title);
+
+  /// Adds a shot of the same scene; between several the page switches. The first is shown first.
+  /// Of the picture the page keeps two decimals of a pixel at least and 1/40000 of the height.
+  ///
+  /// \param picture  how it looks
+  /// \param shares   what is visible of its objects, measured on the same shot
+  /// \param exact    if not null, the shares of a map of the same hemisphere, whose objects have
+  /// the
+  ///                 same numbers: shown beside those of the picture
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+           const Visibility::MapShares* exact);
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without them.
+  /// Adds a map. Between maps of one scene the page switches too.
+  ///
+  /// \param picture  how it looks
+  /// \param map      what it is of
+  /// \param shares   of that map
+  void add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+           const Visibility::MapShares& shares);
+
+  /// The document. Equal pictures and shares give equal bytes.
+  std::string text() const;
+
+ private:
+  std::string pageTitle;
+  void addSvg(const VectorPicture& picture);
+
+  std::vector<std::string> pictures;  // SVG
+  std::vector<std::string> tables;    // JSON
+};
+
+}  // namespace Lumivane::Pictures

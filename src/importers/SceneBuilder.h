@@ -1,0 +1,30 @@
+#pragma once
+
+#include "importers/SourceFaces.h"
+#include "importers/SourceModel.h"
+
+#include <lumivane/importers/ImportOptions.h>
+#include <lumivane/importers/ImportReport.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
+
+namespace Lumivane::Importers {
+
+/// Writes the faces of a placed model into a new scene, with one brush for each colour in use, one
+/// pen, and ids that differ. Objects without faces are left out. Fills the counts of the report.
+///
+/// \param surfaces  the faces of each object of the model
+/// \param order     the objects in the order of the scene's list
+/// \throws ImportError if nothing is left
+std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
+                                           const std::vector<ObjectSurfaces>& surfaces,
+                                           const std::vector<std::size_t>& order, ImportSides sides,
+                                           ImportReport& report);
+
+}  // namespace Lumivane::Importers

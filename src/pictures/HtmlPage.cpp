@@ -1,0 +1,174 @@
+#include "kernel/DisplayText.h"
+#include "pictures/PageSource.h"
+#include "pictures/SvgText.h"
+
+#include <lumivane/measure/VisibleShares.h>
+#include <lumivane/pictures/HtmlPage.h>
+#include <lumivane/pictures/SvgWriter.h>
+#include <lumivane/pictures/VectorPicture.h>
+#include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/VisibleMap.h>
+
+#include <cmath>
+#include <map>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+namespace Lumivane::Pictures {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr double LeastPlaces = 40000.0;  // on the height of a picture
+
+std::string htmlText(const std::string& bytes) {
+  std::string result;
+  for (const char c : xmlText(bytes)) {
+    if (c == '&')
+      result += "&amp;";
+    else if (c == '<')
+      result += "&lt;";
+    else if (c == '>')
+      result += "&gt;";
+    else
+      result += c;
+  }
+  return result;
+}
+
+// Nine digits tell more than any drawing shows, and make for shorter numbers than all of them.
+double rounded(double value) {
+  if (value == 0.0 || !std::isfinite(value)) return 0.0;
+  const double step = std::pow(10.0, 8.0 - std::floor(std::log10(std::abs(value))));
+  return std::isfinite(step) ? std::round(value * step) / step : value;
+}
+
+Json row(int number, const std::string& id, const std::vector<double>& values) {
+  Json result = {number, xmlText(Kernel::idText(id))};
+  for (const double value : values) result.push_back(rounded(value));
+  return result;
+}
+
+// "<" stands in a script only where a tag cannot begin.
+std::string scriptJson(const Json& json) {
+  std::string result;
+  for (const char c : json.dump()) {
+    if (c == '<')
+      result += "\\u003c";
+    else
+      result += c;
+  }
+  return result;
+}
+
+// What the page shows of a picture: the columns of its rows, the main one first.
+Json table(const std::string& name, const char* field, const std::vector<std::string>& columns) {
+  return {{"name", name}, {"field", field}, {"columns", columns}, {"rows", Json::array()}};
+}
+
+std::vector<double> valuesOf(const Measure::Share& share, const Visibility::ViewShare* exact) {
+  std::vector<double> values = {share.viewFactor, share.solidAngle, share.hemisphereShare()};
+  if (exact != nullptr) values.insert(values.end(), {exact->viewFactor, exact->solidAngle});
+  return values;
+}
+
+Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* exact) {
+  std::vector<std::string> columns = {"viewFactor", "solidAngle", "share"};
+  if (exact != nullptr) columns.insert(columns.end(), {"exactFactor", "exactAngle"});
+  const bool isRadial = shares.projection() == Algorithm::ProjectionType::Radial;
+  Json result = table(isRadial ? "radial" : "square", "hemisphere", columns);
+  const Visibility::ViewShare none;
+  for (const Measure::ObjectShare& object : shares.objects()) {
+    const auto at = static_cast<std::size_t>(object.objectNumber) - 1;
+    const Visibility::ViewShare* share = exact == nullptr ? nullptr : &none;
+    if (exact != nullptr && at < exact->objects().size()) share = &exact->objects()[at].share;
+    result["rows"].push_back(row(object.objectNumber, object.id, valuesOf(object.share, share)));
+  }
+  const Visibility::ViewShare* sky = exact == nullptr ? nullptr : &exact->sky();
+  result["rows"].push_back(row(0, "", valuesOf(shares.open(), sky)));
+  return result;
+}
+
+Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
+  const bool isHemisphere = map.field == Visibility::Field::Hemisphere;
+  std::vector<std::string> columns = {"solidAngle", "share"};
+  if (isHemisphere) columns.insert(columns.begin(), "viewFactor");
+  Json result = table("map", isHemisphere ? "hemisphere" : "sphere", columns);
+  const auto add = [&](int number, const std::string& id, const Visibility::ViewShare& share) {
+    std::vector<double> values = {share.solidAngle, share.solidAngle / map.fieldSolidAngle()};
+    if (isHemisphere) values.insert(values.begin(), share.viewFactor);
+    result["rows"].push_back(row(number, id, values));
+  };
+  for (std::size_t i = 0; i < shares.objects().size(); ++i) {
+    const bool hasId = map.names && i < map.names->objectIds.size();
+    add(shares.objects()[i].label.object, hasId ? map.names->objectIds[i] : "",
+        shares.objects()[i].share);
+  }
+  add(0, "", shares.sky());
+  return result;
+}
+
+int decimalsFor(int height) {
+  int decimals = 2;
+  for (double steps = height * 100.0; steps < LeastPlaces && decimals < 6; steps *= 10.0)
+    ++decimals;
+  return decimals;
+}
+
+std::string joined(const std::vector<std::string>& parts, const char* separator) {
+  std::string result;
+  for (const std::string& part : parts) result += (result.empty() ? "" : separator) + part;
+  return result;
+}
+
+// The template with what belongs in the place of each "{{name}}".
+std::string filled(const std::string& text, const std::map<std::string, std::string>& values) {
+  std::string result;
+  size_t at = 0;
+  for (size_t open = text.find("{{"); open != std::string::npos; open = text.find("{{", at)) {
+    const size_t close = text.find("}}", open);
+    result += text.substr(at, open - at) + values.at(text.substr(open + 2, close - open - 2));
+    at = close + 2;
+  }
+  return result + text.substr(at);
+}
+
+}  // namespace
+
+HtmlPage::HtmlPage(std::string title) : pageTitle(std::move(title)) {}
+
+void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+                   const Visibility::MapShares* exact) {
+  addSvg(picture);
+  tables.push_back(scriptJson(tableOf(shares, exact)));
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares) {
+  add(picture, shares, nullptr);
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+                   const Visibility::MapShares& shares) {
+  addSvg(picture);
+  tables.push_back(scriptJson(tableOf(map, shares)));
+}
+
+void HtmlPage::addSvg(const VectorPicture& picture) {
+  SvgWriter::Options options;
+  options.titles = false;
+  options.declaration = false;
+  options.idPrefix = "p" + std::to_string(pictures.size() + 1) + "-";
+  options.decimals = decimalsFor(picture.height());
+  pictures.push_back(SvgWriter::write(picture, options));
+}
+
+std::string HtmlPage::text() const {
+  return filled(PageSource::Html, {{"title", htmlText(pageTitle)},
+                                   {"style", PageSource::Style},
+                                   {"script", PageSource::Script},
+                                   {"pictures", joined(pictures, "")},
+                                   {"data", "{\"pictures\":[" + joined(tables, ",") + "]}"}});
+}
+
+}  // namespace Lumivane::Pictures

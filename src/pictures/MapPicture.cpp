@@ -1,0 +1,184 @@
+// A map as a picture. Each cell is one region; what else is drawn are lines: those of the pens over
+// the cells, and under the cells a line of a cell's colour along each edge that has none. A
+// renderer that smooths edges mixes the two cells of an edge with what lies under them, which would
+// be the background.
+
+#include "pictures/MapPlane.h"
+#include "pictures/PictureFrame.h"
+
+#include <lumivane/pictures/MapPicture.h>
+#include <lumivane/pictures/VectorPicture.h>
+#include <lumivane/visibility/VisibleMap.h>
+
+#include <map>
+#include <tuple>
+#include <utility>
+
+namespace Lumivane::Pictures {
+namespace {
+
+using Color = VectorPicture::Color;
+using Line = VectorPicture::Line;
+using Path = VectorPicture::Path;
+using Pen = VectorPicture::Pen;
+using Visibility::VisibleMap;
+
+constexpr double LargestError = 0.1;   // pixels
+constexpr double UnderlayWidth = 1.5;  // pixels: what a smoothed edge reaches, on both sides
+
+// Paths of equal looks as one.
+class PathsByPen {
+ public:
+  void add(const Pen& pen, std::vector<Line> lines) {
+    const auto key =
+        std::make_tuple(pen.color.red, pen.color.green, pen.color.blue, pen.width, pen.roundEnds);
+    const auto [found, isNew] = positions.try_emplace(key, paths.size());
+    if (isNew) {
+      paths.emplace_back();
+      paths.back().pen = pen;
+    }
+    std::vector<Line>& target = paths[found->second].lines;
+    for (Line& line : lines) target.push_back(std::move(line));
+  }
+
+  std::vector<Path> take() { return std::move(paths); }
+
+ private:
+  std::map<std::tuple<int, int, int, double, bool>, std::size_t> positions;
+  std::vector<Path> paths;
+};
+
+class MapDrawing {
+ public:
+  MapDrawing(const VisibleMap& theMap, const MapColors& theColors,
+             const MapPictureOptions& theOptions)
+      : map(theMap),
+        colors(theColors),
+        options(theOptions),
+        rule(ruleOf(options.projection)),
+        frame(options.width, options.height, options.extent, rule.halfSize(map.field)),
+        directions(eyeDirections(map)),
+        plane(MapPlane::make(map, rule, LargestError / frame.length(1.0))) {}
+
+  std::vector<VectorPicture::Surface> surfaces() {
+    std::vector<VectorPicture::Surface> result;
+    for (std::size_t i = 0; i < map.cells.size(); ++i) {
+      std::vector<Line> lines = inPixels(plane->outline(i));
+      if (lines.empty()) continue;
+      result.emplace_back();
+      result.back().regions.push_back(regionOf(i, std::move(lines)));
+    }
+    return result;
+  }
+
+  // Under the cells and over them.
+  std::pair<std::vector<Path>, std::vector<Path>> edges() {
+    PathsByPen under;
+    PathsByPen over;
+    for (const VisibleMap::Edge& edge : map.edges) {
+      if (edge.left < 0 || edge.right < 0) continue;
+      const std::optional<Pen> pen = penOf(edge);
+      std::vector<Line> lines = inPixels(plane->arc(edge.from, edge.to));
+      (pen ? over : under).add(pen ? *pen : underlayOf(edge, lines.size() == 1), std::move(lines));
+    }
+    return {under.take(), over.take()};
+  }
+
+ private:
+  const VisibleMap::Cell& cell(int number) const {
+    return map.cells[static_cast<std::size_t>(number)];
+  }
+
+  static bool isDrawn(VisibleMap::EdgeKind kind) {
+    switch (kind) {
+      case VisibleMap::EdgeKind::Silhouette:
+      case VisibleMap::EdgeKind::Crease:
+      case VisibleMap::EdgeKind::Crossing:
+        return true;
+      case VisibleMap::EdgeKind::Inner:
+      case VisibleMap::EdgeKind::Field:
+        return false;
+    }
+    return false;
+  }
+
+  // That of the nearer one of two cells.
+  std::optional<Pen> penOf(const VisibleMap::Edge& edge) const {
+    if (!options.lines || !isDrawn(edge.kind)) return {};
+    const VisibleMap::Cell& left = cell(edge.left);
+    const VisibleMap::Cell& right = cell(edge.right);
+    const bool isLeftNearer = right.label.object == 0 ||
+                              (left.label.object != 0 && left.minDistance <= right.minDistance);
+    return colors.pen(isLeftNearer ? left.label : right.label);
+  }
+
+  // Round ends close the corners between edges; at the border they would stick out of the picture.
+  Pen underlayOf(const VisibleMap::Edge& edge, bool isWhole) const {
+    const VisibleMap::Cell& left = cell(edge.left);
+    const VisibleMap::Cell& right = cell(edge.right);
+    const bool isInside = isWhole && !isAtBorder(edge.from) && !isAtBorder(edge.to);
+    return {colors.fill(left.label.object != 0 ? left.label : right.label), UnderlayWidth,
+            isInside};
+  }
+
+  // Whether the picture ends there, at a right angle from forward.
+  bool isAtBorder(int vertex) const {
+    const bool endsThere =
+        rule.shape == PlaneShape::Disc || map.field == Visibility::Field::Hemisphere;
+    return endsThere && directions[static_cast<std::size_t>(vertex)].z <= 0.0;
+  }
+
+  VectorPicture::Region regionOf(std::size_t number, std::vector<Line> lines) const {
+    const Visibility::Label& label = map.cells[number].label;
+    VectorPicture::Region region;
+    region.number = static_cast<int>(number) + 1;
+    region.objectNumber = label.object;
+    region.objectId = idOf(label.object);
+    region.faceNumber = label.face;
+    region.sourceRegionNumber = label.region;
+    region.interior.lines = std::move(lines);
+    region.interior.closed = true;
+    region.interior.fill = colors.fill(label);
+    return region;
+  }
+
+  std::string idOf(int object) const {
+    const auto at = static_cast<std::size_t>(object) - 1;
+    return object >= 1 && map.names && at < map.names->objectIds.size() ? map.names->objectIds[at]
+                                                                        : "";
+  }
+
+  std::vector<Line> inPixels(const std::vector<Places>& lines) const {
+    std::vector<Line> result;
+    for (const Places& places : lines) {
+      result.emplace_back();
+      result.back().reserve(places.size());
+      for (const Kernel::Vec2 place : places) result.back().push_back(frame.at(place));
+    }
+    return result;
+  }
+
+  const VisibleMap& map;
+  const MapColors& colors;
+  const MapPictureOptions& options;
+  const ProjectionRule& rule;
+  PictureFrame frame;
+  std::vector<Kernel::Vec3> directions;
+  std::unique_ptr<MapPlane> plane;
+};
+
+}  // namespace
+
+VectorPicture::VectorPicture(const VisibleMap& map, const MapColors& colors,
+                             const MapPictureOptions& options)
+    : pictureWidth(options.width),
+      pictureHeight(options.height),
+      pictureTitle(options.title),
+      contentName("map") {
+  checkPictureSize(options.width, options.height, options.extent);
+  MapDrawing drawing(map, colors, options);
+  drawnSurfaces = drawing.surfaces();
+  std::tie(underlayPaths, linePaths) = drawing.edges();
+}
+
+}  // namespace Lumivane::Pictures

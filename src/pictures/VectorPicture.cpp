@@ -1,0 +1,81 @@
+#include "pictures/AxesPaths.h"
+#include "pictures/Colors.h"
+#include "pictures/PictureFrame.h"
+#include "pictures/ShotRegions.h"
+#include "pictures/Surfaces.h"
+
+#include <lumivane/base/View.h>
+#include <lumivane/base/ViewCamera.h>
+#include <lumivane/base/ViewCameraKind.h>
+#include <lumivane/pictures/VectorPicture.h>
+#include <lumivane/shot/Shot2d.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace Lumivane::Pictures {
+namespace {
+
+// Far enough to see all of a picture, near enough that its numbers keep their meaning.
+constexpr double SmallestExtent = 1e-3;
+constexpr double LargestExtent = 1e3;
+
+void checkSide(const char* name, int side) {
+  if (side >= 1 && side <= VectorOptions::LargestSide) return;
+  throw std::invalid_argument(std::string(name) + " " + std::to_string(side) +
+                              " of the picture is not within 1 to " +
+                              std::to_string(VectorOptions::LargestSide));
+}
+
+const VectorOptions& checked(const VectorOptions& options) {
+  checkPictureSize(options.width, options.height, options.extent);
+  const int style = options.style ? static_cast<int>(*options.style) : 0;
+  if (style < 0 || style > 2)
+    throw std::invalid_argument("there is no display style " + std::to_string(style));
+  return options;
+}
+
+Base::ViewDisplayStyle styleOf(const Shot::Shot2d& shot, const VectorOptions& options) {
+  if (options.style) return *options.style;
+  return shot.getView() ? shot.getView()->getDisplayStyle() : Base::ViewDisplayStyle::Filled;
+}
+
+bool isSquare(const Shot::Shot2d& shot) {
+  Base::View* view = shot.getView();
+  if (view == nullptr || view->getCamera() == nullptr) return false;
+  return view->getCamera()->getKind() == Base::ViewCameraKind::Normal;
+}
+
+std::vector<VectorPicture::Path> axesOf(const Shot::Shot2d& shot, VectorAxes axes,
+                                        const PictureFrame& frame) {
+  if (axes == VectorAxes::OfShot) axes = isSquare(shot) ? VectorAxes::Square : VectorAxes::Radial;
+  if (axes == VectorAxes::Square) return squareAxes(frame);
+  if (axes == VectorAxes::Radial) return radialAxes(frame);
+  return {};
+}
+
+std::optional<VectorPicture::Color> backgroundOf(const VectorOptions& options) {
+  if (!options.background) return {};
+  return toColor(*options.background);
+}
+
+}  // namespace
+
+void checkPictureSize(int width, int height, double extent) {
+  checkSide("width", width);
+  checkSide("height", height);
+  if (!(extent >= SmallestExtent && extent <= LargestExtent))
+    throw std::invalid_argument("the extent of the picture is not within 0.001 to 1000");
+}
+
+VectorPicture::VectorPicture(Shot::Shot2d& shot, const VectorOptions& options)
+    : pictureWidth(checked(options).width),
+      pictureHeight(options.height),
+      pictureTitle(options.title),
+      pictureBackground(backgroundOf(options)) {
+  const PictureFrame frame(options);
+  axesPaths = axesOf(shot, options.axes, frame);
+  drawnSurfaces = surfacesOf(drawnRegions(shot, frame, styleOf(shot, options)));
+}
+
+}  // namespace Lumivane::Pictures

@@ -1,0 +1,151 @@
+#include "pictures/PictureModels.h"
+#include "support/HandMap.h"
+
+#include <lumivane/measure/VisibleShares.h>
+#include <lumivane/pictures/HtmlPage.h>
+#include <lumivane/pictures/MapPicture.h>
+#include <lumivane/pictures/SvgWriter.h>
+#include <lumivane/pictures/VectorPicture.h>
+#include <lumivane/visibility/MapShares.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace Lumivane::Test {
+namespace {
+
+using Pictures::HtmlPage;
+using Pictures::VectorPicture;
+using Json = nlohmann::json;
+
+std::string pageOf(const PiecesModel& model, const std::string& title = "A page") {
+  HtmlPage page(title);
+  page.add(VectorPicture(*model.shot), Measure::VisibleShares(*model.shot));
+  return page.text();
+}
+
+// The data that the page's script reads.
+Json dataOf(const std::string& page) {
+  const std::string start = "<script type=\"application/json\" id=\"data\">";
+  const size_t from = page.find(start) + start.size();
+  return Json::parse(page.substr(from, page.find("</script>", from) - from));
+}
+
+size_t count(const std::string& text, const std::string& part) {
+  size_t found = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++found;
+  return found;
+}
+
+TEST(HtmlPage, HoldsThePictureAndTheSharesOfItsObjects) {
+  const FourPieces model;
+  const std::string page = pageOf(model);
+  EXPECT_EQ(0u, page.find("<!doctype html>"));
+  EXPECT_EQ(4u, count(page, "data-region=\""));
+  const Json picture = dataOf(page).at("pictures").at(0);
+  EXPECT_EQ("radial", picture.at("name"));
+  ASSERT_EQ(2u, picture.at("rows").size());
+  const Measure::VisibleShares shares(*model.shot);
+  const Json row = picture.at("rows").at(0);
+  EXPECT_EQ(1, row.at(0));
+  EXPECT_EQ("A", row.at(1));
+  EXPECT_NEAR(shares.objects().at(0).share.viewFactor, row.at(2).get<double>(), 1e-9);
+  EXPECT_NEAR(shares.objects().at(0).share.solidAngle, row.at(3).get<double>(), 1e-8);
+  EXPECT_NEAR(shares.objects().at(0).share.hemisphereShare(), row.at(4).get<double>(), 1e-9);
+  EXPECT_EQ(0, picture.at("rows").at(1).at(0));
+  EXPECT_NEAR(shares.open().viewFactor, picture.at("rows").at(1).at(2).get<double>(), 1e-9);
+}
+
+TEST(HtmlPage, LeavesNoPlaceOfTheTemplateOpenAndNamesNoOtherPlace) {
+  const std::string page = pageOf(FourPieces());
+  EXPECT_EQ(std::string::npos, page.find("{{"));
+  EXPECT_EQ(count(page, "http://www.w3.org/2000/svg"), count(page, "://"));
+  EXPECT_EQ(std::string::npos, page.find("src="));
+}
+
+TEST(HtmlPage, TitleAndIdsOfAnyBytesStayText) {
+  FourPieces model;
+  const std::string id = "</script><script>alert(1)</script>{{style}}";
+  model.shot->getObjects()->getObject(0)->setId(id);
+  const std::string page = pageOf(model, "<img src=x> & {{data}} \xFF");
+  EXPECT_EQ(2u, count(page, "&lt;img src=x&gt; &amp; {{data}} \xEF\xBF\xBD"));
+  EXPECT_EQ(2u, count(page, "</script>"));  // those of the template
+  EXPECT_EQ(id, dataOf(page).at("pictures").at(0).at("rows").at(0).at(1));
+}
+
+TEST(HtmlPage, EscapesOfAnIdAreShownDecodedInTableAndPicture) {
+  FourPieces model;
+  model.shot->getObjects()->getObject(0)->setId("caf\\u00e9 \xE9");
+  const std::string page = pageOf(model);
+  const std::string shown = "caf\xC3\xA9 \xEF\xBF\xBD";
+  EXPECT_EQ(shown, dataOf(page).at("pictures").at(0).at("rows").at(0).at(1));
+  EXPECT_EQ(4u, count(page, "data-object=\"" + shown + "\""));
+}
+
+TEST(HtmlPage, PicturesOfOnePageHaveIdsOfTheirOwn) {
+  FourPieces model;
+  HtmlPage page("Two");
+  page.add(VectorPicture(*model.shot), Measure::VisibleShares(*model.shot));
+  model.view.setCamera(&model.normal);
+  page.add(VectorPicture(*model.shot), Measure::VisibleShares(*model.shot));
+  const std::string text = page.text();
+  EXPECT_EQ(1u, count(text, "id=\"p1-r1\""));
+  EXPECT_EQ(1u, count(text, "id=\"p2-r1\""));
+  EXPECT_EQ("square", dataOf(text).at("pictures").at(1).at("name"));
+}
+
+TEST(HtmlPage, EqualShotsGiveEqualBytes) { EXPECT_EQ(pageOf(FourPieces()), pageOf(FourPieces())); }
+
+TEST(HtmlPage, EmptyShotIsAPageOfTheOpenShare) {
+  const PiecesModel model;
+  const Json rows = dataOf(pageOf(model)).at("pictures").at(0).at("rows");
+  ASSERT_EQ(1u, rows.size());
+  EXPECT_EQ(1.0, rows.at(0).at(2));
+}
+
+TEST(SvgWriter, DecimalsOutOfRangeAreRefused) {
+  const FourPieces model;
+  Pictures::SvgWriter::Options options;
+  for (const int decimals : {-2, 7}) {
+    options.decimals = decimals;
+    EXPECT_THROW(Pictures::SvgWriter::write(VectorPicture(*model.shot), options),
+                 std::invalid_argument);
+  }
+  options.decimals = 0;
+  EXPECT_EQ(std::string::npos,
+            Pictures::SvgWriter::write(VectorPicture(*model.shot), options).find(".5"));
+}
+
+TEST(HtmlPage, ExactSharesStandBesideThoseOfThePicture) {
+  const FourPieces model;
+  const HandMap hand = squareInTheSky();
+  const Visibility::MapShares exact(hand.map);
+  Pictures::HtmlPage page("both");
+  page.add(VectorPicture(*model.shot), Measure::VisibleShares(*model.shot), &exact);
+  const Json picture = dataOf(page.text()).at("pictures").at(0);
+  EXPECT_EQ((Json{"viewFactor", "solidAngle", "share", "exactFactor", "exactAngle"}),
+            picture.at("columns"));
+  const Json sky = picture.at("rows").back();
+  EXPECT_EQ(0, sky.at(0));
+  EXPECT_NEAR(exact.sky().viewFactor, sky.at(5).get<double>(), 1e-8);
+  EXPECT_NEAR(exact.sky().solidAngle, sky.at(6).get<double>(), 1e-8);
+  EXPECT_NEAR(exact.objects().at(0).share.viewFactor, picture.at("rows").at(0).at(5).get<double>(),
+              1e-8);
+}
+
+TEST(HtmlPage, MapOfASphereHasNoViewFactors) {
+  const HandMap hand = cubeAroundTheEye();
+  Pictures::HtmlPage page("sphere");
+  page.add(Pictures::VectorPicture(hand.map, Pictures::MapColors(), {}), hand.map,
+           Visibility::MapShares(hand.map));
+  const Json picture = dataOf(page.text()).at("pictures").at(0);
+  EXPECT_EQ("sphere", picture.at("field"));
+  EXPECT_EQ((Json{"solidAngle", "share"}), picture.at("columns"));
+  ASSERT_EQ(7U, picture.at("rows").size());
+  EXPECT_NEAR(1.0 / 6.0, picture.at("rows").at(3).at(3).get<double>(), 1e-8);
+}
+
+}  // namespace
+}  // namespace Lumivane::Test
