@@ -1,6 +1,8 @@
 // The inner steps of a shot, on random input of a fixed seed. Steps with a plain form stand beside
 // it, so that what a faster form gains is the ratio of two lines of one run.
 
+#include "jzon/Json5.h"
+#include "jzon/JsonNumber.h"
 #include "kernel/Angle.h"
 #include "kernel/BoxTree.h"
 #include "kernel/Classify.h"
@@ -8,8 +10,6 @@
 #include "kernel/Docking.h"
 #include "kernel/Frame.h"
 #include "kernel/Hemisphere.h"
-#include "kernel/Json5.h"
-#include "kernel/JsonNumber.h"
 #include "kernel/Order.h"
 #include "kernel/Outline.h"
 #include "kernel/PointPool.h"
@@ -385,8 +385,8 @@ void writeNumbers(benchmark::State& state, Text text) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(numbers.size()));
 }
 void writeNumber(benchmark::State& state) {
-  std::array<char, Kernel::NumberTextLength> buffer{};
-  writeNumbers(state, [&](double number) { return Kernel::writeNumber(number, buffer.data()); });
+  std::array<char, Jzon::NumberTextLength> buffer{};
+  writeNumbers(state, [&](double number) { return Jzon::writeNumber(number, buffer.data()); });
 }
 void writeNumberPlain(benchmark::State& state) { writeNumbers(state, Plain::numberText<double>); }
 BENCHMARK(writeNumber);
@@ -400,7 +400,7 @@ void readNumbers(benchmark::State& state, Read read) {
     for (const std::string& text : texts) benchmark::DoNotOptimize(read(text));
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(texts.size()));
 }
-void readNumber(benchmark::State& state) { readNumbers(state, Kernel::readDouble); }
+void readNumber(benchmark::State& state) { readNumbers(state, Jzon::readDouble); }
 void readNumberPlain(benchmark::State& state) { readNumbers(state, Plain::readNumber<double>); }
 BENCHMARK(readNumber);
 BENCHMARK(readNumberPlain);
@@ -409,7 +409,7 @@ void json5ToJson(benchmark::State& state) {
   std::string text = "{points: [";
   for (const double number : randomNumbers()) text += Plain::numberText(number) + ", // a point\n";
   text += "],}";
-  for (auto _ : state) benchmark::DoNotOptimize(Kernel::json5ToJson(text));
+  for (auto _ : state) benchmark::DoNotOptimize(Jzon::json5ToJson(text));
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 BENCHMARK(json5ToJson)->Unit(benchmark::kMillisecond);

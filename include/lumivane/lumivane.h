@@ -59,6 +59,9 @@
 #include <lumivane/geometry/Vector3d.h>
 #include <lumivane/io/DataReader.h>
 #include <lumivane/io/DataWriter.h>
+#include <lumivane/io/Error.h>
+#include <lumivane/io/FileReading.h>
+#include <lumivane/io/FileWriting.h>
 #include <lumivane/jzon/Format.h>
 #include <lumivane/jzon/Jzon.h>
 #include <lumivane/jzon/Node.h>

@@ -1,6 +1,6 @@
 #include "algorithm/CycleReport.h"
 
-#include "kernel/NumberText.h"
+#include "cmd/NumberText.h"
 
 #include <lumivane/cmd/Log.h>
 
@@ -23,7 +23,7 @@ class NodeNumbers {
       : names(nodeNames), numbers(nodeNames.size()) {}
 
   int operator[](std::uint32_t node) {
-    if (!numbers[node]) numbers[node] = Kernel::parseInt(names[node]);
+    if (!numbers[node]) numbers[node] = Cmd::parseInt(names[node]);
     return *numbers[node];
   }
 

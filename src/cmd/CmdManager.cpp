@@ -1,4 +1,4 @@
-#include "kernel/NumberText.h"
+#include "cmd/NumberText.h"
 
 #include <lumivane/cmd/CmdManager.h>
 
@@ -14,12 +14,12 @@ int CmdManager::projectionType = 1;
 namespace {
 
 void setMinSegmentsNumber(const std::string& value) {
-  const int number = Kernel::parseInt(value);
+  const int number = parseInt(value);
   if (number > 0) CmdManager::minSegmentsNumber = number;
 }
 
 void setMaxSegmentsLength(const std::string& value) {
-  const double length = Kernel::parseDouble(value);
+  const double length = parseDouble(value);
   if (length > 0.0 && length <= 1.0) CmdManager::maxSegmentsLength = length;
 }
 

@@ -1,4 +1,4 @@
-#include "kernel/Json5.h"
+#include "jzon/Json5.h"
 
 #include <lumivane/io/DataReader.h>
 
@@ -8,7 +8,7 @@ namespace Lumivane::IO {
 
 std::string DataReader::Json5_to_Json(std::string text) {
   try {
-    return Kernel::json5ToJson(text);
+    return Jzon::json5ToJson(text);
   } catch (const std::exception&) {
     return std::string();  // Deliberate: the failure is not told
   }

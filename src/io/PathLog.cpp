@@ -1,6 +1,6 @@
 #include "io/PathLog.h"
 
-#include "kernel/ZeroFormat.h"
+#include "io/ZeroFormat.h"
 
 #include <lumivane/cmd/Log.h>
 
@@ -23,7 +23,7 @@ void logPath(const char* verb, const std::string& path) {
   Cmd::logMessage("%s", verb);
   // Deliberate: the path is the format of its message, so that a "%d" in it comes out as a number.
   // No arguments stand behind it, hence the zeros.
-  logBytes(Kernel::formatWithZeros(path));
+  logBytes(formatWithZeros(path));
   Cmd::logMessage("\n");
 }
 

@@ -1,8 +1,8 @@
 // The operations of a handle: each looks at the kind of its word and hands over to the data.
 
 #include "jzon/Building.h"
+#include "jzon/JsonNumber.h"
 #include "jzon/NodeData.h"
-#include "kernel/JsonNumber.h"
 
 #include <lumivane/jzon/Node.h>
 
@@ -11,8 +11,6 @@
 #include <utility>
 
 namespace Jzon {
-
-namespace Kernel = Lumivane::Kernel;
 
 namespace {
 
@@ -24,12 +22,12 @@ class NumberText {
  public:
   template <class Number>
   explicit NumberText(Number value) {
-    length = Kernel::writeNumber(value, characters.data());
+    length = writeNumber(value, characters.data());
   }
   std::string_view get() const { return {characters.data(), length}; }
 
  private:
-  std::array<char, Kernel::NumberTextLength> characters;
+  std::array<char, NumberTextLength> characters;
   std::size_t length;
 };
 
@@ -103,14 +101,12 @@ std::string Node::toString(const std::string& def) const {
   return isValue() ? std::string(ValueText(data).get()) : def;
 }
 
-int Node::toInt(int def) const { return isNumber() ? Kernel::readInt(ValueText(data).get()) : def; }
+int Node::toInt(int def) const { return isNumber() ? readInt(ValueText(data).get()) : def; }
 
-float Node::toFloat(float def) const {
-  return isNumber() ? Kernel::readFloat(ValueText(data).get()) : def;
-}
+float Node::toFloat(float def) const { return isNumber() ? readFloat(ValueText(data).get()) : def; }
 
 double Node::toDouble(double def) const {
-  return isNumber() ? Kernel::readDouble(ValueText(data).get()) : def;
+  return isNumber() ? readDouble(ValueText(data).get()) : def;
 }
 
 bool Node::toBool(bool def) const { return isBool() ? ValueText(data).get() == "true" : def; }

@@ -12,8 +12,6 @@
 
 namespace Jzon {
 
-namespace Kernel = Lumivane::Kernel;
-
 namespace {
 
 constexpr char LongName = static_cast<char>(0xFF);
@@ -112,7 +110,7 @@ void release(Word word) noexcept {
 }
 
 Word makeValue(Node::Type type, std::string_view text) {
-  const std::uint64_t bits = type == Node::T_NUMBER ? Kernel::packShortNumber(text) : 0;
+  const std::uint64_t bits = type == Node::T_NUMBER ? packShortNumber(text) : 0;
   if (bits != 0) return reinterpret_cast<Word>(static_cast<std::uintptr_t>(bits));
   return makeText(type, text);
 }

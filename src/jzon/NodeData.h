@@ -8,7 +8,7 @@
 // positions in memory (`begin`, `getNamedNode`) needs pairs of texts and handles; then they move
 // into a vector of such pairs, and all handles on the data see that vector.
 
-#include "kernel/ShortNumber.h"
+#include "jzon/ShortNumber.h"
 
 #include <lumivane/jzon/Node.h>
 
@@ -74,9 +74,7 @@ struct NodeAccess {
 // ---- words ----
 
 inline std::uint64_t bitsOf(Word word) { return reinterpret_cast<std::uintptr_t>(word); }
-inline bool isShortNumber(Word word) {
-  return (bitsOf(word) & Lumivane::Kernel::ShortNumberTag) != 0;
-}
+inline bool isShortNumber(Word word) { return (bitsOf(word) & ShortNumberTag) != 0; }
 inline bool isCounted(Word word) { return word != nullptr && !isShortNumber(word); }
 
 inline Node::Type typeOf(Word word) {
@@ -106,7 +104,7 @@ class ValueText {
  public:
   explicit ValueText(Word word) {
     if (isShortNumber(word)) {
-      view = {digits.data(), Lumivane::Kernel::unpackShortNumber(bitsOf(word), digits.data())};
+      view = {digits.data(), unpackShortNumber(bitsOf(word), digits.data())};
     } else {
       view = {word->text(), word->length};
     }
@@ -117,7 +115,7 @@ class ValueText {
   std::string_view get() const { return view; }
 
  private:
-  std::array<char, Lumivane::Kernel::ShortNumberLength> digits;
+  std::array<char, ShortNumberLength> digits;
   std::string_view view;
 };
 

@@ -7,8 +7,8 @@
 // one too many); so a value waits in the assembly until the next token comes, and a comma leaves a
 // flag.
 
+#include "jzon/JsonNumber.h"
 #include "jzon/NodeData.h"
-#include "kernel/JsonNumber.h"
 
 #include <lumivane/jzon/Parser.h>
 
@@ -398,7 +398,7 @@ std::string Parser::readString(Input& input) {
 
 // The value that a run of characters is; of type T_INVALID if it is none.
 Parser::Value Parser::interpretValue(std::string_view run) {
-  if (Lumivane::Kernel::isNumberText(run)) return {Node::T_NUMBER, run};
+  if (isNumberText(run)) return {Node::T_NUMBER, run};
   if (isKeyword(run, "NULL")) return {Node::T_NULL, {}};
   if (isKeyword(run, "TRUE")) return {Node::T_BOOL, "true"};
   if (isKeyword(run, "FALSE")) return {Node::T_BOOL, "false"};

@@ -1,4 +1,4 @@
-#include "kernel/JsonNumber.h"
+#include "jzon/JsonNumber.h"
 #include "support/Vectors.h"
 
 #include <lumivane/jzon/Parser.h>
@@ -79,7 +79,7 @@ const VectorTests parseCases("jsonParse", [](const VectorCase& c) {
 const VectorTests isNumberTextCases("isNumberText", [](const VectorCase& c) {
   checkedRun(c, [&] {
     const std::string text = c.in.at("text").get<std::string>();
-    EXPECT_EQ(c.out.get<bool>(), Lumivane::Kernel::isNumberText(text));
+    EXPECT_EQ(c.out.get<bool>(), Jzon::isNumberText(text));
     EXPECT_EQ(c.out.get<bool>(), first("[" + text + "]").isNumber());
   });
 });

@@ -9,7 +9,7 @@
 /// Numbers out of text, read as the runtime library reads them: leading white space and a sign are
 /// taken, and what follows the number is ignored. The texts of the exceptions are ours, the same
 /// on every platform.
-namespace Lumivane::Kernel {
+namespace Lumivane::Cmd {
 
 /// The base-10 integer that `text` starts with.
 ///
@@ -41,4 +41,4 @@ inline double parseDouble(const std::string& text) {
   return value;
 }
 
-}  // namespace Lumivane::Kernel
+}  // namespace Lumivane::Cmd

@@ -1,4 +1,4 @@
-#include "kernel/ZeroFormat.h"
+#include "io/ZeroFormat.h"
 
 #include <cstdio>
 #include <random>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Lumivane::Kernel {
+namespace Lumivane::IO {
 namespace {
 
 TEST(ZeroFormat, TextWithoutConversionStandsAsItIs) {
@@ -130,4 +130,4 @@ TEST(ZeroFormatProperty, IntegerConversionsAreWhatPrintfPrints) {
 }
 
 }  // namespace
-}  // namespace Lumivane::Kernel
+}  // namespace Lumivane::IO

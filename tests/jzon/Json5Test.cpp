@@ -1,4 +1,4 @@
-#include "kernel/Json5.h"
+#include "jzon/Json5.h"
 
 #include <iterator>
 #include <random>
@@ -10,7 +10,7 @@
 
 namespace {
 
-using Lumivane::Kernel::json5ToJson;
+using Jzon::json5ToJson;
 
 /// The value of the only member of an object, whose text is `value`.
 std::string valueText(const std::string& value) {

@@ -1,10 +1,10 @@
-#include <lumivane/session/Error.h>
+#include <lumivane/io/Error.h>
 
 #include <string>
 
 #include <gtest/gtest.h>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 namespace {
 
 TEST(Error, TellsSubjectAndCauseInOneLine) {
@@ -36,4 +36,4 @@ TEST(Error, CopyTellsTheSame) {
 }
 
 }  // namespace
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace Lumivane::Kernel {
+namespace Jzon {
 
 /// The text that a stream in its default format prints: integers whole, doubles with at most 6
 /// significant digits, always with a dot whatever the locale.
@@ -31,4 +31,4 @@ double readDouble(std::string_view text);
 /// asked for in front of an exponent, and one minus may stand anywhere there.
 bool isNumberText(std::string_view text);
 
-}  // namespace Lumivane::Kernel
+}  // namespace Jzon

@@ -1,4 +1,4 @@
-#include "kernel/JsonNumber.h"
+#include "jzon/JsonNumber.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <sstream>
 #include <system_error>
 
-namespace Lumivane::Kernel {
+namespace Jzon {
 
 namespace {
 
@@ -192,4 +192,4 @@ bool isNumberText(std::string_view text) {
   return test.isComplete();
 }
 
-}  // namespace Lumivane::Kernel
+}  // namespace Jzon

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Lumivane::Kernel {
+namespace Lumivane::IO {
 
 /// What printf prints for `format` when every conversion meets a zero: numbers are 0, characters
 /// are the byte 0, strings and pointers are null. `%n` gives nothing, and what is no conversion
@@ -15,4 +15,4 @@ namespace Lumivane::Kernel {
 /// more memory than there is.
 std::string formatWithZeros(const std::string& format);
 
-}  // namespace Lumivane::Kernel
+}  // namespace Lumivane::IO

@@ -1,9 +1,9 @@
 // The names of the files under way stand in a table of fixed size, because a signal handler reads
 // it: there, no memory may be asked for and no lock be waited for.
 
-#include "session/UnfinishedFiles.h"
+#include "io/UnfinishedFile.h"
 
-#include <lumivane/session/Files.h>
+#include <lumivane/io/FileWriting.h>
 
 #include <array>
 #include <atomic>
@@ -15,7 +15,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 namespace {
 
 enum class Use { Free, Taken, Named };
@@ -86,4 +86,4 @@ UnfinishedFile::~UnfinishedFile() {
   freeSlot(slot);
 }
 
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

@@ -1,7 +1,8 @@
 #include "support/TempFolder.h"
 
-#include <lumivane/session/Error.h>
-#include <lumivane/session/Files.h>
+#include <lumivane/io/Error.h>
+#include <lumivane/io/FileReading.h>
+#include <lumivane/io/FileWriting.h>
 
 #include <csignal>
 #include <cstdio>
@@ -15,7 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 namespace {
 
 namespace fs = std::filesystem;
@@ -222,4 +223,4 @@ TEST(Files, ALinkThatPointsAtNothingStaysALink) {
 }
 
 }  // namespace
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

@@ -1,4 +1,4 @@
-#include "kernel/ZeroFormat.h"
+#include "io/ZeroFormat.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +9,7 @@
 // printed by the runtime library with a zero of that type. So the library's own rules for flags,
 // width and precision hold, and there is never an argument list to run out of.
 
-namespace Lumivane::Kernel {
+namespace Lumivane::IO {
 namespace {
 
 constexpr int WidestField = 65536;
@@ -115,4 +115,4 @@ std::string formatWithZeros(const std::string& format) {
   return result;
 }
 
-}  // namespace Lumivane::Kernel
+}  // namespace Lumivane::IO

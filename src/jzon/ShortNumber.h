@@ -7,7 +7,7 @@
 
 /// Number texts in a word: up to 15 characters of 4 bits each, the first lowest, above a lowest
 /// digit of 1. A text of 6 significant digits always fits.
-namespace Lumivane::Kernel {
+namespace Jzon {
 
 constexpr std::size_t ShortNumberLength = 15;
 constexpr std::uint64_t ShortNumberTag = 1;
@@ -46,4 +46,4 @@ inline std::size_t unpackShortNumber(std::uint64_t word, char* out) {
   return length;
 }
 
-}  // namespace Lumivane::Kernel
+}  // namespace Jzon

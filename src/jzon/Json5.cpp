@@ -2,9 +2,9 @@
 // records, and the records are written out. Nesting is kept on stacks of our own, so the depth is
 // bounded by memory alone, and every look at the text stops at its end.
 
-#include "kernel/Json5.h"
+#include "jzon/Json5.h"
 
-#include "kernel/JsonNumber.h"
+#include "jzon/JsonNumber.h"
 
 #include <algorithm>
 #include <charconv>
@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace Lumivane::Kernel {
+namespace Jzon {
 
 namespace {
 
@@ -451,4 +451,4 @@ std::string json5ToJson(const std::string& text) {
   return result.take();
 }
 
-}  // namespace Lumivane::Kernel
+}  // namespace Jzon

@@ -1,10 +1,10 @@
 #include "kernel/DisplayText.h"
 
-#include <lumivane/session/Error.h>
+#include <lumivane/io/Error.h>
 
 #include <algorithm>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 
 std::string oneLine(const std::string& text) {
   std::string line = Kernel::utf8Text(text);
@@ -22,4 +22,4 @@ std::string Error::subject() const { return std::string(what()).substr(0, subjec
 
 std::string Error::cause() const { return std::string(what()).substr(subjectLength + 2); }
 
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

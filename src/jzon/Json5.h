@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Lumivane::Kernel {
+namespace Jzon {
 
 /// A JSON5 text in plain JSON. Whatever stands in front of the first error is converted, and an
 /// error leaves no trace. Escape sequences of strings are kept as written.
@@ -13,4 +13,4 @@ namespace Lumivane::Kernel {
 /// \throws std::length_error if the result would pass 1 GiB
 std::string json5ToJson(const std::string& text);
 
-}  // namespace Lumivane::Kernel
+}  // namespace Jzon

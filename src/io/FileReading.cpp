@@ -1,5 +1,5 @@
-#include <lumivane/session/Error.h>
-#include <lumivane/session/Files.h>
+#include <lumivane/io/Error.h>
+#include <lumivane/io/FileReading.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 namespace {
 
 [[noreturn]] void fail(const std::string& path, int error) {
@@ -61,4 +61,4 @@ std::string readDocument(const std::string& path) {
   return text;
 }
 
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

@@ -1,4 +1,4 @@
-#include "kernel/NumberText.h"
+#include "cmd/NumberText.h"
 #include "support/Thrown.h"
 #include "support/Vectors.h"
 
@@ -11,8 +11,8 @@
 namespace Lumivane::Test {
 namespace {
 
-using Kernel::parseDouble;
-using Kernel::parseInt;
+using Cmd::parseDouble;
+using Cmd::parseInt;
 
 TEST(ParseInt, ReadsTheNumberInFront) {
   EXPECT_EQ(0, parseInt("0"));

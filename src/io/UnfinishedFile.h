@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 
 /// A new file beside the place that it is meant for; unless it took that place, it goes with this
 /// object, or with `removeUnfinishedFiles`.
@@ -31,4 +31,4 @@ class UnfinishedFile {
   bool moved = false;
 };
 
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

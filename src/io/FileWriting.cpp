@@ -1,7 +1,7 @@
-#include "session/UnfinishedFiles.h"
+#include "io/UnfinishedFile.h"
 
-#include <lumivane/session/Error.h>
-#include <lumivane/session/Files.h>
+#include <lumivane/io/Error.h>
+#include <lumivane/io/FileWriting.h>
 
 #include <cerrno>
 #include <charconv>
@@ -16,7 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Lumivane::Session {
+namespace Lumivane::IO {
 namespace {
 
 namespace fs = std::filesystem;
@@ -198,4 +198,4 @@ bool sameFile(const std::string& a, const std::string& b) {
   return fs::equivalent(a, b, ignored) || writtenFile(a) == writtenFile(b);
 }
 
-}  // namespace Lumivane::Session
+}  // namespace Lumivane::IO

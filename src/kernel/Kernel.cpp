@@ -1,1 +1,0 @@
-// The kernels are headers; this file gives their object library a body.
