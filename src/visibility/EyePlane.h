@@ -2,6 +2,7 @@
 
 #include "kernel/Vec.h"
 #include "visibility/IndexState.h"
+#include "visibility/ParallelSight.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +19,10 @@ struct EyePlane {
   /// By which polygons are compared: that of the layer's plane, or the polygon's own where the eye
   /// is so near both planes that the layer's has it on the other side.
   Kernel::Vec3 nearness;
+  /// A point p, from the eye, lies behind the plane by which polygons are compared if
+  /// behind.p > behindOffset.
+  Kernel::Vec3 behind;
+  double behindOffset = 1.0;
 };
 
 /// An eye is in the plane of an outline if it is off it by no more than this part of the distance
@@ -61,6 +66,44 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::V
   result.nearness = nearnessOf(layer, layerOffset);
   if (!(Kernel::dot(result.nearness, result.ownNearness) > 0.0))
     result.nearness = result.ownNearness;
+  result.behind = result.nearness;
+  return result;
+}
+
+/// The nearness of a plane along parallel lines of sight: linear in the place in the picture, the
+/// greater is the nearer. `facing` is the cosine of the plane's normal with the lines of sight.
+inline Kernel::Vec3 nearnessOf(const ScenePlane& plane, double facing, const ParallelSight& sight) {
+  const double size = Kernel::length3(sight.along);  // 1 / that of the scene
+  const double across = size * size * facing;
+  const double depth = size * offsetFrom(plane, sight.middle) / facing;
+  return (Kernel::dot(plane.normal, sight.x) * size / across) * sight.faceX +
+         (Kernel::dot(plane.normal, sight.y) * size / across) * sight.faceY +
+         (ParallelSight::MiddleNearness - depth) * sight.faceForward;
+}
+
+/// The same for parallel lines of sight.
+inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, const ParallelSight& sight,
+                         bool twoSided) {
+  EyePlane result;
+  const double size = Kernel::length3(sight.along);
+  const auto facing = [&](const ScenePlane& plane) {
+    return Kernel::dot(plane.normal, sight.along) / size;
+  };
+  const ScenePlane& own = state.planes[polygon];
+  result.offset = facing(own);
+  if (std::abs(result.offset) <= ParallelSight::EdgeOn || (result.offset < 0.0 && !twoSided))
+    return result;
+  result.isSeen = true;
+  result.ownNearness = nearnessOf(own, result.offset, sight);
+  const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
+  const double layerFacing = facing(layer);
+  const bool fits =
+      layerFacing * result.offset > 0.0 && std::abs(layerFacing) > ParallelSight::EdgeOn;
+  const ScenePlane& compared = fits ? layer : own;
+  const double comparedFacing = fits ? layerFacing : result.offset;
+  result.nearness = nearnessOf(compared, comparedFacing, sight);
+  result.behind = (size / comparedFacing) * compared.normal;
+  result.behindOffset = size * offsetFrom(compared, sight.middle) / comparedFacing;
   return result;
 }
 

@@ -1,3 +1,5 @@
+#include "visibility/Look.h"
+
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
@@ -20,15 +22,18 @@
 // of threads, each into parts of its own. The parts are then joined in the order of the tiles, so
 // that the map does not depend on who did what.
 namespace Lumivane::Visibility {
-namespace {
 
 using Kernel::Vec3;
+
+namespace {
+
+double lengthOf(Vec3 v) { return Kernel::length3(v); }
+
+}  // namespace
 
 bool isFinite(const Vector& v) {
   return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
 }
-
-double lengthOf(Vec3 v) { return Kernel::length3(v); }
 
 // Of any length: the greatest coordinate becomes 1 first.
 Vec3 unitOf(const Vector& v) {
@@ -54,6 +59,8 @@ Vec3 upOf(const Vector& wanted, Vec3 forward) {
   const double length = lengthOf(up);
   return {up.x / length, up.y / length, up.z / length};
 }
+
+namespace {
 
 void check(const Vector& eye, const LookOptions& options) {
   if (!isFinite(eye)) throw std::invalid_argument("the eye is not finite");
@@ -209,6 +216,8 @@ void joinFaces(MapParts& parts, const std::array<Sides, FaceCount>& sides) {
 
 Tile wholeFace(int face) { return {face, -CubeHalf, -CubeHalf, CubeHalf, CubeHalf}; }
 
+}  // namespace
+
 void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
   const size_t polygons = setup.only != nullptr ? setup.only->size() : setup.state->polygonCount();
   const int levels = levelsFor(polygons);
@@ -222,8 +231,11 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   for (int face = 0; face < FaceCount; ++face)
     sides[static_cast<size_t>(face)] = joinTasks(parts, tasks, next, wholeFace(face), levels);
   joinFaces(parts, sides);
-  buildMap(parts, setup, {threadCount(options.threads), options.cancelled}, map);
+  buildMap(parts, setup, {threadCount(options.threads), options.cancelled, options.edgeSources},
+           map);
 }
+
+namespace {
 
 bool anySeen(const LookSetup& setup, const std::vector<std::int32_t>& numbers) {
   return std::any_of(numbers.begin(), numbers.end(), [&](std::int32_t number) {

@@ -155,10 +155,13 @@ void LookPolygons::placePlanes(LookPolygon& polygon) const {
   const auto i = static_cast<size_t>(polygon.number);
   polygon.layer = state.layers[i];
   polygon.region = state.regions[i];
-  const EyePlane seen = eyePlane(state, i, theSetup.eye, theSetup.twoSided);
+  const EyePlane seen = theSetup.parallel == nullptr
+                            ? eyePlane(state, i, theSetup.eye, theSetup.twoSided)
+                            : eyePlane(state, i, *theSetup.parallel, theSetup.twoSided);
   if (!seen.isSeen) return;
   polygon.seen = true;
-  polygon.scenePlane = seen.nearness;
+  polygon.behind = seen.behind;
+  polygon.behindOffset = seen.behindOffset;
   polygon.plane = toFrame(seen.nearness);
   polygon.ownPlane = toFrame(seen.ownNearness);
   polygon.weight =
@@ -174,7 +177,7 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
   corners.clear();
   for (size_t k = 0; k < count; ++k) {
     const Vec3 v = state.vertices[static_cast<size_t>(state.cornerVertices[begin + k])];
-    corners.push_back(toFrame(v - theSetup.eye));
+    corners.push_back(toFrame(theSetup.directionTo(v)));
   }
   for (size_t k = 0; k < count; ++k) {
     const size_t next = k + 1 == count ? 0 : k + 1;

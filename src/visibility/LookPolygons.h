@@ -2,6 +2,7 @@
 
 #include "visibility/CubeFaces.h"
 #include "visibility/IndexState.h"
+#include "visibility/ParallelSight.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +20,12 @@ struct LookSetup {
   bool hemisphere = true;
   FrameVector forward{};                            // the middle of the field, in the cube's axes
   const std::vector<std::int32_t>* only = nullptr;  // polygons to look at; all without it
+  const ParallelSight* parallel = nullptr;          // in place of the eye; null for an eye
+
+  /// The direction of a point of the scene, in the scene's axes.
+  Kernel::Vec3 directionTo(Kernel::Vec3 point) const {
+    return parallel == nullptr ? point - eye : parallel->directionTo(point);
+  }
 };
 
 /// A polygon as the eye sees it. 1 / distance along a direction d is plane.d, which is linear on a
@@ -32,7 +39,8 @@ struct LookPolygon {
   std::int32_t region = -1;       // position in the scene's order
   FrameVector plane{};            // of its layer, by which depth is compared
   FrameVector ownPlane{};         // for distances
-  Kernel::Vec3 scenePlane{};      // of its layer, in the scene's axes
+  Kernel::Vec3 behind{};          // a point p from the eye is behind the plane of the layer if
+  double behindOffset = 1.0;      // behind.p > behindOffset
   double weight = 0.0;            // sum of the magnitudes of plane, for bounds of rounding
   std::uint8_t cornerParity = 0;  // bit f: whether it covers the lower left corner of face f
   std::int8_t onlyFace = NoFace;  // the one face that it touches, or NoFace for several

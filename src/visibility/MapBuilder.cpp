@@ -503,7 +503,7 @@ class Builder {
   }
 
   Vec3 fromEye(std::int32_t vertex) const {
-    return setup.state->vertices[static_cast<size_t>(vertex)] - setup.eye;
+    return setup.directionTo(setup.state->vertices[static_cast<size_t>(vertex)]);
   }
 
   // The normal of the plane through the eye and a line, up to its sign.
@@ -512,7 +512,10 @@ class Builder {
     if (isCrossing(source)) {
       constexpr Source Low = (Source{1} << 31) - 1;
       const auto nearness = [this](Source polygon) {
-        return eyePlane(*setup.state, static_cast<size_t>(polygon), setup.eye, setup.twoSided)
+        const auto i = static_cast<size_t>(polygon);
+        return (setup.parallel == nullptr
+                    ? eyePlane(*setup.state, i, setup.eye, setup.twoSided)
+                    : eyePlane(*setup.state, i, *setup.parallel, setup.twoSided))
             .nearness;
       };
       return unit(nearness(source >> 31 & Low) - nearness(source & Low));
@@ -590,6 +593,10 @@ class Builder {
               [&](const Link& a, const Link& b) { return key(a) < key(b); });
     for (const Link& edge : edges)
       map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
+    if (!options.edgeSources) return;
+    for (const Link& edge : edges)
+      map.edgeSources.push_back(
+          edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
   }
 
   void orderCells(const std::vector<int>& firstVertex) {
@@ -837,6 +844,7 @@ class Builder {
   // the foot of the perpendicular, which `measureCells` looks at. Where a cell has several planes,
   // its pieces of border know theirs.
   void measureDistances() {
+    if (setup.parallel != nullptr) return;  // there is no eye to be distant from
     for (const VisibleMap::Edge& edge : map.edges)
       for (const int cell : {edge.left, edge.right}) {
         if (cell == NoCell || severalPolygons[static_cast<size_t>(cell)] != 0) continue;
@@ -938,7 +946,7 @@ class Builder {
         forArcs(cell, [&](Vec3 a, Vec3 b) { sum += arcViewFactor(a, b, forward); });
         cell.viewFactor = std::max(0.0, sum);
       }
-      if (cellPolygons[i] >= 0) lookAtFoot(cell, cellPolygons[i]);
+      if (cellPolygons[i] >= 0 && setup.parallel == nullptr) lookAtFoot(cell, cellPolygons[i]);
     });
     for (const auto& [cell, polygon] : morePolygons) {
       lookAtFoot(map.cells[static_cast<size_t>(cell)], polygon);

@@ -15,6 +15,7 @@ namespace Lumivane::Visibility {
 struct BuildOptions {
   size_t threads;                      ///< what is made does not depend on it
   const std::atomic<bool>* cancelled;  ///< may be null
+  bool edgeSources = false;            ///< whether to say on which edges of the scene edges lie
 };
 
 /// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures

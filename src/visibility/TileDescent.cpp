@@ -17,12 +17,6 @@ constexpr Coordinate SmallestTile = 1 << 14;
 constexpr int StalledLevels = 8;
 constexpr size_t StalledSegments = 400;
 
-Vec3 axisInScene(int axis, double sign) {
-  FrameVector v{};
-  v.c[axis] = sign;
-  return toScene(v);
-}
-
 // The greatest (or with a negated vector the least) of n.x over a box.
 double support(const SeenBox& box, Vec3 n) {
   return std::max(n.x * box.low[0], n.x * box.high[0]) +
@@ -64,19 +58,24 @@ Sides TileDescent::run(const Tile& tile) {
 
 TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
   const CubeFace& f = CubeFaces[static_cast<size_t>(tile.face)];
-  const Vec3 u = axisInScene(f.u, 1.0);
-  const Vec3 v = axisInScene(f.v, 1.0);
-  const Vec3 forward = axisInScene(f.axis, f.sign);
+  const Vec3 u = cubeAxis(f.u, 1.0);
+  const Vec3 v = cubeAxis(f.v, 1.0);
+  const Vec3 forward = cubeAxis(f.axis, f.sign);
   const auto at = [&](Coordinate c) { return static_cast<double>(c) / Half; };
-  return {{u - at(tile.x0) * forward, at(tile.x1) * forward - u, v - at(tile.y0) * forward,
-           at(tile.y1) * forward - v},
-          forward,
+  const ParallelSight* parallel = polygons.setup().parallel;
+  const auto side = [&](Vec3 n) {
+    return parallel == nullptr ? HalfSpace{n, 0.0}
+                               : HalfSpace{parallel->normalInScene(n), parallel->constantOf(n)};
+  };
+  return {{side(forward), side(u - at(tile.x0) * forward), side(at(tile.x1) * forward - u),
+           side(v - at(tile.y0) * forward), side(at(tile.y1) * forward - v)},
           std::max(at(tile.x1 - tile.x0), at(tile.y1 - tile.y0))};
 }
 
 SeenBox TileDescent::boxFromEye(std::int32_t number) const {
   const BoxNode& node = state.nodes[static_cast<size_t>(number)];
-  const Vec3 eye = polygons.setup().eye;
+  const ParallelSight* parallel = polygons.setup().parallel;
+  const Vec3 eye = parallel == nullptr ? polygons.setup().eye : parallel->middle;
   const double eyeAt[3] = {eye.x, eye.y, eye.z};
   SeenBox box{};
   double diagonal = 0.0;
@@ -89,24 +88,30 @@ SeenBox TileDescent::boxFromEye(std::int32_t number) const {
     box.squareDistance += gap * gap;
     diagonal += side * side;
   }
+  if (parallel != nullptr) {
+    const double depth = ParallelSight::MiddleNearness - support(box, -parallel->along);
+    box.squareDistance = depth * depth;
+    box.squareSize = diagonal * Kernel::dot(parallel->along, parallel->along);
+    return box;
+  }
   box.squareSize = box.squareDistance > 0.0 ? diagonal / box.squareDistance : 1e300;
   return box;
 }
 
 bool TileDescent::misses(const SeenBox& box) const {
-  // More than rounding does to the sums.
-  const double margin = -1e-11 * box.reach;
-  if (support(box, pyramid.forward) < margin) return true;
-  return std::any_of(std::begin(pyramid.sides), std::end(pyramid.sides),
-                     [&](Vec3 side) { return support(box, side) < margin; });
+  // More than rounding does to the sums; boxes reach less than 1 along parallel lines.
+  const double margin = -1e-11 * (polygons.setup().parallel == nullptr ? box.reach : 1.0);
+  return std::any_of(std::begin(pyramid.sides), std::end(pyramid.sides), [&](const HalfSpace& h) {
+    return support(box, h.normal) + h.constant < margin;
+  });
 }
 
 bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     if (covers[i] == LookPolygons::Beyond) return true;
-    const Vec3 plane = polygons[covers[i]].scenePlane;
-    const double margin = 1e-9 * (1.0 + sumOfMagnitudes(plane) * box.reach);
-    if (-support(box, -plane) > 1.0 + margin) return true;
+    const LookPolygon& cover = polygons[covers[i]];
+    const double margin = 1e-9 * (1.0 + sumOfMagnitudes(cover.behind) * box.reach);
+    if (-support(box, -cover.behind) > cover.behindOffset + margin) return true;
   }
   return false;
 }

@@ -24,8 +24,8 @@ struct SeenBox {
   double low[3];
   double high[3];
   double reach;           // greatest magnitude of a coordinate
-  double squareDistance;  // of its nearest point
-  double squareSize;      // of its diagonal, in units of its distance
+  double squareDistance;  // of its nearest point; along parallel lines, from in front of all
+  double squareSize;      // of its diagonal, in units of its distance, or as wide as it looks
 };
 
 class TileDescent {
@@ -44,10 +44,14 @@ class TileDescent {
     size_t covers, coversEnd;
     size_t segments;  // all from here on to the end belong to the entries
   };
-  // The four planes of a tile's pyramid, in the scene's axes, pointing inwards.
+  // A half space normal.p + constant > 0 of points p from the eye.
+  struct HalfSpace {
+    Kernel::Vec3 normal;
+    double constant;
+  };
+  // What is seen in a tile lies in all of these: before the eye, and within the tile's sides.
   struct Pyramid {
-    Kernel::Vec3 sides[4];
-    Kernel::Vec3 forward;
+    HalfSpace sides[5];
     double size;  // of the tile, in units of the distance to the face
   };
   struct WaitingNode {

@@ -25,6 +25,7 @@ struct LookOptions {
   /// Whether to measure each object as if nothing stood in front of it (`VisibleMap::alone`). It
   /// takes about as long as another look.
   bool alone = false;
+  bool edgeSources = false;  ///< whether to fill `VisibleMap::edgeSources`
   /// Is called with the finished part, from 0 to 1 and never falling, by the thread that called
   /// `look`, about ten times a second. May be empty. An exception ends the look and comes through.
   std::function<void(double)> progress;

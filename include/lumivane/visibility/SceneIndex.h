@@ -1,7 +1,9 @@
 #pragma once
 
 #include <lumivane/visibility/LookOptions.h>
+#include <lumivane/visibility/ParallelMap.h>
 #include <lumivane/visibility/PolygonScene.h>
+#include <lumivane/visibility/SceneEdge.h>
 #include <lumivane/visibility/VisibleMap.h>
 #include <lumivane/visibility/export.h>
 
@@ -75,6 +77,17 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   ///         a negative number of threads
   /// \throws Cancelled  if `options.cancelled` became true
   VisibleMap look(const Vector& eye, const LookOptions& options = {}) const;
+
+  /// The exact map of what is seen along parallel lines of sight, from in front of the whole scene.
+  /// A plane whose angle with the lines of sight has a sine of 1e-12 or less is edge-on.
+  /// \throws std::invalid_argument for a direction that is zero or not finite or a negative number
+  ///         of threads
+  /// \throws Cancelled  if `options.cancelled` became true
+  ParallelMap lookAlong(const ParallelOptions& options = {}) const;
+
+  /// All edges of the scene's polygons, for drawings that ask what is hidden, too. Made anew at
+  /// each call.
+  std::vector<SceneEdge> edges() const;
 
   /// What single directions, of any length but zero, meet: by the same rules as the map, found one
   /// by one with exact predicates. \throws std::invalid_argument for an eye or direction that is

@@ -70,6 +70,9 @@ struct LUMIVANE_VISIBILITY_EXPORT VisibleMap {
   std::vector<Edge> edges;    ///< every edge once
   std::vector<double> alone;  ///< solid angle of object i + 1 if nothing stood in front of it;
                               ///< empty unless asked for
+  /// For each of `edges` the edge of the scene that it is a part of, a position in
+  /// `SceneIndex::edges()`; -1 for crossings and the end of the field. Empty unless asked for.
+  std::vector<int> edgeSources;
   std::shared_ptr<const Names> names;  ///< never null for a map that `look` has made
 
   /// The vertices of the rings of one cell; the first ring is the outer one.
