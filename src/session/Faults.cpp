@@ -21,6 +21,7 @@
 #include <lumivane/shot/Objects2d.h>
 #include <lumivane/shot/Shot2d.h>
 
+#include <set>
 #include <vector>
 
 namespace Lumivane::Session {
@@ -86,6 +87,20 @@ struct DrawnLists {
 constexpr size_t OutlinePoints = 2;
 constexpr size_t PolygonPoints = 3;
 
+// An edge is drawn unless it is a docking edge.
+template <class Region>
+bool hasOutline(Region& region) {
+  const size_t edges = count(region.getPoints());
+  if (edges < OutlinePoints) return false;
+  const std::vector<int>* const docking = region.getDockingEdges();
+  if (docking == nullptr) return true;
+  const std::set<int> notDrawn(docking->begin(), docking->end());
+  size_t left = edges;
+  for (const int edge : notDrawn)
+    if (isNumberOf(edge, edges)) --left;
+  return left > 0;
+}
+
 // ", region 2: brush 9, but there are 1 to 8"
 std::string regionFault(size_t position, const std::string& fault) {
   return ", region " + std::to_string(position + 1) + ": " + fault;
@@ -94,11 +109,11 @@ std::string regionFault(size_t position, const std::string& fault) {
 std::string drawingFault(Scene::Object& object, const DrawnLists& lists) {
   if (object.getRegions() == nullptr) return "";
   const auto* const regions = object.getRegions()->getRegions();
-  bool hasOutline = false;
+  bool hasLines = false;
   for (size_t r = 0; r < count(regions); ++r) {
     Geometry::Region* const region = (*regions)[r];
     if (region == nullptr || count(region->getPoints()) < OutlinePoints) continue;
-    hasOutline = true;
+    hasLines = hasLines || hasOutline(*region);
     for (const int number : *region->getPoints())
       if (!isNumberOf(number, lists.points))
         return regionFault(r, wrong("point", number, lists.points));
@@ -107,7 +122,7 @@ std::string drawingFault(Scene::Object& object, const DrawnLists& lists) {
       return regionFault(r, wrong("brush", region->getBrushNumber(), lists.brushes->size()));
   }
   const int pen = object.getPenNumber();
-  if (!hasOutline || lists.pens == nullptr || isNumberOf(pen, lists.pens->size())) return "";
+  if (!hasLines || lists.pens == nullptr || isNumberOf(pen, lists.pens->size())) return "";
   return ": " + wrong("pen", pen, lists.pens->size());
 }
 
@@ -159,8 +174,7 @@ std::string shotFault(Shot::Shot2d& shot) {
   }
   if (pens == nullptr) return "";
   return firstFault(shot, [pens](Geometry::Region2d& region) -> std::string {
-    const bool hasOutline = count(region.getPoints()) >= OutlinePoints;
-    if (!hasOutline || isNumberOf(region.getPenNumber(), pens->size())) return "";
+    if (!hasOutline(region) || isNumberOf(region.getPenNumber(), pens->size())) return "";
     return wrong("pen", region.getPenNumber(), pens->size());
   });
 }

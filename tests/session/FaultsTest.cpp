@@ -7,6 +7,7 @@
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/Faults.h>
 #include <lumivane/session/ShotFile.h>
+#include <lumivane/view/ViewBuilder.h>
 
 #include <memory>
 #include <string>
@@ -72,6 +73,22 @@ TEST(Faults, PointsOfASceneAreLookedAtAsFarAsDrawn) {
 TEST(Faults, ShotRegionOfOnePointNeedsNoPen) {
   const auto shot =
       readShotText(R"({"Points":[[0,0]],"Pens":[],"Regions":[{"Pen":4,"Points":[1]}]})", "shot");
+  EXPECT_EQ("", shotFault(*shot));
+}
+
+// A triangle whose edges are all docking edges, as in the middle of a cut polygon, has no lines.
+TEST(Regression, RegionOfDockingEdgesAloneWasBlamedForAPen) {
+  const LoadedScene scene =
+      LoadedScene::fromText(R"({"Points":[[3,-1,-1],[3,1,-1],[3,1,1]],"Brushes":[[1,2,3,255]],)"
+                            R"("Pens":[],"Objects":[{"Id":"wall","Pen":1,"Regions":[)"
+                            R"({"Brush":1,"Points":[1,2,3],"DockingEdges":[3,2,1,1,0,4]}]}]})",
+                            "scene");
+  EXPECT_EQ("", sceneDrawingFault(scene.scene()));
+  EXPECT_NO_THROW(View::ViewBuilder::createSceneView(&scene.scene()));
+  const auto shot =
+      readShotText(R"({"Points":[[0,0],[1,0],[0,1]],"Pens":[],)"
+                   R"("Regions":[{"Pen":4,"Points":[1,2,3],"DockingEdges":[1,2,3]}]})",
+                   "shot");
   EXPECT_EQ("", shotFault(*shot));
 }
 
