@@ -1,5 +1,6 @@
 #include "Workers.h"
 
+#include "Frames.h"
 #include "HostError.h"
 
 #include <algorithm>
@@ -37,22 +38,6 @@ bool receiveSome(int socket, std::string& text) {
   } while (count < 0 && errno == EINTR);
   if (count <= 0) return false;
   text.append(buffer, static_cast<size_t>(count));
-  return true;
-}
-
-// A message is its length in bytes, a line end, and the bytes, which may be any.
-std::string framed(const std::string& message) {
-  return std::to_string(message.size()) + "\n" + message;
-}
-
-// Takes a message off the front of what was received; false if it is not complete yet.
-bool takeMessage(std::string& received, std::string& message) {
-  const size_t end = received.find('\n');
-  if (end == std::string::npos) return false;
-  const size_t length = std::stoul(received.substr(0, end));
-  if (received.size() - end - 1 < length) return false;
-  message = received.substr(end + 1, length);
-  received.erase(0, end + 1 + length);
   return true;
 }
 
@@ -180,7 +165,16 @@ class Pool {
       return;
     }
     std::string result;
-    if (!takeMessage(worker.received, result)) return;
+    try {
+      if (!takeMessage(worker.received, result)) return;
+    } catch (const FrameError&) {  // it cannot be understood any more
+      const size_t piece = worker.piece;
+      kill(worker.process, SIGKILL);
+      end(worker);
+      shared.died(piece, "its process gave no row");
+      begin(index);
+      return;
+    }
     shared.done(worker.piece, result);
     hand(worker);
   }
