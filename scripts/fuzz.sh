@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-20}
 shift || true
 fuzzers=("$@")
-[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops models)
+[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops models beside journal)
 
 scripts/install_packages.sh clang libclang-rt-14-dev llvm-14
 cmake --preset fuzz
