@@ -280,6 +280,27 @@ TEST(BatchFiles, TwoViewsDoNotWriteOneFileThroughALink) {
   EXPECT_TRUE(fs::is_empty(in.out + "/one"));
 }
 
+// The summary took the place of the shot, and the shot that of the journal, with status 0.
+TEST(Regression, AnOutputThatLedToTheRunsOwnFilesWasLost) {
+  for (const std::string target :
+       {"summary.csv", "journal.csv", "parts/1-of-1.csv", "here/summary.csv"}) {
+    Inputs in;
+    fs::create_directories(in.out);
+    fs::create_directory_symlink(".", in.out + "/here");
+    fs::create_symlink(target, in.out + "/a.json");
+    const Result result = batch(in.scene, in.table, in.out);
+    EXPECT_EQ(2, result.status) << target << result.err;
+    EXPECT_EQ("lumivane: " + in.out +
+                  "/a.json: leads to a file that the run writes itself: remove the link\n",
+              result.err);
+    EXPECT_FALSE(fs::exists(in.out + "/b.json"));
+  }
+  Inputs in;
+  fs::create_directories(in.out);
+  fs::create_symlink("summary.csv", in.out + "/journal.csv");
+  EXPECT_EQ(2, batch(in.scene, in.table, in.out).status);
+}
+
 TEST(BatchFiles, MergeWithOtherOptionsSaysSo) {
   Inputs in;
   for (const std::string shard : {"1/3", "2/3"})

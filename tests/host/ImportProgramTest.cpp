@@ -146,6 +146,41 @@ TEST(ImportProgram, OutputsNeverTakeThePlaceOfTheFile) {
   EXPECT_EQ(fileBytes(Cube), fileBytes(file));
 }
 
+TEST(ImportProgram, BufferOutsideTheFolderIsReadWithItsOptionAlone) {
+  const TempFolder folder;
+  fs::create_directory(folder.path("model"));
+  const std::string bytes = fileBytes(LUMIVANE_MODELS "/boxes.glb");
+  folder.file("boxes.bin", bytes.substr(bytes.size() - 168));  // the data stands at the end
+  std::string text = fileBytes(LUMIVANE_MODELS "/boxes.gltf");
+  const size_t start = text.find("data:application");
+  text.replace(start, text.find('"', start) - start, "%2E%2E/boxes.bin");
+  const std::string model = folder.file("model/boxes.gltf", text);
+  const std::string table = folder.file("v.csv", "name,eye\na,\"-9.3,-11.1,7.7\"\n");
+  const std::string out = folder.path("out");
+  const std::vector<std::vector<std::string>> commands = {
+      {"import", model, "-o", out},
+      {"check", model},
+      {"shot", model, "--eye=-9.3,-11.1,7.7", "-o", out},
+      {"view", model, "--eye=-9.3,-11.1,7.7", "--map", out},
+      {"grid", model, "--spacing=1", "--height=1.5", "-o", out},
+      {"batch", model, table, "--out-dir", out + "s", "-o", "a.json", "--jobs=1"},
+  };
+  for (std::vector<std::string> command : commands) {
+    SCOPED_TRACE(command[0]);
+    const Result refused = run(command);
+    EXPECT_EQ(command[0] == "check" ? 2 : 1, refused.status);
+    EXPECT_NE(std::string::npos,
+              refused.err.find("boxes.gltf: buffers 0: its file \"%2E%2E/boxes.bin\" lies outside "
+                               "the folder of the model; --allow-outside reads it\n"))
+        << refused.err;
+    EXPECT_FALSE(fs::exists(out));
+    command.emplace_back("--allow-outside");
+    const Result read = run(command);
+    EXPECT_LE(read.status, command[0] == "check" ? 1 : 0) << read.err;
+    fs::remove(out);
+  }
+}
+
 TEST(ImportProgram, SceneMayGoToStandardOutputByItself) {
   const Result result = run({"import", Cube, "-o", "/dev/stdout"});
   ASSERT_EQ(0, result.status);

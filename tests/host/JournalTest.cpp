@@ -1,4 +1,5 @@
 #include "Csv.h"
+#include "Frames.h"
 #include "Journal.h"
 #include "Workers.h"
 #include "support/TempFolder.h"
@@ -106,6 +107,38 @@ TEST(Journal, NoRowIsMissedWhileAnotherRunPutsThePartsTogether) {
   other.join();
   EXPECT_EQ(0, missed);
   EXPECT_EQ(0, failed);
+}
+
+TEST(Frames, MessagesOfAnyBytesComeBackHoweverTheyAreCut) {
+  const std::vector<std::string> sent = {everyByte(), "", "12\nx", std::string(5000, '\n'), "0"};
+  std::string all;
+  for (const std::string& message : sent) all += framed(message);
+  for (const size_t step : {size_t{1}, size_t{7}, all.size()}) {
+    std::vector<std::string> taken;
+    std::string received;
+    std::string message;
+    for (size_t at = 0; at < all.size(); at += step) {
+      received += all.substr(at, step);
+      while (takeMessage(received, message)) taken.push_back(message);
+    }
+    EXPECT_EQ(sent, taken);
+    EXPECT_EQ("", received);
+  }
+}
+
+TEST(Frames, WhatIsNoLengthIsRefusedAtOnce) {
+  for (const std::string text : {"x", "\n", "-1\nx", "+1\nx", " 1\nx", "1 \nx", "1.0\n", "0x1\n",
+                                 "18446744073709551616\n", "99999999999", "1073741825\n"}) {
+    std::string received = text;
+    std::string message;
+    EXPECT_THROW(takeMessage(received, message), FrameError) << text;
+  }
+  for (const std::string text : {"", "1", "10\n123456789", "1073741824\n"}) {
+    std::string received = text;
+    std::string message;
+    EXPECT_FALSE(takeMessage(received, message)) << text;
+    EXPECT_EQ(text, received);
+  }
 }
 
 TEST(Workers, ResultsMayHoldEveryByte) {

@@ -1,0 +1,147 @@
+// What a batch is going to make, and what it must not touch. Files are recognised by what they are,
+// not by their names: a link or another spelling is the same file.
+
+#include "BatchPlan.h"
+
+#include "HostError.h"
+#include "SceneSource.h"
+
+#include <lumivane/session/Files.h>
+
+#include <filesystem>
+#include <map>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include <sys/stat.h>
+
+namespace Lumivane::Host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The files that the run writes besides the views' outputs, as names in the folder of outputs.
+constexpr const char* OwnFiles[] = {"summary.csv", "journal.csv"};
+constexpr const char* OwnFolder = "parts";
+
+// A material library that cannot be read is left out by the importer, with a note.
+std::string bytesOrNone(const std::string& file) {
+  try {
+    return Session::readBytes(file);
+  } catch (const HostError&) {
+    return "";
+  }
+}
+
+// Stands for the program's version and the name and bytes of every file that is read.
+std::uint64_t sourcesKey(const std::vector<std::string>& files) {
+  std::uint64_t key = textKey(LUMIVANE_VERSION);
+  for (const std::string& file : files) {
+    const std::string bytes = bytesOrNone(file);
+    const std::string name = fs::path(file).filename().string();
+    key = textKey(name + "\n" + std::to_string(bytes.size()) + "\n", key);
+    key = textKey(bytes, key);
+  }
+  return key;
+}
+
+// Work folders are removed with all that is in them, so a link must not lead somewhere else.
+void refuseOutwardParts(const std::string& folder) {
+  const fs::path parts = fs::path(folder) / OwnFolder;
+  std::error_code error;
+  if (!fs::is_symlink(fs::symlink_status(parts, error))) return;
+  const std::string inside = fs::weakly_canonical(folder, error).string() + "/";
+  if (Session::writtenFile(parts.string()).rfind(inside, 0) != 0)
+    throw ArgumentError(parts.string(),
+                        "is a link that leads out of the folder of outputs: "
+                        "remove the link or choose another folder");
+}
+
+// The path of all that lies in the run's own folder starts with this.
+std::string startOfOwnFolder(const std::string& folder) {
+  std::error_code error;
+  return fs::weakly_canonical(fs::path(folder) / OwnFolder, error).string() + "/";
+}
+
+void refuseInputsAsOwnFiles(const std::vector<std::string>& inputs, const std::string& folder) {
+  const std::string parts = startOfOwnFolder(folder);
+  for (const std::string& input : inputs) {
+    for (const char* own : OwnFiles)
+      if (Session::sameFile(input, (fs::path(folder) / own).string()))
+        throw ArgumentError(input,
+                            "is an input, and the run writes its own file of that name: "
+                            "rename it or choose another folder");
+    std::error_code error;
+    if (fs::weakly_canonical(fs::absolute(input), error).string().rfind(parts, 0) == 0)
+      throw ArgumentError(input,
+                          "is an input in a folder that the run removes: choose another "
+                          "folder of outputs");
+  }
+}
+
+class OutputCheck {
+ public:
+  OutputCheck(const std::vector<std::string>& inputs, const std::string& folder)
+      : parts(startOfOwnFolder(folder)) {
+    struct stat status = {};
+    for (const std::string& input : inputs)
+      if (stat(input.c_str(), &status) == 0) read.insert({status.st_dev, status.st_ino});
+    for (const char* own : OwnFiles) {
+      const std::string path = (fs::path(folder) / own).string();
+      if (!written.emplace(Session::writtenFile(path), "").second)
+        throw ArgumentError(path, "leads to another file that the run writes: remove the link");
+    }
+  }
+
+  // No output is an input, a file of the run's own or the output of another view.
+  void add(const std::string& path, const std::string& view) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) == 0 && read.count({status.st_dev, status.st_ino}) > 0)
+      throw ArgumentError(path, "is an input, and view \"" + view + "\" would overwrite it");
+    const std::string file = Session::writtenFile(path);
+    const auto [other, isNew] = written.emplace(file, view);
+    if (file.rfind(parts, 0) == 0 || (!isNew && other->second.empty()))
+      throw ArgumentError(path, "leads to a file that the run writes itself: remove the link");
+    if (!isNew)
+      throw ArgumentError(
+          path, "is written by view \"" + view + "\" and by view \"" + other->second + "\"");
+  }
+
+ private:
+  std::string parts;
+  std::set<std::pair<dev_t, ino_t>> read;
+  std::map<std::string, std::string> written;  // with their views; those of the run have none
+};
+
+}  // namespace
+
+BatchPlan planBatch(const BatchOptions& options) {
+  Session::checkReadable(options.shot.scene);
+  Session::checkReadable(options.views);
+  if (!fs::is_regular_file(options.shot.scene))
+    throw HostError(options.shot.scene, "is read more than once and must be a plain file");
+  std::vector<std::string> inputs = sourceFiles(options.shot.scene);
+  BatchPlan plan;
+  plan.setting.scene = options.shot.scene;
+  plan.setting.folder = fs::absolute(options.folder).lexically_normal().string();
+  plan.setting.options = options.shotOptions;
+  plan.setting.sceneKey = sourcesKey(inputs);
+  plan.views = readViewTable(options.views, plan.setting);
+  inputs.push_back(options.views);
+  refuseOutwardParts(plan.setting.folder);
+  refuseInputsAsOwnFiles(inputs, plan.setting.folder);
+  OutputCheck outputs(inputs, plan.setting.folder);
+  for (const TableView& view : plan.views)
+    for (const std::string& file : view.files)
+      outputs.add((fs::path(plan.setting.folder) / file).string(), view.name);
+  return plan;
+}
+
+std::string optionsText(const TableSetting& setting) {
+  std::string text;
+  for (const std::string& option : setting.options) text += (text.empty() ? "" : " ") + option;
+  return text;
+}
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,116 @@
+// Which views count as made. A file is known by size and hash of its bytes, a view by the key of
+// all that it depends on.
+
+#include "BatchRows.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+namespace Lumivane::Host {
+namespace {
+
+std::string markKey(const FileMark& mark) {
+  return mark.file + "\n" + keyText(mark.size) + keyText(mark.hash);
+}
+
+// The rows that were made, by the keys of their views' names.
+Journal::Rows rowsByName(const Journal::Rows& known) {
+  Journal::Rows result;
+  for (const auto& [key, rows] : known)
+    for (const JournalRow& row : rows)
+      if (row.isDone) result[textKey(row.name)].push_back(row);
+  return result;
+}
+
+std::string orNone(const std::string& options) { return options.empty() ? "none" : options; }
+
+}  // namespace
+
+BatchRows::ViewRows BatchRows::of(const Journal::Rows& known) {
+  ViewRows rows;
+  rows.reserve(plan.views.size());
+  for (const TableView& view : plan.views) rows.push_back(of(view, known));
+  return rows;
+}
+
+const JournalRow* BatchRows::of(const TableView& view, const Journal::Rows& known) {
+  const auto found = known.find(view.key);
+  if (found == known.end()) return nullptr;
+  const JournalRow* failure = nullptr;
+  for (auto row = found->second.rbegin(); row != found->second.rend(); ++row) {
+    if (row->isDone && hasOutputs(view, *row)) return &*row;
+    if (!row->isDone && failure == nullptr) failure = &*row;
+  }
+  return failure;
+}
+
+void BatchRows::remember(const JournalRow& row) {
+  for (const FileMark& mark : row.files) compared[markKey(mark)] = true;
+}
+
+bool BatchRows::hasOutputs(const TableView& view, const JournalRow& row) {
+  return row.files.size() == view.files.size() &&
+         std::all_of(row.files.begin(), row.files.end(),
+                     [this](const FileMark& mark) { return isAsWritten(mark); });
+}
+
+// Each file is read only once in a run, and what the run itself has written not at all.
+bool BatchRows::isAsWritten(const FileMark& mark) {
+  const auto [known, isNew] = compared.try_emplace(markKey(mark), false);
+  if (isNew)
+    known->second =
+        hasMark((std::filesystem::path(plan.setting.folder) / mark.file).string(), mark);
+  return known->second;
+}
+
+void BatchRows::reportRepeats(const std::vector<std::size_t>& pieces,
+                              const Journal::Rows& known) const {
+  const Journal::Rows byName = rowsByName(known);
+  std::map<std::string, std::size_t> counts;
+  for (const std::size_t piece : pieces) {
+    const std::string reason = reasonToRepeat(plan.views[piece], known, byName);
+    if (!reason.empty()) ++counts[reason];
+  }
+  for (const auto& [reason, count] : counts)
+    std::printf("%zu of %zu views are made again: %s\n", count, plan.views.size(), reason.c_str());
+}
+
+std::string BatchRows::whyNotMerged(const ViewRows& rows, const Journal::Rows& known) const {
+  const Journal::Rows byName = rowsByName(known);
+  std::map<std::string, std::size_t> counts;
+  for (std::size_t i = 0; i < plan.views.size(); ++i)
+    if (rows[i] == nullptr) ++counts[reasonToRepeat(plan.views[i], known, byName)];
+  std::string text;
+  for (const auto& [reason, count] : counts)
+    text += (text.empty() ? "" : "; ") + std::to_string(count) + " of " +
+            std::to_string(plan.views.size()) + " views " +
+            (reason.empty() ? "are not made yet: cannot be merged" : "cannot be merged: " + reason);
+  return text;
+}
+
+// Empty if the view has not been made before.
+std::string BatchRows::reasonToRepeat(const TableView& view, const Journal::Rows& known,
+                                      const Journal::Rows& byName) const {
+  const auto rows = known.find(view.key);
+  const bool wasMade =
+      rows != known.end() && std::any_of(rows->second.begin(), rows->second.end(),
+                                         [](const JournalRow& row) { return row.isDone; });
+  if (wasMade) return "their outputs are gone or not as they were written";
+  const auto others = byName.find(textKey(view.name));
+  if (others == byName.end()) return "";
+  return difference(others->second.back());
+}
+
+// What makes a row of the same view name another view.
+std::string BatchRows::difference(const JournalRow& row) const {
+  if (row.sources != plan.setting.sceneKey)
+    return "the scene, a file that it names, or the program's version has changed";
+  const std::string options = optionsText(plan.setting);
+  if (row.options != options)
+    return "they were made with other options (" + orNone(row.options) + "), not with these (" +
+           orNone(options) + ")";
+  return "their rows of the table have changed";
+}
+
+}  // namespace Lumivane::Host

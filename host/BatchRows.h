@@ -1,0 +1,46 @@
+#pragma once
+
+#include "BatchPlan.h"
+#include "Journal.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Host {
+
+/// Which rows of a journal stand for the views of a plan, and why others do not.
+class BatchRows {
+ public:
+  /// The row of each view: of those that were made one whose outputs are as they were written, or
+  /// else the latest failure; null if there is neither. They belong to the journal's rows.
+  using ViewRows = std::vector<const JournalRow*>;
+
+  /// The plan is borrowed.
+  explicit BatchRows(const BatchPlan& thePlan) : plan(thePlan) {}
+
+  ViewRows of(const Journal::Rows& known);
+  const JournalRow* of(const TableView& view, const Journal::Rows& known);
+
+  /// Counts the files of a row that has just been made as they were written.
+  void remember(const JournalRow& row);
+
+  /// Prints which of the views had been made before, and why they do not count.
+  void reportRepeats(const std::vector<std::size_t>& pieces, const Journal::Rows& known) const;
+
+  /// Why views without a row cannot be brought together, with their numbers.
+  std::string whyNotMerged(const ViewRows& rows, const Journal::Rows& known) const;
+
+ private:
+  bool hasOutputs(const TableView& view, const JournalRow& row);
+  bool isAsWritten(const FileMark& mark);
+  std::string reasonToRepeat(const TableView& view, const Journal::Rows& known,
+                             const Journal::Rows& byName) const;
+  std::string difference(const JournalRow& row) const;
+
+  const BatchPlan& plan;
+  std::map<std::string, bool> compared;  // whether files have their marks
+};
+
+}  // namespace Lumivane::Host
