@@ -41,7 +41,7 @@ std::array<Session::ViewSettings, 2> views(const std::string& text) {
 
 bool hasErrors(const std::string& text) {
   const auto findings = Lumivane::Check::SceneChecker::checkText(text);
-  for (const auto& finding : findings) require(!finding.line().empty() && !finding.mend.empty());
+  for (const auto& finding : findings) require(!finding.line().empty() && !finding.fix.empty());
   return std::any_of(findings.begin(), findings.end(), [](const auto& finding) {
     return finding.severity == Lumivane::Check::Severity::Error;
   });

@@ -1,12 +1,14 @@
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
+#include "SceneSource.h"
 #include "Streams.h"
 
-#include <lumivane/check/SceneChecker.h>
 #ifdef LUMIVANE_HOST_TOOLS
-#include <lumivane/importers/Importer.h>
+#include "ImportWork.h"
 #endif
+
+#include <lumivane/check/SceneChecker.h>
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Writer.h>
 #include <lumivane/session/Faults.h>
@@ -39,7 +41,7 @@ size_t count(const Findings& findings, Severity severity) {
 void print(const std::string& scene, const Findings& findings) {
   for (const Finding& finding : findings)
     std::cout << word(finding.severity) << ": " << oneLine(finding.line()) << " [" << finding.code
-              << "]\n    mend: " << finding.mend << '\n';
+              << "]\n    fix: " << finding.fix << '\n';
   std::cout << oneLine(scene) << ": " << count(findings, Severity::Error) << " errors, "
             << count(findings, Severity::Warning) << " warnings\n";
 }
@@ -64,7 +66,7 @@ Jzon::Node node(const Finding& finding) {
   node.add("region", Jzon::Node(finding.region));
   node.add("face", Jzon::Node(finding.face));
   node.add("text", textNode(finding.text));
-  node.add("mend", Jzon::Node(finding.mend));
+  node.add("fix", Jzon::Node(finding.fix));
   return node;
 }
 
@@ -83,25 +85,29 @@ void printJson(const std::string& scene, const Findings& findings) {
 }
 
 // A mesh or a city model is checked as the scene that an import makes of it.
-Findings findingsOf(const std::string& file) {
+Findings findingsOf(const CheckOptions& options) {
 #ifdef LUMIVANE_HOST_TOOLS
-  if (Importers::Importer::isImportable(file))
-    return Check::SceneChecker::check(Importers::Importer::importFile(file).scene.scene());
+  if (!isSceneFile(options.scene))
+    return Check::SceneChecker::check(importFile(options.scene, options.import).scene.scene());
 #endif
-  return Check::SceneChecker::checkText(Session::readDocument(file));
+  if (options.import.center)
+    throw ArgumentError(options.scene,
+                        "is a scene file, which is checked where it is: leave out "
+                        "--center");
+  return Check::SceneChecker::checkText(Session::readDocument(options.scene));
 }
 
 }  // namespace
 
 void setCheckOptions(CLI::App& command, CheckOptions& options) {
-  command.add_option("SCENE", options.scene, "scene file (JSON)")->required()->type_name("");
+  addScene(command, options.scene, options.import);
   command.add_flag("--json", options.json, "print the findings as JSON");
   command.footer("The exit status is 0 without findings, 1 with warnings only, 2 with errors.");
 }
 
 int runCheck(const CheckOptions& options) try {
   Session::checkReadable(options.scene);
-  const Findings findings = findingsOf(options.scene);
+  const Findings findings = findingsOf(options);
   options.json ? printJson(options.scene, findings) : print(options.scene, findings);
   finishStandardOutput();
   if (count(findings, Severity::Error) > 0) return WithErrors;

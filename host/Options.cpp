@@ -203,15 +203,6 @@ constexpr const char* SceneHelp = "scene file (JSON), mesh or city model";
 constexpr const char* SceneHelp = "scene file (JSON)";
 #endif
 
-void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
-  command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
-#ifdef LUMIVANE_HOST_TOOLS
-  addImportSettings(command, import);
-#else
-  static_cast<void>(import);
-#endif
-}
-
 // Of "I/K", with 1 <= I <= K.
 Shard readShard(const std::string& text) {
   int number = 0;
@@ -281,6 +272,15 @@ void addShares(CLI::App& command, std::string& shares, std::string& rows, const 
 #endif
 
 }  // namespace
+
+void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
+  command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
+#ifdef LUMIVANE_HOST_TOOLS
+  addImportSettings(command, import);
+#else
+  static_cast<void>(import);
+#endif
+}
 
 Vector readVector(const std::string& option, const std::string& text) {
   const std::string expected = option + ": \"" + text + "\" is not three numbers X,Y,Z";

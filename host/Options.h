@@ -76,6 +76,7 @@ struct ShowOptions {
 
 struct CheckOptions {
   std::string scene;
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
   bool json = false;
 };
 
@@ -128,6 +129,10 @@ void setBatchOptions(CLI::App& command, BatchOptions& options);
 void setGridOptions(CLI::App& command, GridOptions& options);
 void setJson5Options(CLI::App& command, Json5Options& options);
 void setCheckOptions(CLI::App& command, CheckOptions& options);
+
+/// The scene of a command, and how it is imported where the program is built with importers.
+void addScene(CLI::App& command, std::string& scene, ImportSettings& import);
+
 bool viewWasGiven(const CLI::App& command);
 
 /// The options of `shot` that stand on the command line, as "--name=value", after the parse.

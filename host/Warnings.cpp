@@ -22,7 +22,7 @@ void warn(const std::string& file, const std::string& text) {
 
 void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& scene) {
   if (const auto far = Check::SceneChecker::farCoordinates(scene.scene()))
-    warn(file, far->line() + ": " + far->mend);
+    warn(file, far->line() + ": " + far->fix);
 }
 
 void warnOfCycle(const std::string& file, const Session::TakenShot& shot) {

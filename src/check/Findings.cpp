@@ -14,14 +14,14 @@ std::string Finding::line() const {
 }
 
 void Findings::put(Severity severity, const char* code, int region, int face, std::string text,
-                   const char* mend) {
+                   const char* fix) {
   const bool isFirstError = severity == Severity::Error && !errorTold;
   if (items.size() < SceneChecker::Most || isFirstError) {
-    items.push_back({severity, code, object, region, face, std::move(text), mend});
+    items.push_back({severity, code, object, region, face, std::move(text), fix});
     errorTold = errorTold || isFirstError;
   } else if (!moreTold) {
-    items.push_back(
-        {Severity::Warning, "more", "", 0, 0, "there is more; it is not told", "mend these first"});
+    items.push_back({Severity::Warning, "more", "", 0, 0, "there is more; it is not reported",
+                     "fix these first"});
     moreTold = true;
   }
 }

@@ -17,17 +17,17 @@ class Findings {
   void setObject(const std::string& id) { object = id; }
 
   /// About the object as a whole, or the scene.
-  void add(Severity severity, const char* code, std::string text, const char* mend) {
-    put(severity, code, 0, 0, std::move(text), mend);
+  void add(Severity severity, const char* code, std::string text, const char* fix) {
+    put(severity, code, 0, 0, std::move(text), fix);
   }
   /// About a region or face; numbers from 1.
   void addRegion(Severity severity, const char* code, size_t region, std::string text,
-                 const char* mend) {
-    put(severity, code, static_cast<int>(region), 0, std::move(text), mend);
+                 const char* fix) {
+    put(severity, code, static_cast<int>(region), 0, std::move(text), fix);
   }
   void addFace(Severity severity, const char* code, size_t face, std::string text,
-               const char* mend) {
-    put(severity, code, 0, static_cast<int>(face), std::move(text), mend);
+               const char* fix) {
+    put(severity, code, 0, static_cast<int>(face), std::move(text), fix);
   }
 
   /// A finding that already says what it is about.
@@ -41,7 +41,7 @@ class Findings {
 
  private:
   void put(Severity severity, const char* code, int region, int face, std::string text,
-           const char* mend);
+           const char* fix);
 
   std::string object;
   std::vector<Finding> items;

@@ -24,7 +24,7 @@ namespace Lumivane::Check {
 namespace {
 
 constexpr const char* MendId = "give each object an id of its own";
-constexpr const char* MendNumber = "numbers count from 1; mend the number or add what it means";
+constexpr const char* FixNumber = "numbers count from 1; fix the number or add what it means";
 
 const Geometry::Regions::Vector& regionsOf(Scene::Object& object) {
   return itemsOf(object.getRegions() == nullptr ? nullptr : object.getRegions()->getRegions());
@@ -54,7 +54,7 @@ void findRegionErrors(Geometry::Region& region, size_t number, const Counts& cou
   for (const int point : itemsOf(region.getPoints()))
     if (!isNumberOf(point, counts.points)) {
       findings.addRegion(Severity::Error, "point-number", number,
-                         outOfRange("point", point, counts.points), MendNumber);
+                         outOfRange("point", point, counts.points), FixNumber);
       break;
     }
   for (const int point : itemsOf(region.getPoints()))
@@ -85,7 +85,7 @@ void findLooseRegionNumbers(Geometry::Region& region, size_t number, const Count
     findings.addRegion(Severity::Warning, "brush-number", number,
                        outOfRange("brush", region.getBrushNumber(), counts.brushes) +
                            "; no picture can be drawn of it",
-                       MendNumber);
+                       FixNumber);
   const size_t points = itemsOf(region.getPoints()).size();
   for (const int edge : itemsOf(region.getDockingEdges()))
     if (edge > 0 && !isNumberOf(edge, points)) {
@@ -105,7 +105,7 @@ void findContradictions(Scene::Object& object, Findings& findings) {
     for (const int number : itemsOf(faces[f]->getRegions())) {
       if (!isNumberOf(number, regions.size())) {
         findings.addFace(Severity::Warning, "face-region-number", f + 1,
-                         outOfRange("region", number, regions.size()), MendNumber);
+                         outOfRange("region", number, regions.size()), FixNumber);
         continue;
       }
       const Geometry::Region* const region = regions[static_cast<size_t>(number) - 1];
@@ -157,7 +157,7 @@ void findLooseNumbers(Scene::Object& object, const Counts& counts, Findings& fin
     findings.add(
         Severity::Warning, "pen-number",
         outOfRange("pen", object.getPenNumber(), counts.pens) + "; no picture can be drawn of it",
-        MendNumber);
+        FixNumber);
   const auto& regions = regionsOf(object);
   for (size_t i = 0; i < regions.size(); ++i)
     if (regions[i] != nullptr) findLooseRegionNumbers(*regions[i], i + 1, counts, findings);
@@ -167,14 +167,14 @@ void findLooseNumbers(Scene::Object& object, const Counts& counts, Findings& fin
     for (const int number : itemsOf(part == nullptr ? nullptr : part->getRegions()))
       if (!isNumberOf(number, regions.size()))
         findings.add(Severity::Warning, "part-region-number",
-                     "a part lists " + outOfRange("region", number, regions.size()), MendNumber);
+                     "a part lists " + outOfRange("region", number, regions.size()), FixNumber);
   for (const Geometry::Overlay* const overlay :
        itemsOf(object.getOverlays() == nullptr ? nullptr : object.getOverlays()->getOverlays()))
     if (overlay != nullptr && !isNumberOf(overlay->getObjectNumber(), counts.objects))
       findings.add(
           Severity::Warning, "overlay-object-number",
           "an overlay lies on " + outOfRange("object", overlay->getObjectNumber(), counts.objects),
-          MendNumber);
+          FixNumber);
 }
 
 namespace {

@@ -154,13 +154,13 @@ class RegionCheck {
   }
 
  private:
-  void warn(const char* code, std::string text, const char* mend) {
-    findings.addRegion(Severity::Warning, code, number, std::move(text), mend);
+  void warn(const char* code, std::string text, const char* fix) {
+    findings.addRegion(Severity::Warning, code, number, std::move(text), fix);
   }
 
-  void warnOfOutline(const char* code, std::string text, const char* mend) {
+  void warnOfOutline(const char* code, std::string text, const char* fix) {
     hasOddOutline = true;
-    warn(code, std::move(text), mend);
+    warn(code, std::move(text), fix);
   }
 
   void checkEdges() {

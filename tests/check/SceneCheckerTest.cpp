@@ -465,7 +465,7 @@ TEST(SceneChecker, EveryFindingSaysHowToMendIt) {
   Json scene = square();
   region(scene) = {{"Points", {1, 1, 9}}, {"x", 1}};
   for (const Finding& finding : SceneChecker::checkText(scene.dump()))
-    EXPECT_FALSE(finding.mend.empty()) << finding.line();
+    EXPECT_FALSE(finding.fix.empty()) << finding.line();
 }
 
 // A scene with random mistakes: numbers changed, keys taken out, values of other kinds.

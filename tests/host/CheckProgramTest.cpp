@@ -44,7 +44,7 @@ TEST(CheckProgram, WarningsAloneEndWithOne) {
   EXPECT_EQ(1, result.status);
   EXPECT_EQ(0u,
             result.out.find("warning: object \"block\", region 3: brush 9, but there are 1 to 4"));
-  EXPECT_NE(std::string::npos, result.out.find("\n    mend: "));
+  EXPECT_NE(std::string::npos, result.out.find("\n    fix: "));
 }
 
 TEST(CheckProgram, ErrorsEndWithTwo) {
@@ -82,6 +82,14 @@ TEST(CheckProgram, MeshOrCityModelIsCheckedAsTheSceneOfItsImport) {
   EXPECT_EQ(2, lumivane({"check", damaged}).status);
 }
 #endif
+
+TEST(CheckProgram, SceneFileIsCheckedWhereItIs) {
+  const Result result = lumivane({"check", LUMIVANE_SCENES "/small.json", "--center"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("lumivane: " LUMIVANE_SCENES
+            "/small.json: is a scene file, which is checked where it is: leave out --center\n",
+            result.err);
+}
 
 TEST(CheckProgram, MissingFileIsOneLineAndTwo) {
   const Result result = lumivane({"check", "no/scene.json"});
