@@ -4,11 +4,11 @@
 //
 // The shot is only read until the order is known, so an exception leaves it as it was.
 
-#include "algorithm/ClassificationMatrix.h"
-#include "algorithm/SceneAccess.h"
-#include "algorithm/ShotBudget.h"
-#include "algorithm/SortObjects.h"
-#include "algorithm/SortShapes.h"
+#include "algorithm/pipeline/ClassificationMatrix.h"
+#include "algorithm/pipeline/SceneAccess.h"
+#include "algorithm/pipeline/ShotBudget.h"
+#include "algorithm/pipeline/SortObject.h"
+#include "algorithm/pipeline/SortShapes.h"
 #include "utils/Shapes.h"
 #include "utils/StageScope.h"
 

@@ -1,4 +1,4 @@
-#include "algorithm/SortShapes.h"
+#include "algorithm/pipeline/SortShapes.h"
 
 #include <lumivane/algorithm/Bounds2D.h>
 #include <lumivane/algorithm/ObjectData.h>

@@ -3,8 +3,8 @@
 // ShotCreatorProject.cpp), the second makes the records of the shot from that
 // (ShotCreatorBuild.cpp) and hands it to the depth sort.
 
-#include "algorithm/ObjectProjection.h"
-#include "algorithm/SceneAccess.h"
+#include "algorithm/pipeline/ObjectProjection.h"
+#include "algorithm/pipeline/SceneAccess.h"
 #include "base/Indices.h"
 
 #include <lumivane/algorithm/ProjectionType.h>

@@ -2,8 +2,8 @@
 // clipper makes them here, for a plane that no corner touches. Which cells a polygon has does not
 // depend on the plane, since it is cut into triangles before these are clipped.
 
-#include "algorithm/PolygonClipper.h"
-#include "algorithm/RegionShapes.h"
+#include "algorithm/pipeline/PolygonClipper.h"
+#include "algorithm/pipeline/RegionShapes.h"
 
 #include <lumivane/check/SceneChecker.h>
 

@@ -1,5 +1,5 @@
-#include "algorithm/CycleReport.h"
-#include "algorithm/ShotBudget.h"
+#include "algorithm/pipeline/CycleReport.h"
+#include "algorithm/pipeline/ShotBudget.h"
 #include "session/LoadedSceneState.h"
 #include "session/ProgressPoll.h"
 #include "session/Reading.h"

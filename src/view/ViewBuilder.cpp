@@ -1,4 +1,4 @@
-#include "algorithm/RegionPolygon.h"
+#include "algorithm/pipeline/RegionPolygon.h"
 #include "utils/PolygonData.h"
 #include "utils/Shapes.h"
 

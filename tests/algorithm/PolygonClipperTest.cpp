@@ -1,6 +1,6 @@
 // The clipper against the filters of VTK: every cell, point and order, to the bit.
 
-#include "algorithm/PolygonClipper.h"
+#include "algorithm/pipeline/PolygonClipper.h"
 #include "plain/ClippedCells.h"
 #include "utils/PolygonData.h"
 

@@ -1,6 +1,6 @@
 // The camera against the scene, and the choice of polygons by their normals.
 
-#include "algorithm/PolygonClipper.h"
+#include "algorithm/pipeline/PolygonClipper.h"
 #include "support/Capture.h"
 #include "support/ShotCreatorProbe.h"
 #include "support/ShotScene.h"

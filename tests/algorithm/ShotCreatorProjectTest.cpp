@@ -1,6 +1,6 @@
 // Splitting, both projections, the settling of the piece counts and the docking edges.
 
-#include "algorithm/RegionProjector.h"
+#include "algorithm/pipeline/RegionProjector.h"
 #include "support/Capture.h"
 #include "support/ShotCreatorProbe.h"
 #include "support/ShotScene.h"

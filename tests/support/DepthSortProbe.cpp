@@ -1,6 +1,6 @@
 #include "support/DepthSortProbe.h"
 
-#include "algorithm/ClassificationMatrix.h"
+#include "algorithm/pipeline/ClassificationMatrix.h"
 
 #include <lumivane/algorithm/Edge.h>
 

@@ -5,12 +5,12 @@
 // How: all is done on plain values, which the second pass goes on with. The lists of polygon data
 // and of vectors that an object hands out are only made from them when somebody asks.
 
-#include "algorithm/HeldPolyData.h"
-#include "algorithm/ObjectProjection.h"
-#include "algorithm/PolygonClipper.h"
-#include "algorithm/RegionPolygon.h"
-#include "algorithm/RegionShapes.h"
-#include "algorithm/SceneAccess.h"
+#include "algorithm/pipeline/HeldPolyData.h"
+#include "algorithm/pipeline/ObjectProjection.h"
+#include "algorithm/pipeline/PolygonClipper.h"
+#include "algorithm/pipeline/RegionPolygon.h"
+#include "algorithm/pipeline/RegionShapes.h"
+#include "algorithm/pipeline/SceneAccess.h"
 #include "base/Indices.h"
 #include "kernel/Angle.h"
 #include "kernel/ConvexArea.h"

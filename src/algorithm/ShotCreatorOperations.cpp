@@ -1,6 +1,6 @@
 // Where the camera stands against the scene.
 
-#include "algorithm/SceneAccess.h"
+#include "algorithm/pipeline/SceneAccess.h"
 #include "kernel/ConvexArea.h"
 #include "kernel/Vec.h"
 #include "utils/Reports.h"

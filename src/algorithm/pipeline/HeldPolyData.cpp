@@ -1,7 +1,7 @@
 // Polygon data that an object holds without regions to make it from: any cells, any point type. So
 // the filters of VTK do here what PolygonClipper does for the one polygon of a region.
 
-#include "algorithm/HeldPolyData.h"
+#include "algorithm/pipeline/HeldPolyData.h"
 
 #include <vtkCellData.h>
 #include <vtkCellType.h>

@@ -1,7 +1,7 @@
 // The second pass: the records of the shot, made from what the first left on each object.
 
-#include "algorithm/ObjectProjection.h"
-#include "algorithm/SceneAccess.h"
+#include "algorithm/pipeline/ObjectProjection.h"
+#include "algorithm/pipeline/SceneAccess.h"
 #include "base/Indices.h"
 #include "kernel/Angle.h"
 #include "kernel/Docking.h"

@@ -1,4 +1,4 @@
-#include "algorithm/ShotBudget.h"
+#include "algorithm/pipeline/ShotBudget.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,8 @@
 // The bridge from regions to polygon data: a region's point numbers become points, which become one
 // polygon, its triangles or the poly-lines of its outline.
 
-#include "algorithm/RegionPolygon.h"
+#include "algorithm/pipeline/RegionPolygon.h"
+
 #include "kernel/Outline.h"
 #include "kernel/SamePoint.h"
 #include "utils/PolygonData.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "algorithm/PolygonClipper.h"
+#include "algorithm/pipeline/PolygonClipper.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "algorithm/RegionProjector.h"
-#include "algorithm/ShotBudget.h"
+#include "algorithm/pipeline/RegionProjector.h"
+#include "algorithm/pipeline/ShotBudget.h"
 #include "kernel/Vec.h"
 
 #include <lumivane/algorithm/ProjectionType.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "algorithm/RegionShapes.h"
+#include "algorithm/pipeline/RegionShapes.h"
 #include "kernel/Vec.h"
 
 #include <cstddef>

@@ -1,9 +1,10 @@
 // From visible polygons to polygons on the plane. The protected operations by containers and the
 // loop over an object's regions share RegionProjector, which works on fixed-size values.
 
-#include "algorithm/ObjectProjection.h"
-#include "algorithm/RegionProjector.h"
-#include "algorithm/SceneAccess.h"
+#include "algorithm/pipeline/ObjectProjection.h"
+
+#include "algorithm/pipeline/RegionProjector.h"
+#include "algorithm/pipeline/SceneAccess.h"
 #include "base/Indices.h"
 #include "kernel/Docking.h"
 #include "kernel/Split.h"

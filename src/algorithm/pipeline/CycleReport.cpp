@@ -1,4 +1,4 @@
-#include "algorithm/CycleReport.h"
+#include "algorithm/pipeline/CycleReport.h"
 
 #include "cmd/NumberText.h"
 

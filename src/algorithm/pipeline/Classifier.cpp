@@ -5,9 +5,9 @@
 // row that may meet; those are examined piece by piece, from the left to the right, as in a scan of
 // the whole row, and all others are apart. Nothing is allocated for a pair.
 
-#include "algorithm/ClassificationMatrix.h"
-#include "algorithm/ShotBudget.h"
-#include "algorithm/SortShapes.h"
+#include "algorithm/pipeline/ClassificationMatrix.h"
+#include "algorithm/pipeline/ShotBudget.h"
+#include "algorithm/pipeline/SortShapes.h"
 #include "kernel/BoxTree.h"
 #include "utils/Reports.h"
 #include "utils/Shapes.h"

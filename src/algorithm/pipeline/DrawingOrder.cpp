@@ -1,10 +1,10 @@
 // From the cells to the shot: who is hidden, who is drawn before whom, one order of all, and the
 // regions and faces of the shot written anew in that order.
 
-#include "algorithm/ClassificationMatrix.h"
-#include "algorithm/CycleReport.h"
-#include "algorithm/SortObjects.h"
-#include "algorithm/SortShapes.h"
+#include "algorithm/pipeline/ClassificationMatrix.h"
+#include "algorithm/pipeline/CycleReport.h"
+#include "algorithm/pipeline/SortObject.h"
+#include "algorithm/pipeline/SortShapes.h"
 #include "kernel/Order.h"
 #include "utils/StageScope.h"
 

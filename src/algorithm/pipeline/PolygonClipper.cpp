@@ -1,4 +1,4 @@
-#include "algorithm/PolygonClipper.h"
+#include "algorithm/pipeline/PolygonClipper.h"
 
 #include "utils/FewPointsLocator.h"
 
