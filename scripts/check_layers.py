@@ -46,6 +46,12 @@ VTK_HEADERS = re.compile(
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
+# What runs when a shot is made knows the values of the interface, and not who calls it.
+PIPELINE = "src/algorithm/pipeline"
+ABOVE_PIPELINE = re.compile(
+    r"algorithm/(?!pipeline/)\w+\.h$|lumivane/algorithm/(ShotCreator|DepthSort\w*|Graph)\.h$")
+
+
 def reachable(room):
     found, waiting = {room}, [room]
     while waiting:
@@ -101,6 +107,22 @@ def check_room_file(faults, root, path, room, public):
                                      "declare the class forward")
 
 
+def check_pipeline(faults, path):
+    for number, _, included in includes(path):
+        above = ABOVE_PIPELINE.match(included)
+        if above and not included.startswith("lumivane/algorithm/") or (
+                above and above.group(1)):
+            faults.add(path, number, f"the pipeline does not know {included}, which calls it")
+
+
+def check_bodies(faults, root):
+    """A body has the name of its header, or that of the class of which it is a chapter."""
+    headers = {path.stem for folder in ("src", "include") for path in (root / folder).rglob("*.h")}
+    for path in sorted((root / PIPELINE).glob("*.cpp")):
+        if path.stem not in headers:
+            faults.add(path, 1, "no header has this body's name")
+
+
 def check_kernel(faults, path):
     for number, _, included in includes(path):
         own = included.startswith("kernel/")
@@ -152,9 +174,12 @@ def main():
     for room in PUBLIC_ROOMS:
         for path in sorted((root / "include/lumivane" / room).glob("*.h")):
             check_room_file(faults, root, path, room, public=True)
-        for path in sorted((root / "src" / room).iterdir()):
+        for path in sorted((root / "src" / room).rglob("*")):
             if path.suffix in (".h", ".cpp", ".ipp"):
                 check_room_file(faults, root, path, room, public=False)
+    for path in sorted((root / PIPELINE).iterdir()):
+        check_pipeline(faults, path)
+    check_bodies(faults, root)
     for path in sorted((root / "src/kernel").iterdir()):
         if path.suffix in (".h", ".cpp"):
             check_kernel(faults, path)

@@ -24,7 +24,7 @@ scripts/install_packages.sh clang-tidy cppcheck
 # Not the tests: it takes the test library's macros for functions.
 cppcheck --quiet --library=googletest --std=c++17 --enable=warning,performance,portability --inline-suppr \
   --suppressions-list=scripts/cppcheck.supp --error-exitcode=1 -j "$(nproc)" \
-  -I include -I src -I host -I bench -I bench/plain -I tests src host examples bench fuzz
+  -I include -I src -I host -I bench -I tests src host examples bench fuzz
 echo "cppcheck: clean"
 
 mapfile -t sources < <(git ls-files 'src/*.cpp' 'host/*.cpp' 'examples/*.cpp' 'tests/*.cpp' \

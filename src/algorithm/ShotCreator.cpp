@@ -1,12 +1,14 @@
-// The story of a shot, in two passes over the scene's objects: the first looks at every region from
-// the eye and projects what is seen of it (ShotCreatorPass1.cpp, with ShotCreatorCamera.cpp and
-// ShotCreatorProject.cpp), the second makes the records of the shot from that
-// (ShotCreatorBuild.cpp) and hands it to the depth sort.
+// How a shot is made, in two passes over the scene's objects and a sort, each a file of pipeline/:
+// FirstPass looks at every region from the eye and projects what is seen of it, ShotBuilder makes
+// the records of the shot from that, and the depth sort puts its faces into their order.
 
-#include "algorithm/pipeline/ObjectProjection.h"
+#include "algorithm/InteriorShot.h"
+#include "algorithm/pipeline/FirstPass.h"
 #include "algorithm/pipeline/SceneAccess.h"
+#include "algorithm/pipeline/ShotBuilder.h"
 #include "base/Indices.h"
 
+#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
 #include <lumivane/algorithm/ProjectionType.h>
 #include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/algorithm/ShotParameters.h>
@@ -60,9 +62,21 @@ Shot::Shot2d* ShotCreator::getProjection(ProjectionType type) {
 
   Cmd::logMessage("Projecting objects\n\n");
   Utils::ProgressbarUtils::getInstance()->setProgress(0.0);
-  Projections projections;
-  if (hasObjects) projections = projectObjects(type);
-  return cameraObject == nullptr ? buildShot(projections) : buildInteriorShot(type);
+  if (cameraObject != nullptr)
+    return buildInteriorShot(view, objects, cameraObject, camera, type).release();
+
+  ProjectedObjects projections;
+  if (hasObjects)
+    projections =
+        projectObjects(*objects->getObjects(), {type, view, points, pointsPrecision}, {D1, D2});
+  UnfinishedShot shot = buildShot(
+      {view, objects, brushes, pens, properties, scales, propertyNum, scaleNum, pointsPrecision},
+      projections);
+  DepthSortAlgorithmExecutor depthSort;
+  depthSort.setScene(scene);
+  depthSort.setShot(shot.get());
+  depthSort.run();
+  return shot.release();
 }
 
 // Finds out before any work what the second pass could not assemble.

@@ -2,7 +2,6 @@
 
 #include <lumivane/jzon/Node.h>
 #include <lumivane/jzon/Parser.h>
-#include <lumivane/session/ShotFile.h>
 
 namespace Lumivane::Session {
 namespace {
@@ -40,14 +39,6 @@ std::string refusedValue(const std::string& text) {
   if (!root.isObject()) return "";
   const std::string brush = refusedEntry(root.get("Brushes"), "brush", 4);
   return brush.empty() ? refusedEntry(root.get("Pens"), "pen", 5) : brush;
-}
-
-std::unique_ptr<Shot::Shot2d> readShot(const std::string& path) {
-  return readText(readDocument(path), path, &IO::DataReader::readShotString);
-}
-
-std::unique_ptr<Shot::Shot2d> readShotText(const std::string& text, const std::string& name) {
-  return readText(text, name, &IO::DataReader::readShotString);
 }
 
 }  // namespace Lumivane::Session

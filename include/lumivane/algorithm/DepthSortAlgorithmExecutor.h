@@ -55,18 +55,13 @@ class LUMIVANE_EXPORT DepthSortAlgorithmExecutor {
   using Point = std::vector<double>;
   using Polygon = std::vector<Point>;
 
-  // The frame: DepthSortAlgorithmExecutor.cpp.
+  // The steps of `run`.
   void fillObjectDataList();
   void classifyObjects();
-
-  // One cell for every pair of objects: DepthSortClassify.cpp.
   void classifyObjectsByBoundingBoxes();
-
-  // From the cells to the shot: DepthSortOrder.cpp.
   void calculateObjectsOrder();
-  void rewriteShot();
 
-  // How two polygons lie to each other: DepthSortRelations.cpp.
+  // How two polygons lie to each other: DepthSortAlgorithmExecutorRelations.cpp.
   double rotate(Point a, Point b, Point c);
   bool intersect(const Point& a, const Point& b, const Point& c, const Point& d);
   bool isContainsPointArea(const Polygon& polygon, const Point& point);

@@ -234,12 +234,6 @@ class LUMIVANE_EXPORT ShotCreator {
 
   void checkObjects();
 
-  struct Projections;  // what the first pass leaves for the second
-
-  Projections projectObjects(ProjectionType type);          // ShotCreatorPass1.cpp
-  Shot::Shot2d* buildShot(const Projections& projections);  // ShotCreatorBuild.cpp
-  Shot::Shot2d* buildInteriorShot(ProjectionType type);
-
   Scene::Scene3D* scene = nullptr;
   Base::Brushes* brushes = nullptr;
   Base::Pens* pens = nullptr;

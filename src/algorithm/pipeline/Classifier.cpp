@@ -5,15 +5,13 @@
 // row that may meet; those are examined piece by piece, from the left to the right, as in a scan of
 // the whole row, and all others are apart. Nothing is allocated for a pair.
 
-#include "algorithm/pipeline/ClassificationMatrix.h"
+#include "algorithm/pipeline/Classifier.h"
+
 #include "algorithm/pipeline/ShotBudget.h"
-#include "algorithm/pipeline/SortShapes.h"
 #include "kernel/BoxTree.h"
 #include "utils/Reports.h"
 #include "utils/Shapes.h"
 
-#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
-#include <lumivane/algorithm/ObjectData.h>
 #include <lumivane/utils/ProgressbarUtils.h>
 
 #include <cstddef>
@@ -85,16 +83,17 @@ void checkRelations(std::size_t count, const ObjectData& face) {
 
 }  // namespace
 
-void DepthSortAlgorithmExecutor::classifyObjectsByBoundingBoxes() {
-  const std::size_t count = objectDataList->size();
-  Classifier classifier(*shapes);
-  classificationMatrix->restart();
+void classifyFaces(const SortShapes& shapes, const std::vector<ObjectData*>& objects,
+                   Kernel::SparseCells& cells) {
+  const std::size_t count = objects.size();
+  Classifier classifier(shapes);
+  cells.restart();
   Utils::ProgressbarUtils* progress = Utils::ProgressbarUtils::getInstance();
   for (std::size_t i = 0; i < count; ++i) {
     progress->setProgress(static_cast<double>(i) * (ProgressRange / static_cast<double>(count)) +
                           ProgressStart);
-    classifier.classifyRow(i, *classificationMatrix);
-    checkRelations(classificationMatrix->entryCount(), *(*objectDataList)[i]);
+    classifier.classifyRow(i, cells);
+    checkRelations(cells.entryCount(), *objects[i]);
   }
 }
 

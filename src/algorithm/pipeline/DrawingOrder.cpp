@@ -1,15 +1,12 @@
 // From the cells to the shot: who is hidden, who is drawn before whom, one order of all, and the
 // regions and faces of the shot written anew in that order.
 
-#include "algorithm/pipeline/ClassificationMatrix.h"
+#include "algorithm/pipeline/DrawingOrder.h"
+
 #include "algorithm/pipeline/CycleReport.h"
 #include "algorithm/pipeline/SortObject.h"
-#include "algorithm/pipeline/SortShapes.h"
 #include "kernel/Order.h"
-#include "utils/StageScope.h"
 
-#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
-#include <lumivane/algorithm/ObjectData.h>
 #include <lumivane/geometry/Face2d.h>
 #include <lumivane/geometry/Faces2d.h>
 #include <lumivane/geometry/Region2d.h>
@@ -113,14 +110,10 @@ void addFace(Geometry::Faces2d& faces, std::vector<int> regionNumbers) {
 
 }  // namespace
 
-void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
-  if (objectDataList == nullptr) return;
-  const Utils::StageScope stage(Utils::Stage::Order);
-  std::vector<ObjectData*>& objects = *objectDataList;
-  const std::vector<char> isHidden =
-      Kernel::flagsOf(Kernel::hiddenFaces(*classificationMatrix), objects.size());
-  const std::vector<std::uint32_t> order = Kernel::drawingOrder(
-      sortedObjects(objects, Kernel::drawnBefore(*classificationMatrix, isHidden)), isHidden);
+void orderObjects(std::vector<ObjectData*>& objects, const Kernel::SparseCells& cells) {
+  const std::vector<char> isHidden = Kernel::flagsOf(Kernel::hiddenFaces(cells), objects.size());
+  const std::vector<std::uint32_t> order =
+      Kernel::drawingOrder(sortedObjects(objects, Kernel::drawnBefore(cells, isHidden)), isHidden);
 
   std::vector<ObjectData*> drawn;
   drawn.reserve(order.size());
@@ -131,21 +124,20 @@ void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
   for (std::size_t i = 0; i < objects.size(); ++i)
     if (isHidden[i] != 0) SortObject::release(objects[i]);
   objects = std::move(drawn);
-
-  rewriteShot();
 }
 
-void DepthSortAlgorithmExecutor::rewriteShot() {
+void rewriteShot(Shot::Shot2d& shot, SortShapes& shapes,
+                 const std::vector<ObjectData*>& sortedObjects) {
   // A polygon of an object came from the shot's regions, so with an object that list is there.
-  RegionMover mover(*shapes, shot->getRegions());
-  shapes->shotRegions = nullptr;
+  RegionMover mover(shapes, shot.getRegions());
+  shapes.shotRegions = nullptr;
   std::unordered_map<std::string, Shot::Object2d*> objects;  // the first one of each id
-  for (Shot::Object2d* object : elementsOf(shot->getObjects(), &Shot::Objects2d::getObjects)) {
+  for (Shot::Object2d* object : elementsOf(shot.getObjects(), &Shot::Objects2d::getObjects)) {
     if (object == nullptr) continue;
     if (object->getFaces() != nullptr) object->getFaces()->clear();
     objects.emplace(object->getId(), object);
   }
-  for (ObjectData* data : *objectDataList) {
+  for (ObjectData* data : sortedObjects) {
     std::vector<int> numbers = mover.move(*data);
     const auto object = objects.find(data->getSourceObject());
     if (object != objects.end() && object->second->getFaces() != nullptr)

@@ -5,6 +5,8 @@
 // How: all is done on plain values, which the second pass goes on with. The lists of polygon data
 // and of vectors that an object hands out are only made from them when somebody asks.
 
+#include "algorithm/pipeline/FirstPass.h"
+
 #include "algorithm/pipeline/HeldPolyData.h"
 #include "algorithm/pipeline/ObjectProjection.h"
 #include "algorithm/pipeline/PolygonClipper.h"
@@ -18,7 +20,6 @@
 #include "utils/Shapes.h"
 #include "utils/StageScope.h"
 
-#include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/View.h>
 #include <lumivane/geometry/Point2d.h>
 #include <lumivane/geometry/Regions.h>
@@ -42,6 +43,9 @@ using Kernel::Vec3;
 using Scene::DeferredAccess;
 
 namespace {
+
+// The polygons of each region, as an object hands them out.
+using RegionPolygons = std::vector<std::vector<std::vector<std::vector<double>>>>;
 
 // Where the eye is stepped to if it stands on a cell: nearer to its plane than `reach`, over it,
 // and looking along it to within `tilt` degrees.
@@ -81,8 +85,8 @@ PlainPolygons keptPolygons(const std::vector<NormalCell>& cells, Vec3 eye) {
   return result;
 }
 
-ShotCreator::RegionPolygons* regionPolygonsOf(const std::vector<PlainPolygons>& regions) {
-  auto result = std::make_unique<ShotCreator::RegionPolygons>(regions.size());
+RegionPolygons* regionPolygonsOf(const std::vector<PlainPolygons>& regions) {
+  auto result = std::make_unique<RegionPolygons>(regions.size());
   for (std::size_t r = 0; r < regions.size(); ++r)
     for (const std::vector<Vec3>& polygon : regions[r])
       (*result)[r].push_back(Utils::toVectors(polygon));
@@ -103,8 +107,8 @@ RegionShapes regionShapes(Geometry::Regions& regions, Geometry::Points3d* points
 // Takes the objects one by one. An eye that is shifted stays where it is for all that follow.
 class FirstPass {
  public:
-  FirstPass(const ProjectionSetting& projection, double shiftReach, double shiftTilt)
-      : setting(projection), reach(shiftReach), tilt(shiftTilt) {}
+  FirstPass(const ProjectionSetting& projection, const EyeShift& shift)
+      : setting(projection), reach(shift.reach), tilt(shift.tilt) {}
 
   PlaneRegions project(Scene::Object& object) {
     const Utils::StageScope stage(Utils::Stage::PolygonData);
@@ -193,24 +197,22 @@ class FirstPass {
 
 }  // namespace
 
-ShotCreator::Projections ShotCreator::projectObjects(ProjectionType type) {
-  const std::vector<Scene::Object*>& list = *objects->getObjects();
-  const double step = 15.0 / static_cast<double>(list.size());
-  Projections projections;
-  FirstPass pass({type, view, points, pointsPrecision}, D1, D2);
-  for (std::size_t i = 0; i < list.size(); ++i) {
+ProjectedObjects projectObjects(const std::vector<Scene::Object*>& objects,
+                                const ProjectionSetting& setting, const EyeShift& shift) {
+  const double step = 15.0 / static_cast<double>(objects.size());
+  ProjectedObjects result;
+  FirstPass pass(setting, shift);
+  for (std::size_t i = 0; i < objects.size(); ++i) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step);
-    if (cameraObject != nullptr) break;
-    checkCameraOnPolygonAndShift(nullptr);  // it looks at nothing, so no list is made for it
-    if (list[i]->getRegions() == nullptr) {
-      pass.projectHeld(*list[i]);
+    if (objects[i]->getRegions() == nullptr) {
+      pass.projectHeld(*objects[i]);
       continue;
     }
-    Projections::Part& part = (*projections.of)[list[i]];
-    part.plane = pass.project(*list[i]);
+    ProjectedObjects::Part& part = result.of[objects[i]];
+    part.plane = pass.project(*objects[i]);
     ++part.uses;
   }
-  return projections;
+  return result;
 }
 
 }  // namespace Lumivane::Algorithm

@@ -1,24 +1,18 @@
-// From visible polygons to polygons on the plane. The protected operations by containers and the
-// loop over an object's regions share RegionProjector, which works on fixed-size values.
+// From visible polygons to polygons on the plane: every region of an object through
+// RegionProjector, which works on fixed-size values, with the errors that name object and region.
 
 #include "algorithm/pipeline/ObjectProjection.h"
 
 #include "algorithm/pipeline/RegionProjector.h"
 #include "algorithm/pipeline/SceneAccess.h"
-#include "base/Indices.h"
-#include "kernel/Docking.h"
-#include "kernel/Split.h"
 #include "utils/Reports.h"
 #include "utils/Shapes.h"
 #include "utils/StageScope.h"
 
 #include <lumivane/algorithm/ProjectionType.h>
-#include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/base/View.h>
 #include <lumivane/cmd/CmdManager.h>
-#include <lumivane/cmd/Log.h>
 #include <lumivane/geometry/EdgeStartPoint2d.h>
-#include <lumivane/geometry/EdgeStartPoint3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/geometry/Region.h>
 #include <lumivane/geometry/Regions.h>
@@ -37,23 +31,12 @@
 namespace Lumivane::Algorithm {
 
 using Geometry::EdgeStartPoint2d;
-using Geometry::EdgeStartPoint3d;
 using Kernel::Vec3;
 
 namespace {
 
 // The region that holds the camera is split this many times finer.
 constexpr std::int64_t CameraRegionFactor = 300;
-
-ShotCreator::ProjectedPolygon edgeStartPoints(const PlanePolygon& polygon) {
-  ShotCreator::ProjectedPolygon result;
-  result.reserve(polygon.size());
-  for (const Kernel::Vec2 point : polygon.points)
-    result.push_back(new EdgeStartPoint2d(point.x, point.y));
-  for (const int number : polygon.edgeless)
-    result[static_cast<std::size_t>(number) - 1]->setHasEdge(false);
-  return result;
-}
 
 std::vector<Vec3> regionPointsOf(Geometry::Region* region, Geometry::Points3d* points) {
   std::vector<Vec3> result;
@@ -70,25 +53,6 @@ Kernel::BackFrame frameOfView(Base::View& view) {
   const Vec3 forward = Utils::reported(Kernel::normalise(forwardOf(view)));
   const Vec3 right = Utils::reported(Kernel::normalise(Kernel::cross(up, forward)));
   return Kernel::backFrame(right, forward);
-}
-
-std::vector<std::vector<Vec3>> plainPolygons(const std::vector<ShotCreator::Polygon>& polygons) {
-  std::vector<std::vector<Vec3>> result;
-  result.reserve(polygons.size());
-  for (const ShotCreator::Polygon& polygon : polygons) result.push_back(Utils::toVec3s(polygon));
-  return result;
-}
-
-Kernel::BackFrame frameOf(const ShotCreator::Point& right, const ShotCreator::Point& forward) {
-  return Kernel::backFrame(Utils::toVec3(right), Utils::toVec3(forward));
-}
-
-// One polygon of a region, at one piece count.
-ShotCreator::ProjectedPolygon projectedAlone(RegionFrame region,
-                                             const ShotCreator::Polygon& polygon,
-                                             int segmentCount) {
-  RegionProjector projector(std::move(region));
-  return edgeStartPoints(projector.project(Utils::toVec3s(polygon), segmentCount));
 }
 
 // The number, from 1, of the corner that the eye stands on, as near as single precision tells; or
@@ -135,52 +99,18 @@ std::int64_t pointCount(const std::vector<PlanePolygon>& polygons) {
 
 }  // namespace
 
-std::vector<EdgeStartPoint3d*> ShotCreator::splitPoints(std::vector<int>* dockingEdges,
-                                                        Polygon polygon, int segmentCount) {
-  const std::vector<Vec3> corners = Utils::toVec3s(polygon);
-  std::vector<std::pair<Vec3, bool>> split;
-  std::vector<Vec3> edgePoints;
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    edgePoints.clear();
-    const Vec3 next = corners[(i + 1) % corners.size()];
-    if (!Kernel::appendSplitEdge(corners[i], next, segmentCount, edgePoints)) return {};
-    const bool hasEdge = !holdsNumber(dockingEdges, static_cast<std::int64_t>(i) + 1);
-    for (const Vec3& point : edgePoints) split.emplace_back(point, hasEdge);
-  }
-
-  std::vector<EdgeStartPoint3d*> result;
-  result.reserve(split.size());
-  for (const auto& [point, hasEdge] : split) {
-    result.push_back(new EdgeStartPoint3d(point.x, point.y, point.z));
-    result.back()->setHasEdge(hasEdge);
-  }
+EdgeStartPolygon edgeStartPoints(const PlanePolygon& polygon) {
+  EdgeStartPolygon result;
+  result.reserve(polygon.size());
+  for (const Kernel::Vec2 point : polygon.points)
+    result.push_back(new EdgeStartPoint2d(point.x, point.y));
+  for (const int number : polygon.edgeless)
+    result[static_cast<std::size_t>(number) - 1]->setHasEdge(false);
   return result;
 }
 
-ShotCreator::ProjectedPolygon ShotCreator::projectPointsRadial(std::vector<int>* dockingEdges,
-                                                               Polygon polygon,
-                                                               Polygon regionPoints, Point eye,
-                                                               Point right, Point forward,
-                                                               int segmentCount) {
-  if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
-  return projectedAlone({ProjectionType::Radial, Utils::toVec3(eye), frameOf(right, forward),
-                         dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision},
-                        polygon, segmentCount);
-}
-
-ShotCreator::ProjectedPolygon ShotCreator::projectPointsSquare(std::vector<int>* dockingEdges,
-                                                               Polygon polygon,
-                                                               Polygon regionPoints, Point eye,
-                                                               Point right, Point forward,
-                                                               int segmentCount) {
-  if (polygon.empty() && numbersOf(dockingEdges).empty()) return {};  // reads nothing else
-  return projectedAlone({ProjectionType::Square, Utils::toVec3(eye), frameOf(right, forward),
-                         dockingEdges, Utils::toVec3s(regionPoints), pointsPrecision},
-                        polygon, segmentCount);
-}
-
-ShotCreator::RegionProjections* edgeStartPoints(const PlaneRegions& regions) {
-  auto* result = new ShotCreator::RegionProjections(regions.size());
+EdgeStartRegions* edgeStartPoints(const PlaneRegions& regions) {
+  auto* result = new EdgeStartRegions(regions.size());
   for (std::size_t r = 0; r < regions.size(); ++r) {
     for (const PlanePolygon& polygon : regions[r]) {
       (*result)[r].push_back(edgeStartPoints(polygon));
@@ -238,33 +168,6 @@ PlaneRegions PlaneRecipe::carriedOut(const std::vector<PlainPolygons>& visible) 
       plane[r].push_back(projector.project(polygon, regions[r].pieceCount));
   }
   return plane;
-}
-
-ShotCreator::RegionProjections* ShotCreator::projectPoints(Scene::Object* object,
-                                                           RegionPolygons* polygons,
-                                                           ProjectionType type) {
-  std::vector<PlainPolygons> plain;
-  if (polygons != nullptr)
-    for (const std::vector<Polygon>& region : *polygons) plain.push_back(plainPolygons(region));
-  if (object->getRegions() == nullptr && !plain.empty()) Base::throwBadIndex(0);
-  ShotBudget budget;
-  const ProjectionSetting setting{type, view, points, pointsPrecision};
-  return edgeStartPoints(projectRegions(*object, plain, setting, budget).plane);
-}
-
-std::vector<std::vector<int>> ShotCreator::getDockingEdges(std::vector<ProjectedPolygon> polygons) {
-  return Kernel::dockingEdges(planeOutlines(polygons), pointsPrecision);
-}
-
-void ShotCreator::printPoints(Polygon polygon) {
-  if (polygon.empty()) return;
-  Cmd::logMessage("[\n");
-  for (const Point& point : polygon) {
-    Cmd::logMessage("[");
-    for (const double coordinate : point) Cmd::logMessage("%g ", coordinate);
-    Cmd::logMessage("]\n");
-  }
-  Cmd::logMessage("]\n");
 }
 
 }  // namespace Lumivane::Algorithm

@@ -5,16 +5,28 @@
 #include "kernel/Vec.h"
 
 #include <lumivane/algorithm/ProjectionType.h>
-#include <lumivane/algorithm/ShotCreator.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <unordered_map>
 #include <vector>
+
+namespace Lumivane::Base {
+class View;
+}
+namespace Lumivane::Geometry {
+class EdgeStartPoint2d;
+class Points3d;
+}  // namespace Lumivane::Geometry
+namespace Lumivane::Scene {
+class Object;
+}
 
 /// What the passes over a scene's objects hand to each other, as plain values.
 namespace Lumivane::Algorithm {
+
+/// A projected polygon, and those of each region of an object, as the model hands them out.
+using EdgeStartPolygon = std::vector<Geometry::EdgeStartPoint2d*>;
+using EdgeStartRegions = std::vector<std::vector<EdgeStartPolygon>>;
 
 /// The visible polygons of one region. One that is not kept leaves an empty one in its place.
 using PlainPolygons = std::vector<std::vector<Kernel::Vec3>>;
@@ -61,16 +73,7 @@ ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPo
                                 const ProjectionSetting& setting, ShotBudget& budget);
 
 /// The same as the lists of pointers that an object hands out; all owned by the caller.
-ShotCreator::RegionProjections* edgeStartPoints(const PlaneRegions& regions);
-
-/// What the first pass leaves for the second, which frees each object's part when it has used it.
-struct ShotCreator::Projections {
-  struct Part {
-    PlaneRegions plane;
-    std::size_t uses = 0;  ///< how often the object is listed
-  };
-  using Parts = std::unordered_map<const Scene::Object*, Part>;
-  std::unique_ptr<Parts> of = std::make_unique<Parts>();
-};
+EdgeStartRegions* edgeStartPoints(const PlaneRegions& regions);
+EdgeStartPolygon edgeStartPoints(const PlanePolygon& polygon);
 
 }  // namespace Lumivane::Algorithm

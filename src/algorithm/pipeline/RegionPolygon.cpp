@@ -4,11 +4,8 @@
 #include "algorithm/pipeline/RegionPolygon.h"
 
 #include "kernel/Outline.h"
-#include "kernel/SamePoint.h"
-#include "utils/PolygonData.h"
 #include "utils/Shapes.h"
 
-#include <lumivane/algorithm/ShotCreator.h>
 #include <lumivane/cmd/Log.h>
 #include <lumivane/geometry/Point2d.h>
 #include <lumivane/geometry/Point3d.h>
@@ -95,19 +92,6 @@ void appendOutline(const std::vector<Vec3>& polygon, const std::vector<int>* doc
   }
 }
 
-namespace {
-
-void fillOutline(vtkPolyData* result, const std::vector<Vec3>& polygon,
-                 const std::vector<int>* dockingEdges) {
-  const vtkNew<vtkPoints> points;
-  const vtkNew<vtkCellArray> lines;
-  appendOutline(polygon, dockingEdges, points, lines);
-  result->SetPoints(points);
-  result->SetLines(lines);
-}
-
-}  // namespace
-
 void readRegionPolygon(Geometry::Region* region, Geometry::Points3d* points,
                        std::vector<Vec3>& polygon) {
   polygon.clear();
@@ -116,66 +100,6 @@ void readRegionPolygon(Geometry::Region* region, Geometry::Points3d* points,
     return;
   }
   readRegionPoints(region, points, polygon);
-}
-
-vtkNew<vtkPolyData> ShotCreator::getRegionPolyData(Geometry::Region* region,
-                                                   Geometry::Points3d* points) {
-  vtkNew<vtkPolyData> result;
-  std::vector<Vec3> polygon;
-  readRegionPolygon(region, points, polygon);
-  if (!polygon.empty()) result->ShallowCopy(Utils::polygonData(polygon));
-  return result;
-}
-
-vtkNew<vtkPolyData> ShotCreator::getRegionPolyDataTriangulated(Geometry::Region* region,
-                                                               Geometry::Points3d* points) {
-  vtkNew<vtkPolyData> result = getRegionPolyData(region, points);
-  triangulate(result, result);
-  return result;
-}
-
-vtkNew<vtkPolyData> ShotCreator::getRegionPolyData(Geometry::Region2d* region,
-                                                   Geometry::Points2d* points, int depth) {
-  static_assert(depthShift == LayerHeight);
-  vtkNew<vtkPolyData> result;
-  std::vector<Vec3> polygon;
-  readRegionPoints(region, points, depth, polygon);
-  triangulate(Utils::polygonData(polygon), result);
-  return result;
-}
-
-vtkNew<vtkPolyData> ShotCreator::getRegionLinePolyData(Geometry::Region* region,
-                                                       Geometry::Points3d* points) {
-  vtkNew<vtkPolyData> result;
-  if (pointCount(region) < 2) return result;
-  std::vector<Vec3> polygon;
-  readRegionPoints(region, points, polygon);
-  fillOutline(result, polygon, region->getDockingEdges());
-  return result;
-}
-
-vtkNew<vtkPolyData> ShotCreator::getRegionLinePolyData(Geometry::Region2d* region,
-                                                       Geometry::Points2d* points, int depth) {
-  vtkNew<vtkPolyData> result;
-  if (pointCount(region) < 2) return result;
-  std::vector<Vec3> polygon;
-  readRegionPoints(region, points, depth, polygon);
-  fillOutline(result, polygon, region->getDockingEdges());
-  return result;
-}
-
-bool ShotCreator::isPoints3dEquals(std::vector<double> a, std::vector<double> b) {
-  if (a.size() != 3 || b.size() != 3) return false;
-  return Kernel::samePoint(Utils::toVec3(a), Utils::toVec3(b), pointsPrecision);
-}
-
-bool ShotCreator::isPoints2dEquals(std::vector<double> a, std::vector<double> b) {
-  if (a.size() != 2 || b.size() != 2) return false;
-  return Kernel::samePoint(Utils::toVec2(a), Utils::toVec2(b), pointsPrecision);
-}
-
-std::vector<std::vector<double>> ShotCreator::copyPoints(std::vector<std::vector<double>> points) {
-  return points;
 }
 
 }  // namespace Lumivane::Algorithm

@@ -1,20 +1,15 @@
 // The second pass: the records of the shot, made from what the first left on each object.
 
+#include "algorithm/pipeline/ShotBuilder.h"
+
 #include "algorithm/pipeline/ObjectProjection.h"
 #include "algorithm/pipeline/SceneAccess.h"
 #include "base/Indices.h"
-#include "kernel/Angle.h"
 #include "kernel/Docking.h"
 #include "kernel/PointPool.h"
 #include "utils/StageScope.h"
 
-#include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
-#include <lumivane/algorithm/ProjectionType.h>
-#include <lumivane/algorithm/ShotCreator.h>
-#include <lumivane/base/Brush.h>
 #include <lumivane/base/Brushes.h>
-#include <lumivane/base/Camera.h>
-#include <lumivane/base/Pen.h>
 #include <lumivane/base/Pens.h>
 #include <lumivane/base/Properties.h>
 #include <lumivane/base/Scale.h>
@@ -38,7 +33,6 @@
 #include <lumivane/utils/ProgressbarUtils.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -53,36 +47,6 @@ using Geometry::Point2d;
 using Geometry::Region2d;
 
 namespace {
-
-// Destroys a shot that is not finished, and not what it shares with the scene.
-struct UnfinishedShotDeleter {
-  void operator()(Shot::Shot2d* shot) const {
-    shot->setBrushes(nullptr);
-    shot->setPens(nullptr);
-    shot->setScale(nullptr);
-    shot->setProperty(nullptr);
-    delete shot;
-  }
-};
-using UnfinishedShot = std::unique_ptr<Shot::Shot2d, UnfinishedShotDeleter>;
-
-UnfinishedShot newShot(Base::View* view) {
-  UnfinishedShot shot(new Shot::Shot2d());
-  shot->setView(view);
-  shot->setPoints(new Geometry::Points2d());
-  shot->setRegions(new Geometry::Regions2dInDrawingOrder());
-  shot->setObjects(new Shot::Objects2d());
-  return shot;
-}
-
-// The object's record; owned by the shot from now on.
-Faces2d& addObject(Shot::Shot2d& shot, const Scene::Object& object) {
-  auto* object2d = new Shot::Object2d();
-  shot.getObjects()->addObject(object2d);
-  object2d->setId(object.getId());
-  object2d->setFaces(new Faces2d());
-  return *object2d->getFaces();
-}
 
 // Appends each number once, in the order of first appearance, to those that are there.
 void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::size_t edgeCount) {
@@ -222,93 +186,56 @@ class ShotBuilder {
 
 }  // namespace
 
-Shot::Shot2d* ShotCreator::buildShot(const Projections& projections) {
-  UnfinishedShot shot = newShot(view);
-  shot->setBrushes(brushes);
-  shot->setPens(pens);
-  const bool isColoured =
-      propertyNum > 0 && scaleNum > 0 && properties != nullptr && scales != nullptr;
+void UnfinishedShotDeleter::operator()(Shot::Shot2d* shot) const {
+  shot->setBrushes(nullptr);
+  shot->setPens(nullptr);
+  shot->setScale(nullptr);
+  shot->setProperty(nullptr);
+  delete shot;
+}
+
+UnfinishedShot newShot(Base::View* view) {
+  UnfinishedShot shot(new Shot::Shot2d());
+  shot->setView(view);
+  shot->setPoints(new Geometry::Points2d());
+  shot->setRegions(new Geometry::Regions2dInDrawingOrder());
+  shot->setObjects(new Shot::Objects2d());
+  return shot;
+}
+
+Geometry::Faces2d& addObject(Shot::Shot2d& shot, const Scene::Object& object) {
+  auto* object2d = new Shot::Object2d();
+  shot.getObjects()->addObject(object2d);
+  object2d->setId(object.getId());
+  object2d->setFaces(new Faces2d());
+  return *object2d->getFaces();
+}
+
+UnfinishedShot buildShot(const ShotSource& source, ProjectedObjects& projections) {
+  UnfinishedShot shot = newShot(source.view);
+  shot->setBrushes(source.brushes);
+  shot->setPens(source.pens);
+  const bool isColoured = source.propertyNum > 0 && source.scaleNum > 0 &&
+                          source.properties != nullptr && source.scales != nullptr;
   if (isColoured) {
-    shot->setScale(scales->getScale(scaleNum - 1));
-    shot->setProperty(properties->getProperty(propertyNum));
+    shot->setScale(source.scales->getScale(source.scaleNum - 1));
+    shot->setProperty(source.properties->getProperty(source.propertyNum));
   }
 
-  const std::size_t count = Base::countOf(objects->getObjects());
+  const std::size_t count = Base::countOf(source.objects->getObjects());
   const double step = 15.0 / static_cast<double>(std::max<std::size_t>(count, 1));
   const Utils::StageScope stage(Utils::Stage::Points);
-  ShotBuilder builder(*shot, propertyNum, pointsPrecision);
+  ShotBuilder builder(*shot, source.propertyNum, source.precision);
   for (std::size_t i = 0; i < count; ++i) {
     Utils::ProgressbarUtils::getInstance()->setProgress(static_cast<double>(i) * step + 15.0);
-    Scene::Object& object = *(*objects->getObjects())[i];
+    Scene::Object& object = *(*source.objects->getObjects())[i];
     // An object without regions is not projected: what an earlier shot has left says nothing.
-    const auto projected = projections.of->find(&object);
-    const bool isProjected = projected != projections.of->end();
+    const auto projected = projections.of.find(&object);
+    const bool isProjected = projected != projections.of.end();
     builder.build(object, static_cast<int>(i) + 1, isProjected ? &projected->second.plane : nullptr,
                   isProjected && --projected->second.uses == 0);
   }
-
-  DepthSortAlgorithmExecutor depthSort;
-  depthSort.setScene(scene);
-  depthSort.setShot(shot.get());
-  depthSort.run();
-  return shot.release();
-}
-
-namespace {
-
-// The whole picture area: the rim of the disc, or the square.
-std::vector<Kernel::Vec2> pictureBoundary(ProjectionType type) {
-  if (type != ProjectionType::Radial && static_cast<int>(type) != 2) {
-    return {{-1.0, 1.0}, {1.0, 1.0}, {1.0, -1.0}, {-1.0, -1.0}};
-  }
-  std::vector<Kernel::Vec2> rim;
-  for (int degrees = 0; degrees < 360; degrees += 6) {
-    const double angle = Kernel::toRadians(degrees);
-    rim.push_back({std::cos(angle), std::sin(angle)});
-  }
-  return rim;
-}
-
-void setInteriorColour(Shot::Shot2d& shot, Base::Camera* camera) {
-  const Base::Color* colour = camera == nullptr ? nullptr : camera->getInteriorColor();
-  shot.setBrushes(new Base::Brushes());
-  shot.getBrushes()->addBrush(colour == nullptr
-                                  ? new Base::Brush(64, 64, 64, 255)
-                                  : new Base::Brush(colour->getRed(), colour->getGreen(),
-                                                    colour->getBlue(), colour->getAlpha()));
-  shot.setPens(new Base::Pens());
-  shot.getPens()->addPen(new Base::Pen());
-}
-
-// The one region of an interior shot, in the one face of the camera's object.
-void addInteriorRegion(Shot::Shot2d& shot, Faces2d& faces2d, int objectNumber,
-                       ProjectionType type) {
-  auto* region2d = new Region2d();
-  shot.getRegions()->addRegion(region2d);
-  region2d->setObjectNumber(objectNumber);
-  region2d->setPenNumber(1);
-  region2d->setBrushNumber(1);
-  region2d->setFaceNumber(1);
-  for (const Kernel::Vec2& point : pictureBoundary(type)) {
-    shot.getPoints()->addPoint(new Point2d(point.x, point.y));
-    region2d->addPoint(static_cast<int>(region2d->getPoints()->size()) + 1);
-  }
-  faces2d.addFace(new Face2d());
-  faces2d.getFace(0)->addRegion(1);
-}
-
-}  // namespace
-
-Shot::Shot2d* ShotCreator::buildInteriorShot(ProjectionType type) {
-  UnfinishedShot shot = newShot(view);
-  setInteriorColour(*shot, camera);
-  const std::size_t count = Base::countOf(objects->getObjects());
-  for (std::size_t i = 0; i < count; ++i) {
-    const Scene::Object* object = (*objects->getObjects())[i];
-    Faces2d& faces2d = addObject(*shot, *object);
-    if (object == cameraObject) addInteriorRegion(*shot, faces2d, static_cast<int>(i) + 1, type);
-  }
-  return shot.release();
+  return shot;
 }
 
 }  // namespace Lumivane::Algorithm

@@ -1,7 +1,7 @@
-// The plain road and the library come to the same bytes: on every expected shot, and on random
+// The plain pipeline and the library come to the same bytes: on every expected shot, and on random
 // scenes and views.
 
-#include "Road.h"
+#include "plain/Pipeline.h"
 #include "plain/RandomScenes.h"
 #include "scene/City.h"
 #include "scene/Sphere.h"
@@ -60,15 +60,15 @@ class ExpectedShot : public ::testing::Test {
 
   void TestBody() override {
     const Json json = Json::parse(fileText(stem.string() + ".view.json"));
-    Plain::Road road;
-    Plain::Scene scene = road.read(fileText(stem.string() + ".scene.json"));
+    Plain::Pipeline pipeline;
+    Plain::Scene scene = pipeline.read(fileText(stem.string() + ".scene.json"));
     for (const Json& before : json.value("before", Json::array())) {
       Plain::View earlier = viewOf(before);
-      road.makeShot(scene, earlier);
+      pipeline.makeShot(scene, earlier);
     }
     Plain::View view = viewOf(json);
-    const Plain::Shot shot = road.makeShot(scene, view);
-    EXPECT_EQ(fileText(stem.string() + ".shot.json"), road.write(scene, shot));
+    const Plain::Shot shot = pipeline.makeShot(scene, view);
+    EXPECT_EQ(fileText(stem.string() + ".shot.json"), pipeline.write(scene, shot));
     expectTold(Json::parse(fileText(stem.string() + ".stats.json")), shot, view);
   }
 
@@ -101,17 +101,17 @@ void registerExpectedShots() {
   std::sort(stems.begin(), stems.end());
   if (stems.empty()) stems.emplace_back("none");  // which fails
   for (const fs::path& stem : stems)
-    ::testing::RegisterTest("PlainRoadOnExpectedShots", stem.filename().c_str(), nullptr, nullptr,
-                            __FILE__, __LINE__,
+    ::testing::RegisterTest("PlainPipelineOnExpectedShots", stem.filename().c_str(), nullptr,
+                            nullptr, __FILE__, __LINE__,
                             [stem]() -> ::testing::Test* { return new ExpectedShot(stem); });
 }
 
 // --- Random scenes ---
 
 // Both number the objects of the sort from 1 on, so that their reports can be compared.
-Plain::Road& sharedRoad() {
-  static Plain::Road road;
-  return road;
+Plain::Pipeline& sharedPipeline() {
+  static Plain::Pipeline pipeline;
+  return pipeline;
 }
 
 /// A library's view of the plain one's values, with the statics of the splitting.
@@ -168,10 +168,10 @@ void expectSameShot(const std::string& text, const Plain::View& view) {
   const std::string actual = IO::DataWriter().writeShotString(shot.get());
   for (Scene::Object* object : *scene->getObjects()->getObjects()) freeWorkingLists(*object);
 
-  Plain::Scene plainScene = sharedRoad().read(text);
+  Plain::Scene plainScene = sharedPipeline().read(text);
   Plain::View plainView = view;
-  const Plain::Shot plainShot = sharedRoad().makeShot(plainScene, plainView);
-  ASSERT_EQ(sharedRoad().write(plainScene, plainShot), actual);
+  const Plain::Shot plainShot = sharedPipeline().makeShot(plainScene, plainView);
+  ASSERT_EQ(sharedPipeline().write(plainScene, plainShot), actual);
   ASSERT_EQ(plainShot.messages, printed);
   ASSERT_EQ(plainView.eye, libraryView.orientation.getEyePosition()->toVector());
   ASSERT_EQ(plainShot.report.value_or(""), fileText("log_sort.txt"));
@@ -189,7 +189,7 @@ Plain::View anyView(Plain::Random& random, double reach) {
   return view;
 }
 
-TEST(PlainRoadProperty, AgreesWithTheLibraryOnTowns) {
+TEST(PlainPipelineProperty, AgreesWithTheLibraryOnTowns) {
   Plain::Random random(71);
   for (int i = 0; i < 15; ++i) {
     SCOPED_TRACE(i);
@@ -200,7 +200,7 @@ TEST(PlainRoadProperty, AgreesWithTheLibraryOnTowns) {
   }
 }
 
-TEST(PlainRoadProperty, AgreesWithTheLibraryOnTheViewsOfATown) {
+TEST(PlainPipelineProperty, AgreesWithTheLibraryOnTheViewsOfATown) {
   const Bench::BenchScene town = Bench::city(24);
   for (const Bench::NamedView& named : town.views) {
     SCOPED_TRACE(named.name);
@@ -215,7 +215,7 @@ TEST(PlainRoadProperty, AgreesWithTheLibraryOnTheViewsOfATown) {
   }
 }
 
-TEST(PlainRoadProperty, AgreesWithTheLibraryOnABall) {
+TEST(PlainPipelineProperty, AgreesWithTheLibraryOnABall) {
   Plain::Random random(72);
   const std::string text = sceneText(Bench::sphere(392).model);
   for (int i = 0; i < 8; ++i) {
@@ -226,7 +226,7 @@ TEST(PlainRoadProperty, AgreesWithTheLibraryOnABall) {
 
 // Triangles and larger polygons in all directions, concave and repeated points among them, faces of
 // several regions, docking edges: whatever runs through whatever.
-TEST(PlainRoadProperty, AgreesWithTheLibraryOnScatteredPolygons) {
+TEST(PlainPipelineProperty, AgreesWithTheLibraryOnScatteredPolygons) {
   Plain::Random random(73);
   for (int i = 0; i < 60; ++i) {
     SCOPED_TRACE(i);
@@ -235,7 +235,7 @@ TEST(PlainRoadProperty, AgreesWithTheLibraryOnScatteredPolygons) {
 }
 
 // Coordinates of a coarse grid bring shared edges, planes through the eye and touching polygons.
-TEST(PlainRoadProperty, AgreesWithTheLibraryOnAGrid) {
+TEST(PlainPipelineProperty, AgreesWithTheLibraryOnAGrid) {
   Plain::Random random(74);
   for (int i = 0; i < 60; ++i) {
     SCOPED_TRACE(i);

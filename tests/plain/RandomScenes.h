@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// Texts of random scenes that leave nothing out: for comparing two forms of the road.
+/// Texts of random scenes that leave nothing out: for comparing two forms of the pipeline.
 namespace Lumivane::Plain {
 
 struct Random {

@@ -1,8 +1,8 @@
 // The depth sort: a cell for every pair of faces, both scans of a pair made anew, the graph by the
 // names of its nodes, and the shot written anew in its order.
 
-#include "Road.h"
 #include "plain/DepthSort.h"
+#include "plain/Pipeline.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-// The road by the library against the plain one, on one scene, by turns in one process: what the
-// faster forms gain, as ratios that hardly depend on the machine.
+// The pipeline by the library against the plain one, on one scene, by turns in one process: what
+// the faster forms gain, as ratios that hardly depend on the machine.
 //
 // Usage: bench_gain [BOXES [RUNS]]      (a town of 200 boxes seen from the air, 3 runs)
 
-#include "Road.h"
+#include "plain/Pipeline.h"
 #include "scene/City.h"
 
 #include <lumivane/lumivane.h>
@@ -30,13 +30,13 @@ struct Run {
 };
 
 Run plainRun(const std::string& sceneText, const Lv::Plain::View& atFirst) {
-  Lv::Plain::Road road;
+  Lv::Plain::Pipeline pipeline;
   Lv::Plain::View view = atFirst;
-  Lv::Plain::Scene scene = road.read(sceneText);
-  const Lv::Plain::Shot shot = road.makeShot(scene, view);
+  Lv::Plain::Scene scene = pipeline.read(sceneText);
+  const Lv::Plain::Shot shot = pipeline.makeShot(scene, view);
   Run run;
-  run.text = road.write(scene, shot);
-  run.seconds = road.seconds;
+  run.text = pipeline.write(scene, shot);
+  run.seconds = pipeline.seconds;
   return run;
 }
 

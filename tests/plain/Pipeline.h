@@ -9,7 +9,7 @@
 #include <vtkPolyData.h>
 #include <vtkSmartPointer.h>
 
-/// The road from the text of a scene to the text of its shot once more, as it is told step by step:
+/// The pipeline from the text of a scene to the text of its shot once more, step by step:
 /// texts go through streams, points are small vectors, lists are searched from the start, every
 /// pair of faces has a cell and every scan is made in full. It shares no code with the library, so
 /// that equal texts say something, and its time is the measure of what the faster forms gain.
@@ -101,7 +101,7 @@ struct Seconds {
 };
 
 /// The steps in their order. The ids of the sort count on from shot to shot.
-class Road {
+class Pipeline {
  public:
   Scene read(const std::string& text);
   Shot makeShot(Scene& scene, View& view);

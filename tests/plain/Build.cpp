@@ -1,7 +1,7 @@
 // The second pass: one list of points for all, searched from its start for every point, and the
 // edges that pieces of one region share.
 
-#include "Road.h"
+#include "plain/Pipeline.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // Scenes from text and shots to text: a tree of values between a stream read character by character
 // and the model, and one stream for every number.
 
-#include "Road.h"
 #include "plain/JsonNumber.h"
+#include "plain/Pipeline.h"
 
 #include <istream>
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "Road.h"
+#include "plain/Pipeline.h"
 
 #include <ctime>
 
@@ -19,12 +19,12 @@ class Clock {
 
 }  // namespace
 
-Scene Road::read(const std::string& text) {
+Scene Pipeline::read(const std::string& text) {
   const Clock clock(seconds.read);
   return readScene(text);
 }
 
-Shot Road::makeShot(Scene& scene, View& view) {
+Shot Pipeline::makeShot(Scene& scene, View& view) {
   Shot shot;
   shot.messages = "Projecting objects\n\n";
   {
@@ -42,7 +42,7 @@ Shot Road::makeShot(Scene& scene, View& view) {
   return shot;
 }
 
-std::string Road::write(const Scene& scene, const Shot& shot) {
+std::string Pipeline::write(const Scene& scene, const Shot& shot) {
   const Clock clock(seconds.write);
   return shotText(scene, shot);
 }

@@ -1,7 +1,7 @@
 // The first pass: polygon data of the regions, their part ahead of the eye, the polygons that are
 // kept, and these on the plane.
 
-#include "Road.h"
+#include "plain/Pipeline.h"
 
 #include <cmath>
 #include <cstdint>
