@@ -6,7 +6,7 @@ include(CheckPIESupported)
 
 # lumivane_harden(TARGET): for an interface library that all targets of ours use.
 function(lumivane_harden target)
-  if(LUMIVANE_SANITIZE OR LUMIVANE_COVERAGE OR LUMIVANE_BUILD_FUZZ
+  if(LUMIVANE_SANITIZE OR LUMIVANE_SANITIZE_THREADS OR LUMIVANE_COVERAGE OR LUMIVANE_BUILD_FUZZ
      OR NOT CMAKE_SYSTEM_NAME STREQUAL "Linux")
     return()
   endif()

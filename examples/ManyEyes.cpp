@@ -3,7 +3,6 @@
 #include <lumivane/lumivane.h>
 
 #include <cmath>
-#include <cstdio>
 #include <iostream>
 
 namespace Session = Lumivane::Session;
@@ -20,15 +19,14 @@ Session::ViewSettings viewFrom(int number) {
 }
 
 int main(int, char** argv) try {
-  // The library tells its steps on standard output; the results go to standard error here.
-  if (std::freopen("/dev/null", "w", stdout) == nullptr) return 1;
+  const Lumivane::Cmd::MessageScope quiet({});  // drops the lines that the library prints
   Session::LoadedScene scene = Session::LoadedScene::fromFile(argv[1]);
   for (int i = 0; i < Eyes; ++i) {
     const Session::TakenShot shot = scene.take(viewFrom(i));
-    std::cerr << "eye " << i + 1 << ':';
+    std::cout << "eye " << i + 1 << ':';
     for (const auto* object : *shot.shot().getObjects()->getObjects())
-      std::cerr << ' ' << object->getId() << ' ' << object->getFaces()->getFaces()->size();
-    std::cerr << '\n';
+      std::cout << ' ' << object->getId() << ' ' << object->getFaces()->getFaces()->size();
+    std::cout << '\n';
   }
 } catch (const Session::Error& error) {
   std::cerr << error.what() << '\n';

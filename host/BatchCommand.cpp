@@ -38,9 +38,6 @@ namespace fs = std::filesystem;
 using Session::LoadedScene;
 using Session::TakenShot;
 
-// Where the library leaves its report of a cycle.
-constexpr const char* CycleReport = "log_sort.txt";
-
 class Batch {
  public:
   explicit Batch(const BatchOptions& theOptions)
@@ -140,17 +137,13 @@ class Batch {
       // Before the objects are listed for an eye: their numbers are the same for all views.
       if (!exact) exact = std::make_unique<ExactBatch>(options.shot.scene, source.scene());
       LoadedScene& scene = source.at(view.options.view.eye);
-      std::error_code ignored;
-      fs::remove(CycleReport, ignored);
       ShotOptions placed = view.options;
       placed.view.eye = moved(view.options.view.eye, source.eyeShift());
       const TakenShot shot = scene.take(placed.view);
-      const bool hasCycle = fs::exists(CycleReport);
       warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
-      row.row = summaryRow(view.name, shot, hasCycle, exact->look(placed),
-                           options.shot.csvSafe);  // before another shot
+      row.row = summaryRow(view.name, shot, exact->look(placed), options.shot.csvSafe);
       writeOutputs(placed, scene, shot, seconds);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(plan.setting.folder) / file).string(), file));

@@ -60,7 +60,7 @@ std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, 
 
 std::string summaryHeading() { return csvRecord(Columns); }
 
-std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
                        const std::optional<ExactSummary>& seen, bool isSafe) {
   std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
   for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
@@ -68,7 +68,7 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot, 
   fields.push_back(std::to_string(shot.shot().getRegions()->getRegions()->size()));
   fields.push_back(std::to_string(drawnFaces(shot.shot())));
   fields.push_back(std::to_string(hiddenFaces(shot)));
-  fields.push_back(hasCycle ? "1" : "0");
+  fields.push_back(shot.hasCycle() ? "1" : "0");
   fields.push_back(shot.isInside() ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
   return csvRecord(fields);

@@ -16,9 +16,8 @@ std::string summaryHeading();
 
 /// The row of a view that was made, and of one that was not.
 ///
-/// \param hasCycle  whether faces overlap in a ring, so that no drawing order suits all
-/// \param isSafe    texts that a spreadsheet would take for formulas get an apostrophe in front
-std::string summaryRow(const std::string& name, const Session::TakenShot& shot, bool hasCycle,
+/// \param isSafe  texts that a spreadsheet would take for formulas get an apostrophe in front
+std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
                        const std::optional<ExactSummary>& seen, bool isSafe);
 std::string failureRow(const std::string& name, const std::string& error, bool isSafe);
 

@@ -36,6 +36,7 @@
 #include <lumivane/check/SceneChecker.h>
 #include <lumivane/cmd/CmdManager.h>
 #include <lumivane/cmd/Log.h>
+#include <lumivane/cmd/MessageScope.h>
 #include <lumivane/export.h>
 #include <lumivane/geometry/EdgeStartPoint2d.h>
 #include <lumivane/geometry/EdgeStartPoint3d.h>

@@ -25,7 +25,7 @@ Bounds2D* unionOfBounds(const ObjectData::ProjectedPolygons& polygons) {
 
 }  // namespace
 
-int ObjectData::idCounter = 1;
+std::atomic<int> ObjectData::idCounter = 1;
 
 ObjectData::ObjectData() : id(std::to_string(idCounter++)) {}
 

@@ -3,14 +3,12 @@
 #include "session/LoadedSceneState.h"
 #include "session/ProgressPoll.h"
 #include "session/Reading.h"
+#include "session/SharedSettings.h"
 #include "session/TakenShotState.h"
 
 #include <lumivane/check/InsideTest.h>
-#include <lumivane/cmd/CmdManager.h>
-#include <lumivane/geometry/Point2d.h>
 #include <lumivane/session/Faults.h>
 
-#include <mutex>
 #include <new>
 #include <stdexcept>
 
@@ -19,43 +17,34 @@ namespace {
 
 constexpr const char* NoShot = "no shot can be made: ";
 
-// Sets what the library reads from its statics, and puts it back at the end.
-class Splitting {
+thread_local bool isTaking = false;
+
+// What one take gives the pipeline in its thread, beside the settings of the process: it is put
+// back at the end.
+class ThreadOfTake {
  public:
-  explicit Splitting(const ViewSettings& view)
-      : segments(Cmd::CmdManager::minSegmentsNumber),
-        length(Cmd::CmdManager::maxSegmentsLength),
-        precision(Geometry::Point2d::Precision),
-        limits(Algorithm::shotLimits()) {
-    Cmd::CmdManager::minSegmentsNumber = view.segments;
-    Cmd::CmdManager::maxSegmentsLength = view.maxLength;
-    if (view.mergeDistance > 0.0) Geometry::Point2d::Precision = view.mergeDistance;
+  explicit ThreadOfTake(const ViewSettings& view) : limits(Algorithm::shotLimits()) {
     Algorithm::shotLimits() = {view.limitPoints, view.limitMemory};
+    Algorithm::sortedFaces() = 0;
+    Algorithm::cycleReported() = false;
+    isTaking = true;
   }
-  Splitting(const Splitting&) = delete;
-  Splitting& operator=(const Splitting&) = delete;
-  ~Splitting() {
-    Cmd::CmdManager::minSegmentsNumber = segments;
-    Cmd::CmdManager::maxSegmentsLength = length;
-    Geometry::Point2d::Precision = precision;
+  ThreadOfTake(const ThreadOfTake&) = delete;
+  ThreadOfTake& operator=(const ThreadOfTake&) = delete;
+  ~ThreadOfTake() {
     Algorithm::shotLimits() = limits;
+    isTaking = false;
   }
 
  private:
-  int segments;
-  double length;
-  double precision;
   Algorithm::ShotLimits limits;
 };
 
 Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& setup,
                    const Progress& progress, SortFacts& facts) {
-  // The settings, the progress record and the numbers of the depth sort are the whole process's.
-  static std::mutex oneAtATime;
-  const std::lock_guard<std::mutex> lock(oneAtATime);
-  const Splitting splitting(view);
+  const SharedSettings settings(view);
+  const ThreadOfTake thread(view);
   ProgressPoll poll(progress);
-  Algorithm::cycleReported() = false;
   Shot::Shot2d* const shot = scene.makeShot(setup.view(), setup.parameters());
   if (shot != nullptr) poll.finish();
   facts = {Algorithm::sortedFaces(), Algorithm::cycleReported()};
@@ -64,6 +53,7 @@ Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& s
 
 std::string faultBeforehand(Scene::Scene3D& scene, const ViewSettings& view) {
   if (ProgressPoll::isThisThread()) return "a progress callback takes no shot itself";
+  if (isTaking) return "a sink of messages takes no shot itself";
   const std::string fault = view.fault();
   if (!fault.empty()) return fault;
   if (view.checkScene) return sceneErrors(scene);

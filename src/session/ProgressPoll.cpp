@@ -1,7 +1,5 @@
 #include "session/ProgressPoll.h"
 
-#include <lumivane/utils/ProgressbarUtils.h>
-
 #include <algorithm>
 #include <chrono>
 
@@ -19,7 +17,6 @@ bool ProgressPoll::isThisThread() { return tellsProgress; }
 
 ProgressPoll::ProgressPoll(const Progress& callback) : progress(callback) {
   if (!progress) return;
-  Utils::ProgressbarUtils::getInstance()->reset();  // what an earlier shot has left
   thread = std::thread([this] { poll(); });
 }
 
@@ -46,7 +43,7 @@ void ProgressPoll::poll() {
     for (std::unique_lock<std::mutex> lock(mutex);;) {
       if (ended.wait_for(lock, Pause, [this] { return end; })) break;
       lock.unlock();
-      tell(Utils::ProgressbarUtils::getInstance()->getProgress());
+      tell(written.load(std::memory_order_relaxed));
       lock.lock();
     }
     if (made) tell(Whole);

@@ -1,15 +1,18 @@
 #pragma once
 
+#include "utils/ProgressCopy.h"
+
 #include <lumivane/session/Progress.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 
 namespace Lumivane::Session {
 
-/// Polls the library's progress record from a thread of its own, from its construction to its end,
-/// and tells the callback. Without a callback there is no thread.
+/// From its construction to its end, looks how far the shot of the constructing thread has come, in
+/// a thread of its own, and reports it to the callback. Without a callback there is no thread.
 class ProgressPoll {
  public:
   explicit ProgressPoll(const Progress& callback);
@@ -28,6 +31,8 @@ class ProgressPoll {
   void tell(double percent);
 
   const Progress& progress;
+  std::atomic<double> written = 0.0;  // by the thread that takes the shot
+  Utils::ProgressCopy copy{written};
   double told = 0.0;
   std::mutex mutex;
   std::condition_variable ended;

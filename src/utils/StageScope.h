@@ -9,7 +9,7 @@ namespace Lumivane::Utils {
 // edge is not.
 class StageScope {
  public:
-  explicit StageScope(Stage stage) : counts(StageTimes::isOn) {
+  explicit StageScope(Stage stage) : counts(StageTimes::isEnabled()) {
     if (counts) outer = StageTimes::enter(static_cast<std::size_t>(stage));
   }
   StageScope(const StageScope&) = delete;

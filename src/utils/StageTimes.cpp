@@ -1,15 +1,34 @@
 #include <lumivane/utils/StageTimes.h>
 
 #include <array>
+#include <cstdint>
 #include <ctime>
+
+#include <time.h>  // for clock_gettime
 
 namespace Lumivane::Utils {
 namespace {
 
-// One more than there are stages: the time of no stage is counted too, and never asked for.
-std::array<std::clock_t, StageTimes::Count + 1> ticks = {};
-std::size_t current = StageTimes::Count;
-std::clock_t since = 0;
+// What one thread has counted.
+struct Clock {
+  // In nanoseconds. One more than there are stages: the time of no stage is counted too, and never
+  // asked for.
+  std::array<std::int64_t, StageTimes::Count + 1> times = {};
+  std::size_t current = StageTimes::Count;
+  std::int64_t since = 0;
+  bool isOn = false;
+};
+
+thread_local Clock ofThread;
+
+constexpr std::int64_t NanosecondsPerSecond = 1'000'000'000;
+
+// The time that the processor has spent on this thread.
+std::int64_t processorTime() {
+  std::timespec time = {};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return time.tv_sec * NanosecondsPerSecond + time.tv_nsec;
+}
 
 constexpr std::array<const char*, StageTimes::Count> Names = {
     "read",   "polygon_data",   "clip_and_cull", "projection", "docking",
@@ -17,25 +36,27 @@ constexpr std::array<const char*, StageTimes::Count> Names = {
 
 }  // namespace
 
-bool StageTimes::isOn = false;
+void StageTimes::enable(bool on) { ofThread.isOn = on; }
 
-void StageTimes::enable(bool on) { isOn = on; }
+bool StageTimes::isEnabled() { return ofThread.isOn; }
 
-void StageTimes::reset() { ticks.fill(0); }
+void StageTimes::reset() { ofThread.times.fill(0); }
 
 double StageTimes::seconds(Stage stage) {
-  return static_cast<double>(ticks.at(static_cast<std::size_t>(stage))) / CLOCKS_PER_SEC;
+  return static_cast<double>(ofThread.times.at(static_cast<std::size_t>(stage))) /
+         static_cast<double>(NanosecondsPerSecond);
 }
 
 const char* StageTimes::name(Stage stage) { return Names.at(static_cast<std::size_t>(stage)); }
 
 // Ends the current stage and begins another.
 std::size_t StageTimes::enter(std::size_t stage) {
-  const std::clock_t now = std::clock();
-  ticks[current] += now - since;
-  since = now;
-  const std::size_t left = current;
-  current = stage;
+  Clock& clock = ofThread;
+  const std::int64_t now = processorTime();
+  clock.times[clock.current] += now - clock.since;
+  clock.since = now;
+  const std::size_t left = clock.current;
+  clock.current = stage;
   return left;
 }
 

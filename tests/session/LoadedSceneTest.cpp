@@ -17,7 +17,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -294,23 +293,6 @@ TEST(LoadedScene, WorkingListsStayUpToTheNextTakeOrTheirRelease) {
   scene.releaseWorkingLists();
   EXPECT_EQ(nullptr, object.getRegionsProjectedPolygons());
   EXPECT_FALSE(shot.text().empty());
-}
-
-TEST(LoadedScene, TakesOfSeveralThreadsWaitForEachOther) {
-  const std::string expected = squareScene().take({}).text();
-  std::vector<std::string> texts(4);
-  std::vector<LoadedScene> scenes;
-  for (size_t i = 0; i < texts.size(); ++i) scenes.push_back(squareScene());
-  std::vector<TakenShot> shots;
-  {
-    std::vector<std::thread> threads;
-    std::vector<std::unique_ptr<TakenShot>> taken(texts.size());
-    for (size_t i = 0; i < texts.size(); ++i)
-      threads.emplace_back([&, i] { taken[i] = std::make_unique<TakenShot>(scenes[i].take({})); });
-    for (std::thread& thread : threads) thread.join();
-    for (auto& shot : taken) shots.push_back(std::move(*shot));
-  }
-  for (const TakenShot& shot : shots) EXPECT_EQ(expected, shot.text());
 }
 
 // The cases of the golden folder that one shot of a session can make: without shots before.

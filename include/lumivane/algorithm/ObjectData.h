@@ -2,6 +2,7 @@
 
 #include <lumivane/export.h>
 
+#include <atomic>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -98,7 +99,7 @@ class LUMIVANE_EXPORT ObjectData {
   }
   void makeLists() const;
 
-  static int idCounter;
+  static std::atomic<int> idCounter;
 
   std::string id;
   std::string sourceObject;

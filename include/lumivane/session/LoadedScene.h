@@ -21,8 +21,9 @@ namespace Lumivane::Session {
 /// moved-from scene may only be destroyed or assigned to.
 ///
 /// Threads: use a scene, its shots and the raw classes from one thread at a time. It need not be
-/// the same thread all the time. Takes of different scenes in different threads wait for each
-/// other.
+/// the same thread all the time. Different scenes may be taken shots of in different threads at the
+/// same time: takes with equal `ViewSettings::segments`, `maxLength` and `mergeDistance` work side
+/// by side, others wait for each other.
 class LUMIVANE_EXPORT LoadedScene {
  public:
   /// Reads a scene file. \throws Error if it cannot be read, is no JSON or holds a value out of
@@ -51,12 +52,13 @@ class LUMIVANE_EXPORT LoadedScene {
   /// `Scene::Object::getRegionsProjectedPolygons`) stays to be looked at up to the next take, to
   /// `releaseWorkingLists` or to the end of scene and shots.
   ///
-  /// The splitting settings of `Cmd::CmdManager` are set for the take and restored after it. The
-  /// library prints lines to standard output meanwhile: a host that wants none redirects its
-  /// standard output, e.g. to /dev/null. If faces overlap in a ring, the library writes the
-  /// report "log_sort.txt" into the working directory.
+  /// The splitting settings of `Cmd::CmdManager` and `Geometry::Point2d::Precision` are set for the
+  /// take and restored after it; takes that want others wait. The library prints lines to standard
+  /// output meanwhile, unless the host gives them another place by `Cmd::MessageScope`. If faces
+  /// overlap in a cycle, the library also writes the report "log_sort.txt" into the working
+  /// directory; `TakenShot::hasCycle` says the same as a value.
   ///
-  /// \param progress  is told how far the shot has come; may be empty
+  /// \param progress  is called with how far the shot has come; may be empty
   /// \throws Error that names the object and region with an error of the scene, which is looked for
   ///         before any work (see `ViewSettings::checkScene`), or says what else is wrong with view
   ///         or scene; the scene stays usable

@@ -3,6 +3,7 @@
 #include <lumivane/export.h>
 
 #include <atomic>
+#include <mutex>
 #include <string>
 
 namespace Lumivane::Utils {
@@ -10,7 +11,9 @@ namespace Lumivane::Utils {
 /// The process-wide record of how far a shot has come. The shot creation writes the progress and a
 /// host reads it, from another thread if it likes. The other fields are there for the host alone.
 ///
-/// Only the progress and the creation of the instance may be used by two threads at once.
+/// Any thread may use it at any time. If two threads make shots at once, the record holds now what
+/// the one has written and now what the other has; a callback of `Session::LoadedScene::take` gets
+/// the progress of its own shot.
 class LUMIVANE_EXPORT ProgressbarUtils {
  public:
   /// The one instance, created at first use; it lives to the end of the process. Do not delete it.
@@ -48,8 +51,9 @@ class LUMIVANE_EXPORT ProgressbarUtils {
  private:
   ProgressbarUtils() = default;
 
-  int handledObjectsCount = 0;
-  int totalObjectsCount = 0;
+  std::atomic<int> handledObjectsCount = 0;
+  std::atomic<int> totalObjectsCount = 0;
+  std::mutex statusLock;
   std::string status;
   std::atomic<double> progress = 0.0;  // written by the working thread, polled by another
 };

@@ -9,12 +9,12 @@ namespace Lumivane::Utils {
 
 class StageScope;
 
-/// How long each stage of the work has taken, process-wide, for measurements. Off at first, and
-/// then next to free; what the library does is the same on and off.
+/// How long each stage of the work has taken in the calling thread, for measurements. Off at first
+/// in every thread, and then next to free; what the library does is the same on and off.
 ///
-/// The times are those of the processor (std::clock), which other programs on the machine disturb
-/// less than the time of day. A stage begun within another stops the outer one meanwhile, so the
-/// times add up. To be used on the one thread that calls the library.
+/// The times are those that the processor spent on the thread, which other programs on the machine
+/// disturb less than the time of day. A stage begun within another stops the outer one meanwhile,
+/// so the times add up. All operations concern the calling thread alone.
 class LUMIVANE_EXPORT StageTimes {
  public:
   static constexpr std::size_t Count = 9;  ///< number of stages
@@ -32,9 +32,8 @@ class LUMIVANE_EXPORT StageTimes {
   friend class StageScope;
   static constexpr std::size_t None = Count;
 
+  static bool isEnabled();
   static std::size_t enter(std::size_t stage);
-
-  static bool isOn;
 };
 
 }  // namespace Lumivane::Utils

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <mutex>
 #include <optional>
 
 namespace Lumivane::Algorithm {
@@ -45,7 +46,7 @@ void sortByNumbers(std::vector<Arrow>& edges, const std::vector<std::string>& na
 }  // namespace
 
 bool& cycleReported() {
-  static bool reported = false;
+  thread_local bool reported = false;
   return reported;
 }
 
@@ -60,6 +61,8 @@ void reportCycle(const std::string& fileName, const std::vector<std::string>& na
                      "\n\nedges with unsorted nodes:\n";
   for (const Arrow& edge : order.remaining)
     text.append(names[edge.first]).append(" -> ").append(names[edge.second]).append("\n");
+  static std::mutex oneAtATime;  // two threads would mix their reports
+  const std::lock_guard<std::mutex> lock(oneAtATime);
   std::ofstream file(fileName, std::ios::out | std::ios::trunc);
   file << text;
 }

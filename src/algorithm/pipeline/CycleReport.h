@@ -11,8 +11,7 @@ namespace Lumivane::Algorithm {
 /// Where the sort of the objects reports to, in the working directory; a graph does the same.
 constexpr const char* CycleReportFile = "log_sort.txt";
 
-/// Whether a cycle has been reported since somebody last set this to false: one for the process,
-/// like the progress record.
+/// Whether the calling thread has reported a cycle since it last set this to false.
 bool& cycleReported();
 
 /// Prints the message, sorts the remaining edges by the numbers that their ends are named after,

@@ -29,7 +29,7 @@ std::int64_t referencesIn(std::int64_t memory, double mergeDistance) {
 }  // namespace
 
 ShotLimits& shotLimits() {
-  static ShotLimits limits;
+  thread_local ShotLimits limits;
   return limits;
 }
 
@@ -38,7 +38,7 @@ std::string memoryLimitText(std::int64_t bytes) {
 }
 
 std::size_t& sortedFaces() {
-  static std::size_t count = 0;
+  thread_local std::size_t count = 0;
   return count;
 }
 

@@ -8,16 +8,16 @@
 /// How large a shot may grow. Everything is counted before it is made.
 namespace Lumivane::Algorithm {
 
-/// The limits of the shots of this process; 0 for none, as for whoever calls the raw classes.
+/// The limits of the shots of a thread; 0 for none, as for whoever calls the raw classes.
 struct ShotLimits {
   std::int64_t points = 0;  ///< point references: places in the polygons of the shot
   std::int64_t memory = 0;  ///< bytes of memory, as estimated from the counts
 };
 
-/// The limits in force, to be set by who makes a shot.
+/// The limits in force in the calling thread, to be set by who makes a shot.
 ShotLimits& shotLimits();
 
-/// How many faces the last depth sort of this process was given: those with a polygon in the
+/// How many faces the last depth sort of the calling thread was given: those with a polygon in the
 /// picture, the hidden ones among them.
 std::size_t& sortedFaces();
 
