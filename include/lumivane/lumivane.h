@@ -77,7 +77,9 @@
 #include <lumivane/session/Files.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/session/Progress.h>
+#include <lumivane/session/ScenePolygons.h>
 #include <lumivane/session/ShotFile.h>
+#include <lumivane/session/ShotPolygons.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/session/Text.h>
 #include <lumivane/session/ViewSettings.h>

@@ -8,7 +8,7 @@
 #include "algorithm/pipeline/ClassificationMatrix.h"
 #include "algorithm/pipeline/Classifier.h"
 #include "algorithm/pipeline/DrawingOrder.h"
-#include "algorithm/pipeline/ShotBudget.h"
+#include "algorithm/pipeline/SortFacts.h"
 #include "algorithm/pipeline/SortObject.h"
 #include "algorithm/pipeline/SortShapes.h"
 #include "algorithm/pipeline/SortedFaces.h"
@@ -65,7 +65,7 @@ void DepthSortAlgorithmExecutor::fillObjectDataList() {
   objectDataList = {new std::vector<ObjectData*>(), releaseObjects};
   classificationMatrix = std::make_shared<ClassificationMatrix>(*classificationMatrix);
   collectFaces(*scene, *shot, *shapes, *objectDataList);
-  sortedFaces() = objectDataList->size();
+  sortFacts() = {objectDataList->size(), {}};
   classificationMatrix->addRows(objectDataList->size());
 }
 
@@ -80,7 +80,7 @@ void DepthSortAlgorithmExecutor::classifyObjectsByBoundingBoxes() {
 void DepthSortAlgorithmExecutor::calculateObjectsOrder() {
   if (objectDataList == nullptr) return;
   const Utils::StageScope stage(Utils::Stage::Order);
-  orderObjects(*objectDataList, *classificationMatrix);
+  orderObjects(*objectDataList, *shapes, *classificationMatrix);
   rewriteShot(*shot, *shapes, *objectDataList);
 }
 

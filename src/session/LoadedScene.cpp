@@ -1,8 +1,9 @@
-#include "algorithm/pipeline/CycleReport.h"
 #include "algorithm/pipeline/ShotBudget.h"
+#include "algorithm/pipeline/SortFacts.h"
 #include "session/LoadedSceneState.h"
 #include "session/ProgressPoll.h"
 #include "session/Reading.h"
+#include "session/SceneOfPolygons.h"
 #include "session/SharedSettings.h"
 #include "session/TakenShotState.h"
 
@@ -25,8 +26,7 @@ class ThreadOfTake {
  public:
   explicit ThreadOfTake(const ViewSettings& view) : limits(Algorithm::shotLimits()) {
     Algorithm::shotLimits() = {view.limitPoints, view.limitMemory};
-    Algorithm::sortedFaces() = 0;
-    Algorithm::cycleReported() = false;
+    Algorithm::sortFacts() = {};
     isTaking = true;
   }
   ThreadOfTake(const ThreadOfTake&) = delete;
@@ -41,13 +41,12 @@ class ThreadOfTake {
 };
 
 Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& setup,
-                   const Progress& progress, SortFacts& facts) {
+                   const Progress& progress) {
   const SharedSettings settings(view);
   const ThreadOfTake thread(view);
   ProgressPoll poll(progress);
   Shot::Shot2d* const shot = scene.makeShot(setup.view(), setup.parameters());
   if (shot != nullptr) poll.finish();
-  facts = {Algorithm::sortedFaces(), Algorithm::cycleReported()};
   return shot;
 }
 
@@ -84,6 +83,10 @@ LoadedScene LoadedScene::adopt(Scene::Scene3D* scene, const std::string& name) {
   return LoadedScene(std::make_shared<State>(std::move(owned), name));
 }
 
+LoadedScene LoadedScene::fromPolygons(const ScenePolygons& polygons, const std::string& name) {
+  return LoadedScene(std::make_shared<State>(sceneOfPolygons(polygons, name), name));
+}
+
 LoadedScene::LoadedScene(std::shared_ptr<State> newState) : state(std::move(newState)) {}
 LoadedScene::LoadedScene(LoadedScene&&) noexcept = default;
 LoadedScene& LoadedScene::operator=(LoadedScene&&) noexcept = default;
@@ -103,7 +106,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
   auto taken = std::make_unique<TakenShot::State>(state, view);
   Shot::Shot2d* shot = nullptr;
   try {
-    shot = make(scene(), view, taken->setup, progress, taken->facts);
+    shot = make(scene(), view, taken->setup, progress);
   } catch (const std::out_of_range& error) {
     const std::string place = sceneFault(scene(), view);
     throw failure(*this, place.empty() ? error.what() : place);
@@ -114,7 +117,7 @@ TakenShot LoadedScene::take(const ViewSettings& view, const Progress& progress) 
     throw failure(*this, error.what());
   }
   if (shot == nullptr) throw failure(*this, "the library gives none");
-  taken->hold(shot);
+  taken->hold(shot, Algorithm::sortFacts());
   taken->isInside = Check::InsideTest(scene()).isInside(taken->setup.eye());
   return TakenShot(std::move(taken));
 }

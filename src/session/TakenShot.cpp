@@ -1,4 +1,5 @@
 #include "io/DocumentWriter.h"
+#include "session/PolygonsOfShot.h"
 #include "session/TakenShotState.h"
 #include "utils/StageScope.h"
 
@@ -23,9 +24,11 @@ std::size_t faceCount(Shot::Shot2d& shot) {
 
 }  // namespace
 
-void TakenShot::State::hold(Shot::Shot2d* newShot) {
+void TakenShot::State::hold(Shot::Shot2d* newShot, const Algorithm::SortFacts& facts) {
   shot = newShot;
-  hiddenFaces = facts.sortedFaces - faceCount(*shot);
+  hiddenFaces = facts.faceCount - faceCount(*shot);
+  for (const Algorithm::SortFacts::Face& face : facts.cycle)
+    cycle.push_back({face.object, face.face});
   brushes = shot->getBrushes();
   pens = shot->getPens();
   scale = shot->getScale();
@@ -52,13 +55,25 @@ Base::View& TakenShot::view() const { return *state->setup.view(); }
 
 Vector TakenShot::eye() const { return state->setup.eye(); }
 
+Vector TakenShot::eyeOffset() const {
+  const Vector now = eye();
+  const Vector& asked = state->askedEye;
+  return {now[0] - asked[0], now[1] - asked[1], now[2] - asked[2]};
+}
+
 Scene::Scene3D& TakenShot::scene() const { return *state->sceneState->scene; }
 
 bool TakenShot::isInside() const { return state->isInside; }
 
 std::size_t TakenShot::hiddenFaces() const { return state->hiddenFaces; }
 
-bool TakenShot::hasCycle() const { return state->facts.hasCycle; }
+bool TakenShot::hasCycle() const { return !state->cycle.empty(); }
+
+const std::vector<FaceNumber>& TakenShot::cycle() const { return state->cycle; }
+
+ShotPolygons TakenShot::polygons() const {
+  return polygonsOf(*state->shot, state->sceneState->name);
+}
 
 std::string TakenShot::text() const { return IO::DataWriter().writeShotString(state->shot); }
 

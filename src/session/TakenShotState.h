@@ -1,5 +1,6 @@
 #pragma once
 
+#include "algorithm/pipeline/SortFacts.h"
 #include "session/LoadedSceneState.h"
 
 #include <lumivane/base/Property.h>
@@ -10,31 +11,27 @@
 #include <cstddef>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace Lumivane::Session {
-
-/// What the sort of a shot's faces leaves besides the shot.
-struct SortFacts {
-  std::size_t sortedFaces = 0;  ///< how many faces there were to be brought into an order
-  bool hasCycle = false;        ///< whether no order suits them all
-};
 
 /// The raw shot with what it refers to, which goes after it.
 struct TakenShot::State {
   State(std::shared_ptr<LoadedScene::State> scene, const ViewSettings& settings)
-      : sceneState(std::move(scene)), setup(settings) {}
+      : sceneState(std::move(scene)), setup(settings), askedEye(settings.eye) {}
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State();
 
   /// Takes the shot over; whatever it points at among the shared lists is the scene's.
-  void hold(Shot::Shot2d* newShot);
+  void hold(Shot::Shot2d* newShot, const Algorithm::SortFacts& facts);
 
   std::shared_ptr<LoadedScene::State> sceneState;
   ViewSetup setup;
   Shot::Shot2d* shot = nullptr;
-  SortFacts facts;
+  Vector askedEye;
   std::size_t hiddenFaces = 0;
+  std::vector<FaceNumber> cycle;
   bool isInside = false;
 
  private:

@@ -3,6 +3,7 @@
 #include <lumivane/export.h>
 #include <lumivane/session/Error.h>
 #include <lumivane/session/Progress.h>
+#include <lumivane/session/ScenePolygons.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/session/ViewSettings.h>
 
@@ -34,6 +35,13 @@ class LUMIVANE_EXPORT LoadedScene {
   /// Takes over a scene that the caller has built on the heap and now forgets; `name` stands in
   /// errors. \throws Error if it is null
   static LoadedScene adopt(Scene::Scene3D* scene, const std::string& name);
+
+  /// Makes a scene of plain arrays, which are copied; `name` stands in errors. Object, face and
+  /// region numbers of its shots follow from the order of the polygons, see `ScenePolygons`.
+  /// \throws Error that names the array and the position in it, and the polygon concerned, if the
+  ///         arrays do not fit each other, a polygon has fewer than three corners or a coordinate
+  ///         is not finite
+  static LoadedScene fromPolygons(const ScenePolygons& polygons, const std::string& name);
 
   LoadedScene(LoadedScene&&) noexcept;             ///< Takes all of the other.
   LoadedScene& operator=(LoadedScene&&) noexcept;  ///< Drops its own for all of the other.

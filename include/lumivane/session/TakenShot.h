@@ -1,11 +1,13 @@
 #pragma once
 
 #include <lumivane/export.h>
+#include <lumivane/session/ShotPolygons.h>
 #include <lumivane/session/ViewSettings.h>
 
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Lumivane::Base {
 class View;
@@ -18,6 +20,17 @@ class Shot2d;
 }
 
 namespace Lumivane::Session {
+
+/// Names a face of a scene.
+struct FaceNumber {
+  int object = 0;  ///< from 1 in the scene's objects
+  int face = 0;    ///< from 1 in the object's faces
+
+  /// Whether both numbers are equal.
+  friend bool operator==(const FaceNumber& a, const FaceNumber& b) {
+    return a.object == b.object && a.face == b.face;
+  }
+};
 
 /// A shot taken by `LoadedScene::take`, with all that it refers to.
 ///
@@ -40,6 +53,8 @@ class LUMIVANE_EXPORT TakenShot {
   Base::View& view() const;
   /// Where the shot was really taken from: an eye on a polygon is moved off it.
   Vector eye() const;
+  /// How far the eye was moved for that, in scene units: zero if it stands where it was asked for.
+  Vector eyeOffset() const;
   /// The scene that the shot was taken of, with what its last shot has left on its objects.
   Scene::Scene3D& scene() const;
 
@@ -52,6 +67,14 @@ class LUMIVANE_EXPORT TakenShot {
   /// Whether faces overlap in a cycle, each hiding part of the next one, so that no drawing order
   /// is right for all of them. The library has printed its message then.
   bool hasCycle() const;
+  /// The faces that overlap in cycles, and those between two cycles, in the order of the scene;
+  /// none if `hasCycle` is false. They are drawn in that order, so that some hide what they should
+  /// not.
+  const std::vector<FaceNumber>& cycle() const;
+
+  /// The polygons with their labels and colours as values, in drawing order. \throws Error if the
+  /// raw shot was changed so that a number points at nothing
+  ShotPolygons polygons() const;
 
   /// The text of the shot's file.
   std::string text() const;

@@ -45,14 +45,8 @@ void sortByNumbers(std::vector<Arrow>& edges, const std::vector<std::string>& na
 
 }  // namespace
 
-bool& cycleReported() {
-  thread_local bool reported = false;
-  return reported;
-}
-
 void reportCycle(const std::string& fileName, const std::vector<std::string>& names,
                  Kernel::TopologicalOrder& order) {
-  cycleReported() = true;
   Cmd::logMessage("\nError: Graph is cyclic\n\n");
   sortByNumbers(order.remaining, names);
   if (fileName.empty()) return;

@@ -11,9 +11,6 @@ namespace Lumivane::Algorithm {
 /// Where the sort of the objects reports to, in the working directory; a graph does the same.
 constexpr const char* CycleReportFile = "log_sort.txt";
 
-/// Whether the calling thread has reported a cycle since it last set this to false.
-bool& cycleReported();
-
 /// Prints the message, sorts the remaining edges by the numbers that their ends are named after,
 /// and writes the report. A file that cannot be written is passed over in silence.
 ///

@@ -4,8 +4,9 @@
 #include "algorithm/pipeline/DrawingOrder.h"
 
 #include "algorithm/pipeline/CycleReport.h"
+#include "algorithm/pipeline/SortFacts.h"
 #include "algorithm/pipeline/SortObject.h"
-#include "kernel/Order.h"
+#include "kernel/Cycle.h"
 
 #include <lumivane/geometry/Face2d.h>
 #include <lumivane/geometry/Faces2d.h>
@@ -33,12 +34,34 @@ std::vector<std::string> idsOf(const std::vector<ObjectData*>& objects) {
   return ids;
 }
 
+// A region of the shot that the object has, by which its face is named; null if it has none.
+const Geometry::Region2d* firstRegion(const ObjectData& object, const SortShapes& shapes) {
+  if (const std::size_t* const face = SortObject::faceOf(object)) {
+    const SortShapes::Positions positions = shapes.regionsOf(*face);
+    return positions.first == positions.last ? nullptr : (*shapes.shotRegions)[*positions.first];
+  }
+  const ObjectData::Regions* const regions = object.getSourceRegions();
+  return regions == nullptr || regions->empty() ? nullptr : regions->front();
+}
+
+// The faces that no order suits, by their numbers.
+void noteCycle(const std::vector<ObjectData*>& objects, const SortShapes& shapes,
+               const std::vector<Kernel::Arrow>& remaining) {
+  for (const std::uint32_t position : Kernel::nodesOfCycles(objects.size(), remaining))
+    if (const Geometry::Region2d* region = firstRegion(*objects[position], shapes))
+      sortFacts().cycle.push_back({region->getObjectNumber(), region->getFaceNumber()});
+}
+
 // The objects as far as the graph of their relations orders them. It is sorted by position; what
-// Graph would tell of a cycle between their ids is told all the same.
+// Graph would report of a cycle between their ids is reported all the same.
 std::vector<std::uint32_t> sortedObjects(const std::vector<ObjectData*>& objects,
+                                         const SortShapes& shapes,
                                          const std::vector<Kernel::Arrow>& arrows) {
   Kernel::TopologicalOrder order = Kernel::topologicalOrder(objects.size(), arrows);
-  if (!order.remaining.empty()) reportCycle(CycleReportFile, idsOf(objects), order);
+  if (!order.remaining.empty()) {
+    noteCycle(objects, shapes, order.remaining);
+    reportCycle(CycleReportFile, idsOf(objects), order);
+  }
   return std::move(order.nodes);
 }
 
@@ -110,10 +133,16 @@ void addFace(Geometry::Faces2d& faces, std::vector<int> regionNumbers) {
 
 }  // namespace
 
-void orderObjects(std::vector<ObjectData*>& objects, const Kernel::SparseCells& cells) {
+SortFacts& sortFacts() {
+  thread_local SortFacts facts;
+  return facts;
+}
+
+void orderObjects(std::vector<ObjectData*>& objects, const SortShapes& shapes,
+                  const Kernel::SparseCells& cells) {
   const std::vector<char> isHidden = Kernel::flagsOf(Kernel::hiddenFaces(cells), objects.size());
-  const std::vector<std::uint32_t> order =
-      Kernel::drawingOrder(sortedObjects(objects, Kernel::drawnBefore(cells, isHidden)), isHidden);
+  const std::vector<std::uint32_t> order = Kernel::drawingOrder(
+      sortedObjects(objects, shapes, Kernel::drawnBefore(cells, isHidden)), isHidden);
 
   std::vector<ObjectData*> drawn;
   drawn.reserve(order.size());

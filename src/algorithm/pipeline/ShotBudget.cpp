@@ -37,11 +37,6 @@ std::string memoryLimitText(std::int64_t bytes) {
   return "--limit-memory (ViewSettings::limitMemory) of " + std::to_string(bytes) + " bytes";
 }
 
-std::size_t& sortedFaces() {
-  thread_local std::size_t count = 0;
-  return count;
-}
-
 ShotBudget::ShotBudget(const ShotLimits& shotLimits, double mergeDistance) : limits(shotLimits) {
   if (limits.points > 0) most = limits.points;
   if (limits.memory <= 0) return;

@@ -17,10 +17,6 @@ struct ShotLimits {
 /// The limits in force in the calling thread, to be set by who makes a shot.
 ShotLimits& shotLimits();
 
-/// How many faces the last depth sort of the calling thread was given: those with a polygon in the
-/// picture, the hidden ones among them.
-std::size_t& sortedFaces();
-
 /// The limit of memory in words: "--limit-memory (...) of N bytes".
 std::string memoryLimitText(std::int64_t bytes);
 
