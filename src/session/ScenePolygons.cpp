@@ -238,6 +238,22 @@ void ScenePolygons::add(const std::vector<int>& polygonCorners, int object) {
   objects.push_back(object);
 }
 
+void ScenePolygons::addBox(const Vector& low, const Vector& high, int object) {
+  // Of point 4 z + 2 y + x each coordinate is low or high; counter-clockwise as seen from outside.
+  constexpr std::array<std::array<int, 4>, 6> sides = {
+      {{0, 4, 6, 2}, {1, 3, 7, 5}, {0, 1, 5, 4}, {2, 6, 7, 3}, {0, 2, 3, 1}, {4, 5, 7, 6}}};
+  const auto first = static_cast<int>(points.size());
+  for (const double z : {low[2], high[2]})
+    for (const double y : {low[1], high[1]})
+      for (const double x : {low[0], high[0]}) points.push_back({x, y, z});
+  for (const std::array<int, 4>& side : sides) {
+    std::vector<int> outline;
+    for (const int corner : side) outline.push_back(first + corner);
+    if (seen == Seen::Clockwise) std::reverse(outline.begin(), outline.end());
+    add(outline, object);
+  }
+}
+
 std::unique_ptr<Scene::Scene3D> sceneOfPolygons(const ScenePolygons& polygons,
                                                 const std::string& name) {
   Checker(polygons, name).check();

@@ -43,6 +43,9 @@ struct LUMIVANE_EXPORT ScenePolygons {
 
   /// Appends a polygon with its object and no more: `colors` and `docking` are left as they are.
   void add(const std::vector<int>& polygonCorners, int object = 0);
+  /// Appends the 8 points and 6 polygons of a box along the axes that is seen from outside, by
+  /// `add`, in the order low x, high x, low y, high y, low z, high z.
+  void addBox(const Vector& low, const Vector& high, int object = 0);
 };
 
 }  // namespace Lumivane::Session
