@@ -7,8 +7,8 @@
 #include "truth/LongVector.h"
 #include "truth/Pieces.h"
 #include "truth/SceneArrays.h"
+#include "truth/SceneFiles.h"
 
-#include <lumivane/importers/Importer.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/visibility/SceneIndex.h>
 
@@ -20,7 +20,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <limits>
 #include <random>
@@ -347,11 +346,7 @@ void measureTown(Bench& bench, int boxes) {
 }
 
 void measureFile(Bench& bench, const std::string& path) {
-  using Lumivane::Importers::Importer;
-  using Lumivane::Session::LoadedScene;
-  const LoadedScene loaded =
-      Importer::isImportable(path) ? Importer::importFile(path).scene : LoadedScene::fromFile(path);
-  bench.measure(std::filesystem::path(path).filename().string(), arraysOf(loaded.scene()), {});
+  bench.measure(nameOfFile(path), arraysOf(sceneOfFile(path).scene()), {});
 }
 
 }  // namespace

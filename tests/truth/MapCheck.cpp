@@ -18,6 +18,54 @@ using Visibility::VisibleMap;
 
 double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
+/// The share of the field of each object by its number, the sky's first; at least `count` of them.
+std::vector<Real> sharesOf(const VisibleMap& map, std::size_t count) {
+  std::vector<Real> shares(count);
+  const Real field = (map.field == Field::Hemisphere ? 2.0L : 4.0L) * Pi;
+  for (const VisibleMap::Cell& cell : map.cells) {
+    const auto object = static_cast<std::size_t>(std::max(0, cell.label.object));
+    if (object >= shares.size()) shares.resize(object + 1);
+    shares[object] += cell.solidAngle / field;
+  }
+  for (Real& share : shares) share = std::min(1.0L, share);
+  return shares;
+}
+
+/// Directions within an angle of an axis.
+struct Cone {
+  LongVector axis;
+  Real height = 2.0L;  ///< 1 less the cosine of the angle; 2 for all directions
+
+  Cone() = default;
+  /// Around all that is seen of an object; all directions if it is large.
+  Cone(const VisibleMap& map, int object) {
+    std::vector<LongVector> corners;
+    for (std::size_t i = 0; i < map.cells.size(); ++i)
+      if (map.cells[i].label.object == object)
+        for (const std::vector<int>& ring : map.rings(i))
+          for (const int vertex : ring)
+            corners.push_back(wide(map.vertices[static_cast<std::size_t>(vertex)]));
+    for (const LongVector& corner : corners) axis = axis + corner;
+    if (length(axis) < 0.1L * static_cast<Real>(corners.size()) || corners.empty()) return;
+    axis = unit(axis);
+    Real least = 1.0L;
+    for (const LongVector& corner : corners) least = std::min(least, dot(axis, corner));
+    // Cells within half a right angle of the axis lie within the cone of their corners.
+    if (least > 0.75L) height = 1.0L - least + 1e-12L;
+  }
+  Real part() const { return 0.5L * height; }  ///< of the sphere
+
+  Vector direction(Random& random) const {
+    if (height >= 2.0L) return random.direction();
+    const Real rise = 1.0L - height * random.between(0.0, 1.0);
+    const Real turn = 2.0L * Pi * random.between(0.0, 1.0);
+    const Real out = std::sqrt(std::max(0.0L, 1.0L - rise * rise));
+    const LongVector u = anyNormalTo(axis);
+    const LongVector v = cross(axis, u);
+    return narrow(axis * rise + u * (out * std::cos(turn)) + v * (out * std::sin(turn)));
+  }
+};
+
 class RayCheck {
  public:
   RayCheck(const Judge& newJudge, const VisibleMap& newMap)
@@ -34,7 +82,7 @@ class RayCheck {
     start = processorSeconds();
     for (std::size_t i = 0; i < rays; ++i) compare(directions[i], cells[i]);
     report.judgeSeconds = processorSeconds() - start;
-    findWorstShare();
+    findDeviations();
     return report;
   }
 
@@ -89,25 +137,20 @@ class RayCheck {
     ++counts[object];
   }
 
-  void findWorstShare() {
-    std::vector<Real> shares(counts.size());
-    for (const VisibleMap::Cell& cell : map.cells) {
-      const auto object = static_cast<std::size_t>(std::max(0, cell.label.object));
-      if (object >= shares.size()) shares.resize(object + 1);
-      shares[object] += cell.solidAngle;
-    }
+  void findDeviations() {
+    const std::vector<Real> shares = sharesOf(map, counts.size());
     counts.resize(shares.size());
-    const Real field = (map.field == Field::Hemisphere ? 2.0L : 4.0L) * Pi;
     const auto rays = static_cast<Real>(report.rays);
     for (std::size_t object = 0; object < shares.size(); ++object) {
-      const Real share = std::min(1.0L, shares[object] / field);
-      const Real missed = static_cast<Real>(counts[object]) - rays * share;
+      const Real share = shares[object];
+      const Real expected = rays * share;
       // Where few rays are expected, the deviation is that of one ray at least.
-      const Real deviation = std::sqrt(std::max(rays * share * (1.0L - share), 1.0L));
-      const auto by = static_cast<double>(std::fabs(missed) / deviation);
-      if (by <= report.worstShare) continue;
-      report.worstShare = by;
-      report.worstObject = std::to_string(object);
+      const Real deviation = std::sqrt(std::max(expected * (1.0L - share), 1.0L));
+      const auto by =
+          static_cast<double>((static_cast<Real>(counts[object]) - expected) / deviation);
+      report.worstShare = std::max(report.worstShare, std::fabs(by));
+      if (expected >= EnoughRays && rays - expected >= EnoughRays)
+        report.deviations.push_back({static_cast<int>(object), static_cast<double>(share), by});
     }
   }
 
@@ -140,6 +183,31 @@ std::string RayReport::text() const {
 RayReport checkByRays(const Judge& judge, const VisibleMap& map, std::size_t rays,
                       std::uint64_t seed) {
   return RayCheck(judge, map).run(rays, seed);
+}
+
+ShareDeviation deviationWithin(const Judge& judge, const VisibleMap& map, int object, double rays,
+                               std::size_t most, std::uint64_t seed) {
+  const auto number = static_cast<std::size_t>(object);
+  const Real share = sharesOf(map, number + 1)[number];
+  const bool half = map.field == Field::Hemisphere;
+  const Real inSphere = half ? 0.5L * share : share;
+  Cone cone(map, object);
+  if (inSphere > cone.part()) cone = Cone();  // all but what is in it
+  const Real part = inSphere / cone.part();   // of the cone's directions
+  const Real wanted = rays * (half ? 2.0L : 1.0L) * cone.part();
+  const auto count = static_cast<std::size_t>(
+      std::clamp(wanted, std::min(1e5L, static_cast<Real>(most)), static_cast<Real>(most)));
+  Random random(seed);
+  std::size_t hits = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Vector direction = cone.direction(random);
+    if (half && dot(wide(direction), wide(map.forward)) < 0.0L) continue;
+    if (judge.seen(map.eye, direction, map.twoSided).label.object == object) ++hits;
+  }
+  const Real expected = part * static_cast<Real>(count);
+  const Real deviation = std::sqrt(std::max(expected * (1.0L - part), 1.0L));
+  return {object, static_cast<double>(share),
+          static_cast<double>((static_cast<Real>(hits) - expected) / deviation)};
 }
 
 bool checkDirection(const Judge& judge, const VisibleMap& map, const Vector& direction) {

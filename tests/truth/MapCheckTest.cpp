@@ -3,6 +3,8 @@
 #include "truth/MapCheck.h"
 #include "truth/Reduce.h"
 
+#include <cmath>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -51,6 +53,25 @@ TEST(MapCheck, FindsAWrongLabelAndAWrongShare) {
   EXPECT_FALSE(checkByRays(windowJudge(), map, Rays, 1).wrong.empty());
   map.cells[0].label = {2, 1, 1};
   EXPECT_GT(checkByRays(windowJudge(), map, Rays, 1).worstShare, 10.0);
+}
+
+TEST(MapCheck, AsksMoreRaysAboutOneObject) {
+  VisibleMap map = windowWithDistances();
+  const auto deviation = [&map] {
+    return deviationWithin(windowJudge(), map, 1, 1e6, 20000, 3).by;
+  };
+  EXPECT_LT(std::abs(deviation()), 5.0);
+  map.cells[0].solidAngle *= 0.9;
+  EXPECT_GT(deviation(), 10.0) << "more rays hit it than the map says";
+}
+
+TEST(MapCheck, ListsTheDeviationsOfObjectsThatExpectRays) {
+  const RayReport report = checkByRays(windowJudge(), windowWithDistances(), Rays, 1);
+  ASSERT_EQ(report.deviations.size(), 2U) << "the sky and the window";
+  EXPECT_NEAR(report.deviations[0].share + report.deviations[1].share, 1.0, 1e-12);
+  // What one gets, the other does not.
+  EXPECT_NEAR(report.deviations[0].by, -report.deviations[1].by, 1e-9);
+  EXPECT_TRUE(checkByRays(windowJudge(), windowWithDistances(), 20, 1).deviations.empty());
 }
 
 TEST(MapCheck, FindsDistancesThatAreNotThoseOfTheScene) {
