@@ -72,6 +72,34 @@ inline double scaledDiameter(const Vec3* points, std::size_t count, Vec3 mean, d
   return best;
 }
 
+/// Twice the vector area of an outline, times the square of `scale`, as if it had been worked out
+/// with twice the digits (T. Ogita, S. M. Rump and S. Oishi, Accurate Sum and Dot Product, 2005):
+/// of slivers the products that cancel are larger by far than what is left.
+inline Vec3 vectorAreaOf(const Vec3* points, std::size_t count, double scale) {
+  double sums[3] = {};
+  double rests[3] = {};
+  const auto add = [&](int axis, double a, double b) {
+    const double product = a * b;
+    const double lostOfProduct = std::fma(a, b, -product);
+    const double next = sums[axis] + product;
+    const double fromProduct = next - sums[axis];
+    rests[axis] += (sums[axis] - (next - fromProduct)) + (product - fromProduct) + lostOfProduct;
+    sums[axis] = next;
+  };
+  Vec3 p = scale * points[count - 1];
+  for (std::size_t i = 0; i < count; ++i) {
+    const Vec3 q = scale * points[i];
+    add(0, p.y, q.z);
+    add(0, -p.z, q.y);
+    add(1, p.z, q.x);
+    add(1, -p.x, q.z);
+    add(2, p.x, q.y);
+    add(2, -p.y, q.x);
+    p = q;
+  }
+  return {sums[0] + rests[0], sums[1] + rests[1], sums[2] + rests[2]};
+}
+
 /// Newell's normal through the mean of the corners (I. Sutherland, R. Sproull, R. Schumacker, A
 /// Characterization of Ten Hidden-Surface Algorithms, 1974). Corners count from their mean, and
 /// lengths in powers of two of the size, so that neither place nor unit matters.
@@ -100,7 +128,13 @@ inline OutlinePlane outlinePlane(const Vec3* points, std::size_t count) {
   const double noise = (static_cast<double>(count) + 8.0) * Unit;
   const bool isArea = std::abs(area.x) > noise * terms.x || std::abs(area.y) > noise * terms.y ||
                       std::abs(area.z) > noise * terms.z;
-  if (isArea) plane.normal = normalise(area).direction;
+  if (!isArea) return plane;
+  constexpr double Thin = 1e-3;
+  // Not so far from the origin that the doubled digits are lost in the place.
+  const double place = scale * length3(plane.mean);
+  const bool isNear = 1e-16 * place * place < length3(terms);
+  if (isNear && length3(area) < Thin * length3(terms)) area = vectorAreaOf(points, count, scale);
+  plane.normal = normalise(area).direction;
   return plane;
 }
 

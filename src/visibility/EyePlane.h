@@ -3,6 +3,7 @@
 #include "kernel/Vec.h"
 #include "visibility/IndexState.h"
 #include "visibility/ParallelSight.h"
+#include "visibility/WideEdge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,18 +38,35 @@ inline Kernel::Vec3 nearnessOf(const ScenePlane& plane, double offset) {
   return {plane.normal.x / offset, plane.normal.y / offset, plane.normal.z / offset};
 }
 
-/// Whether an eye sees nothing of a polygon because it is in its plane, or at one of its corners.
+/// The length of a vector whose square may be beyond the range of a double.
+inline double lengthInRange(Kernel::Vec3 v) {
+  const double length = Kernel::length3(v);
+  if (length > 0x1p-500 && length < 0x1p500) return length;
+  const double greatest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+  if (greatest == 0.0) return 0.0;
+  return greatest * Kernel::length3({v.x / greatest, v.y / greatest, v.z / greatest});
+}
+
+/// Whether an eye sees nothing of a polygon because it is in its plane, or on its outline.
 inline bool isEdgeOn(const IndexState& state, std::size_t polygon, Kernel::Vec3 eye,
                      double offset) {
+  const auto begin = static_cast<std::size_t>(state.cornerOffsets[polygon]);
+  const auto end = static_cast<std::size_t>(state.cornerOffsets[polygon + 1]);
+  const auto fromEye = [&](std::size_t corner) {
+    return state.vertices[static_cast<std::size_t>(state.cornerVertices[corner])] - eye;
+  };
   double farthest = 0.0;
-  for (auto c = state.cornerOffsets[polygon]; c < state.cornerOffsets[polygon + 1]; ++c) {
-    const auto vertex = static_cast<std::size_t>(state.cornerVertices[static_cast<std::size_t>(c)]);
-    const Kernel::Vec3 corner = state.vertices[vertex] - eye;
+  Kernel::Vec3 before = fromEye(end - 1);
+  for (std::size_t c = begin; c < end; ++c) {
+    const Kernel::Vec3 corner = fromEye(c);
     if (corner == Kernel::Vec3{}) return true;
-    farthest = std::max(farthest, Kernel::dot(corner, corner));
+    if (isOnWide(before, corner)) return true;
+    farthest = std::max(farthest, lengthInRange(corner));
+    before = corner;
   }
-  constexpr double Least = 1e-290;  // the inverse of less may be beyond a double
-  return !(std::abs(offset) > std::max(EdgeOn * std::sqrt(farthest), Least));
+  // 1 / offset, in units of the cube, must stay below what stands for nothing.
+  constexpr double Least = 1e-280;
+  return !(std::abs(offset) > std::max(EdgeOn * farthest, Least));
 }
 
 /// The one place where it is decided whether an eye sees a polygon's plane, and how near it is.

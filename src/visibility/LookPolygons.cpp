@@ -2,6 +2,7 @@
 
 #include "kernel/Exact.h"
 #include "visibility/EyePlane.h"
+#include "visibility/WideEdge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -175,18 +176,41 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
   const auto begin = static_cast<size_t>(state.cornerOffsets[i]);
   const size_t count = static_cast<size_t>(state.cornerOffsets[i + 1]) - begin;
   corners.clear();
+  const auto vertexAt = [&](size_t k) { return state.cornerVertices[begin + k]; };
+  const auto fromEye = [&](std::int32_t vertex) {
+    return inRange(theSetup.directionTo(state.vertices[static_cast<size_t>(vertex)]));
+  };
   for (size_t k = 0; k < count; ++k) {
-    const Vec3 v = state.vertices[static_cast<size_t>(state.cornerVertices[begin + k])];
-    corners.push_back(toFrame(theSetup.directionTo(v)));
-  }
-  for (size_t k = 0; k < count; ++k) {
-    const size_t next = k + 1 == count ? 0 : k + 1;
-    const bool forwards = state.cornerVertices[begin + k] < state.cornerVertices[begin + next];
-    appendArc(segments, corners[forwards ? k : next], corners[forwards ? next : k],
-              state.cornerEdges[begin + k], state.cornerInner[begin + k] != 0);
+    const std::int32_t from = vertexAt(k);
+    const std::int32_t to = vertexAt(k + 1 == count ? 0 : k + 1);
+    const Vec3 a = fromEye(from);
+    const Vec3 b = fromEye(to);
+    corners.push_back(toFrame(a));
+    if (from < to) {
+      addEdge(a, b, begin + k);
+    } else {
+      addEdge(b, a, begin + k);
+    }
   }
   sortByFace(polygon, first);
   findCornerParity(polygon);
+}
+
+// A wide edge is two arcs, which meet where it is nearest to the eye.
+void LookPolygons::addEdge(Vec3 from, Vec3 to, size_t corner) {
+  const IndexState& state = *theSetup.state;
+  const std::int32_t edge = state.cornerEdges[corner];
+  const bool inner = state.cornerInner[corner] != 0;
+  const FrameVector a = toFrame(from);
+  const FrameVector b = toFrame(to);
+  if (!isWide(from, to)) {
+    appendArc(segments, a, b, edge, inner);
+    return;
+  }
+  const FrameVector middle = toFrame(nearestOfWide(from, to));
+  appendArc(segments, a, middle, edge, inner);
+  appendArc(segments, middle, b, edge, inner);
+  corners.push_back(middle);
 }
 
 void LookPolygons::sortByFace(LookPolygon& polygon, std::uint32_t first) {

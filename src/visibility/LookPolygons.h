@@ -87,6 +87,7 @@ class LookPolygons {
   void add(std::int32_t number);
   void placePlanes(LookPolygon& polygon) const;
   void addSegments(LookPolygon& polygon);
+  void addEdge(Kernel::Vec3 from, Kernel::Vec3 to, std::size_t corner);
   void sortByFace(LookPolygon& polygon, std::uint32_t first);
   void findCornerParity(LookPolygon& polygon) const;
   bool coversDirection(const LookPolygon& polygon, const FrameVector& direction) const;
@@ -95,8 +96,9 @@ class LookPolygons {
   LookSetup theSetup;
   std::vector<LookPolygon> polygons;
   std::vector<Segment> segments;
-  std::vector<std::int32_t> slots;   // open addressing: numbers' positions, -1 where free
-  std::vector<FrameVector> corners;  // scratch: of the polygon that is being added
+  std::vector<std::int32_t> slots;  // open addressing: numbers' positions, -1 where free
+  // Scratch: of the polygon that is being added, with points in the middle of wide edges.
+  std::vector<FrameVector> corners;
 };
 
 }  // namespace Lumivane::Visibility

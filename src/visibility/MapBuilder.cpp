@@ -3,6 +3,7 @@
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/SphereMeasure.h"
+#include "visibility/WideEdge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -258,7 +259,15 @@ class Builder {
   // Once more with the vertices in their final places.
   void dropSliverEdges() { dropSlivers(edges); }
 
+  // A cell that has taken a sliver up waits for the next round.
   void dropSlivers(std::vector<Link>& borders) {
+    constexpr int MostRounds = 16;
+    for (int round = 0; round < MostRounds; ++round)
+      if (!dropSliversOnce(borders)) return;
+  }
+
+  // \return whether a sliver may be left
+  bool dropSliversOnce(std::vector<Link>& borders) {
     struct Extent {
       Vec3 from;
       double area;
@@ -296,27 +305,38 @@ class Builder {
              orderOf(found[static_cast<size_t>(b)].region);
     });
     bool any = false;
+    bool isLeft = false;
     std::vector<char> grown(found.size(), 0);
     for (const int cell : order) {
       const Extent& e = extents[static_cast<size_t>(cell)];
       const double area = std::remainder(e.area, 4.0 * Pi);
-      // What has been turned inside out by placing its vertices was narrower still.
-      const bool turned =
-          area < 0.0 && e.length <= 1.0 && found[static_cast<size_t>(cell)].region != SkyRegion;
+      // What has been turned inside out by placing its vertices was narrower still. The sky, and
+      // a region that is bent around the eye, may also be all but a small hole.
+      const Found& f = found[static_cast<size_t>(cell)];
+      const bool mayBeLarge = f.region == SkyRegion || (f.several && area < -NearlyNothing);
+      const bool turned = area < 0.0 && e.length <= 1.0 && !mayBeLarge;
       const bool isSliver = e.length > 0.0 && (turned || std::fabs(area) <= SliverWidth * e.length);
-      if (!isSliver || grown[static_cast<size_t>(cell)] != 0) continue;
+      if (!isSliver) continue;
+      if (grown[static_cast<size_t>(cell)] != 0) {
+        isLeft = true;
+        continue;
+      }
       found[static_cast<size_t>(cell)].mergedInto = e.neighbour;
       if (e.neighbour != NoCell) grown[static_cast<size_t>(e.neighbour)] = 1;
       any = true;
     }
-    if (!any) return;
+    if (!any) return false;
     size_t kept = 0;
     for (Link link : borders) {
-      link.left = settled(link.left);
-      link.right = settled(link.right);
+      const int left = settled(link.left);
+      const int right = settled(link.right);
+      link.shared = link.shared && left == link.left && right == link.right;
+      link.left = left;
+      link.right = right;
       if (link.left != link.right) borders[kept++] = link;
     }
     borders.resize(kept);
+    return isLeft;
   }
 
   int settled(int cell) const {
@@ -343,11 +363,29 @@ class Builder {
                    : a.left == b.right && a.right == b.left;
   }
 
+  // Whether a direction is where a wide edge, of which arcs must be less than half a circle, is
+  // divided.
+  bool isMiddleOfWide(Source source, Vec3 direction) const {
+    Vec3 middle;
+    return middleOfWide(source, middle) && Kernel::distance(middle, direction) < PlaceTolerance;
+  }
+
+  bool middleOfWide(Source source, Vec3& middle) const {
+    if (source < 0 || isCrossing(source)) return false;
+    const auto edge = 2 * static_cast<size_t>(source);
+    const Vec3 a = fromEye(setup.state->edgeVertices[edge]);
+    const Vec3 b = fromEye(setup.state->edgeVertices[edge + 1]);
+    if (!isWide(a, b)) return false;
+    middle = unit(nearestOfWide(a, b));
+    return true;
+  }
+
   bool passes(int vertex) const {
     if (atVertex.size(vertex) != 2) return false;
     const int* at = atVertex.begin(vertex);
-    return at[0] != at[1] &&
-           continues(vertex, links[static_cast<size_t>(at[0])], links[static_cast<size_t>(at[1])]);
+    const Link& first = links[static_cast<size_t>(at[0])];
+    return at[0] != at[1] && continues(vertex, first, links[static_cast<size_t>(at[1])]) &&
+           !isMiddleOfWide(first.source, directions[static_cast<size_t>(vertex)]);
   }
 
   void chainLinks() {
@@ -436,14 +474,26 @@ class Builder {
       addEdge(route[forwards ? i : i + 1], route[forwards ? i + 1 : i], link);
   }
 
+  // A docking edge that joins what is seen on its two sides: both have the edge, or lie in one
+  // layer, as where pieces of a surface are divided otherwise. With another part of the object
+  // behind it, it is the end of what is in front.
+  bool isDocked(const Link& link) const {
+    const auto layerOf = [this](int cell) {
+      const std::int32_t polygon = cellPolygons[static_cast<size_t>(cell)];
+      return setup.state->layers[static_cast<size_t>(polygon)];
+    };
+    return link.inner && (link.shared || layerOf(link.left) == layerOf(link.right));
+  }
+
   VisibleMap::EdgeKind kindOf(const Link& link) const {
     using Kind = VisibleMap::EdgeKind;
     if (link.left == NoCell || link.right == NoCell) return Kind::Field;
-    if (isCrossing(link.source)) return Kind::Crossing;
     const Label& a = map.cells[static_cast<size_t>(link.left)].label;
     const Label& b = map.cells[static_cast<size_t>(link.right)].label;
+    if (a.object == 0 || b.object == 0) return Kind::Silhouette;
+    if (isCrossing(link.source)) return Kind::Crossing;
     const bool oneFace = a.face == b.face && a.face > 0;
-    if (a.object != 0 && a.object == b.object && (link.inner || oneFace)) return Kind::Inner;
+    if (a.object == b.object && (oneFace || isDocked(link))) return Kind::Inner;
     return link.shared ? Kind::Crease : Kind::Silhouette;
   }
 
@@ -486,6 +536,12 @@ class Builder {
       place = unit(fromEye(corner));
       return;
     }
+    for (size_t i = 0; i < count; ++i) {
+      Vec3 middle;
+      if (!middleOfWide(lines[i].second, middle) || !isClose(middle)) continue;
+      place = middle;
+      return;
+    }
     double best = 1e-6;
     Vec3 meeting{};
     for (size_t i = 0; i < count; ++i)
@@ -503,7 +559,10 @@ class Builder {
   }
 
   Vec3 fromEye(std::int32_t vertex) const {
-    return setup.directionTo(setup.state->vertices[static_cast<size_t>(vertex)]);
+    return inRange(setup.directionTo(setup.state->vertices[static_cast<size_t>(vertex)]));
+  }
+  Vec3 offsetFromEye(std::int32_t vertex) const {
+    return setup.state->vertices[static_cast<size_t>(vertex)] - setup.eye;
   }
 
   // The normal of the plane through the eye and a line, up to its sign.
@@ -521,8 +580,10 @@ class Builder {
       return unit(nearness(source >> 31 & Low) - nearness(source & Low));
     }
     const auto edge = 2 * static_cast<size_t>(source);
-    return unit(Kernel::cross(unit(fromEye(setup.state->edgeVertices[edge])),
-                              unit(fromEye(setup.state->edgeVertices[edge + 1]))));
+    const Vec3 a = unit(fromEye(setup.state->edgeVertices[edge]));
+    Vec3 b;
+    if (!middleOfWide(source, b)) b = unit(fromEye(setup.state->edgeVertices[edge + 1]));
+    return unit(Kernel::cross(a, b));
   }
 
   // Vertices that have come to lie in one place are one.
@@ -776,11 +837,15 @@ class Builder {
     return std::remainder(sum, 4.0 * Pi);
   }
 
-  // A region, and all that is within a hemisphere, takes at most half of the sphere; so what is
-  // below nothing is rounding's. The sky of a sphere may take more; when it is nearly all,
-  // `settleWholeSpheres` says so.
-  double solidAngleOf(const VisibleMap::Cell& cell, double turn) const {
-    const bool large = map.field == Field::Sphere && cell.label.object == 0;
+  // A flat region, and all that is within a hemisphere, takes at most half of the sphere; so what
+  // is below nothing is rounding's. The sky of a sphere, and a region that is bent around the eye,
+  // may take more; when it is nearly all, `settleWholeSpheres` says so.
+  bool mayBeLarge(size_t cell) const {
+    return map.field == Field::Sphere &&
+           (map.cells[cell].label.object == 0 || severalPolygons[cell] != 0);
+  }
+  double solidAngleOf(size_t cell, double turn) const {
+    const bool large = mayBeLarge(cell);
     if (turn < (large ? -NearlyNothing : -Pi)) return turn + 4.0 * Pi;
     return std::max(0.0, turn);
   }
@@ -794,13 +859,13 @@ class Builder {
     return turn < 0.0 ? turn + 4.0 * Pi : turn;
   }
 
-  // If nearly a whole sphere is missing from the sum, it is that of the sky around all.
+  // If nearly a whole sphere is missing from the sum, it is that of the cell around all.
   void settleWholeSpheres() {
     double sum = 0.0;
     int around = NoCell;
     for (size_t i = 0; i < map.cells.size(); ++i) {
       sum += map.cells[i].solidAngle;
-      if (map.cells[i].label.object == 0 && turns[i] <= 0.0 &&
+      if (mayBeLarge(i) && turns[i] <= 0.0 &&
           (around == NoCell || turns[i] < turns[static_cast<size_t>(around)]))
         around = static_cast<int>(i);
     }
@@ -906,11 +971,44 @@ class Builder {
     return inside;
   }
 
+  // The same for a cell of any size: the first arc on the great circle from d by u has d on its
+  // left or on its right.
+  bool containsAround(const VisibleMap::Cell& cell, Vec3 d) const {
+    for (const Vec3 axis : {Vec3{1.0, 0.0, 0.0}, Vec3{0.0, 1.0, 0.0}, Vec3{0.0, 0.0, 1.0}}) {
+      const Vec3 m = Kernel::cross(d, axis);
+      const Vec3 u = Kernel::cross(m, d);
+      double first = 4.0;
+      bool inside = false;
+      forArcs(cell, [&](Vec3 a, Vec3 b) {
+        const double atA = Kernel::dot(m, a);
+        const double atB = Kernel::dot(m, b);
+        if ((atA >= 0.0) == (atB >= 0.0)) return;
+        const Vec3 met = std::fabs(atB) * a + std::fabs(atA) * b;
+        const double turn = quarterTurns(Kernel::dot(met, d), Kernel::dot(met, u));
+        if (turn >= first) return;
+        first = turn;
+        inside = atA >= 0.0;
+      });
+      if (first < 4.0) return inside;
+    }
+    return cell.solidAngle > 2.0 * Pi;
+  }
+
+  // Rises with the angle of a direction from the x axis, from 0 to 4.
+  static double quarterTurns(double x, double y) {
+    const double part = x / (std::fabs(x) + std::fabs(y));
+    return y >= 0.0 ? 1.0 - part : 3.0 + part;
+  }
+
+  bool isIn(const VisibleMap::Cell& cell, Vec3 d) const {
+    const auto number = static_cast<size_t>(&cell - map.cells.data());
+    return severalPolygons[number] != 0 ? containsAround(cell, d) : contains(cell, d);
+  }
+
   void lookAtFoot(VisibleMap::Cell& cell, std::int32_t polygon) const {
     const Vec3 plane = planeOf(polygon);
-    const double inverse = Kernel::length3(plane);
-    const double distance = 1.0 / inverse;
-    if (!(distance < cell.minDistance) || !contains(cell, unit(plane))) return;
+    const double distance = 1.0 / lengthInRange(plane);
+    if (!(distance < cell.minDistance) || !isIn(cell, unit(inRange(plane)))) return;
     cell.minDistance = distance;
   }
 
@@ -921,14 +1019,11 @@ class Builder {
     const auto end = state.cornerOffsets[static_cast<size_t>(polygon) + 1];
     for (auto i = begin; i < end; ++i) {
       const auto next = i + 1 == end ? begin : i + 1;
-      const Vec3 a = fromEye(state.cornerVertices[static_cast<size_t>(i)]);
-      const Vec3 b = fromEye(state.cornerVertices[static_cast<size_t>(next)]);
-      const Vec3 along = b - a;
-      const double square = Kernel::dot(along, along);
-      const double t = square > 0.0 ? std::clamp(-Kernel::dot(a, along) / square, 0.0, 1.0) : 0.0;
-      const Vec3 nearest = a + t * along;
-      const double distance = Kernel::length3(nearest);
-      if (distance < cell.minDistance && distance > 0.0 && contains(cell, unit(nearest)))
+      const Vec3 nearest =
+          nearestOfSegment(offsetFromEye(state.cornerVertices[static_cast<size_t>(i)]),
+                           offsetFromEye(state.cornerVertices[static_cast<size_t>(next)]));
+      const double distance = lengthInRange(nearest);
+      if (distance < cell.minDistance && distance > 0.0 && isIn(cell, unit(inRange(nearest))))
         cell.minDistance = distance;
     }
   }
@@ -940,7 +1035,7 @@ class Builder {
       VisibleMap::Cell& cell = map.cells[i];
       outerRingFirst(cell);
       turns[i] = turnOf(cell);
-      cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(cell, turns[i]);
+      cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(i, turns[i]);
       if (map.field == Field::Hemisphere) {
         double sum = 0.0;
         forArcs(cell, [&](Vec3 a, Vec3 b) { sum += arcViewFactor(a, b, forward); });

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "kernel/Vec.h"
+#include "visibility/EyePlane.h"
+#include "visibility/WideEdge.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +16,8 @@ namespace Lumivane::Visibility {
 /// as the eye sees them (A. van Oosterom and J. Strackee, The Solid Angle of a Plane Triangle,
 /// 1983).
 inline double triangleSolidAngle(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 c) {
-  const double volume = -Kernel::dot(a, Kernel::cross(b, c));
+  // With differences small triangles keep all their digits.
+  const double volume = -Kernel::dot(a, Kernel::cross(b - a, c - a));
   const double denominator = 1.0 + Kernel::dot(a, b) + Kernel::dot(b, c) + Kernel::dot(c, a);
   return 2.0 * std::atan2(volume, denominator);
 }
@@ -30,12 +33,23 @@ inline double arcViewFactor(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 forward
   return angle / sine * Kernel::dot(normal, forward) / TwoPi;
 }
 
+/// The point of the straight line between two points that is nearest to the origin.
+inline Kernel::Vec3 nearestOfSegment(Kernel::Vec3 a, Kernel::Vec3 b) {
+  const Kernel::Vec3 along = b - a;
+  double square = Kernel::dot(along, along);
+  double inner = Kernel::dot(a, along);
+  if (!(square > 0x1p-900 && square < 0x1p900)) {
+    const Kernel::Vec3 scaled = inRange(along);
+    square = Kernel::dot(scaled, along);
+    inner = Kernel::dot(a, scaled);
+  }
+  const double t = square > 0.0 ? std::clamp(-inner / square, 0.0, 1.0) : 0.0;
+  return a + t * along;
+}
+
 /// Least distance from the origin of the straight line between two points.
 inline double distanceToSegment(Kernel::Vec3 a, Kernel::Vec3 b) {
-  const Kernel::Vec3 along = b - a;
-  const double square = Kernel::dot(along, along);
-  const double t = square > 0.0 ? std::clamp(-Kernel::dot(a, along) / square, 0.0, 1.0) : 0.0;
-  return Kernel::length3(a + t * along);
+  return lengthInRange(nearestOfSegment(a, b));
 }
 
 }  // namespace Lumivane::Visibility

@@ -291,7 +291,9 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress)
     } else {
       ++progress.stalled;
     }
-    const bool stalled = progress.stalled >= StalledLevels && count <= StalledSegments;
+    // Hundreds of edges on one line never part, so the limit grows with every level.
+    const int doublings = std::min(progress.stalled - StalledLevels, 32);
+    const bool stalled = doublings >= 0 && count <= StalledSegments << doublings;
     if (count <= FewSegments || stalled || smallest) return sweepTile(tile, content);
   }
   ++progress.level;

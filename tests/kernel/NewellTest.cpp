@@ -54,6 +54,41 @@ TEST(Newell, SliversHaveTheirNormal) {
   expectNear({0, 0, 1}, plane.normal, 1e-12);
 }
 
+TEST(Newell, NeedlesHaveAllDigitsOfTheirNormal) {
+  // A million long and a millionth wide; differences of corners lose the width.
+  const Vec3 along = {612345.678, -523456.789, 412345.67};
+  const Vec3 middle = {3e-7, 2e-7, -4e-7};
+  const std::vector<Vec3> needle = {middle + along, middle - along, {1e-6, -2e-6, 3e-6}};
+  const auto term = [](long double a, long double b, long double c, long double d) {
+    return a * b - c * d;
+  };
+  long double area[3] = {};
+  for (std::size_t i = 0; i < 3; ++i) {
+    // From the last corner, whose differences the wider numbers hold.
+    const auto from = [&](double Vec3::*axis, std::size_t k) {
+      return static_cast<long double>(needle[k % 3].*axis) -
+             static_cast<long double>(needle[2].*axis);
+    };
+    area[0] +=
+        term(from(&Vec3::y, i), from(&Vec3::z, i + 1), from(&Vec3::z, i), from(&Vec3::y, i + 1));
+    area[1] +=
+        term(from(&Vec3::z, i), from(&Vec3::x, i + 1), from(&Vec3::x, i), from(&Vec3::z, i + 1));
+    area[2] +=
+        term(from(&Vec3::x, i), from(&Vec3::y, i + 1), from(&Vec3::y, i), from(&Vec3::x, i + 1));
+  }
+  const long double length = std::sqrt(area[0] * area[0] + area[1] * area[1] + area[2] * area[2]);
+  const Vec3 normal = planeOf(needle).normal;
+  EXPECT_NEAR(static_cast<double>(area[0] / length), normal.x, 1e-7);
+  EXPECT_NEAR(static_cast<double>(area[1] / length), normal.y, 1e-7);
+  EXPECT_NEAR(static_cast<double>(area[2] / length), normal.z, 1e-7);
+}
+
+TEST(Newell, ThinOutlinesFarFromTheOriginKeepTheirPlane) {
+  const double far = 0x1p90;
+  const OutlinePlane plane = planeOf({{far, 0, 0}, {far, 1, 0}, {far, 1, 1e-5}});
+  expectNear({1, 0, 0}, plane.normal, 1e-12);
+}
+
 TEST(Newell, NeitherPlaceNorUnitMatters) {
   const Vec3 n = planeOf({{0, 0, 0}, {1, 0, 0.5}, {1, 1, 1.0}, {0, 1, 0.5}}).normal;
   for (const double unit : {1e-200, 1e-20, 1e20, 1e29}) {

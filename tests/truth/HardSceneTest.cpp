@@ -2,7 +2,7 @@
 // arithmetic and against the map's own account.
 
 #include "truth/Builder.h"
-#include "truth/HardScenes.h"
+#include "truth/EachHardScene.h"
 #include "truth/Invariants.h"
 #include "truth/MapCheck.h"
 #include "truth/MapLocator.h"
@@ -25,20 +25,9 @@ using Visibility::Seen;
 using Visibility::Vector;
 using Visibility::VisibleMap;
 
-constexpr std::size_t Kinds = 20;
 constexpr std::size_t Rays = 5000;
 
-class HardSceneProperty : public ::testing::TestWithParam<std::size_t> {
- protected:
-  template <class Check>
-  void each(Check check) {
-    for (std::size_t number = GetParam(); number < HardSceneCount; number += Kinds) {
-      const HardScene hard = hardScene(number);
-      SCOPED_TRACE("hard scene " + std::to_string(number) + ": " + hard.name);
-      check(hard);
-    }
-  }
-};
+class HardSceneProperty : public EachHardScene {};
 
 TEST_P(HardSceneProperty, TheMapIsSound) {
   each([](const HardScene& hard) {
@@ -109,7 +98,7 @@ TEST_P(HardSceneProperty, SharesAreTheSumsOfCells) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, HardSceneProperty, ::testing::Range<std::size_t>(0, Kinds));
+INSTANTIATE_TEST_SUITE_P(Kinds, HardSceneProperty, ::testing::Range<std::size_t>(0, HardKinds));
 
 }  // namespace
 }  // namespace Lumivane::Truth

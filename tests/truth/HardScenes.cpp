@@ -472,34 +472,34 @@ struct Kind {
   void (*make)(Random&, HardScene&);
 };
 
-constexpr std::array<Kind, 20> Kinds{{{"overlapping", overlapping},
-                                      {"interpenetrating", interpenetrating},
-                                      {"coplanar stack", coplanarStack},
-                                      {"slivers", slivers},
-                                      {"cyclic overlaps", cyclic},
-                                      {"closed meshes", closedMeshes},
-                                      {"eye on a vertex", eyeOnVertex},
-                                      {"eye on an edge", eyeOnEdge},
-                                      {"eye in planes", eyeInPlane},
-                                      {"touching boxes", touchingBoxes},
-                                      {"eye inside a body", eyeInsideBody},
-                                      {"far away", farAway},
-                                      {"self-crossing outlines", selfCrossing},
-                                      {"holes by bridges", bridgedHoles},
-                                      {"T-junctions", tJunctions},
-                                      {"cubic room", cubicRoom},
-                                      {"large coordinates", largeCoordinates},
-                                      {"fans", fans},
-                                      {"identical polygons", identical},
-                                      {"bent or two-sided", nullptr}}};
+constexpr std::array<Kind, HardKinds> Kinds{{{"overlapping", overlapping},
+                                             {"interpenetrating", interpenetrating},
+                                             {"coplanar stack", coplanarStack},
+                                             {"slivers", slivers},
+                                             {"cyclic overlaps", cyclic},
+                                             {"closed meshes", closedMeshes},
+                                             {"eye on a vertex", eyeOnVertex},
+                                             {"eye on an edge", eyeOnEdge},
+                                             {"eye in planes", eyeInPlane},
+                                             {"touching boxes", touchingBoxes},
+                                             {"eye inside a body", eyeInsideBody},
+                                             {"far away", farAway},
+                                             {"self-crossing outlines", selfCrossing},
+                                             {"holes by bridges", bridgedHoles},
+                                             {"T-junctions", tJunctions},
+                                             {"cubic room", cubicRoom},
+                                             {"large coordinates", largeCoordinates},
+                                             {"fans", fans},
+                                             {"identical polygons", identical},
+                                             {"bent or two-sided", nullptr}}};
 
 }  // namespace
 
 HardScene hardScene(std::size_t number) {
   Random random(1000 + number);
   HardScene result;
-  const Kind& kind = Kinds[number % Kinds.size()];
-  const std::size_t round = number / Kinds.size();
+  const Kind& kind = Kinds[number % HardKinds];
+  const std::size_t round = number / HardKinds;
   result.name = std::string(kind.name) + " " + std::to_string(round);
   result.options.field = round % 3 == 2 ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
   result.options.forward = round % 2 == 0 ? Vector{1, 0, 0} : random.direction();

@@ -14,9 +14,15 @@ struct HardScene {
   Visibility::PolygonScene scene;
   Visibility::Vector eye{0.0, 0.0, 0.0};
   Visibility::LookOptions options;
+  /// Who knows what is seen: the judge, or, where the definition leaves something open, single
+  /// directions of the index itself, or nobody: then only the map's own account is asked for.
+  enum class Truth { Judge, Single, Nobody };
+  Truth truth = Truth::Judge;
 };
 
 constexpr std::size_t HardSceneCount = 200;
+/// Number i is of kind i % HardKinds.
+constexpr std::size_t HardKinds = 20;
 
 /// Number 0 to 199, the same on every machine: overlapping, coplanar, interpenetrating, thin,
 /// cyclic and far polygons, eyes on vertices and edges, in planes and inside bodies. Higher numbers

@@ -1,7 +1,7 @@
 // A direction d lies in an outline if the half circle from d to -d, which is behind the plane,
 // crosses its edges an odd number of times: a parity of arcs, which needs no point of the plane.
-// The distance is that of the plane. Of the nearest piece's layer the latest member that contains
-// the direction is seen.
+// An eye on an outline sees nothing of it. The distance is that of the plane. Of the nearest
+// piece's layer the latest member that contains the direction is seen.
 
 #include "truth/Judge.h"
 
@@ -14,9 +14,11 @@ namespace {
 
 using Visibility::Vector;
 
-constexpr Real EdgeOn = 1e-12L;  ///< of an outline's distance
+constexpr Real EdgeOn = 1e-12L;  ///< of the distance of an outline's farthest corner
 constexpr std::size_t LeafSize = 4;
 constexpr Real Far = std::numeric_limits<Real>::infinity();
+
+bool isZero(const LongVector& v) { return v.x == 0.0L && v.y == 0.0L && v.z == 0.0L; }
 
 }  // namespace
 
@@ -116,7 +118,9 @@ bool Judge::contains(const Piece& piece, const LongVector& normal, const Ray& ra
   for (const int corner : piece.corners) {
     const LongVector b = fromEye(theScene.points[static_cast<std::size_t>(corner)], ray.eye);
     const Real sideOfB = dot(pole, b);
+    if (isZero(b)) return false;
     if ((sideOfA > 0.0L) != (sideOfB > 0.0L)) {
+      if (isZero(cross(a, b)) && dot(a, b) < 0.0L) return false;
       const Real where = dot(ahead, a) * std::fabs(sideOfB) + dot(ahead, b) * std::fabs(sideOfA);
       if (where > 0.0L) inside = !inside;
     }
@@ -126,10 +130,20 @@ bool Judge::contains(const Piece& piece, const LongVector& normal, const Ray& ra
   return inside;
 }
 
+Real Judge::farthestCorner(const Piece& piece, const Ray& ray) const {
+  Real farthest = 0.0L;
+  for (const int corner : piece.corners)
+    farthest = std::max(
+        farthest, length(fromEye(theScene.points[static_cast<std::size_t>(corner)], ray.eye)));
+  return farthest;
+}
+
 bool Judge::meets(const Piece& piece, const Ray& ray, Real& distance) const {
   const LongVector toMiddle = piece.middle - wide(ray.eye);
   const Real height = dot(piece.normal, toMiddle);
-  if (std::fabs(height) <= EdgeOn * (length(toMiddle) + piece.size)) return false;
+  if (std::fabs(height) <= EdgeOn * (length(toMiddle) + piece.size) &&
+      std::fabs(height) <= EdgeOn * farthestCorner(piece, ray))
+    return false;
   if (height < 0.0L && !ray.twoSided) return false;
   const LongVector normal = height < 0.0L ? piece.normal * -1.0L : piece.normal;
   const Real along = dot(normal, ray.direction);

@@ -50,6 +50,7 @@ class Judge {
   void build();
   void split(std::size_t node, std::size_t from, std::size_t to);
   Box boxOf(const Piece& piece) const;
+  Real farthestCorner(const Piece& piece, const Ray& ray) const;
   bool meets(const Piece& piece, const Ray& ray, Real& distance) const;
   bool contains(const Piece& piece, const LongVector& normal, const Ray& ray) const;
   template <class Visit>

@@ -66,13 +66,28 @@ struct Cone {
   }
 };
 
+/// Random directions of the map's field.
+std::vector<Vector> directionsOf(const VisibleMap& map, std::size_t count, std::uint64_t seed) {
+  Random random(seed);
+  std::vector<Vector> directions;
+  directions.reserve(count);
+  const LongVector forward = wide(map.forward);
+  while (directions.size() < count) {
+    Vector direction = random.direction();
+    if (map.field == Field::Hemisphere && dot(wide(direction), forward) < 0.0L)
+      direction = {-direction[0], -direction[1], -direction[2]};
+    directions.push_back(direction);
+  }
+  return directions;
+}
+
 class RayCheck {
  public:
   RayCheck(const Judge& newJudge, const VisibleMap& newMap)
       : judge(newJudge), map(newMap), locator(newMap) {}
 
   RayReport run(std::size_t rays, std::uint64_t seed) {
-    const std::vector<Vector> directions = directionsOf(rays, seed);
+    const std::vector<Vector> directions = directionsOf(map, rays, seed);
     report.rays = rays;
     double start = processorSeconds();
     std::vector<int> cells;
@@ -87,20 +102,6 @@ class RayCheck {
   }
 
  private:
-  std::vector<Vector> directionsOf(std::size_t count, std::uint64_t seed) const {
-    Random random(seed);
-    std::vector<Vector> directions;
-    directions.reserve(count);
-    const LongVector forward = wide(map.forward);
-    while (directions.size() < count) {
-      Vector direction = random.direction();
-      if (map.field == Field::Hemisphere && dot(wide(direction), forward) < 0.0L)
-        direction = {-direction[0], -direction[1], -direction[2]};
-      directions.push_back(direction);
-    }
-    return directions;
-  }
-
   Label labelOf(int cell) const {
     return cell < 0 ? Label{-1, -1, -1} : map.cells[static_cast<std::size_t>(cell)].label;
   }
@@ -208,6 +209,21 @@ ShareDeviation deviationWithin(const Judge& judge, const VisibleMap& map, int ob
   const Real deviation = std::sqrt(std::max(expected * (1.0L - part), 1.0L));
   return {object, static_cast<double>(share),
           static_cast<double>((static_cast<Real>(hits) - expected) / deviation)};
+}
+
+std::size_t differencesFromSingle(const Visibility::SceneIndex& index, const VisibleMap& map,
+                                  std::size_t rays, std::uint64_t seed) {
+  const MapLocator locator(map);
+  const std::vector<Vector> directions = directionsOf(map, rays, seed);
+  const auto seen = index.seenIn(map.eye, directions, map.twoSided);
+  std::size_t differences = 0;
+  for (std::size_t i = 0; i < rays; ++i) {
+    const int cell = locator.cellOf(directions[i]);
+    const bool isSame =
+        cell >= 0 && map.cells[static_cast<std::size_t>(cell)].label == seen[i].label;
+    if (!isSame && locator.angleToEdge(directions[i]) > NoMansLand) ++differences;
+  }
+  return differences;
 }
 
 bool checkDirection(const Judge& judge, const VisibleMap& map, const Vector& direction) {

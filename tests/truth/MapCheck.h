@@ -2,6 +2,7 @@
 
 #include "truth/Judge.h"
 
+#include <lumivane/visibility/SceneIndex.h>
 #include <lumivane/visibility/VisibleMap.h>
 
 #include <cstddef>
@@ -54,6 +55,12 @@ constexpr double EnoughRays = 25.0;
 /// as `rays` to the whole field would send there, at most `most`.
 ShareDeviation deviationWithin(const Judge& judge, const Visibility::VisibleMap& map, int object,
                                double rays, std::size_t most, std::uint64_t seed);
+
+/// The same against what the index itself says of single directions: how many labels differ farther
+/// from an edge than `NoMansLand`.
+std::size_t differencesFromSingle(const Visibility::SceneIndex& index,
+                                  const Visibility::VisibleMap& map, std::size_t rays,
+                                  std::uint64_t seed);
 
 /// Whether a map has the right label in a direction, or the direction is too near an edge to say.
 bool checkDirection(const Judge& judge, const Visibility::VisibleMap& map,

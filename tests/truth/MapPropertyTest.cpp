@@ -1,7 +1,7 @@
 // What may be done to a scene or a look without changing what is seen.
 
 #include "truth/Builder.h"
-#include "truth/HardScenes.h"
+#include "truth/EachHardScene.h"
 #include "truth/Invariants.h"
 #include "truth/MapLocator.h"
 #include "truth/Pieces.h"
@@ -30,7 +30,6 @@ using Visibility::SceneIndex;
 using Visibility::Vector;
 using Visibility::VisibleMap;
 
-constexpr std::size_t Kinds = 20;
 constexpr double SameShare = 1e-9;  ///< of the field
 
 enum Kind : std::size_t {
@@ -104,17 +103,7 @@ bool sameMap(const VisibleMap& a, const VisibleMap& b, int shift = 0) {
          std::equal(a.edges.begin(), a.edges.end(), b.edges.begin(), b.edges.end(), sameEdge);
 }
 
-class MapProperty : public ::testing::TestWithParam<std::size_t> {
- protected:
-  template <class Check>
-  void each(Check check) {
-    for (std::size_t number = GetParam(); number < HardSceneCount; number += Kinds) {
-      const HardScene hard = hardScene(number);
-      SCOPED_TRACE("hard scene " + std::to_string(number) + ": " + hard.name);
-      check(hard);
-    }
-  }
-};
+class MapProperty : public EachHardScene {};
 
 TEST_P(MapProperty, TurningTheSceneChangesNoShare) {
   // Far from the origin a turn moves corners by more than sides in nearly one plane are apart.
@@ -337,7 +326,7 @@ TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbersAndLastBits) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, MapProperty, ::testing::Range<std::size_t>(0, Kinds));
+INSTANTIATE_TEST_SUITE_P(Kinds, MapProperty, ::testing::Range<std::size_t>(0, HardKinds));
 
 TEST(Look, TwoAtATimeSeeTheSame) {
   const HardScene hard = hardScene(ClosedMeshes);

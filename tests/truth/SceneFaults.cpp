@@ -107,7 +107,8 @@ class SceneChecker {
       }
     if (flattest < 1e-6L) return;  // the corner's distance is lost in rounding
     if (locator.cellOfAll(narrow(plane->normal)) == static_cast<int>(number)) least = plane->height;
-    const Real room = SameDistance + Rounding / flattest;
+    // The eye's height above the plane is off by what rounding does to the farthest corner.
+    const Real room = SameDistance + Rounding * (1.0L / flattest + most / plane->height);
     if (std::fabs(cell.maxDistance - most) > room * most)
       fault("greatest distance", "cell ", number, ": ", cell.maxDistance, " instead of ", most);
     if (std::fabs(cell.minDistance - least) > room * least)

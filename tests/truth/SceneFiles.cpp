@@ -11,7 +11,7 @@ namespace Fs = std::filesystem;
 
 Session::LoadedScene sceneOfFile(const std::string& path) {
   return Importers::Importer::isImportable(path) ? Importers::Importer::importFile(path).scene
-                                                : Session::LoadedScene::fromFile(path);
+                                                 : Session::LoadedScene::fromFile(path);
 }
 
 std::vector<std::string> sampleFiles(const std::string& folder) {

@@ -49,7 +49,9 @@ void gridOutlines(Random& random, HardScene& result) {
   const int count = 3 + random.below(12);
   for (int i = 0; i < count; ++i) {
     Outline outline;
+    // Which ears an outline has that crosses itself, nobody says.
     const int corners = 3 + random.below(5);
+    if (corners > 3) result.truth = HardScene::Truth::Single;
     for (int k = 0; k < corners; ++k) outline.push_back(onGrid(random, 2));
     builder.object().add(outline);
   }
@@ -90,11 +92,14 @@ void touchingOutlines(Random& random, HardScene& result) {
 /// it, where the ends of the edge are opposite to each other.
 void eyeAtBentEdge(Random& random, HardScene& result) {
   SceneBuilder builder;
+  // An eye within the thickness of a bent outline has no inside of it.
+  const bool isBent = random.below(2) == 0;
+  if (isBent) result.truth = HardScene::Truth::Nobody;
   for (int i = 0; i < 8; ++i) {
     const Vector axis = random.direction();
     Outline outline = regularPolygon(random.inBall(2.0), axis, random.between(1.0, 4.0),
                                      4 + random.below(4), random.between(0, 6));
-    const double bend = powerOfTen(random, -9.0, -4.5);
+    const double bend = isBent ? powerOfTen(random, -9.0, -4.5) : 0.0;
     for (Vector& corner : outline)
       corner = plus(corner, times(axis, bend * random.between(-1.0, 1.0)));
     if (i == 0) {
@@ -113,12 +118,14 @@ void eyeAtBentEdge(Random& random, HardScene& result) {
 void lantern(Random& random, HardScene& result) {
   SceneBuilder builder;
   const double tall = random.between(0.5, 20.0);
-  const double lean = random.between(0.001, 0.2);
+  const double lean = random.between(0.01, 0.2);
   const auto top = [](double x, double y) { return Vector{x, y, 1.0}; };
   const double o = 1.0 + lean;
   Outline outline{top(1, 1),      {1, o, -tall},   {-1, o, -tall}, top(-1, 1),
                   {-o, 1, -tall}, {-o, -1, -tall}, top(-1, -1),    {-1, -o, -tall},
                   {1, -o, -tall}, top(1, -1),      {o, -1, -tall}, {o, 1, -tall}};
+  for (Vector& corner : outline)
+    corner = plus(corner, times(random.direction(), 0.3 * lean * random.between(0.0, 1.0)));
   if (random.below(2) == 0) std::reverse(outline.begin(), outline.end());
   builder.object().add(outline);
   for (int i = random.below(3); i > 0; --i)
@@ -194,6 +201,7 @@ void nearlyCoplanar(Random& random, HardScene& result) {
   }
   result.scene = builder.scene();
   result.options.twoSided = true;
+  result.truth = HardScene::Truth::Single;  // a third plane may lie between two that count as one
   if (random.below(3) == 0) result.eye = times(axis, 4.9);
 }
 

@@ -1,0 +1,129 @@
+// Scenes made to break the engine: the first of each kind, and those by number that once did.
+
+#include "truth/Builder.h"
+#include "truth/Invariants.h"
+#include "truth/MapCheck.h"
+#include "truth/SceneFaults.h"
+#include "truth/WildScenes.h"
+
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Truth {
+namespace {
+
+using Visibility::SceneIndex;
+using Visibility::Vector;
+using Visibility::VisibleMap;
+
+constexpr std::size_t Rounds = 3;
+constexpr std::size_t Rays = 1500;
+
+void expectRight(const HardScene& wild) {
+  const SceneIndex index(wild.scene);
+  const VisibleMap map = index.look(wild.eye, wild.options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  if (wild.truth == HardScene::Truth::Nobody) return;
+  EXPECT_EQ(faultText(map), "");
+  if (wild.truth == HardScene::Truth::Single) {
+    EXPECT_EQ(differencesFromSingle(index, map, Rays, 7), 0U);
+    return;
+  }
+  const Judge judge(wild.scene);
+  const RayReport report = checkByRays(judge, map, Rays, 7);
+  EXPECT_TRUE(report.wrong.empty()) << report.text();
+  EXPECT_EQ(report.wrongDistances, 0U);
+  EXPECT_EQ(sceneFaultText(judge, map), "");
+}
+
+void expectRight(std::size_t number) {
+  const HardScene wild = wildScene(number);
+  SCOPED_TRACE("wild scene " + std::to_string(number) + ": " + wild.name);
+  expectRight(wild);
+}
+
+class WildSceneProperty : public ::testing::TestWithParam<std::size_t> {};
+
+TEST_P(WildSceneProperty, TheMapIsRight) {
+  for (std::size_t round = 0; round < Rounds; ++round) expectRight(GetParam() + round * WildKinds);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, WildSceneProperty, ::testing::Range<std::size_t>(0, WildKinds));
+
+TEST(WildScene, ARegionThatIsBentAroundTheEyeTakesNearlyAllOfTheSphere) {
+  // It took nothing, and the map was four fifths of a sphere short.
+  expectRight(100);
+  expectRight(68);
+}
+
+TEST(WildScene, TheNearestPointOfARegionAroundTheEyeIsOnAnyOfItsPieces) { expectRight(20); }
+
+TEST(WildScene, LengthsBelowTheRootOfTheLeastDoubleAreLengths) { expectRight(37); }
+
+TEST(WildScene, AnEdgeThatAllButRunsThroughTheEyeGoesRoundItOnTheRightSide) {
+  expectRight(35);
+  expectRight(115);
+}
+
+TEST(WildScene, HundredsOfEdgesOnOneLineAreSweptAtOnce) {
+  // Tiles were halved until there were as many as the line has units.
+  expectRight(151);
+}
+
+TEST(WildScene, SpecksAsSmallAsRoundingDoNotCoverTheSky) {
+  for (const std::size_t number : {63U, 95U, 159U, 287U}) expectRight(number);
+}
+
+TEST(WildScene, FansOfHundredsOfTrianglesCloseTheirRings) {
+  expectRight(60);
+  expectRight(140);
+}
+
+TEST(WildScene, ASliverThatIsTakenUpByTheSkyLeavesASilhouette) { expectRight(73); }
+
+/// Seen along a docking edge whose other side faces away, another part of the object stands behind.
+TEST(WildScene, ADockingEdgeWithAnotherFaceBehindItIsASilhouette) {
+  SceneBuilder builder;
+  builder.object();
+  const Vector eye{0, 0, 0};
+  builder.addFacing({{2, -1, -1}, {2, 1, -1}, {2, 1, 1}, {2, -1, 1}}, eye);
+  builder.addFacing({{4, -9, -9}, {4, 9, -9}, {4, 9, 9}, {4, -9, 9}}, eye);
+  HardScene scene;
+  scene.scene = builder.scene();
+  scene.scene.docking.assign(scene.scene.corners.size(), 0);
+  std::fill_n(scene.scene.docking.begin(), 4, std::uint8_t{1});
+  const VisibleMap map = SceneIndex(scene.scene).look(eye);
+  EXPECT_EQ(sceneFaultText(Judge(scene.scene), map), "");
+  const auto isInner = [](const VisibleMap::Edge& edge) {
+    return edge.kind == VisibleMap::EdgeKind::Inner;
+  };
+  EXPECT_EQ(std::count_if(map.edges.begin(), map.edges.end(), isInner), 0);
+  // Two pieces of one wall, with an edge of the one longer than that of the other.
+  builder.addFacing({{2, 1, -3}, {2, 3, -3}, {2, 3, 3}, {2, 1, 3}}, eye);
+  scene.scene = builder.scene();
+  scene.scene.docking.assign(scene.scene.corners.size(), 1);
+  const VisibleMap joined = SceneIndex(scene.scene).look(eye);
+  EXPECT_EQ(std::count_if(joined.edges.begin(), joined.edges.end(), isInner), 1);
+}
+
+TEST(Look, SeesNothingOfAnOutlineThatTheEyeIsOn) {
+  // Flat within the tolerance, so that the eye on its edge is off its plane.
+  const Outline bent{{-1, 0, 1e-5}, {1, 0, -1e-5}, {1, 2, 1e-5}, {-1, 2, -1e-5}};
+  Visibility::LookOptions options;
+  options.twoSided = true;
+  options.field = Visibility::Field::Sphere;
+  const SceneIndex index(SceneBuilder().object().add(bent).scene());
+  for (const Vector& eye : {Vector{0, 0, 0}, Vector{-1, 0, 1e-5}}) {
+    const VisibleMap map = index.look(eye, options);
+    ASSERT_EQ(map.cells.size(), 1U);
+    EXPECT_EQ(map.cells[0].label.object, 0);
+    EXPECT_EQ(index.seenIn(eye, {{0.1, 0.5, -1}}, true)[0].label.object, 0);
+  }
+}
+
+}  // namespace
+}  // namespace Lumivane::Truth
