@@ -13,6 +13,7 @@
 #include "SceneSource.h"
 #include "ShotOutputs.h"
 #include "Stats.h"
+#include "Warnings.h"
 #include "WorkFolders.h"
 #include "Workers.h"
 
@@ -90,6 +91,7 @@ class Batch {
   void makeViews(const std::vector<size_t>& pieces, Journal& journal) {
     SceneForEyes source(options.shot.scene, options.shot.import);
     if (options.shot.view.checkScene) refuseErrors(options.shot.scene, source.scene().scene());
+    if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, source.scene());
     for (const size_t piece : pieces)
       for (const std::string& file : plan.views[piece].files)
         makeFolder((fs::path(plan.setting.folder) / file).parent_path().string());

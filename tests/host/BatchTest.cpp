@@ -23,6 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 using Lumivane::Test::Environment;
 using Lumivane::Test::fileBytes;
+using Lumivane::Test::Json;
 using Lumivane::Test::Result;
 using Lumivane::Test::TempFolder;
 
@@ -206,6 +207,24 @@ TEST(BatchProgram, AnEyeInsideABodyIsReportedAndMarkedInItsRow) {
   };
   EXPECT_EQ("1", cell(rows[1], 11)) << rows[1];
   EXPECT_EQ("0", cell(rows[2], 11)) << rows[2];
+}
+
+TEST(BatchProgram, CoordinatesFarFromTheOriginAreAWarning) {
+  const TempFolder folder;
+  Json scene = Json::parse(fileBytes(Small));
+  for (Json& point : scene.at("Points")) point[0] = point[0].get<double>() + 4500000.0;
+  const std::string far = folder.file("far.json", scene.dump());
+  const std::string table = folder.file("v.csv", "name,eye\na,\"4499996,0.35,1.9\"\n");
+  std::vector<std::string> arguments = {"batch",  far, table, "--out-dir", folder.path("out"),
+                                        "--jobs", "1"};
+  const Result result = run(arguments);
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ(0U, result.err.find("lumivane: " + far + ": warning: object \"")) << result.err;
+  EXPECT_NE(std::string::npos, result.err.find("its corners lie up to 4.5e+06 from the origin"));
+  EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n'));
+  arguments[4] = folder.path("centred");
+  arguments.emplace_back("--center");
+  EXPECT_EQ("", run(arguments).err);
 }
 
 TEST(BatchProgram, VeryManySegmentsOfAViewAskForALimit) {
