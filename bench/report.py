@@ -189,7 +189,7 @@ def aims(after):
         lambda value: f"{value / 1e6:.1f} million/s", True)
     for name, family, aim in (("from the air", ("city", "air", "spherical", 6, 0), 1.15),
                               ("in the street", ("city", "street", "spherical", 6, 0), 1.5)):
-        add(rows, f"growth exponent of the whole road {name}", aim, grouped.get(family),
+        add(rows, f"growth exponent of the whole pipeline {name}", aim, grouped.get(family),
             lambda value: f"{value:.2f}")
     c, limited = (case(f"city 5000 air spherical 6 {length}") for length in ("0", "0.02"))
     add(rows, "city 5,000 from the air, the whole process", .5, c and c["processor"], ms)
@@ -208,7 +208,7 @@ def aims(after):
     add(rows, "a picture of 20,000 regions (wall time)", 3.0, c and c["png"], ms)
     gain = RESULTS / "gain.txt"
     if gain.exists():
-        add(rows, "the plain road in the same run, city 200", 50,
+        add(rows, "the reference pipeline in the same run, city 200", 50,
             float(gain.read_text(encoding="utf-8").split()[-1]), times, True)
     return table(["what (processor time)", "aim", "measured", "met"], rows, 1)
 
@@ -231,7 +231,7 @@ def sections(before, after, parts):
                 "and more, as far as they came to an end.\n\n" + growth_table(*parts))
     text.append("## Stages\n\nProcessor time in milliseconds.\n\n" + stage_table(*parts))
     if (RESULTS / "gain.txt").exists():
-        text.append("## The plain road in the same run\n\n```text\n"
+        text.append("## The reference pipeline in the same run\n\n```text\n"
                     + (RESULTS / "gain.txt").read_text(encoding="utf-8").strip() + "\n```")
     kernels = load("kernels")
     if kernels:

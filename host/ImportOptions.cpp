@@ -84,7 +84,7 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
       .add_option_function<std::string>(
           "--eye", [&options](const std::string& text) { options.settings.eye = readEye(text); },
           "from where the scene will be seen: its objects are listed from far to near, which "
-          "decides where faces overlap in a ring")
+          "decides where faces overlap cyclically")
       ->type_name("X,Y,Z");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 }

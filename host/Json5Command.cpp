@@ -18,7 +18,7 @@ void warnIfNoJson(const std::string& file, const std::string& json) {
   Jzon::Parser parser;
   if (parser.parseString(json).isValid()) return;
   std::cerr << "lumivane: " << oneLine(file)
-            << ": warning: the result is no JSON: " << oneLine(parser.getError()) << std::endl;
+            << ": warning: the result is not JSON: " << oneLine(parser.getError()) << std::endl;
 }
 
 }  // namespace

@@ -107,22 +107,32 @@ void addDirections(CLI::App& command, ViewSettings& view) {
 void addViewOptions(CLI::App& command, ViewSettings& view) {
   addVector(command, "--eye", view.eye, "where the eye stands");
   addDirections(command, view);
-  addChoice<Base::ViewCameraKind>(
-      command, "--camera", view.camera, "round picture or square one",
-      {{"spherical", Base::ViewCameraKind::Spherical}, {"normal", Base::ViewCameraKind::Normal}});
+  addChoice<Base::ViewCameraKind>(command, "--camera", view.camera,
+                                  "orthographic fisheye picture of the hemisphere (also spherical, "
+                                  "radial), or equirectangular, "
+                                  "180 by 180 degrees (also normal, square)",
+                                  {{"fisheye", Base::ViewCameraKind::Spherical},
+                                   {"equirectangular", Base::ViewCameraKind::Normal},
+                                   {"spherical", Base::ViewCameraKind::Spherical},
+                                   {"radial", Base::ViewCameraKind::Spherical},
+                                   {"normal", Base::ViewCameraKind::Normal},
+                                   {"square", Base::ViewCameraKind::Normal}});
   command.add_option("--property", view.property, "number of the property to colour by")
       ->type_name("N");
   command.add_option("--scale", view.scale, "number of the scale to colour by, from 1")
       ->type_name("N");
-  addNumber(command, "--d1", view.d1, "an eye closer than this to a polygon is moved off it");
-  addNumber(command, "--d2", view.d2, "if it looks along the polygon to within this many degrees");
+  addNumber(command, "--eye-clearance,--d1", view.d1,
+            "an eye closer than this to a polygon is moved off it (eye offset)");
+  addNumber(command, "--grazing-angle,--d2", view.d2,
+            "if it looks along the polygon to within this many degrees");
   command.add_option("--segments", view.segments, "least number of pieces of an edge")
       ->type_name("N")
       ->check(CLI::Range(1, 1048576))
       ->capture_default_str();
-  addNumber(command, "--max-length", view.maxLength,
-            "greatest length of a piece in the picture, twice it in the square one; none if 0 or "
-            "above 1");
+  addNumber(
+      command, "--max-length", view.maxLength,
+      "greatest length of a piece in the picture, twice it in the equirectangular one; none if "
+      "0 or above 1");
   addNumber(command, "--merge-distance", view.mergeDistance,
             "points of the picture closer than this become one; 0 for the usual 0.001");
   addChoice<Base::ViewDisplayStyle>(command, "--style", view.style, "how the shot is drawn",
@@ -242,7 +252,7 @@ void addVisible(CLI::App& command, std::string& visible) {
   command
       .add_option("--visible", visible,
                   "what is visible in the picture of every object, face and region, to write "
-                  "(.csv or .json); what the eye really sees is told by view")
+                  "(.csv or .json); view writes what the eye really sees")
       ->check(visibleFileFault, "")
       ->type_name("FILE");
 }
@@ -432,10 +442,11 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
           "make only every K-th view, from the I-th on")
       ->type_name("I/K")
       ->default_str("1/1");
-  command.add_flag("--merge", options.merge, "make no view, only bring together what shards made");
+  command.add_flag("--merge", options.merge, "make no view; merge what the shards have made");
   command.footer(
-      "Options of shot stand for all views; a view's own are columns of the table. \"{name}\" in\n"
-      "an output file stands for the view's name.");
+      "Options of shot apply to all views; those of one view are columns of the table. \"{name}\" "
+      "in\n"
+      "an output file is replaced by the view's name.");
 }
 
 void setGridOptions(CLI::App& command, GridOptions& options) {

@@ -198,7 +198,7 @@ class TableReader {
     const std::string start = normal.empty() ? ".." : normal.begin()->string();
     const std::string column = "column --" + option + ": \"" + path + "\" ";
     if (normal.is_absolute() || start == ".." || start == ".")
-      fail(record, column + "is no name inside the folder of outputs");
+      fail(record, column + "is not a name inside the folder of outputs");
     if (start == "parts" || normal == "summary.csv" || normal == "journal.csv")
       fail(record, column + "is kept for the run's own files");
     if (!writtenFiles.insert({normal.string(), record.line}).second)

@@ -28,7 +28,7 @@ struct TableSetting {
 /// The views of a table with one heading and one row for each view. A column is named `name` or
 /// after an option of `shot`, with or without its dashes; `eye`, `forward` and `up` may also be
 /// three columns `eye_x`, `eye_y`, `eye_z`. An empty cell leaves the option as it is for all views.
-/// "{name}" in an output file stands for the view's name; without names, views are numbered.
+/// "{name}" in an output file is replaced by the view's name; without names, views are numbered.
 /// \throws HostError that names the table's file, line and column
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting);
 

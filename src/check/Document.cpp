@@ -34,7 +34,7 @@ void checkLists(const Jzon::Node& node, const Keys& lists, const std::string& wh
   for (const std::string_view key : lists)
     if (!node.get(std::string(key)).isArray())
       findings.add(Severity::Warning, "missing-list",
-                   where + "there is no list \"" + std::string(key) + "\"",
+                   where + "there is not a list \"" + std::string(key) + "\"",
                    "add it, as [] if it is empty");
 }
 
@@ -118,7 +118,7 @@ void checkNumbers(const Jzon::Node& owner, const std::string& where, Findings& f
     if (key != "Regions" && key != "Points" && key != "DockingEdges") continue;
     if (!holdsNumbers(list, list.getCount()))
       findings.add(Severity::Warning, "number-list",
-                   where + "\"" + key + "\" is no list of numbers",
+                   where + "\"" + key + "\" is not a list of numbers",
                    "a list of numbers is [1,2,3]; what is no number is passed over");
   }
 }

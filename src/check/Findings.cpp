@@ -20,8 +20,8 @@ void Findings::put(Severity severity, const char* code, int region, int face, st
     items.push_back({severity, code, object, region, face, std::move(text), fix});
     errorTold = errorTold || isFirstError;
   } else if (!moreTold) {
-    items.push_back({Severity::Warning, "more", "", 0, 0, "there is more; it is not reported",
-                     "fix these first"});
+    items.push_back({Severity::Warning, "more", "", 0, 0,
+                     "there are more findings, which are not listed", "fix these first"});
     moreTold = true;
   }
 }

@@ -223,7 +223,7 @@ class RegionCheck {
   void checkCrossings(Vec3 normal) {
     const auto crossing = crossingEdges(flattened(outline, normal));
     if (!crossing)
-      warnOfOutline("tangled", "its edges pass each other too often to tell whether they cross",
+      warnOfOutline("tangled", "its edges pass each other too often to find out whether they cross",
                     "split it");
     else if (crossing->first != 0)
       warnOfOutline("self-crossing",

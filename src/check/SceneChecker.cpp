@@ -56,7 +56,7 @@ std::vector<Finding> SceneChecker::checkText(const std::string& json) {
   const Jzon::Node root = parser.parseString(json);
   if (!root.isValid()) {
     findings.add(Severity::Error, "no-json",
-                 parser.getError().empty() ? "no JSON document" : "no JSON: " + parser.getError(),
+                 parser.getError().empty() ? "no JSON document" : "not JSON: " + parser.getError(),
                  "a scene is a JSON object; the file may be cut short or of another format");
     return findings.take();
   }

@@ -61,7 +61,7 @@ const CityNode* below(const CityNode* values, size_t index) {
 
 int indexIn(const CityNode* node, size_t count, const char* what) {
   if (node == nullptr || node->is_null()) return -1;
-  if (!node->is_number_integer()) throw ImportError(std::string(what) + " is no whole number");
+  if (!node->is_number_integer()) throw ImportError(std::string(what) + " is not a whole number");
   const auto index = node->get<long long>();
   if (index < 0 || index >= static_cast<long long>(count))
     throw ImportError(std::string(what) + " " + std::to_string(index) + " is not among the " +
@@ -116,10 +116,10 @@ class GeometryReader {
   void addSurface(const CityNode& rings, const CityNode* semantic, const CityNode* material) {
     SourcePolygon polygon;
     for (const CityNode& ring : rings) {
-      if (!ring.is_array()) throw ImportError("a ring of a surface is no array");
+      if (!ring.is_array()) throw ImportError("an outline of a surface is not an array");
       std::vector<int> loop;
       for (const CityNode& vertex : ring) loop.push_back(vertexOf(vertex));
-      if (loop.size() < 3) throw ImportError("a ring of a surface has fewer than 3 points");
+      if (loop.size() < 3) throw ImportError("an outline of a surface has fewer than 3 points");
       polygon.loops.push_back(std::move(loop));
     }
     if (polygon.loops.empty()) throw ImportError("a surface has no outline");

@@ -34,7 +34,8 @@ double finiteNumber(const CityNode& node, const std::string& where) {
 }
 
 Vec3 tripleOf(const CityNode& node, const std::string& where) {
-  if (!node.is_array() || node.size() != 3) throw ImportError(where + " has no 3 coordinates");
+  if (!node.is_array() || node.size() != 3)
+    throw ImportError(where + " does not have 3 coordinates");
   const std::string coordinate = "a coordinate of " + where;
   return {finiteNumber(node[0], coordinate), finiteNumber(node[1], coordinate),
           finiteNumber(node[2], coordinate)};
@@ -63,7 +64,7 @@ bool holdsSurfaces(const CityNode& geometry) {
 Matrix matrixOf(const CityNode* node) {
   if (node == nullptr) return Identity;
   if (!node->is_array() || node->size() != 16)
-    throw ImportError("a transformation matrix has no 16 numbers");
+    throw ImportError("a transformation matrix does not have 16 numbers");
   Matrix matrix{};
   for (size_t i = 0; i < 16; ++i)
     matrix[i] = finiteNumber((*node)[i], "an element of a transformation matrix");
@@ -138,7 +139,7 @@ class CityJsonReader {
       if (!node.is_object()) throw ImportError("is no object");
       const CityNode* const geometries = member(node, "geometry");
       if (geometries == nullptr) return;
-      if (!geometries->is_array()) throw ImportError("its \"geometry\" is no array");
+      if (!geometries->is_array()) throw ImportError("its \"geometry\" is not an array");
       addObject(id, textOf(member(node, "type")), *geometries);
     } catch (const ImportError& error) {
       throw ImportError("city object \"" + id + "\": " + error.what());
@@ -269,10 +270,10 @@ SourceModel readCityJson(const std::string& bytes) {
   try {
     root = CityNode::parse(bytes);
   } catch (const CityNode::parse_error& error) {
-    throw ImportError("no JSON: damaged at byte " + std::to_string(error.byte) + " of " +
+    throw ImportError("not JSON: damaged at byte " + std::to_string(error.byte) + " of " +
                       std::to_string(bytes.size()));
   } catch (const CityNode::exception& error) {
-    throw ImportError(std::string("no JSON: ") + error.what());
+    throw ImportError(std::string("not JSON: ") + error.what());
   }
   return CityJsonReader(root).read();
 }

@@ -40,15 +40,15 @@ Container openBinary(const std::string& bytes) {
   if (word(bytes, 4) != 2)
     throw ImportError("it is glTF version " + std::to_string(word(bytes, 4)) + "; 2 is read");
   if (word(bytes, 8) != bytes.size())
-    throw ImportError("it tells of " + std::to_string(word(bytes, 8)) + " bytes, but has " +
-                      std::to_string(bytes.size()));
+    throw ImportError("it declares " + std::to_string(word(bytes, 8)) +
+                      " bytes, but the file has " + std::to_string(bytes.size()));
   Container container;
   for (size_t offset = 12; offset < bytes.size();) {
     if (bytes.size() - offset < 8 || bytes.size() - offset - 8 < word(bytes, offset))
       throw ImportError("a chunk does not fit into the file");
     const size_t size = word(bytes, offset);
     const std::uint32_t type = word(bytes, offset + 4);
-    if (offset == 12 && type != JsonChunk) throw ImportError("its first chunk is no JSON");
+    if (offset == 12 && type != JsonChunk) throw ImportError("its first chunk is not JSON");
     if (offset == 12) container.json = bytes.substr(offset + 8, size);
     if (type == DataChunk && container.data == nullptr)
       container.data = std::make_shared<const std::string>(bytes, offset + 8, size);
@@ -62,10 +62,10 @@ Json parse(const std::string& text) {
   try {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {
-    throw ImportError("no JSON: damaged at byte " + std::to_string(error.byte) + " of " +
+    throw ImportError("not JSON: damaged at byte " + std::to_string(error.byte) + " of " +
                       std::to_string(text.size()));
   } catch (const Json::exception& error) {
-    throw ImportError(std::string("no JSON: ") + error.what());
+    throw ImportError(std::string("not JSON: ") + error.what());
   }
 }
 
@@ -159,12 +159,12 @@ class Checker {
   }
 
   void checkAsset() const {
-    if (!root.is_object()) throw ImportError("its JSON is no object");
+    if (!root.is_object()) throw ImportError("its JSON is not an object");
     const Json* const asset = member(root, "asset");
     const Json* const version = asset == nullptr ? nullptr : member(*asset, "version");
     if (version == nullptr || !version->is_string() ||
         version->get<std::string>().rfind("2.", 0) != 0)
-      throw ImportError("it is no glTF of version 2");
+      throw ImportError("it is not glTF 2.0");
     const Json* const required = member(root, "extensionsRequired");
     if (required == nullptr) return;
     static const char* const harmless[] = {"KHR_materials_unlit", "KHR_lights_punctual",
@@ -264,14 +264,14 @@ class Checker {
       return otherwise;
     }
     if (!value->is_number_integer() || value->get<double>() < 0 || value->get<double>() > 1e12)
-      fail(where, std::string("its \"") + name + "\" is no size");
+      fail(where, std::string("its \"") + name + "\" is not a size");
     return value->get<long long>();
   }
 
   void checkBuffer(const Json& node, const std::string& where) {
     const long long wanted = countIn(node, "byteLength", -1, where);
     const Json* const uri = member(node, "uri");
-    if (uri != nullptr && !uri->is_string()) fail(where, "its \"uri\" is no text");
+    if (uri != nullptr && !uri->is_string()) fail(where, "its \"uri\" is not a text");
     if (uri == nullptr && data == nullptr) fail(where, "has no data");
     try {
       buffers.push_back(uri == nullptr ? data : reader.read(uri->get_ref<const std::string&>()));
@@ -357,7 +357,7 @@ class Checker {
       checkIndexAccessor(primitive, where);
       const Json* const targets = member(primitive, "targets");
       if (targets == nullptr) continue;
-      if (!targets->is_array()) fail(where, "its targets are no list");
+      if (!targets->is_array()) fail(where, "its targets are not a list");
       for (const Json& target : *targets)
         for (const auto& [name, accessor] : target.items())
           checkIndex(accessor, "accessors", memberOf(where, name));
@@ -385,7 +385,7 @@ class Checker {
     const Json& accessor = at("accessors", *indices);
     const long long type = countIn(accessor, "componentType", -1, where);
     if (typeOf(accessor) != "SCALAR" || (type != 5121 && type != 5123 && type != 5125))
-      fail(where, "its indices are no unsigned whole numbers");
+      fail(where, "its indices are not unsigned whole numbers");
   }
 
   static void checkNumbers(const Json& node, const char* name, size_t count,
@@ -426,7 +426,7 @@ class Checker {
       fail(where, "has no samplers and channels");
     for (const Json& channel : *channels)
       if (countIn(channel, "sampler", -1, where) >= static_cast<long long>(samplers->size()))
-        fail(where, "a channel names a sampler that is not there");
+        fail(where, "a channel refers to a sampler that does not exist");
   }
 
   const Json& root;

@@ -238,7 +238,7 @@ class GltfReader {
       waiting.pop_back();
       if (isPlaced[placed.node])
         throw ImportError("scenes " + std::to_string(scene) + ": node " +
-                          std::to_string(placed.node) + " stands in it twice");
+                          std::to_string(placed.node) + " occurs twice in it");
       isPlaced[placed.node] = true;
       const Json& node = nodes()[placed.node];
       const Transform transform = placed.parent.after(transformOf(node));

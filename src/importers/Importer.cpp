@@ -133,7 +133,7 @@ SourceModel readModel(const std::string& path, const ImportOptions& options) {
   }
   if (ending == ".json") return readCityJson(bytes);
   throw ImportError("\"" + ending +
-                    "\" is no kind of file that is read here; these are: .obj, "
+                    "\" is not a known kind of file; these are: .obj, "
                     ".stl, .ply, .gltf, .glb, .city.json, .cityjson");
 }
 

@@ -107,7 +107,7 @@ class ObjReader {
   }
 
   void readLine(std::string_view line) {
-    if (line.find('\0') != std::string_view::npos) fail("a zero byte, so this is no OBJ text");
+    if (line.find('\0') != std::string_view::npos) fail("a zero byte, so this is not OBJ text");
     const Words words = wordsOf(line);
     if (words.empty() || words[0].front() == '#') return;
     const std::string_view word = words[0];
@@ -128,7 +128,7 @@ class ObjReader {
     else if (isOtherElement(word))
       ++skippedElements;
     else if (!isIgnored(word))
-      fail(inQuotes(word) + " is no OBJ statement");
+      fail(inQuotes(word) + " is not an OBJ statement");
   }
 
   static bool isOtherElement(std::string_view word) {

@@ -18,7 +18,7 @@ Type typeNamed(std::string_view name) {
       {"float64", Type::Double}};
   for (const auto& [known, type] : names)
     if (name == known) return type;
-  throw ImportError("header: " + inQuotes(name) + " is no type of a property");
+  throw ImportError("header: " + inQuotes(name) + " is not a property type");
 }
 
 Property propertyOf(const std::vector<std::string_view>& words) {
@@ -27,7 +27,7 @@ Property propertyOf(const std::vector<std::string_view>& words) {
     property.isList = true;
     property.countType = typeNamed(words[2]);
     if (property.countType == Type::Float || property.countType == Type::Double)
-      throw ImportError("header: the length of a list is no integer");
+      throw ImportError("header: the length of a list is not an integer");
   } else if (words.size() != 3) {
     throw ImportError("header: a property needs a type and a name");
   }

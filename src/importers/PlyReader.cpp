@@ -124,7 +124,7 @@ class PlyReader {
                 Values& values, Record& record) const {
     const double count = values.next(property.countType);
     if (count < 0.0 || count != std::floor(count))
-      throw ImportError(where(element, index) + "a list has a length that is no count");
+      throw ImportError(where(element, index) + "the length of a list is not a count");
     for (double i = 0.0; i < count; ++i) {
       const double value = values.next(property.type);
       if (role != Role::Corners) continue;

@@ -130,7 +130,7 @@ class TextReader {
   }
 
   void takeVertex(const std::vector<std::string_view>& words) {
-    if (words.size() != 4) fail("a vertex has no 3 coordinates");
+    if (words.size() != 4) fail("a vertex does not have 3 coordinates");
     Kernel::Vec3& corner = corners[static_cast<size_t>(expected - Vertex1)];
     corner = {single(words[1]), single(words[2]), single(words[3])};
     expected = static_cast<State>(expected + 1);
@@ -178,9 +178,8 @@ SourceModel readStl(const std::string& path, const std::string& bytes) {
   } else if (startsWithSolid(bytes)) {
     TextReader(model).read(bytes);
   } else if (bytes.size() >= HeaderSize) {
-    throw ImportError("it tells of " + std::to_string(littleEndian(bytes, HeaderSize - 4)) +
-                      " facets, which does not fit its size of " + std::to_string(bytes.size()) +
-                      " bytes");
+    throw ImportError("it declares " + std::to_string(littleEndian(bytes, HeaderSize - 4)) +
+                      " facets, but the file has " + std::to_string(bytes.size()) + " bytes");
   } else {
     throw ImportError("it is too short for an STL file");
   }

@@ -29,7 +29,7 @@ namespace {
 
 using Check::isNumberOf;
 
-// Null where there is no list: then defaults are drawn.
+// Null where there is not a list: then defaults are drawn.
 template <class Document>
 const Base::Brushes::Vector* brushesOf(Document& document) {
   return document.getBrushes() == nullptr ? nullptr : document.getBrushes()->getBrushes();

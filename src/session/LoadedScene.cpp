@@ -51,8 +51,8 @@ Shot::Shot2d* make(Scene::Scene3D& scene, const ViewSettings& view, ViewSetup& s
 }
 
 std::string faultBeforehand(Scene::Scene3D& scene, const ViewSettings& view) {
-  if (ProgressPoll::isThisThread()) return "a progress callback takes no shot itself";
-  if (isTaking) return "a sink of messages takes no shot itself";
+  if (ProgressPoll::isThisThread()) return "a progress callback must not take a shot";
+  if (isTaking) return "a sink of messages must not take a shot";
   const std::string fault = view.fault();
   if (!fault.empty()) return fault;
   if (view.checkScene) return sceneErrors(scene);

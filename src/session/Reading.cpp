@@ -30,8 +30,8 @@ std::string refusedEntry(const Jzon::Node& list, const std::string& name, size_t
 std::string parserError(const std::string& text) {
   Jzon::Parser parser;
   parser.parseString(text);
-  if (!parser.getError().empty()) return "no JSON: " + parser.getError();
-  return "no JSON: there is no complete object or array in it";
+  if (!parser.getError().empty()) return "not JSON: " + parser.getError();
+  return "not JSON: there is no complete object or array in it";
 }
 
 std::string refusedValue(const std::string& text) {

@@ -89,7 +89,7 @@ TEST(SceneChecker, FaceNumberOutOfRangeIsAnError) {
 TEST(SceneChecker, RegionsWithoutFacesAreAnError) {
   Json scene = square();
   object(scene).erase("Faces");
-  const Lines expected = {"warning missing-list there is no list \"Faces\"",
+  const Lines expected = {"warning missing-list there is not a list \"Faces\"",
                           "error no-faces has regions but no list of faces"};
   Lines found = checkedScene(scene);
   for (std::string& line : found) {
@@ -303,8 +303,8 @@ TEST(SceneChecker, MissingListsAreTold) {
   scene.erase("Pens");
   scene["Brushes"] = 1;
   const Lines found = checkedScene(scene);
-  EXPECT_EQ("warning missing-list there is no list \"Brushes\"", found.at(0));
-  EXPECT_EQ("warning missing-list there is no list \"Pens\"", found.at(1));
+  EXPECT_EQ("warning missing-list there is not a list \"Brushes\"", found.at(0));
+  EXPECT_EQ("warning missing-list there is not a list \"Pens\"", found.at(1));
   EXPECT_EQ(5u, checked("{}").size());
   EXPECT_EQ("error no-objects it has no list of objects", checked("{}").at(4));
 }
@@ -339,7 +339,8 @@ TEST(SceneChecker, ValuesOfTheWrongKindAreTold) {
        {"point point 5 is not [x, y, z]", "point point 6 is not [x, y, z]",
         "brush brush 2 is not [red, green, blue, alpha]",
         "scale-item scale 1, item 2 is not [value, red, green, blue]",
-        "no-object region 2 is not {...}", "number-list region 3: \"Points\" is no list of numbers",
+        "no-object region 2 is not {...}",
+        "number-list region 3: \"Points\" is not a list of numbers",
         "normal its normal is not [x, y, z]"})
     EXPECT_EQ(1, std::count(codes.begin(), codes.end(), expected)) << expected;
 }

@@ -424,9 +424,9 @@ TEST(BatchProgram, AWrongTableIsToldByLineAndColumn) {
        "line 3: column --output: \"x.json\" is written by line 2 as well; {name} in it stands for "
        "the view's name"},
       {"name,output\na,../x.json\n",
-       "line 2: column --output: \"../x.json\" is no name inside the folder of outputs"},
+       "line 2: column --output: \"../x.json\" is not a name inside the folder of outputs"},
       {"name,output\na,/x.json\n",
-       "line 2: column --output: \"/x.json\" is no name inside the folder of outputs"},
+       "line 2: column --output: \"/x.json\" is not a name inside the folder of outputs"},
       {"name,output\na,summary.csv\n",
        "line 2: column --output: \"summary.csv\" is kept for the run's own files"},
       {"name\n\"a\n", "line 2: the quote that starts a field is never closed"},

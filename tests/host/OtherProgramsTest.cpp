@@ -191,7 +191,7 @@ TEST(Json5Program, ResultThatIsNoJsonIsWarnedAbout) {
   const std::string file = folder.file("a.json5", "{a: Infinity}");
   const Result result = lumivane({"json5", file});
   EXPECT_EQ(0, result.status);
-  EXPECT_EQ("lumivane: " + file + ": warning: the result is no JSON: Unknown token: inf\n",
+  EXPECT_EQ("lumivane: " + file + ": warning: the result is not JSON: Unknown token: inf\n",
             result.err);
   EXPECT_NE("", result.out);
 }

@@ -301,7 +301,7 @@ TEST(ShotProgram, TextThatIsNoJsonGivesTheParsersOwnError) {
     EXPECT_FALSE(fs::exists(folder.path("out")));
     return result.err;
   };
-  const std::string start = "lumivane: " + folder.path("s.json") + ": no JSON: ";
+  const std::string start = "lumivane: " + folder.path("s.json") + ": not JSON: ";
   EXPECT_EQ(start + "Unknown token: nonsense\n", error("nonsense"));
   EXPECT_EQ(start + "Extra comma in array\n", error("{\"Points\":\n[1,]}"));
   EXPECT_EQ(start + "Mismatched end and beginning of object\n", error("[1}"));

@@ -129,7 +129,7 @@ TEST(ImporterErrors, ObjFaultsNameTheirLine) {
   EXPECT_EQ("line 4: a face has fewer than 3 corners", importFault("a.obj", vertices + "f 1 2\n"));
   EXPECT_EQ("line 1: vertex coordinate \"nan\" is not a finite number",
             importFault("a.obj", "v 0 nan 0\n"));
-  EXPECT_EQ("line 1: \"hello\" is no OBJ statement", importFault("a.obj", "hello\n"));
+  EXPECT_EQ("line 1: \"hello\" is not an OBJ statement", importFault("a.obj", "hello\n"));
   EXPECT_EQ("there is no polygon in it", importFault("a.obj", vertices));
   EXPECT_EQ("it is empty", importFault("a.obj", ""));
 }
@@ -144,7 +144,7 @@ TEST(ImporterErrors, MissingMaterialsAreToldAndDoNoHarm) {
 
 TEST(ImporterErrors, StlFaultsAreClear) {
   EXPECT_EQ("it is too short for an STL file", importFault("a.stl", "no mesh"));
-  EXPECT_EQ("it tells of 808464432 facets, which does not fit its size of 100 bytes",
+  EXPECT_EQ("it declares 808464432 facets, but the file has 100 bytes",
             importFault("a.stl", std::string(100, '0')));
   EXPECT_EQ("line 2: \"vertex\" where \"facet\" or \"endsolid\" is due",
             importFault("a.stl", "solid a\nvertex 0 0 0\n"));
@@ -177,7 +177,7 @@ TEST(ImporterErrors, GltfFaultsAreClear) {
   EXPECT_EQ("bufferViews 0: goes beyond its buffer",
             changed("\"byteLength\": 96", "\"byteLength\": 960"));
   EXPECT_EQ("accessors 0: goes beyond its buffer view", changed("\"count\": 8", "\"count\": 9"));
-  EXPECT_EQ("it is no glTF of version 2", changed("\"2.0\"", "\"1.0\""));
+  EXPECT_EQ("it is not glTF 2.0", changed("\"2.0\"", "\"1.0\""));
   EXPECT_EQ("nodes 1: child 1 has another parent already",
             changed("\"name\": \"annex\",", "\"name\": \"annex\", \"children\": [1],"));
   EXPECT_EQ("it needs the extension \"KHR_draco_mesh_compression\", which is not read",
@@ -209,14 +209,14 @@ TEST(ImporterErrors, CityJsonFaultsNameTheObject) {
   };
   EXPECT_EQ("city object \"b\": a point number 3 is not among the 1",
             fault(surface("[[[0,0,3]]]")));
-  EXPECT_EQ("city object \"b\": a ring of a surface has fewer than 3 points",
+  EXPECT_EQ("city object \"b\": an outline of a surface has fewer than 3 points",
             fault(surface("[[[0,0]]]")));
   EXPECT_EQ("city object \"b\": its boundaries are nested deeper than its type asks for",
             fault(surface("[[[[0,0,0],[0,0,0],[0,0,0]]]]")));
   EXPECT_EQ("a coordinate of vertex 0 is not a finite number",
             fault(surface("[[[0,0,0]]]"), "[0,\"x\",0]"));
   EXPECT_EQ("all its polygons lie in one point", fault(surface("[[[0,0,0]]]")));
-  EXPECT_EQ("no JSON: damaged at byte 5 of 4", importFault("a.city.json", "{\"a\""));
+  EXPECT_EQ("not JSON: damaged at byte 5 of 4", importFault("a.city.json", "{\"a\""));
   EXPECT_EQ("its version is \"3.0\"; 1.0, 1.1 and 2.0 are read",
             importFault("a.city.json", R"({"type":"CityJSON","version":"3.0"})"));
 }
@@ -238,7 +238,7 @@ TEST(ImporterErrors, DepthOfADocumentIsBounded) {
 
 TEST(ImporterErrors, UnknownAndUnreadableFilesAreNamed) {
   EXPECT_EQ(
-      "\".abc\" is no kind of file that is read here; these are: .obj, .stl, .ply, .gltf, "
+      "\".abc\" is not a known kind of file; these are: .obj, .stl, .ply, .gltf, "
       ".glb, .city.json, .cityjson",
       importFault("a.abc", "text"));
   try {

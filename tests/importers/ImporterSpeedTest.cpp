@@ -93,7 +93,7 @@ TEST_F(ImporterSpeed, ChainOfManyNodesIsWalkedOnce) {
 
 TEST_F(ImporterSpeed, NodeInItsSceneAMillionTimesIsRefused) {
   const std::string thousand = joined(1000, [](size_t) { return "0"; });
-  EXPECT_EQ("scenes 0: node 0 stands in it twice",
+  EXPECT_EQ("scenes 0: node 0 occurs twice in it",
             importFault("n.gltf", gltf("{\"mesh\":0}",
                                        joined(1000, [&](size_t) { return thousand; }), Primitive)));
 }

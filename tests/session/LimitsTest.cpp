@@ -110,7 +110,7 @@ TEST(Limits, ManyPairsOfFacesThatOverlapAreRefusedInTime) {
   EXPECT_EQ(
       "stack: no shot can be made: Scene::Object \"stack\": more than 250000 pairs of its faces "
       "and "
-      "those before them lie over each other, and --limit-memory (ViewSettings::limitMemory) of "
+      "earlier ones overlap, and --limit-memory (ViewSettings::limitMemory) of "
       "10000000 bytes has no room for more: raise it, or take apart what overlaps",
       takeError(scene, view));
   view.limitMemory = 40'000'000;

@@ -75,9 +75,9 @@ TEST(LoadedScene, UnreadableFileIsAnErrorAndNotTheEnd) {
 }
 
 TEST(LoadedScene, TextThatIsNoJsonIsAnErrorThatTellsWhy) {
-  const std::string none = "text: no JSON: there is no complete object or array in it";
+  const std::string none = "text: not JSON: there is no complete object or array in it";
   EXPECT_EQ(none, textError(""));
-  EXPECT_EQ(0u, textError("{\"a\":x}").find("text: no JSON: "));
+  EXPECT_EQ(0u, textError("{\"a\":x}").find("text: not JSON: "));
 }
 
 TEST(LoadedScene, RefusedColourAndPenAreNamed) {

@@ -80,7 +80,7 @@ TEST(Progress, CallbackTakesNoShotItself) {
   LoadedScene scene = squareScene();
   LoadedScene other = squareScene();
   scene.take({}, [&](double) { text = thrownText<Error>([&other] { other.take({}); }); });
-  EXPECT_EQ("square: no shot can be made: a progress callback takes no shot itself", text);
+  EXPECT_EQ("square: no shot can be made: a progress callback must not take a shot", text);
   EXPECT_EQ("nothing thrown", thrownText<Error>([&other] { other.take({}); }));
 }
 

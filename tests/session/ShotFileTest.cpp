@@ -38,14 +38,14 @@ TEST(ShotFile, WrongFilesAreErrors) {
   };
   EXPECT_EQ(folder.path("a") + ": cannot be read: No such file or directory",
             error(folder.path("a")));
-  EXPECT_EQ(folder.path("b") + ": no JSON: there is no complete object or array in it",
+  EXPECT_EQ(folder.path("b") + ": not JSON: there is no complete object or array in it",
             error(folder.file("b", "")));
   EXPECT_EQ(folder.path("c") + ": pen 1: alpha is -4, not 0 to 255",
             error(folder.file("c", R"({"Pens":[[1,2,3,-4,1]]})")));
 }
 
 TEST(ShotFile, NameOfATextStandsInItsErrors) {
-  EXPECT_EQ("mine: no JSON: there is no complete object or array in it",
+  EXPECT_EQ("mine: not JSON: there is no complete object or array in it",
             thrownText<Error>([] { readShotText("", "mine"); }));
 }
 

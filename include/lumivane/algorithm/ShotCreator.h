@@ -163,7 +163,7 @@ class LUMIVANE_EXPORT ShotCreator {
 
   /// Both passes over the objects, and the depth sort.
   ///
-  /// \return owned by the caller; null only if there is no objects list (or, with objects, no
+  /// \return owned by the caller; null only if there is not an objects list (or, with objects, no
   ///         complete view)
   /// \throws as makeShot
   Shot::Shot2d* getProjection(ProjectionType type);

@@ -54,7 +54,7 @@ class LUMIVANE_EXPORT Camera : public BaseLibClass {
   void setD2(double value) { D2 = value; }
 
   /// \return an object with "Position", "Direction", "ViewUp", "InteriorColor" (JSON null where
-  ///     there is no object), "D1" and "D2"
+  ///     there is not an object), "D1" and "D2"
   Jzon::Node serialize() override;
 
   /// Each of the four objects whose key is present is replaced by a new one read from the value;

@@ -40,7 +40,7 @@ class LUMIVANE_EXPORT ViewOrientation3D : public BaseLibClass {
   /// Takes the vector over.
   void setUpDirection(Geometry::Vector3d* direction) { upDirection = direction; }
 
-  /// \return `[eyePosition, forwardDirection, upDirection]`, JSON null where there is no object
+  /// \return `[eyePosition, forwardDirection, upDirection]`, JSON null where there is not an object
   Jzon::Node serialize() override;
 
  private:

@@ -20,7 +20,7 @@ struct LUMIVANE_EXPORT Finding {
   int region = 0;      ///< the number of the region in its object, from 1; 0 for none
   int face = 0;        ///< the number of the face in its object, from 1; 0 for none
   std::string text;    ///< what is wrong, e.g. "point 9, but there are 1 to 8"
-  std::string fix;    ///< what to do about it
+  std::string fix;     ///< what to do about it
 
   /// Where and what, in one line: `object "A", region 3: point 9, but there are 1 to 8`.
   std::string line() const;

@@ -77,8 +77,8 @@ void checkRelations(std::size_t count, const ObjectData& face) {
   if (limit <= 0 || static_cast<std::int64_t>(count) <= most) return;
   throw std::length_error(
       "Scene::Object \"" + face.getSourceObject() + "\": more than " + std::to_string(most) +
-      " pairs of its faces and those before them lie over each other, and " +
-      memoryLimitText(limit) + " has no room for more: raise it, or take apart what overlaps");
+      " pairs of its faces and earlier ones overlap, and " + memoryLimitText(limit) +
+      " has no room for more: raise it, or take apart what overlaps");
 }
 
 }  // namespace
