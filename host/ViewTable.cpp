@@ -33,17 +33,23 @@ std::string optionOf(std::string column) {
   return column;
 }
 
-// The options that a view may have, each with whether it names a file to write.
-std::map<std::string, bool> shotOptionNames() {
+struct ColumnOption {
+  std::string name;  // the option's first name, of which others are aliases
+  bool isFileToWrite = false;
+};
+
+// The options that a view may have, by each of their names.
+std::map<std::string, ColumnOption> shotOptionNames() {
   CLI::App app;
   ShotOptions ignored;
   setBatchedShotOptions(app, ignored);
-  std::map<std::string, bool> names;
+  std::map<std::string, ColumnOption> names;
   for (const CLI::Option* option : app.get_options()) {
     const auto longNames = option->get_lnames();
     if (longNames.empty() || option->get_group() == ImportGroup) continue;
-    if (std::count(LeftOut.begin(), LeftOut.end(), longNames[0]) == 0)
-      names[longNames[0]] = option->get_type_name() == "FILE";
+    if (std::count(LeftOut.begin(), LeftOut.end(), longNames[0]) != 0) continue;
+    for (const std::string& name : longNames)
+      names[name] = {longNames[0], option->get_type_name() == "FILE"};
   }
   return names;
 }
@@ -77,8 +83,10 @@ class TableReader {
 
   void readHeading(const CsvRecord& record) {
     for (const std::string& field : record.fields) {
-      const std::string column = optionOf(field);
-      if (column != "name" && known.count(column) == 0 && !isCoordinate(column))
+      std::string column = optionOf(field);
+      const auto option = known.find(column);
+      if (option != known.end()) column = option->second.name;
+      if (column != "name" && option == known.end() && !isCoordinate(column))
         fail(record, "column \"" + field + "\" is neither \"name\" nor an option of shot");
       if (std::count(columns.begin(), columns.end(), column) > 0)
         fail(record, "column \"" + field + "\" is there twice");
@@ -181,7 +189,7 @@ class TableReader {
     const size_t equals = argument.find('=');
     const std::string name = argument.substr(2, equals - 2);
     const auto option = known.find(name);
-    if (option == known.end() || !option->second) return argument;
+    if (option == known.end() || !option->second.isFileToWrite) return argument;
     std::string path = argument.substr(equals + 1);
     for (size_t at = 0; (at = path.find(NamePlace, at)) != std::string::npos;
          at += view.name.size())
@@ -208,7 +216,7 @@ class TableReader {
 
   const std::string& file;
   const TableSetting& setting;
-  const std::map<std::string, bool> known;
+  const std::map<std::string, ColumnOption> known;
   std::vector<std::string> columns;
   std::map<std::string, size_t> names;         // with their lines
   std::map<std::string, size_t> writtenFiles;  // with their lines

@@ -193,7 +193,7 @@ TEST(SceneChecker, SelfCrossingOutlineIsTold) {
 TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsToldAsSuch) {
   Json scene = square();
   const std::string tangled =
-      "warning tangled object \"A\", region 1: its edges pass each other too often to tell whether "
+      "warning tangled object \"A\", region 1: its edges pass each other too often to find out whether "
       "they cross";
   const auto toldOfRounds = [&](int rounds) {
     region(scene)["Points"] = Json::array();
@@ -420,7 +420,7 @@ TEST(SceneChecker, BracketsInTextsAndCommentsEndNothing) {
 TEST(SceneChecker, WhatIsNoJsonIsAnError) {
   EXPECT_EQ("error no-json no JSON document", checked("").at(0));
   EXPECT_EQ("error no-json no JSON document", checked(R"({"Points": [)").at(0));
-  EXPECT_EQ("error no-json no JSON: Unknown token: solid", checked("solid {").at(0));
+  EXPECT_EQ("error no-json not JSON: Unknown token: solid", checked("solid {").at(0));
 }
 
 TEST(SceneChecker, FindingsEndAtALimit) {

@@ -172,7 +172,7 @@ TEST(BatchFiles, ASceneThatChangedIsMadeAgainAndTheReasonIsPrinted) {
       << again.out;
   const Result options = batch(in.scene, in.table, in.out, {"-o", "{name}.json", "--d1", "0.5"});
   EXPECT_EQ(0U, options.out.find("2 of 2 views are made again: they were made with other options "
-                                 "(--output={name}.json), not with these (--d1=0.5 "
+                                 "(--output={name}.json), not with these (--eye-clearance=0.5 "
                                  "--output={name}.json)\n"))
       << options.out;
 }

@@ -409,6 +409,7 @@ TEST(BatchProgram, AWrongTableIsToldByLineAndColumn) {
       {"name,colour\na,red\n",
        "line 1: column \"colour\" is neither \"name\" nor an option of shot"},
       {"eye,eye\na,b\n", "line 1: column \"eye\" is there twice"},
+      {"d1,eye_clearance\n1,1\n", "line 1: column \"eye_clearance\" is there twice"},
       {"stats\na\n", "line 1: column \"stats\" is neither \"name\" nor an option of shot"},
       {"eye_x,eye_y\n1,2\n",
        "line 1: of the columns \"eye_x\", \"eye_y\" and \"eye_z\" there must be all or none"},
@@ -416,7 +417,9 @@ TEST(BatchProgram, AWrongTableIsToldByLineAndColumn) {
       {"eye_x,eye_y,eye_z\n1,,3\n", "line 2: eye has 2 of three coordinates"},
       {"name,eye\na,\"1,2,3\"\nb\n", "line 3: 1 fields for 2 columns"},
       {"name,eye\n\na,\"1,2\"\n", "line 3: column --eye: \"1,2\" is not three numbers X,Y,Z"},
-      {"name,camera\na,fish\n", "line 2: column --camera: fish not in {spherical,normal}"},
+      {"name,camera\na,fish\n",
+       "line 2: column --camera: fish not in "
+       "{fisheye,equirectangular,spherical,radial,normal,square}"},
       {"name\na\nb\na\n", "line 4: column \"name\": \"a\" is the name of line 2 as well"},
       {"name\na/b\n", "line 2: column \"name\": \"a/b\" cannot be part of a file name"},
       {"name,eye\n,\"1,2,3\"\n", "line 2: column \"name\": there is none"},

@@ -77,6 +77,21 @@ TEST(Options, EveryOptionReachesItsField) {
   EXPECT_EQ("c", options.stats);
 }
 
+TEST(Options, EveryNameOfAProjectionIsTaken) {
+  for (const char* const name : {"fisheye", "spherical", "radial"}) {
+    EXPECT_EQ(Base::ViewCameraKind::Spherical, parsed({"s", "--camera", name}).view.camera) << name;
+  }
+  for (const char* const name : {"equirectangular", "normal", "square"})
+    EXPECT_EQ(Base::ViewCameraKind::Normal, parsed({"s", "--camera", name}).view.camera) << name;
+}
+
+TEST(Options, OldNamesOfTheEyeOffsetAreAliases) {
+  for (const std::string name : {"--eye-clearance", "--d1"})
+    EXPECT_EQ(0.5, parsed({"s", name, "0.5"}).view.d1) << name;
+  for (const std::string name : {"--grazing-angle", "--d2"})
+    EXPECT_EQ(4.0, parsed({"s", name, "4"}).view.d2) << name;
+}
+
 TEST(Options, VectorsHaveThreeNumbers) {
   for (const char* const text : {"1,2", "1,2,3,4", "1,2,", ",,", "a,b,c", "1 ,2,3", "1,2,3x"})
     EXPECT_EQ(std::string("--eye: \"") + text + "\" is not three numbers X,Y,Z",
@@ -111,9 +126,10 @@ TEST(Options, OnlyOptionsOfTheViewCountAsView) {
   EXPECT_EQ("scene.json", options.scene);
   EXPECT_EQ("shot.json", options.shot);
 
-  for (const std::string view : {"--eye=1,2,3", "--forward=1,2,3", "--up=1,2,3", "--camera=normal",
-                                 "--property=1", "--scale=1", "--d1=1", "--d2=1", "--segments=1",
-                                 "--max-length=1", "--merge-distance=1", "--style=half"}) {
+  for (const std::string view :
+       {"--eye=1,2,3", "--forward=1,2,3", "--up=1,2,3", "--camera=normal", "--property=1",
+        "--scale=1", "--d1=1", "--d2=1", "--segments=1", "--eye-clearance=1", "--grazing-angle=1",
+        "--max-length=1", "--merge-distance=1", "--style=half"}) {
     CLI::App turned;
     setShowOptions(turned, options);
     turned.parse(std::vector<std::string>{view, "scene.json"});
