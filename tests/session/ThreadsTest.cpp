@@ -286,7 +286,7 @@ TEST(Threads, SinkOfMessagesTakesNoShotItself) {
         whenProjecting([&] { text = thrownText<Error>([&other] { other.take({}); }); }));
     squareScene().take({});
   }
-  EXPECT_EQ("square: no shot can be made: a sink of messages takes no shot itself", text);
+  EXPECT_EQ("square: no shot can be made: a sink of messages must not take a shot", text);
   EXPECT_EQ("nothing thrown", thrownText<Error>([&other] { other.take({}); }));
 }
 
