@@ -1,9 +1,15 @@
 #pragma once
 
+#include <lumivane/visibility/export.h>
+
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+namespace Lumivane::Scene {
+class Scene3D;
+}
 
 namespace Lumivane::Visibility {
 
@@ -46,5 +52,12 @@ struct PolygonScene {
   std::vector<int> classes;
   std::vector<std::string> classNames;  ///< e.g. roof, wall, ground
 };
+
+/// All regions of a scene as plain arrays, those that a `SceneIndex` of the scene is made from.
+/// What has no points, a null region included, is an outline without corners, so that labels and
+/// regions match. \throws std::invalid_argument that names object and region for a point that is
+/// not there, or
+///         has a coordinate that is not finite or beyond 1e30
+LUMIVANE_VISIBILITY_EXPORT PolygonScene polygonsOf(const Scene::Scene3D& scene);
 
 }  // namespace Lumivane::Visibility
