@@ -70,7 +70,8 @@ install(FILES README.md CHANGELOG.md LICENSE
   DESTINATION "${LUMIVANE_DOC_DIR}" COMPONENT documentation)
 install(DIRECTORY docs examples scenes
   DESTINATION "${LUMIVANE_DOC_DIR}" COMPONENT documentation
-  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN "*.json" PATTERN "*.cpp")
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN "*.json" PATTERN "*.cpp"
+    PATTERN "*.py")
 find_program(LUMIVANE_DOXYGEN doxygen)
 mark_as_advanced(LUMIVANE_DOXYGEN)
 if(LUMIVANE_DOXYGEN)

@@ -57,4 +57,16 @@ endif()
 if(TARGET lumivane_host)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(TARGET lumivane_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lumivane)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  # The module is for one minor version of Python alone.
+  math(EXPR next_python "${Python_VERSION_MINOR} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "liblumivane${soversion} ${exact}, liblumivane-components${soversion} ${exact}, python3-numpy, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_python})")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS
+    "python3-scipy, python3-matplotlib, python3-geopandas, python3-xarray")
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION "${PROJECT_DESCRIPTION} (for Python)")
+endif()
 include(CPack)

@@ -135,7 +135,7 @@ def check_host(faults, path):
     for number, kind, included in includes(path):
         if included.startswith(("kernel/", "bridge/")) or (
                 kind == '"' and target_room(included) is not None):
-            faults.add(path, number, "the programs use public headers only")
+            faults.add(path, number, "programs and bindings use public headers only")
 
 
 def check_umbrella(faults, root):
@@ -183,7 +183,7 @@ def main():
     for path in sorted((root / "src/kernel").iterdir()):
         if path.suffix in (".h", ".cpp"):
             check_kernel(faults, path)
-    for folder in ("host", "examples"):
+    for folder in ("host", "examples", "bindings"):
         for path in sorted((root / folder).rglob("*")):
             if path.suffix in (".h", ".cpp"):
                 check_host(faults, path)

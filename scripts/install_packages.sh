@@ -16,6 +16,9 @@ packages=(
   chromium                               # to look at SVG and pages
   parallel                               # to spread eye points over shards
   libembree-dev                          # rays beside which the exact map is measured
+  python3-dev python3-numpy pybind11-dev # the Python package
+  python3-pytest python3-mypy mypy       # its tests
+  python3-scipy python3-matplotlib python3-xarray python3-geopandas  # what it works with
 )
 
 # Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.

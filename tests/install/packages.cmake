@@ -62,3 +62,18 @@ string(JSON count LENGTH "${shot}" Regions)
 if(count LESS 3)
   message(FATAL_ERROR "the stranger's shot has ${count} regions")
 endif()
+
+# The Python package finds its libraries from where it lies.
+if(PYTHON)
+  if(NOT names MATCHES "Package: python3-lumivane\n" OR NOT names MATCHES "python3-numpy")
+    message(FATAL_ERROR "no package python3-lumivane that needs numpy among:\n${names}")
+  endif()
+  set(ENV{PYTHONPATH} "${WORK}/unpacked/usr/lib/python3/dist-packages")
+  run("${PYTHON}" -c "import sys, lumivane
+scene = lumivane.Scene.read(sys.argv[1])
+print(lumivane.__file__, lumivane.__version__, scene.look((0, 0, 5), (0, 0, 1)).sky_view_factor)"
+    "${SCENE}")
+  if(NOT output MATCHES "^${WORK}/unpacked.* ${VERSION} 1.0\n")
+    message(FATAL_ERROR "the packaged Python package says: ${output}")
+  endif()
+endif()

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <lumivane/importers/ImportOptions.h>
+#include <lumivane/importers/ImportReport.h>
+#include <lumivane/importers/Importer.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/TakenShot.h>
+#include <lumivane/visibility/PolygonScene.h>
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Lumivane::Python {
+
+/// What a scene of Python stands on: the index that is looked at, and the scene of the session, of
+/// which shots are taken. Used by any number of threads at once; the session's part is locked.
+class SceneData {
+ public:
+  /// A scene file, a mesh or a city model. \throws Session::Error
+  static std::shared_ptr<SceneData> read(const std::string& path,
+                                         const Importers::ImportOptions& options);
+  /// The text of a scene file. \throws Session::Error
+  static std::shared_ptr<SceneData> ofText(const std::string& text, const std::string& name);
+  /// Plain arrays. `places` says where each outline stood in what the caller gave.
+  /// \throws std::invalid_argument as `Visibility::SceneIndex`
+  static std::shared_ptr<SceneData> ofArrays(Visibility::PolygonScene arrays,
+                                             std::vector<int> places);
+
+  const Visibility::SceneIndex& index() const { return *theIndex; }
+  /// The outlines and what is known of them, in the scene's order.
+  const Visibility::PolygonScene& polygons() const { return arrays; }
+  /// Where the outline of a region stood in the caller's arrays; the region's position among all
+  /// of the scene if there were none; -1 for the sky.
+  int placeOf(const Visibility::Label& label) const;
+
+  bool isOfArrays() const { return !places.empty() || !loaded; }
+  const std::vector<int>& outlinePlaces() const { return places; }
+  const std::optional<Importers::ImportReport>& importReport() const { return report; }
+
+  /// Takes a shot: of a mesh or city model with its objects in the order for the eye.
+  std::unique_ptr<Session::TakenShot> take(const Session::ViewSettings& view);
+  /// Calls `use(Scene3D&)` while no one else uses the session's scene.
+  template <class Use>
+  auto withScene(const Use& use) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return use(sessionScene().scene());
+  }
+  /// The lock under which the session's scene and its shots are used.
+  std::mutex& sessionMutex() { return mutex; }
+
+ private:
+  Session::LoadedScene& sessionScene();
+
+  Visibility::PolygonScene arrays;
+  std::vector<int> places;
+  std::optional<Visibility::SceneIndex> theIndex;
+  std::optional<Importers::ImportedModel> model;
+  std::optional<Importers::ImportReport> report;
+  std::optional<Session::LoadedScene> loaded;
+  std::mutex mutex;
+};
+
+}  // namespace Lumivane::Python

@@ -1,0 +1,514 @@
+"""Scenes: read from files or made of arrays, and looked at."""
+
+from __future__ import annotations
+
+import os
+import tempfile
+from functools import cached_property
+from pathlib import Path
+from typing import TYPE_CHECKING, Any, Callable, NamedTuple, Optional, Sequence, Union
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _core
+from ._arguments import (
+    FloatArray,
+    PathLike,
+    is_sphere,
+    names,
+    numbers,
+    path_bytes,
+    rows_of_three,
+    thread_count,
+    vector,
+    whole_numbers,
+)
+from ._map import VisibleMap
+from ._shot import Shot
+
+if TYPE_CHECKING:
+    import scipy.sparse
+
+Progress = Callable[[float], object]
+Ragged = tuple[npt.ArrayLike, npt.ArrayLike]
+
+
+class Finding(NamedTuple):
+    """One thing that is wrong or surprising in a scene."""
+
+    severity: str  #: "error": no shot can be made; "warning": it may be wrong or surprise
+    code: str  #: the kind, for machines
+    object: str  #: the id of the object concerned; empty for the scene as a whole
+    region: int  #: the number of the region in its object, from 1; 0 for none
+    face: int  #: the number of the face in its object, from 1; 0 for none
+    text: str  #: what is wrong
+    fix: str  #: what to do about it
+    line: str  #: where and what, in one line
+
+
+def check(path: PathLike) -> list[Finding]:
+    """Everything that is wrong or surprising in a file, as `lumivane check` reports it: also what
+    only the text of a scene file can have wrong, and files of which no scene can be made."""
+    return [Finding(*finding) for finding in _core.check_file(path_bytes(path))]
+
+
+class Scene:
+    """{{SceneIndex}}
+
+    Made by `Scene.read` and `Scene.from_arrays`. Pickles hold the content, not the path, so that
+    processes of a pool need no file.
+    """
+
+    def __init__(self, scene: _core.Scene, recipe: tuple[Any, ...]) -> None:
+        self._scene = scene
+        self._recipe = recipe  # of what it was made, for pickles
+
+    @classmethod
+    def read(
+        cls,
+        path: PathLike,
+        *,
+        sides: str = "outside",
+        scale: float = 1.0,
+        y_up: bool = False,
+        center: bool = False,
+        allow_outside: bool = False,
+    ) -> "Scene":
+        """Reads a scene file (JSON), a mesh (OBJ, STL, PLY, glTF) or a city model (CityJSON).
+
+        The options concern meshes and city models alone.
+            `sides`: {{ImportOptions.sides}}: "outside" ({{ImportSides.Outside}}),
+                "inside" ({{ImportSides.Inside}}) or "both" ({{ImportSides.Both}}).
+            `scale`: {{ImportOptions.scale}}
+            `y_up`: {{ImportOptions.yUp}}
+            `center`: {{ImportOptions.center}}
+            `allow_outside`: {{ImportOptions.allowOutside}}
+
+        Raises `Error` if the file cannot be read, with its name and the cause.
+        """
+        name = path_bytes(path)
+        options = (sides, scale, y_up, center, allow_outside)
+        scene = _core.Scene.read(name, *options)
+        if scene.import_report() is None:
+            return cls(scene, ("text", name))
+        return cls(scene, ("files", _files_of(name), options))
+
+    @classmethod
+    def from_arrays(
+        cls,
+        points: npt.ArrayLike,
+        polygons: Union[npt.ArrayLike, Ragged],
+        labels: Optional[npt.ArrayLike] = None,
+        classes: Optional[npt.ArrayLike] = None,
+        *,
+        winding: str = "ccw",
+    ) -> "Scene":
+        """Makes a scene of arrays.
+
+        `points`: float, shape (points, 3), {{PolygonScene.points}}.
+        `polygons`: positions from 0 in `points`. Either a pair (values, offsets): polygon i has the
+            corners values[offsets[i]] up to, but without, values[offsets[i + 1]], and there is one
+            offset more than there are polygons. Or an array of shape (polygons, corners), as for
+            triangles. Polygons are closed implicitly and filled by the even-odd rule.
+        `labels`: for each polygon the id of its object, texts or whole numbers; without them all
+            are of one object. Objects are numbered in the order in which they come first.
+        `classes`: for each polygon its class (roof, wall ...), texts or whole numbers; "", -1 and
+            None stand for none.
+        `winding`: "ccw" if polygons are seen from the side from which their corners run against the
+            clock, as in meshes; "cw" if with the clock, as in scene files.
+
+        Where polygons lie in one plane, the later one is seen: of two objects that of the later
+        object, of one object the later polygon. `VisibleMap.cells` have the position of their
+        polygon in what was given here.
+
+        Raises `ValueError` or `TypeError` if arrays do not fit, have the wrong shape or type, or
+        hold what is not finite.
+        """
+        if winding not in ("ccw", "cw"):
+            raise ValueError(f'winding: "{winding}" is neither ccw nor cw')
+        corners, offsets = _ragged(polygons)
+        count = len(offsets) - 1
+        numbers_of_objects, ids = _numbered(labels, count, "labels", lambda _: False)
+        numbers_of_classes, names_of_classes = _numbered(classes, count, "classes", _is_no_class)
+        order = np.argsort(numbers_of_objects, kind="stable")
+        corners, offsets = _reordered(corners, offsets, order, winding == "ccw")
+        arrays = (
+            rows_of_three(points, "points"),
+            corners,
+            offsets,
+            _core_labels(numbers_of_objects[order]),
+            ids if labels is not None else ["1"] if count else [],
+            numbers_of_classes[order] if classes is not None else np.zeros(0, np.int32),
+            names_of_classes if classes is not None else [],
+            order.astype(np.int32),
+        )
+        return cls(_core.Scene.of_arrays(*arrays), ("arrays", arrays))
+
+    def to_arrays(self, winding: str = "ccw") -> tuple[FloatArray, Ragged]:
+        """The points, float of shape (points, 3), and the polygons as (values, offsets), in the
+        order of `regions`. What `from_arrays` takes, with the same meaning of `winding`."""
+        if winding not in ("ccw", "cw"):
+            raise ValueError(f'winding: "{winding}" is neither ccw nor cw')
+        corners, offsets = self._scene.corners(), self._scene.offsets()
+        order = np.arange(len(offsets) - 1)
+        return self._scene.points(), _reordered(corners, offsets, order, winding == "ccw")
+
+    def check(self) -> list[Finding]:
+        """Everything that would make a shot of the scene fail, be wrong or be surprising.
+
+        `lumivane.check` looks at a file instead, and finds what is wrong with its text, too.
+        """
+        return [Finding(*finding) for finding in self._scene.check()]
+
+    @cached_property
+    def bounds(self) -> FloatArray:
+        """The least and greatest coordinates of all polygons: float, shape (2, 3), scene units;
+        not numbers if there are none."""
+        return self._scene.bounds()
+
+    @cached_property
+    def objects(self) -> tuple[str, ...]:
+        """The ids of the objects, in the scene's order: object n is `objects[n - 1]`."""
+        return tuple(self._scene.objects())
+
+    @cached_property
+    def classes(self) -> tuple[str, ...]:
+        """The names of the classes of polygons: {{PolygonScene.classNames}}."""
+        return tuple(self._scene.class_names())
+
+    @cached_property
+    def regions(self) -> npt.NDArray[np.void]:
+        """The polygons in the scene's order, a structured array.
+
+            `object`, `face`, `region`: {{Label}}
+            `polygon`: the position in the arrays of `from_arrays`, or in this one;
+            `class`: a position in `classes`; -1 for none;
+            `corner_count`: how many corners there are.
+        """
+        return self._scene.regions()
+
+    @cached_property
+    def import_report(self) -> Optional[dict[str, Any]]:
+        """What became of a mesh or city model; None for other scenes.
+
+        `format`; `shift`, which was added to every point; `source_polygons` of the file, of which
+        `split_polygons` were cut into triangles, `empty_polygons` and `unfilled_polygons` left out;
+        `open_bodies`, by id with the count of their open edges; `warnings`.
+        """
+        return self._scene.import_report()
+
+    def look(
+        self,
+        eye: npt.ArrayLike,
+        forward: npt.ArrayLike = (1.0, 0.0, 0.0),
+        up: npt.ArrayLike = (0.0, 0.0, 1.0),
+        *,
+        field: str = "hemisphere",
+        two_sided: bool = False,
+        visible_fraction: bool = False,
+        threads: int = 0,
+        progress: Optional[Progress] = None,
+    ) -> VisibleMap:
+        """{{SceneIndex.look}}
+
+        `eye`: {{VisibleMap.eye}}, in scene units; it is never moved.
+        `forward`: {{LookOptions.forward}}.
+        `up`: {{LookOptions.up}}
+        `field`: "hemisphere" ({{Field.Hemisphere}}) or "sphere" ({{Field.Sphere}}).
+        `two_sided`: {{LookOptions.twoSided}}.
+        `visible_fraction`: {{LookOptions.alone}}
+        `threads`: {{LookOptions.threads}}
+        `progress`: is called with the finished part, from 0 to 1, while the look goes on. What it
+            raises ends the look, and so does Ctrl-C.
+
+        Raises `ValueError` for an eye or direction that is not finite, or a forward of zero.
+        """
+        core_map = self._scene.look(
+            vector(eye, "eye"),
+            vector(forward, "forward"),
+            vector(up, "up"),
+            is_sphere(field),
+            two_sided,
+            visible_fraction,
+            threads,
+            progress,
+        )
+        return VisibleMap(core_map)
+
+    def shares(
+        self,
+        eyes: npt.ArrayLike,
+        forward: npt.ArrayLike = (1.0, 0.0, 0.0),
+        up: npt.ArrayLike = (0.0, 0.0, 1.0),
+        *,
+        columns: Union[str, Sequence[str], None] = None,
+        by: str = "object",
+        field: str = "hemisphere",
+        two_sided: bool = False,
+        sparse: bool = False,
+        threads: int = 0,
+        progress: Optional[Progress] = None,
+    ) -> dict[str, Any]:
+        """What many eyes see, looked at on all processors: a dict with an array for each column.
+
+        `eyes`: float, shape (eyes, 3), scene units.
+        `forward`, `up`: one direction for all eyes or one for each: shape (3,) or (eyes, 3).
+        `columns`: of objects, float arrays of shape (eyes, objects), 0 for what is not seen:
+            "view_factor", "solid_angle", "area", "hemisphere_share", "visible_fraction",
+            "min_distance", "max_distance", as `VisibleMap.table` describes them. Of the sky, shape
+            (eyes,): "sky_view_factor", "sky_solid_angle", "sky_area", "sky_hemisphere_share".
+            Without a choice the view factors of objects and sky, for a sphere the solid angles.
+        `by`: "object", or "class" for a column for each of `classes` and a last one for polygons
+            of none.
+        `sparse`: gives SciPy's `csr_matrix` in place of the arrays of objects. Needs scipy.
+        `threads`: how many; 0 for all processors. Results do not depend on it.
+        `progress`: is called with the finished part, from 0 to 1, several times a second. What it
+            raises ends the work, and so does Ctrl-C, within a fifth of a second.
+
+        Raises `ValueError` for an eye or direction that is not finite, a forward of zero, and for
+        columns that there are not.
+        """
+        if by not in ("object", "class"):
+            raise ValueError(f'by: "{by}" is neither object nor class')
+        sphere = is_sphere(field)
+        if columns is None:
+            measure = "solid_angle" if sphere else "view_factor"
+            columns = (measure, "sky_" + measure)
+        rows = rows_of_three(eyes, "eyes")
+        result: dict[str, Any] = self._scene.shares(
+            rows,
+            rows_of_three(forward, "forward"),
+            rows_of_three(up, "up"),
+            sphere,
+            two_sided,
+            names(columns),
+            by == "class",
+            sparse,
+            thread_count(threads),
+            progress,
+        )
+        if sparse:
+            width = len(self.classes) + 1 if by == "class" else len(self.objects)
+            return _sparse(result, (len(rows), width))
+        return result
+
+    def seen_in(
+        self,
+        eye: npt.ArrayLike,
+        directions: npt.ArrayLike,
+        *,
+        two_sided: bool = False,
+        threads: int = 0,
+    ) -> npt.NDArray[np.void]:
+        """{{SceneIndex.seenIn}}
+
+        `directions`: float, shape (directions, 3).
+
+        Returns a structured array, one row for each direction:
+            `object`, `face`, `region`, `polygon`: as in `VisibleMap.cells`;
+            `distance`: {{Seen.distance}}.
+        """
+        return self._scene.seen_in(
+            vector(eye, "eye"),
+            rows_of_three(directions, "directions"),
+            two_sided,
+            thread_count(threads),
+        )
+
+    def shot(
+        self,
+        eye: npt.ArrayLike,
+        forward: npt.ArrayLike = (1.0, 0.0, 0.0),
+        up: Optional[npt.ArrayLike] = None,
+        *,
+        camera: str = "spherical",
+        segments: int = 6,
+        max_length: float = 0.02,
+        merge_distance: float = 0.0,
+        eye_clearance: float = 0.01,
+        grazing_angle: float = 1.0,
+        limit_points: int = 50_000_000,
+        limit_memory: int = 2 << 30,
+        check: bool = True,
+    ) -> Shot:
+        """Takes a shot: a picture of whole polygons in drawing order, as `lumivane shot` does.
+
+        `eye`: {{ViewSettings.eye}}; it is moved off a polygon that it stands on.
+        `forward`: {{ViewSettings.forward}}.
+        `up`: {{ViewSettings.up}}; without it z, and y for a look straight up or down.
+        `camera`: "spherical", onto the unit disc, or "normal", onto the square from -1 to 1.
+        `segments`: {{ViewSettings.segments}}.
+        `max_length`: {{ViewSettings.maxLength}}.
+        `merge_distance`: {{ViewSettings.mergeDistance}}
+        `eye_clearance`, `grazing_angle`: an eye closer than this to a polygon, in scene units, is
+            moved off it, if it looks along the polygon to within this many degrees.
+        `limit_points`: {{ViewSettings.limitPoints}}
+        `limit_memory`: {{ViewSettings.limitMemory}}
+        `check`: whether a scene with errors (see `Scene.check`) is refused.
+
+        Shots of one scene wait for each other, and one under way cannot be stopped. If faces
+        overlap in a cycle, the library writes its report "log_sort.txt" into the working folder.
+
+        Raises `Error` if no shot can be made, with the object and region concerned.
+        """
+        if camera not in ("spherical", "normal"):
+            raise ValueError(f'camera: "{camera}" is neither spherical nor normal')
+        taken = self._scene.take(
+            vector(eye, "eye"),
+            vector(forward, "forward"),
+            None if up is None else vector(up, "up"),
+            camera == "normal",
+            segments,
+            max_length,
+            merge_distance,
+            eye_clearance,
+            grazing_angle,
+            limit_points,
+            limit_memory,
+            check,
+        )
+        return Shot(taken)
+
+    def __len__(self) -> int:
+        """How many polygons there are."""
+        return len(self.regions)
+
+    def __repr__(self) -> str:
+        return f"<lumivane.Scene: {len(self.objects)} objects, {len(self)} polygons>"
+
+    def __reduce__(self) -> Any:
+        kind, *content = self._recipe
+        if kind == "text":
+            content = [content[0], self._scene.text()]
+        elif kind == "files" and content[0] is None:
+            raise TypeError(
+                "the scene cannot be pickled: its model reads files outside the model's folder"
+            )
+        return _unpickled, (kind, *content)
+
+
+def _unpickled(kind: str, *content: Any) -> Scene:
+    if kind == "text":
+        name, text = content
+        return Scene(_core.Scene.of_text(text, name), ("text", name))
+    if kind == "arrays":
+        return Scene(_core.Scene.of_arrays(*content[0]), ("arrays", content[0]))
+    files, options = content
+    with tempfile.TemporaryDirectory() as folder:
+        for name, text in files:
+            file = Path(os.path.join(folder, os.fsdecode(name)))
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_bytes(text)
+        first = os.path.join(folder, os.fsdecode(files[0][0]))
+        return Scene(_core.Scene.read(path_bytes(first), *options), ("files", files, options))
+
+
+def _files_of(path: bytes) -> Optional[list[tuple[bytes, bytes]]]:
+    """The files of a model with their names below its folder; None if one lies elsewhere."""
+    folder = os.path.dirname(os.path.abspath(path))
+    found = []
+    for file in _core.input_files(path):
+        name = os.path.relpath(os.path.abspath(file), folder)
+        if name.split(os.sep.encode())[0] == b"..":
+            return None
+        found.append((name, Path(os.fsdecode(file)).read_bytes()))
+    return found
+
+
+def _ragged(polygons: Any) -> tuple[npt.NDArray[np.int32], npt.NDArray[np.int64]]:
+    """Polygons as corners and offsets."""
+    if isinstance(polygons, tuple) and len(polygons) == 2:
+        corners = whole_numbers(polygons[0], "polygons: values", np.int32)
+        offsets = whole_numbers(polygons[1], "polygons: offsets", np.int64)
+        if len(offsets) == 0:
+            raise ValueError("polygons: offsets: there must be one more than there are polygons")
+        if offsets[0] != 0 or offsets[-1] != len(corners) or np.any(np.diff(offsets) < 0):
+            raise ValueError(
+                f"polygons: offsets must rise from 0 to the number of values, {len(corners)}"
+            )
+        return corners, offsets
+    try:
+        array = np.asarray(polygons)
+    except ValueError as error:
+        raise ValueError(f"polygons: {error}") from None
+    if array.size == 0:
+        return np.zeros(0, np.int32), np.zeros(1, np.int64)
+    if array.ndim != 2:
+        raise ValueError(
+            "polygons: a pair (values, offsets) or an array of shape (polygons, corners) is "
+            f"needed, but the shape is {array.shape}"
+        )
+    corners = whole_numbers(array.ravel(), "polygons", np.int32)
+    return corners, np.arange(0, array.size + 1, array.shape[1], dtype=np.int64)
+
+
+def _is_no_class(value: Any) -> bool:
+    return value is None or value == "" or (not isinstance(value, str) and value == -1)
+
+
+def _numbered(
+    values: Any, count: int, name: str, is_none: Callable[[Any], bool]
+) -> tuple[npt.NDArray[np.int32], list[str]]:
+    """The number from 0 of each value in the order of first appearance, and all of them as text;
+    -1 for what stands for none."""
+    if values is None:
+        return np.zeros(count, np.int32), []
+    try:
+        array = np.asarray(values)
+    except ValueError as error:
+        raise ValueError(f"{name}: {error}") from None
+    if array.shape != (count,):
+        raise ValueError(f"{name}: the shape must be ({count},), but is {array.shape}")
+    if array.dtype.kind not in "iuUO":
+        raise TypeError(f"{name}: texts or whole numbers are needed, but the type is {array.dtype}")
+    positions: dict[Any, int] = {}
+    result = np.empty(count, np.int32)
+    for i, value in enumerate(array.tolist()):
+        if is_none(value):
+            result[i] = -1
+        elif isinstance(value, (str, int)):
+            result[i] = positions.setdefault(value, len(positions))
+        else:
+            raise TypeError(f"{name}: {value!r} is neither a text nor a whole number")
+    return result, [str(value) for value in positions]
+
+
+def _core_labels(objects: npt.NDArray[np.int32]) -> npt.NDArray[np.int32]:
+    """Object, face and region of polygons that are sorted by object: the regions of an object are
+    counted from 1, and each is a face of its own."""
+    labels = np.empty((len(objects), 3), np.int32)
+    labels[:, 0] = objects + 1
+    position = np.arange(len(objects))
+    starts = np.concatenate(([True], objects[1:] != objects[:-1])) if len(objects) else objects > 0
+    within = position - np.maximum.accumulate(np.where(starts, position, 0))
+    labels[:, 1] = labels[:, 2] = within + 1
+    return labels
+
+
+def _reordered(
+    corners: npt.NDArray[np.int32],
+    offsets: npt.NDArray[np.int64],
+    order: npt.NDArray[np.intp],
+    is_turned: bool,
+) -> tuple[npt.NDArray[np.int32], npt.NDArray[np.int64]]:
+    """The polygons in another order, with their corners turned round or not."""
+    lengths = np.diff(offsets)[order]
+    ends = np.concatenate(([0], np.cumsum(lengths)))
+    within = np.arange(ends[-1]) - np.repeat(ends[:-1], lengths)
+    if is_turned:
+        within = np.repeat(lengths, lengths) - 1 - within
+    return corners[np.repeat(offsets[:-1][order], lengths) + within], ends
+
+
+def _sparse(columns: dict[str, Any], shape: tuple[int, int]) -> dict[str, Any]:
+    """The columns of objects as matrices, which share their structure."""
+    import scipy.sparse
+
+    indptr, indices = columns.pop("indptr"), columns.pop("indices")
+    return {
+        name: values
+        if name.startswith("sky_")
+        else scipy.sparse.csr_matrix((values, indices, indptr), shape=shape)
+        for name, values in columns.items()
+    }
