@@ -10,6 +10,7 @@ in order, so that a block may use what an earlier one made. By its first line a 
     ```cpp    compiled with warnings as errors: a program, or lines of a function
     ```json   parsed; after <!-- schema: scene -->, shot or map also checked against it
     ```csv    checked for rows of one length; after <!-- file: NAME --> kept for later blocks
+    ```python run by one interpreter for the whole document, where --python names the built package
     ```text   anything that is not to be run
 
 A comment before a block may say otherwise:
@@ -47,12 +48,36 @@ def run(command, folder, environment, text=None):
         raise Fault(f"ended with {done.returncode}:\n{done.stdout[-4000:]}")
 
 
+# Runs what comes in, each block with its length before it, in one namespace.
+PYTHON = """
+import os, sys, traceback
+answers = os.fdopen(os.dup(2), "wb")
+os.dup2(1, 2)  # what a block prints is no answer
+names = {"__name__": "__main__"}
+while True:
+    length = sys.stdin.buffer.readline()
+    if not length:
+        break
+    block = sys.stdin.buffer.read(int(length)).decode()
+    try:
+        exec(compile(block, "block", "exec"), names)
+        answer = ""
+    except BaseException:
+        answer = traceback.format_exc()
+    answers.write(b"%d\\n%s" % (len(answer.encode()), answer.encode()))
+    answers.flush()
+"""
+
+
 class Document:
     def __init__(self, arguments, folder):
         self.root, self.folder, self.arguments = arguments.root, folder, arguments
         self.environment = dict(os.environ)
         programs = ":".join(str(Path(p).resolve()) for p in arguments.programs)
         self.environment["PATH"] = programs + ":" + self.environment["PATH"]
+        if arguments.python:
+            self.environment["PYTHONPATH"] = str(arguments.python.resolve())
+        self.interpreter = None
         for name in ("scenes", "tests", "examples", "docs", "scripts"):
             (folder / name).symlink_to(self.root / name)
 
@@ -61,6 +86,28 @@ class Document:
             run(["bash", "-n"], self.folder, self.environment, body)
         else:
             run(["bash", "-euo", "pipefail"], self.folder, self.environment, body)
+
+    def python(self, body, key, value):
+        if not self.arguments.python:
+            compile(body, "block", "exec")
+            return
+        if self.interpreter is None:
+            self.interpreter = subprocess.Popen(
+                [sys.executable, "-c", PYTHON], cwd=self.folder, stdin=subprocess.PIPE,
+                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                env=self.environment)
+        block = body.encode()
+        self.interpreter.stdin.write(b"%d\n%s" % (len(block), block))
+        self.interpreter.stdin.flush()
+        length = self.interpreter.stderr.readline()
+        answer = self.interpreter.stderr.read(int(length or 0)).decode()
+        if answer or not length:
+            raise Fault(answer[-4000:] or "the interpreter has ended")
+
+    def end(self):
+        if self.interpreter is not None:
+            self.interpreter.stdin.close()
+            self.interpreter.wait()
 
     def cpp(self, body, key, value):
         if "int main" not in body:
@@ -94,7 +141,7 @@ class Document:
         if key == "file":
             (self.folder / value).write_text(body)
         known = {"sh": self.sh, "cpp": self.cpp, "json": self.json, "csv": self.csv,
-                 "text": self.text}
+                 "python": self.python, "text": self.text}
         if language not in known:
             raise Fault(f'"{language}" is no language that can be checked')
         known[language](body, key, value)
@@ -105,6 +152,7 @@ def main():
     parser.add_argument("root", type=Path)
     parser.add_argument("document", type=Path)
     parser.add_argument("--programs", nargs="+", default=[])
+    parser.add_argument("--python", type=Path, help="where the Python package has been built")
     parser.add_argument("--compiler", default="c++")
     parser.add_argument("--flags", default="")
     arguments = parser.parse_args()
@@ -126,6 +174,7 @@ def main():
             except Exception as fault:  # a schema's
                 faults += 1
                 print(f"{arguments.document}:{line}: {type(fault).__name__}: {str(fault)[:400]}")
+        document.end()
     fences = len(re.findall(r"^ *```", text, re.M))
     if fences != 2 * count:
         faults += 1
