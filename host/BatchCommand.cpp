@@ -9,6 +9,7 @@
 #include "ExactBatch.h"
 #include "HostError.h"
 #include "Journal.h"
+#include "Memory.h"
 #include "Options.h"
 #include "SceneSource.h"
 #include "ShotOutputs.h"
@@ -135,6 +136,7 @@ class Batch {
   // The text of the view's row for the journal.
   std::string makeView(SceneForEyes& source, std::unique_ptr<ExactBatch>& exact,
                        const TableView& view) const {
+    renewMemoryReserve();
     try {
       // Before the objects are listed for an eye: their numbers are the same for all views.
       if (!exact) exact = std::make_unique<ExactBatch>(options.shot.scene, source.scene());

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <new>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
@@ -112,6 +113,9 @@ int runCheck(const CheckOptions& options) try {
   finishStandardOutput();
   if (count(findings, Severity::Error) > 0) return WithErrors;
   return findings.empty() ? Clean : WarningsOnly;
+} catch (const std::bad_alloc&) {
+  std::cerr << "lumivane: " << NotEnoughMemory << std::endl;
+  return WithErrors;
 } catch (const std::exception& error) {  // what cannot be read counts as an error of the scene
   std::cerr << "lumivane: " << oneLine(error.what()) << std::endl;
   return WithErrors;

@@ -16,12 +16,12 @@
 
 namespace Lumivane::Base {
 
+// Takes no memory: lists are destroyed where there is none left, too.
 template <class Element>
-void destroyElements(const std::vector<Element*>& elements) {
-  std::vector<Element*> distinct(elements);
-  std::sort(distinct.begin(), distinct.end(), std::less<>());
-  distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-  for (Element* element : distinct)
+void destroyElements(std::vector<Element*>& elements) {
+  std::sort(elements.begin(), elements.end(), std::less<>());
+  elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
+  for (Element* element : elements)
     if (element != nullptr) ElementTraits<Element>::destroyElement(element);
 }
 

@@ -359,6 +359,32 @@ TEST(FaultyInput, EndOfMemoryIsAnErrorAndLeavesTheOldFile) {
 }
 #endif
 
+#ifndef LUMIVANE_SANITIZED
+// What had been built was taken apart by destructors that needed memory, which ended the process.
+TEST(Regression, EndOfMemoryEndedTheProgramWithoutAWord) {
+  const TempFolder folder;
+  const std::string model = LUMIVANE_SCENES "/models/delft.city.json";
+  const std::string out = folder.path("out.json");
+  int failed = 0;
+  for (int megabytes = 90; megabytes <= 150; megabytes += 10) {
+    SCOPED_TRACE(megabytes);
+    const std::string within =
+        "exec prlimit --as=" + std::to_string(megabytes * 1000000) + " \"$@\"";
+    if (lumivaneBy(within, {"--version"}).status != 0) continue;  // not even the libraries
+    for (const Arguments& command :
+         std::vector<Arguments>{{"import", model, "-o", out}, {"check", model}}) {
+      SCOPED_TRACE(command[0]);
+      const Result result = lumivaneBy(within, command);
+      EXPECT_LE(result.status, 2) << result.err;
+      if (result.err.empty()) continue;
+      ++failed;
+      EXPECT_EQ("lumivane: there is not enough memory\n", result.err);
+    }
+  }
+  EXPECT_GT(failed, 0);
+}
+#endif
+
 TEST(FaultyInput, MillionNestedListsDoNoHarm) {
   const size_t depth = 1'000'000;
   const std::string open(depth, '[');
