@@ -4,9 +4,10 @@
 # every sample scene and two city models the shot and the exact map, taken by one thread and by eight
 # (those of the first build are what the others are compared with).
 # Usage: scripts/check_bits.sh [PRESET...]
-# Takes long if the compilers' cache is empty; not part of scripts/test.sh.
+# Not part of scripts/test.sh, since it builds three more times.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+scripts/install_packages.sh clang
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release clang-release debug clang-debug)
 results=$(mktemp -d)

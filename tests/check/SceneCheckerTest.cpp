@@ -193,7 +193,8 @@ TEST(SceneChecker, SelfCrossingOutlineIsTold) {
 TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsToldAsSuch) {
   Json scene = square();
   const std::string tangled =
-      "warning tangled object \"A\", region 1: its edges pass each other too often to find out whether "
+      "warning tangled object \"A\", region 1: its edges pass each other too often to find out "
+      "whether "
       "they cross";
   const auto toldOfRounds = [&](int rounds) {
     region(scene)["Points"] = Json::array();
