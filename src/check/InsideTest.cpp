@@ -1,3 +1,4 @@
+#include "kernel/Planar.h"
 #include "kernel/Vec.h"
 
 #include <lumivane/check/InsideTest.h>
@@ -17,6 +18,7 @@
 
 namespace Lumivane::Check {
 
+using Kernel::Vec2;
 using Kernel::Vec3;
 
 namespace {
@@ -59,24 +61,22 @@ Polygon polygonOf(std::vector<Vec3> corners) {
   const double share = 1.0 / static_cast<double>(corners.size());
   // About the first corner, so that coordinates far from the origin lose nothing.
   const Vec3 origin = corners.front();
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    const Vec3 a = corners[i] - origin;
-    const Vec3 b = corners[(i + 1) % corners.size()] - origin;
-    polygon.normal = polygon.normal + Kernel::cross(a, b);
-    polygon.mean = polygon.mean + share * a;
-    polygon.low = {std::min(polygon.low.x, corners[i].x), std::min(polygon.low.y, corners[i].y),
-                   std::min(polygon.low.z, corners[i].z)};
-    polygon.high = {std::max(polygon.high.x, corners[i].x), std::max(polygon.high.y, corners[i].y),
-                    std::max(polygon.high.z, corners[i].z)};
+  polygon.normal =
+      Kernel::twiceAreaVector(corners.size(), origin, [&](std::size_t i) { return corners[i]; });
+  for (const Vec3& corner : corners) {
+    polygon.mean = polygon.mean + share * (corner - origin);
+    polygon.low = {std::min(polygon.low.x, corner.x), std::min(polygon.low.y, corner.y),
+                   std::min(polygon.low.z, corner.z)};
+    polygon.high = {std::max(polygon.high.x, corner.x), std::max(polygon.high.y, corner.y),
+                    std::max(polygon.high.z, corner.z)};
   }
   polygon.mean = polygon.mean + origin;
   polygon.corners = std::move(corners);
   return polygon;
 }
 
-// A coordinate of a vector but the one that is left out.
-double first(Vec3 v, int leftOut) { return leftOut == 0 ? v.y : v.x; }
-double second(Vec3 v, int leftOut) { return leftOut == 2 ? v.y : v.z; }
+// A vector without one of its coordinates.
+Vec2 without(Vec3 v, int leftOut) { return {leftOut == 0 ? v.y : v.x, leftOut == 2 ? v.y : v.z}; }
 
 int longestAxis(Vec3 v) {
   const double x = std::abs(v.x);
@@ -86,21 +86,10 @@ int longestAxis(Vec3 v) {
   return y >= z ? 1 : 2;
 }
 
-// By the even-odd rule, seen along the axis that is left out.
+// Seen along the axis that is left out.
 bool contains(const Polygon& polygon, Vec3 point, int leftOut) {
-  const double px = first(point, leftOut);
-  const double py = second(point, leftOut);
-  bool inside = false;
-  for (std::size_t i = 0; i < polygon.corners.size(); ++i) {
-    const Vec3 a = polygon.corners[i];
-    const Vec3 b = polygon.corners[(i + 1) % polygon.corners.size()];
-    const double ay = second(a, leftOut);
-    const double by = second(b, leftOut);
-    if ((ay <= py) == (by <= py)) continue;
-    const double ax = first(a, leftOut);
-    if (ax + (first(b, leftOut) - ax) * ((py - ay) / (by - ay)) > px) inside = !inside;
-  }
-  return inside;
+  return Kernel::isInOutline(polygon.corners.size(), without(point, leftOut),
+                             [&](std::size_t i) { return without(polygon.corners[i], leftOut); });
 }
 
 // How far along a ray a polygon is met; infinity if it is not.

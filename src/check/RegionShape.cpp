@@ -4,6 +4,7 @@
 
 #include "check/RegionShape.h"
 
+#include "kernel/Planar.h"
 #include "kernel/Vec.h"
 
 #include <lumivane/geometry/Face.h>
@@ -66,11 +67,9 @@ double largestCoordinate(const Outline& outline) {
 
 // Twice the area as length, at right angles to the outline, in the sense of cross(b - a, c - a).
 Vec3 newellNormal(const Outline& outline) {
-  Vec3 normal{0.0, 0.0, 0.0};
-  for (size_t i = 0; i < outline.size(); ++i)
-    normal = normal +
-             Kernel::cross(outline[i] - outline[0], outline[(i + 1) % outline.size()] - outline[0]);
-  return normal;
+  return outline.empty() ? Vec3{}
+                         : Kernel::twiceAreaVector(outline.size(), outline[0],
+                                                   [&](size_t i) { return outline[i]; });
 }
 
 double distanceFromPlane(const Outline& outline, Vec3 unitNormal) {
@@ -99,15 +98,6 @@ std::vector<Vec2> flattened(const Outline& outline, Vec3 normal) {
   return flat;
 }
 
-double side(Vec2 a, Vec2 b, Vec2 p) {
-  return (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
-}
-
-bool cross(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
-  const double c1 = side(a, b, c), d1 = side(a, b, d), a1 = side(c, d, a), b1 = side(c, d, b);
-  return ((c1 > 0 && d1 < 0) || (c1 < 0 && d1 > 0)) && ((a1 > 0 && b1 < 0) || (a1 < 0 && b1 > 0));
-}
-
 // So many pairs of edges are looked at, those of 2,800 edges at least: a few hundredths of a
 // second. An outline that runs to and fro over itself has a pair for any two of its edges.
 constexpr size_t MostPairs = 4000000;
@@ -130,7 +120,7 @@ std::optional<std::pair<size_t, size_t>> crossingEdges(const std::vector<Vec2>& 
   for (size_t i = 0; i < edges.size(); ++i)
     for (size_t j = i + 1; j < edges.size() && edges[j].from <= edges[i].to; ++j) {
       const size_t a = edges[i].start, b = edges[j].start;
-      if (cross(flat[a], end(a), flat[b], end(b))) return std::minmax(a + 1, b + 1);
+      if (Kernel::properlyCross(flat[a], end(a), flat[b], end(b))) return std::minmax(a + 1, b + 1);
       if (++pairs == MostPairs) return std::nullopt;
     }
   return std::pair<size_t, size_t>(0, 0);

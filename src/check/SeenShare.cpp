@@ -4,6 +4,7 @@
 
 #include "algorithm/pipeline/PolygonClipper.h"
 #include "algorithm/pipeline/RegionShapes.h"
+#include "kernel/Planar.h"
 
 #include <lumivane/check/SceneChecker.h>
 
@@ -18,10 +19,7 @@ using Kernel::Vec3;
 
 // Twice the area as length, by Newell's method.
 Vec3 newellNormal(const std::vector<Vec3>& outline) {
-  Vec3 normal;
-  for (size_t i = 1; i + 1 < outline.size(); ++i)
-    normal = normal + Kernel::cross(outline[i] - outline[0], outline[i + 1] - outline[0]);
-  return normal;
+  return Kernel::twiceAreaVector(outline.size(), outline[0], [&](size_t i) { return outline[i]; });
 }
 
 bool hasShortEdge(const std::vector<Vec3>& polygon) {

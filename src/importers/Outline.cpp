@@ -1,5 +1,7 @@
 #include "importers/Outline.h"
 
+#include "kernel/Planar.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -16,11 +18,8 @@ const Vec3& at(const std::vector<Vec3>& vertices, int number) {
 }  // namespace
 
 Vec3 areaVector(const Loop& loop, const std::vector<Vec3>& vertices) {
-  Vec3 sum;
-  const Vec3 origin = at(vertices, loop.front());
-  for (size_t i = 1; i + 1 < loop.size(); ++i)
-    sum = sum + Kernel::cross(at(vertices, loop[i]) - origin, at(vertices, loop[i + 1]) - origin);
-  return 0.5 * sum;
+  return 0.5 * Kernel::twiceAreaVector(loop.size(), at(vertices, loop.front()),
+                                       [&](size_t i) { return at(vertices, loop[i]); });
 }
 
 OutlinePlane planeOf(const Loop& loop, const std::vector<Vec3>& vertices) {

@@ -18,6 +18,7 @@
 #include "importers/SourceFaces.h"
 
 #include "importers/OutlineCutter.h"
+#include "kernel/Planar.h"
 
 #include <lumivane/check/SceneChecker.h>
 
@@ -34,7 +35,7 @@ namespace {
 
 using Kernel::Vec3;
 
-constexpr double RadiansPerDegree = 3.14159265358979323846 / 180.0;
+constexpr double RadiansPerDegree = Kernel::Pi / 180.0;
 
 struct Tolerances {
   double rounding = 0.0;  // of a corner off its plane, by the grid

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kernel/Planar.h"
 #include "kernel/Vec.h"
 
 #include <cmath>
@@ -8,7 +9,6 @@
 namespace Lumivane::Kernel {
 
 inline constexpr double DegreesPerRadian = 57.29577951308232;
-inline constexpr double Pi = 3.141592653589793;
 
 inline double toDegrees(double radians) { return radians * DegreesPerRadian; }
 inline double toRadians(double degrees) { return degrees * Pi / 180.0; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kernel/Planar.h"
 #include "kernel/Vec.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 /// its outline: the sum over a closed outline, run counterclockwise, is the measure of its inside.
 /// Each integral may be told up to a term of the two ends, which cancels on a closed outline.
 namespace Lumivane::Kernel {
-
-constexpr double Pi = 3.141592653589793;
 
 /// Height of a point of the unit disc on the hemisphere above it; 0 on the rim and outside.
 inline double heightOnHemisphere(Vec2 p) {
@@ -36,9 +35,6 @@ inline Vec3 directionOfAngles(Vec2 p) {
   const double c = std::cos(p.y);
   return {c * std::sin(p.x), std::sin(p.y), c * std::cos(p.x)};
 }
-
-/// The cross product of two directions' first two coordinates.
-inline double flatCross(Vec2 a, Vec2 b) { return a.x * b.y - a.y * b.x; }
 
 /// A straight line of the round picture: signed distance from the centre, which lies to the left of
 /// a line with a positive one, and unit direction.

@@ -1,5 +1,6 @@
 #include "pictures/AxesPaths.h"
 
+#include "kernel/Planar.h"
 #include "kernel/PlaneAxes.h"
 
 #include <cmath>
@@ -13,7 +14,7 @@ using Kernel::Vec2;
 using Path = VectorPicture::Path;
 using Places = std::vector<Vec2>;
 
-constexpr double Pi = 3.141592653589793;
+using Kernel::Pi;
 
 VectorPicture::Color color(const PlaneAxes::Rgba& rgba) {
   return {rgba[0], rgba[1], rgba[2], rgba[3] / 255.0};

@@ -14,6 +14,7 @@
 #include "pictures/Surfaces.h"
 
 #include "kernel/MergedOutline.h"
+#include "kernel/Planar.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -44,13 +45,9 @@ bool sameColor(const Color& a, const Color& b) {
 
 // Twice the area, positive if the line turns to the left.
 double turning(const Line& line) {
-  double sum = 0.0;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const auto& a = line[i];
-    const auto& b = line[(i + 1) % line.size()];
-    sum += a.x * b.y - b.x * a.y;
-  }
-  return sum;
+  return Kernel::twiceArea(line.size(), [&](std::size_t i) {
+    return Kernel::Vec2{line[i].x, line[i].y};
+  });
 }
 
 // The common outline of pieces, turned to one sense so that their inner edges fall out.

@@ -1,5 +1,6 @@
 #include "visibility/MapBuilder.h"
 
+#include "kernel/Planar.h"
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/SphereMeasure.h"
@@ -22,7 +23,7 @@ namespace {
 
 using Kernel::Vec3;
 
-constexpr double Pi = 3.141592653589793;
+using Kernel::Pi;
 constexpr Coordinate Tiny = 4 * Snap;  // pieces without an edge of the scene that are rounding's
 constexpr int NoCell = -1;
 // Mean width, in rad, of cells that are left out.

@@ -1,3 +1,5 @@
+#include "kernel/Planar.h"
+
 #include <lumivane/visibility/MapShares.h>
 
 #include <algorithm>
@@ -9,7 +11,7 @@
 namespace Lumivane::Visibility {
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+using Kernel::Pi;
 
 // A sum that keeps what additions round off (A. Neumaier, 1974): the order of the cells hardly
 // matters.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kernel/Planar.h"
 #include "kernel/Vec.h"
 #include "visibility/EyePlane.h"
 #include "visibility/WideEdge.h"
@@ -29,8 +30,7 @@ inline double arcViewFactor(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 forward
   const double sine = Kernel::length3(normal);
   if (sine == 0.0) return 0.0;
   const double angle = std::atan2(sine, Kernel::dot(a, b));
-  constexpr double TwoPi = 6.283185307179586;
-  return angle / sine * Kernel::dot(normal, forward) / TwoPi;
+  return angle / sine * Kernel::dot(normal, forward) / (2.0 * Kernel::Pi);
 }
 
 /// The point of the straight line between two points that is nearest to the origin.

@@ -1,9 +1,11 @@
+#include "kernel/Planar.h"
+
 #include <lumivane/visibility/VisibleMap.h>
 
 namespace Lumivane::Visibility {
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+using Kernel::Pi;
 
 }  // namespace
 
