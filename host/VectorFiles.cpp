@@ -72,8 +72,15 @@ Visibility::MapShares exactShares(const Session::LoadedScene& scene, Session::Vi
 }
 
 Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
-  const bool isNormal = view.camera == Base::ViewCameraKind::Normal;
-  view.camera = isNormal ? Base::ViewCameraKind::Spherical : Base::ViewCameraKind::Normal;
+  switch (view.camera) {
+    case Base::ViewCameraKind::Undefined:
+    case Base::ViewCameraKind::Normal:
+      view.camera = Base::ViewCameraKind::Spherical;
+      break;
+    case Base::ViewCameraKind::Spherical:
+      view.camera = Base::ViewCameraKind::Normal;
+      break;
+  }
   return view;
 }
 

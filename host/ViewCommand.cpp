@@ -98,9 +98,9 @@ Pictures::MapPictureOptions pictureOptions(const ViewOptions& options) {
   Pictures::MapPictureOptions result;
   for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     if (options.projection == entry.name) result.projection = entry.projection;
-  const bool isWide = fieldOf(options) == Visibility::Field::Sphere &&
-                      result.projection == Pictures::MapProjection::Equirectangular;
-  const Size size = options.size ? *options.size : Size{isWide ? 1600 : 800, 800};
+  constexpr int Height = 800;
+  const double aspect = Pictures::mapAspect(result.projection, fieldOf(options));
+  const Size size = options.size ? *options.size : Size{static_cast<int>(Height * aspect), Height};
   result.width = size.width;
   result.height = size.height;
   result.title = std::filesystem::path(options.scene).filename().string();

@@ -180,7 +180,7 @@ def main():
     for path in sorted((root / PIPELINE).iterdir()):
         check_pipeline(faults, path)
     check_bodies(faults, root)
-    for path in sorted((root / "src/kernel").iterdir()):
+    for path in sorted((root / "src/kernel").rglob("*")):
         if path.suffix in (".h", ".cpp"):
             check_kernel(faults, path)
     for folder in ("host", "examples", "bindings"):

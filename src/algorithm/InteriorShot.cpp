@@ -1,5 +1,6 @@
 #include "algorithm/InteriorShot.h"
 
+#include "algorithm/pipeline/RegionProjector.h"
 #include "base/Indices.h"
 #include "kernel/Angle.h"
 #include "kernel/Vec.h"
@@ -34,8 +35,12 @@ namespace {
 
 // The whole picture area: the rim of the disc, or the square.
 std::vector<Kernel::Vec2> pictureBoundary(ProjectionType type) {
-  if (type != ProjectionType::Radial && static_cast<int>(type) != 2) {
-    return {{-1.0, 1.0}, {1.0, 1.0}, {1.0, -1.0}, {-1.0, -1.0}};
+  // A type that projects nothing has the square, too.
+  switch (actingType(type).value_or(ProjectionType::Square)) {
+    case ProjectionType::Square:
+      return {{-1.0, 1.0}, {1.0, 1.0}, {1.0, -1.0}, {-1.0, -1.0}};
+    case ProjectionType::Radial:
+      break;
   }
   std::vector<Kernel::Vec2> rim;
   for (int degrees = 0; degrees < 360; degrees += 6) {

@@ -6,6 +6,7 @@
 #include "algorithm/pipeline/FirstPass.h"
 #include "algorithm/pipeline/SceneAccess.h"
 #include "algorithm/pipeline/ShotBuilder.h"
+#include "algorithm/pipeline/TypeProjection.h"
 #include "base/Indices.h"
 
 #include <lumivane/algorithm/DepthSortAlgorithmExecutor.h>
@@ -21,6 +22,7 @@
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/utils/ProgressbarUtils.h>
 
+#include <optional>
 #include <stdexcept>
 
 namespace Lumivane::Algorithm {
@@ -44,14 +46,8 @@ Shot::Shot2d* ShotCreator::makeShot(Scene::Scene3D* shotScene, Base::View* shotV
   D2 = parameters->getD2();
 
   if (view->getCamera() == nullptr || !hasOrientation(*view)) return nullptr;
-  switch (view->getCamera()->getKind()) {
-    case Base::ViewCameraKind::Spherical:
-      return getProjection(ProjectionType::Radial);
-    case Base::ViewCameraKind::Normal:
-      return getProjection(ProjectionType::Square);
-    default:
-      return nullptr;
-  }
+  const std::optional<ProjectionType> type = typeOf(view->getCamera()->getKind());
+  return type ? getProjection(*type) : nullptr;
 }
 
 Shot::Shot2d* ShotCreator::getProjection(ProjectionType type) {

@@ -41,7 +41,13 @@ Vec2 intoSquare(Vec2 p) { return {std::clamp(p.x, -1.0, 1.0), std::clamp(p.y, -1
 
 Vec2 ContourRule::sweepPoint(Vec2 picture) const {
   if (!std::isfinite(picture.x) || !std::isfinite(picture.y)) return {NAN, NAN};
-  return turned(type == ProjectionType::Radial ? intoDisc(picture) : intoSquare(picture));
+  switch (type) {
+    case ProjectionType::Radial:
+      return turned(intoDisc(picture));
+    case ProjectionType::Square:
+      break;
+  }
+  return turned(intoSquare(picture));
 }
 
 Vec2 ContourRule::angles(Vec2 sweep) const {
@@ -52,20 +58,35 @@ Vec2 ContourRule::angles(Vec2 sweep) const {
 Content ContourRule::line(const SweepEdge& edge, double y0, double y1) const {
   const Vec2 a = {edge.xAt(y0), y0};
   const Vec2 b = {edge.xAt(y1), y1};
-  if (type == ProjectionType::Radial)
-    return {lineSolidAngle(discLine(edge.low, edge.high), a, b), 0.0};
+  switch (type) {
+    case ProjectionType::Radial:
+      return {lineSolidAngle(discLine(edge.low, edge.high), a, b), 0.0};
+    case ProjectionType::Square:
+      break;
+  }
   const Vec2 p = angles(a);
   const Vec2 q = angles(b);
   return {angleLineSolidAngle(p, q), angleLineViewFactor(p, q)};
 }
 
 Content ContourRule::arc(const SweepEdge& edge) const {
-  if (type == ProjectionType::Radial) {
-    const Vec3 a = directionOfDisc(edge.low);
-    const Vec3 b = directionOfDisc(edge.high);
-    if (dot(a, b) < NearlyOpposite) return line(edge, edge.low.y, edge.high.y);
-    return {arcTerm(a, b), 0.0};
+  switch (type) {
+    case ProjectionType::Radial:
+      return discArc(edge);
+    case ProjectionType::Square:
+      break;
   }
+  return bandArc(edge);
+}
+
+Content ContourRule::discArc(const SweepEdge& edge) const {
+  const Vec3 a = directionOfDisc(edge.low);
+  const Vec3 b = directionOfDisc(edge.high);
+  if (dot(a, b) < NearlyOpposite) return line(edge, edge.low.y, edge.high.y);
+  return {arcTerm(a, b), 0.0};
+}
+
+Content ContourRule::bandArc(const SweepEdge& edge) const {
   const Vec2 a = angles(edge.low);
   const Vec2 b = angles(edge.high);
   if (dot(directionOfAngles(a), directionOfAngles(b)) < NearlyOpposite)
@@ -73,7 +94,25 @@ Content ContourRule::arc(const SweepEdge& edge) const {
   return {angleArcSolidAngle(a, b), angleArcViewFactor(a, b)};
 }
 
-double ContourRule::wholeArea() const { return type == ProjectionType::Radial ? Pi : 4.0; }
+double ContourRule::wholeArea() const {
+  switch (type) {
+    case ProjectionType::Radial:
+      return Pi;
+    case ProjectionType::Square:
+      break;
+  }
+  return 4.0;
+}
+
+bool ContourRule::areasAreViewFactors() const {
+  switch (type) {
+    case ProjectionType::Radial:
+      return true;
+    case ProjectionType::Square:
+      break;
+  }
+  return false;
+}
 
 Content ContourRule::whole() const { return {2.0 * Pi, 1.0}; }
 

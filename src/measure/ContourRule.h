@@ -49,10 +49,14 @@ class ContourRule {
   Content arc(const SweepEdge& edge) const;
 
   double wholeArea() const;
+  /// Whether an area of the picture is pi times a view factor; else that is summed up, too.
+  bool areasAreViewFactors() const;
   Content whole() const;
 
  private:
   Kernel::Vec2 angles(Kernel::Vec2 sweep) const;
+  Content discArc(const SweepEdge& edge) const;
+  Content bandArc(const SweepEdge& edge) const;
 
   Algorithm::ProjectionType type;
 };

@@ -1,7 +1,7 @@
 #include "measure/MapOutlines.h"
 
+#include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/ArcFlattening.h"
-#include "kernel/SphereContour.h"
 
 #include <lumivane/visibility/VisibleMap.h>
 
@@ -38,18 +38,23 @@ std::vector<Vec3> directionsOf(const VisibleMap& map) {
   return directions;
 }
 
-Vec2 squareOfDirection(Vec3 d) {
-  const Vec2 angles = Kernel::anglesOfDirection(d);
-  constexpr double Quarter = 0.5 * Kernel::Pi;
-  return {angles.x / Quarter, angles.y / Quarter};
+// Whether a pole is a whole side of the picture.
+bool hasPoleSides(const Kernel::Projection& projection) {
+  switch (projection.shape) {
+    case Kernel::PlaneShape::Disc:
+      return false;
+    case Kernel::PlaneShape::Band:
+      return true;
+  }
+  return false;
 }
 
 class Flattener {
  public:
   Flattener(const VisibleMap& theMap, ProjectionType projection, double greatestDistance)
       : map(theMap),
-        isSquare(projection == ProjectionType::Square),
-        place(isSquare ? squareOfDirection : Kernel::discOfDirection),
+        hasPoles(hasPoleSides(Algorithm::projectionOf(projection))),
+        place(Algorithm::projectionOf(projection).place),
         tolerance(greatestDistance),
         directions(directionsOf(map)),
         numbers(directions.size(), None) {}
@@ -98,7 +103,7 @@ class Flattener {
 
   Vec3 directionOf(int vertex) const { return directions[static_cast<std::size_t>(vertex)]; }
 
-  bool isPole(Vec3 d) const { return isSquare && std::hypot(d.x, d.z) < AtPole; }
+  bool isPole(Vec3 d) const { return hasPoles && std::hypot(d.x, d.z) < AtPole; }
 
   int addPoint(Vec2 p) {
     result.points.push_back(p);
@@ -123,7 +128,7 @@ class Flattener {
     if (isPole(a)) return {poleBeside(a, to), numberOf(to)};
     if (isPole(b)) return {numberOf(from), poleBeside(b, from)};
     // Only the rim passes through a pole, for the map ends there.
-    if (isSquare && a.z == 0.0 && b.z == 0.0 && a.x * b.x < 0.0) {
+    if (hasPoles && a.z == 0.0 && b.z == 0.0 && a.x * b.x < 0.0) {
       const Vec3 pole = Kernel::middleOfArc(a, b);
       return {numberOf(from), poleBeside(pole, from), poleBeside(pole, to), numberOf(to)};
     }
@@ -139,7 +144,7 @@ class Flattener {
   using Place = Vec2 (*)(Vec3);
 
   const VisibleMap& map;
-  bool isSquare;
+  bool hasPoles;
   Place place;
   double tolerance;
   std::vector<Vec3> directions;

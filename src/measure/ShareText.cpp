@@ -1,3 +1,4 @@
+#include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/CsvText.h"
 #include "kernel/DisplayText.h"
 #include "kernel/JsonText.h"
@@ -79,7 +80,6 @@ std::string ShareText::csv(const VisibleShares& shares, bool isSafe) {
 std::string ShareText::csv(const VisibleShares& shares) { return csv(shares, false); }
 
 std::string ShareText::json(const VisibleShares& shares) {
-  const bool round = shares.projection() == Algorithm::ProjectionType::Radial;
   const auto object = [](const ObjectShare& o) {
     return jsonNumber("object", o.objectNumber) +
            "\"id\":" + Kernel::jsonString(Kernel::idText(o.id)) + ",";
@@ -91,8 +91,8 @@ std::string ShareText::json(const VisibleShares& shares) {
     return jsonNumber("region", r.regionNumber) + jsonNumber("object", r.objectNumber) +
            jsonNumber("face", r.faceNumber) + jsonNumber("sourceRegion", r.sourceRegionNumber);
   };
-  return std::string("{\n\"projection\":\"") + (round ? "radial" : "square") + "\",\n" +
-         "\"whole\":{" + jsonShare(shares.whole()) + "},\n" + "\"sky\":{" +
+  return std::string("{\n\"projection\":\"") + Algorithm::tableNameOf(shares.projection()) +
+         "\",\n" + "\"whole\":{" + jsonShare(shares.whole()) + "},\n" + "\"sky\":{" +
          jsonShare(shares.open()) + "},\n" + jsonList("objects", shares.objects(), object) + ",\n" +
          jsonList("faces", shares.faces(), face) + ",\n" +
          jsonList("regions", shares.regions(), region) + "\n}\n";

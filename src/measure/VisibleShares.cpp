@@ -40,10 +40,10 @@ void raiseToZero(std::vector<Content>& contents, double whole, Get get) {
   for (Content& content : contents) get(content) *= whole / positive;
 }
 
-Share shareOf(double area, const Content& content, ProjectionType projection) {
+Share shareOf(double area, const Content& content, const ContourRule& rule) {
   const double visible = withoutResidue(area);
-  const bool round = projection == ProjectionType::Radial;
-  return {visible, round ? visible / Kernel::Pi : content.viewFactor, content.solidAngle};
+  return {visible, rule.areasAreViewFactors() ? visible / Kernel::Pi : content.viewFactor,
+          content.solidAngle};
 }
 
 }  // namespace
@@ -71,16 +71,16 @@ void VisibleShares::measure(const Shot::Shot2d& shot) {
   const Content whole = rule.whole();
   raiseToZero(totals.contents, whole.solidAngle,
               [](Content& c) -> double& { return c.solidAngle; });
-  if (theProjection == ProjectionType::Square)
+  if (!rule.areasAreViewFactors())
     raiseToZero(totals.contents, whole.viewFactor,
                 [](Content& c) -> double& { return c.viewFactor; });
 
-  theOpen = shareOf(totals.areas[0], totals.contents[0], theProjection);
+  theOpen = shareOf(totals.areas[0], totals.contents[0], rule);
   for (size_t i = 0; i < count; ++i) {
     const Geometry::Region2d& region = *(*shot.getRegions()->getRegions())[i];
     theRegions.push_back({static_cast<int>(i) + 1, region.getObjectNumber(), region.getFaceNumber(),
                           region.getSourceRegionNumber(),
-                          shareOf(totals.areas[i + 1], totals.contents[i + 1], theProjection)});
+                          shareOf(totals.areas[i + 1], totals.contents[i + 1], rule)});
   }
 }
 

@@ -65,12 +65,12 @@ Places clipped(const Places& line, double limit, bool keepsGreater) {
 
 class BandPlane : public MapPlane {
  public:
-  BandPlane(const VisibleMap& theMap, const ProjectionRule& theRule, double greatestDistance)
+  BandPlane(const VisibleMap& theMap, const Kernel::Projection& theRule, double greatestDistance)
       : map(theMap),
         rule(theRule),
         tolerance(greatestDistance),
         isSphere(map.field == Visibility::Field::Sphere),
-        half(rule.halfSize(map.field)),
+        half(rule.halfSize(map.field == Visibility::Field::Sphere)),
         directions(eyeDirections(map)) {}
 
   std::vector<Places> outline(std::size_t number) override {
@@ -319,7 +319,7 @@ class BandPlane : public MapPlane {
   }
 
   const VisibleMap& map;
-  const ProjectionRule& rule;
+  const Kernel::Projection& rule;
   double tolerance;
   bool isSphere;
   Vec2 half;
@@ -329,7 +329,7 @@ class BandPlane : public MapPlane {
 
 }  // namespace
 
-std::unique_ptr<MapPlane> makeBandPlane(const VisibleMap& map, const ProjectionRule& rule,
+std::unique_ptr<MapPlane> makeBandPlane(const VisibleMap& map, const Kernel::Projection& rule,
                                         double tolerance) {
   return std::make_unique<BandPlane>(map, rule, tolerance);
 }

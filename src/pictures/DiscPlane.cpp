@@ -48,7 +48,7 @@ struct Piece {
 
 class DiscPlane : public MapPlane {
  public:
-  DiscPlane(const VisibleMap& theMap, const ProjectionRule& theRule, double tolerance)
+  DiscPlane(const VisibleMap& theMap, const Kernel::Projection& theRule, double tolerance)
       : map(theMap),
         rule(theRule),
         isCut(map.field == Visibility::Field::Sphere),
@@ -227,7 +227,7 @@ class DiscPlane : public MapPlane {
   }
 
   const VisibleMap& map;
-  const ProjectionRule& rule;
+  const Kernel::Projection& rule;
   bool isCut;  // whether there are directions behind the eye
   ArcFlattening<Vec2 (*)(Vec3)> flattening;
   std::vector<Vec3> directions;
@@ -237,7 +237,7 @@ class DiscPlane : public MapPlane {
 
 }  // namespace
 
-std::unique_ptr<MapPlane> makeDiscPlane(const VisibleMap& map, const ProjectionRule& rule,
+std::unique_ptr<MapPlane> makeDiscPlane(const VisibleMap& map, const Kernel::Projection& rule,
                                         double tolerance) {
   return std::make_unique<DiscPlane>(map, rule, tolerance);
 }

@@ -1,3 +1,4 @@
+#include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/DisplayText.h"
 #include "pictures/PageSource.h"
 #include "pictures/SvgText.h"
@@ -76,8 +77,7 @@ std::vector<double> valuesOf(const Measure::Share& share, const Visibility::View
 Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* exact) {
   std::vector<std::string> columns = {"viewFactor", "solidAngle", "share"};
   if (exact != nullptr) columns.insert(columns.end(), {"exactFactor", "exactAngle"});
-  const bool isRadial = shares.projection() == Algorithm::ProjectionType::Radial;
-  Json result = table(isRadial ? "radial" : "square", "hemisphere", columns);
+  Json result = table(Algorithm::tableNameOf(shares.projection()), "hemisphere", columns);
   const Visibility::ViewShare none;
   for (const Measure::ObjectShare& object : shares.objects()) {
     const auto at = static_cast<std::size_t>(object.objectNumber) - 1;

@@ -5,6 +5,7 @@
 
 #include "pictures/MapPlane.h"
 #include "pictures/PictureFrame.h"
+#include "pictures/ProjectionRules.h"
 
 #include <lumivane/pictures/MapPicture.h>
 #include <lumivane/pictures/VectorPicture.h>
@@ -56,7 +57,8 @@ class MapDrawing {
         colors(theColors),
         options(theOptions),
         rule(ruleOf(options.projection)),
-        frame(options.width, options.height, options.extent, rule.halfSize(map.field)),
+        frame(options.width, options.height, options.extent,
+              rule.halfSize(map.field == Visibility::Field::Sphere)),
         directions(eyeDirections(map)),
         plane(MapPlane::make(map, rule, LargestError / frame.length(1.0))) {}
 
@@ -121,11 +123,19 @@ class MapDrawing {
             isInside};
   }
 
+  bool endsAtRightAngle() const {
+    switch (rule.shape) {
+      case Kernel::PlaneShape::Disc:
+        return true;
+      case Kernel::PlaneShape::Band:
+        return map.field == Visibility::Field::Hemisphere;
+    }
+    return false;
+  }
+
   // Whether the picture ends there, at a right angle from forward.
   bool isAtBorder(int vertex) const {
-    const bool endsThere =
-        rule.shape == PlaneShape::Disc || map.field == Visibility::Field::Hemisphere;
-    return endsThere && directions[static_cast<std::size_t>(vertex)].z <= 0.0;
+    return endsAtRightAngle() && directions[static_cast<std::size_t>(vertex)].z <= 0.0;
   }
 
   VectorPicture::Region regionOf(std::size_t number, std::vector<Line> lines) const {
@@ -161,7 +171,7 @@ class MapDrawing {
   const VisibleMap& map;
   const MapColors& colors;
   const MapPictureOptions& options;
-  const ProjectionRule& rule;
+  const Kernel::Projection& rule;
   PictureFrame frame;
   std::vector<Kernel::Vec3> directions;
   std::unique_ptr<MapPlane> plane;

@@ -12,11 +12,11 @@ constexpr double OnBorder = 1e-12;  // what rounding leaves of a direction at a 
 }  // namespace
 
 std::unique_ptr<MapPlane> MapPlane::make(const Visibility::VisibleMap& map,
-                                         const ProjectionRule& rule, double tolerance) {
+                                         const Kernel::Projection& rule, double tolerance) {
   switch (rule.shape) {
-    case PlaneShape::Disc:
+    case Kernel::PlaneShape::Disc:
       return makeDiscPlane(map, rule, tolerance);
-    case PlaneShape::Band:
+    case Kernel::PlaneShape::Band:
       return makeBandPlane(map, rule, tolerance);
   }
   return nullptr;

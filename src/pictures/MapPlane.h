@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kernel/ArcFlattening.h"
-#include "pictures/ProjectionRules.h"
+#include "kernel/Projection.h"
 
 #include <lumivane/visibility/VisibleMap.h>
 
@@ -20,7 +20,7 @@ class MapPlane {
  public:
   /// \param tolerance  how far a chord may be off its arc, in units of the plane
   static std::unique_ptr<MapPlane> make(const Visibility::VisibleMap& map,
-                                        const ProjectionRule& rule, double tolerance);
+                                        const Kernel::Projection& rule, double tolerance);
   virtual ~MapPlane() = default;
   MapPlane(const MapPlane&) = delete;
   MapPlane& operator=(const MapPlane&) = delete;
@@ -39,8 +39,8 @@ class MapPlane {
 std::vector<Kernel::Vec3> eyeDirections(const Visibility::VisibleMap& map);
 
 std::unique_ptr<MapPlane> makeDiscPlane(const Visibility::VisibleMap& map,
-                                        const ProjectionRule& rule, double tolerance);
+                                        const Kernel::Projection& rule, double tolerance);
 std::unique_ptr<MapPlane> makeBandPlane(const Visibility::VisibleMap& map,
-                                        const ProjectionRule& rule, double tolerance);
+                                        const Kernel::Projection& rule, double tolerance);
 
 }  // namespace Lumivane::Pictures

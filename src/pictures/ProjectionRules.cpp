@@ -1,69 +1,44 @@
 #include "pictures/ProjectionRules.h"
 
-#include "kernel/SphereContour.h"
+#include "kernel/projections/Equirectangular.h"
+#include "kernel/projections/OrthographicFisheye.h"
 
-#include <algorithm>
-#include <cmath>
 #include <stdexcept>
 
 namespace Lumivane::Pictures {
 namespace {
 
-using Kernel::Vec2;
-using Kernel::Vec3;
+struct Rule {
+  MapProjection projection;
+  const Kernel::Projection* rule;
+};
 
-constexpr double Quarter = Kernel::Pi / 2.0;  // of a turn, radians
-
-std::optional<Vec3> fisheyeDirection(Vec2 p) {
-  if (!(p.x * p.x + p.y * p.y <= 1.0)) return {};
-  return Kernel::directionOfDisc(p);
-}
-
-Vec2 unitDisc(Visibility::Field) { return {1.0, 1.0}; }
-
-Vec2 equirectangularPlace(Vec3 d) {
-  const Vec2 angles = Kernel::anglesOfDirection(d);
-  return {angles.x / Quarter, angles.y / Quarter};
-}
-
-std::optional<Vec3> equirectangularDirection(Vec2 p) {
-  if (!(std::abs(p.x) <= 2.0 && std::abs(p.y) <= 1.0)) return {};
-  return Kernel::directionOfAngles({p.x * Quarter, p.y * Quarter});
-}
-
-Vec2 anglesOf(Visibility::Field field) {
-  return {field == Visibility::Field::Hemisphere ? 1.0 : 2.0, 1.0};
-}
+// The list of the option: the default one first.
+constexpr Rule Rules[] = {
+    {MapProjection::Fisheye, &Kernel::OrthographicFisheye},
+    {MapProjection::Equirectangular, &Kernel::Equirectangular},
+};
 
 }  // namespace
 
-const std::vector<ProjectionRule>& projectionRules() {
-  static const std::vector<ProjectionRule> rules = {
-      {MapProjection::Fisheye, "fisheye", PlaneShape::Disc, Kernel::discOfDirection,
-       fisheyeDirection, unitDisc},
-      {MapProjection::Equirectangular, "equirectangular", PlaneShape::Band, equirectangularPlace,
-       equirectangularDirection, anglesOf},
-  };
-  return rules;
-}
-
-const ProjectionRule& ruleOf(MapProjection projection) {
-  const std::vector<ProjectionRule>& rules = projectionRules();
-  const auto found = std::find_if(rules.begin(), rules.end(), [projection](const auto& rule) {
-    return rule.projection == projection;
-  });
-  if (found == rules.end()) throw std::invalid_argument("there is no such projection of a map");
-  return *found;
+const Kernel::Projection& ruleOf(MapProjection projection) {
+  for (const Rule& entry : Rules)
+    if (entry.projection == projection) return *entry.rule;
+  throw std::invalid_argument("there is no such projection of a map");
 }
 
 const std::vector<MapProjectionName>& mapProjections() {
   static const std::vector<MapProjectionName> names = [] {
     std::vector<MapProjectionName> result;
-    for (const ProjectionRule& rule : projectionRules())
-      result.push_back({rule.projection, rule.name});
+    for (const Rule& entry : Rules) result.push_back({entry.projection, entry.rule->name});
     return result;
   }();
   return names;
+}
+
+double mapAspect(MapProjection projection, Visibility::Field field) {
+  const Kernel::Vec2 half = ruleOf(projection).halfSize(field == Visibility::Field::Sphere);
+  return half.x / half.y;
 }
 
 }  // namespace Lumivane::Pictures

@@ -1,3 +1,4 @@
+#include "algorithm/pipeline/TypeProjection.h"
 #include "pictures/AxesPaths.h"
 #include "pictures/Colors.h"
 #include "pictures/PictureFrame.h"
@@ -5,8 +6,6 @@
 #include "pictures/Surfaces.h"
 
 #include <lumivane/base/View.h>
-#include <lumivane/base/ViewCamera.h>
-#include <lumivane/base/ViewCameraKind.h>
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/shot/Shot2d.h>
 
@@ -40,17 +39,28 @@ Base::ViewDisplayStyle styleOf(const Shot::Shot2d& shot, const VectorOptions& op
   return shot.getView() ? shot.getView()->getDisplayStyle() : Base::ViewDisplayStyle::Filled;
 }
 
-bool isSquare(const Shot::Shot2d& shot) {
-  Base::View* view = shot.getView();
-  if (view == nullptr || view->getCamera() == nullptr) return false;
-  return view->getCamera()->getKind() == Base::ViewCameraKind::Normal;
+std::vector<VectorPicture::Path> axesOf(Kernel::PlaneGrid grid, const PictureFrame& frame) {
+  switch (grid) {
+    case Kernel::PlaneGrid::Rings:
+      return radialAxes(frame);
+    case Kernel::PlaneGrid::Lines:
+      return squareAxes(frame);
+  }
+  return {};
 }
 
-std::vector<VectorPicture::Path> axesOf(const Shot::Shot2d& shot, VectorAxes axes,
+std::vector<VectorPicture::Path> axesOf(Shot::Shot2d& shot, VectorAxes axes,
                                         const PictureFrame& frame) {
-  if (axes == VectorAxes::OfShot) axes = isSquare(shot) ? VectorAxes::Square : VectorAxes::Radial;
-  if (axes == VectorAxes::Square) return squareAxes(frame);
-  if (axes == VectorAxes::Radial) return radialAxes(frame);
+  switch (axes) {
+    case VectorAxes::None:
+      return {};
+    case VectorAxes::OfShot:
+      return axesOf(Algorithm::gridOf(shot.getView()), frame);
+    case VectorAxes::Radial:
+      return radialAxes(frame);
+    case VectorAxes::Square:
+      return squareAxes(frame);
+  }
   return {};
 }
 

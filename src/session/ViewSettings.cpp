@@ -1,3 +1,5 @@
+#include "algorithm/pipeline/TypeProjection.h"
+
 #include <lumivane/session/ViewSettings.h>
 
 #include <algorithm>
@@ -84,8 +86,7 @@ Vector usualUp(const Vector& forward) {
 std::string ViewSettings::fault() const {
   std::string orientation = orientationFault(*this);
   if (!orientation.empty()) return orientation;
-  if (camera != Base::ViewCameraKind::Spherical && camera != Base::ViewCameraKind::Normal)
-    return "the camera is neither spherical nor normal";
+  if (!Algorithm::typeOf(camera)) return "the camera is neither spherical nor normal";
   return limitsFault(*this);
 }
 

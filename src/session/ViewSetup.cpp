@@ -28,8 +28,16 @@ Geometry::Vector3d* workableDirection(const Vector& v) {
 ViewSetup::ViewSetup(const ViewSettings& settings)
     : orientation(new Geometry::Point3d(settings.eye[0], settings.eye[1], settings.eye[2]),
                   workableDirection(settings.forward), workableDirection(settings.up)) {
-  if (settings.camera == Base::ViewCameraKind::Normal) theView.setCamera(&normal);
-  if (settings.camera == Base::ViewCameraKind::Spherical) theView.setCamera(&spherical);
+  switch (settings.camera) {
+    case Base::ViewCameraKind::Undefined:
+      break;
+    case Base::ViewCameraKind::Spherical:
+      theView.setCamera(&spherical);
+      break;
+    case Base::ViewCameraKind::Normal:
+      theView.setCamera(&normal);
+      break;
+  }
   theView.setOrientation(&orientation);
   theView.setDisplayStyle(settings.style);
   theParameters.setPropertyNum(settings.property);

@@ -1,10 +1,9 @@
 // The axes of the projection, drawn over a shot in its own coordinates, at z 0.
 
+#include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/PlaneAxes.h"
 
 #include <lumivane/base/View.h>
-#include <lumivane/base/ViewCamera.h>
-#include <lumivane/base/ViewCameraKind.h>
 #include <lumivane/shot/Shot2d.h>
 #include <lumivane/view/Viewer.h>
 
@@ -68,20 +67,14 @@ void addLabel(vtkRenderer* renderer, const PlaneAxes::Label& label) {
   renderer->AddActor(actor);
 }
 
-// Whether the square projection made the shot. Without a view or camera: no.
-bool hasNormalCamera(Shot::Shot2d* shot) {
-  Base::View* view = shot->getView();
-  if (view == nullptr || view->getCamera() == nullptr) return false;
-  return view->getCamera()->getKind() == Base::ViewCameraKind::Normal;
-}
-
 }  // namespace
 
 void Viewer::createProjectionAxes(vtkRenderer* renderer, Shot::Shot2d* shot) {
-  if (hasNormalCamera(shot)) {
-    createSquareProjectionAxes(renderer);
-  } else {
-    createRadialProjectionAxes(renderer);
+  switch (Algorithm::gridOf(shot->getView())) {
+    case Kernel::PlaneGrid::Rings:
+      return createRadialProjectionAxes(renderer);
+    case Kernel::PlaneGrid::Lines:
+      return createSquareProjectionAxes(renderer);
   }
 }
 

@@ -25,12 +25,12 @@
 namespace Lumivane::Test {
 namespace {
 
+using Kernel::Projection;
 using Kernel::Vec2;
 using Kernel::Vec3;
 using Pictures::MapColors;
 using Pictures::MapPictureOptions;
 using Pictures::MapProjection;
-using Pictures::ProjectionRule;
 using Pictures::VectorPicture;
 using Visibility::Field;
 using Visibility::VisibleMap;
@@ -49,7 +49,7 @@ VectorPicture drawn(const VisibleMap& map, const MapPictureOptions& options) {
   return VectorPicture(map, MapColors(), options);
 }
 
-const ProjectionRule& rule(MapProjection projection) { return Pictures::ruleOf(projection); }
+const Projection& rule(MapProjection projection) { return Pictures::ruleOf(projection); }
 
 // Pixels of the picture in units of the plane.
 struct Frame {
@@ -113,8 +113,7 @@ void turn(VisibleMap& map, const Direction& forward, const Direction& upwards) {
 }
 
 // The scene's direction at a place of the picture.
-std::optional<Direction> directionAt(const VisibleMap& map, const ProjectionRule& rule,
-                                     Vec2 place) {
+std::optional<Direction> directionAt(const VisibleMap& map, const Projection& rule, Vec2 place) {
   const std::optional<Vec3> d = rule.direction(place);
   if (!d) return {};
   const Direction right = cross(map.forward, map.up);
@@ -127,8 +126,8 @@ std::optional<Direction> directionAt(const VisibleMap& map, const ProjectionRule
 // Looks at random places of the picture: only the right cell may wind around each, and once.
 void expectCellsWhereTheyBelong(const VisibleMap& map, const MapPictureOptions& options,
                                 const std::function<int(const Direction&)>& objectIn) {
-  const ProjectionRule& projection = rule(options.projection);
-  const Frame frame = {options, projection.halfSize(map.field)};
+  const Projection& projection = rule(options.projection);
+  const Frame frame = {options, projection.halfSize(map.field == Visibility::Field::Sphere)};
   const VectorPicture picture = drawn(map, options);
   const std::vector<VectorPicture::Region> regions = regionsOf(picture);
   std::mt19937 random(7);
@@ -191,7 +190,8 @@ bool isOnCircle(VectorPicture::Point p) {
 
 TEST(MapProjections, PlaceAndDirectionAreInverseInEachProjection) {
   std::mt19937 random(3);
-  for (const ProjectionRule& projection : Pictures::projectionRules()) {
+  for (const auto& [number, name] : Pictures::mapProjections()) {
+    const Projection& projection = rule(number);
     for (int i = 0; i < 1000; ++i) {
       const Direction d = randomDirection(random);
       const Vec3 direction = {d[0], d[1], std::abs(d[2])};
@@ -203,7 +203,8 @@ TEST(MapProjections, PlaceAndDirectionAreInverseInEachProjection) {
 }
 
 TEST(MapProjections, PlacesOutsideTheBorderHaveNoDirection) {
-  for (const ProjectionRule& projection : Pictures::projectionRules()) {
+  for (const auto& [number, name] : Pictures::mapProjections()) {
+    const Projection& projection = rule(number);
     EXPECT_FALSE(projection.direction({2.1, 0.0})) << projection.name;
     EXPECT_FALSE(projection.direction({0.0, 1.01})) << projection.name;
     EXPECT_TRUE(projection.direction({0.0, 0.99})) << projection.name;
@@ -212,7 +213,7 @@ TEST(MapProjections, PlacesOutsideTheBorderHaveNoDirection) {
 
 TEST(MapProjections, EachHasANameAndTheFisheyeIsFirst) {
   EXPECT_EQ(std::string("fisheye"), Pictures::mapProjections().front().name);
-  EXPECT_EQ(Pictures::projectionRules().size(), Pictures::mapProjections().size());
+  for (const auto& [number, name] : Pictures::mapProjections()) EXPECT_EQ(name, rule(number).name);
 }
 
 TEST(MapPicture, EveryCellIsOnePathWithItsHoles) {
@@ -379,9 +380,9 @@ TEST(MapPicture, CellsOfScenesFillThePictureAndShareEveryPoint) {
         SCOPED_TRACE(std::string(name) + " " + label);
         const MapPictureOptions options = optionsOf(projection, 800, 400);
         const VectorPicture picture = drawn(map, options);
-        const Vec2 half = rule(projection).halfSize(field);
+        const Vec2 half = rule(projection).halfSize(field == Visibility::Field::Sphere);
         const double unit = Frame{options, half}.unit();
-        const bool isDisc = projection == MapProjection::Fisheye;
+        const bool isDisc = rule(projection).shape == Kernel::PlaneShape::Disc;
         double area = 0.0;
         for (const VectorPicture::Region& region : regionsOf(picture)) area += areaOf(region);
         const double whole = (isDisc ? Pi : 4.0 * half.x * half.y) * unit * unit;
@@ -412,7 +413,7 @@ TEST(MapPicture, ChordsAreAtMostATenthOfAPixelOffTheirArcs) {
       HandMap hand = cubeAroundTheEye();
       turn(hand.map, randomDirection(random), randomDirection(random));
       const MapPictureOptions options = optionsOf(projection, size, size / 2);
-      const Frame frame = {options, rule(projection).halfSize(Field::Sphere)};
+      const Frame frame = {options, rule(projection).halfSize(true)};
       const VectorPicture picture = drawn(hand.map, options);
       const Direction right = cross(hand.map.forward, hand.map.up);
       for (const VisibleMap::Edge& edge : hand.map.edges) {
@@ -422,7 +423,7 @@ TEST(MapPicture, ChordsAreAtMostATenthOfAPixelOffTheirArcs) {
             d[i] = (1.0 - t) * hand.map.vertices[static_cast<std::size_t>(edge.from)][i] +
                    t * hand.map.vertices[static_cast<std::size_t>(edge.to)][i];
           const Vec3 seen = {dot(d, right), dot(d, hand.map.up), dot(d, hand.map.forward)};
-          if (projection == MapProjection::Fisheye && seen.z < 0.0) continue;
+          if (rule(projection).shape == Kernel::PlaneShape::Disc && seen.z < 0.0) continue;
           const VectorPicture::Point p = frame.pixel(rule(projection).place(seen));
           double least = 1e9;
           for (const VectorPicture::Path& path : picture.lines())

@@ -2,6 +2,7 @@
 
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/pictures/export.h>
+#include <lumivane/visibility/LookOptions.h>
 #include <lumivane/visibility/PolygonScene.h>
 
 #include <optional>
@@ -30,6 +31,9 @@ struct MapProjectionName {
   const char* name;          ///< as users write it
 };
 LUMIVANE_PICTURES_EXPORT const std::vector<MapProjectionName>& mapProjections();
+
+/// Width by height of the picture of a field.
+LUMIVANE_PICTURES_EXPORT double mapAspect(MapProjection projection, Visibility::Field field);
 
 /// The colours of the scene's polygons in pictures of its maps. A value; the scene may go.
 class LUMIVANE_PICTURES_EXPORT MapColors {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/Docking.h"
 #include "kernel/Frame.h"
 #include "kernel/Hemisphere.h"
@@ -183,8 +184,24 @@ class RegionProjector {
   };
 
   Kernel::Vec2 planePoint(Kernel::Vec3 camera) const {
-    return region.type == ProjectionType::Radial ? Kernel::planePointRadial(camera)
-                                                 : Kernel::planePointSquare(camera);
+    switch (region.type) {
+      case ProjectionType::Radial:
+        return Kernel::planePointRadial(camera);
+      case ProjectionType::Square:
+        break;
+    }
+    return Kernel::planePointSquare(camera);
+  }
+
+  // The count from which on a polygon is not split further, however long its pieces are.
+  std::int64_t enoughPieces() const {
+    switch (region.type) {
+      case ProjectionType::Radial:
+        return std::numeric_limits<std::int64_t>::max();
+      case ProjectionType::Square:
+        break;
+    }
+    return EnoughSquarePieces;
   }
 
   static std::int64_t cornersOf(const std::vector<std::vector<Kernel::Vec3>>& polygons) {
@@ -225,11 +242,10 @@ class RegionProjector {
                                      std::int64_t& pieceCount, Trials& all) {
     constexpr double any = std::numeric_limits<double>::infinity();
     const bool isLimited = all.maxLength > 0.0 && 1.0 >= all.maxLength;
-    const bool isSquare = region.type == ProjectionType::Square;
-    const double limit = isSquare ? all.maxLength * 2.0 : all.maxLength;
+    const double limit = all.maxLength * projectionOf(region.type).lengthUnit;
     for (;;) {
       all.check(pieceCount);
-      const bool isLast = !isLimited || (isSquare && pieceCount > EnoughSquarePieces);
+      const bool isLast = !isLimited || pieceCount > enoughPieces();
       std::optional<PlanePolygon> projected =
           projectWithin(polygon, pieceCount, isLast ? any : limit);
       if (projected) return projected;

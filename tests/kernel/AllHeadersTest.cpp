@@ -1,0 +1,45 @@
+#include "kernel/Angle.h"
+#include "kernel/ArcFlattening.h"
+#include "kernel/Bounds.h"
+#include "kernel/BoxTree.h"
+#include "kernel/Classify.h"
+#include "kernel/ColorScale.h"
+#include "kernel/ConvexArea.h"
+#include "kernel/CsvText.h"
+#include "kernel/DisplayText.h"
+#include "kernel/Docking.h"
+#include "kernel/EarClipping.h"
+#include "kernel/Exact.h"
+#include "kernel/Frame.h"
+#include "kernel/Hemisphere.h"
+#include "kernel/JsonText.h"
+#include "kernel/Lanes.h"
+#include "kernel/Matrix3.h"
+#include "kernel/MergedOutline.h"
+#include "kernel/Newell.h"
+#include "kernel/Order.h"
+#include "kernel/Outline.h"
+#include "kernel/Planar.h"
+#include "kernel/Plane.h"
+#include "kernel/PlaneAxes.h"
+#include "kernel/PointGrid.h"
+#include "kernel/PointPool.h"
+#include "kernel/Polygon2.h"
+#include "kernel/Polygon3.h"
+#include "kernel/Projection.h"
+#include "kernel/Rings.h"
+#include "kernel/SamePoint.h"
+#include "kernel/SparseCells.h"
+#include "kernel/SphereContour.h"
+#include "kernel/Split.h"
+#include "kernel/Vec.h"
+#include "kernel/projections/Equirectangular.h"
+#include "kernel/projections/OrthographicFisheye.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(KernelHeaders, CanBeIncludedTogether) { EXPECT_GT(Lumivane::Kernel::Pi, 3.0); }
+
+}  // namespace
