@@ -1,5 +1,6 @@
 #include "pictures/ProjectionRules.h"
 
+#include "kernel/projections/EquidistantFisheye.h"
 #include "kernel/projections/Equirectangular.h"
 #include "kernel/projections/OrthographicFisheye.h"
 
@@ -17,6 +18,7 @@ struct Rule {
 constexpr Rule Rules[] = {
     {MapProjection::Fisheye, &Kernel::OrthographicFisheye},
     {MapProjection::Equirectangular, &Kernel::Equirectangular},
+    {MapProjection::EquidistantFisheye, &Kernel::EquidistantFisheye},
 };
 
 }  // namespace

@@ -33,6 +33,7 @@
 #include "kernel/SphereContour.h"
 #include "kernel/Split.h"
 #include "kernel/Vec.h"
+#include "kernel/projections/EquidistantFisheye.h"
 #include "kernel/projections/Equirectangular.h"
 #include "kernel/projections/OrthographicFisheye.h"
 

@@ -1,5 +1,6 @@
 #include "kernel/Angle.h"
 #include "kernel/Hemisphere.h"
+#include "kernel/projections/EquidistantFisheye.h"
 #include "kernel/projections/Equirectangular.h"
 #include "kernel/projections/OrthographicFisheye.h"
 
@@ -66,8 +67,20 @@ TEST_P(AnyProjection, AreaElementIsTheSolidAngleOfALittleOfThePlane) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, AnyProjection,
-                         ::testing::Values(&OrthographicFisheye, &Equirectangular),
+                         ::testing::Values(&OrthographicFisheye, &Equirectangular,
+                                           &EquidistantFisheye),
                          [](const auto& test) { return std::string(test.param->name); });
+
+// --- What is one projection's own ---
+
+TEST(EquidistantFisheye, DistancesFromTheCentreAreAngles) {
+  for (const double degrees : {0.0, 1e-6, 10.0, 30.0, 89.0, 90.0}) {
+    const double t = toRadians(degrees);
+    const Vec2 place = EquidistantFisheye.place({0.0, std::sin(t), std::cos(t)});
+    EXPECT_NEAR(degrees / 90.0, place.y, 1e-15);
+    EXPECT_EQ(0.0, place.x);
+  }
+}
 
 // --- Those of shots ---
 

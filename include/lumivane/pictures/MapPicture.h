@@ -22,7 +22,11 @@ enum class MapProjection {
   Fisheye,
   /// Azimuth to the right and elevation upwards, both in degrees: a square for the hemisphere, a
   /// rectangle twice as wide as high for the sphere, cut behind the eye.
-  Equirectangular
+  Equirectangular,
+  /// The equidistant fisheye of the hemisphere in front: a direction at the angle t from forward
+  /// lies
+  /// t from the centre, the right angle on the rim.
+  EquidistantFisheye
 };
 
 /// All of them with the names that they have on the command line, the default one first.
