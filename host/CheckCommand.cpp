@@ -3,10 +3,7 @@
 #include "Options.h"
 #include "SceneSource.h"
 #include "Streams.h"
-
-#ifdef LUMIVANE_HOST_TOOLS
-#include "ImportWork.h"
-#endif
+#include "Tools.h"
 
 #include <lumivane/check/SceneChecker.h>
 #include <lumivane/jzon/Node.h>
@@ -87,10 +84,8 @@ void printJson(const std::string& scene, const Findings& findings) {
 
 // A mesh or a city model is checked as the scene that an import makes of it.
 Findings findingsOf(const CheckOptions& options) {
-#ifdef LUMIVANE_HOST_TOOLS
-  if (!isSceneFile(options.scene))
-    return Check::SceneChecker::check(importFile(options.scene, options.import).scene.scene());
-#endif
+  if (const auto model = Tools::modelOf(options.scene, options.import))
+    return Check::SceneChecker::check(model->scene(options.import.eye).scene());
   if (options.import.center)
     throw ArgumentError(options.scene,
                         "is a scene file, which is checked where it is: leave out "

@@ -1,17 +1,16 @@
+#include "Command.h"
 #include "Commands.h"
 #include "HostError.h"
 #include "Memory.h"
 #include "Options.h"
 #include "Signals.h"
 #include "Streams.h"
-
-#ifdef LUMIVANE_HOST_TOOLS
-#include "ImportOptions.h"
-#endif
+#include "Tools.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -30,39 +29,56 @@ int fail(ExitStatus status, const std::string& text) {
   return status;
 }
 
+Command showCommand() {
+  const auto show = std::make_shared<ShowOptions>();
+  return {"show", "Show a scene and a shot in two windows",
+          [show](CLI::App& app) { setShowOptions(app, *show); },
+          [show](const CLI::App& app) {
+            show->viewGiven = viewWasGiven(app);
+            runShow(*show);
+            return 0;
+          }};
+}
+
+Command checkCommand() {
+  const auto check = std::make_shared<CheckOptions>();
+  return {"check", "List what is wrong or surprising in a scene",
+          [check](CLI::App& app) { setCheckOptions(app, *check); },
+          [check](const CLI::App&) { return runCheck(*check); }};
+}
+
+Command batchCommand() {
+  const auto batch = std::make_shared<BatchOptions>();
+  return {"batch", "Make shots of a scene from every view of a table",
+          [batch](CLI::App& app) { setBatchOptions(app, *batch); },
+          [batch](const CLI::App& app) {
+            batch->shotOptions = givenShotOptions(app);
+            runBatch(*batch);
+            return 0;
+          }};
+}
+
+// In the order of the help.
+std::vector<Command> allCommands() {
+  std::vector<Command> all = {
+      command<ShotOptions>("shot", "Make a shot of a scene, as a file and as a picture",
+                           setShotOptions, runShot),
+      showCommand()};
+  for (Command& tool : Tools::commands()) all.push_back(std::move(tool));
+  all.push_back(checkCommand());
+  all.push_back(batchCommand());
+  all.push_back(command<GridOptions>("grid", "Make a table of views over a scene's ground",
+                                     setGridOptions, runGrid));
+  all.push_back(command<Json5Options>("json5", "Convert JSON5 to JSON", setJson5Options, runJson5));
+  return all;
+}
+
 int run(const std::vector<std::string>& arguments) {
   CLI::App app("Makes flat vector pictures of what one eye sees of a scene.", "lumivane");
   app.set_version_flag("--version", "lumivane " LUMIVANE_VERSION);
   app.require_subcommand(1);
-
-  ShotOptions shot;
-  ShowOptions show;
-  CheckOptions check;
-  BatchOptions batch;
-  GridOptions grid;
-  Json5Options json5;
-  setShotOptions(*app.add_subcommand("shot", "Make a shot of a scene, as a file and as a picture"),
-                 shot);
-  CLI::App* const showCommand =
-      app.add_subcommand("show", "Show a scene and a shot in two windows");
-  setShowOptions(*showCommand, show);
-#ifdef LUMIVANE_HOST_TOOLS
-  ViewOptions view;
-  CLI::App* const viewCommand = app.add_subcommand(
-      "view", "Find out exactly what one eye sees: shares, the map of it, pictures");
-  setViewOptions(*viewCommand, view);
-  ImportCommandOptions import;
-  CLI::App* const importCommand =
-      app.add_subcommand("import", "Make a scene file of a mesh or a city model");
-  setImportOptions(*importCommand, import);
-#endif
-  setCheckOptions(*app.add_subcommand("check", "List what is wrong or surprising in a scene"),
-                  check);
-  CLI::App* const batchCommand =
-      app.add_subcommand("batch", "Make shots of a scene from every view of a table");
-  setBatchOptions(*batchCommand, batch);
-  setGridOptions(*app.add_subcommand("grid", "Make a table of views over a scene's ground"), grid);
-  setJson5Options(*app.add_subcommand("json5", "Convert JSON5 to JSON"), json5);
+  const std::vector<Command> commands = allCommands();
+  for (const Command& entry : commands) entry.declare(*app.add_subcommand(entry.name, entry.help));
 
   try {
     std::vector<std::string> reversed = joinedVectorOptions(arguments);
@@ -72,21 +88,12 @@ int run(const std::vector<std::string>& arguments) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
     return fail(WrongArguments, std::string(error.what()) + " (see --help)");
   }
-  show.viewGiven = viewWasGiven(*showCommand);
-  batch.shotOptions = givenShotOptions(*batchCommand);
 
-  if (app.got_subcommand("shot")) runShot(shot);
-  if (app.got_subcommand("show")) runShow(show);
-#ifdef LUMIVANE_HOST_TOOLS
-  if (viewCommand->parsed()) runView(view);
-  if (importCommand->parsed()) runImport(import);
-#endif
-  if (app.got_subcommand("check")) return runCheck(check);
-  if (app.got_subcommand("batch")) runBatch(batch);
-  if (app.got_subcommand("grid")) runGrid(grid);
-  if (app.got_subcommand("json5")) runJson5(json5);
+  int status = Done;
+  for (const Command& entry : commands)
+    if (app.got_subcommand(entry.name)) status = entry.run(*app.get_subcommand(entry.name));
   finishStandardOutput();
-  return Done;
+  return status;
 }
 
 }  // namespace

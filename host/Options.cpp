@@ -1,12 +1,7 @@
 #include "Options.h"
 
-#include "VisibleFile.h"
-
-#ifdef LUMIVANE_HOST_TOOLS
-#include "ImportOptions.h"
-
-#include <lumivane/pictures/MapPicture.h>
-#endif
+#include "OptionParts.h"
+#include "Tools.h"
 
 #include <algorithm>
 #include <charconv>
@@ -37,15 +32,6 @@ bool readNumber(const std::string& text, double& number) {
 std::string vectorText(const Vector& vector) {
   const auto text = [](double value) { return std::to_string(static_cast<int>(value)); };
   return text(vector[0]) + "," + text(vector[1]) + "," + text(vector[2]);
-}
-
-void addVector(CLI::App& command, const std::string& name, Vector& target,
-               const std::string& help) {
-  command
-      .add_option_function<std::string>(
-          name, [name, &target](const std::string& text) { target = readVector(name, text); }, help)
-      ->type_name("X,Y,Z")
-      ->default_str(vectorText(target));
 }
 
 // A finite number that is not negative.
@@ -117,10 +103,6 @@ void addViewOptions(CLI::App& command, ViewSettings& view) {
                                    {"radial", Base::ViewCameraKind::Spherical},
                                    {"normal", Base::ViewCameraKind::Normal},
                                    {"square", Base::ViewCameraKind::Normal}});
-  command.add_option("--property", view.property, "number of the property to colour by")
-      ->type_name("N");
-  command.add_option("--scale", view.scale, "number of the scale to colour by, from 1")
-      ->type_name("N");
   addNumber(command, "--eye-clearance,--d1", view.d1,
             "an eye closer than this to a polygon is moved off it (eye offset)");
   addNumber(command, "--grazing-angle,--d2", view.d2,
@@ -191,28 +173,6 @@ void addLimits(CLI::App& command, ViewSettings& view) {
   });
 }
 
-void readSize(const std::string& text, int& width, int& height) {
-  const std::string fault = "--size: \"" + text + "\" is not a size WxH of 1 to " +
-                            std::to_string(LargestPicture) + " pixels";
-  const auto side = [&fault](const std::string& digits) {
-    const bool plain = !digits.empty() && digits.size() < 6 &&
-                       digits.find_first_not_of("0123456789") == std::string::npos;
-    const int number = plain ? std::stoi(digits) : 0;
-    if (number < 1 || number > LargestPicture) throw CLI::ValidationError(fault);
-    return number;
-  };
-  const size_t x = text.find('x');
-  if (x == std::string::npos) throw CLI::ValidationError(fault);
-  width = side(text.substr(0, x));
-  height = side(text.substr(x + 1));
-}
-
-#ifdef LUMIVANE_HOST_TOOLS
-constexpr const char* SceneHelp = "scene file (JSON), mesh or city model";
-#else
-constexpr const char* SceneHelp = "scene file (JSON)";
-#endif
-
 // Of "I/K", with 1 <= I <= K.
 Shard readShard(const std::string& text) {
   int number = 0;
@@ -240,6 +200,33 @@ std::vector<double> readHeadings(const std::string& text) {
   return headings;
 }
 
+}  // namespace
+
+void addVector(CLI::App& command, const std::string& name, Vector& target,
+               const std::string& help) {
+  command
+      .add_option_function<std::string>(
+          name, [name, &target](const std::string& text) { target = readVector(name, text); }, help)
+      ->type_name("X,Y,Z")
+      ->default_str(vectorText(target));
+}
+
+void readSize(const std::string& text, int& width, int& height) {
+  const std::string fault = "--size: \"" + text + "\" is not a size WxH of 1 to " +
+                            std::to_string(LargestPicture) + " pixels";
+  const auto side = [&fault](const std::string& digits) {
+    const bool plain = !digits.empty() && digits.size() < 6 &&
+                       digits.find_first_not_of("0123456789") == std::string::npos;
+    const int number = plain ? std::stoi(digits) : 0;
+    if (number < 1 || number > LargestPicture) throw CLI::ValidationError(fault);
+    return number;
+  };
+  const size_t x = text.find('x');
+  if (x == std::string::npos) throw CLI::ValidationError(fault);
+  width = side(text.substr(0, x));
+  height = side(text.substr(x + 1));
+}
+
 void addCsvSafe(CLI::App& command, bool& isSafe) {
   command.add_flag(
       "--csv-safe", isSafe,
@@ -247,49 +234,23 @@ void addCsvSafe(CLI::App& command, bool& isSafe) {
       "which spreadsheets take for formulas");
 }
 
-#ifdef LUMIVANE_HOST_MEASURES
-void addVisible(CLI::App& command, std::string& visible) {
-  command
-      .add_option("--visible", visible,
-                  "what is visible in the picture of every object, face and region, to write "
-                  "(.csv or .json); view writes what the eye really sees")
-      ->check(visibleFileFault, "")
-      ->type_name("FILE");
-}
-#endif
-
-#ifdef LUMIVANE_HOST_TOOLS
 void addFile(CLI::App& command, const std::string& name, std::string& target,
-             const std::string& help, const std::string& group = "Options") {
+             const std::string& help, const std::string& group) {
   command.add_option(name, target, help)->type_name("FILE")->group(group);
 }
 
 void addNames(CLI::App& command, const std::string& name, std::string& target,
               const std::string& help, const std::vector<std::string>& names,
-              const std::string& group = "Options") {
+              const std::string& group) {
   command.add_option(name, target, help)
       ->check(CLI::IsMember(names))
       ->capture_default_str()
       ->group(group);
 }
 
-const std::vector<std::string> RowDepths = {"total", "class", "object", "face", "region"};
-
-void addShares(CLI::App& command, std::string& shares, std::string& rows, const std::string& help) {
-  command.add_option("--shares", shares, help)->check(visibleFileFault, "")->type_name("FILE");
-  addNames(command, "--rows", rows, "how deep the shares go", RowDepths);
-}
-#endif
-
-}  // namespace
-
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
-  command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
-#ifdef LUMIVANE_HOST_TOOLS
-  addImportSettings(command, import);
-#else
-  static_cast<void>(import);
-#endif
+  command.add_option("SCENE", scene, Tools::sceneHelp())->required()->type_name("");
+  Tools::addSceneOptions(command, import);
 }
 
 Vector readVector(const std::string& option, const std::string& text) {
@@ -326,92 +287,13 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
       "do not look for errors in the scene first");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
   addCsvSafe(command, options.csvSafe);
-#ifdef LUMIVANE_HOST_MEASURES
-  addVisible(command, options.visible);
-  command.add_flag("--audit", options.audit,
-                   "compare the picture with the exact visibility map: how much of it is wrong "
-                   "stands in --stats, and on standard error if it is more than 0.1 %");
-#endif
-#ifdef LUMIVANE_HOST_TOOLS
-  setVectorOptions(command, options.vector);
-#endif
+  Tools::addShotOptions(command, options);
 }
 
 void setBatchedShotOptions(CLI::App& command, ShotOptions& options) {
   setShotOptions(command, options);
-#ifdef LUMIVANE_HOST_TOOLS
-  addShares(command, options.shares, options.rows,
-            "what the eye really sees of each object, and the sky, to write (.csv or .json)");
-#endif
+  Tools::addBatchedShotOptions(command, options);
 }
-
-#ifdef LUMIVANE_HOST_TOOLS
-namespace {
-
-constexpr const char* Pictures = "Pictures (need no display)";
-
-void addDirections(CLI::App& command, ViewOptions& options) {
-  addVector(command, "--eye", options.eye, "where the eye stands");
-  command.get_option("--eye")->required()->default_str("");
-  addVector(command, "--forward", options.forward, "the middle of the hemisphere");
-  addVector(command, "--up", options.up, "upwards in pictures");
-  command
-      .add_option_function<std::string>(
-          "--target",
-          [&options](const std::string& text) { options.target = readVector("--target", text); },
-          "a point to look at, in place of --forward")
-      ->type_name("X,Y,Z")
-      ->excludes("--forward");
-}
-
-void addMapPictures(CLI::App& command, ViewOptions& options) {
-  addFile(command, "--svg", options.svg, "SVG to write: one path for each cell", Pictures);
-  addFile(command, "--pdf", options.pdf, "PDF to write", Pictures);
-  addFile(command, "--png-vector", options.png, "PNG to write, with smooth edges", Pictures);
-  addFile(command, "--html", options.html,
-          "page to explore the map in a browser, with the shares of the objects", Pictures);
-  std::vector<std::string> names;
-  for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
-    names.emplace_back(entry.name);
-  addNames(command, "--projection", options.projection, "how directions become a picture", names,
-           Pictures);
-  addNames(command, "--color-by", options.colorBy,
-           "fill cells by the scene's brushes, or each object in a colour of its own",
-           {"brush", "object"}, Pictures);
-  command
-      .add_option_function<std::string>(
-          "--size",
-          [&options](const std::string& text) {
-            Size size;
-            readSize(text, size.width, size.height);
-            options.size = size;
-          },
-          "size of the pictures in pixels; without it 800 high, and as wide as the projection")
-      ->type_name("WxH")
-      ->group(Pictures);
-}
-
-}  // namespace
-
-void setViewOptions(CLI::App& command, ViewOptions& options) {
-  addScene(command, options.scene, options.import);
-  command.remove_option(command.get_option("--two-sided"));  // the look itself sees both sides
-  addDirections(command, options);
-  addNames(command, "--field", options.field, "the directions in front, or all",
-           {"hemisphere", "sphere"});
-  command.add_flag("--two-sided", options.twoSided, "polygons are seen from behind, too");
-  addShares(command, options.shares, options.rows,
-            "what is seen of each object, and the sky, to write (.csv or .json)");
-  addCsvSafe(command, options.csvSafe);
-  addFile(command, "--map", options.map, "the map itself to write (JSON)");
-  addFile(command, "--stats", options.stats, "statistics to write (JSON)");
-  command.add_option("--threads", options.threads, "threads; 0 for as many as processors")
-      ->type_name("N")
-      ->check(CLI::Range(0, 1024))
-      ->capture_default_str();
-  addMapPictures(command, options);
-}
-#endif
 
 void setShowOptions(CLI::App& command, ShowOptions& options) {
   addScene(command, options.scene, options.import);
@@ -425,9 +307,7 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
   setBatchedShotOptions(command, options.shot);
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
-#ifdef LUMIVANE_HOST_MEASURES
-  command.remove_option(command.get_option("--audit"));
-#endif
+  Tools::removeBatchOptions(command);
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
       ->required()
@@ -480,19 +360,7 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
   command
       .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
       ->type_name("VIEWS");
-#ifdef LUMIVANE_HOST_TOOLS
-  const auto fault = [](const std::string& path) -> std::string {
-    const bool isTable = path.size() > 4 && path.substr(path.size() - 4) == ".csv";
-    return isTable ? "" : "\"" + path + "\" does not end in .csv";
-  };
-  command
-      .add_option("--shares", options.shares,
-                  "what each eye really sees, and the sky, as one table to write (.csv)")
-      ->check(fault, "")
-      ->type_name("FILE");
-  addNames(command, "--rows", options.rows, "how deep the shares go", RowDepths);
-  addCsvSafe(command, options.csvSafe);
-#endif
+  Tools::addGridOptions(command, options);
 }
 
 void setJson5Options(CLI::App& command, Json5Options& options) {

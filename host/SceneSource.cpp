@@ -1,12 +1,7 @@
 #include "SceneSource.h"
 
 #include "StatsNumbers.h"
-
-#ifdef LUMIVANE_HOST_TOOLS
-#include "ImportWork.h"
-
-#include <lumivane/importers/Importer.h>
-#endif
+#include "Tools.h"
 
 #include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
@@ -84,77 +79,42 @@ Session::Vector moved(const Session::Vector& point, const Session::Vector& shift
   return {point[0] + shift[0], point[1] + shift[1], point[2] + shift[2]};
 }
 
-std::vector<std::string> sourceFiles(const std::string& path) {
-#ifdef LUMIVANE_HOST_TOOLS
-  return Importers::Importer::inputFiles(path);
-#else
-  return {path};
-#endif
-}
+std::vector<std::string> sourceFiles(const std::string& path) { return Tools::sourceFiles(path); }
 
-bool isSceneFile(const std::string& path) {
-#ifdef LUMIVANE_HOST_TOOLS
-  return !Importers::Importer::isImportable(path);
-#else
-  static_cast<void>(path);
-  return true;
-#endif
-}
+bool isSceneFile(const std::string& path) { return !Tools::isImportable(path); }
 
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings) {
-#ifdef LUMIVANE_HOST_TOOLS
-  if (Importers::Importer::isImportable(path)) {
-    Importers::ImportedScene imported = importFile(path, settings);
-    std::cout << reportText(imported.report) << std::flush;
-    return {std::move(imported.scene), reportNode(imported.report), false, {}};
-  }
-#endif
-  return sceneFile(path, settings);
+  const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
+  if (model == nullptr) return sceneFile(path, settings);
+  Session::LoadedScene scene = model->scene(settings.eye);
+  std::cout << model->reportText() << std::flush;
+  return {std::move(scene), model->reportNode(), false, {}};
 }
 
-#ifdef LUMIVANE_HOST_TOOLS
-struct SceneForEyes::Model {
-  static std::unique_ptr<Model> of(const std::string& path, const ImportSettings& settings) {
-    if (!Importers::Importer::isImportable(path)) return nullptr;
-    return std::make_unique<Model>(Model{Importers::ImportedModel(path, importOptions(settings))});
-  }
+namespace {
 
-  Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye, bool isReported) {
-    Importers::ImportedScene imported = file.sceneFor(eye);
-    if (isReported) std::cout << reportText(imported.report) << std::flush;
-    return std::move(imported.scene);
-  }
+Session::LoadedScene firstScene(Tools::Model* model, const std::string& path) {
+  if (model == nullptr) return Session::LoadedScene::fromFile(path);
+  Session::LoadedScene scene = model->scene({});
+  std::cout << model->reportText() << std::flush;
+  return scene;
+}
 
-  Importers::ImportedModel file;
-};
-#else
-struct SceneForEyes::Model {};
-#endif
+}  // namespace
 
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)
-#ifdef LUMIVANE_HOST_TOOLS
-    : model(Model::of(path, settings)),
-      current(model ? model->scene({}, true) : Session::LoadedScene::fromFile(path)) {
+    : model(Tools::modelOf(path, settings)), current(firstScene(model.get(), path)) {
   if (!model && settings.center) shift = centred(current.scene());
 }
-#else
-    : current(Session::LoadedScene::fromFile(path)) {
-  if (settings.center) shift = centred(current.scene());
-}
-#endif
 
 SceneForEyes::~SceneForEyes() = default;
 
 Session::LoadedScene& SceneForEyes::at(const std::array<double, 3>& eye) {
-#ifdef LUMIVANE_HOST_TOOLS
   if (model && currentEye != eye) {
     currentEye.reset();  // so that a failure leaves no scene under a wrong eye
-    current = model->scene(eye, false);
+    current = model->scene(eye);
     currentEye = eye;
   }
-#else
-  static_cast<void>(eye);
-#endif
   return current;
 }
 

@@ -13,6 +13,10 @@
 
 namespace Lumivane::Host {
 
+namespace Tools {
+class Model;
+}
+
 /// A scene, and what statistics tell about its import: an invalid node if it was a scene file that
 /// stayed where it is.
 struct SourcedScene {
@@ -60,9 +64,7 @@ class SceneForEyes {
   Session::LoadedScene& at(const std::array<double, 3>& eye);
 
  private:
-  struct Model;
-
-  std::unique_ptr<Model> model;  // null for a scene file
+  std::unique_ptr<Tools::Model> model;  // null for a scene file
   std::optional<std::array<double, 3>> currentEye;
   Session::Vector shift{};
   Session::LoadedScene current;

@@ -1,4 +1,3 @@
-#include "AuditReport.h"
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
@@ -8,7 +7,7 @@
 #include "SceneSource.h"
 #include "ShotOutputs.h"
 #include "Stats.h"
-#include "VisibleFile.h"
+#include "Tools.h"
 #include "Warnings.h"
 
 #include <lumivane/session/Files.h>
@@ -57,48 +56,6 @@ void writePicture(const ShotOptions& options, const TakenShot& shot, Seconds& se
                      drawPicture(options.png, shot.shot(), options.width, options.height));
 }
 
-void writeVisible(const ShotOptions& options, const TakenShot& shot, Seconds& seconds) {
-#ifdef LUMIVANE_HOST_MEASURES
-  if (options.visible.empty()) return;
-  const Timer timer(seconds.visible);
-  writeVisibleFile(options.visible, shot, options.csvSafe);
-#else
-  static_cast<void>(options);
-  static_cast<void>(shot);
-  static_cast<void>(seconds);
-#endif
-}
-
-void writeVectorPictures(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
-                         Seconds& seconds) {
-#ifdef LUMIVANE_HOST_TOOLS
-  const Timer timer(seconds.vector);
-  writeVectorFiles(options.vector, scene, options.view, shot, options.width, options.height);
-#else
-  static_cast<void>(options);
-  static_cast<void>(scene);
-  static_cast<void>(shot);
-  static_cast<void>(seconds);
-#endif
-}
-
-// What statistics tell of it; an invalid node if it was not asked for.
-Jzon::Node audit(const ShotOptions& options, const TakenShot& shot, const LoadedScene& scene,
-                 Seconds& seconds) {
-#ifdef LUMIVANE_HOST_MEASURES
-  if (options.audit) {
-    const Timer timer(seconds.audit);
-    return auditShot(options.scene, shot, scene);
-  }
-#else
-  static_cast<void>(options);
-  static_cast<void>(shot);
-  static_cast<void>(scene);
-  static_cast<void>(seconds);
-#endif
-  return {};
-}
-
 void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds& seconds,
                 const Jzon::Node& import, const Jzon::Node& audited) {
   if (!options.stats.empty())
@@ -117,8 +74,8 @@ void warnIfInside(const std::string& subject, const TakenShot& shot) {
 void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
                   Seconds& seconds) {
   writeShot(options, shot, seconds);
-  writeVisible(options, shot, seconds);
-  writeVectorPictures(options, scene, shot, seconds);
+  Tools::writeVisible(options, shot, seconds);
+  Tools::writeVectorPictures(options, scene, shot, seconds);
   writePicture(options, shot, seconds);
 }
 
@@ -136,7 +93,7 @@ void runShot(const ShotOptions& options) {
   static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene, seconds));
   warnOfCycle(options.scene, shot);
   warnIfInside(options.scene, shot);
-  const Jzon::Node audited = audit(options, shot, source.scene, seconds);
+  const Jzon::Node audited = Tools::audit(options, shot, source.scene, seconds);
   try {
     writeOutputs(placed, source.scene, shot, seconds);
   } catch (const HostError&) {

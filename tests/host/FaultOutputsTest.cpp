@@ -233,7 +233,7 @@ TEST(FaultyOutput, PipeGetsAllBytesAndStaysAPipe) {
 // Several outputs of one command.
 Arguments optionsFor(const TempFolder& folder) {
   Arguments options = {"-o", folder.path("a.json")};
-#ifdef LUMIVANE_HOST_MEASURES
+#ifdef LUMIVANE_HOST_TOOLS
   options = options + Arguments{"--visible", folder.path("a.csv")};
 #endif
 #ifdef LUMIVANE_HOST_TOOLS

@@ -28,7 +28,7 @@ std::vector<Output> shotOutputs() {
   return {
       {"shot", Shot + Arguments{"-o"}, ".json"},
       {"statistics", Shot + Arguments{"--stats"}, ".json", false},
-#ifdef LUMIVANE_HOST_MEASURES
+#ifdef LUMIVANE_HOST_TOOLS
       {"shares", Shot + Arguments{"--visible"}, ".csv"},
       {"shares as JSON", Shot + Arguments{"--visible"}, ".json"},
 #endif

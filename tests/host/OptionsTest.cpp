@@ -53,18 +53,14 @@ TEST(Options, NegativeFirstCoordinateWorksInBothForms) {
   EXPECT_EQ((Vector{-0.5, 2, 3}), parsed({"s", "--eye", "-.5,2,3"}).view.eye);
   EXPECT_EQ((Vector{-1, 0, 0}), parsed({"--forward", "-1,0,0", "s"}).view.forward);
   EXPECT_EQ((Vector{-1e-3, 0, -2}), parsed({"--up", "-1e-3,0,-2", "s"}).view.up);
-  EXPECT_EQ(-1, parsed({"s", "--property", "-1"}).view.property);
 }
 
 TEST(Options, EveryOptionReachesItsField) {
-  const ShotOptions options = parsed(
-      {"s",       "--camera", "normal",  "--property", "3",          "--scale", "2",
-       "--d1",    "0.5",      "--d2",    "4",          "--segments", "9",       "--max-length",
-       "0",       "-o",       "a",       "--png",      "b",          "--size",  "640x480",
-       "--style", "half",     "--stats", "c"});
+  const ShotOptions options =
+      parsed({"s",          "--camera", "normal",       "--d1",    "0.5",  "--d2",    "4",
+              "--segments", "9",        "--max-length", "0",       "-o",   "a",       "--png",
+              "b",          "--size",   "640x480",      "--style", "half", "--stats", "c"});
   EXPECT_EQ(Base::ViewCameraKind::Normal, options.view.camera);
-  EXPECT_EQ(3, options.view.property);
-  EXPECT_EQ(2, options.view.scale);
   EXPECT_EQ(0.5, options.view.d1);
   EXPECT_EQ(4.0, options.view.d2);
   EXPECT_EQ(9, options.view.segments);
@@ -127,9 +123,9 @@ TEST(Options, OnlyOptionsOfTheViewCountAsView) {
   EXPECT_EQ("shot.json", options.shot);
 
   for (const std::string view :
-       {"--eye=1,2,3", "--forward=1,2,3", "--up=1,2,3", "--camera=normal", "--property=1",
-        "--scale=1", "--d1=1", "--d2=1", "--segments=1", "--eye-clearance=1", "--grazing-angle=1",
-        "--max-length=1", "--merge-distance=1", "--style=half"}) {
+       {"--eye=1,2,3", "--forward=1,2,3", "--up=1,2,3", "--camera=normal", "--d1=1", "--d2=1",
+        "--segments=1", "--eye-clearance=1", "--grazing-angle=1", "--max-length=1",
+        "--merge-distance=1", "--style=half"}) {
     CLI::App turned;
     setShowOptions(turned, options);
     turned.parse(std::vector<std::string>{view, "scene.json"});

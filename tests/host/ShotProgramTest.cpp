@@ -383,14 +383,12 @@ TEST(ShotProgram, PictureOfAWrongBrushNamesObjectAndRegion) {
   EXPECT_EQ(0, error("{\"Brush\":2,\"Face\":1,\"Points\":[1,2,3]}", "outline").status);
 }
 
-TEST(ShotProgram, ScaleBeyondTheListIsNamed) {
-  const TempFolder folder;
-  const std::string scene =
-      folder.file("s.json", "{\"Objects\":[],\"Properties\":[[1,\"a\"]],\"Scales\":[{}]}");
-  const Result result = run({"shot", scene, "--property", "1", "--scale", "2"});
-  EXPECT_EQ(1, result.status);
-  EXPECT_EQ("lumivane: " + scene + ": no shot can be made: scale 2, but there are 1 to 1\n",
-            result.err);
+TEST(ShotProgram, ColouringByValuesIsLeftToHostsSinceFilesHoldNone) {
+  for (const char* const option : {"--property", "--scale"}) {
+    const Result result = run({"shot", Small, option, "1"});
+    EXPECT_EQ(2, result.status);
+    EXPECT_NE(std::string::npos, result.err.find(option)) << result.err;
+  }
 }
 
 TEST(ShotProgram, OutputThatCannotBeWrittenIsAnErrorBeforeTheWork) {
@@ -560,8 +558,8 @@ TEST(ShotProgram, HelpAndVersionAreThere) {
   const Result shotHelp = run({"shot", "--help"});
   EXPECT_EQ(0, shotHelp.status);
   for (const char* const option :
-       {"--eye", "--forward", "--up", "--camera", "--property", "--scale", "--d1", "--d2",
-        "--segments", "--max-length", "-o", "--png", "--size", "--style", "--stats"})
+       {"--eye", "--forward", "--up", "--camera", "--d1", "--d2", "--segments", "--max-length",
+        "-o", "--png", "--size", "--style", "--stats"})
     EXPECT_NE(std::string::npos, shotHelp.out.find(option)) << option;
   const Result version = run({"--version"});
   EXPECT_EQ(0, version.status);

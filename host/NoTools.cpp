@@ -1,0 +1,42 @@
+// The program without the components: it has no more options and commands than these, and writes
+// nothing that they would write.
+
+#include "ExactBatch.h"
+#include "ExactGrid.h"
+#include "Tools.h"
+
+namespace Lumivane::Host {
+
+struct ExactBatch::State {};
+
+ExactBatch::ExactBatch(const std::string&, const Session::LoadedScene&) {}
+ExactBatch::~ExactBatch() = default;
+std::optional<ExactSummary> ExactBatch::look(const ShotOptions&) const { return {}; }
+
+std::string exactShares(const GridOptions&, const Session::LoadedScene&,
+                        const std::vector<GridView>&) {
+  return "";
+}
+
+namespace Tools {
+
+const char* sceneHelp() { return "scene file (JSON)"; }
+void addSceneOptions(CLI::App&, ImportSettings&) {}
+void addShotOptions(CLI::App&, ShotOptions&) {}
+void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
+void removeBatchOptions(CLI::App&) {}
+void addGridOptions(CLI::App&, GridOptions&) {}
+std::vector<Command> commands() { return {}; }
+void writeVisible(const ShotOptions&, const Session::TakenShot&, Seconds&) {}
+void writeVectorPictures(const ShotOptions&, Session::LoadedScene&, const Session::TakenShot&,
+                         Seconds&) {}
+Jzon::Node audit(const ShotOptions&, const Session::TakenShot&, const Session::LoadedScene&,
+                 Seconds&) {
+  return {};
+}
+std::vector<std::string> sourceFiles(const std::string& path) { return {path}; }
+bool isImportable(const std::string&) { return false; }
+std::unique_ptr<Model> modelOf(const std::string&, const ImportSettings&) { return nullptr; }
+
+}  // namespace Tools
+}  // namespace Lumivane::Host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Options.h"
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Host {
+
+/// What the options of several commands are made of.
+
+/// An option X,Y,Z; its default is what `target` holds.
+void addVector(CLI::App& command, const std::string& name, Vector& target, const std::string& help);
+
+void addFile(CLI::App& command, const std::string& name, std::string& target,
+             const std::string& help, const std::string& group = "Options");
+
+/// One of some names; its default is what `target` holds.
+void addNames(CLI::App& command, const std::string& name, std::string& target,
+              const std::string& help, const std::vector<std::string>& names,
+              const std::string& group = "Options");
+
+void addCsvSafe(CLI::App& command, bool& isSafe);
+
+/// "WxH" in pixels. \throws CLI::ValidationError
+void readSize(const std::string& text, int& width, int& height);
+
+}  // namespace Lumivane::Host

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Command.h"
+#include "ImportSettings.h"
+
+#include <lumivane/jzon/Node.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+namespace Lumivane::Session {
+class TakenShot;
+}
+
+namespace Lumivane::Host {
+
+struct GridOptions;
+struct Seconds;
+struct ShotOptions;
+
+/// What the program does by means of the components beside the core. Tools.cpp is compiled where
+/// they are built, NoTools.cpp where they are not; nothing else asks whether they are.
+namespace Tools {
+
+/// What the argument SCENE may be.
+const char* sceneHelp();
+/// How a command that reads a scene imports a file that is none.
+void addSceneOptions(CLI::App& command, ImportSettings& import);
+/// What `shot` measures and draws without a display.
+void addShotOptions(CLI::App& command, ShotOptions& options);
+/// What views of a batch have besides, and do not have.
+void addBatchedShotOptions(CLI::App& command, ShotOptions& options);
+void removeBatchOptions(CLI::App& command);
+/// What `grid` measures.
+void addGridOptions(CLI::App& command, GridOptions& options);
+/// The commands that need components.
+std::vector<Command> commands();
+
+void writeVisible(const ShotOptions& options, const Session::TakenShot& shot, Seconds& seconds);
+void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
+                         const Session::TakenShot& shot, Seconds& seconds);
+/// What statistics report of the audit; an invalid node if it was not asked for.
+Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,
+                 const Session::LoadedScene& scene, Seconds& seconds);
+
+/// All files that are read of a path: itself first, then those that it names.
+std::vector<std::string> sourceFiles(const std::string& path);
+/// Whether a path is read as a mesh or a city model.
+bool isImportable(const std::string& path);
+
+/// A mesh or city model, read once for many eyes.
+class Model {
+ public:
+  virtual ~Model() = default;
+  /// Its scene, objects and faces in the order for the eye if there is one.
+  virtual Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye) = 0;
+  /// What became of it in the scene made last, as lines and for statistics.
+  virtual std::string reportText() const = 0;
+  virtual Jzon::Node reportNode() const = 0;
+
+ protected:
+  Model() = default;
+  Model(const Model&) = delete;
+  Model& operator=(const Model&) = delete;
+};
+/// Null for what is no mesh and no city model. \throws Session::Error
+std::unique_ptr<Model> modelOf(const std::string& path, const ImportSettings& settings);
+
+}  // namespace Tools
+}  // namespace Lumivane::Host
