@@ -1,3 +1,7 @@
+// Findings are sorted, written as lines or JSON, and turned into the exit status; what is looked
+// for stands in Check::SceneChecker. A mesh or city model is checked as the scene an import makes
+// of it.
+
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"

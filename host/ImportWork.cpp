@@ -1,3 +1,6 @@
+// The command line's settings as options of the importers, and their report in two forms: lines for
+// a person, keys for statistics.
+
 #include "ImportWork.h"
 
 #include "StatsNumbers.h"

@@ -1,3 +1,7 @@
+// The table of commands, in the order of the help, and the exit status of what goes wrong. A
+// command declares its arguments before the parse and runs after it, so nothing here knows their
+// options.
+
 #include "Command.h"
 #include "Commands.h"
 #include "HostError.h"

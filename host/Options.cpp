@@ -1,3 +1,6 @@
+// The arguments of the commands, with the checks that need no file. What components add is asked of
+// Tools, so that a program without them has no trace of it.
+
 #include "Options.h"
 
 #include "OptionParts.h"

@@ -1,3 +1,6 @@
+// A scene comes from a scene file, or from a mesh or city model by Tools::modelOf. For many eyes a
+// model is read once, since only the order of its objects depends on the eye.
+
 #include "SceneSource.h"
 
 #include "StatsNumbers.h"

@@ -1,3 +1,6 @@
+// Read, take, warn, write, each timed. Outputs are checked before the work, and statistics are
+// written even if another output fails, since the shot itself is there.
+
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"

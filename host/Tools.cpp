@@ -1,3 +1,6 @@
+// The one file in which the program meets the components beside the core: their options, commands
+// and outputs. NoTools.cpp is linked in its place where they are not built.
+
 #include "Tools.h"
 
 #include "AuditReport.h"

@@ -1,3 +1,6 @@
+// All pictures are made in memory before the first file is written, so that either all can be drawn
+// or nothing is there.
+
 #include "VectorFiles.h"
 
 #include "ExactScene.h"

@@ -1,3 +1,6 @@
+// Numbers that point at nothing make a shot throw or draw wrongly, so they are errors; those that
+// nothing follows are warnings. Each finding names the object and the record.
+
 #include "check/References.h"
 
 #include <lumivane/base/Brushes.h>

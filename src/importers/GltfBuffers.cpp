@@ -1,3 +1,6 @@
+// A URI is data in the document or a file beside it. Names are resolved with their links before it
+// is asked whether a file lies in the folder, since a link may lead out of it.
+
 #include "importers/GltfBuffers.h"
 
 #include "importers/ImportError.h"

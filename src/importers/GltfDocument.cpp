@@ -1,3 +1,6 @@
+// A damaged file must be refused in one line before the reader sees it, so everything it will
+// follow is looked at first: types, references, spans of buffers, and that the nodes are trees.
+
 #include "importers/GltfDocument.h"
 
 #include "importers/ImportError.h"

@@ -1,3 +1,6 @@
+// What the formats share: the reader by the file's ending, placement, faces, the scene and the
+// report. The file is read once; the order of objects and faces is made anew for each eye.
+
 #include "importers/ImportError.h"
 #include "importers/ListOrder.h"
 #include "importers/OpenBodies.h"

@@ -1,3 +1,6 @@
+// Coordinates are turned, scaled and shifted, then rounded to a grid that single precision holds,
+// since a shot keeps its polygons in it: so equal corners stay equal and faces stay flat.
+
 #include "importers/Placement.h"
 
 #include "importers/ImportError.h"

@@ -1,3 +1,7 @@
+// A file is written beside its place and then renamed over it: a reader, a full disk or a signal
+// never meets half a file. Devices, pipes and open descriptors cannot be replaced and are written
+// directly.
+
 #include "io/UnfinishedFile.h"
 
 #include <lumivane/io/Error.h>

@@ -1,3 +1,6 @@
+// Numbers are most of a document, and streams are slow. Those of everyday size are written and read
+// by whole-number arithmetic that is exact to the last digit; all others go to a stream.
+
 #include "jzon/JsonNumber.h"
 
 #include <algorithm>

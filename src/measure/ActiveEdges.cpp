@@ -1,3 +1,6 @@
+// Edges keep their order from one slab to the next but where they cross or end, so they are kept
+// sorted by insertion, and crossings are found by the swaps that bring one order into the other.
+
 #include "measure/ActiveEdges.h"
 
 #include "measure/SortNearlySorted.h"

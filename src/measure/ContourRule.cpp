@@ -1,3 +1,6 @@
+// By Green's theorem what an outline encloses is a sum over its edges. An edge stands for an arc on
+// the sphere; its terms are those of SphereContour.h, in the coordinates of the picture at hand.
+
 #include "measure/ContourRule.h"
 
 #include "kernel/SphereContour.h"

@@ -1,3 +1,6 @@
+// Each edge of a map is flattened once, whichever cell asks, so that the cells on its two sides
+// have the same points and no gap opens between them.
+
 #include "measure/MapOutlines.h"
 
 #include "algorithm/pipeline/TypeProjection.h"

@@ -1,3 +1,7 @@
+// The picture is measured region by region; objects and faces are sums of that. What rounding
+// leaves of regions that are hidden is set to 0, and the rest scaled so that all is the whole
+// again.
+
 #include "kernel/SphereContour.h"
 #include "measure/ShotProjection.h"
 #include "measure/VisibleArrangement.h"

@@ -1,3 +1,6 @@
+// The axes as paths, like those of the windows to the pixel. Letters are drawn by hand, so that no
+// picture needs a font.
+
 #include "pictures/AxesPaths.h"
 
 #include "kernel/Planar.h"

@@ -1,3 +1,6 @@
+// Surfaces are drawn in their order by cairo. Where transparency is not kept, as in EPS, the axes
+// have the opaque colours that they make on the background, the only thing that lies under them.
+
 #include "pictures/SvgText.h"
 
 #include <lumivane/pictures/CairoWriter.h>

@@ -1,3 +1,6 @@
+// A page is one file: the template with the pictures' SVG and a table of values in it. Texts are
+// escaped for the place where they stand, in HTML or in a script.
+
 #include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/DisplayText.h"
 #include "pictures/PageSource.h"

@@ -1,3 +1,6 @@
+// The regions of a shot as fills and lines, with what is out of range replaced as the windows do
+// it, so that a damaged shot file still makes a well-formed picture.
+
 #include "pictures/ShotRegions.h"
 
 #include "kernel/Outline.h"

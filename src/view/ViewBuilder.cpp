@@ -1,3 +1,6 @@
+// One actor for all regions of one look: thousands of actors, or filters, would take most of the
+// time.
+
 #include "algorithm/pipeline/RegionPolygon.h"
 #include "utils/PolygonData.h"
 #include "utils/Shapes.h"

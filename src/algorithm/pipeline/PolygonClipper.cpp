@@ -1,3 +1,7 @@
+// A polygon wholly in front of the plane, or behind it, is known by its points' heights, and needs
+// no filter. What the plane cuts, VTK's own cell clips: its points and their order are those
+// promised.
+
 #include "algorithm/pipeline/PolygonClipper.h"
 
 #include "utils/FewPointsLocator.h"
