@@ -406,7 +406,8 @@ std::vector<std::string> joinedVectorOptions(const std::vector<std::string>& arg
     else
       result.push_back(argument);
     join = !join && (argument == "--eye" || argument == "--forward" || argument == "--up" ||
-                     argument == "--target");
+                     argument == "--target" || argument == "--parallel" || argument == "--light" ||
+                     argument == "--shift");
   }
   return result;
 }

@@ -5,6 +5,7 @@
 
 #include "AuditReport.h"
 #include "Commands.h"
+#include "DrawOptions.h"
 #include "ImportOptions.h"
 #include "ImportWork.h"
 #include "OptionParts.h"
@@ -98,6 +99,9 @@ std::vector<Command> commands() {
   return {command<ViewOptions>(
               "view", "Find out exactly what one eye sees: shares, the map of it, pictures",
               setViewOptions, runView),
+          command<DrawOptions>("draw",
+                               "Draw a scene with its lines, hidden ones too, in any projection",
+                               setDrawOptions, runDraw),
           command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
                                         setImportOptions, runImport)};
 }

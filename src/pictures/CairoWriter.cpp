@@ -1,6 +1,7 @@
 // Surfaces are drawn in their order by cairo. Where transparency is not kept, as in EPS, the axes
 // have the opaque colours that they make on the background, the only thing that lies under them.
 
+#include "pictures/CairoTarget.h"
 #include "pictures/SvgText.h"
 
 #include <lumivane/pictures/CairoWriter.h>
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <stdexcept>
 
 #include <cairo-pdf.h>
@@ -29,23 +29,8 @@ constexpr double PointsPerPixel = 72.0 / 96.0;
 // at 8 million pixels.
 constexpr double WidestLine = 1e6;
 
-struct Release {
-  void operator()(cairo_t* context) const { cairo_destroy(context); }
-  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
-using Context = std::unique_ptr<cairo_t, Release>;
-using Target = std::unique_ptr<cairo_surface_t, Release>;
-
-void check(cairo_status_t status) {
-  if (status == CAIRO_STATUS_SUCCESS) return;
-  throw std::runtime_error(std::string("the picture cannot be drawn: ") +
-                           cairo_status_to_string(status));
-}
-
-cairo_status_t append(void* target, const unsigned char* bytes, unsigned count) {
-  static_cast<std::string*>(target)->append(reinterpret_cast<const char*>(bytes), count);
-  return CAIRO_STATUS_SUCCESS;
-}
+using Context = CairoContext;
+using Target = CairoTarget;
 
 void setColor(cairo_t* context, const Color& color) {
   cairo_set_source_rgba(context, color.red / 255.0, color.green / 255.0, color.blue / 255.0,
@@ -132,15 +117,15 @@ void draw(cairo_surface_t* target, const VectorPicture& picture, double scale,
   for (const Path& path : picture.underlay()) draw(context.get(), path);
   for (const Surface& surface : picture.surfaces()) drawSurface(context.get(), surface);
   for (const Path& path : picture.lines()) draw(context.get(), path);
-  check(cairo_status(context.get()));
+  checkCairo(cairo_status(context.get()));
 }
 
 // Draws the one page of a document, whose bytes are complete only then.
 void finish(cairo_surface_t* target, const VectorPicture& picture, Transparency transparency) {
-  check(cairo_surface_status(target));
+  checkCairo(cairo_surface_status(target));
   draw(target, picture, PointsPerPixel, transparency);
   cairo_surface_finish(target);
-  check(cairo_surface_status(target));
+  checkCairo(cairo_surface_status(target));
 }
 
 // Without the line that tells when it was written: equal pictures give equal bytes.
@@ -156,8 +141,8 @@ std::string undated(std::string postscript) {
 std::string CairoWriter::pdf(const VectorPicture& picture) {
   std::string bytes;
   const Target target(cairo_pdf_surface_create_for_stream(
-      append, &bytes, picture.width() * PointsPerPixel, picture.height() * PointsPerPixel));
-  check(cairo_surface_status(target.get()));
+      appendBytes, &bytes, picture.width() * PointsPerPixel, picture.height() * PointsPerPixel));
+  checkCairo(cairo_surface_status(target.get()));
   if (!picture.title().empty()) {
     cairo_pdf_surface_set_metadata(target.get(), CAIRO_PDF_METADATA_TITLE,
                                    xmlText(picture.title()).c_str());
@@ -170,7 +155,7 @@ std::string CairoWriter::pdf(const VectorPicture& picture) {
 std::string CairoWriter::eps(const VectorPicture& picture) {
   std::string bytes;
   const Target target(cairo_ps_surface_create_for_stream(
-      append, &bytes, picture.width() * PointsPerPixel, picture.height() * PointsPerPixel));
+      appendBytes, &bytes, picture.width() * PointsPerPixel, picture.height() * PointsPerPixel));
   cairo_ps_surface_set_eps(target.get(), 1);
   cairo_ps_surface_restrict_to_level(target.get(), CAIRO_PS_LEVEL_3);
   finish(target.get(), picture, Transparency::Flattened);
@@ -185,7 +170,7 @@ std::string CairoWriter::png(const VectorPicture& picture, double scale) {
     throw std::invalid_argument("the scale of the picture gives no size of 1 to 16384 pixels");
   const Target target(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width),
                                                  static_cast<int>(height)));
-  check(cairo_surface_status(target.get()));
+  checkCairo(cairo_surface_status(target.get()));
   {
     const Context white(cairo_create(target.get()));
     cairo_set_source_rgb(white.get(), 1.0, 1.0, 1.0);
@@ -193,7 +178,7 @@ std::string CairoWriter::png(const VectorPicture& picture, double scale) {
   }
   draw(target.get(), picture, scale);
   std::string bytes;
-  check(cairo_surface_write_to_png_stream(target.get(), append, &bytes));
+  checkCairo(cairo_surface_write_to_png_stream(target.get(), appendBytes, &bytes));
   return bytes;
 }
 

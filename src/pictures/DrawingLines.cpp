@@ -1,0 +1,114 @@
+// Line work of drawings: a layer for each kind, in it a path for each object, or for plotters one
+// path for each kind.
+
+#include "pictures/DrawingParts.h"
+#include "pictures/Strokes.h"
+
+#include <algorithm>
+#include <map>
+
+namespace Lumivane::Pictures {
+
+using Line = Drawing::Line;
+
+const char* lineKindName(LineKind kind) {
+  switch (kind) {
+    case LineKind::Outline:
+      return "outline";
+    case LineKind::Silhouette:
+      return "silhouette";
+    case LineKind::Crease:
+      return "crease";
+    case LineKind::Inner:
+      return "inner";
+    case LineKind::Crossing:
+      return "crossing";
+    case LineKind::Field:
+      return "field";
+    case LineKind::Hidden:
+      break;
+  }
+  return "hidden";
+}
+
+namespace {
+
+// Hidden lines first, then thin ones, so that thick ones lie over them.
+constexpr LineKind DrawingOrder[] = {LineKind::Hidden,   LineKind::Inner,      LineKind::Crease,
+                                     LineKind::Crossing, LineKind::Silhouette, LineKind::Outline};
+const std::vector<double> Dashes = {1.6, 0.9};  // mm
+
+int objectOf(const DrawnScene& scene, const DrawnLine& line) {
+  if (line.cell >= 0) return scene.map.cells[static_cast<std::size_t>(line.cell)].label.object;
+  if (line.region < 0) return 0;
+  return scene.map.names->regions[static_cast<std::size_t>(line.region)].object;
+}
+
+void count(const std::vector<Line>& lines, Drawing::Counts& counts) {
+  counts.paths += lines.size();
+  counts.drawn += lengthOf(lines);
+  counts.travel += penTravel(lines);
+}
+
+Drawing::Path pathOf(const DrawnScene& scene, LineKind kind, std::vector<Line> lines) {
+  Drawing::Path path;
+  path.lines = std::move(lines);
+  path.color = kind == LineKind::Hidden ? Grey : Black;
+  path.width = scene.options.widths[static_cast<std::size_t>(kind)];
+  if (kind == LineKind::Hidden) path.dashes = Dashes;
+  return path;
+}
+
+void addKind(const DrawnScene& scene, const CellLooks& looks, LineKind kind,
+             const std::vector<DrawnLine>& lines, Drawing& drawing) {
+  std::map<int, std::vector<Line>> byObject;
+  std::size_t& counted = drawing.counts.lines[static_cast<std::size_t>(kind)];
+  const bool apart = scene.options.groups != DrawingGroups::None && !scene.options.strokes;
+  std::vector<PlaneLine> parts;
+  for (const DrawnLine& line : lines) {
+    if (line.kind != kind) continue;
+    parts.clear();
+    scene.plane.addLine(line.from, line.to, parts);
+    counted += parts.size();
+    for (const PlaneLine& part : parts)
+      byObject[apart ? objectOf(scene, line) : 0].push_back(scene.paper(part));
+  }
+  if (byObject.empty() || !(scene.options.widths[static_cast<std::size_t>(kind)] > 0.0)) return;
+  Drawing::Group layer;
+  layer.id = lineKindName(kind);
+  layer.name = lineKindName(kind);
+  layer.isLayer = true;
+  for (auto& entry : byObject) {
+    std::vector<Line> joined = joinedLines(entry.second);
+    if (scene.options.strokes) joined = orderedForPen(joined);
+    if (joined.empty()) continue;
+    count(joined, drawing.counts);
+    Drawing::Path path = pathOf(scene, kind, std::move(joined));
+    if (apart) {
+      path.id = std::string(lineKindName(kind)) + "-o" + std::to_string(entry.first);
+      path.title = looks.objectName(entry.first);
+    }
+    layer.paths.push_back(std::move(path));
+  }
+  drawing.layers.push_back(std::move(layer));
+}
+
+}  // namespace
+
+void addLines(const DrawnScene& scene, const CellLooks& looks, const std::vector<DrawnLine>& lines,
+              Drawing& drawing) {
+  for (const LineKind kind : DrawingOrder) addKind(scene, looks, kind, lines, drawing);
+  const double width = scene.options.widths[static_cast<std::size_t>(LineKind::Field)];
+  if (scene.options.projection == DrawingProjection::Parallel || !(width > 0.0)) return;
+  Drawing::Group layer;
+  layer.id = lineKindName(LineKind::Field);
+  layer.name = layer.id;
+  layer.isLayer = true;
+  Drawing::Path path = pathOf(scene, LineKind::Field, {scene.paper(scene.plane.border())});
+  path.closed = true;
+  drawing.counts.lines[static_cast<std::size_t>(LineKind::Field)] = 1;
+  layer.paths.push_back(std::move(path));
+  drawing.layers.push_back(std::move(layer));
+}
+
+}  // namespace Lumivane::Pictures
