@@ -33,6 +33,7 @@ void draw(cairo_t* context, const Drawing::Path& path) {
   if (path.color && path.width > 0.0) {
     setColor(context, *path.color);
     cairo_set_line_width(context, path.width);
+    cairo_set_line_cap(context, path.roundEnds ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
     cairo_set_dash(context, path.dashes.data(), static_cast<int>(path.dashes.size()), 0.0);
     cairo_stroke(context);
   }
@@ -61,7 +62,6 @@ void draw(cairo_surface_t* target, const Drawing& drawing, double scale) {
   cairo_t* const c = context.get();
   cairo_scale(c, scale, scale);
   cairo_set_line_join(c, CAIRO_LINE_JOIN_ROUND);
-  cairo_set_line_cap(c, CAIRO_LINE_CAP_ROUND);
   cairo_set_fill_rule(c, CAIRO_FILL_RULE_EVEN_ODD);
   cairo_select_font_face(c, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
   if (drawing.background) {

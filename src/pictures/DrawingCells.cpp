@@ -22,7 +22,7 @@ using Visibility::Label;
 
 constexpr Color White{255, 255, 255, 1.0};
 constexpr double AmbientLight = 0.35;
-constexpr double SeamWidth = 0.15;  // mm
+constexpr double SeamWidth = 0.4;  // mm
 
 Vec3 unit(Vec3 v) {
   const double length = Kernel::length3(v);
@@ -99,26 +99,77 @@ bool isDrawn(const DrawingOptions& options, LineKind kind) {
   return options.widths[static_cast<std::size_t>(kind)] > 0.0;
 }
 
-// Lines of a cell's colour along edges that have none of their own: where a renderer smooths the
-// fills on both sides, no background shines through.
-void addSeams(const DrawnScene& scene, const CellLooks& looks, const std::vector<DrawnLine>& lines,
-              Group& layer) {
-  std::map<std::tuple<int, int, int>, Drawing::Path> byColor;
-  for (const DrawnLine& line : lines) {
-    if (line.otherCell < 0 || line.cell < 0 || isDrawn(scene.options, line.kind)) continue;
-    const Label& label = scene.map.cells[static_cast<std::size_t>(line.cell)].label;
-    const Label& other = scene.map.cells[static_cast<std::size_t>(line.otherCell)].label;
-    if (label.object == 0 || other.object == 0) continue;
-    const Color color = looks.fill(label);
-    Drawing::Path& path = byColor[{color.red, color.green, color.blue}];
-    path.color = color;
+using ColorKey = std::tuple<int, int, int>;
+
+ColorKey keyOf(const Color& color) { return {color.red, color.green, color.blue}; }
+
+// Where a renderer smooths the fills on both sides of an edge without a line, the background must
+// not shine through. Under cells of one colour lies what they cover together, in one path, which
+// has no seams; under an edge between two colours a line of one of them.
+class Seams {
+ public:
+  Seams(const DrawnScene& theScene, const CellLooks& looks)
+      : scene(theScene), isJoined(theScene.map.cells.size(), 0) {
+    for (const FlatMap::Cell& cell : scene.map.cells) colors.push_back(looks.fill(cell.label));
+  }
+
+  void add(const DrawnLine& line) {
+    if (!isOpen(line)) return;
+    const auto cell = static_cast<std::size_t>(line.cell);
+    const auto other = static_cast<std::size_t>(line.otherCell);
+    if (keyOf(colors[cell]) == keyOf(colors[other])) {
+      isJoined[cell] = isJoined[other] = 1;
+      return;
+    }
+    Drawing::Path& path = lines[keyOf(colors[cell])];
+    path.color = colors[cell];
     path.width = SeamWidth;
     std::vector<PlaneLine> parts;
     scene.plane.addLine(line.from, line.to, parts);
-    for (const PlaneLine& part : parts) path.lines.push_back(scene.paper(part));
+    path.roundEnds = false;
+    for (const PlaneLine& part : parts) addShortened(scene.paper(part), path);
   }
-  for (auto& entry : byColor) layer.paths.push_back(std::move(entry.second));
-}
+
+  void addTo(Group& layer, const std::vector<DrawnCell>& cells) {
+    for (const DrawnCell& cell : cells) {
+      if (isJoined[cell.number] == 0) continue;
+      Drawing::Path& path = areas[keyOf(colors[cell.number])];
+      path.closed = true;
+      path.fill = colors[cell.number];
+      for (const PlaneLine& line : cell.lines) path.lines.push_back(scene.paper(line));
+    }
+    for (auto& entry : areas) layer.paths.push_back(std::move(entry.second));
+    for (auto& entry : lines) layer.paths.push_back(std::move(entry.second));
+  }
+
+ private:
+  bool isOpen(const DrawnLine& line) const {
+    if (line.otherCell < 0 || line.cell < 0 || isDrawn(scene.options, line.kind)) return false;
+    return isSeen(line.cell) && isSeen(line.otherCell);
+  }
+  // So that nothing of it stands out where cells are narrow at its ends.
+  static void addShortened(Drawing::Line line, Drawing::Path& path) {
+    for (int end = 0; end < 2; ++end) {
+      const Drawing::Point a = line[0];
+      const Drawing::Point b = line[1];
+      const double length = std::hypot(b.x - a.x, b.y - a.y);
+      if (length <= 2.0 * SeamWidth) return;
+      const double part = SeamWidth / length;
+      line[0] = {a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
+      std::reverse(line.begin(), line.end());
+    }
+    path.lines.push_back(std::move(line));
+  }
+  bool isSeen(int cell) const {
+    return scene.map.cells[static_cast<std::size_t>(cell)].label.object != 0;
+  }
+
+  const DrawnScene& scene;
+  std::vector<Color> colors;   // of cells
+  std::vector<char> isJoined;  // to a cell of its colour
+  std::map<ColorKey, Drawing::Path> areas;
+  std::map<ColorKey, Drawing::Path> lines;
+};
 
 // ---- labels
 
@@ -288,7 +339,9 @@ void addFills(const DrawnScene& scene, const CellLooks& looks, const std::vector
   seams.id = "seams";
   seams.name = "under seams";
   seams.isLayer = true;
-  addSeams(scene, looks, lines, seams);
+  Seams under(scene, looks);
+  for (const DrawnLine& line : lines) under.add(line);
+  under.addTo(seams, cells);
   if (!seams.paths.empty()) drawing.layers.push_back(std::move(seams));
   Group layer;
   layer.id = "fills";

@@ -79,6 +79,7 @@ class SvgDrawing {
     if (path.color && path.width > 0.0) {
       attribute("stroke", svgColor(*path.color));
       attribute("stroke-width", numbers.text(path.width));
+      if (!path.roundEnds) attribute("stroke-linecap", "butt");
       if (!path.dashes.empty()) attribute("stroke-dasharray", dashes(path));
     }
     VectorPicture::Path shape;

@@ -42,6 +42,7 @@ struct LUMIVANE_PICTURES_EXPORT Drawing {
     std::optional<Color> fill;   ///< even-odd over all lines; without it nothing is filled
     std::optional<Color> color;  ///< of the line; without it none is drawn
     double width = 0.0;          ///< of the line, mm
+    bool roundEnds = true;       ///< whether its ends are round, or cut straight
     std::vector<double> dashes;  ///< mm on and off; empty for a whole line
   };
   /// One line of text.

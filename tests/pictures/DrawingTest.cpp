@@ -1,0 +1,724 @@
+#include "pictures/PngImage.h"
+#include "visibility/Polygons.h"
+
+#include <lumivane/pictures/DrawingOptions.h>
+#include <lumivane/pictures/MapPicture.h>
+#include <lumivane/session/LoadedScene.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+namespace Lumivane::Pictures {
+namespace {
+
+using Test::Image;
+using Visibility::Label;
+using Visibility::PolygonScene;
+using Visibility::SceneIndex;
+using Visibility::Vector;
+using namespace Visibility::Samples;
+
+constexpr double Pi = 3.141592653589793;
+
+void addBox(PolygonBuilder& builder, int object, const Vector& low, const Vector& high) {
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    for (const bool isHigh : {false, true}) {
+      const std::size_t u = (axis + 1) % 3;
+      const std::size_t v = (axis + 2) % 3;
+      Outline outline(4, low);
+      for (Vector& p : outline) p[axis] = isHigh ? high[axis] : low[axis];
+      outline[1][u] = outline[2][u] = high[u];
+      outline[2][v] = outline[3][v] = high[v];
+      // Clockwise as seen from outside.
+      if (isHigh) std::reverse(outline.begin(), outline.end());
+      builder.add(outline, object);
+    }
+}
+
+PolygonScene box() {
+  PolygonBuilder builder;
+  addBox(builder, 1, {0, 0, 0}, {2, 3, 1});
+  return builder.scene;
+}
+
+// Some stand on each other, touch, or run through each other.
+PolygonScene town() {
+  PolygonBuilder builder;
+  Random random(11);
+  for (int i = 0; i < 24; ++i) {
+    const double x = std::floor(random.between(0, 12));
+    const double y = std::floor(random.between(0, 12));
+    addBox(builder, i + 1, {x, y, 0},
+           {x + 1 + i % 2, y + 1, 0.5 + 0.5 * std::floor(random.between(0, 6))});
+  }
+  return builder.scene;
+}
+
+DrawingOptions parallelAlong(const Vector& direction) {
+  DrawingOptions options;
+  options.projection = DrawingProjection::Parallel;
+  options.forward = direction;
+  return options;
+}
+
+Drawing draw(const SceneIndex& index, const DrawingOptions& options) {
+  return drawScene(index, DrawingColors(), options);
+}
+
+const Drawing::Group* layerOf(const Drawing& drawing, const std::string& id) {
+  for (const Drawing::Group& layer : drawing.layers)
+    if (layer.id == id) return &layer;
+  return nullptr;
+}
+
+std::vector<Drawing::Line> linesOf(const Drawing& drawing, const std::string& id) {
+  std::vector<Drawing::Line> lines;
+  if (const Drawing::Group* layer = layerOf(drawing, id))
+    for (const Drawing::Path& path : layer->paths)
+      lines.insert(lines.end(), path.lines.begin(), path.lines.end());
+  return lines;
+}
+
+std::size_t countOf(const Drawing& drawing, LineKind kind) {
+  return drawing.counts.lines[static_cast<std::size_t>(kind)];
+}
+
+// ---- pictures beside rays
+
+// A place of the frame, from its middle to its borders -1 to 1, to a direction in the axes of the
+// eye: x right, y up, z forward; nothing beyond the picture.
+using Inverse = std::function<std::optional<Vector>(double x, double y)>;
+
+Vector inScene(const DrawingOptions& options, const Vector& d) {
+  const Vector forward = unit(options.forward);
+  const Vector right = unit(cross(forward, options.up));
+  const Vector up = cross(right, forward);
+  return plus(plus(times(d[0], right), times(d[1], up)), times(d[2], forward));
+}
+
+std::optional<Vector> onDisc(double x, double y, const std::function<double(double)>& angle) {
+  const double radius = std::hypot(x, y);
+  if (radius >= 1.0) return {};
+  const double t = angle(radius);
+  const double across = radius > 0.0 ? std::sin(t) / radius : 0.0;
+  return Vector{across * x, across * y, std::cos(t)};
+}
+
+Vector byAngles(double azimuth, double elevation) {
+  return {std::cos(elevation) * std::sin(azimuth), std::sin(elevation),
+          std::cos(elevation) * std::cos(azimuth)};
+}
+
+Inverse inverseOf(const DrawingOptions& options) {
+  switch (options.projection) {
+    case DrawingProjection::Orthographic:
+      return [](double x, double y) { return onDisc(x, y, [](double r) { return std::asin(r); }); };
+    case DrawingProjection::Equidistant:
+      return [](double x, double y) { return onDisc(x, y, [](double r) { return r * Pi / 2; }); };
+    case DrawingProjection::Equisolid:
+      return [](double x, double y) {
+        return onDisc(x, y, [](double r) { return 2.0 * std::asin(r * std::sqrt(0.5)); });
+      };
+    case DrawingProjection::Stereographic:
+      return [](double x, double y) {
+        return onDisc(x, y, [](double r) { return 2.0 * std::atan(r); });
+      };
+    case DrawingProjection::Equirectangular: {
+      const double widest = options.isWhole ? Pi : Pi / 2;
+      return [widest](double x, double y) { return byAngles(x * widest, y * Pi / 2); };
+    }
+    case DrawingProjection::Cylindrical: {
+      const double most = std::tan(options.fieldOfView * Pi / 360);
+      return [most](double x, double y) { return byAngles(x * Pi, std::atan(y * most)); };
+    }
+    case DrawingProjection::Perspective:
+    case DrawingProjection::Parallel:
+      break;
+  }
+  const double half = std::tan(options.fieldOfView * Pi / 360);
+  return [half, options](double x, double y) {
+    return Vector{half * (x + 2.0 * options.shift[0]),
+                  half / options.aspect * (y + 2.0 * options.shift[1]), 1.0};
+  };
+}
+
+constexpr double Dpi = 110.0;
+// Sum over the channels; objects differ by more. Where many cells meet in a pixel, smoothing lets a
+// little of what lies under them through.
+constexpr int SameColor = 48;
+
+// The object that a ray through a place of the page meets; -1 beyond the picture.
+using ObjectAt = std::function<int(double x, double y)>;
+
+struct Compared {
+  int asked = 0;
+  int wrong = 0;
+};
+
+// Compares the colours of pixels that are farther than 1.5 pixels from any other object.
+Compared compareWithRays(const std::string& png, const ObjectAt& objectAt) {
+  const Image image(png);
+  const MapColors colors;
+  Compared result;
+  const double pixel = 25.4 / Dpi;
+  for (int y = 3; y < image.height() - 3; y += 5)
+    for (int x = 3; x < image.width() - 3; x += 5) {
+      const auto at = [&](double dx, double dy) {
+        return objectAt((x + 0.5 + dx) * pixel, (y + 0.5 + dy) * pixel);
+      };
+      const int object = at(0.0, 0.0);
+      if (object < 0) continue;
+      ++result.asked;
+      const auto color = colors.fill({object, 1, 1});
+      const Test::Rgb seen = image.at(x, y);
+      if (std::abs(seen[0] - color.red) + std::abs(seen[1] - color.green) +
+              std::abs(seen[2] - color.blue) <=
+          SameColor)
+        continue;
+      bool isInside = true;
+      for (int i = 0; i < 16 && isInside; ++i)
+        isInside = at(1.5 * std::cos(i * Pi / 8), 1.5 * std::sin(i * Pi / 8)) == object;
+      if (isInside) ++result.wrong;
+    }
+  return result;
+}
+
+DrawingOptions filled(DrawingOptions options) {
+  options.fill = DrawingFill::Object;
+  options.widths.fill(0.0);
+  options.contentWidth = 90.0;
+  options.flatness = 2.54 / Dpi;
+  return options;
+}
+
+Compared compareWithRays(const SceneIndex& index, DrawingOptions options) {
+  options = filled(options);
+  const Drawing drawing = draw(index, options);
+  const Inverse inverse = inverseOf(options);
+  const auto& frame = drawing.frame;
+  return compareWithRays(DrawingWriter::png(drawing, Dpi), [&](double x, double y) {
+    const double u = 2.0 * (x - frame[0]) / (frame[2] - frame[0]) - 1.0;
+    const double v = 1.0 - 2.0 * (y - frame[1]) / (frame[3] - frame[1]);
+    if (std::fabs(u) >= 1.0 || std::fabs(v) >= 1.0) return -1;
+    const std::optional<Vector> d = inverse(u, v);
+    if (!d) return -1;
+    return index.seenIn(options.eye, {inScene(options, *d)})[0].label.object;
+  });
+}
+
+SceneIndex streetIndex() {
+  return SceneIndex(Session::LoadedScene::fromFile(LUMIVANE_SCENES "/street.json"));
+}
+
+DrawingOptions streetView(DrawingProjection projection) {
+  DrawingOptions options;
+  options.projection = projection;
+  options.eye = {-5.3, -1.37, 3.4};
+  options.forward = {1, 0.07, 0.04};
+  options.fieldOfView = 80.0;
+  options.shift = {0.1, 0.15};
+  return options;
+}
+
+class DrawingBesideRays : public testing::TestWithParam<DrawingProjection> {};
+
+TEST_P(DrawingBesideRays, ShowsWhatEachRayMeets) {
+  const SceneIndex index = streetIndex();
+  const Compared compared = compareWithRays(index, streetView(GetParam()));
+  EXPECT_LT(1500, compared.asked);
+  EXPECT_EQ(0, compared.wrong);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Projections, DrawingBesideRays,
+    testing::Values(DrawingProjection::Orthographic, DrawingProjection::Equidistant,
+                    DrawingProjection::Equisolid, DrawingProjection::Stereographic,
+                    DrawingProjection::Equirectangular, DrawingProjection::Cylindrical,
+                    DrawingProjection::Perspective));
+
+TEST(Drawing, AllAroundIsCutCleanlyBehindTheEye) {
+  const SceneIndex index = streetIndex();
+  DrawingOptions options = streetView(DrawingProjection::Equirectangular);
+  options.isWhole = true;
+  const Compared compared = compareWithRays(index, options);
+  EXPECT_LT(2000, compared.asked);
+  EXPECT_EQ(0, compared.wrong);
+}
+
+TEST(Drawing, ParallelPicturesShowWhatParallelRaysMeet) {
+  const PolygonScene scene = town();
+  const SceneIndex index(scene);
+  for (const Vector direction :
+       {Vector{0, 0, -1}, Vector{0, 1, 0}, Vector{-1, 1, -1}, Vector{0.3, -0.8, -0.4}}) {
+    const DrawingOptions options = filled(parallelAlong(direction));
+    const auto map = index.lookAlong({direction, options.up, false, 1, nullptr});
+    double low[2] = {1e300, 1e300};
+    double high[2] = {-1e300, -1e300};
+    for (const Vector& p : scene.points)
+      for (std::size_t i : {0U, 1U}) {
+        const double at = dot(p, i == 0 ? map.right : map.up);
+        low[i] = std::min(low[i], at);
+        high[i] = std::max(high[i], at);
+      }
+    const Drawing drawing = draw(index, options);
+    const auto& frame = drawing.frame;
+    const double scale = (frame[2] - frame[0]) / (high[0] - low[0]);
+    EXPECT_NEAR((frame[3] - frame[1]) / (high[1] - low[1]), scale, 1e-9 * scale);
+    const Compared compared =
+        compareWithRays(DrawingWriter::png(drawing, Dpi), [&](double x, double y) {
+          if (x <= frame[0] || x >= frame[2] || y <= frame[1] || y >= frame[3]) return -1;
+          const double right = low[0] + (x - frame[0]) / scale;
+          const double up = high[1] - (y - frame[1]) / scale;
+          const Vector eye =
+              plus(plus(times(right, map.right), times(up, map.up)), times(-100.0, map.direction));
+          return index.seenIn(eye, {map.direction})[0].label.object;
+        });
+    EXPECT_LT(1000, compared.asked);
+    EXPECT_EQ(0, compared.wrong);
+  }
+}
+
+// ---- lines
+
+TEST(Drawing, ABoxHasAnOutlineOfSixEdgesThreeCreasesAndThreeHiddenEdges) {
+  DrawingOptions options = parallelAlong({-1, 1, -1});
+  options.hidden = true;
+  const Drawing drawing = draw(SceneIndex(box()), options);
+  EXPECT_EQ(6U, countOf(drawing, LineKind::Outline));
+  EXPECT_EQ(3U, countOf(drawing, LineKind::Crease));
+  EXPECT_EQ(3U, countOf(drawing, LineKind::Hidden));
+  EXPECT_EQ(0U, countOf(drawing, LineKind::Silhouette));
+  ASSERT_EQ(1U, linesOf(drawing, "outline").size());
+  EXPECT_EQ(7U, linesOf(drawing, "outline")[0].size());
+}
+
+TEST(Drawing, HiddenEdgesThatLieUnderVisibleOnesAreNotDrawn) {
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.hidden = true;
+  const Drawing drawing = draw(SceneIndex(box()), options);
+  EXPECT_EQ(4U, countOf(drawing, LineKind::Outline));
+  EXPECT_EQ(0U, countOf(drawing, LineKind::Hidden));
+}
+
+TEST(Drawing, AnEdgeBendsByMoreThanTheCreaseAngleOrIsAnInnerOne) {
+  PolygonBuilder builder;  // a roof that bends by 2 atan(0.1), 11.4 degrees
+  builder.add({{0, 0, 0}, {0, 2, 0}, {1, 2, 0.1}, {1, 0, 0.1}});
+  builder.add({{1, 0, 0.1}, {1, 2, 0.1}, {2, 2, 0}, {2, 0, 0}});
+  const SceneIndex index(builder.scene);
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.creaseAngle = 11.0;
+  EXPECT_EQ(1U, countOf(draw(index, options), LineKind::Crease));
+  options.creaseAngle = 12.0;
+  EXPECT_EQ(0U, countOf(draw(index, options), LineKind::Crease));
+  EXPECT_EQ(1U, countOf(draw(index, options), LineKind::Inner));
+}
+
+TEST(Drawing, SurfacesThatRunThroughEachOtherHaveACrossingLine) {
+  PolygonBuilder builder;
+  builder.add({{0, 0, 0}, {0, 2, 0}, {2, 2, 1}, {2, 0, 1}}, 1);
+  builder.add({{0, 0, 1}, {0, 2, 1}, {2, 2, 0}, {2, 0, 0}}, 2);
+  const Drawing drawing = draw(SceneIndex(builder.scene), parallelAlong({0, 0, -1}));
+  EXPECT_EQ(1U, countOf(drawing, LineKind::Crossing));
+}
+
+double distanceTo(const std::vector<Drawing::Line>& lines, const Drawing::Point& p) {
+  double nearest = 1e300;
+  for (const Drawing::Line& line : lines)
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) {
+      const Drawing::Point a = line[i];
+      const Drawing::Point b = line[i + 1];
+      const double square = (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
+      double t =
+          square > 0.0 ? ((p.x - a.x) * (b.x - a.x) + (p.y - a.y) * (b.y - a.y)) / square : 0.0;
+      t = std::clamp(t, 0.0, 1.0);
+      nearest =
+          std::min(nearest, std::hypot(a.x + t * (b.x - a.x) - p.x, a.y + t * (b.y - a.y) - p.y));
+    }
+  return nearest;
+}
+
+enum class Met { Nothing, Something, AnotherAtTheSamePlace };
+
+// What is in front of a point of an edge, by a ray.
+Met metOnTheWay(const SceneIndex& index, const Visibility::ParallelMap& names, const Vector& eye,
+                const Visibility::SceneEdge& edge, const Vector& point) {
+  const Vector d = minus(point, eye);
+  const auto isOwn = [&](const Label& label) {
+    return std::any_of(edge.sides.begin(), edge.sides.end(), [&](const auto& side) {
+      return side.region >= 0 &&
+             names.names->regions[static_cast<std::size_t>(side.region)] == label;
+    });
+  };
+  // On the edge, and a little beside it to all sides.
+  const Vector aside = times(1e-6 * length(d), unit(cross(d, {0.3, -0.5, 0.8})));
+  const Vector across = times(1e-6 * length(d), unit(cross(d, aside)));
+  Met met = Met::Nothing;
+  for (const auto& [a, b] :
+       {std::make_pair(0.0, 0.0), std::make_pair(1.0, 0.0), std::make_pair(-1.0, 0.0),
+        std::make_pair(0.0, 1.0), std::make_pair(0.0, -1.0)}) {
+    const Vector ray = plus(d, plus(times(a, aside), times(b, across)));
+    const auto seen = index.seenIn(eye, {ray})[0];
+    const double part = seen.distance / length(d);
+    if (seen.label.object == 0 || isOwn(seen.label)) continue;
+    if (std::fabs(part - 1.0) < 1e-4) return Met::AnotherAtTheSamePlace;
+    if (part < 1.0 && a == 0.0 && b == 0.0) met = Met::Something;
+  }
+  return met;
+}
+
+// Asks of points along every edge of a scene whether a ray meets something in front of them, and
+// whether the drawing has them as visible or as hidden.
+void checkEdges(const SceneIndex& index, const DrawingOptions& options,
+                const std::function<Vector(const Vector&)>& eyeFor,
+                const std::function<std::optional<Drawing::Point>(const Vector&)>& place) {
+  const Drawing drawing = draw(index, options);
+  std::vector<Drawing::Line> visible;
+  for (const char* kind : {"outline", "silhouette", "crease", "inner", "crossing"})
+    for (const Drawing::Line& line : linesOf(drawing, kind)) visible.push_back(line);
+  const std::vector<Drawing::Line> hidden = linesOf(drawing, "hidden");
+  const Visibility::ParallelMap names = index.lookAlong();
+  constexpr double Near = 0.01;  // mm
+  int hiddenPoints = 0;
+  int faults = 0;
+  for (const Visibility::SceneEdge& edge : index.edges())
+    for (const double part : {0.0171, 0.213, 0.377, 0.5461, 0.7713, 0.931}) {
+      const Vector point = plus(edge.from, times(part, minus(edge.to, edge.from)));
+      const auto at = place(point);
+      if (!at) continue;
+      const Vector eye = eyeFor(point);
+      const Met met = metOnTheWay(index, names, eye, edge, point);
+      if (met == Met::AnotherAtTheSamePlace) continue;  // painted over in its own plane
+      const bool isHidden = met == Met::Something;
+      const double toVisible = distanceTo(visible, *at);
+      const double toHidden = distanceTo(hidden, *at);
+      hiddenPoints += isHidden ? 1 : 0;
+      if (isHidden ? toVisible > Near && toHidden > Near : toVisible > Near) ++faults;
+      if (!isHidden && toHidden < 1e-6 && toVisible > Near) ++faults;
+    }
+  EXPECT_LT(100, hiddenPoints);
+  EXPECT_EQ(0, faults);
+}
+
+TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItAlongParallelLines) {
+  const PolygonScene scene = town();
+  const SceneIndex index(scene);
+  DrawingOptions options = parallelAlong({0.8, 1, -0.7});
+  options.hidden = true;
+  options.widths.fill(0.2);
+  options.creaseAngle = 0.0;
+  const auto map = index.lookAlong({options.forward, options.up, false, 1, nullptr});
+  double left = 1e300;
+  double right = -1e300;
+  double top = -1e300;
+  for (const Vector& p : scene.points) {
+    left = std::min(left, dot(p, map.right));
+    right = std::max(right, dot(p, map.right));
+    top = std::max(top, dot(p, map.up));
+  }
+  const double scale = options.contentWidth / (right - left);
+  checkEdges(
+      index, options, [&](const Vector& p) { return plus(p, times(-100.0, map.direction)); },
+      [&](const Vector& p) {
+        return Drawing::Point{options.margin + scale * (dot(p, map.right) - left),
+                              options.margin + scale * (top - dot(p, map.up))};
+      });
+}
+
+TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItInPerspective) {
+  const SceneIndex index(town());
+  DrawingOptions options;
+  options.eye = {-3.1, -4.2, 5.7};
+  options.forward = {1, 1.1, -0.5};
+  options.hidden = true;
+  options.widths.fill(0.2);
+  options.creaseAngle = 0.0;
+  const Vector forward = unit(options.forward);
+  const Vector right = unit(cross(forward, options.up));
+  const Vector up = cross(right, forward);
+  const double half = std::tan(options.fieldOfView * Pi / 360);
+  checkEdges(
+      index, options, [&](const Vector&) { return options.eye; },
+      [&](const Vector& p) -> std::optional<Drawing::Point> {
+        const Vector d = minus(p, options.eye);
+        const double depth = dot(d, forward);
+        if (depth <= 0.0) return {};
+        const double x = dot(d, right) / depth / half;
+        const double y = dot(d, up) / depth / half * options.aspect;
+        if (std::fabs(x) > 0.99 || std::fabs(y) > 0.99) return {};
+        return Drawing::Point{
+            options.margin + 0.5 * options.contentWidth * (1.0 + x),
+            options.margin + 0.5 * options.contentWidth / options.aspect * (1.0 - y)};
+      });
+}
+
+// ---- strokes
+
+TEST(Drawing, StrokesAreDrawnOnceEach) {
+  const SceneIndex index(town());
+  for (const Vector direction : {Vector{0, 0, -1}, Vector{0, 1, 0}, Vector{0.8, 1, -0.7}}) {
+    DrawingOptions options = parallelAlong(direction);
+    options.hidden = true;
+    options.strokes = true;
+    const Drawing drawing = draw(index, options);
+    std::vector<Drawing::Line> pieces;
+    for (const Drawing::Group& layer : drawing.layers)
+      for (const Drawing::Path& path : layer.paths)
+        for (const Drawing::Line& line : path.lines)
+          for (std::size_t i = 0; i + 1 < line.size(); ++i)
+            pieces.push_back({line[i], line[i + 1]});
+    ASSERT_LT(25U, pieces.size());
+    int doubles = 0;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+      const Drawing::Point a = pieces[i][0];
+      const Drawing::Point b = pieces[i][1];
+      for (const double part : {0.31, 0.5, 0.73}) {
+        const Drawing::Point p = {a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
+        for (std::size_t k = 0; k < pieces.size(); ++k) {
+          if (k == i || distanceTo({pieces[k]}, p) > 1e-3) continue;
+          const Drawing::Point c = pieces[k][0];
+          const Drawing::Point d = pieces[k][1];
+          const double sine = ((b.x - a.x) * (d.y - c.y) - (b.y - a.y) * (d.x - c.x)) /
+                              (std::hypot(b.x - a.x, b.y - a.y) * std::hypot(d.x - c.x, d.y - c.y));
+          if (std::fabs(sine) < 1e-3) ++doubles;
+        }
+      }
+    }
+    EXPECT_EQ(0, doubles);
+  }
+}
+
+TEST(Drawing, StrokesAreLongPathsWithLittleTravelBetweenThem) {
+  const SceneIndex index(town());
+  DrawingOptions options = parallelAlong({0.8, 1, -0.7});
+  options.groups = DrawingGroups::None;
+  const Drawing plain = draw(index, options);
+  options.strokes = true;
+  const Drawing strokes = draw(index, options);
+  std::size_t lines = 0;
+  for (const std::size_t count : strokes.counts.lines) lines += count;
+  EXPECT_LT(2 * strokes.counts.paths, lines);
+  EXPECT_LT(strokes.counts.travel, 0.5 * plain.counts.travel);
+  EXPECT_NEAR(plain.counts.drawn, strokes.counts.drawn, 1e-3 * plain.counts.drawn);
+}
+
+// ---- page and files
+
+TEST(Drawing, APlanAtAScaleMeasuresWhatItSays) {
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.up = {0, 1, 0};
+  options.scale = 10.0;
+  options.margin = 7.0;
+  const Drawing drawing = draw(SceneIndex(box()), options);
+  EXPECT_NEAR(34.0, drawing.width, 1e-9);
+  EXPECT_NEAR(44.0, drawing.height, 1e-9);
+  EXPECT_NEAR(7.0, drawing.frame[0], 1e-9);
+  EXPECT_NEAR(27.0, drawing.frame[2], 1e-9);
+}
+
+TEST(Drawing, APageKeepsItsSizeAndTheDrawingItsMargins) {
+  DrawingOptions options = parallelAlong({1, 2, -1});
+  options.page = {210, 297};
+  options.margin = 20.0;
+  const Drawing drawing = draw(SceneIndex(town()), options);
+  EXPECT_EQ(210.0, drawing.width);
+  EXPECT_EQ(297.0, drawing.height);
+  for (const char* kind : {"outline", "silhouette", "crease"})
+    for (const Drawing::Line& line : linesOf(drawing, kind))
+      for (const Drawing::Point& p : line) {
+        EXPECT_LE(20.0 - 1e-9, std::min(p.x, p.y));
+        EXPECT_GE(190.0 + 1e-9, p.x);
+        EXPECT_GE(277.0 + 1e-9, p.y);
+      }
+}
+
+TEST(Drawing, AtALargeScaleThePageShowsTheMiddle) {
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.page = {100, 80};
+  options.scale = 20.0;
+  options.fill = DrawingFill::White;
+  const Drawing drawing = draw(SceneIndex(town()), options);
+  for (const Drawing::Line& line : linesOf(drawing, "outline"))
+    for (const Drawing::Point& p : line) {
+      EXPECT_LE(10.0 - 1e-9, std::min(p.x, p.y));
+      EXPECT_GE(90.0 + 1e-9, p.x);
+      EXPECT_GE(70.0 + 1e-9, p.y);
+    }
+}
+
+TEST(Drawing, BadOptionsAreRefusedInOneLine) {
+  const SceneIndex index(box());
+  const auto fault = [&](const std::function<void(DrawingOptions&)>& change) -> std::string {
+    DrawingOptions options;
+    options.eye = {-5, 1, 0.5};
+    change(options);
+    try {
+      draw(index, options);
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_EQ("", fault([](DrawingOptions&) {}));
+  EXPECT_EQ("the field of view is to be above 0 and below 180 degrees",
+            fault([](DrawingOptions& o) { o.fieldOfView = 0.0; }));
+  EXPECT_EQ("the field of view is to be above 0 and below 180 degrees",
+            fault([](DrawingOptions& o) { o.fieldOfView = 180.0; }));
+  EXPECT_EQ("nothing of the scene is in the picture: look from elsewhere",
+            fault([](DrawingOptions& o) {
+              o.forward = {-1, 0, 0};
+            }));
+  EXPECT_EQ(
+      "the page has no room within its margins: make it larger than twice the margin, or the "
+      "margin smaller",
+      fault([](DrawingOptions& o) {
+        o.page = {19, 200};
+      }));
+  EXPECT_EQ("forward is zero", fault([](DrawingOptions& o) { o.forward = {0, 0, 0}; }));
+  EXPECT_EQ("the direction is zero", fault([](DrawingOptions& o) {
+              o.projection = DrawingProjection::Parallel;
+              o.forward = {0, 0, 0};
+            }));
+}
+
+TEST(Drawing, AnEyeInThePlaneOfAPolygonSeesNothingOfIt) {
+  PolygonBuilder builder;
+  builder.add({{1, -1, 0}, {1, 1, 0}, {3, 1, 0}, {3, -1, 0}});
+  const SceneIndex index(builder.scene);
+  EXPECT_THROW(draw(index, DrawingOptions()), std::runtime_error);
+}
+
+TEST(Drawing, SvgGroupsAreLayersWithIdsOfTheirOwn) {
+  DrawingOptions options = parallelAlong({1, 2, -1});
+  options.hidden = true;
+  options.fill = DrawingFill::Shading;
+  options.groups = DrawingGroups::Face;
+  options.labels = DrawingLabels::Id;
+  const std::string svg = DrawingWriter::svg(draw(SceneIndex(town()), options));
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_string(svg.c_str()));
+  EXPECT_STREQ("200mm", document.child("svg").attribute("width").value());
+  std::map<std::string, int> ids;
+  for (const pugi::xpath_node& node : document.select_nodes("//*[@id]"))
+    ++ids[node.node().attribute("id").value()];
+  for (const auto& entry : ids) EXPECT_EQ(1, entry.second) << entry.first;
+  for (const char* layer : {"fills", "hidden", "crease", "silhouette", "outline", "labels"}) {
+    EXPECT_EQ(1, ids[layer]) << layer;
+    const auto found = document.child("svg").find_child_by_attribute("g", "id", layer);
+    EXPECT_STREQ("layer", found.attribute("inkscape:groupmode").value());
+  }
+  EXPECT_LT(10U, document.select_nodes("//g[@id='fills']/g/g/path").size());
+}
+
+TEST(Drawing, SvgTakesNoMoreThanSixtyBytesAVertex) {
+  const SceneIndex index = streetIndex();
+  DrawingOptions options = streetView(DrawingProjection::Perspective);
+  const std::string svg = DrawingWriter::svg(draw(index, options));
+  std::size_t vertices = 0;
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_string(svg.c_str()));
+  for (const pugi::xpath_node& node : document.select_nodes("//path")) {
+    std::istringstream data(node.node().attribute("d").value());
+    std::string word;
+    std::size_t words = 0;
+    while (data >> word) ++words;
+    vertices += words / 2;
+  }
+  EXPECT_LT(1000U, vertices);
+  EXPECT_LT(svg.size(), 60 * vertices);
+}
+
+TEST(Drawing, DxfIsAListOfPairsWithALayerForEachKind) {
+  DrawingOptions options = parallelAlong({1, 2, -1});
+  options.hidden = true;
+  options.fill = DrawingFill::None;
+  const Drawing drawing = draw(SceneIndex(town()), options);
+  std::istringstream text(DrawingWriter::dxf(drawing));
+  std::string code;
+  std::string value;
+  std::string last;
+  std::map<std::string, int> layers;
+  std::size_t entities = 0;
+  while (std::getline(text, code) && std::getline(text, value)) {
+    const int number = std::stoi(code);
+    if (number == 0) last = value;
+    if (number == 8) ++layers[value];
+    entities += number == 0 && (value == "LINE" || value == "POLYLINE") ? 1 : 0;
+    if (number == 10 || number == 20) {
+      EXPECT_LE(-1e-4, std::stod(value));
+      EXPECT_GE((number == 10 ? drawing.width : drawing.height) + 1e-4, std::stod(value));
+    }
+  }
+  EXPECT_EQ("EOF", last);
+  EXPECT_EQ(drawing.counts.paths, entities);
+  for (const char* layer : {"HIDDEN", "CREASE", "SILHOUETTE", "OUTLINE"})
+    EXPECT_LT(0, layers[layer]) << layer;
+}
+
+TEST(Drawing, EqualDrawingsGiveEqualBytesFromAnyNumberOfThreads) {
+  const SceneIndex index = streetIndex();
+  DrawingOptions options = streetView(DrawingProjection::Equisolid);
+  options.hidden = true;
+  options.threads = 1;
+  const Drawing one = draw(index, options);
+  options.threads = 3;
+  const Drawing three = draw(index, options);
+  EXPECT_EQ(DrawingWriter::svg(one), DrawingWriter::svg(three));
+  EXPECT_EQ(DrawingWriter::pdf(one), DrawingWriter::pdf(three));
+}
+
+TEST(Drawing, LabelsStandInTheirCellsOrHaveALeader) {
+  PolygonBuilder builder;
+  builder.scene.objectIds = {"meadow", "a long name for a small patch"};
+  builder.add({{0, 0, 0}, {0, 20, 0}, {30, 20, 0}, {30, 0, 0}}, 1);
+  builder.add({{40, 10, 0}, {40, 11, 0}, {41, 11, 0}, {41, 10, 0}}, 2);
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.labels = DrawingLabels::Id;
+  const Drawing drawing = draw(SceneIndex(builder.scene), options);
+  const Drawing::Group* labels = layerOf(drawing, "labels");
+  ASSERT_NE(nullptr, labels);
+  ASSERT_EQ(2U, labels->texts.size());
+  EXPECT_EQ("meadow", labels->texts[0].text);
+  const double scale = (drawing.frame[2] - drawing.frame[0]) / 41.0;
+  EXPECT_LT(labels->texts[0].place.x, drawing.frame[0] + 30.0 * scale);
+  EXPECT_EQ(1U, labels->paths.size());  // the leader
+}
+
+TEST(Drawing, AFisheyeHasRingsAndMarksWhereTheDirectionsLie) {
+  DrawingOptions options;
+  options.projection = DrawingProjection::Equidistant;
+  options.eye = {6, 6, 0.2};
+  options.forward = {0, 0, 1};
+  options.up = {0, 1, 0};
+  options.rings = 30.0;
+  options.north = true;
+  options.sky = Drawing::Color{200, 220, 255, 1.0};
+  const Drawing drawing = draw(SceneIndex(town()), options);
+  const Drawing::Group* marks = layerOf(drawing, "marks");
+  ASSERT_NE(nullptr, marks);
+  EXPECT_NE(nullptr, layerOf(drawing, "sky"));
+  const double middle = 0.5 * (drawing.frame[0] + drawing.frame[2]);
+  const double radius = 0.5 * (drawing.frame[2] - drawing.frame[0]);
+  double largest = 0.0;
+  for (const Drawing::Point& p : marks->paths[0].lines[0]) largest = std::max(largest, p.x);
+  EXPECT_NEAR(middle + radius / 3.0, largest, 1e-6);
+  for (const Drawing::Text& text : marks->texts) {
+    if (text.text == "N") {
+      EXPECT_GT(drawing.frame[1], text.place.y - 0.5 * text.height);
+    }
+    // Looking up with north above, east is on the left.
+    if (text.text == "E") {
+      EXPECT_LT(text.place.x, drawing.frame[0]);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Lumivane::Pictures
