@@ -72,6 +72,16 @@ TEST(ImportProgram, ShotOfTheFileIsTheShotOfTheImportedScene) {
   }
 }
 
+// The lid is cut into two triangles, and the eye stands on the cut.
+TEST(ImportProgram, EyeOnAnEdgeIsNamedInTheError) {
+  expectFailure(
+      run({"shot", Cube, "--eye=0,0,1", "--forward=1,0,0"}), 1,
+      "lumivane: " + Cube +
+          ": no shot can be made: Scene::Object \"lid\", region 2: the eye stands on its "
+          "edge 2, so no splitting brings its pieces below the length limit: move the eye "
+          "off the edge");
+}
+
 TEST(ImportProgram, StatisticsOfAShotTellOfTheImport) {
   const TempFolder folder;
   const Result result = run({"shot", House, "--eye", "0.3,-20.1,9", "--forward", "0,1,-0.3",

@@ -55,28 +55,39 @@ Kernel::BackFrame frameOfView(Base::View& view) {
   return Kernel::backFrame(right, forward);
 }
 
-// The number, from 1, of the corner that the eye stands on, as near as single precision tells; or
-// 0.
-std::size_t cornerAt(Vec3 eye, const std::vector<Vec3>& corners) {
+// Whether the eye stands on a point of the edge from `a` to `b`, as near as single precision tells.
+bool isOnEdge(Vec3 eye, Vec3 a, Vec3 b) {
   constexpr double rounding = 0x1p-22;
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    const Vec3& c = corners[i];
-    const double reach = rounding * std::max({std::abs(c.x), std::abs(c.y), std::abs(c.z)});
-    if (std::abs(c.x - eye.x) <= reach && std::abs(c.y - eye.y) <= reach &&
-        std::abs(c.z - eye.z) <= reach)
-      return i + 1;
-  }
-  return 0;
+  const Vec3 edge = b - a;
+  const double along = Kernel::dot(edge, eye - a) / Kernel::dot(edge, edge);
+  const Vec3 nearest = a + (along > 0.0 ? std::min(along, 1.0) : 0.0) * edge;
+  const auto reach = [&](double first, double second) {
+    return rounding * std::max(std::abs(first), std::abs(second));
+  };
+  const double most = std::max({reach(a.x, b.x), reach(a.y, b.y), reach(a.z, b.z)});
+  return std::abs(nearest.x - eye.x) <= most && std::abs(nearest.y - eye.y) <= most &&
+         std::abs(nearest.z - eye.z) <= most;
 }
 
-// An edge that starts at the eye spans an angle however finely it is cut.
+// Where on a polygon's outline the eye stands: "corner 2", "edge 1", numbered from 1, or nothing.
+std::string placeOnOutline(Vec3 eye, const std::vector<Vec3>& corners) {
+  for (std::size_t i = 0; i < corners.size(); ++i)
+    if (isOnEdge(eye, corners[i], corners[i])) return "corner " + std::to_string(i + 1);
+  for (std::size_t i = 0; i < corners.size(); ++i)
+    if (isOnEdge(eye, corners[i], corners[(i + 1) % corners.size()]))
+      return "edge " + std::to_string(i + 1);
+  return "";
+}
+
+// An edge that the eye stands on spans an angle however finely it is cut.
 [[noreturn]] void throwEndlessSplitting(const Scene::Object& object, std::size_t regionIndex,
-                                        std::size_t corner) {
+                                        const std::string& place) {
   const std::string cause =
-      corner == 0 ? "no splitting brings its pieces below the length limit"
-                  : "the eye stands on its corner " + std::to_string(corner) +
-                        ", so no splitting brings its pieces below the length limit: move the eye "
-                        "off the corner";
+      place.empty() ? "no splitting brings its pieces below the length limit"
+                    : "the eye stands on its " + place +
+                          ", so no splitting brings its pieces below the length limit: move the "
+                          "eye off the " +
+                          place.substr(0, place.find(' '));
   throw std::length_error("Scene::Object \"" + object.getId() + "\", region " +
                           std::to_string(regionIndex + 1) + ": " + cause);
 }
@@ -147,7 +158,8 @@ ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPo
                                      budget.left());
       if (!result)
         throwEndlessSplitting(
-            object, r, cornerAt(eyeOf(*setting.view), regionPointsOf(region, setting.points)));
+            object, r,
+            placeOnOutline(eyeOf(*setting.view), regionPointsOf(region, setting.points)));
       budget.take(pointCount(result->polygons));
       projected.plane[r] = std::move(result->polygons);
       projected.recipe.regions[r] = {result->pieceCounts.empty() ? 0 : result->pieceCounts.front(),
