@@ -46,3 +46,14 @@ town() {  # town NAME MODEL CAMERA EYE FORWARD
 
 town delft-air delft spherical 40.3,-75.7,26 0.33,0.6,-0.8
 town delft-street delft normal 28.3,-65.7,6.7 0.6,0.7,-0.05
+
+# Those of the Python examples, where the package is built.
+export PYTHONPATH=$PWD/build/release/python
+if /usr/bin/python3 -c 'import lumivane, matplotlib, geopandas' 2>/dev/null; then
+  /usr/bin/python3 examples/python/sky_view_factor_map.py scenes/models/delft.city.json --spacing 9 \
+    --area=0,-130,190,20 -o "$pictures/python-sky-view-factors.png"
+  /usr/bin/python3 examples/python/fisheye_sun_path.py scenes/street.json --eye=-5.3,-1.37,1.6 \
+    -o "$pictures/python-sun-path.png"
+  /usr/bin/python3 examples/python/nearest_objects.py scenes/room.json --eye 0.35,2.137,1.6 \
+    -o "$pictures/python-nearest-objects.png"
+fi

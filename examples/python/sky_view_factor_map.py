@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """A map of sky view factors over a city model: one exact look straight up from each point of a grid.
 
-    python3 sky_view_factor_map.py MODEL [--spacing 5] [--height 1.7] [-o map.png]
+    python3 sky_view_factor_map.py MODEL [--spacing 5] [--height 1.7] [--area X0,Y0,X1,Y1] [-o map.png]
 
 Eyes inside buildings are left out: where the ray straight down from far above meets a roof higher
 than the eye. Lengths are those of the model, mostly metres.
@@ -36,14 +36,16 @@ def main():
     parser.add_argument("model", help="a city model or any other scene")
     parser.add_argument("--spacing", type=float, default=5.0, help="of the grid")
     parser.add_argument("--height", type=float, default=1.7, help="of the eyes above the ground")
+    parser.add_argument("--area", help="X0,Y0,X1,Y1: the part to map; without it the whole model")
     parser.add_argument("-o", "--out", default="sky-view-factors.png")
     arguments = parser.parse_args()
 
     scene = lumivane.Scene.read(arguments.model)
-    low, high = scene.bounds
-    x, y = np.meshgrid(
-        np.arange(low[0], high[0], arguments.spacing), np.arange(low[1], high[1], arguments.spacing)
+    west, south, east, north = (
+        map(float, arguments.area.split(",")) if arguments.area else scene.bounds[:, :2].ravel()
     )
+    step = arguments.spacing
+    x, y = np.meshgrid(np.arange(west, east, step), np.arange(south, north, step))
     top = ground_heights(scene, x, y)
     ground = np.percentile(top, 5)
     is_outside = top < ground + arguments.height
