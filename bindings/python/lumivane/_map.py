@@ -198,8 +198,8 @@ class VisibleMap:
     ) -> str:
         """The map as an SVG picture; written to `path` if there is one.
 
-        `projection`, as on the command line, is "fisheye" (areas are view factors) or
-        "equirectangular", `width` and `height` are pixels, `color_by` is "brush" (the scene's
+        `projection`, as on the command line, is "fisheye" (areas are view factors), "equidistant"
+        or "equirectangular", `width` and `height` are pixels, `color_by` is "brush" (the scene's
         colours, if it has any) or "object", and `lines` says whether edges are drawn.
         """
         if width is None:
@@ -224,8 +224,8 @@ class VisibleMap:
         """The outlines of the cells in the plane of a projection: for each ring the position of
         its cell and its corners, float, shape (corners, 2).
 
-        In "fisheye" the hemisphere is the unit disc, in "equirectangular" x is the azimuth to the
-        right and y the elevation, both in degrees. Outer rings run against the clock, holes with
+        In the fisheyes the hemisphere is the unit disc; in "equirectangular" x is the azimuth to
+        the right and y the elevation, both in degrees. Outer rings run against the clock, holes with
         it. Arcs become chords that are off them by at most `tolerance` of the plane's units.
         """
         if not tolerance > 0.0:

@@ -52,6 +52,19 @@ def test_outlines_of_a_sphere_fill_the_rectangle_of_degrees(street):
     assert frame.area.sum() == pytest.approx(360 * 180, rel=2e-3)
 
 
+def test_all_fisheyes_fill_the_unit_disc(square):
+    pytest.importorskip("geopandas")
+    exact = square.look((0, 0, 0))
+    areas = {}
+    for projection in ("fisheye", "equidistant"):
+        frame = exact.to_geodataframe(projection, 1e-4)
+        assert frame.area.sum() == pytest.approx(math.pi, rel=1e-3)
+        assert frame.total_bounds == pytest.approx([-1, -1, 1, 1], abs=1e-3)
+        areas[projection] = frame.area[0]
+    # A square around forward: what lies in the middle is smaller where distances are kept.
+    assert 0.3 < areas["equidistant"] / areas["fisheye"] < 0.6
+
+
 def test_a_hole_belongs_to_the_ring_around_it(square):
     pytest.importorskip("geopandas")
     frame = square.look((0, 0, 0)).to_geodataframe(tolerance=1e-4)
