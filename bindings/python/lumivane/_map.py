@@ -225,8 +225,8 @@ class VisibleMap:
         its cell and its corners, float, shape (corners, 2).
 
         In the fisheyes the hemisphere is the unit disc; in "equirectangular" x is the azimuth to
-        the right and y the elevation, both in degrees. Outer rings run against the clock, holes with
-        it. Arcs become chords that are off them by at most `tolerance` of the plane's units.
+        the right and y the elevation, both in degrees. Outer rings run against the clock, holes
+        with it. Arcs become chords that are off them by at most `tolerance` of the plane's units.
         """
         if not tolerance > 0.0:
             raise ValueError("tolerance: it must be greater than 0")
