@@ -51,7 +51,7 @@ void warnIfWrong(const std::string& subject, const ShotAudit& audit) {
 Jzon::Node objectNode(const ObjectAudit& object) {
   Jzon::Node node = Jzon::object();
   node.add("object", numberNode(static_cast<std::size_t>(object.objectNumber)));
-  node.add("id", Jzon::Node(Session::idText(object.id)));
+  node.add("id", textNode(Session::idText(object.id)));
   node.add("shown", numberNode(object.shown));
   node.add("seen", numberNode(object.seen));
   node.add("shown_wrongly", numberNode(object.shownWrongly));

@@ -6,12 +6,12 @@
 #include "HostError.h"
 #include "Options.h"
 #include "SceneSource.h"
+#include "StatsNumbers.h"
 #include "Streams.h"
 #include "Tools.h"
 
 #include <lumivane/check/SceneChecker.h>
 #include <lumivane/jzon/Node.h>
-#include <lumivane/jzon/Writer.h>
 #include <lumivane/session/Faults.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/session/Text.h>
@@ -19,7 +19,6 @@
 #include <algorithm>
 #include <iostream>
 #include <new>
-#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -48,18 +47,6 @@ void print(const std::string& scene, const Findings& findings) {
             << count(findings, Severity::Warning) << " warnings\n";
 }
 
-// A text of any bytes as a JSON text may hold it: the writer escapes line ends and tabs, and no
-// other control characters.
-Jzon::Node textNode(const std::string& text) {
-  std::string clean;
-  for (const char c : Session::utf8Text(text)) {
-    const bool isBare = static_cast<unsigned char>(c) < 0x20 &&
-                        std::string_view("\b\t\n\f\r").find(c) == std::string_view::npos;
-    clean += isBare ? std::string("\xEF\xBF\xBD") : std::string(1, c);
-  }
-  return Jzon::Node(clean);
-}
-
 Jzon::Node node(const Finding& finding) {
   Jzon::Node node = Jzon::object();
   node.add("severity", Jzon::Node(word(finding.severity)));
@@ -77,13 +64,10 @@ void printJson(const std::string& scene, const Findings& findings) {
   for (const Finding& finding : findings) list.add(node(finding));
   Jzon::Node root = Jzon::object();
   root.add("scene", textNode(scene));
-  root.add("errors", Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Error))));
-  root.add("warnings",
-           Jzon::Node(static_cast<unsigned long long>(count(findings, Severity::Warning))));
+  root.add("errors", numberNode(count(findings, Severity::Error)));
+  root.add("warnings", numberNode(count(findings, Severity::Warning)));
   root.add("findings", list);
-  std::string text;
-  Jzon::Writer(Jzon::Format{true, true, true, 1}).writeString(root, text);
-  std::cout << text << '\n';
+  std::cout << jsonText(root);
 }
 
 // A mesh or a city model is checked as the scene that an import makes of it.

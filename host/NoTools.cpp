@@ -27,9 +27,9 @@ void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
 void removeBatchOptions(CLI::App&) {}
 void addGridOptions(CLI::App&, GridOptions&) {}
 std::vector<Command> commands() { return {}; }
-void writeVisible(const ShotOptions&, const Session::TakenShot&, Seconds&) {}
+void writeVisible(const ShotOptions&, ShotShares&, Seconds&) {}
 void writeVectorPictures(const ShotOptions&, Session::LoadedScene&, const Session::TakenShot&,
-                         Seconds&) {}
+                         ShotShares&, Seconds&) {}
 Jzon::Node audit(const ShotOptions&, const Session::TakenShot&, const Session::LoadedScene&,
                  Seconds&) {
   return {};

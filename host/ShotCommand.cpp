@@ -9,6 +9,7 @@
 #include "ProgressBar.h"
 #include "SceneSource.h"
 #include "ShotOutputs.h"
+#include "ShotShares.h"
 #include "Stats.h"
 #include "Tools.h"
 #include "Warnings.h"
@@ -76,9 +77,10 @@ void warnIfInside(const std::string& subject, const TakenShot& shot) {
 
 void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
                   Seconds& seconds) {
+  ShotShares shares(shot);
   writeShot(options, shot, seconds);
-  Tools::writeVisible(options, shot, seconds);
-  Tools::writeVectorPictures(options, scene, shot, seconds);
+  Tools::writeVisible(options, shares, seconds);
+  Tools::writeVectorPictures(options, scene, shot, shares, seconds);
   writePicture(options, shot, seconds);
 }
 

@@ -2,8 +2,10 @@
 
 #include <lumivane/jzon/Format.h>
 #include <lumivane/jzon/Writer.h>
+#include <lumivane/session/Text.h>
 
 #include <charconv>
+#include <string_view>
 
 namespace Lumivane::Host {
 
@@ -15,6 +17,16 @@ Jzon::Node numberNode(double value) {
 
 Jzon::Node numberNode(std::size_t value) {
   return Jzon::Node(static_cast<unsigned long long>(value));
+}
+
+Jzon::Node textNode(const std::string& text) {
+  std::string clean;
+  for (const char c : Session::utf8Text(text)) {
+    const bool isBare = static_cast<unsigned char>(c) < 0x20 &&
+                        std::string_view("\b\t\n\f\r").find(c) == std::string_view::npos;
+    clean += isBare ? std::string("\xEF\xBF\xBD") : std::string(1, c);
+  }
+  return Jzon::Node(clean);
 }
 
 std::string jsonText(const Jzon::Node& root) {

@@ -9,6 +9,7 @@
 #include "ImportOptions.h"
 #include "ImportWork.h"
 #include "OptionParts.h"
+#include "ShotShares.h"
 #include "Stats.h"
 #include "ToolParts.h"
 #include "VectorFiles.h"
@@ -106,16 +107,17 @@ std::vector<Command> commands() {
                                         setImportOptions, runImport)};
 }
 
-void writeVisible(const ShotOptions& options, const Session::TakenShot& shot, Seconds& seconds) {
+void writeVisible(const ShotOptions& options, ShotShares& shares, Seconds& seconds) {
   if (options.visible.empty()) return;
   const Timer timer(seconds.visible);
-  writeVisibleFile(options.visible, shot, options.csvSafe);
+  writeVisibleFile(options.visible, shares.get(), options.csvSafe);
 }
 
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
-                         const Session::TakenShot& shot, Seconds& seconds) {
+                         const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds) {
   const Timer timer(seconds.vector);
-  writeVectorFiles(options.vector, scene, options.view, shot, options.width, options.height);
+  writeVectorFiles(options.vector, scene, options.view, shot, shares, options.width,
+                   options.height);
 }
 
 Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,

@@ -24,6 +24,7 @@ namespace Lumivane::Host {
 struct GridOptions;
 struct Seconds;
 struct ShotOptions;
+class ShotShares;
 
 /// What the program does by means of the components beside the core. Tools.cpp is compiled where
 /// they are built, NoTools.cpp where they are not; nothing else asks whether they are.
@@ -43,9 +44,9 @@ void addGridOptions(CLI::App& command, GridOptions& options);
 /// The commands that need components.
 std::vector<Command> commands();
 
-void writeVisible(const ShotOptions& options, const Session::TakenShot& shot, Seconds& seconds);
+void writeVisible(const ShotOptions& options, ShotShares& shares, Seconds& seconds);
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
-                         const Session::TakenShot& shot, Seconds& seconds);
+                         const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds);
 /// What statistics report of the audit; an invalid node if it was not asked for.
 Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,
                  const Session::LoadedScene& scene, Seconds& seconds);

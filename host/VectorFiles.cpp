@@ -5,8 +5,8 @@
 
 #include "ExactScene.h"
 #include "HostError.h"
+#include "ShotShares.h"
 
-#include <lumivane/measure/VisibleShares.h>
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/SvgWriter.h>
@@ -60,10 +60,10 @@ std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
   return result;
 }
 
-void addToPage(Pictures::HtmlPage& page, const Session::TakenShot& shot,
+void addToPage(Pictures::HtmlPage& page, const Session::TakenShot& shot, ShotShares& shares,
                Pictures::VectorOptions options, const Visibility::MapShares& exact) {
   options.extent = std::max(options.extent, PageExtent);
-  page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()), &exact);
+  page.add(VectorPicture(shot.shot(), options), shares.get(), &exact);
 }
 
 // From where the shot was taken, which may be a little off from where it was to be taken: so the
@@ -142,8 +142,8 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
 }
 
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
-                      const Session::ViewSettings& view, const Session::TakenShot& shot, int width,
-                      int height) {
+                      const Session::ViewSettings& view, const Session::TakenShot& shot,
+                      ShotShares& shares, int width, int height) {
   const std::string first = firstPath(files);
   if (first.empty()) return;
   const Pictures::VectorOptions options = optionsOf(files, scene, width, height);
@@ -153,8 +153,12 @@ void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
     if (!files.html.empty()) {
       Pictures::HtmlPage page(options.title);
       const Visibility::MapShares exact = exactShares(scene, view, shot);
-      addToPage(page, shot, options, exact);
-      if (files.htmlBoth) addToPage(page, otherShot(scene, view), options, exact);
+      addToPage(page, shot, shares, options, exact);
+      if (files.htmlBoth) {
+        const Session::TakenShot other = otherShot(scene, view);
+        ShotShares othersShares(other);
+        addToPage(page, other, othersShares, options, exact);
+      }
       pictures.push_back({files.html, page.text()});
     }
   } catch (const HostError&) {

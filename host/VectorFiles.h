@@ -14,6 +14,8 @@ struct ViewSettings;
 
 namespace Lumivane::Host {
 
+class ShotShares;
+
 /// The vector pictures and the page of a shot to write; none of them needs a display. Only a
 /// program built with Lumivane::pictures has these options, and without them there is nothing to
 /// write.
@@ -38,9 +40,10 @@ void setVectorOptions(CLI::App& command, VectorFiles& files);
 ///
 /// \param scene  what the shot was taken of; for a page with both cameras a second one is taken
 /// \param view   from where the shot was taken
+/// \param shares  of the shot; measured here if a page is the first to ask
 /// \throws HostError that names the file
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
-                      const Session::ViewSettings& view, const Session::TakenShot& shot, int width,
-                      int height);
+                      const Session::ViewSettings& view, const Session::TakenShot& shot,
+                      ShotShares& shares, int width, int height);
 
 }  // namespace Lumivane::Host

@@ -3,7 +3,6 @@
 #include <lumivane/measure/ShareText.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/session/Files.h>
-#include <lumivane/session/TakenShot.h>
 
 #include <filesystem>
 
@@ -21,8 +20,7 @@ std::string visibleFileFault(const std::string& path) {
   return "\"" + path + "\" ends neither in .csv nor in .json";
 }
 
-void writeVisibleFile(const std::string& path, const Session::TakenShot& shot, bool isSafe) {
-  const Measure::VisibleShares shares(shot.shot());
+void writeVisibleFile(const std::string& path, const Measure::VisibleShares& shares, bool isSafe) {
   Session::writeFile(path, ending(path) == ".json" ? Measure::ShareText::json(shares)
                                                    : Measure::ShareText::csv(shares, isSafe));
 }

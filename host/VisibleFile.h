@@ -2,8 +2,8 @@
 
 #include <string>
 
-namespace Lumivane::Session {
-class TakenShot;
+namespace Lumivane::Measure {
+class VisibleShares;
 }
 
 namespace Lumivane::Host {
@@ -12,9 +12,9 @@ namespace Lumivane::Host {
 /// they can.
 std::string visibleFileFault(const std::string& path);
 
-/// Measures what is visible in the shot and writes it, as the file's ending says.
+/// Writes what is visible in a shot, as the file's ending says.
 /// \param isSafe  in a table, ids that a spreadsheet would take for formulas get an apostrophe
 /// \throws HostError
-void writeVisibleFile(const std::string& path, const Session::TakenShot& shot, bool isSafe);
+void writeVisibleFile(const std::string& path, const Measure::VisibleShares& shares, bool isSafe);
 
 }  // namespace Lumivane::Host

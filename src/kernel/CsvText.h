@@ -1,7 +1,10 @@
 #pragma once
 
+#include "kernel/JsonText.h"
+
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// Cells of tables by RFC 4180.
 namespace Lumivane::Kernel {
@@ -27,5 +30,43 @@ inline std::string csvSafe(const std::string& text) {
   if (text.empty() || Leaders.find(text.front()) == std::string_view::npos) return text;
   return "'" + text;
 }
+
+/// One record of a table, field by field.
+class CsvRow {
+ public:
+  /// \param isSafe  texts that a spreadsheet would take for formulas get an apostrophe in front
+  explicit CsvRow(bool isSafe) : safe(isSafe) {}
+
+  /// A text of any bytes: with U+FFFD for what is not UTF-8, in quotes if it needs them.
+  CsvRow& text(const std::string& value) {
+    const std::string clean = utf8Text(value);
+    return add(csvField(safe ? csvSafe(clean) : clean));
+  }
+  CsvRow& number(int value) { return add(std::to_string(value)); }
+  /// As few digits as read back to the same double, and a point whatever the locale.
+  CsvRow& number(double value) {
+    std::string digits;
+    appendShortest(digits, value);
+    return add(digits);
+  }
+  CsvRow& empty() { return add(""); }  ///< A field that does not apply.
+
+  /// The record so far, with a line end; the row is empty then.
+  std::string take() {
+    isFirst = true;
+    return std::exchange(record, std::string()) + "\n";
+  }
+
+ private:
+  CsvRow& add(const std::string& field) {
+    if (!std::exchange(isFirst, false)) record += ',';
+    record += field;
+    return *this;
+  }
+
+  bool safe;
+  bool isFirst = true;
+  std::string record;
+};
 
 }  // namespace Lumivane::Kernel

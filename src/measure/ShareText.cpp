@@ -6,96 +6,95 @@
 #include <lumivane/measure/ShareText.h>
 #include <lumivane/measure/VisibleShares.h>
 
-#include <charconv>
 #include <map>
 
 namespace Lumivane::Measure {
 namespace {
 
-std::string text(double value) {
-  char buffer[32];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return {buffer, result.ptr};
+using Kernel::CsvRow;
+using Kernel::JsonWriter;
+
+// By the number of the object.
+std::map<int, std::string> idsOf(const VisibleShares& shares) {
+  std::map<int, std::string> ids;
+  for (const ObjectShare& object : shares.objects())
+    ids[object.objectNumber] = Kernel::idText(object.id);
+  return ids;
 }
 
-std::string csvRow(const std::string& labels, const Share& share) {
-  return labels + "," + text(share.area) + "," + text(share.viewFactor) + "," +
-         text(share.solidAngle) + "," + text(share.hemisphereShare()) + "\n";
+// Ends a record with the columns of a share.
+std::string withShare(CsvRow& row, const Share& share) {
+  row.number(share.area).number(share.viewFactor).number(share.solidAngle);
+  return row.number(share.hemisphereShare()).take();
 }
 
-std::string jsonShare(const Share& share) {
-  return "\"area\":" + text(share.area) + ",\"viewFactor\":" + text(share.viewFactor) +
-         ",\"solidAngle\":" + text(share.solidAngle) +
-         ",\"hemisphereShare\":" + text(share.hemisphereShare());
+void addShare(JsonWriter& json, const Share& share) {
+  json.key("area").number(share.area).key("viewFactor").number(share.viewFactor);
+  json.key("solidAngle").number(share.solidAngle);
+  json.key("hemisphereShare").number(share.hemisphereShare());
 }
 
 // The members of a list, one to a line.
-template <class Record, class Labels>
-std::string jsonList(const std::string& key, const std::vector<Record>& records, Labels labels) {
-  std::string result = "\"" + key + "\":[";
-  const char* separator = "\n";
+template <class Record, class AddLabels>
+void addList(JsonWriter& json, const char* key, const std::vector<Record>& records,
+             const AddLabels& addLabels) {
+  json.newLine().key(key).beginArray();
   for (const Record& record : records) {
-    result += separator + ("{" + labels(record)) + jsonShare(record.share) + "}";
-    separator = ",\n";
+    json.newLine().beginObject();
+    addLabels(record);
+    addShare(json, record.share);
+    json.endObject();
   }
-  return result + "]";
-}
-
-std::string jsonNumber(const char* key, int value) {
-  return "\"" + std::string(key) + "\":" + std::to_string(value) + ",";
-}
-
-// As they stand in the cells of a table.
-std::map<int, std::string> cellsOfIds(const VisibleShares& shares, bool isSafe) {
-  std::map<int, std::string> cells;
-  for (const ObjectShare& object : shares.objects()) {
-    const std::string id = Kernel::idText(object.id);
-    cells[object.objectNumber] = Kernel::csvField(isSafe ? Kernel::csvSafe(id) : id);
-  }
-  return cells;
+  json.endArray();
 }
 
 }  // namespace
 
 std::string ShareText::csv(const VisibleShares& shares, bool isSafe) {
-  const auto ids = cellsOfIds(shares, isSafe);
-  const auto row = [&ids](const std::string& kind, int object, const std::string& more,
-                          const Share& share) {
-    return csvRow(kind + "," + std::to_string(object) + "," + ids.at(object) + "," + more, share);
+  const std::map<int, std::string> ids = idsOf(shares);
+  CsvRow row(isSafe);
+  const auto start = [&](const char* kind, int object) -> CsvRow& {
+    return row.text(kind).number(object).text(ids.at(object));
   };
   std::string result =
       "kind,object,id,face,region,source_region,area,view_factor,solid_angle,hemisphere_share\n";
   for (const ObjectShare& object : shares.objects())
-    result += row("object", object.objectNumber, ",,", object.share);
+    result += withShare(start("object", object.objectNumber).empty().empty().empty(), object.share);
   for (const FaceShare& face : shares.faces())
-    result += row("face", face.objectNumber, std::to_string(face.faceNumber) + ",,", face.share);
+    result += withShare(start("face", face.objectNumber).number(face.faceNumber).empty().empty(),
+                        face.share);
   for (const RegionShare& region : shares.regions())
-    result += row("region", region.objectNumber,
-                  std::to_string(region.faceNumber) + "," + std::to_string(region.regionNumber) +
-                      "," + std::to_string(region.sourceRegionNumber),
-                  region.share);
-  return result + csvRow("sky,,,,,", shares.open());
+    result += withShare(start("region", region.objectNumber)
+                            .number(region.faceNumber)
+                            .number(region.regionNumber)
+                            .number(region.sourceRegionNumber),
+                        region.share);
+  row.text("sky").empty().empty().empty().empty().empty();
+  return result + withShare(row, shares.open());
 }
 
 std::string ShareText::csv(const VisibleShares& shares) { return csv(shares, false); }
 
 std::string ShareText::json(const VisibleShares& shares) {
-  const auto object = [](const ObjectShare& o) {
-    return jsonNumber("object", o.objectNumber) +
-           "\"id\":" + Kernel::jsonString(Kernel::idText(o.id)) + ",";
-  };
-  const auto face = [](const FaceShare& f) {
-    return jsonNumber("object", f.objectNumber) + jsonNumber("face", f.faceNumber);
-  };
-  const auto region = [](const RegionShare& r) {
-    return jsonNumber("region", r.regionNumber) + jsonNumber("object", r.objectNumber) +
-           jsonNumber("face", r.faceNumber) + jsonNumber("sourceRegion", r.sourceRegionNumber);
-  };
-  return std::string("{\n\"projection\":\"") + Algorithm::tableNameOf(shares.projection()) +
-         "\",\n" + "\"whole\":{" + jsonShare(shares.whole()) + "},\n" + "\"sky\":{" +
-         jsonShare(shares.open()) + "},\n" + jsonList("objects", shares.objects(), object) + ",\n" +
-         jsonList("faces", shares.faces(), face) + ",\n" +
-         jsonList("regions", shares.regions(), region) + "\n}\n";
+  JsonWriter json;
+  json.beginObject().newLine().key("projection").text(Algorithm::tableNameOf(shares.projection()));
+  json.newLine().key("whole").beginObject();
+  addShare(json, shares.whole());
+  json.endObject().newLine().key("sky").beginObject();
+  addShare(json, shares.open());
+  json.endObject();
+  addList(json, "objects", shares.objects(), [&json](const ObjectShare& object) {
+    json.key("object").number(object.objectNumber).key("id").text(Kernel::idText(object.id));
+  });
+  addList(json, "faces", shares.faces(), [&json](const FaceShare& face) {
+    json.key("object").number(face.objectNumber).key("face").number(face.faceNumber);
+  });
+  addList(json, "regions", shares.regions(), [&json](const RegionShare& region) {
+    json.key("region").number(region.regionNumber).key("object").number(region.objectNumber);
+    json.key("face").number(region.faceNumber);
+    json.key("sourceRegion").number(region.sourceRegionNumber);
+  });
+  return json.newLine().endObject().take();
 }
 
 }  // namespace Lumivane::Measure

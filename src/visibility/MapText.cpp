@@ -5,7 +5,6 @@
 #include <lumivane/visibility/MapText.h>
 
 #include <algorithm>
-#include <charconv>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -13,59 +12,8 @@
 namespace Lumivane::Visibility {
 namespace {
 
-// A text that grows, with the forms of numbers in it.
-class Text {
- public:
-  Text& operator<<(const std::string& text) {
-    bytes += text;
-    return *this;
-  }
-  Text& operator<<(const char* text) {
-    bytes += text;
-    return *this;
-  }
-  Text& operator<<(char character) {
-    bytes += character;
-    return *this;
-  }
-  Text& operator<<(int number) { return whole(number); }
-  Text& operator<<(std::size_t number) { return whole(number); }
-
-  // As few digits as read back to the same double.
-  Text& shortest(double value) {
-    const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, value + 0.0);
-    bytes.append(buffer, end.ptr);
-    return *this;
-  }
-
-  // 17 digits at most; the sum is never -0.
-  Text& exact(double value) {
-    const std::to_chars_result end =
-        std::to_chars(buffer, buffer + sizeof buffer, value + 0.0, std::chars_format::general, 17);
-    bytes.append(buffer, end.ptr);
-    return *this;
-  }
-
-  Text& exact(const Vector& vector) {
-    *this << '[';
-    exact(vector[0]) << ',';
-    exact(vector[1]) << ',';
-    return exact(vector[2]) << ']';
-  }
-
-  std::string take() { return std::move(bytes); }
-
- private:
-  template <class Number>
-  Text& whole(Number number) {
-    const std::to_chars_result end = std::to_chars(buffer, buffer + sizeof buffer, number);
-    bytes.append(buffer, end.ptr);
-    return *this;
-  }
-
-  std::string bytes;
-  char buffer[40] = {};
-};
+using Kernel::CsvRow;
+using Kernel::JsonWriter;
 
 const char* nameOf(Field field) {
   switch (field) {
@@ -217,101 +165,93 @@ class Rows {
 
 bool isSeen(const ShareRow& row) { return row.kind != "sky" && row.share.solidAngle > 0.0; }
 
-std::string cell(const std::string& text, bool isSafe) {
-  return Kernel::csvField(isSafe ? Kernel::csvSafe(text) : text);
-}
-
-void addCsvRow(Text& text, const ShareRow& row, Field field, bool isSafe) {
-  const auto number = [&text](int value) {
-    text << ',';
-    if (value > 0) text << value;
-  };
-  text << row.kind;
+void addCsvRow(CsvRow& text, const ShareRow& row, Field field) {
+  const auto number = [&text](int value) { value > 0 ? text.number(value) : text.empty(); };
+  const auto distance = [&](double value) { isSeen(row) ? text.number(value) : text.empty(); };
+  text.text(row.kind);
   number(row.object);
-  text << ',' << cell(row.id, isSafe);
+  text.text(row.id);
   number(row.face);
   number(row.region);
   number(row.sourceRegion);
   const bool isHemisphere = field == Field::Hemisphere;
-  if (isHemisphere) (text << ',').shortest(row.share.area());
-  if (isHemisphere) (text << ',').shortest(row.share.viewFactor);
-  (text << ',').shortest(row.share.solidAngle);
-  if (isHemisphere) (text << ',').shortest(row.share.hemisphereShare());
-  text << ',' << cell(row.className, isSafe) << ',';
-  if (row.visibleFraction) text.shortest(*row.visibleFraction);
-  text << ',';
-  if (isSeen(row)) text.shortest(row.share.minDistance);
-  text << ',';
-  if (isSeen(row)) text.shortest(row.share.maxDistance);
-  text << '\n';
+  if (isHemisphere) text.number(row.share.area()).number(row.share.viewFactor);
+  text.number(row.share.solidAngle);
+  if (isHemisphere) text.number(row.share.hemisphereShare());
+  text.text(row.className);
+  row.visibleFraction ? text.number(*row.visibleFraction) : text.empty();
+  distance(row.share.minDistance);
+  distance(row.share.maxDistance);
 }
 
-void addJsonRow(Text& text, const ShareRow& row, Field field) {
-  const auto number = [&text](const char* key, int value) {
-    if (value > 0) text << ",\"" << key << "\":" << value;
+void addJsonRow(JsonWriter& json, const ShareRow& row, Field field) {
+  const auto number = [&json](const char* key, int value) {
+    if (value > 0) json.key(key).number(value);
   };
-  const auto value = [&text](const char* key, double of) {
-    (text << ",\"" << key << "\":").shortest(of);
-  };
-  text << "{\"kind\":\"" << row.kind << '"';
+  json.beginObject().key("kind").text(row.kind);
   number("object", row.object);
-  if (row.object > 0) text << ",\"id\":" << Kernel::jsonString(row.id);
+  if (row.object > 0) json.key("id").text(row.id);
   number("face", row.face);
   number("region", row.region);
   number("source_region", row.sourceRegion);
   const bool isHemisphere = field == Field::Hemisphere;
-  if (isHemisphere) value("area", row.share.area());
-  if (isHemisphere) value("view_factor", row.share.viewFactor);
-  value("solid_angle", row.share.solidAngle);
-  if (isHemisphere) value("hemisphere_share", row.share.hemisphereShare());
-  if (!row.className.empty()) text << ",\"class\":" << Kernel::jsonString(row.className);
-  if (row.visibleFraction) value("visible_fraction", *row.visibleFraction);
-  if (isSeen(row)) value("min_distance", row.share.minDistance);
-  if (isSeen(row)) value("max_distance", row.share.maxDistance);
-  text << '}';
+  if (isHemisphere) json.key("area").number(row.share.area());
+  if (isHemisphere) json.key("view_factor").number(row.share.viewFactor);
+  json.key("solid_angle").number(row.share.solidAngle);
+  if (isHemisphere) json.key("hemisphere_share").number(row.share.hemisphereShare());
+  if (!row.className.empty()) json.key("class").text(row.className);
+  if (row.visibleFraction) json.key("visible_fraction").number(*row.visibleFraction);
+  if (isSeen(row)) json.key("min_distance").number(row.share.minDistance);
+  if (isSeen(row)) json.key("max_distance").number(row.share.maxDistance);
+  json.endObject();
+}
+
+void addVector(JsonWriter& json, const Vector& vector) {
+  json.beginArray();
+  for (const double coordinate : vector) json.longNumber(coordinate);
+  json.endArray();
 }
 
 // From where a map is seen: the first keys of every document.
-void addView(Text& text, const VisibleMap& map) {
-  text << "{\"version\":1,\n\"eye\":";
-  text.exact(map.eye) << ",\"forward\":";
-  text.exact(map.forward) << ",\"up\":";
-  text.exact(map.up) << ",\"field\":\"" << nameOf(map.field) << "\",\n";
+void addView(JsonWriter& json, const VisibleMap& map) {
+  json.key("version").number(1).newLine();
+  addVector(json.key("eye"), map.eye);
+  addVector(json.key("forward"), map.forward);
+  addVector(json.key("up"), map.up);
+  json.key("field").text(nameOf(map.field));
 }
 
 // The members of a list, one to a line.
 template <class Add>
-void addList(Text& text, const char* key, std::size_t count, const Add& add) {
-  text << '"' << key << "\":[";
+void addList(JsonWriter& json, const char* key, std::size_t count, const Add& add) {
+  json.newLine().key(key).beginArray();
   for (std::size_t i = 0; i < count; ++i) {
-    text << (i == 0 ? "\n" : ",\n");
+    json.newLine();
     add(i);
   }
-  text << ']';
+  json.endArray();
 }
 
-void addCell(Text& text, const VisibleMap& map, std::size_t number) {
+void addCell(JsonWriter& json, const VisibleMap& map, std::size_t number) {
   const VisibleMap::Cell& cell = map.cells[number];
-  text << "{\"object\":" << cell.label.object << ",\"face\":" << cell.label.face
-       << ",\"region\":" << cell.label.region << ",\"solid_angle\":";
-  text.exact(cell.solidAngle) << ",\"view_factor\":";
-  text.exact(cell.viewFactor) << ",\"min_distance\":";
-  text.exact(cell.minDistance) << ",\"max_distance\":";
-  text.exact(cell.maxDistance) << ",\"rings\":[";
+  json.beginObject().key("object").number(cell.label.object).key("face").number(cell.label.face);
+  json.key("region").number(cell.label.region).key("solid_angle").longNumber(cell.solidAngle);
+  json.key("view_factor").longNumber(cell.viewFactor);
+  json.key("min_distance").longNumber(cell.minDistance);
+  json.key("max_distance").longNumber(cell.maxDistance).key("rings").beginArray();
   for (std::size_t ring = cell.firstRing; ring < cell.firstRing + cell.ringCount; ++ring) {
-    text << (ring == cell.firstRing ? "[" : ",[");
-    for (std::size_t i = map.ringOffsets[ring]; i < map.ringOffsets[ring + 1]; ++i) {
-      if (i > map.ringOffsets[ring]) text << ',';
-      text << map.ringVertices[i];
-    }
-    text << ']';
+    json.beginArray();
+    for (std::size_t i = map.ringOffsets[ring]; i < map.ringOffsets[ring + 1]; ++i)
+      json.number(map.ringVertices[i]);
+    json.endArray();
   }
-  text << "]}";
+  json.endArray().endObject();
 }
 
-void addEdge(Text& text, const VisibleMap::Edge& edge) {
-  text << "{\"vertices\":[" << edge.from << ',' << edge.to << "],\"cells\":[" << edge.left << ','
-       << edge.right << "],\"kind\":\"" << nameOf(edge.kind) << "\"}";
+void addEdge(JsonWriter& json, const VisibleMap::Edge& edge) {
+  json.beginObject().key("vertices").beginArray().number(edge.from).number(edge.to).endArray();
+  json.key("cells").beginArray().number(edge.left).number(edge.right).endArray();
+  json.key("kind").text(nameOf(edge.kind)).endObject();
 }
 
 }  // namespace
@@ -336,12 +276,13 @@ std::string MapText::csvHeading(Field field) {
 
 std::string MapText::csvRows(const std::vector<ShareRow>& rows, Field field,
                              const std::string& before, bool isSafe) {
-  Text text;
+  std::string text;
+  CsvRow record(isSafe);
   for (const ShareRow& row : rows) {
-    text << before;
-    addCsvRow(text, row, field, isSafe);
+    addCsvRow(record, row, field);
+    text += before + record.take();
   }
-  return text.take();
+  return text;
 }
 
 std::string MapText::csv(const VisibleMap& map, const MapShares& shares, ShareDepth depth,
@@ -352,23 +293,20 @@ std::string MapText::csv(const VisibleMap& map, const MapShares& shares, ShareDe
 
 std::string MapText::json(const VisibleMap& map, const MapShares& shares, ShareDepth depth) {
   const std::vector<ShareRow> rows = shareRows(map, shares, depth);
-  Text text;
-  addView(text, map);
-  addList(text, "rows", rows.size(), [&](std::size_t i) { addJsonRow(text, rows[i], map.field); });
-  text << "}\n";
-  return text.take();
+  JsonWriter json;
+  addView(json.beginObject(), map);
+  addList(json, "rows", rows.size(), [&](std::size_t i) { addJsonRow(json, rows[i], map.field); });
+  return json.endObject().take();
 }
 
 std::string MapText::mapJson(const VisibleMap& map) {
-  Text text;
-  addView(text, map);
-  addList(text, "vertices", map.vertices.size(),
-          [&](std::size_t i) { text.exact(map.vertices[i]); });
-  addList(text << ",\n", "cells", map.cells.size(), [&](std::size_t i) { addCell(text, map, i); });
-  addList(text << ",\n", "edges", map.edges.size(),
-          [&](std::size_t i) { addEdge(text, map.edges[i]); });
-  text << "}\n";
-  return text.take();
+  JsonWriter json;
+  addView(json.beginObject(), map);
+  addList(json, "vertices", map.vertices.size(),
+          [&](std::size_t i) { addVector(json, map.vertices[i]); });
+  addList(json, "cells", map.cells.size(), [&](std::size_t i) { addCell(json, map, i); });
+  addList(json, "edges", map.edges.size(), [&](std::size_t i) { addEdge(json, map.edges[i]); });
+  return json.endObject().take();
 }
 
 }  // namespace Lumivane::Visibility

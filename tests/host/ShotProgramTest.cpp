@@ -527,6 +527,21 @@ TEST(ShotProgram, AnAuditIsPartOfTheStatistics) {
   EXPECT_GT(stats.at("seconds").at("audit"), 0.0);
 }
 
+TEST(ShotProgram, AnAuditIsJsonWhateverAnIdHolds) {
+  const TempFolder folder;
+  std::string scene = fileBytes(Small);
+  const std::string id = "\"plate\"";
+  scene.replace(scene.find(id), id.size(),
+                "\"a\xFF"
+                "\\u0001\"");
+  const Result result =
+      run({"shot", folder.file("scene.json", scene), "--eye=-2.6,0.35,1.9",
+           "--forward=1,-0.06,-0.45", "--audit", "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  const Json stats = Json::parse(fileBytes(folder.path("stats.json")));
+  EXPECT_EQ("a\xEF\xBF\xBD\xEF\xBF\xBD", stats.at("audit").at("objects").at(0).at("id"));
+}
+
 TEST(ShotProgram, AnAuditWarnsOfAPictureThatIsWrong) {
   // In a cyclic overlap one bar is painted over what is before it, whatever the order.
   const Lumivane::Test::WorkingFolder folder;  // for the report of the overlap

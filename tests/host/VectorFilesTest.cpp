@@ -1,8 +1,12 @@
 // The vector pictures of `lumivane shot`, which needs no display for them.
 
+#include "ShotShares.h"
 #include "host/Process.h"
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
+
+#include <lumivane/measure/VisibleShares.h>
+#include <lumivane/session/LoadedScene.h>
 
 #include <filesystem>
 #include <string>
@@ -31,6 +35,15 @@ size_t count(const std::string& text, const std::string& part) {
   size_t found = 0;
   for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++found;
   return found;
+}
+
+TEST(ShotShares, AreMeasuredOnceForAllOutputs) {
+  Session::LoadedScene scene = Session::LoadedScene::fromFile(Small);
+  const Session::TakenShot shot = scene.take({});
+  ShotShares shares(shot);
+  const Measure::VisibleShares& first = shares.get();
+  EXPECT_EQ(3u, first.objects().size());
+  EXPECT_EQ(&first, &shares.get());
 }
 
 TEST(VectorFiles, AllFormatsAreWrittenWithoutADisplay) {
