@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-20}
 shift || true
 fuzzers=("$@")
-[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops models beside journal)
+[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(json scene shot json5 arguments relations graph loops models beside journal view)
 
 scripts/install_packages.sh clang libclang-rt-14-dev llvm-14
 cmake --preset fuzz
@@ -28,7 +28,7 @@ seeds() {
   case $1 in
     models) model_seeds "$2"; return 0 ;;
     json) pattern='*.json' ;;
-    scene | json5) pattern='*.scene.json' ;;
+    scene | json5 | view) pattern='*.scene.json' ;;
     shot) pattern='*.shot.json' ;;
     *) return 0 ;;
   esac
@@ -54,7 +54,7 @@ model_seeds() {
 
 dictionary() {  # the words of a fuzzer's language, as an option
   local name=$1
-  case $name in scene | shot) name=model ;; esac
+  case $name in scene | shot | view) name=model ;; esac
   [ ! -e "fuzz/dictionaries/$name.dict" ] || echo "-dict=$root/fuzz/dictionaries/$name.dict"
 }
 

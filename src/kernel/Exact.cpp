@@ -5,6 +5,8 @@
 // limits on magnitudes. The third knows no limits.
 #include "kernel/Exact.h"
 
+#include "kernel/TwoDoubles.h"
+
 #include <cmath>
 #include <cstdint>
 
@@ -18,41 +20,6 @@ int signOf(double value) { return value > 0.0 ? 1 : value < 0.0 ? -1 : 0; }
 
 // ---------------------------------------------------------------- expansions
 
-struct Pair {
-  double high;
-  double low;
-};
-
-// high + low == a + b (Knuth).
-Pair twoSum(double a, double b) {
-  const double high = a + b;
-  const double fromB = high - a;
-  const double fromA = high - fromB;
-  return {high, (a - fromA) + (b - fromB)};
-}
-
-// high + low == a - b.
-Pair twoDifference(double a, double b) { return twoSum(a, -b); }
-
-// Two halves of 26 digits at most (Veltkamp).
-Pair halves(double a) {
-  constexpr double Splitter = 134217729.0;  // 2^27 + 1
-  const double c = Splitter * a;
-  const double high = c - (c - a);
-  return {high, a - high};
-}
-
-// high + low == a b (Dekker).
-Pair twoProduct(double a, double b) {
-  const double high = a * b;
-  const Pair x = halves(a);
-  const Pair y = halves(b);
-  const double first = high - x.high * y.high;
-  const double second = first - x.low * y.high;
-  const double third = second - x.high * y.low;
-  return {high, x.low * y.low - third};
-}
-
 // A number as a sum of up to `Most` doubles that do not overlap, of rising magnitude, none zero.
 template <int Most>
 class Expansion {
@@ -60,14 +27,14 @@ class Expansion {
   void add(double value) {
     int kept = 0;
     for (int i = 0; i < count; ++i) {
-      const Pair sum = twoSum(value, parts[i]);
+      const TwoDoubles sum = twoSum(value, parts[i]);
       value = sum.high;
       if (sum.low != 0.0) parts[kept++] = sum.low;
     }
     if (value != 0.0) parts[kept++] = value;
     count = kept;
   }
-  void add(Pair value) {
+  void add(TwoDoubles value) {
     add(value.low);
     add(value.high);
   }
@@ -211,11 +178,11 @@ int exactSignOfSum(const double* a, const double* b, int count) {
 
 // a b - c d.
 Expansion<4> minorOf(double a, double b, double c, double d) {
-  const Pair first = twoProduct(a, b);
-  const Pair second = twoProduct(c, d);
+  const TwoDoubles first = twoProduct(a, b);
+  const TwoDoubles second = twoProduct(c, d);
   Expansion<4> result;
   if (first.high == second.high) {  // as where an edge is parallel to an axis
-    const Pair rest = twoDifference(first.low, second.low);
+    const TwoDoubles rest = twoDifference(first.low, second.low);
     result.add(rest);
     return result;
   }

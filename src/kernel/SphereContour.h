@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kernel/Planar.h"
+#include "kernel/Trigonometry.h"
 #include "kernel/Vec.h"
 
 #include <algorithm>
@@ -27,13 +28,13 @@ inline Vec2 discOfDirection(Vec3 d) {
 
 /// The azimuth and elevation of a direction in radians; 0 for an azimuth that it does not have.
 inline Vec2 anglesOfDirection(Vec3 d) {
-  return {std::atan2(d.x, d.z), std::atan2(d.y, std::hypot(d.x, d.z))};
+  return {arcTangent(d.x, d.z), arcTangent(d.y, length2({d.x, d.z}))};
 }
 
 /// The direction to a point of azimuth and elevation in radians.
 inline Vec3 directionOfAngles(Vec2 p) {
-  const double c = std::cos(p.y);
-  return {c * std::sin(p.x), std::sin(p.y), c * std::cos(p.x)};
+  const double c = cosine(p.y);
+  return {c * sine(p.x), sine(p.y), c * cosine(p.x)};
 }
 
 /// A straight line of the round picture: signed distance from the centre, which lies to the left of
@@ -64,26 +65,26 @@ inline double lineSolidAngle(const DiscLine& line, Vec2 a, Vec2 b) {
   const double s1 = dot(b, line.direction);
   const double z0 = heightOnHemisphere(a);
   const double z1 = heightOnHemisphere(b);
-  const double along = std::atan2(s1 * z0 - s0 * z1, z1 * z0 + s1 * s0);
+  const double along = arcTangent(s1 * z0 - s0 * z1, z1 * z0 + s1 * s0);
   const Vec2 from = {d * d * z0 + s0 * s0, s0 * d * (1.0 - z0)};
   const Vec2 to = {d * d * z1 + s1 * s1, s1 * d * (1.0 - z1)};
-  return d * along - std::atan2(flatCross(from, to), dot(from, to));
+  return d * along - arcTangent(flatCross(from, to), dot(from, to));
 }
 
 /// Solid angle between the great circle's arc from a to b and forward, (0, 0, 1): the formula of A.
 /// van Oosterom and J. Strackee, The Solid Angle of a Plane Triangle (1983). Signed.
 inline double arcTerm(Vec3 a, Vec3 b) {
-  return 2.0 * std::atan2(a.x * b.y - a.y * b.x, 1.0 + dot(a, b) + a.z + b.z);
+  return 2.0 * arcTangent(a.x * b.y - a.y * b.x, 1.0 + dot(a, b) + a.z + b.z);
 }
 
 /// sin(x) / x.
 inline double cardinalSine(double x) {
-  return std::abs(x) < 1e-4 ? 1.0 - x * x / 6.0 : std::sin(x) / x;
+  return std::abs(x) < 1e-4 ? 1.0 - x * x / 6.0 : sine(x) / x;
 }
 
 /// Mean of the sine of an angle that runs evenly from a to b.
 inline double meanSine(double a, double b) {
-  return std::sin(0.5 * (a + b)) * cardinalSine(0.5 * (b - a));
+  return sine(0.5 * (a + b)) * cardinalSine(0.5 * (b - a));
 }
 
 /// Solid angle between a straight line in azimuth and elevation (radians) and elevation 0: the
@@ -102,9 +103,9 @@ inline double angleLineViewFactor(Vec2 a, Vec2 b) {
 /// As angleLineSolidAngle for the great circle's arc: the spherical excess of a half triangle.
 inline double angleArcSolidAngle(Vec2 a, Vec2 b) {
   const double half = 0.5 * (b.x - a.x);
-  const double ta = std::tan(0.5 * a.y);
-  const double tb = std::tan(0.5 * b.y);
-  return -2.0 * std::atan2(std::sin(half) * (ta + tb), std::cos(half) * (1.0 + ta * tb));
+  const double ta = tangent(0.5 * a.y);
+  const double tb = tangent(0.5 * b.y);
+  return -2.0 * arcTangent(sine(half) * (ta + tb), cosine(half) * (1.0 + ta * tb));
 }
 
 /// As angleLineViewFactor for the great circle's arc: J. H. Lambert's sum (Photometria, 1760), half
@@ -114,7 +115,7 @@ inline double angleArcViewFactor(Vec2 a, Vec2 b) {
   const Vec3 q = directionOfAngles(b);
   const Vec3 normal = cross(p, q);
   const double sine = length3(normal);
-  const double angle = std::atan2(sine, dot(p, q));
+  const double angle = arcTangent(sine, dot(p, q));
   const double stretch = sine == 0.0 ? 1.0 : angle / sine;
   return (0.5 * normal.z * stretch + 0.5 * (q.x * q.y - p.x * p.y)) / Pi;
 }

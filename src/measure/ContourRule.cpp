@@ -16,8 +16,8 @@ using Algorithm::ProjectionType;
 using namespace Kernel;
 
 // The turn of the sweep's frame: no angle that a drawing is likely to have.
-const double TurnCosine = std::cos(0.4142);
-const double TurnSine = std::sin(0.4142);
+const double TurnCosine = cosine(0.4142);
+const double TurnSine = sine(0.4142);
 constexpr double QuarterTurn = 0.5 * Pi;  // what a half side of the square stands for
 
 // Between directions closer to opposite than this, no great circle is told from others.
@@ -34,7 +34,7 @@ Vec2 turnedBack(Vec2 p) {
 Vec2 intoDisc(Vec2 p) {
   constexpr double SurelyInside = 1.0 - 1e-12;
   if (p.x * p.x + p.y * p.y < SurelyInside) return p;
-  const double radius = std::hypot(p.x, p.y);
+  const double radius = length2(p);
   return radius > 1.0 ? Vec2{p.x / radius, p.y / radius} : p;
 }
 

@@ -106,7 +106,7 @@ class Flattener {
 
   Vec3 directionOf(int vertex) const { return directions[static_cast<std::size_t>(vertex)]; }
 
-  bool isPole(Vec3 d) const { return hasPoles && std::hypot(d.x, d.z) < AtPole; }
+  bool isPole(Vec3 d) const { return hasPoles && Kernel::length2({d.x, d.z}) < AtPole; }
 
   int addPoint(Vec2 p) {
     result.points.push_back(p);

@@ -45,7 +45,7 @@ double distanceTo(const Segment& s, double x, double y) {
   const double px = x - static_cast<double>(s.x0);
   const double py = y - static_cast<double>(s.y0);
   const double t = std::clamp((px * dx + py * dy) / (dx * dx + dy * dy), 0.0, 1.0);
-  return std::hypot(px - t * dx, py - t * dy);
+  return Kernel::length2({px - t * dx, py - t * dy});
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "visibility/MapBuilder.h"
 
 #include "kernel/Planar.h"
+#include "kernel/Trigonometry.h"
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/SphereMeasure.h"
@@ -414,24 +415,27 @@ class Builder {
     const bool forwards = head.from == start;
     int at = start;
     int number = first;
+    // Along the end of the field; signed, since links may be as short as rounding.
     double turned = 0.0;
-    Vec3 second{};
+    const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
     for (;;) {
       Link& link = links[static_cast<size_t>(number)];
       link.used = true;
       const int next = link.from == at ? link.to : link.from;
-      if (at == start) second = directions[static_cast<size_t>(next)];
-      if (link.source == FieldSource)
-        turned += Kernel::distance(directions[static_cast<size_t>(at)],
-                                   directions[static_cast<size_t>(next)]);
+      if (link.source == FieldSource) {
+        const Vec3 a = directions[static_cast<size_t>(at)];
+        const Vec3 b = directions[static_cast<size_t>(next)];
+        const double sine = Kernel::dot(Kernel::cross(a, b), forward);
+        turned += sine < 0.0 ? -Kernel::distance(a, b) : Kernel::distance(a, b);
+      }
       at = next;
       if (at == start || !passes(at)) break;
       const int* both = atVertex.begin(at);
       number = both[0] == number ? both[1] : both[0];
       if (links[static_cast<size_t>(number)].used) break;
     }
-    if (head.source == FieldSource && (at == start || turned > 1.5)) {
-      addFieldArc(start, at, second, forwards, head);
+    if (head.source == FieldSource && (at == start || std::fabs(turned) > 1.5)) {
+      addFieldArc(start, at, turned, forwards, head);
     } else if (at != start) {
       addEdge(forwards ? start : at, forwards ? at : start, head);
     }
@@ -445,22 +449,23 @@ class Builder {
 
   // The end of the field is a great circle, of which arcs must be less than half: long ones are
   // divided at the directions right, up, left and down.
-  void addFieldArc(int start, int end, Vec3 second, bool forwards, const Link& link) {
+  void addFieldArc(int start, int end, double turned, bool forwards, const Link& link) {
     const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
     const Vec3 up = {map.up[0], map.up[1], map.up[2]};
     const Vec3 right = Kernel::cross(forward, up);
     const Vec3 from = directions[static_cast<size_t>(start)];
-    const double sense = Kernel::dot(Kernel::cross(from, second), forward) > 0.0 ? 1.0 : -1.0;
+    const double sense = turned > 0.0 ? 1.0 : -1.0;
     const Vec3 ahead = sense * Kernel::cross(forward, from);
     const auto angle = [&](Vec3 d) {
-      const double turn = std::atan2(Kernel::dot(d, ahead), Kernel::dot(d, from));
+      const double turn = Kernel::arcTangent(Kernel::dot(d, ahead), Kernel::dot(d, from));
       return turn <= 0.0 ? turn + 2.0 * Pi : turn;
     };
     const double whole = start == end ? 10.0 : angle(directions[static_cast<size_t>(end)]);
     std::vector<std::pair<double, Vec3>> stations;
     for (const Vec3 d : {right, up, -right, -up}) {
       const double turn = angle(d);
-      if (turn > 1e-9 && turn < whole - 1e-9) stations.emplace_back(turn, d);
+      // A whole circle goes through all four, wherever it has been found to begin.
+      if ((start == end || turn > 1e-9) && turn < whole - 1e-9) stations.emplace_back(turn, d);
     }
     std::sort(stations.begin(), stations.end(),
               [](const auto& a, const auto& b) { return a.first < b.first; });
@@ -755,7 +760,7 @@ class Builder {
     const Vec3 up = Kernel::cross(right, v);  // right x up = -v: as the eye sees it
     const auto angle = [&](int other) {
       const Vec3 w = vertexAt(other);
-      return std::atan2(Kernel::dot(w, up), Kernel::dot(w, right));
+      return Kernel::arcTangent(Kernel::dot(w, up), Kernel::dot(w, right));
     };
     const double back = angle(startOfHalf(half));
     double least = 1e9;

@@ -105,6 +105,8 @@ void checkOffsets(const PolygonScene& scene) {
   require(offsets.back() == scene.corners.size(), "the last offset is not the number of corners");
 }
 
+constexpr int MostObjects = 1 << 24;
+
 bool comesAfter(const Label& label, const Label& earlier) {
   return std::pair(label.object, label.region) > std::pair(earlier.object, earlier.region);
 }
@@ -116,6 +118,8 @@ void checkLabels(const PolygonScene& scene) {
   for (const Label& label : scene.labels) {
     require(label.object >= 1 && label.region >= 1 && (label.face >= 1 || label.face == -1),
             "a label has a number below 1");
+    // Every object up to the highest number has a row in tables.
+    require(label.object <= MostObjects, "a label has an object number beyond 16777216");
     require(comesAfter(label, last), "the labels do not rise by object, then by region");
     last = label;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kernel/Planar.h"
+#include "kernel/Trigonometry.h"
 #include "kernel/Vec.h"
 #include "visibility/EyePlane.h"
 #include "visibility/WideEdge.h"
@@ -20,7 +21,7 @@ inline double triangleSolidAngle(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 c)
   // With differences small triangles keep all their digits.
   const double volume = -Kernel::dot(a, Kernel::cross(b - a, c - a));
   const double denominator = 1.0 + Kernel::dot(a, b) + Kernel::dot(b, c) + Kernel::dot(c, a);
-  return 2.0 * std::atan2(volume, denominator);
+  return 2.0 * Kernel::arcTangent(volume, denominator);
 }
 
 /// What an arc adds to the view factor about `forward` of the inside of its ring (J. H. Lambert,
@@ -29,7 +30,7 @@ inline double arcViewFactor(Kernel::Vec3 a, Kernel::Vec3 b, Kernel::Vec3 forward
   const Kernel::Vec3 normal = Kernel::cross(b, a);
   const double sine = Kernel::length3(normal);
   if (sine == 0.0) return 0.0;
-  const double angle = std::atan2(sine, Kernel::dot(a, b));
+  const double angle = Kernel::arcTangent(sine, Kernel::dot(a, b));
   return angle / sine * Kernel::dot(normal, forward) / (2.0 * Kernel::Pi);
 }
 

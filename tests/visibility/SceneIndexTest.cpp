@@ -140,6 +140,8 @@ TEST(SceneIndex, RefusesArraysThatDoNotFitEachOther) {
   EXPECT_EQ("a corner points at no point", changed([](S& s) { s.corners[3] = -1; }));
   EXPECT_EQ("there is not one label for each outline", changed([](S& s) { s.labels.pop_back(); }));
   EXPECT_EQ("a label has a number below 1", changed([](S& s) { s.labels[0].face = 0; }));
+  EXPECT_EQ("a label has an object number beyond 16777216",
+            changed([](S& s) { s.labels.back().object = 2147483647; }));
   EXPECT_EQ("the labels do not rise by object, then by region",
             changed([](S& s) { s.labels[1] = s.labels[0]; }));
   EXPECT_EQ("there is not one docking mark for each corner",
