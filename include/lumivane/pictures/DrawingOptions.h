@@ -48,10 +48,19 @@ enum class DrawingFill {
 };
 
 /// What the lines and fills of a drawing are grouped by.
-enum class DrawingGroups { None, Class, Object, Face };
+enum class DrawingGroups {
+  None,    ///< by nothing
+  Class,   ///< by class, then by object
+  Object,  ///< by object
+  Face     ///< by object, then by face
+};
 
 /// What labels say.
-enum class DrawingLabels { None, Id, Class };
+enum class DrawingLabels {
+  None,  ///< there are none
+  Id,    ///< the ids of objects
+  Class  ///< the class of each object's largest cell
+};
 
 /// What a drawing takes of a scene beside its polygons. A value; the scene may go.
 class LUMIVANE_PICTURES_EXPORT DrawingColors {
