@@ -22,9 +22,7 @@ constexpr Rotation FrameRotation = {{
 
 constexpr double Half = static_cast<double>(CubeHalf);
 
-Coordinate rounded(double value) {
-  return std::clamp(static_cast<Coordinate>(std::llrint(value)), -CubeHalf, CubeHalf);
-}
+Coordinate rounded(double value) { return std::clamp(nearestWhole(value), -CubeHalf, CubeHalf); }
 
 int dominantFace(const FrameVector& d) {
   int axis = 0;
@@ -155,13 +153,9 @@ void appendArc(std::vector<Segment>& segments, const FrameVector& a, const Frame
   if (face == last) appendPart(segments, face, from, pointOn(last, b), edge, inner);
 }
 
-int sideOf(const Segment& s, Coordinate x, Coordinate y) {
+int exactSideOf(const Segment& s, Coordinate x, Coordinate y) {
   const Coordinate dx = s.x1 - s.x0;
   const Coordinate dy = s.y1 - s.y0;
-  const double a = static_cast<double>(dx) * static_cast<double>(y - s.y0);
-  const double b = static_cast<double>(dy) * static_cast<double>(x - s.x0);
-  // Each product is off by half a unit of its last place at most, and so is their difference.
-  if (std::fabs(a - b) > 4e-16 * (std::fabs(a) + std::fabs(b))) return a > b ? 1 : -1;
   const Wide exact = static_cast<Wide>(dx) * (y - s.y0) - static_cast<Wide>(dy) * (x - s.x0);
   if (exact != 0) return exact > 0 ? 1 : -1;
   if (dy != 0) return dy < 0 ? 1 : -1;

@@ -3,8 +3,13 @@
 #include "kernel/Vec.h"
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 /// Directions as points of a cube around the eye, in whole numbers. On a face of the cube great
 /// circles are straight lines, and on whole numbers the side of a point against a line is exact.
@@ -69,6 +74,15 @@ struct Segment {
   std::uint8_t face;
 };
 
+/// The nearest whole number, the even one of two, as std::llrint gives it.
+inline Coordinate nearestWhole(double value) {
+#ifdef __SSE2__
+  return _mm_cvtsd_si64(_mm_set_sd(value));
+#else
+  return std::llrint(value);
+#endif
+}
+
 /// The number that the end of the field has in place of a scene's edge.
 constexpr std::int32_t FieldEdge = -2;
 
@@ -86,7 +100,17 @@ void appendArc(std::vector<Segment>& segments, const FrameVector& a, const Frame
 ///
 /// Corners stand for points a little to the right of them, and a much smaller bit above them, so
 /// that no end of a segment and no line through two ends meets one: half-open tiles.
-int sideOf(const Segment& s, Coordinate x, Coordinate y);
+inline int sideOf(const Segment& s, Coordinate x, Coordinate y);
+/// The same by whole numbers alone.
+int exactSideOf(const Segment& s, Coordinate x, Coordinate y);
+
+inline int sideOf(const Segment& s, Coordinate x, Coordinate y) {
+  const double a = static_cast<double>(s.x1 - s.x0) * static_cast<double>(y - s.y0);
+  const double b = static_cast<double>(s.y1 - s.y0) * static_cast<double>(x - s.x0);
+  // Each product is off by half a unit of its last place at most, and so is their difference.
+  if (std::fabs(a - b) > 4e-16 * (std::fabs(a) + std::fabs(b))) return a > b ? 1 : -1;
+  return exactSideOf(s, x, y);
+}
 
 /// Whether the segment crosses the horizontal line through a corner to the left of the corner; the
 /// segment must straddle the line, i.e. one end is at most as high as the corner.

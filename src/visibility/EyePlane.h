@@ -24,6 +24,7 @@ struct EyePlane {
   /// behind.p > behindOffset.
   Kernel::Vec3 behind;
   double behindOffset = 1.0;
+  bool besideItsLayer = false;  ///< `nearness` is that of the polygon's own plane for this reason
 };
 
 /// An eye is in the plane of an outline if it is off it by no more than this part of the distance
@@ -82,8 +83,10 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::V
   const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
   const double layerOffset = offsetFrom(layer, eye);
   result.nearness = nearnessOf(layer, layerOffset);
-  if (!(Kernel::dot(result.nearness, result.ownNearness) > 0.0))
+  if (!(Kernel::dot(result.nearness, result.ownNearness) > 0.0)) {
     result.nearness = result.ownNearness;
+    result.besideItsLayer = true;
+  }
   result.behind = result.nearness;
   return result;
 }
@@ -117,6 +120,7 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, const Par
   const double layerFacing = facing(layer);
   const bool fits =
       layerFacing * result.offset > 0.0 && std::abs(layerFacing) > ParallelSight::EdgeOn;
+  result.besideItsLayer = !fits;
   const ScenePlane& compared = fits ? layer : own;
   const double comparedFacing = fits ? layerFacing : result.offset;
   result.nearness = nearnessOf(compared, comparedFacing, sight);

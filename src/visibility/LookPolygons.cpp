@@ -122,8 +122,7 @@ void LookPolygons::addBeyond() {
         const int along = x0 == x1 ? f.v : f.u;
         const double fixed = x0 == x1 ? n[f.u] * x0 : n[f.v] * y0;
         const double t = -(n[f.axis] * f.sign + fixed) / n[along];
-        const Coordinate c =
-            std::clamp(static_cast<Coordinate>(std::llrint(t * Half)), -CubeHalf, CubeHalf);
+        const Coordinate c = std::clamp(nearestWhole(t * Half), -CubeHalf, CubeHalf);
         ends[count][0] = x0 == x1 ? x0 * CubeHalf : c;
         ends[count][1] = x0 == x1 ? c : y0 * CubeHalf;
         ++count;
@@ -163,6 +162,7 @@ void LookPolygons::placePlanes(LookPolygon& polygon) const {
   polygon.seen = true;
   polygon.behind = seen.behind;
   polygon.behindOffset = seen.behindOffset;
+  polygon.besideItsLayer = seen.besideItsLayer;
   polygon.plane = toFrame(seen.nearness);
   polygon.ownPlane = toFrame(seen.ownNearness);
   polygon.weight =

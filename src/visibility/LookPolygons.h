@@ -33,8 +33,9 @@ struct LookSetup {
 struct LookPolygon {
   static constexpr std::int32_t NoFace = -1;
 
-  std::int32_t number = -1;  // in the state; -1 for what lies beyond the field
-  bool seen = false;         // faces the eye, and is not edge-on
+  std::int32_t number = -1;     // in the state; -1 for what lies beyond the field
+  bool seen = false;            // faces the eye, and is not edge-on
+  bool besideItsLayer = false;  // depth is compared by its own plane in place of the layer's
   std::int32_t layer = -1;
   std::int32_t region = -1;       // position in the scene's order
   FrameVector plane{};            // of its layer, by which depth is compared

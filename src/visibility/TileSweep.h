@@ -2,6 +2,9 @@
 
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
+#include "visibility/TileContent.h"
+#include "visibility/TileLines.h"
+#include "visibility/TilePlanes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,101 +24,31 @@
 /// corners and sides.
 namespace Lumivane::Visibility {
 
-/// A square or rectangle of a face. It holds the points with x0 < x <= x1 and y0 < y <= y1.
-struct Tile {
-  int face;
-  Coordinate x0;
-  Coordinate y0;
-  Coordinate x1;
-  Coordinate y1;
-};
-
-/// A polygon that has edges in a tile.
-struct TileEntry {
-  std::int32_t polygon;  // position in LookPolygons
-  std::uint32_t firstSegment;
-  std::uint32_t segmentCount;  // of positions in the list of segments
-  bool coversCorner;           // the lower left one
-};
-
-/// What is in a tile: entries, their segments, and polygons that cover all of it.
-struct TileContent {
-  const TileEntry* entries = nullptr;
-  size_t entryCount = 0;
-  const std::uint32_t* segments = nullptr;
-  const std::int32_t* covers = nullptr;
-  size_t coverCount = 0;
-};
-
-/// Whether a part of the segment lies in the tile, without doubt at its border.
-bool touchesTile(const Segment& s, const Tile& tile);
-
 class TileSweep {
  public:
   TileSweep(const LookPolygons& lookPolygons, MapParts& mapParts)
-      : polygons(lookPolygons), parts(mapParts) {}
+      : polygons(lookPolygons), parts(mapParts), planes(lookPolygons), lines(lookPolygons) {}
 
   /// Appends the tile's areas and pieces, and gives what lies along its sides.
   Sides run(const Tile& sweptTile, const TileContent& content);
 
  private:
-  using Word = std::uint64_t;
-  static constexpr int LowerBorder = -1;
-  static constexpr int UpperBorder = -2;
-
-  // A polygon of the tile, with 1 / distance as a x + b y + c.
-  struct Slot {
-    double a, b, c;
-    double error;
-    std::int32_t position;
-    std::int32_t layer;
-    std::int32_t region;
-    std::int32_t number;
-  };
-  // An edge of one polygon in a group.
-  struct Owner {
-    std::int32_t edge;
-    std::int32_t slot;
-    bool inner;
-  };
-  // A line that is swept over: all edges that coincide, or the line where two planes meet.
-  struct Line {
-    Coordinate x0, y0;  // a point of it, from which heights are told
-    double slope;
-    Coordinate xa, ya, xb, yb;    // the part in the tile
-    bool togglesAtA, togglesAtB;  // it crosses the lower border there
-    bool fixedA, fixedB;          // an end of the edge, not of the tile
-    Coordinate tolerance;         // heights within it are one
-    std::int32_t firstOwner, ownerCount;
-    std::int32_t crossed[2];  // slots of the two planes; -1 for edges
-  };
-  struct Raw {
-    const Segment* segment;
-    std::int32_t slot;
-  };
   struct Gap {
-    int below;  // line, or LowerBorder
-    int above;  // line, or UpperBorder
-    bool empty;
-    int area;
+    int area;           // -1 for an empty gap
     std::int32_t slot;  // what is seen; -1 for the sky
     Coordinate since;   // where it begins
     int wallVertex;     // where the border above it begins, if there is one
   };
-  // The order between two stops.
-  struct Slab {
-    std::vector<int> order;        // lines from below
-    std::vector<Coordinate> low;   // their heights at the left stop
-    std::vector<Coordinate> high;  // and at the right one
-    std::vector<Gap> gaps;         // one more than lines
-    std::vector<Word> masks;       // `words` for each gap
-  };
+  // The height of a border of a gap at a stop.
   struct Mark {
     Coordinate y;
     Coordinate tolerance;
-    int rank;    // the greatest gives its height to all that are one with it
+    int rank;  // the greatest gives its height to all that are one with it
+  };
+  // Marks that are one.
+  struct Point {
+    Coordinate y;
     int vertex;  // -1 until asked for
-    int joined;  // number of the point that it is part of
   };
   // What lies along a side now, and since where.
   struct OpenStretch {
@@ -127,71 +60,61 @@ class TileSweep {
     std::int32_t a;
     std::int32_t b;
   };
+  // The gaps that are not the same on both sides of a stop, and where it is.
+  struct Change {
+    Coordinate x;
+    Coordinate next;  // the stop behind it
+    bool first;
+    bool last;
+    size_t from;
+    size_t oldTo;
+    size_t newTo;
+  };
 
-  void gatherSlots(const TileContent& content);
-  void gatherLines(const TileContent& content);
-  void addLine(size_t firstRaw, size_t lastRaw);
-  void clipLine(const Segment& s, Line& line, bool& alive) const;
-  void addCrossingLine(const PlanePair& pair);
-  void gatherStops();
-  void addMeetings();
   void sweep();
-  void prepareSlab(Coordinate from, Coordinate to);
-  void sortActive(Coordinate from, Coordinate to);
-  void placeGaps(Coordinate from, Coordinate to);
-  void stopAt(Coordinate x, bool first, bool last);
-  void placeMarks(size_t oldFrom, size_t oldTo, size_t newFrom, size_t newTo, Coordinate x);
-  void joinAcross(Coordinate x, size_t oldFrom, size_t oldTo, size_t newFrom, size_t newTo);
-  void sideStretches(SideList& side, const Slab& slab, bool isNew);
-  void closeWalls(Coordinate x, size_t from, size_t to);
-  void openWalls(Coordinate x, size_t from, size_t to);
+  void stopAt(const Change& change);
+  void findSeen(const Change& change);
+  bool passHidden(const Change& change);
+  void openAreas(const Change& change);
+  void placeMarks(const Change& change);
+  Mark markAt(const TileLines::Slab& slab, size_t border, bool isNew, Coordinate x) const;
+  void joinMarks(size_t oldCount);
+  void joinAcross(const Change& change);
+  void sideStretches(SideList& side, bool isNew, Coordinate x);
+  template <class Visit>
+  void forWalls(const TileLines::Slab& slab, size_t from, size_t to, Visit visit) const;
+  void closeWalls(const Change& change);
+  void openWalls(const Change& change);
   bool divides(const Gap& below, const Gap& above) const {
     return parts.regionOf(below.area) != parts.regionOf(above.area);
   }
   bool keepWall(size_t below, size_t above);
-  void openGap(Gap& gap, const Word* mask, Coordinate from, Coordinate to, int areaBelow);
-  void closeGap(const Gap& gap, const Word* mask, Coordinate to);
-  void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int mark);
-  std::int32_t seenAt(const Word* mask, double x, double y) const;
-  bool isInFront(const Slot& s, const Slot& t, double x, double y) const;
+  bool showsSlot(int area, std::int32_t slot) const;
+  void extendBorders(const Change& change);
+  void closeGap(size_t gap, Coordinate to);
+  void addCut(std::int32_t slotA, std::int32_t slotB);
+  void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int point);
   std::int32_t regionOf(std::int32_t slot) const {
-    return slot < 0 ? SkyRegion : slots[static_cast<size_t>(slot)].region;
+    return slot < 0 ? SkyRegion : planes[slot].region;
   }
-  Coordinate heightAt(int line, Coordinate x) const;
-  double heightAt(const Line& line, double x) const;
-  int vertexOf(int mark, Coordinate x);
-  void emitWall(int from, int to, const Gap& below, const Gap& above, size_t firstLine,
-                size_t lastLine);
-  void emitUpright(Mark& from, Mark& to, Coordinate x, int left, int right);
-  void chooseSource(const Line& line, std::int32_t regionA, std::int32_t regionB, Piece& piece,
-                    int& best) const;
+  int vertexOf(int point, Coordinate x);
+  void emitWall(int vertexFrom, int vertexTo, size_t below, size_t above);
+  void emitUpright(int from, int to, Coordinate x, int left, int right);
+  void chooseSource(const TileLines::Line& line, std::int32_t regionA, std::int32_t regionB,
+                    Piece& piece, int& best) const;
 
   const LookPolygons& polygons;
   MapParts& parts;
+  TilePlanes planes;
+  TileLines lines;
   Tile tile{};
-  CubeFace face{};
-  size_t words = 1;
-  std::vector<Slot> slots;
-  std::vector<Word> cornerMask;
-  std::vector<Raw> raws;
-  std::vector<Owner> owners;
-  std::vector<Line> lines;
-  std::vector<Word> toggles;  // `words` for each line
   std::vector<PlanePair> cuts;
-  std::vector<Coordinate> breaks;  // where an upright crossing line cuts all gaps
-  std::vector<Coordinate> stops;
-  std::vector<int> starts;  // lines by xa
-  size_t nextStart = 0;
-  std::vector<std::pair<Coordinate, int>> lowerToggles;  // by x
-  size_t nextToggle = 0;
-  std::vector<Word> lowerMask;
-  std::vector<int> active;
-  std::vector<std::pair<double, int>> keys;
-  Slab old;
-  Slab now;
+  std::vector<Gap> oldGaps;
+  std::vector<Gap> newGaps;
   std::vector<Mark> marks;
-  std::vector<int> oldMarks;  // of the borders of the changed gaps, from below
-  std::vector<int> newMarks;
+  std::vector<Point> points;
+  std::vector<int> oldPoints;  // of the borders of the changed gaps, from below
+  std::vector<int> newPoints;
   std::vector<int> kept;  // lowest lines of walls that go on over a stop
   Sides sides;
   OpenStretch lower;  // along the lower side
