@@ -9,13 +9,16 @@ namespace {
 using Kernel::Vec3;
 
 constexpr double Half = static_cast<double>(CubeHalf);
-constexpr size_t FewSegments = 48;
+// A tile with so few segments is swept, and one with more of them if few have their ends in it: a
+// bundle of long lines is not divided by dividing the tile.
+constexpr size_t FewSegments = 56;
+constexpr size_t MostSegments = 400;
+constexpr size_t FewEnds = 48;
 constexpr size_t FewCovers = 8;
 // Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
 constexpr double OpenedSize = 1.0;
 constexpr Coordinate SmallestTile = 1 << 14;
 constexpr int StalledLevels = 8;
-constexpr size_t StalledSegments = 400;
 
 // The greatest (or with a negated vector the least) of n.x over a box.
 double support(const SeenBox& box, Vec3 n) {
@@ -265,6 +268,17 @@ size_t TileDescent::polygonsIn(const Content& content, size_t limit) const {
   return count;
 }
 
+bool TileDescent::isBundle(const Tile& tile, const Content& content) const {
+  if (segments.size() - content.segments > MostSegments) return false;
+  size_t ends = 0;
+  for (size_t i = content.segments; i < segments.size() && ends <= FewEnds; ++i) {
+    const Segment& s = polygons.segment(segments[i]);
+    if (s.x0 > tile.x0 && s.y0 > tile.y0 && s.y0 <= tile.y1) ++ends;
+    if (s.x1 <= tile.x1 && s.y1 > tile.y0 && s.y1 <= tile.y1) ++ends;
+  }
+  return ends <= FewEnds;
+}
+
 Sides TileDescent::descend(const Tile& tile, Content content, Progress progress) {
   if (cancelled != nullptr && cancelled->load(std::memory_order_relaxed)) throw Cancelled();
   pyramid = pyramidOf(tile);
@@ -293,8 +307,9 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress)
     }
     // Hundreds of edges on one line never part, so the limit grows with every level.
     const int doublings = std::min(progress.stalled - StalledLevels, 32);
-    const bool stalled = doublings >= 0 && count <= StalledSegments << doublings;
-    if (count <= FewSegments || stalled || smallest) return sweepTile(tile, content);
+    const bool stalled = doublings >= 0 && count <= MostSegments << doublings;
+    if (count <= FewSegments || stalled || smallest || isBundle(tile, content))
+      return sweepTile(tile, content);
   }
   ++progress.level;
   return split(tile, content, progress);

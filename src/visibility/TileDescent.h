@@ -79,6 +79,7 @@ class TileDescent {
   bool hidden(const Content& content, const SeenBox& box) const;
   bool misses(const SeenBox& box) const;  // lies outside the pyramid
   size_t polygonsIn(const Content& content, size_t limit) const;
+  bool isBundle(const Tile& tile, const Content& content) const;
   Pyramid pyramidOf(const Tile& tile) const;
 
   LookPolygons& polygons;

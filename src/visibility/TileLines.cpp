@@ -60,12 +60,9 @@ bool touchesTile(const Segment& s, const Tile& tile) {
   return endOf(s, tile) != start;
 }
 
-void TileLines::Slab::clear() {
-  order.clear();
-  low.clear();
-  high.clear();
+void TileLines::Order::clear() {
+  lines.clear();
   empty.clear();
-  masks.clear();
 }
 
 void TileLines::gather(const Tile& sweptTile, const TileContent& content,
@@ -163,7 +160,9 @@ bool TileLines::clipLine(const Segment& s, Line& line) const {
   line.togglesAtB = end == Place::Below;
   line.ya = std::clamp(line.ya, tile.y0, tile.y1);
   line.yb = std::clamp(line.yb, tile.y0, tile.y1);
-  if (line.xb < line.xa) line.xa = line.xb;
+  // What crosses the tile from border to border is upright if all of it lies in one place.
+  const bool crosses = start != Place::Within && end != Place::Within;
+  if (line.xb < line.xa || (crosses && line.xb - line.xa <= Snap)) line.xa = line.xb;
   return true;
 }
 
@@ -221,58 +220,34 @@ void TileLines::addCrossingLine(const TilePlanes& planes, std::int32_t slotA, st
 }
 
 void TileLines::start() {
-  stops.assign({tile.x0, tile.x1});
   lowerToggles.clear();
   starts.clear();
+  ends.clear();
   courses.clear();
+  meetings.clear();
   for (size_t i = 0; i < lines.size(); ++i) {
     const Line& line = lines[i];
     courses.push_back({static_cast<double>(line.x0), static_cast<double>(line.y0), line.slope,
                        static_cast<double>(std::min(line.ya, line.yb)),
-                       static_cast<double>(std::max(line.ya, line.yb)), line.ya, line.xb});
-    stops.push_back(line.xa);
-    stops.push_back(line.xb);
+                       static_cast<double>(std::max(line.ya, line.yb)),
+                       static_cast<double>(line.tolerance), static_cast<double>(line.xb)});
     if (line.togglesAtA) lowerToggles.emplace_back(line.xa, static_cast<int>(i));
     if (line.togglesAtB) lowerToggles.emplace_back(line.xb, static_cast<int>(i));
-    if (line.xa < line.xb) starts.emplace_back(line.xa, static_cast<int>(i));
+    if (line.xa >= line.xb) continue;
+    starts.emplace_back(line.xa, static_cast<int>(i));
+    if (line.xb < tile.x1) ends.emplace_back(line.xb, static_cast<int>(i));
   }
-  stops.insert(stops.end(), breaks.begin(), breaks.end());
   std::sort(lowerToggles.begin(), lowerToggles.end());
   std::sort(starts.begin(), starts.end());
-  addMeetings();
-  std::sort(stops.begin(), stops.end());
-  stops.erase(std::unique(stops.begin(), stops.end()), stops.end());
-  nextStart = 0;
-  nextToggle = 0;
+  std::sort(ends.begin(), ends.end());
+  std::sort(breaks.begin(), breaks.end());
+  nextStart = nextEnd = nextToggle = nextBreak = 0;
   lowerMask = cornerMask;
   old.clear();
   now.clear();
-}
-
-void TileLines::addMeetings() {
-  for (size_t k = 0; k < starts.size(); ++k) {
-    const int first = starts[k].second;
-    const Line& s = (*this)[first];
-    const Coordinate low = std::min(s.ya, s.yb);
-    const Coordinate high = std::max(s.ya, s.yb);
-    for (size_t m = k + 1; m < starts.size(); ++m) {
-      if (starts[m].first >= s.xb) break;
-      const int second = starts[m].second;
-      const Line& t = (*this)[second];
-      if (std::max(t.ya, t.yb) < low || std::min(t.ya, t.yb) > high) continue;
-      const Coordinate from = t.xa;
-      const Coordinate to = std::min(s.xb, t.xb);
-      const Coordinate tolerance = std::max(s.tolerance, t.tolerance);
-      const Coordinate apart = heightAt(first, from) - heightAt(second, from);
-      const Coordinate after = heightAt(first, to) - heightAt(second, to);
-      if ((apart > 0) == (after > 0) || std::abs(apart) <= tolerance ||
-          std::abs(after) <= tolerance)
-        continue;
-      const double part = static_cast<double>(apart) / static_cast<double>(apart - after);
-      stops.push_back(
-          std::clamp(from + nearestWhole(part * static_cast<double>(to - from)), from, to));
-    }
-  }
+  masks.clear();
+  openingGaps = openGaps = 0;
+  here = {tile.x0, tile.x0, true, false, 0, 0, 0};
 }
 
 Coordinate TileLines::heightAt(int number, Coordinate x) const {
@@ -290,119 +265,302 @@ double TileLines::exactHeightAt(int line, double x) const {
   return std::clamp(c.y0 + c.slope * (x - c.x0), c.least, c.most);
 }
 
-void TileLines::advance(Coordinate from, Coordinate to) {
-  std::swap(old, now);
-  for (; nextToggle < lowerToggles.size() && lowerToggles[nextToggle].first <= from; ++nextToggle) {
+Coordinate TileLines::nextStop() const {
+  Coordinate x = tile.x1;
+  if (nextStart < starts.size()) x = std::min(x, starts[nextStart].first);
+  if (nextEnd < ends.size()) x = std::min(x, ends[nextEnd].first);
+  if (nextToggle < lowerToggles.size()) x = std::min(x, lowerToggles[nextToggle].first);
+  if (nextBreak < breaks.size()) x = std::min(x, breaks[nextBreak]);
+  if (!meetings.empty()) x = std::min(x, meetings.front().x);
+  return x;
+}
+
+bool TileLines::advance() {
+  if (here.last) return false;
+  do {
+    if (here.next >= tile.x1) return finish();
+    enterStop(here.next);
+  } while (!here.first && here.from == here.oldTo && here.from == here.newTo);
+  return true;
+}
+
+// Behind the last stop there is nothing.
+bool TileLines::finish() {
+  old = now;
+  oldMasks = masks;
+  now.clear();
+  here = {tile.x1, tile.x1, false, true, 0, old.gapCount(), 0};
+  return true;
+}
+
+void TileLines::enterStop(Coordinate x) {
+  here.first = now.empty.empty();
+  here.x = x;
+  old.lines = now.lines;
+  old.empty = now.empty;
+  touched = here.first;
+  sameBelow = sameAbove = here.first ? 0 : old.lines.size();
+  const bool sameLower = !toggleLower(x);
+  removeLines(x);
+  insertLines(x);
+  crossLines(x);
+  if (touched) checkOrder(x);
+  for (; nextBreak < breaks.size() && breaks[nextBreak] <= x; ++nextBreak) touch(0, 0);
+  here.next = nextStop();
+  if (!findChange(sameLower)) return;
+  replaceGaps();
+}
+
+// \return whether what covers the lowest gap has changed
+bool TileLines::toggleLower(Coordinate x) {
+  for (; nextToggle < lowerToggles.size() && lowerToggles[nextToggle].first <= x; ++nextToggle) {
     const auto line = static_cast<size_t>(lowerToggles[nextToggle].second);
     for (size_t w = 0; w < wordCount; ++w) lowerMask[w] ^= toggles[line * wordCount + w];
   }
-  orderLines(from, to);
-  placeGaps(to);
-  const bool cut = !breaks.empty() && std::find(breaks.begin(), breaks.end(), from) != breaks.end();
-  findSame(cut);
-  placeMasks();
+  return !here.first && !std::equal(lowerMask.begin(), lowerMask.end(), masks.begin());
 }
 
-void TileLines::finish() {
-  std::swap(old, now);
-  now.clear();
-  prefix = suffix = 0;
+// Lines in the order that no step has touched.
+void TileLines::touch(size_t below, size_t above) {
+  touched = true;
+  sameBelow = std::min(sameBelow, below);
+  sameAbove = std::min(sameAbove, above);
 }
 
-// By the height in the middle; the order hardly changes from stop to stop.
-void TileLines::orderLines(Coordinate from, Coordinate to) {
-  const double middle = 0.5 * (static_cast<double>(from) + static_cast<double>(to));
-  keys.clear();
-  const auto add = [&](int line) {
-    const std::pair<double, int> key(exactHeightAt(line, middle), line);
-    size_t at = keys.size();
-    keys.push_back(key);
-    for (; at > 0 && key < keys[at - 1]; --at) keys[at] = keys[at - 1];
-    keys[at] = key;
-  };
-  for (const int line : old.order)
-    if (courses[static_cast<size_t>(line)].xb > from) add(line);
-  for (; nextStart < starts.size() && starts[nextStart].first <= from; ++nextStart)
-    if (courses[static_cast<size_t>(starts[nextStart].second)].xb > from)
-      add(starts[nextStart].second);
-  now.order.resize(keys.size());
-  for (size_t k = 0; k < keys.size(); ++k) now.order[k] = keys[k].second;
-}
-
-void TileLines::placeGaps(Coordinate to) {
-  const size_t count = now.order.size();
-  now.low.resize(count);
-  now.high.resize(count);
-  now.empty.resize(count + 1);
-  Coordinate low = tile.y0;
-  Coordinate high = tile.y0;
-  Coordinate tolerance = Snap;
-  bool allEmpty = true;
-  const auto close = [&](size_t k, Coordinate nextLow, Coordinate nextHigh,
-                         Coordinate nextTolerance) {
-    const Coordinate largest = std::max(tolerance, nextTolerance);
-    const bool empty = nextLow - low <= largest && nextHigh - high <= largest;
-    allEmpty = allEmpty && empty;
-    now.empty[k] = empty ? 1 : 0;
-    low = nextLow;
-    high = nextHigh;
-    tolerance = nextTolerance;
-  };
-  for (size_t k = 0; k < count; ++k) {
-    const int line = now.order[k];
-    Course& course = courses[static_cast<size_t>(line)];
-    const Coordinate nextLow = std::max(low, course.here);
-    course.here = heightAt(line, to);
-    const Coordinate nextHigh = std::max(high, course.here);
-    close(k, nextLow, nextHigh, (*this)[line].tolerance);
-    now.low[k] = nextLow;
-    now.high[k] = nextHigh;
+void TileLines::removeLines(Coordinate x) {
+  std::vector<int>& order = now.lines;
+  for (; nextEnd < ends.size() && ends[nextEnd].first <= x; ++nextEnd) {
+    const auto at = std::find(order.begin(), order.end(), ends[nextEnd].second);
+    const auto place = static_cast<size_t>(at - order.begin());
+    order.erase(at);
+    touch(place, order.size() - place);
   }
-  close(count, tile.y1, tile.y1, Snap);
-  if (allEmpty) now.empty[count] = 0;  // a tile so low that nothing has a height in it
 }
 
-void TileLines::findSame(bool cut) {
-  prefix = suffix = 0;
-  if (cut) return;
-  const size_t oldCount = old.gapCount();
-  const size_t newCount = now.gapCount();
-  const size_t most = std::min(oldCount, newCount);
-  const bool sameLower =
-      oldCount > 0 && std::equal(lowerMask.begin(), lowerMask.end(), old.masks.begin());
-  const auto same = [this](size_t i, size_t k) {
-    return old.below(i) == now.below(k) && old.above(i) == now.above(k) &&
-           old.empty[i] == now.empty[k];
-  };
-  if (sameLower)
-    while (prefix < most && same(prefix, prefix)) ++prefix;
-  while (suffix < most - prefix && same(oldCount - 1 - suffix, newCount - 1 - suffix)) ++suffix;
+void TileLines::insertLines(Coordinate x) {
+  std::vector<int>& order = now.lines;
+  const auto position = static_cast<double>(x);
+  for (; nextStart < starts.size() && starts[nextStart].first <= x; ++nextStart) {
+    const int line = starts[nextStart].second;
+    const auto at = std::partition_point(
+        order.begin(), order.end(), [&](int other) { return goesAbove(line, other, position); });
+    const auto place = static_cast<size_t>(at - order.begin());
+    touch(place, order.size() - place);
+    order.insert(at, line);
+  }
 }
 
-// Those of the prefix and, if the last one is, of the suffix are the same.
-void TileLines::placeMasks() {
-  const size_t count = now.gapCount();
-  now.masks.resize(count * wordCount);
-  std::copy_n(old.masks.begin(), prefix * wordCount, now.masks.begin());
-  if (prefix == 0) std::copy(lowerMask.begin(), lowerMask.end(), now.masks.begin());
-  const auto place = [this](size_t gap) {
-    const MaskWord* mask = &now.masks[(gap - 1) * wordCount];
-    const MaskWord* toggle = &toggles[static_cast<size_t>(now.order[gap - 1]) * wordCount];
-    for (size_t w = 0; w < wordCount; ++w) now.masks[gap * wordCount + w] = mask[w] ^ toggle[w];
+// Behind x, where both are.
+bool TileLines::goesAbove(int line, int other, double x) const {
+  const Course& c = courses[static_cast<size_t>(line)];
+  const Course& d = courses[static_cast<size_t>(other)];
+  const double tolerance = std::max(c.tolerance, d.tolerance);
+  const double apart = exactHeightAt(line, x) - exactHeightAt(other, x);
+  if (std::fabs(apart) > tolerance) return apart > 0.0;
+  const double end = std::min(c.end, d.end);
+  const double after = exactHeightAt(line, end) - exactHeightAt(other, end);
+  if (std::fabs(after) > tolerance) return after > 0.0;
+  return line > other;
+}
+
+void TileLines::swapLines(size_t below) {
+  std::swap(now.lines[below], now.lines[below + 1]);
+  touch(below, now.lines.size() - below - 2);
+}
+
+// Meetings of lines that are no longer neighbours have been found anew, or do not take place.
+void TileLines::crossLines(Coordinate x) {
+  const auto later = [](const Meeting& a, const Meeting& b) {
+    return a.x != b.x ? a.x > b.x : a.below != b.below ? a.below > b.below : a.above > b.above;
   };
-  const size_t from = std::max<size_t>(prefix, 1);
-  size_t gap = from;
-  for (; gap < count - suffix; ++gap) place(gap);
-  if (suffix == 0) return;
-  if (gap < count && gap == count - suffix) place(gap);
-  const size_t before = old.gapCount() - suffix;
-  const size_t behind = count - suffix;
-  if (std::equal(maskBefore(before), maskBefore(before) + wordCount, maskBehind(behind))) {
-    std::copy_n(maskBefore(before), suffix * wordCount, &now.masks[behind * wordCount]);
+  while (!meetings.empty() && meetings.front().x <= x) {
+    const Meeting meeting = meetings.front();
+    std::pop_heap(meetings.begin(), meetings.end(), later);
+    meetings.pop_back();
+    const auto at = std::find(now.lines.begin(), now.lines.end(), meeting.below);
+    if (at == now.lines.end() || at + 1 == now.lines.end() || *(at + 1) != meeting.above) continue;
+    swapLines(static_cast<size_t>(at - now.lines.begin()));
+  }
+}
+
+// Looks at the neighbours among what was touched: where they meet, and whether their order is the
+// one behind the stop. Of two lines at most one order is wrong, so this comes to an end.
+void TileLines::checkOrder(Coordinate x) {
+  const std::vector<int>& order = now.lines;
+  size_t at = sameBelow > 0 ? sameBelow - 1 : 0;
+  while (at + 1 < order.size() && at + sameAbove < order.size()) {
+    if (mustSwap(order[at], order[at + 1], x)) {
+      swapLines(at);
+      if (at > 0) --at;
+    } else {
+      ++at;
+    }
+  }
+  const size_t from = sameBelow > 0 ? sameBelow - 1 : 0;
+  for (at = from; at + 1 < order.size() && at + sameAbove < order.size(); ++at)
+    addMeeting(order[at], order[at + 1], x);
+}
+
+// Whether a line goes below the one that is below it. Within the tolerance either may be the upper
+// one, and where they part decides.
+bool TileLines::mustSwap(int below, int above, Coordinate x) {
+  const Course& c = courses[static_cast<size_t>(below)];
+  const Course& d = courses[static_cast<size_t>(above)];
+  const double tolerance = std::max(c.tolerance, d.tolerance);
+  const auto position = static_cast<double>(x);
+  const double apart = exactHeightAt(above, position) - exactHeightAt(below, position);
+  if (apart > tolerance) return false;
+  if (apart < -tolerance) return true;
+  const double end = std::min(c.end, d.end);
+  return exactHeightAt(above, end) - exactHeightAt(below, end) < -tolerance;
+}
+
+void TileLines::addMeeting(int below, int above, Coordinate x) {
+  const Course& c = courses[static_cast<size_t>(below)];
+  const Course& d = courses[static_cast<size_t>(above)];
+  const double end = std::min(c.end, d.end);
+  if (!(exactHeightAt(above, end) - exactHeightAt(below, end) <
+        -std::max(c.tolerance, d.tolerance)))
     return;
+  const Line& s = (*this)[below];
+  const Line& t = (*this)[above];
+  const Coordinate from = std::max(s.xa, t.xa);
+  const Coordinate to = std::min(s.xb, t.xb);
+  const Coordinate apart = heightAt(above, from) - heightAt(below, from);
+  const Coordinate after = heightAt(above, to) - heightAt(below, to);
+  Coordinate at = x + 1;
+  if (apart > 0 && after < 0) {
+    const double part = static_cast<double>(apart) / static_cast<double>(apart - after);
+    at = from + nearestWhole(part * static_cast<double>(to - from));
   }
-  suffix = 0;
-  for (gap = std::max(behind, from); gap < count; ++gap) place(gap);
+  at = std::clamp(at, x + 1, std::max(x + 1, to));
+  meetings.push_back({at, below, above});
+  std::push_heap(meetings.begin(), meetings.end(), [](const Meeting& a, const Meeting& b) {
+    return a.x != b.x ? a.x > b.x : a.below != b.below ? a.below > b.below : a.above > b.above;
+  });
+}
+
+// \return false if nothing has changed
+bool TileLines::findChange(bool sameLower) {
+  here.from = here.oldTo = here.newTo = 0;
+  if (touched) {
+    here.from = sameBelow;
+    here.oldTo = here.first ? 0 : old.lines.size() - sameAbove + 1;
+    here.newTo = now.lines.size() - sameAbove + 1;
+  }
+  if (!sameLower) {
+    here.from = 0;
+    if (!touched) extendUpwards();
+  }
+  if (openingGaps > 0) wakeGaps();
+  return here.first || here.from < here.oldTo || here.from < here.newTo;
+}
+
+void TileLines::extendUpwards() {
+  here.oldTo = old.gapCount();
+  here.newTo = now.lines.size() + 1;
+}
+
+// Gaps that have become wide enough change, too.
+void TileLines::wakeGaps() {
+  for (size_t i = 0; i < old.gapCount(); ++i) {
+    if (old.empty[i] != Opening || (i >= here.from && i < here.oldTo)) continue;
+    const bool none = here.oldTo == here.from && here.newTo == here.from;
+    const size_t gap = i < here.from || none ? i : i - here.oldTo + here.newTo;
+    if (stateOfGap(gap) == Opening) continue;
+    if (none) {
+      here.from = i;
+      here.oldTo = here.newTo = i + 1;
+    } else if (i < here.from) {
+      here.from = i;
+    } else {
+      here.newTo = gap + 1;
+      here.oldTo = i + 1;
+    }
+  }
+}
+
+double TileLines::widthOfGap(size_t gap, double x) const {
+  return exactHeightAt(now.above(gap), x) - exactHeightAt(now.below(gap), x);
+}
+
+char TileLines::stateOfGap(size_t gap) const {
+  double largest = static_cast<double>(Snap);
+  auto end = static_cast<double>(tile.x1);
+  for (const int line : {now.below(gap), now.above(gap)}) {
+    if (line < 0) continue;
+    const Course& course = courses[static_cast<size_t>(line)];
+    largest = std::max(largest, course.tolerance);
+    end = std::min(end, course.end);
+  }
+  if (widthOfGap(gap, static_cast<double>(here.x)) > largest ||
+      widthOfGap(gap, static_cast<double>(here.next)) > largest)
+    return 0;
+  return widthOfGap(gap, end) > largest ? Opening : Empty;
+}
+
+void TileLines::replaceGaps() {
+  if (!placeMasks() || !placeGaps()) {
+    extendUpwards();
+    placeMasks();
+    placeGaps();
+  }
+  const auto splice = [this](auto& list, const auto& replacement, size_t unit) {
+    const size_t from = here.from * unit;
+    const size_t oldTo = here.oldTo * unit;
+    const size_t newTo = here.newTo * unit;
+    const auto at = [&](size_t i) { return list.begin() + static_cast<std::ptrdiff_t>(i); };
+    if (newTo > oldTo) list.insert(at(oldTo), newTo - oldTo, 0);
+    if (newTo < oldTo) list.erase(at(newTo), at(oldTo));
+    std::copy_n(replacement.begin(), newTo - from, at(from));
+  };
+  oldMasks.assign(masks.begin() + static_cast<std::ptrdiff_t>(here.from * wordCount),
+                  masks.begin() + static_cast<std::ptrdiff_t>(here.oldTo * wordCount));
+  splice(masks, newMasks, wordCount);
+  splice(now.empty, newStates, 1);
+}
+
+// \return false if what covers the gaps above has changed, too
+bool TileLines::placeMasks() {
+  const size_t gaps = here.newTo - here.from;
+  const bool isTop = here.newTo == now.lines.size() + 1;
+  newMasks.resize((gaps + 1) * wordCount);
+  const auto cross = [this](const MaskWord* mask, size_t line, MaskWord* result) {
+    const MaskWord* toggle = &toggles[static_cast<size_t>(now.lines[line]) * wordCount];
+    for (size_t w = 0; w < wordCount; ++w) result[w] = mask[w] ^ toggle[w];
+  };
+  if (here.from == 0) {
+    std::copy(lowerMask.begin(), lowerMask.end(), newMasks.begin());
+  } else {
+    cross(&masks[(here.from - 1) * wordCount], here.from - 1, newMasks.data());
+  }
+  for (size_t i = 1; i < gaps + (isTop ? 0 : 1); ++i)
+    cross(&newMasks[(i - 1) * wordCount], here.from + i - 1, &newMasks[i * wordCount]);
+  if (isTop) return true;
+  return std::equal(newMasks.begin() + static_cast<std::ptrdiff_t>(gaps * wordCount),
+                    newMasks.begin() + static_cast<std::ptrdiff_t>((gaps + 1) * wordCount),
+                    masks.begin() + static_cast<std::ptrdiff_t>(here.oldTo * wordCount));
+}
+
+// \return false if no gap is left that is not empty
+bool TileLines::placeGaps() {
+  newStates.clear();
+  for (size_t gap = here.from; gap < here.newTo; ++gap) newStates.push_back(stateOfGap(gap));
+  const auto count = [](auto from, auto to, char state) {
+    return static_cast<size_t>(std::count(from, to, state));
+  };
+  const auto oldFrom = old.empty.begin() + static_cast<std::ptrdiff_t>(here.from);
+  const auto oldTo = old.empty.begin() + static_cast<std::ptrdiff_t>(here.oldTo);
+  const size_t left = openGaps - count(oldFrom, oldTo, 0);
+  if (left + count(newStates.begin(), newStates.end(), 0) == 0) {
+    // A tile so low that nothing has a height in it.
+    if (here.newTo < now.lines.size() + 1) return false;
+    newStates.back() = 0;
+  }
+  openGaps = left + count(newStates.begin(), newStates.end(), 0);
+  openingGaps = openingGaps - count(oldFrom, oldTo, Opening) +
+                count(newStates.begin(), newStates.end(), Opening);
+  return true;
 }
 
 }  // namespace Lumivane::Visibility

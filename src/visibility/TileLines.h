@@ -39,17 +39,26 @@ class TileLines {
     std::int32_t crossed[2];  // slots of the two planes; -1 for edges
   };
   /// The order between two stops. Gap k lies below line k of it.
-  struct Slab {
-    std::vector<int> order;        // lines from below
-    std::vector<Coordinate> low;   // their heights at the left stop
-    std::vector<Coordinate> high;  // and at the right one
-    std::vector<char> empty;       // gaps too narrow to be any
-    std::vector<MaskWord> masks;   // what covers each gap
+  struct Order {
+    std::vector<int> lines;   // from below
+    std::vector<char> empty;  // gaps too narrow to be any, one more than lines
 
     size_t gapCount() const { return empty.size(); }
-    int below(size_t gap) const { return gap == 0 ? LowerBorder : order[gap - 1]; }
-    int above(size_t gap) const { return gap == order.size() ? UpperBorder : order[gap]; }
+    bool isEmpty(size_t gap) const { return empty[gap] != 0; }
+    int below(size_t gap) const { return gap == 0 ? LowerBorder : lines[gap - 1]; }
+    int above(size_t gap) const { return gap == lines.size() ? UpperBorder : lines[gap]; }
     void clear();
+  };
+  /// What changes at a stop: gaps from `from` up to `oldTo` of the order before it become those
+  /// from `from` up to `newTo` of the order behind it. The others stay as they are.
+  struct Change {
+    Coordinate x;
+    Coordinate next;  // the stop after it
+    bool first;       // on the left side of the tile, before which there is nothing
+    bool last;        // on its right side
+    size_t from;
+    size_t oldTo;
+    size_t newTo;
   };
 
   explicit TileLines(const LookPolygons& lookPolygons) : polygons(lookPolygons) {}
@@ -61,26 +70,19 @@ class TileLines {
   /// Adds the line on which two planes are at one distance.
   void addCrossingLine(const TilePlanes& planes, std::int32_t slotA, std::int32_t slotB);
 
-  /// Finds the stops, the first and last of which are the sides of the tile, and goes before the
-  /// first one.
+  /// Goes before the left side of the tile.
   void start();
-  const std::vector<Coordinate>& allStops() const { return stops; }
-  /// Makes the slab up to the next stop that of the left side, and the one behind it that of the
-  /// right side.
-  void advance(Coordinate from, Coordinate to);
-  /// Behind the last stop there is none.
-  void finish();
+  /// Goes to the next stop at which anything changes; the first and the last are the sides of the
+  /// tile. \return false behind the last one
+  bool advance();
+  const Change& change() const { return here; }
 
-  /// On the left and on the right side of the stop.
-  const Slab& before() const { return old; }
-  const Slab& behind() const { return now; }
-  /// How many gaps from below, and from above, are the same on both sides.
-  size_t samePrefix() const { return prefix; }
-  size_t sameSuffix() const { return suffix; }
-
-  size_t words() const { return wordCount; }
-  const MaskWord* maskBefore(size_t gap) const { return &old.masks[gap * wordCount]; }
-  const MaskWord* maskBehind(size_t gap) const { return &now.masks[gap * wordCount]; }
+  const Order& before() const { return old; }
+  const Order& behind() const { return now; }
+  /// What covers a gap, of those that change before the stop.
+  const MaskWord* maskBefore(size_t gap) const { return &oldMasks[(gap - here.from) * wordCount]; }
+  /// What covers a gap behind the stop.
+  const MaskWord* maskBehind(size_t gap) const { return &masks[gap * wordCount]; }
 
   const std::vector<Line>& all() const { return lines; }
   const Line& operator[](int line) const { return lines[static_cast<size_t>(line)]; }
@@ -97,21 +99,46 @@ class TileLines {
     const Segment* segment;
     std::int32_t slot;
   };
-  // What is asked of a line between any two stops.
+  // What is asked of a line at every stop.
   struct Course {
     double x0, y0, slope;
     double least, most;
-    Coordinate here;  // its height at the stop
-    Coordinate xb;
+    double tolerance;
+    double end;  // where it ends
   };
+  struct Meeting {
+    Coordinate x;
+    int below;
+    int above;
+  };
+
+  // A gap that is empty, and one that is not yet wide enough.
+  static constexpr char Empty = 1;
+  static constexpr char Opening = 2;
 
   void addLine(size_t firstRaw, size_t lastRaw);
   bool clipLine(const Segment& s, Line& line) const;
-  void addMeetings();
-  void orderLines(Coordinate from, Coordinate to);
-  void placeGaps(Coordinate to);
-  void findSame(bool cut);
-  void placeMasks();
+  Coordinate nextStop() const;
+  void enterStop(Coordinate x);
+  bool toggleLower(Coordinate x);
+  void removeLines(Coordinate x);
+  void insertLines(Coordinate x);
+  void crossLines(Coordinate x);
+  void checkOrder(Coordinate x);
+  bool goesAbove(int line, int other, double x) const;
+  bool mustSwap(int below, int above, Coordinate x);
+  void addMeeting(int below, int above, Coordinate x);
+  void swapLines(size_t below);
+  void touch(size_t below, size_t above);
+  bool findChange(bool sameLower);
+  void wakeGaps();
+  void extendUpwards();
+  bool placeMasks();
+  bool placeGaps();
+  char stateOfGap(size_t gap) const;
+  void replaceGaps();
+  bool finish();
+  double widthOfGap(size_t gap, double x) const;
 
   const LookPolygons& polygons;
   Tile tile{};
@@ -123,18 +150,29 @@ class TileLines {
   size_t edgeLines = 0;
   std::vector<MaskWord> toggles;   // `words` for each line
   std::vector<Coordinate> breaks;  // where an upright crossing line cuts all gaps
-  std::vector<Coordinate> stops;
-  std::vector<Course> courses;                     // of the lines
-  std::vector<std::pair<Coordinate, int>> starts;  // lines by xa
+  std::vector<Course> courses;     // of the lines
+  // What waits, each by x.
+  std::vector<std::pair<Coordinate, int>> starts;
+  std::vector<std::pair<Coordinate, int>> ends;
+  std::vector<std::pair<Coordinate, int>> lowerToggles;
   size_t nextStart = 0;
-  std::vector<std::pair<Coordinate, int>> lowerToggles;  // by x
+  size_t nextEnd = 0;
   size_t nextToggle = 0;
+  size_t nextBreak = 0;
+  std::vector<Meeting> meetings;  // a heap
   std::vector<MaskWord> lowerMask;
-  std::vector<std::pair<double, int>> keys;
-  Slab old;
-  Slab now;
-  size_t prefix = 0;
-  size_t suffix = 0;
+  Change here{};
+  bool touched = false;
+  size_t sameBelow = 0;  // lines that no step has touched at the stop, from below
+  size_t sameAbove = 0;  // and from above
+  Order old;
+  Order now;
+  std::vector<MaskWord> masks;     // `words` for each gap
+  std::vector<MaskWord> oldMasks;  // of the changed gaps
+  std::vector<MaskWord> newMasks;
+  std::vector<char> newStates;
+  size_t openingGaps = 0;
+  size_t openGaps = 0;
 };
 
 }  // namespace Lumivane::Visibility

@@ -37,33 +37,23 @@ Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {
 void TileSweep::sweep() {
   lines.start();
   planesCross = false;
-  newGaps.clear();
+  gaps.clear();
   sides = Sides{};
   lower = upper = OpenStretch{};
-  const std::vector<Coordinate>& stops = lines.allStops();
-  for (size_t k = 0; k + 1 < stops.size(); ++k) {
-    lines.advance(stops[k], stops[k + 1]);
-    const size_t suffix = lines.sameSuffix();
-    stopAt({stops[k], stops[k + 1], k == 0, false, lines.samePrefix(),
-            lines.before().gapCount() - suffix, lines.behind().gapCount() - suffix});
-  }
-  lines.finish();
-  stopAt({tile.x1, tile.x1, false, true, 0, lines.before().gapCount(), 0});
+  while (lines.advance()) stopAt(lines.change());
 }
 
 void TileSweep::stopAt(const Change& change) {
-  if (!change.first && !change.last && change.from == change.oldTo && change.from == change.newTo)
-    return;
-  std::swap(oldGaps, newGaps);
-  for (size_t i = change.from; i < change.oldTo; ++i) closeGap(i, change.x);
+  replaceGaps(change);
+  for (size_t i = change.from; i < change.oldTo; ++i) closeGap(i);
   findSeen(change);
   if (passHidden(change)) return;
   openAreas(change);
   placeMarks(change);
   if (change.first) {
-    sideStretches(sides[Left], true, change.x);
+    sideStretches(sides[Left], gaps, newPoints, change.x);
   } else if (change.last) {
-    sideStretches(sides[Right], false, change.x);
+    sideStretches(sides[Right], oldGaps, oldPoints, change.x);
   } else {
     joinAcross(change);
   }
@@ -73,20 +63,24 @@ void TileSweep::stopAt(const Change& change) {
   extendBorders(change);
 }
 
-// The gaps behind a stop, as yet without areas, and what is seen in the middle of each.
+// The gaps behind a stop, as yet without what is seen in them.
+void TileSweep::replaceGaps(const Change& change) {
+  const auto at = [this](size_t i) { return gaps.begin() + static_cast<std::ptrdiff_t>(i); };
+  oldGaps.assign(at(change.from), at(change.oldTo));
+  if (change.newTo > change.oldTo) gaps.insert(at(change.oldTo), change.newTo - change.oldTo, {});
+  if (change.newTo < change.oldTo) gaps.erase(at(change.newTo), at(change.oldTo));
+  std::fill(at(change.from), at(change.newTo), Gap{-1, -1, change.x, -1});
+}
+
+// In the middle between a stop and the next one.
 void TileSweep::findSeen(const Change& change) {
-  const TileLines::Slab& slab = lines.behind();
-  newGaps.resize(slab.gapCount());
-  std::copy_n(oldGaps.begin(), change.from, newGaps.begin());
-  std::copy(oldGaps.begin() + static_cast<std::ptrdiff_t>(change.oldTo), oldGaps.end(),
-            newGaps.begin() + static_cast<std::ptrdiff_t>(change.newTo));
+  const TileLines::Order& order = lines.behind();
   const double x = 0.5 * (static_cast<double>(change.x) + static_cast<double>(change.next));
   for (size_t k = change.from; k < change.newTo; ++k) {
-    newGaps[k] = {-1, -1, change.x, -1};
-    if (slab.empty[k] != 0) continue;
-    const double below = lines.exactHeightAt(slab.below(k), x);
-    const double above = lines.exactHeightAt(slab.above(k), x);
-    newGaps[k].slot = planes.seenAt(lines.maskBehind(k), x, 0.5 * (below + above));
+    if (order.isEmpty(k)) continue;
+    const double below = lines.exactHeightAt(order.below(k), x);
+    const double above = lines.exactHeightAt(order.above(k), x);
+    gaps[k].slot = planes.seenAt(lines.maskBehind(k), x, 0.5 * (below + above));
   }
 }
 
@@ -104,29 +98,29 @@ bool TileSweep::passHidden(const Change& change) {
   if (change.first || change.last) return false;
   const size_t from = change.from;
   if (from == change.oldTo || from == change.newTo) return false;
-  const std::vector<char>& emptyBefore = lines.before().empty;
-  const std::vector<char>& emptyBehind = lines.behind().empty;
-  if (emptyBefore[from] != 0 || emptyBefore[change.oldTo - 1] != 0 || emptyBehind[from] != 0 ||
-      emptyBehind[change.newTo - 1] != 0)
+  const TileLines::Order& before = lines.before();
+  const TileLines::Order& behind = lines.behind();
+  if (before.isEmpty(from) || before.isEmpty(change.oldTo - 1) || behind.isEmpty(from) ||
+      behind.isEmpty(change.newTo - 1))
     return false;
-  const int area = oldGaps[from].area;
-  for (size_t i = from; i < change.oldTo; ++i)
-    if (emptyBefore[i] == 0 && oldGaps[i].area != area) return false;
+  const int area = oldGaps.front().area;
+  for (const Gap& gap : oldGaps)
+    if (gap.area >= 0 && gap.area != area) return false;
   for (size_t k = from; k < change.newTo; ++k)
-    if (emptyBehind[k] == 0 && !showsSlot(area, newGaps[k].slot)) return false;
+    if (!behind.isEmpty(k) && !showsSlot(area, gaps[k].slot)) return false;
   for (size_t k = from; k < change.newTo; ++k)
-    if (emptyBehind[k] == 0) newGaps[k].area = area;
-  newGaps[change.newTo - 1].wallVertex = oldGaps[change.oldTo - 1].wallVertex;
+    if (!behind.isEmpty(k)) gaps[k].area = area;
+  gaps[change.newTo - 1].wallVertex = oldGaps.back().wallVertex;
   return true;
 }
 
 // Neighbours with one label are one area.
 void TileSweep::openAreas(const Change& change) {
   int below = -1;
-  for (size_t k = change.from; k > 0 && below < 0; --k) below = newGaps[k - 1].area;
+  for (size_t k = change.from; k > 0 && below < 0; --k) below = gaps[k - 1].area;
   for (size_t k = change.from; k < change.newTo; ++k) {
-    if (lines.behind().empty[k] != 0) continue;
-    Gap& gap = newGaps[k];
+    if (lines.behind().isEmpty(k)) continue;
+    Gap& gap = gaps[k];
     if (below < 0 || !showsSlot(below, gap.slot)) {
       Area area{SkyRegion, -1};
       if (gap.slot >= 0) {
@@ -142,13 +136,12 @@ void TileSweep::openAreas(const Change& change) {
 // What lies along the lower and the upper side of the tile.
 void TileSweep::extendBorders(const Change& change) {
   const auto isOpen = [](const Gap& gap) { return gap.area >= 0; };
-  const auto first = std::find_if(newGaps.begin(), newGaps.end(), isOpen);
-  const auto last = std::find_if(newGaps.rbegin(), newGaps.rend(), isOpen);
-  const std::vector<int>& heights = change.last ? oldPoints : newPoints;
-  borderStretch(sides[Bottom], lower, first == newGaps.end() ? -1 : first->area, change.x,
-                heights.front());
-  borderStretch(sides[Top], upper, last == newGaps.rend() ? -1 : last->area, change.x,
-                heights.back());
+  const auto first = std::find_if(gaps.begin(), gaps.end(), isOpen);
+  const auto last = std::find_if(gaps.rbegin(), gaps.rend(), isOpen);
+  const std::vector<int>& borders = change.last ? oldPoints : newPoints;
+  borderStretch(sides[Bottom], lower, first == gaps.end() ? -1 : first->area, change.x,
+                borders.front());
+  borderStretch(sides[Top], upper, last == gaps.rend() ? -1 : last->area, change.x, borders.back());
 }
 
 // Ends the open stretch of the lower or upper side where another area begins to lie along it. The
@@ -163,25 +156,32 @@ void TileSweep::borderStretch(SideList& side, OpenStretch& open, int area, Coord
   open = {area, x, here};
 }
 
-TileSweep::Mark TileSweep::markAt(const TileLines::Slab& slab, size_t border, bool isNew,
+TileSweep::Mark TileSweep::markAt(const TileLines::Order& order, size_t border,
                                   Coordinate x) const {
   if (border == 0) return {tile.y0, Snap, 3};
-  if (border > slab.order.size()) return {tile.y1, Snap, 3};
-  const TileLines::Line& line = lines[slab.order[border - 1]];
+  if (border == order.gapCount()) return {tile.y1, Snap, 3};
+  const int number = order.lines[border - 1];
+  const TileLines::Line& line = lines[number];
   const bool end = (line.fixedA && line.xa == x) || (line.fixedB && line.xb == x);
-  return {isNew ? slab.low[border - 1] : slab.high[border - 1], line.tolerance, end ? 2 : 1};
+  return {lines.heightAt(number, x), line.tolerance, end ? 2 : 1};
+}
+
+// None lower than the one before.
+void TileSweep::addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x) {
+  Coordinate least = tile.y0;
+  for (size_t border = from; border <= to; ++border) {
+    marks.push_back(markAt(order, border, x));
+    least = std::max(least, marks.back().y);
+    marks.back().y = least;
+  }
 }
 
 // The heights of all borders of changed gaps at a stop.
 void TileSweep::placeMarks(const Change& change) {
   marks.clear();
-  if (!change.first)
-    for (size_t b = change.from; b <= change.oldTo; ++b)
-      marks.push_back(markAt(lines.before(), b, false, change.x));
+  if (!change.first) addMarks(lines.before(), change.from, change.oldTo, change.x);
   const size_t oldCount = marks.size();
-  if (!change.last)
-    for (size_t b = change.from; b <= change.newTo; ++b)
-      marks.push_back(markAt(lines.behind(), b, true, change.x));
+  if (!change.last) addMarks(lines.behind(), change.from, change.newTo, change.x);
   joinMarks(oldCount);
 }
 
@@ -234,8 +234,8 @@ void TileSweep::joinAcross(const Change& change) {
     const int newHigh = newPoints[k - change.from + 1];
     const int from = std::max(oldLow, newLow);
     const int to = std::min(oldHigh, newHigh);
-    const int left = oldGaps[i].area;
-    const int right = newGaps[k].area;
+    const int left = oldGaps[i - change.from].area;
+    const int right = gaps[k].area;
     if (from < to && left >= 0 && right >= 0) {
       if (parts.regionOf(left) == parts.regionOf(right)) {
         parts.areaSets.join(left, right);
@@ -263,9 +263,9 @@ void TileSweep::emitUpright(int from, int to, Coordinate x, int left, int right)
   parts.pieces.push_back(piece);
 }
 
-void TileSweep::sideStretches(SideList& side, bool isNew, Coordinate x) {
-  const std::vector<int>& heights = isNew ? newPoints : oldPoints;
-  const std::vector<Gap>& gaps = isNew ? newGaps : oldGaps;
+// All gaps of the first or the last stop.
+void TileSweep::sideStretches(SideList& side, const std::vector<Gap>& allGaps,
+                              const std::vector<int>& borders, Coordinate x) {
   const auto add = [&](int from, int to, int area) {
     const int fromVertex = vertexOf(from, x);
     const int toVertex = vertexOf(to, x);
@@ -275,15 +275,15 @@ void TileSweep::sideStretches(SideList& side, bool isNew, Coordinate x) {
   int begin = -1;
   int end = -1;
   int area = -1;
-  for (size_t i = 0; i < gaps.size(); ++i) {
-    if (gaps[i].area < 0 || heights[i] >= heights[i + 1]) continue;
-    const int here = gaps[i].area;
+  for (size_t i = 0; i < allGaps.size(); ++i) {
+    if (allGaps[i].area < 0 || borders[i] >= borders[i + 1]) continue;
+    const int here = allGaps[i].area;
     if (area < 0 || parts.regionOf(area) != parts.regionOf(here)) {
       if (area >= 0) add(begin, end, area);
-      begin = heights[i];
+      begin = borders[i];
       area = here;
     }
-    end = heights[i + 1];
+    end = borders[i + 1];
   }
   if (area >= 0) add(begin, end, area);
 }
@@ -291,74 +291,82 @@ void TileSweep::sideStretches(SideList& side, bool isNew, Coordinate x) {
 // Visits the pairs of gaps that have nothing but empty ones between them, of which one gap at least
 // has changed.
 template <class Visit>
-void TileSweep::forWalls(const TileLines::Slab& slab, size_t from, size_t to, Visit visit) const {
-  const std::vector<char>& empty = slab.empty;
+void TileSweep::forWalls(const TileLines::Order& order, size_t from, size_t to, Visit visit) const {
+  const size_t count = order.gapCount();
   size_t below = from;
-  while (below > 0 && empty[below - 1] != 0) --below;
+  while (below > 0 && order.isEmpty(below - 1)) --below;
   below = below > 0 ? below - 1 : 0;
-  while (below < empty.size() && empty[below] != 0) ++below;
+  while (below < count && order.isEmpty(below)) ++below;
   while (below < to) {
     size_t above = below + 1;
-    while (above < empty.size() && empty[above] != 0) ++above;
-    if (above == empty.size()) return;
+    while (above < count && order.isEmpty(above)) ++above;
+    if (above == count) return;
     if (above >= from) visit(below, above);
     below = above;
   }
 }
 
 void TileSweep::openWalls(const Change& change) {
+  wallFromBelow = -1;
   forWalls(lines.behind(), change.from, change.newTo, [&](size_t below, size_t above) {
-    if (!divides(newGaps[below], newGaps[above])) {
-      parts.areaSets.join(newGaps[below].area, newGaps[above].area);
+    if (!divides(gaps[below], gaps[above])) {
+      parts.areaSets.join(gaps[below].area, gaps[above].area);
     } else if (!keepWall(below, above)) {
       const size_t border = std::max(below + 1, change.from);
-      newGaps[below].wallVertex = vertexOf(newPoints[border - change.from], change.x);
+      if (below < change.from) wallFromBelow = gaps[below].wallVertex;
+      gaps[below].wallVertex = vertexOf(newPoints[border - change.from], change.x);
     }
   });
 }
 
 void TileSweep::closeWalls(const Change& change) {
-  const TileLines::Slab& slab = lines.before();
-  forWalls(slab, change.from, change.oldTo, [&](size_t below, size_t above) {
-    const bool goesOn = std::find(kept.begin(), kept.end(), slab.above(below)) != kept.end();
-    if (goesOn || !divides(oldGaps[below], oldGaps[above])) return;
+  const TileLines::Order& order = lines.before();
+  forWalls(order, change.from, change.oldTo, [&](size_t below, size_t above) {
+    const bool goesOn = std::find(kept.begin(), kept.end(), order.above(below)) != kept.end();
+    if (goesOn || !divides(gapBefore(below), gapBefore(above))) return;
     const size_t border = std::max(below + 1, change.from);
-    emitWall(oldGaps[below].wallVertex, vertexOf(oldPoints[border - change.from], change.x), below,
-             above);
+    const bool replaced = below < change.from && wallFromBelow >= 0;
+    emitWall(replaced ? wallFromBelow : gapBefore(below).wallVertex,
+             vertexOf(oldPoints[border - change.from], change.x), below, above);
   });
 }
 
 // Whether a wall of the old slab goes on with the same lines between the same areas: then it is one
 // piece.
 bool TileSweep::keepWall(size_t below, size_t above) {
-  const TileLines::Slab& before = lines.before();
-  const TileLines::Slab& behind = lines.behind();
+  const Change& change = lines.change();
+  const TileLines::Order& before = lines.before();
+  const TileLines::Order& behind = lines.behind();
   const int line = behind.above(below);
-  size_t i = 0;
-  while (i < oldGaps.size() && (before.empty[i] != 0 || before.above(i) != line)) ++i;
+  size_t i = below;
+  if (below >= change.from) {
+    i = change.from;
+    while (i < change.oldTo && (before.isEmpty(i) || before.above(i) != line)) ++i;
+    if (i == change.oldTo) return false;
+  }
   const size_t k = i + above - below;
-  if (k >= oldGaps.size() || before.empty[k] != 0) return false;
+  if (k >= before.gapCount() || before.isEmpty(k)) return false;
   for (size_t n = 1; n < above - below; ++n)
-    if (before.empty[i + n] == 0 || before.above(i + n) != behind.above(below + n)) return false;
+    if (!before.isEmpty(i + n) || before.above(i + n) != behind.above(below + n)) return false;
   const auto sameArea = [this](const Gap& a, const Gap& b) {
     return parts.areas[static_cast<size_t>(a.area)].polygon ==
                parts.areas[static_cast<size_t>(b.area)].polygon &&
            parts.areaSets.find(a.area) == parts.areaSets.find(b.area);
   };
-  if (!sameArea(oldGaps[i], newGaps[below]) || !sameArea(oldGaps[k], newGaps[above])) return false;
-  newGaps[below].wallVertex = oldGaps[i].wallVertex;
+  if (!sameArea(gapBefore(i), gaps[below]) || !sameArea(gapBefore(k), gaps[above])) return false;
+  if (below >= change.from) gaps[below].wallVertex = gapBefore(i).wallVertex;
   kept.push_back(line);
   return true;
 }
 
 void TileSweep::emitWall(int vertexFrom, int vertexTo, size_t below, size_t above) {
   if (vertexFrom == vertexTo) return;
-  const int lowerArea = oldGaps[below].area;
-  const int upperArea = oldGaps[above].area;
+  const int lowerArea = gapBefore(below).area;
+  const int upperArea = gapBefore(above).area;
   Piece piece{vertexFrom, vertexTo, upperArea, lowerArea, NoSource, false, false};
   int best = 0;
   for (size_t i = below; i < above; ++i)
-    chooseSource(lines[lines.before().order[i]], parts.regionOf(lowerArea),
+    chooseSource(lines[lines.before().lines[i]], parts.regionOf(lowerArea),
                  parts.regionOf(upperArea), piece, best);
   parts.pieces.push_back(piece);
 }
@@ -408,21 +416,17 @@ void TileSweep::chooseSource(const TileLines::Line& line, std::int32_t regionA,
 
 // What is seen in the middle must be in front in all corners too; where it is not, two regions run
 // through each other there.
-void TileSweep::closeGap(size_t gap, Coordinate to) {
-  const std::int32_t seen = oldGaps[gap].slot;
+void TileSweep::closeGap(size_t gap) {
+  const Gap& closed = gapBefore(gap);
+  const std::int32_t seen = closed.slot;
   if (seen < 0 || planes[seen].position == LookPolygons::Beyond) return;
-  const TileLines::Slab& slab = lines.before();
-  const auto height = [&](int line, Coordinate x) {
-    if (line == TileLines::LowerBorder) return static_cast<double>(tile.y0);
-    if (line == TileLines::UpperBorder) return static_cast<double>(tile.y1);
-    return static_cast<double>(lines.heightAt(line, x));
-  };
+  const TileLines::Order& order = lines.before();
   double corners[4][2];
   int count = 0;
-  for (const Coordinate x : {oldGaps[gap].since, to})
-    for (const int line : {slab.below(gap), slab.above(gap)}) {
+  for (const Coordinate x : {closed.since, lines.change().x})
+    for (const int line : {order.below(gap), order.above(gap)}) {
       corners[count][0] = static_cast<double>(x);
-      corners[count][1] = height(line, x);
+      corners[count][1] = lines.exactHeightAt(line, corners[count][0]);
       ++count;
     }
   planes.forCrossing(lines.maskBefore(gap), seen, corners, count, [&](std::int32_t other) {

@@ -15,7 +15,8 @@
 /// A line sweeps over the tile from left to right and stops where an edge begins, ends or crosses
 /// another one. Between two stops the edges that span the tile there have one order, and between
 /// neighbours in it lies a gap, whose polygons are known by counting edges from below. The nearest
-/// of them is seen. A gap goes on over a stop if nothing around it changes.
+/// of them is seen. A gap goes on over a stop if nothing around it changes, so that a stop costs
+/// what changes there and not what the line passes.
 ///
 /// Why no rounding can break it: the gaps between two stops fill the tile without overlap, whatever
 /// order and height the edges are given; what is joined or bordered at a stop is found from the
@@ -27,7 +28,7 @@ namespace Lumivane::Visibility {
 class TileSweep {
  public:
   TileSweep(const LookPolygons& lookPolygons, MapParts& mapParts)
-      : polygons(lookPolygons), parts(mapParts), planes(lookPolygons), lines(lookPolygons) {}
+      : parts(mapParts), planes(lookPolygons), lines(lookPolygons) {}
 
   /// Appends the tile's areas and pieces, and gives what lies along its sides.
   Sides run(const Tile& sweptTile, const TileContent& content);
@@ -60,29 +61,30 @@ class TileSweep {
     std::int32_t a;
     std::int32_t b;
   };
-  // The gaps that are not the same on both sides of a stop, and where it is.
-  struct Change {
-    Coordinate x;
-    Coordinate next;  // the stop behind it
-    bool first;
-    bool last;
-    size_t from;
-    size_t oldTo;
-    size_t newTo;
-  };
+  using Change = TileLines::Change;
 
   void sweep();
   void stopAt(const Change& change);
+  void replaceGaps(const Change& change);
   void findSeen(const Change& change);
+  // Any gap before the stop.
+  const Gap& gapBefore(size_t gap) const {
+    const Change& change = lines.change();
+    return gap < change.from    ? gaps[gap]
+           : gap < change.oldTo ? oldGaps[gap - change.from]
+                                : gaps[gap - change.oldTo + change.newTo];
+  }
   bool passHidden(const Change& change);
   void openAreas(const Change& change);
   void placeMarks(const Change& change);
-  Mark markAt(const TileLines::Slab& slab, size_t border, bool isNew, Coordinate x) const;
+  Mark markAt(const TileLines::Order& order, size_t border, Coordinate x) const;
+  void addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x);
   void joinMarks(size_t oldCount);
   void joinAcross(const Change& change);
-  void sideStretches(SideList& side, bool isNew, Coordinate x);
+  void sideStretches(SideList& side, const std::vector<Gap>& gaps, const std::vector<int>& borders,
+                     Coordinate x);
   template <class Visit>
-  void forWalls(const TileLines::Slab& slab, size_t from, size_t to, Visit visit) const;
+  void forWalls(const TileLines::Order& order, size_t from, size_t to, Visit visit) const;
   void closeWalls(const Change& change);
   void openWalls(const Change& change);
   bool divides(const Gap& below, const Gap& above) const {
@@ -91,7 +93,7 @@ class TileSweep {
   bool keepWall(size_t below, size_t above);
   bool showsSlot(int area, std::int32_t slot) const;
   void extendBorders(const Change& change);
-  void closeGap(size_t gap, Coordinate to);
+  void closeGap(size_t gap);
   void addCut(std::int32_t slotA, std::int32_t slotB);
   void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int point);
   std::int32_t regionOf(std::int32_t slot) const {
@@ -103,19 +105,19 @@ class TileSweep {
   void chooseSource(const TileLines::Line& line, std::int32_t regionA, std::int32_t regionB,
                     Piece& piece, int& best) const;
 
-  const LookPolygons& polygons;
   MapParts& parts;
   TilePlanes planes;
   TileLines lines;
   Tile tile{};
   std::vector<PlanePair> cuts;
-  std::vector<Gap> oldGaps;
-  std::vector<Gap> newGaps;
+  std::vector<Gap> gaps;     // behind the stop
+  std::vector<Gap> oldGaps;  // of those before it that change
   std::vector<Mark> marks;
   std::vector<Point> points;
   std::vector<int> oldPoints;  // of the borders of the changed gaps, from below
   std::vector<int> newPoints;
-  std::vector<int> kept;  // lowest lines of walls that go on over a stop
+  int wallFromBelow = -1;  // where that above the last gap that stays began, if another begins now
+  std::vector<int> kept;   // lowest lines of walls that go on over a stop
   Sides sides;
   OpenStretch lower;  // along the lower side
   OpenStretch upper;
