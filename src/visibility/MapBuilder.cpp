@@ -328,6 +328,7 @@ class Builder {
       any = true;
     }
     if (!any) return false;
+    joinAlike(borders);
     size_t kept = 0;
     for (Link link : borders) {
       const int left = settled(link.left);
@@ -339,6 +340,20 @@ class Builder {
     }
     borders.resize(kept);
     return isLeft;
+  }
+
+  // What a sliver of another region has parted is one cell without it.
+  void joinAlike(const std::vector<Link>& borders) {
+    for (const Link& link : borders) {
+      const int left = settled(link.left);
+      const int right = settled(link.right);
+      if (left == right || left == NoCell || right == NoCell) continue;
+      Found& lower = found[static_cast<size_t>(std::min(left, right))];
+      Found& higher = found[static_cast<size_t>(std::max(left, right))];
+      if (lower.region != higher.region) continue;
+      lower.several = lower.several || higher.several || lower.polygon != higher.polygon;
+      higher.mergedInto = std::min(left, right);
+    }
   }
 
   int settled(int cell) const {

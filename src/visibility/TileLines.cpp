@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace Lumivane::Visibility {
 namespace {
@@ -246,7 +247,8 @@ void TileLines::start() {
   old.clear();
   now.clear();
   masks.clear();
-  openingGaps = openGaps = 0;
+  narrowFrom.clear();
+  openGaps = 0;
   here = {tile.x0, tile.x0, true, false, 0, 0, 0};
 }
 
@@ -452,7 +454,7 @@ bool TileLines::findChange(bool sameLower) {
     here.from = 0;
     if (!touched) extendUpwards();
   }
-  if (openingGaps > 0) wakeGaps();
+  changeWidths();
   return here.first || here.from < here.oldTo || here.from < here.newTo;
 }
 
@@ -461,13 +463,16 @@ void TileLines::extendUpwards() {
   here.newTo = now.lines.size() + 1;
 }
 
-// Gaps that have become wide enough change, too.
-void TileLines::wakeGaps() {
+// Gaps that have become wide enough, or too narrow, change, too.
+void TileLines::changeWidths() {
+  const auto x = static_cast<double>(here.x);
   for (size_t i = 0; i < old.gapCount(); ++i) {
-    if (old.empty[i] != Opening || (i >= here.from && i < here.oldTo)) continue;
+    const char state = old.empty[i];
+    if (state == Empty || (state == 0 && x < narrowFrom[i])) continue;
+    if (i >= here.from && i < here.oldTo) continue;
     const bool none = here.oldTo == here.from && here.newTo == here.from;
     const size_t gap = i < here.from || none ? i : i - here.oldTo + here.newTo;
-    if (stateOfGap(gap) == Opening) continue;
+    if (stateOfGap(gap) == state) continue;
     if (none) {
       here.from = i;
       here.oldTo = here.newTo = i + 1;
@@ -484,19 +489,34 @@ double TileLines::widthOfGap(size_t gap, double x) const {
   return exactHeightAt(now.above(gap), x) - exactHeightAt(now.below(gap), x);
 }
 
-char TileLines::stateOfGap(size_t gap) const {
-  double largest = static_cast<double>(Snap);
-  auto end = static_cast<double>(tile.x1);
+TileLines::Limits TileLines::limitsOf(size_t gap) const {
+  Limits limits{static_cast<double>(Snap), static_cast<double>(tile.x1)};
   for (const int line : {now.below(gap), now.above(gap)}) {
     if (line < 0) continue;
     const Course& course = courses[static_cast<size_t>(line)];
-    largest = std::max(largest, course.tolerance);
-    end = std::min(end, course.end);
+    limits.largest = std::max(limits.largest, course.tolerance);
+    limits.end = std::min(limits.end, course.end);
   }
-  if (widthOfGap(gap, static_cast<double>(here.x)) > largest ||
-      widthOfGap(gap, static_cast<double>(here.next)) > largest)
+  return limits;
+}
+
+char TileLines::stateOfGap(size_t gap) const {
+  const Limits limits = limitsOf(gap);
+  if (widthOfGap(gap, static_cast<double>(here.x)) > limits.largest ||
+      widthOfGap(gap, static_cast<double>(here.next)) > limits.largest)
     return 0;
-  return widthOfGap(gap, end) > largest ? Opening : Empty;
+  return widthOfGap(gap, limits.end) > limits.largest ? Opening : Empty;
+}
+
+// From where on the lines around a gap are too near each other.
+double TileLines::narrowingOf(size_t gap) const {
+  const Limits limits = limitsOf(gap);
+  const auto x = static_cast<double>(here.x);
+  const double width = widthOfGap(gap, x);
+  const double last = widthOfGap(gap, limits.end);
+  if (last > limits.largest || width <= limits.largest)
+    return std::numeric_limits<double>::infinity();
+  return x + (width - limits.largest) / (width - last) * (limits.end - x);
 }
 
 void TileLines::replaceGaps() {
@@ -518,6 +538,9 @@ void TileLines::replaceGaps() {
                   masks.begin() + static_cast<std::ptrdiff_t>(here.oldTo * wordCount));
   splice(masks, newMasks, wordCount);
   splice(now.empty, newStates, 1);
+  newNarrowings.clear();
+  for (size_t gap = here.from; gap < here.newTo; ++gap) newNarrowings.push_back(narrowingOf(gap));
+  splice(narrowFrom, newNarrowings, 1);
 }
 
 // \return false if what covers the gaps above has changed, too
@@ -558,8 +581,6 @@ bool TileLines::placeGaps() {
     newStates.back() = 0;
   }
   openGaps = left + count(newStates.begin(), newStates.end(), 0);
-  openingGaps = openingGaps - count(oldFrom, oldTo, Opening) +
-                count(newStates.begin(), newStates.end(), Opening);
   return true;
 }
 

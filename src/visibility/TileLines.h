@@ -106,6 +106,11 @@ class TileLines {
     double tolerance;
     double end;  // where it ends
   };
+  // Of a gap: how wide an empty one is at most, and where one of its lines ends.
+  struct Limits {
+    double largest;
+    double end;
+  };
   struct Meeting {
     Coordinate x;
     int below;
@@ -131,11 +136,13 @@ class TileLines {
   void swapLines(size_t below);
   void touch(size_t below, size_t above);
   bool findChange(bool sameLower);
-  void wakeGaps();
+  void changeWidths();
   void extendUpwards();
   bool placeMasks();
   bool placeGaps();
+  Limits limitsOf(size_t gap) const;
   char stateOfGap(size_t gap) const;
+  double narrowingOf(size_t gap) const;
   void replaceGaps();
   bool finish();
   double widthOfGap(size_t gap, double x) const;
@@ -171,7 +178,8 @@ class TileLines {
   std::vector<MaskWord> oldMasks;  // of the changed gaps
   std::vector<MaskWord> newMasks;
   std::vector<char> newStates;
-  size_t openingGaps = 0;
+  std::vector<double> narrowFrom;  // for each gap: from there on it is too narrow
+  std::vector<double> newNarrowings;
   size_t openGaps = 0;
 };
 
