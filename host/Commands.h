@@ -11,6 +11,7 @@ namespace Lumivane::Host {
 struct ImportCommandOptions;
 struct CheckOptions;
 struct BatchOptions;
+struct FactorsOptions;
 struct GridOptions;
 struct Json5Options;
 struct ShotOptions;
@@ -36,6 +37,12 @@ void runBatch(const BatchOptions& options);
 
 /// Writes a table of views whose eyes stand in a grid over a scene's ground.
 void runGrid(const GridOptions& options);
+
+/// Writes the view factors from face to face. Only where the program is built with the components.
+void runFactors(const FactorsOptions& options);
+
+/// Why view factors cannot be written under this name; empty if they can.
+std::string factorFileFault(const std::string& path);
 
 /// Converts JSON5 to JSON.
 void runJson5(const Json5Options& options);

@@ -112,6 +112,26 @@ struct GridOptions {
   bool csvSafe = false;        ///< texts in tables are kept from being taken for formulas
 };
 
+/// Rows of a matrix from 1, both of them included.
+struct RowRange {
+  size_t first = 1;
+  size_t last = 1;
+};
+
+struct FactorsOptions {
+  std::string scene;
+  ImportSettings import;  ///< for a scene that is a mesh or a city model
+  std::string out;
+  std::string elements;  ///< the table of what rows and columns are to write, or empty
+  double tolerance = 1e-4;
+  size_t mostPoints = 4000;
+  bool twoSided = false;
+  bool reciprocal = false;
+  bool csvSafe = false;          ///< texts in tables are kept from being taken for formulas
+  int threads = 0;               ///< 0 for as many as processors
+  std::optional<RowRange> rows;  ///< all without it
+};
+
 struct Json5Options {
   std::string file;
   std::string out;  ///< empty: standard output
@@ -127,6 +147,7 @@ void setShowOptions(CLI::App& command, ShowOptions& options);
 void setViewOptions(CLI::App& command, ViewOptions& options);
 void setBatchOptions(CLI::App& command, BatchOptions& options);
 void setGridOptions(CLI::App& command, GridOptions& options);
+void setFactorsOptions(CLI::App& command, FactorsOptions& options);
 void setJson5Options(CLI::App& command, Json5Options& options);
 void setCheckOptions(CLI::App& command, CheckOptions& options);
 

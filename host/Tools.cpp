@@ -103,6 +103,9 @@ std::vector<Command> commands() {
           command<DrawOptions>("draw",
                                "Draw a scene with its lines, hidden ones too, in any projection",
                                setDrawOptions, runDraw),
+          command<FactorsOptions>(
+              "factors", "Find out the view factors from face to face, with what stands between",
+              setFactorsOptions, runFactors),
           command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
                                         setImportOptions, runImport)};
 }

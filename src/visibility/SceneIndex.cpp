@@ -34,6 +34,22 @@ SceneIndex::SceneIndex(SceneIndex&&) noexcept = default;
 SceneIndex& SceneIndex::operator=(SceneIndex&&) noexcept = default;
 SceneIndex::~SceneIndex() = default;
 
+PolygonScene SceneIndex::pieces() const {
+  PolygonScene result;
+  for (const Kernel::Vec3& p : state->vertices) result.points.push_back({p.x, p.y, p.z});
+  result.offsets.assign(state->cornerOffsets.begin(), state->cornerOffsets.end());
+  if (result.offsets.empty()) result.offsets.push_back(0);
+  result.corners.assign(state->cornerVertices.begin(), state->cornerVertices.end());
+  result.docking = state->cornerInner;
+  for (const std::int32_t region : state->regions) {
+    result.labels.push_back(state->names->regions[static_cast<std::size_t>(region)]);
+    result.classes.push_back(state->names->classes[static_cast<std::size_t>(region)]);
+  }
+  result.objectIds = state->names->objectIds;
+  result.classNames = state->names->classNames;
+  return result;
+}
+
 std::size_t SceneIndex::regionCount() const { return state->names->regions.size(); }
 std::size_t SceneIndex::droppedRegionCount() const { return state->droppedRegions; }
 std::size_t SceneIndex::triangulatedRegionCount() const { return state->triangulatedRegions; }

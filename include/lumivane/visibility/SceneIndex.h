@@ -95,6 +95,11 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   std::vector<Seen> seenIn(const Vector& eye, const std::vector<Vector>& directions,
                            bool twoSided = false) const;
 
+  /// What the index looks at: each flat region as one outline, every other one as its triangles,
+  /// which all have the label, and the class, of their region. Outlines of no region that was
+  /// dropped; in no particular, but always the same order.
+  PolygonScene pieces() const;
+
   std::size_t regionCount() const;  ///< All regions of the scene, the dropped ones included.
   std::size_t droppedRegionCount()
       const;  ///< Regions without a normal: no area, fewer than 3 corners.
