@@ -19,10 +19,13 @@ void openStandardStreams() {
 }
 
 void finishStandardOutput() {
+  static bool isReported = false;  // a command may have looked before the program's end does
+  if (isReported) return;
   errno = 0;
   std::cout.flush();
   const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good();
   if (isWritten) return;
+  isReported = true;
   const std::string cause = errno == 0 ? "" : std::string(": ") + std::strerror(errno);
   throw HostError("standard output", "cannot be written" + cause);
 }

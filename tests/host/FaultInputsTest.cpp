@@ -326,7 +326,7 @@ TEST(FaultyInput, StringOf200MegabytesDoesNoHarm) {
 TEST(FaultyInput, NothingOf200MegabytesIsAnError) {
   const TempFolder folder;
   const std::string blanks = bigFile(folder, "a.json", "", "      \n", "");
-  expectOneLine(lumivane({"shot", blanks}), blanks + ": no JSON");
+  expectOneLine(lumivane({"shot", blanks}), blanks + ": not JSON");
   expectNoHarm(lumivane({"check", blanks}), blanks);
 }
 
