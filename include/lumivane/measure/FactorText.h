@@ -11,7 +11,7 @@ namespace Lumivane::Measure {
 
 /// A matrix of view factors as it stands in files.
 struct FactorTable {
-  std::vector<FactorElement> elements;
+  std::vector<FactorElement> elements;  ///< the faces, whose positions are rows and columns
   std::vector<std::string> objectIds;   ///< of object i + 1
   std::vector<std::string> classNames;  ///< that the elements' numbers point at
   std::vector<FactorRow> rows;          ///< all, or some, by element

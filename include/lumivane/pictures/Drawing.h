@@ -47,11 +47,11 @@ struct LUMIVANE_PICTURES_EXPORT Drawing {
   };
   /// One line of text.
   struct Text {
-    Point place;          ///< where its baseline's middle, start or end lies
-    double height = 2.5;  ///< of the font, mm
-    double anchor = 0.5;  ///< 0: place is its start, 0.5: its middle, 1: its end
-    std::string text;     ///< UTF-8
-    Color color{0, 0, 0, 1.0};
+    Point place;                ///< where its baseline's middle, start or end lies
+    double height = 2.5;        ///< of the font, mm
+    double anchor = 0.5;        ///< 0: place is its start, 0.5: its middle, 1: its end
+    std::string text;           ///< UTF-8
+    Color color{0, 0, 0, 1.0};  ///< of the letters
   };
   /// A layer, or a group in one.
   struct Group {

@@ -85,10 +85,10 @@ class LUMIVANE_PICTURES_EXPORT DrawingColors {
 
 /// How a drawing is made. Lengths are mm if not said otherwise.
 struct DrawingOptions {
-  using Vector = Visibility::Vector;
+  using Vector = Visibility::Vector;  ///< a point or a direction of the scene
 
-  DrawingProjection projection = DrawingProjection::Perspective;
-  Vector eye{0.0, 0.0, 0.0};          ///< not of parallel projections
+  DrawingProjection projection = DrawingProjection::Perspective;  ///< how directions become points
+  Vector eye{0.0, 0.0, 0.0};                                      ///< not of parallel projections
   Vector forward{1.0, 0.0, 0.0};      ///< of any length but zero; the direction of sight
   Vector up{0.0, 0.0, 1.0};           ///< as `LookOptions::up`, or `ParallelOptions::up`
   double fieldOfView = 60.0;          ///< of perspectives, across, degrees, above 0 and below 180;
@@ -109,15 +109,15 @@ struct DrawingOptions {
 
   /// Widths of lines by `LineKind`; 0 draws none.
   std::array<double, LineKindCount> widths{0.5, 0.35, 0.25, 0.0, 0.25, 0.25, 0.18};
-  bool hidden = false;        ///< whether hidden parts of edges are drawn, dashed
-  double creaseAngle = 20.0;  ///< degrees
-  DrawingFill fill = DrawingFill::White;
-  Vector light{-0.5, 0.3, 1.0};  ///< where light comes from, for shading
-  DrawingGroups groups = DrawingGroups::Object;
-  DrawingLabels labels = DrawingLabels::None;
-  double textHeight = 2.5;  ///< of labels
-  bool strokes = false;     ///< only lines, in long paths in the order of a plotter
-  double flatness = 0.02;   ///< that chords may be off curves
+  bool hidden = false;                    ///< whether hidden parts of edges are drawn, dashed
+  double creaseAngle = 20.0;              ///< degrees
+  DrawingFill fill = DrawingFill::White;  ///< what cells are filled with
+  Vector light{-0.5, 0.3, 1.0};           ///< where light comes from, for shading
+  DrawingGroups groups = DrawingGroups::Object;  ///< what the layers and groups stand for
+  DrawingLabels labels = DrawingLabels::None;    ///< what is written into cells
+  double textHeight = 2.5;                       ///< of labels
+  bool strokes = false;    ///< only lines, in long paths in the order of a plotter
+  double flatness = 0.02;  ///< that chords may be off curves
 
   std::optional<Drawing::Color> background;  ///< of the page
   std::optional<Drawing::Color> sky;         ///< where nothing is seen
