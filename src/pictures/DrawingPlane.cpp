@@ -6,6 +6,7 @@
 #include "pictures/DrawingPlane.h"
 
 #include "kernel/ArcFlattening.h"
+#include "kernel/Planar.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,10 +15,10 @@
 namespace Lumivane::Pictures {
 namespace {
 
+using Kernel::Pi;
 using Kernel::Vec2;
 using Kernel::Vec3;
 
-constexpr double Pi = 3.141592653589793;
 constexpr double Quarter = Pi / 2.0;
 
 Vec3 unit(Vec3 v) {

@@ -158,10 +158,11 @@ std::string shotCommand(const fs::path& folder, const std::string& name, const J
 void checkProgram(const fs::path& folder, const std::string& name) {
   const Scratch scratch;
   const Json view = jsonOf(folder / (name + ".view.json"));
+  std::string command = shotCommand(folder, name, view);
+  // The program does not colour by values: it refuses to, so no scale can be wrong for it.
   const bool isColoured = view.value("property", -1) > 0 && view.value("scale", -1) > 0;
-  if (isColoured && !fs::exists(folder / (name + ".shot.json")))
-    GTEST_SKIP() << "the program does not colour by values, so no scale is wrong for it";
-  const int status = scratch.run(shotCommand(folder, name, view));
+  if (isColoured && !fs::exists(folder / (name + ".shot.json"))) command += " --scale 1";
+  const int status = scratch.run(command);
   const std::string errors = textOf(scratch.path() / "errors.txt");
   const fs::path shot = folder / (name + ".shot.json");
   if (!fs::exists(shot)) {

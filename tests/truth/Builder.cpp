@@ -111,4 +111,11 @@ Vector Rotation::operator()(const Vector& v) const {
   return narrow(x * v[0] + y * v[1] + z * v[2]);
 }
 
+void turnPerhaps(Random& random, PolygonScene& scene, Vector& eye) {
+  if (random.below(2) != 0) return;
+  const Rotation turn(random);
+  scene = moved(scene, turn);
+  eye = turn(eye);
+}
+
 }  // namespace Lumivane::Truth

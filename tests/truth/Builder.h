@@ -80,4 +80,7 @@ class Rotation {
   LongVector z;
 };
 
+/// Turns scene and eye together, or leaves both, as the random numbers have it.
+void turnPerhaps(Random& random, Visibility::PolygonScene& scene, Visibility::Vector& eye);
+
 }  // namespace Lumivane::Truth

@@ -229,11 +229,7 @@ void touchingBoxes(Random& random, HardScene& result) {
   addBoxes(builder, random, 25);
   result.eye = {0.31, -0.27, 0.11};
   result.scene = builder.scene();
-  if (random.below(2) == 0) {
-    const Rotation turn(random);
-    result.scene = moved(result.scene, turn);
-    result.eye = turn(result.eye);
-  }
+  turnPerhaps(random, result.scene, result.eye);
 }
 
 void eyeInsideBody(Random& random, HardScene& result) {

@@ -81,11 +81,7 @@ void touchingOutlines(Random& random, HardScene& result) {
   result.scene = builder.scene();
   result.options.twoSided = true;
   result.eye = {0.5 * random.below(3), 0.0, 0.5 * random.below(3)};
-  if (random.below(2) == 0) {
-    const Rotation turn(random);
-    result.scene = moved(result.scene, turn);
-    result.eye = turn(result.eye);
-  }
+  turnPerhaps(random, result.scene, result.eye);
 }
 
 /// Polygons that are flat within the tolerance only, and an eye on one of their edges or a hair off
@@ -222,11 +218,7 @@ void nearSurfaces(Random& random, HardScene& result) {
   if (random.below(3) == 0) result.eye[0] = -1.0 + powerOfTen(random, -12.0, -1.0);
   result.scene = builder.scene();
   result.options.twoSided = true;
-  if (random.below(2) == 0) {
-    const Rotation turn(random);
-    result.scene = moved(result.scene, turn);
-    result.eye = turn(result.eye);
-  }
+  turnPerhaps(random, result.scene, result.eye);
 }
 
 /// Triangles a million times longer than wide, some close by the eye.
