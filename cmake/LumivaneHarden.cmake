@@ -17,5 +17,5 @@ function(lumivane_harden target)
 endfunction()
 
 # Programs at random addresses: CMAKE_POSITION_INDEPENDENT_CODE compiles for it, and with this the
-# linker is told as well.
+# linker gets it as well.
 check_pie_supported(LANGUAGES CXX)

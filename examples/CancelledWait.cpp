@@ -1,4 +1,4 @@
-// Takes a shot in a thread of its own, shows how far it has come, and gives up waiting when told
+// Takes a shot in a thread of its own, shows how far it has come, and gives up waiting when asked
 // to: here, once it has come to a percentage. The library finishes a shot that it has begun; giving
 // up means to go on without it and to drop it when it comes.
 

@@ -15,7 +15,7 @@ namespace Lumivane::Host {
 /// more than a thousandth of what the picture covers is wrong.
 ///
 /// \param subject  the scene's file
-/// \return what statistics tell of it
+/// \return what statistics report of it
 Jzon::Node auditShot(const std::string& subject, const Session::TakenShot& shot,
                      const Session::LoadedScene& scene);
 

@@ -13,7 +13,7 @@ namespace Lumivane::Host {
 
 struct ShotOptions;
 
-/// What a summary tells of a view: of what the eye really sees, not of the shot's picture.
+/// What a summary reports of a view: of what the eye really sees, not of the shot's picture.
 struct ExactSummary {
   size_t visibleObjects = 0;
   double skyViewFactor = 0.0;

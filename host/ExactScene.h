@@ -40,7 +40,7 @@ class ExactScene {
 /// The depth of a table of shares by its name on the command line.
 Visibility::ShareDepth depthOf(const std::string& rows);
 
-/// Whether a table of these rows tells how much of each object is seen, which takes another look.
+/// Whether a table of these rows shows how much of each object is seen, which takes another look.
 bool hasFractions(const std::string& rows);
 
 /// A table of shares, as the file's ending says (.csv or .json).

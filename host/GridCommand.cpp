@@ -58,7 +58,7 @@ std::string text(double value) {
 
 std::string text(const Vector& v) { return text(v[0]) + "," + text(v[1]) + "," + text(v[2]); }
 
-// The polygons of the scene; numbers that point at nothing are left to the shot to tell of.
+// The polygons of the scene; numbers that point at nothing are left to the shot to report.
 std::vector<Polygon> polygons(Scene::Scene3D& scene) {
   std::vector<Polygon> result;
   if (scene.getPoints() == nullptr || scene.getObjects() == nullptr) return result;
@@ -157,14 +157,14 @@ std::string table(const std::vector<GridView>& views) {
   return result;
 }
 
-// While it lives, what is told on standard output, as of an import, goes to standard error: the
+// While it lives, what is printed on standard output, as of an import, goes to standard error: the
 // table alone is to stand on standard output.
-class ToldOnError {
+class PrintedOnError {
  public:
-  ToldOnError() : before(std::cout.rdbuf(std::cerr.rdbuf())) {}
-  ToldOnError(const ToldOnError&) = delete;
-  ToldOnError& operator=(const ToldOnError&) = delete;
-  ~ToldOnError() { std::cout.rdbuf(before); }
+  PrintedOnError() : before(std::cout.rdbuf(std::cerr.rdbuf())) {}
+  PrintedOnError(const PrintedOnError&) = delete;
+  PrintedOnError& operator=(const PrintedOnError&) = delete;
+  ~PrintedOnError() { std::cout.rdbuf(before); }
 
  private:
   std::streambuf* before;
@@ -175,7 +175,7 @@ SourcedScene readScene(const GridOptions& options) {
   // The eyes of a scene file stand in the table in the file's coordinates: batch moves both.
   if (isSceneFile(options.scene)) import.center = false;
   if (!options.out.empty()) return loadScene(options.scene, import);
-  const ToldOnError told;
+  const PrintedOnError printed;
   return loadScene(options.scene, import);
 }
 

@@ -6,7 +6,7 @@
 
 namespace Lumivane::Host {
 
-/// How a mesh or a city model is turned into a scene, as the command line tells it.
+/// How a mesh or a city model is turned into a scene, as the command line says.
 struct ImportSettings {
   bool twoSided = false;
   bool flip = false;

@@ -5,7 +5,7 @@
 #include <lumivane/session/Files.h>
 
 #include <atomic>
-#include <cstdlib>  // tells which C library it is
+#include <cstdlib>  // says which C library it is
 #include <cstring>
 #include <exception>
 #include <new>

@@ -17,8 +17,8 @@ namespace Tools {
 class Model;
 }
 
-/// A scene, and what statistics tell about its import: an invalid node if it was a scene file that
-/// stayed where it is.
+/// A scene, and what statistics report about its import: an invalid node if it was a scene file
+/// that stayed where it is.
 struct SourcedScene {
   Session::LoadedScene scene;
   Jzon::Node import;

@@ -49,7 +49,7 @@ Jzon::Node stagesNode() {
 size_t peakMemoryBytes() {
   struct rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
-  return static_cast<size_t>(usage.ru_maxrss) * 1024;  // told in kibibytes
+  return static_cast<size_t>(usage.ru_maxrss) * 1024;  // reported in kibibytes
 }
 
 size_t drawnFaces(Shot::Shot2d& shot) {

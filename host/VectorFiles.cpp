@@ -87,7 +87,7 @@ Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
   return view;
 }
 
-// The statistics tell the stages of the first shot alone.
+// The statistics report the stages of the first shot alone.
 Session::TakenShot otherShot(Session::LoadedScene& scene, const Session::ViewSettings& view) {
   Utils::StageTimes::enable(false);
   return scene.take(withOtherCamera(view));

@@ -14,7 +14,7 @@ struct TableView {
   std::string name;
   ShotOptions options;             ///< output files as whole paths
   std::vector<std::string> files;  ///< the same files as names in the folder of outputs
-  std::uint64_t key = 0;           ///< tells views apart that would give other results
+  std::uint64_t key = 0;           ///< distinguishes views that would give other results
 };
 
 /// What all views of a table share.

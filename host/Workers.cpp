@@ -118,7 +118,7 @@ class Pool {
 
   [[noreturn]] void become(int index, int socket, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != parent) _exit(1);  // it ended before it could be told of
+    if (getppid() != parent) _exit(1);  // it ended before it could be signalled
     int status = 0;
     try {
       shared.start(index);

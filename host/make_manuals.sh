@@ -8,7 +8,7 @@ mkdir -p "$folder"
 page() {  # page NAME WHAT HELP-OPTION
   "$help2man" --no-info --section 1 --source Lumivane --manual "Lumivane" \
     --name "$2" --help-option "$3" --output "$folder/$1.1.new" "$program"
-  # The page is named for what it tells, not for the file that was run.
+  # The page is named for what it documents, not for the file that was run.
   sed -e "s/^\\.TH [^ ]* /.TH ${1^^} /" -e "s/^lumivane \\\\- /$1 \\\\- /" "$folder/$1.1.new" > "$folder/$1.1"
   rm "$folder/$1.1.new"
 }

@@ -2,7 +2,7 @@
 # Builds the fuzzers and runs each from its kept corpus and from the tests' data.
 # Usage: scripts/fuzz.sh [SECONDS [FUZZER...]]      (20 seconds each by default)
 # Two run at a time. New inputs are kept in build/fuzz/corpus; a failing one is named and kept in
-# build/fuzz/found. The last lines tell of each what was executed and covered; the exit status is 1
+# build/fuzz/found. The last lines report of each what was executed and covered; the exit status is 1
 # if anything was found.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,7 +19,7 @@ root=$PWD
 build=$root/build/fuzz
 data=$root/tests/data
 export LSAN_OPTIONS=suppressions=$root/tests/support/lsan.supp:print_suppressions=0
-# Freed memory is kept for a while to tell its use; less of it leaves more of the limit to the input.
+# Freed memory is kept for a while to detect its use; less of it leaves more of the limit to the input.
 export ASAN_OPTIONS=quarantine_size_mb=64
 
 # seeds FUZZER FOLDER: what the tests' data holds of its kind; large files would slow all down.
@@ -74,7 +74,7 @@ run() {
     touch "$build/$fuzzer.failed"
 }
 
-tell() {
+report() {
   local log=$build/$1.log
   local executed rate cover
   executed=$(awk '/stat::number_of_executed_units/ { print $2 }' "$log")
@@ -92,7 +92,7 @@ done
 wait
 
 echo
-for fuzzer in "${fuzzers[@]}"; do tell "$fuzzer"; done
+for fuzzer in "${fuzzers[@]}"; do report "$fuzzer"; done
 if compgen -G "$build/*.failed" >/dev/null; then
   echo "There are findings; the logs: $build/FUZZER.log"
   exit 1

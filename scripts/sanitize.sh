@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs the tests under AddressSanitizer and UndefinedBehaviorSanitizer, each test program in two
 # halves, in the build that the fuzzers share. Left out is what looks at packages, documents,
-# windows, browsers and speed, and the whole plain road, which is slow as it is. Arguments go to
+# windows, browsers and speed, and the whole reference pipeline, which is slow as it is. Arguments go to
 # CTest.
 set -euo pipefail
 cd "$(dirname "$0")/.."

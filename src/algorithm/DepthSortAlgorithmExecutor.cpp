@@ -28,7 +28,7 @@ namespace {
 
 // Destroys a list with its objects. Nobody outside can hold a pointer to what the list refers to,
 // except to the regions that became the shot's; those have left their lists by then. The objects go
-// in the order of their making, as far as addresses tell it: neighbours in memory are fast to free
+// in the order of their making, as far as addresses show it: neighbours in memory are fast to free
 // one after the other.
 void releaseObjects(std::vector<ObjectData*>* list) {
   std::sort(list->begin(), list->end(), std::less<>());

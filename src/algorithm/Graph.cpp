@@ -1,5 +1,6 @@
 // The promised order is that of a plain scan of all edges for every node taken; the kernel finds it
-// with an index of the edges by node. Here names become numbers, and the rest of a cycle is told.
+// with an index of the edges by node. Here names become numbers, and the rest of a cycle is
+// reported.
 
 #include "algorithm/pipeline/CycleReport.h"
 #include "kernel/Order.h"

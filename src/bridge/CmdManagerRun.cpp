@@ -7,7 +7,7 @@ namespace Lumivane::Cmd {
 void CmdManager::run() {
   if (inputFile.empty()) return;
 
-  // Deliberate: the scene is neither used nor freed here. Reading it tells whether the viewer,
+  // Deliberate: the scene is neither used nor freed here. Reading it shows whether the viewer,
   // which reads it once more, is worth opening.
   if (IO::DataReader().readSceneFile(inputFile) == nullptr) return;
 

@@ -15,14 +15,14 @@ std::string Finding::line() const {
 
 void Findings::put(Severity severity, const char* code, int region, int face, std::string text,
                    const char* fix) {
-  const bool isFirstError = severity == Severity::Error && !errorTold;
+  const bool isFirstError = severity == Severity::Error && !errorReported;
   if (items.size() < SceneChecker::Most || isFirstError) {
     items.push_back({severity, code, object, region, face, std::move(text), fix});
-    errorTold = errorTold || isFirstError;
-  } else if (!moreTold) {
+    errorReported = errorReported || isFirstError;
+  } else if (!moreReported) {
     items.push_back({Severity::Warning, "more", "", 0, 0,
                      "there are more findings, which are not listed", "fix these first"});
-    moreTold = true;
+    moreReported = true;
   }
 }
 

@@ -35,8 +35,8 @@ class Findings {
     if (items.size() < static_cast<size_t>(SceneChecker::Most)) items.push_back(std::move(finding));
   }
 
-  bool full() const { return moreTold && errorTold; }
-  bool hasErrors() const { return errorTold; }
+  bool full() const { return moreReported && errorReported; }
+  bool hasErrors() const { return errorReported; }
   std::vector<Finding> take() { return std::move(items); }
 
  private:
@@ -45,8 +45,8 @@ class Findings {
 
   std::string object;
   std::vector<Finding> items;
-  bool moreTold = false;
-  bool errorTold = false;
+  bool moreReported = false;
+  bool errorReported = false;
 };
 
 /// Whether a number from 1 points at one of so many.

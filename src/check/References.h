@@ -34,7 +34,7 @@ void findLooseNumbers(Scene::Object& object, const Counts& counts, Findings& fin
 /// later one that can be seen is an error: a shot compares the wrong polygons, or fails at a region
 /// that only the later one has.
 ///
-/// \param least  what is told: all, or errors only
+/// \param least  what is reported: all, or errors only
 void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings);
 
 }  // namespace Lumivane::Check

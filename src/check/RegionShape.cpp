@@ -44,7 +44,7 @@ std::string lengthText(double length) {
   return text;
 }
 
-// The points that the region's numbers mean; numbers that mean none are told elsewhere.
+// The points that the region's numbers mean; numbers that mean none are reported elsewhere.
 Outline outlineOf(Geometry::Region& region, Scene::Scene3D& scene) {
   Outline outline;
   if (scene.getPoints() == nullptr) return outline;
@@ -229,9 +229,9 @@ class RegionCheck {
 };
 
 void checkNormal(const Geometry::Face& face, size_t number, Vec3 wound, Findings& findings) {
-  const Geometry::Vector3d* const told = face.getNormal();
-  if (told == nullptr) return;
-  const Vec3 normal{told->getX(), told->getY(), told->getZ()};
+  const Geometry::Vector3d* const listed = face.getNormal();
+  if (listed == nullptr) return;
+  const Vec3 normal{listed->getX(), listed->getY(), listed->getZ()};
   const double lengths = Kernel::length3(normal) * Kernel::length3(wound);
   if (!(lengths > 0.0) || Kernel::dot(normal, wound) >= LeastAgreement * lengths) return;
   findings.addFace(Severity::Warning, "normal", number,

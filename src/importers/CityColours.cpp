@@ -1,4 +1,4 @@
-// The colours are told in docs/importing.md, which is to be changed with them.
+// The colours are documented in docs/importing.md, which is to be changed with them.
 
 #include "importers/CityColours.h"
 

@@ -15,8 +15,8 @@ const SourceMaterial* surfaceColour(const std::string& surfaceType);
 /// one: those that CityJSON does not know, as those of extensions, share one.
 const SourceMaterial& objectColour(const std::string& objectType);
 
-/// Whether objects of this type are buildings and the like, whose surfaces are told apart by their
-/// slope where there are no semantics.
+/// Whether objects of this type are buildings and the like, whose surfaces are distinguished by
+/// their slope where there are no semantics.
 bool isBuildingType(const std::string& objectType);
 
 /// Whether objects of this type are pieces of the ground, which are mostly triangulated.

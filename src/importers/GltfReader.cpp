@@ -49,7 +49,7 @@ int channel(double linear) {
   return static_cast<int>(std::lround(screen * 255.0));
 }
 
-// The base colour; light that a material does not tell of is reflected whole.
+// The base colour; light that a material does not mention is reflected whole.
 std::array<double, 4> baseColour(const Json& source) {
   std::array<double, 4> colour = {1.0, 1.0, 1.0, 1.0};
   const Json* const surface = member(source, "pbrMetallicRoughness");

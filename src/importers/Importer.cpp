@@ -55,7 +55,7 @@ std::string readBytes(const std::string& path) {
 }
 
 // Whether a JSON text is a city model: looks at the keys and strings of its outermost object only,
-// and stops at the first that tells.
+// and stops at the first that decides.
 class CityModelFinder : public nlohmann::json::json_sax_t {
  public:
   bool found = false;
@@ -227,7 +227,7 @@ bool Importer::isImportable(const std::string& path) {
   try {
     return isCityModel(readBytes(path));
   } catch (const std::exception&) {
-    return false;  // the reader of scenes tells what is wrong
+    return false;  // the reader of scenes reports what is wrong
   }
 }
 

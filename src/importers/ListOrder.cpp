@@ -19,7 +19,7 @@ double distanceOf(const SurfaceFace& face, const std::vector<Vec3>& vertices, Ve
   return nearest;
 }
 
-// Puts the faces from far to near, and tells how near the nearest is.
+// Puts the faces from far to near, and returns how near the nearest is.
 double sortFaces(ObjectSurfaces& faces, const std::vector<Vec3>& vertices, Vec3 eye) {
   std::vector<std::pair<double, size_t>> keys;
   for (size_t i = 0; i < faces.size(); ++i)

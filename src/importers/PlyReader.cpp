@@ -84,7 +84,7 @@ class PlyReader {
         if (element.name == "face") faces.push_back(std::move(record));
       }
     }
-    // Last, since a file may tell its faces before its vertices.
+    // Last, since a file may list its faces before its vertices.
     for (Record& face : faces) addFace(face);
     return std::move(model);
   }

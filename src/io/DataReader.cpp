@@ -65,7 +65,7 @@ Model* readModelFile(DataReader& reader, const std::string& path, const char* er
   return model;
 }
 
-// Room for the text, as far as the file tells its size.
+// Room for the text, as far as the file reports its size.
 std::size_t sizeOf(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);

@@ -10,7 +10,7 @@ std::string DataReader::Json5_to_Json(std::string text) {
   try {
     return Jzon::json5ToJson(text);
   } catch (const std::exception&) {
-    return std::string();  // Deliberate: the failure is not told
+    return std::string();  // Deliberate: the failure is not reported
   }
 }
 

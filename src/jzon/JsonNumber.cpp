@@ -43,7 +43,7 @@ constexpr double LargestEveryday = 999999.5;  // rounds to 1e+06
 constexpr int SmallestPower = -4;
 
 // None lies below the power of ten that it stands for, and the double before it lies below, so a
-// comparison tells the first digit's place without error.
+// comparison gives the first digit's place without error.
 constexpr std::array<double, 10> powers{1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5};
 constexpr std::array<std::uint64_t, 10> scales{1000000000, 100000000, 10000000, 1000000, 100000,
                                                10000,      1000,      100,      10,      1};

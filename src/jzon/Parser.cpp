@@ -338,7 +338,7 @@ void Parser::takeSlash(Input& input, std::string& run) {
 }
 
 // Deliberate: a run and the string right behind it change places, and where the run is no value the
-// error tells the string.
+// error names the string.
 void Parser::takeString(Input& input, std::string& run, Assembly& assembly) {
   std::string text = readString(input);
   if (run.empty()) {

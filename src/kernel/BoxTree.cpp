@@ -93,7 +93,7 @@ void BoxTree::addLevel(std::size_t first, std::size_t count) {
 // Depth first; the places to come back to are at most Lanes a level.
 LUMIVANE_LANES std::size_t BoxTree::walk(const Box& box, std::uint32_t limit,
                                          std::uint32_t* found) const {
-  constexpr std::size_t MostLevels = 12;  // 8^11 is more than positions can tell apart
+  constexpr std::size_t MostLevels = 12;  // 8^11 is more than positions can number
   struct Place {
     std::size_t level, index;
   };

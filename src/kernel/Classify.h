@@ -133,7 +133,7 @@ struct PairScan {
   std::vector<std::size_t> nearPieces;  ///< of the second face: those that meet the first's bounds
 };
 
-/// The cell of a complete scan, told whether all pieces of the faces are hidden.
+/// The cell of a complete scan, given whether all pieces of the faces are hidden.
 inline int cellOf(const Votes& votes, bool firstIsHidden, bool secondIsHidden) {
   if (votes.count == 0) return Cell::Apart;
   // The first face is asked first: if both are hidden, it is the one that goes.

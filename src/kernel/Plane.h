@@ -28,7 +28,7 @@ inline Normalised polygonNormalReversed(const Vec3* points, std::size_t count) {
   return count < 3 ? Normalised{} : polygonNormalReversed(points[0], points[1], points[2]);
 }
 
-/// Where a line meets a plane. A line parallel to the plane is not told apart: its result holds
+/// Where a line meets a plane. A line parallel to the plane is not detected: its result holds
 /// infinities or not-a-number values.
 inline Vec3 intersectLineAndPlane(Vec3 normal, Vec3 planePoint, Vec3 linePoint,
                                   Vec3 lineDirection) {

@@ -148,7 +148,7 @@ bool containsPoints(const Ring& outer, const Box& box, const double* x, const do
   return inside == lowBits(count);
 }
 
-// Whether `outer` contains every point of `inner`; true if there is none. Most pairs are told apart
+// Whether `outer` contains every point of `inner`; true if there is none. Most pairs are separated
 // by their heights - below and above all edges there is no inside - or by the first point.
 bool containsAll(const Ring& outer, const Ring& inner) {
   if (inner.count == 0) return true;

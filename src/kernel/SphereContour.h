@@ -9,7 +9,7 @@
 
 /// Solid angle and view factor of what is drawn in a picture of the hemisphere, as integrals along
 /// its outline: the sum over a closed outline, run counterclockwise, is the measure of its inside.
-/// Each integral may be told up to a term of the two ends, which cancels on a closed outline.
+/// Each integral may be given up to a term of the two ends, which cancels on a closed outline.
 namespace Lumivane::Kernel {
 
 /// Height of a point of the unit disc on the hemisphere above it; 0 on the rim and outside.

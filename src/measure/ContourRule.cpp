@@ -20,7 +20,7 @@ const double TurnCosine = cosine(0.4142);
 const double TurnSine = sine(0.4142);
 constexpr double QuarterTurn = 0.5 * Pi;  // what a half side of the square stands for
 
-// Between directions closer to opposite than this, no great circle is told from others.
+// Between directions closer to opposite than this, no great circle is distinguished.
 constexpr double NearlyOpposite = -0.999999;
 
 Vec2 turned(Vec2 p) {

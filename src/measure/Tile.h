@@ -7,7 +7,7 @@
 
 namespace Lumivane::Measure {
 
-/// The part of an edge that lies in a tile, told by its heights.
+/// The part of an edge that lies in a tile, given by its heights.
 struct Fragment {
   int edge = 0;  ///< its index among all edges
   RegionNumber region = 0;
@@ -29,7 +29,7 @@ struct Cover {
 /// set.
 constexpr RegionNumber OneSet = std::numeric_limits<RegionNumber>::max();
 
-/// An upright rectangle of the picture with all that is needed to tell what is visible in it.
+/// An upright rectangle of the picture with all that is needed to find what is visible in it.
 ///
 /// Fragments stand region by region in ascending order, covers likewise. The heights of fragments
 /// and covers of a region fit each other exactly, in every tile: parting a tile copies heights and

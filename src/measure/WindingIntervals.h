@@ -10,7 +10,7 @@
 
 namespace Lumivane::Measure {
 
-/// A region of each set, or the set's open picture, told by one number. Two open pictures are 0.
+/// A region of each set, or the set's open picture, given by one number. Two open pictures are 0.
 class RegionPairs {
  public:
   struct Pair {
@@ -30,7 +30,7 @@ class RegionPairs {
 /// Which region is visible between two edges of a slab: of those that wind around the interval the
 /// topmost, the last one drawn. From left to right only windings change.
 ///
-/// Of two sets of regions each interval has the topmost region of either, told by their pair.
+/// Of two sets of regions each interval has the topmost region of either, given by their pair.
 class WindingIntervals {
  public:
   /// \param theLastOfFirst  the last number of a region of the first set; `OneSet` if there is one

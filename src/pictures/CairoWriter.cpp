@@ -128,7 +128,7 @@ void finish(cairo_surface_t* target, const VectorPicture& picture, Transparency 
   checkCairo(cairo_surface_status(target));
 }
 
-// Without the line that tells when it was written: equal pictures give equal bytes.
+// Without the line that says when it was written: equal pictures give equal bytes.
 std::string undated(std::string postscript) {
   const size_t start = postscript.find("%%CreationDate:");
   if (start == std::string::npos) return postscript;

@@ -41,7 +41,7 @@ std::string htmlText(const std::string& bytes) {
   return result;
 }
 
-// Nine digits tell more than any drawing shows, and make for shorter numbers than all of them.
+// Nine digits are more than any drawing shows, and make for shorter numbers than all of them.
 double rounded(double value) {
   if (value == 0.0 || !std::isfinite(value)) return 0.0;
   const double step = std::pow(10.0, 8.0 - std::floor(std::log10(std::abs(value))));

@@ -10,7 +10,7 @@
 
 namespace Lumivane::Pictures {
 
-/// A region as it is drawn, with what tells where it docks to others.
+/// A region as it is drawn, with what says where it docks to others.
 struct DrawnRegion {
   VectorPicture::Region region;
   std::vector<int> points;                ///< numbers, turning as the region does

@@ -39,22 +39,22 @@ void ProgressPoll::finish() {
 void ProgressPoll::poll() {
   tellsProgress = true;
   try {
-    tell(0.0);
+    report(0.0);
     for (std::unique_lock<std::mutex> lock(mutex);;) {
       if (ended.wait_for(lock, Pause, [this] { return end; })) break;
       lock.unlock();
-      tell(written.load(std::memory_order_relaxed));
+      report(written.load(std::memory_order_relaxed));
       lock.lock();
     }
-    if (made) tell(Whole);
+    if (made) report(Whole);
   } catch (...) {
     // Dropped, as promised: the shot is made all the same.
   }
 }
 
-void ProgressPoll::tell(double percent) {
-  told = std::max(told, std::min(percent, Whole));
-  progress(told);
+void ProgressPoll::report(double percent) {
+  reported = std::max(reported, std::min(percent, Whole));
+  progress(reported);
 }
 
 }  // namespace Lumivane::Session

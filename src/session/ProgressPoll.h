@@ -20,7 +20,7 @@ class ProgressPoll {
   ProgressPoll& operator=(const ProgressPoll&) = delete;
   ~ProgressPoll();
 
-  /// To be called when the shot is made: the last call tells 100 then.
+  /// To be called when the shot is made: the last call reports 100 then.
   void finish();
 
   /// Whether the calling thread is one of a callback.
@@ -28,12 +28,12 @@ class ProgressPoll {
 
  private:
   void poll();
-  void tell(double percent);
+  void report(double percent);
 
   const Progress& progress;
   std::atomic<double> written = 0.0;  // by the thread that takes the shot
   Utils::ProgressCopy copy{written};
-  double told = 0.0;
+  double reported = 0.0;
   std::mutex mutex;
   std::condition_variable ended;
   bool end = false;

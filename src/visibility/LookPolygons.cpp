@@ -249,7 +249,7 @@ void LookPolygons::findCornerParity(LookPolygon& polygon) const {
     if (parityOfCorner(polygon, face)) polygon.cornerParity |= static_cast<std::uint8_t>(1 << face);
 }
 
-// From a point of the face that is far from all segments, where doubles tell inside and outside,
+// From a point of the face that is far from all segments, where doubles decide inside and outside,
 // the exact count of crossings leads to the corner.
 bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
   const CubeFace& f = CubeFaces[static_cast<size_t>(face)];

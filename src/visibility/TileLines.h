@@ -29,7 +29,7 @@ class TileLines {
   };
   /// All edges that coincide, or the line where two planes meet.
   struct Line {
-    Coordinate x0, y0;  // a point of it, from which heights are told
+    Coordinate x0, y0;  // a point of it, from which heights are measured
     double slope;
     Coordinate xa, ya, xb, yb;    // the part in the tile
     Coordinate tolerance;         // heights within it are one

@@ -72,7 +72,7 @@ if(EXISTS "${BUILD}/lumivane-pictures.pc")
   endif()
 endif()
 
-# A component that is not there is told; a version of another minor is refused.
+# A component that is not there is named; a version of another minor is refused.
 file(WRITE "${WORK}/other/CMakeLists.txt" "cmake_minimum_required(VERSION 3.23)
 project(Other LANGUAGES CXX)
 find_package(Lumivane 0.999)

@@ -27,7 +27,7 @@ foreach(name "liblumivane[0-9.]+" liblumivane-dev lumivane lumivane-doc)
   endif()
 endforeach()
 
-# What the packages need beside each other is told, as the machine that has them sees it.
+# What the packages need beside each other is listed, as the machine that has them sees it.
 if(NOT names MATCHES "libvtk9" OR NOT names MATCHES "libstdc")
   message(FATAL_ERROR "the packages do not say that they need VTK:\n${names}")
 endif()

@@ -7,7 +7,7 @@
 
 namespace Lumivane::Base {
 
-/// A named property of faces, told by its number. A JSON array `[number, name]`.
+/// A named property of faces, identified by its number. A JSON array `[number, name]`.
 class LUMIVANE_EXPORT Property : public BaseLibClass {
  public:
   /// Number -1 and an empty name.

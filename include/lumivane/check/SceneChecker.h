@@ -24,12 +24,12 @@ namespace Lumivane::Check {
 /// the first error if it comes later still.
 class LUMIVANE_EXPORT SceneChecker {
  public:
-  static constexpr int Most = 1000;  ///< findings told in one check
+  static constexpr int Most = 1000;  ///< findings reported in one check
 
-  /// An edge that is shorter, in scene units, is told.
+  /// An edge that is shorter, in scene units, is reported.
   static constexpr double ShortestEdge = 0.0001;
-  /// A point further off the plane of its region, in scene units, is told; rounding of coordinates
-  /// to 6 digits is allowed for.
+  /// A point further off the plane of its region, in scene units, is reported; rounding of
+  /// coordinates to 6 digits is allowed for.
   static constexpr double Flatness = 0.0001;
   /// The sine of an angle below which three points count as on one line.
   static constexpr double Straight = 1e-6;

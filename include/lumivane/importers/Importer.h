@@ -53,7 +53,7 @@ class LUMIVANE_IMPORTERS_EXPORT ImportedModel {
 /// ids. Neighbouring polygons in one plane become one face, whose inner edges are docking edges.
 class LUMIVANE_IMPORTERS_EXPORT Importer {
  public:
-  /// Whether the file is of a kind that is read here, told by the ending of its name and, for
+  /// Whether the file is of a kind that is read here, known by the ending of its name and, for
   /// ".json", by its content, so that a scene file is not taken for a city model.
   static bool isImportable(const std::string& path);
 
@@ -66,7 +66,7 @@ class LUMIVANE_IMPORTERS_EXPORT Importer {
   /// Reads a file.
   ///
   /// \throws Session::Error if the file cannot be read, is of no known kind, is damaged, or holds
-  ///                        no polygon; it says what is wrong and, if it can be told, at which
+  ///                        no polygon; it says what is wrong and, if it is known, at which
   ///                        line, vertex or object
   static ImportedScene importFile(const std::string& path, const ImportOptions& options = {});
 

@@ -45,7 +45,7 @@ class LUMIVANE_EXPORT DataReader {
   /// conversions meet only zeros.
   ///
   /// \return a new scene that the caller owns, or null when the file holds no JSON
-  /// \throws as readSceneString; a file that cannot be opened ends the process, as told above
+  /// \throws as readSceneString; a file that cannot be opened ends the process, as said above
   Scene::Scene3D* readSceneFile(const std::string& path);
 
   /// Reads a shot from JSON, with failures as in readSceneString. Its scale, property and view stay

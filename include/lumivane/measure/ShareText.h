@@ -8,7 +8,7 @@ namespace Lumivane::Measure {
 
 class VisibleShares;
 
-/// Visible shares as text. Numbers have as many digits as tell them apart from all others, and a
+/// Visible shares as text. Numbers have as many digits as distinguish them from all others, and a
 /// point whatever the locale.
 class LUMIVANE_MEASURE_EXPORT ShareText {
  public:

@@ -42,7 +42,7 @@ LUMIVANE_PICTURES_EXPORT double mapAspect(MapProjection projection, Visibility::
 /// The colours of the scene's polygons in pictures of its maps. A value; the scene may go.
 class LUMIVANE_PICTURES_EXPORT MapColors {
  public:
-  /// A colour for each object that tells it from those beside it, for scenes of any size. Lines are
+  /// A colour for each object that differs from those beside it, for scenes of any size. Lines are
   /// black.
   MapColors();
   /// Fills by the scene's brushes, lines by its pens. Opacities are left out, since nothing lies

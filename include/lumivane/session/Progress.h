@@ -4,7 +4,7 @@
 
 namespace Lumivane::Session {
 
-/// Is told how far a shot has come, in percent from 0 to 100, never falling.
+/// Receives how far a shot has come, in percent from 0 to 100, never falling.
 ///
 /// Thread rules. All calls for one shot come from one thread of the session's own, not from the
 /// caller's, and none is under way any more when the take returns or throws. There is a call with 0

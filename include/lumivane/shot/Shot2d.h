@@ -19,7 +19,7 @@ namespace Lumivane::Shot {
 class Objects2d;
 
 /// A flat vector picture of a scene: a pool of points, brushes and pens, all polygons in the order
-/// of drawing, and the objects that group them by face. Scale, property and view tell with which
+/// of drawing, and the objects that group them by face. Scale, property and view say with which
 /// colouring and from where it was taken; they reach no file.
 ///
 /// Owns everything but the view; each pointer may be null. A shot made of a scene nevertheless

@@ -10,7 +10,7 @@ enum class Stage {
   Projection,      ///< edges split and carried onto the plane
   Docking,         ///< edges found that pieces of one region share
   Points,          ///< the records of the shot, their points merged into one list
-  Classification,  ///< the pairs of faces told apart, and what that needs laid out
+  Classification,  ///< the pairs of faces compared, and what that needs laid out
   Order,           ///< the faces put in order, the shot written anew in it, the sort's data freed
   Write            ///< a document written: the model made into text
 };

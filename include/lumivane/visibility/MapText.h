@@ -51,7 +51,7 @@ class LUMIVANE_VISIBILITY_EXPORT MapText {
   ///                = + - @, a tab or a carriage return, gets an apostrophe in front
   static std::string csvRows(const std::vector<ShareRow>& rows, Field field,
                              const std::string& before = "", bool isSafe = false);
-  /// The table of a map's shares. Numbers have as many digits as tell them apart from all others.
+  /// The table of a map's shares. Numbers have as many digits as distinguish them from all others.
   static std::string csv(const VisibleMap& map, const MapShares& shares,
                          ShareDepth depth = ShareDepth::Object, bool isSafe = false);
   /// The same as one JSON object: version, eye, forward, up, field and the rows, whose keys are

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What a topological sort tells of a cycle.
+/// What a topological sort reports of a cycle.
 namespace Lumivane::Algorithm {
 
 /// Where the sort of the objects reports to, in the working directory; a graph does the same.

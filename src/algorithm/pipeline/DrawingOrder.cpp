@@ -26,7 +26,7 @@
 namespace Lumivane::Algorithm {
 namespace {
 
-// The names under which a report tells of the objects.
+// The names under which a report lists the objects.
 std::vector<std::string> idsOf(const std::vector<ObjectData*>& objects) {
   std::vector<std::string> ids;
   ids.reserve(objects.size());

@@ -55,7 +55,7 @@ Kernel::BackFrame frameOfView(Base::View& view) {
   return Kernel::backFrame(right, forward);
 }
 
-// Whether the eye stands on a point of the edge from `a` to `b`, as near as single precision tells.
+// Whether the eye stands on a point of the edge from `a` to `b`, as near as single precision shows.
 bool isOnEdge(Vec3 eye, Vec3 a, Vec3 b) {
   constexpr double rounding = 0x1p-22;
   const Vec3 edge = b - a;

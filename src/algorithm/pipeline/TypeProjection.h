@@ -10,7 +10,7 @@
 
 #include <optional>
 
-/// The two projections of shots. Who has to tell them apart asks here, or by a switch without a
+/// The two projections of shots. Who has to distinguish them asks here, or by a switch without a
 /// default, so that the compiler names every place that a third one would need.
 namespace Lumivane::Algorithm {
 
