@@ -9,6 +9,7 @@ packages=(
   libvtk9-dev libcli11-dev libx11-dev    # the library, the programs
   nlohmann-json3-dev libpugixml-dev libcairo2-dev libglu1-mesa-dev pkg-config  # what comes in and goes out
   libarchive-dev                         # view factors as archives of arrays
+  libnova-dev tzdata                     # where the sun stands, and what clocks show
   libgtest-dev libgmock-dev valgrind     # the tests
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
   xdotool x11-utils                      # to look at windows
