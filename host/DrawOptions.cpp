@@ -9,6 +9,8 @@
 
 #include <CLI/CLI.hpp>
 
+// The options of `lumivane draw`. Texts become values here, so that every fault is one line with
+// the option's name before the scene is read.
 namespace Lumivane::Host {
 namespace {
 

@@ -24,6 +24,7 @@
 #include <optional>
 #include <streambuf>
 
+// Eyes on a grid, as the table that `lumivane batch` reads.
 namespace Lumivane::Host {
 namespace {
 

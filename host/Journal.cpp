@@ -16,6 +16,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+// A batch's memory of what is made: one line for each view, appended with a single write, so that a
+// crash leaves at most one torn line, the last, which is cut off at the next start. Every process
+// of a batch has a part of its own.
 namespace Lumivane::Host {
 namespace {
 

@@ -12,6 +12,8 @@
 
 #include <CLI/CLI.hpp>
 
+// Tables of views. A column is an option of the command, by any of its names, and a row is read as
+// a command line would be: what `shot` takes, a table can hold, and faults have the same words.
 namespace Lumivane::Host {
 namespace {
 

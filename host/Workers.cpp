@@ -14,6 +14,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// Pieces of work shared out to processes over sockets. Processes and not threads, since the
+// settings of the library are a process's own; of one that dies, the piece it had is reported as
+// failed.
 namespace Lumivane::Host {
 namespace {
 

@@ -43,6 +43,7 @@ EXTRA = {
 VTK_HEADERS = re.compile(
     r"include/lumivane/(utils/VtkUtils|scene/Object|algorithm/ShotCreator|view/\w+)\.h$")
 
+OPENS_NAMESPACE = re.compile(r"^namespace (Lumivane|Jzon)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
@@ -160,6 +161,19 @@ def check_lists(faults, root):
                 faults.add(listing, number, "sources are listed, not globbed")
 
 
+def check_openings(faults, root):
+    """A long body opens with a comment: how it works, and why so."""
+    for folder in ("src", "host", "bindings"):
+        for path in sorted((root / folder).rglob("*.cpp")):
+            lines = path.read_text(encoding="utf-8").splitlines()
+            if len(lines) <= 100:
+                continue
+            starts = (n for n, line in enumerate(lines) if OPENS_NAMESPACE.match(line))
+            head = lines[: next(starts, len(lines))]
+            if not any(line.startswith("// ") for line in head):
+                faults.add(path, 1, "over 100 lines, but no opening comment says how it works")
+
+
 def check_pages(faults, root):
     """Every page of docs/ has its code blocks tested."""
     listing = root / "tests/docs/CMakeLists.txt"
@@ -189,6 +203,7 @@ def main():
                 check_host(faults, path)
     check_umbrella(faults, root)
     check_lists(faults, root)
+    check_openings(faults, root)
     check_pages(faults, root)
     print(f"layers: {faults.count} fault{'' if faults.count == 1 else 's'}")
     return 1 if faults.count else 0

@@ -7,6 +7,9 @@
 #include <string_view>
 #include <utility>
 
+// What reading passes over in silence: unknown and repeated keys, missing lists, values of another
+// kind, and text behind the document. These are found in the tree, since the model does not know
+// them.
 namespace Lumivane::Check {
 namespace {
 

@@ -14,6 +14,9 @@
 #include <cmath>
 #include <cstdio>
 
+// Coordinates far from the origin have few bits left for what is small. The loss is computed from
+// the scene's extent and place before a shot is taken, since afterwards it looks like a fault of
+// the picture.
 namespace Lumivane::Check {
 namespace {
 

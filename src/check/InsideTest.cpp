@@ -16,6 +16,9 @@
 #include <limits>
 #include <vector>
 
+// A point is inside a body if the first polygon that a ray from it meets shows its back. Real
+// bodies have gaps and doubled walls, so several rays vote, in directions in which models have no
+// edges.
 namespace Lumivane::Check {
 
 using Kernel::Vec2;

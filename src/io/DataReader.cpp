@@ -20,6 +20,8 @@
 #include <system_error>
 #include <vector>
 
+// Files are read in blocks, and their line feeds dropped, before they are parsed. The tree is given
+// away with its only handle, so that the model frees it while it reads.
 namespace Lumivane::IO {
 namespace {
 

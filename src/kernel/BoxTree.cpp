@@ -4,6 +4,9 @@
 #include <limits>
 #include <utility>
 
+// Boxes sorted along a Z-order curve (G. M. Morton, 1966), and above them nodes of eight, level by
+// level: a tree without pointers, quick to make, which is all that one shot needs. Eight boxes are
+// compared at a time.
 namespace Lumivane::Kernel {
 namespace {
 

@@ -11,6 +11,8 @@
 #include <limits>
 #include <stdexcept>
 
+// View factors as tables, JSON, matrices and lines of a journal. Numbers have the fewest digits
+// that read back to them, so a row that comes from the journal is the row that was computed.
 namespace Lumivane::Measure {
 namespace {
 

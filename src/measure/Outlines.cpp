@@ -10,6 +10,7 @@
 #include <cmath>
 #include <stdexcept>
 
+// The outlines of a shot's regions as edges for the sweep.
 namespace Lumivane::Measure {
 namespace {
 

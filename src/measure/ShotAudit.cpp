@@ -15,6 +15,9 @@
 
 #include <stdexcept>
 
+// Shot and map are swept as one arrangement: where the regions that both show differ, the shot is
+// wrong. Nothing is sampled. The map's arcs are cut into chords far shorter than those of the
+// picture.
 namespace Lumivane::Measure {
 namespace {
 

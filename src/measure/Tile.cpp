@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 
+// A tile's fragments of edges, and what covers it wholly. A tile is divided across or at middle
+// height, and each half drops what lies behind a polygon that covers it: most of a picture is
+// decided so, before anything is swept.
 namespace Lumivane::Measure {
 namespace {
 

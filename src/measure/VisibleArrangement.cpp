@@ -6,6 +6,8 @@
 #include <deque>
 #include <utility>
 
+// Divides the picture into tiles until few edges are left in each, then sweeps the tiles. The
+// limits below weigh both costs.
 namespace Lumivane::Measure {
 namespace {
 

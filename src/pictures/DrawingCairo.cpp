@@ -8,6 +8,8 @@
 
 #include <cairo-pdf.h>
 
+// A drawing as PDF and PNG: the same paths in the same order as in the SVG, scaled from
+// millimetres.
 namespace Lumivane::Pictures {
 namespace {
 

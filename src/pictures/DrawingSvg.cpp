@@ -2,6 +2,8 @@
 
 #include <lumivane/pictures/Drawing.h>
 
+// A drawing as SVG in millimetres. Layers are groups that Inkscape shows as layers. The text is
+// appended as it comes: a tree of a hundred thousand paths would cost more than the drawing.
 namespace Lumivane::Pictures {
 namespace {
 

@@ -6,6 +6,10 @@
 #include <limits>
 #include <unordered_map>
 
+// Long paths for pens. Lines that meet are joined as in an Eulerian walk, from the nodes where an
+// odd number of lines meet first: so there are as few paths as can be. Then each path follows the
+// one whose end is nearest, forwards or backwards, which keeps the pen's travel short, if not
+// shortest.
 namespace Lumivane::Pictures {
 namespace {
 

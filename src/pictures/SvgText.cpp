@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+// Texts and numbers as SVG has them: what XML cannot hold is replaced, and numbers have whole steps
+// of a decimal, so that two paths with a common vertex name it alike.
 namespace Lumivane::Pictures {
 namespace {
 

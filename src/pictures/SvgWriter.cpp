@@ -10,6 +10,8 @@
 
 #include <pugixml.hpp>
 
+// A picture as an SVG document. pugixml builds the tree; numbers are written here, without a
+// locale, in as few decimals as the picture's size needs.
 namespace Lumivane::Pictures {
 namespace {
 

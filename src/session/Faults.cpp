@@ -24,6 +24,8 @@
 #include <set>
 #include <vector>
 
+// Numbers that point at nothing, found before the model follows them. A fault is named by object
+// and region, and only if what is to be done would meet it.
 namespace Lumivane::Session {
 namespace {
 

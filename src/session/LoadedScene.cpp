@@ -13,6 +13,8 @@
 #include <new>
 #include <stdexcept>
 
+// A scene and its takes. A take borrows the settings of the process and of its thread, and gives
+// them back however it ends.
 namespace Lumivane::Session {
 namespace {
 

@@ -16,6 +16,8 @@
 
 #include <algorithm>
 
+// A shot's polygons as arrays that outlive it: every number is checked on the way, since a shot may
+// come from a file.
 namespace Lumivane::Session {
 namespace {
 

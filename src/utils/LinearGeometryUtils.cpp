@@ -10,6 +10,8 @@
 
 #include <cstddef>
 
+// Operations on lists of numbers: each checks or reports what it is promised to, and calls the
+// kernel.
 namespace Lumivane::Utils {
 namespace {
 

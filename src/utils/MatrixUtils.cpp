@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstddef>
 
+// Operations on matrices as lists of rows. Sizes are checked here, with the messages that are
+// promised; the arithmetic is the kernel's.
 namespace Lumivane::Utils {
 namespace {
 

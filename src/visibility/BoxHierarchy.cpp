@@ -5,6 +5,9 @@
 #include <limits>
 #include <utility>
 
+// A binned build by the surface area heuristic, with a list of tasks in place of calls, so that no
+// scene is too deep for the stack. Boxes are rounded outwards to single precision: a ray may test a
+// box too many, never one too few.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 
+// Directions are whole numbers on the faces of a cube, on which great circles are straight lines,
+// so that the side of a point is decided in whole numbers of 128 bits. The cube is turned against
+// the scene's axes: walls and grids would otherwise run along its edges and through its corners.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -11,6 +11,9 @@
 #include <stdexcept>
 #include <utility>
 
+// From arrays to an index: outlines to flat pieces, pieces into the order of the hierarchy's
+// leaves, then edges numbered and layers found. Everything is made in the order of the leaves, so
+// that what is near in space is near in memory.
 namespace Lumivane::Visibility {
 namespace {
 

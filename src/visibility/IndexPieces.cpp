@@ -9,6 +9,9 @@
 #include <cstring>
 #include <utility>
 
+// Points are numbered first, equal ones once, so that outlines which touch share corners and edges
+// and no rounding comes between them. An outline that is not flat is cut by ears, with its
+// diagonals as inner edges: they divide no cell.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -8,6 +8,9 @@
 #include <cmath>
 #include <limits>
 
+// What a look knows of the scene's polygons: their planes seen from the eye, and their edges as
+// segments on the faces of the cube. Polygons are prepared when a look first meets them, since from
+// most eyes most of a city is never met.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+// Tiles are swept apart from each other, so each leaves lists of what lies along its sides. Two
+// lists of a common side are walked together: where both show one region the areas become one,
+// elsewhere a piece of border arises. Ends within rounding of each other are one vertex.
 namespace Lumivane::Visibility {
 
 void MapParts::addStretch(SideList& side, Coordinate from, Coordinate to, int fromVertex,

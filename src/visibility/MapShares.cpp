@@ -8,6 +8,8 @@
 #include <map>
 #include <utility>
 
+// Sums of a map's cells. They keep what additions round off, so that the order of the cells, and
+// with it the number of threads, does not change a sum that is printed.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -9,6 +9,8 @@
 #include <tuple>
 #include <utility>
 
+// Maps and their shares as CSV and JSON. Both tables are made of the same rows; only the writers
+// differ.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <utility>
 
+// Scenes as plain arrays. Whatever would make an index read beyond an array is refused here, with
+// the object and the region, so that nothing behind this file needs to look again.
 namespace Lumivane::Visibility {
 namespace {
 

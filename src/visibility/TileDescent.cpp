@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+// From a face of the cube down to tiles so small that few edges are left in them. On the way down,
+// what may be seen in a tile is narrowed: boxes of the hierarchy outside it are dropped, near ones
+// opened, and all that lies behind a polygon which covers the tile is left closed. So what is
+// hidden costs next to nothing, and the work grows with what is seen.
 namespace Lumivane::Visibility {
 namespace {
 

@@ -7,6 +7,11 @@
 #include <cstdlib>
 #include <limits>
 
+// The borders of a tile's polygons as a sweep meets them from left to right: their order from
+// below, and with each gap between two of them a mask of the polygons that cover it. The order
+// changes at stops, where a line begins or ends, two meet, or the lower side of the tile is
+// crossed; only the changed gaps are renewed there. Lines nearer than `tolerance` are one, so a gap
+// between them is empty: what rounding would make of it could otherwise become a cell.
 namespace Lumivane::Visibility {
 namespace {
 

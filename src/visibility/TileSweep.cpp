@@ -4,6 +4,10 @@
 #include <cmath>
 #include <utility>
 
+// Takes a tile apart: in every gap between two stops one polygon is in front. Where the planes of
+// two polygons cross within a gap, their common line is added and the tile swept again, until none
+// cross. Neighbouring gaps that show one region are joined, so areas do not depend on how tiles
+// were cut.
 namespace Lumivane::Visibility {
 
 Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {

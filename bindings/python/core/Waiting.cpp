@@ -13,6 +13,8 @@
 
 namespace py = pybind11;
 
+// Work in a thread of its own, while the thread that called lets Python handle signals every 20 ms:
+// so Ctrl+C ends long work, which is asked to stop by the progress it reports.
 namespace Lumivane::Python {
 namespace {
 
