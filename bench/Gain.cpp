@@ -76,20 +76,20 @@ void takeLeast(Seconds& least, const Seconds& other) {
     least.*part = std::min(least.*part, other.*part);
 }
 
-void tell(const char* name, double plain, double fast) {
+void printRow(const char* name, double plain, double fast) {
   std::cout << std::left << std::setw(10) << name << std::right << std::fixed
             << std::setprecision(5) << std::setw(11) << plain << std::setw(11) << fast
             << std::setprecision(1) << std::setw(9) << (fast > 0.0 ? plain / fast : 0.0) << '\n';
 }
 
-void tell(const Seconds& plain, const Seconds& fast) {
+void printRow(const Seconds& plain, const Seconds& fast) {
   std::cout << "step          plain s     fast s    ratio\n";
-  tell("read", plain.read, fast.read);
-  tell("project", plain.project, fast.project);
-  tell("build", plain.build, fast.build);
-  tell("sort", plain.sort, fast.sort);
-  tell("write", plain.write, fast.write);
-  tell("total", plain.total(), fast.total());
+  printRow("read", plain.read, fast.read);
+  printRow("project", plain.project, fast.project);
+  printRow("build", plain.build, fast.build);
+  printRow("sort", plain.sort, fast.sort);
+  printRow("write", plain.write, fast.write);
+  printRow("total", plain.total(), fast.total());
 }
 
 }  // namespace
@@ -123,6 +123,6 @@ int main(int argc, char** argv) {
   }
   std::cout << "The town of " << boxes << " boxes from the air, processor time, least of " << runs
             << " runs; the texts of the two shots are equal\n\n";
-  tell(plain.seconds, fast.seconds);
+  printRow(plain.seconds, fast.seconds);
   return EXIT_SUCCESS;
 }

@@ -1,4 +1,4 @@
-// The JSON layer and the road of documents through it, on texts of about 10 MB made here: parsing,
+// The JSON layer and the way of documents through it, on texts of about 10 MB made here: parsing,
 // destroying, writing, reading a scene and writing a shot, by string and by file.
 // The library prints its lines between the results; --benchmark_out=FILE keeps them apart.
 

@@ -24,7 +24,7 @@ constexpr int FirstShots = 50;
 double peakMegabytes() {
   struct rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024.0;  // told in kibibytes
+  return static_cast<double>(usage.ru_maxrss) / 1024.0;  // in kibibytes
 }
 
 double residentMegabytes() {

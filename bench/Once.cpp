@@ -1,5 +1,6 @@
-// One run of the road in a process, for counting instructions and for profiles: the scene's text
-// read, the shot made, its text written. Each step is a function of a name that tools can pick.
+// One run of the pipeline in a process, for counting instructions and for profiles: the scene's
+// text read, the shot made, its text written. Each step is a function of a name that tools can
+// pick.
 //
 // Usage: bench_once city|sphere COUNT [VIEW [MAX_LENGTH]]      (the first view, no length limit)
 

@@ -71,7 +71,7 @@ double least(const std::vector<double>& values) {
   return *std::min_element(values.begin(), values.end());
 }
 
-void tell(std::ostream& table, const ViewSettings& view, const Seconds& seconds) {
+void printRow(std::ostream& table, const ViewSettings& view, const Seconds& seconds) {
   const bool round = view.camera == ViewCameraKind::Spherical;
   table << "| " << (round ? "round" : "square") << " | " << std::setprecision(4) << view.maxLength
         << std::fixed << std::setprecision(1);
@@ -94,7 +94,7 @@ void run(const std::vector<std::string>& words) {
     for (const double limit : {0.0, 0.02, 0.005}) {
       view.camera = camera;
       view.maxLength = limit;
-      tell(table, view, measure(scene, view, runs));
+      printRow(table, view, measure(scene, view, runs));
     }
   std::cout << table.str();
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Counts the machine instructions of the road on the town of 200 boxes seen from the air, and fails
+# Counts the machine instructions of the pipeline on the town of 200 boxes seen from the air, and fails
 # if a step takes over 10 % more than the figure committed in bench/instructions.txt.
 #
 # Usage: bench/instructions.sh [BUILD] [--update]     (build/release; --update writes the figures)

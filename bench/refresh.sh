@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures everything anew and writes it into bench/README.md: whole runs, the gain over the plain
-# road, single steps, instruction counts. Takes about a quarter of an hour on an idle machine.
+# pipeline, single steps, instruction counts. Takes about a quarter of an hour on an idle machine.
 #
 # Usage: bench/refresh.sh [LABEL]     (after; the figures go to bench/results/LABEL.json)
 set -euo pipefail

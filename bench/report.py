@@ -130,7 +130,7 @@ def growth_table(before, after):
     head = ["town seen", "camera", "pieces", "limit", "before", "after", "sort before",
             "sort after"]
     rows = []
-    told = lambda value: "" if value is None else f"{value:.2f}"
+    shown = lambda value: "" if value is None else f"{value:.2f}"
     old, new = families(before), families(after)
     for family in list(dict.fromkeys(list(old) + list(new))):
         _, view, camera, segments, length = family
@@ -138,7 +138,7 @@ def growth_table(before, after):
                    for figure in (lambda c: c["processor"], sort_seconds) for cases in (old, new)]
         rows.append(["from the air" if view == "air" else f"in the {view}",
                      "radial" if camera == "spherical" else "square", segments, f"{length:g}",
-                     *map(told, figures)])
+                     *map(shown, figures)])
     return table(head, rows, 2)
 
 
@@ -167,10 +167,10 @@ def aims(after):
         found = after.get(name)
         return found if found and "stopped" not in found else None
 
-    def add(rows, what, aim, value, told, at_least=False):
+    def add(rows, what, aim, value, shown, at_least=False):
         if value is not None:
             good = value >= aim if at_least else value <= aim
-            rows.append([what, ("at least " if at_least else "at most ") + told(aim), told(value),
+            rows.append([what, ("at least " if at_least else "at most ") + shown(aim), shown(value),
                          "yes" if good else "no"])
 
     rows = []

@@ -6,7 +6,7 @@ Usage: bench/run.py LABEL [--build DIR] [--program FILE] [--limit SECONDS] [--me
 
 Writes bench/results/LABEL.json: for every case the processor time of each stage, wall and processor
 time of the process, its peak memory and the size of the shot. Of several runs each figure is the
-least one: other programs on the machine can only add to it. A case over the limit is told as
+least one: other programs on the machine can only add to it. A case over the limit is reported as
 stopped, and so are the larger ones of its kind, which are not tried.
 
 bench/report.py makes the tables and the picture from these files.
@@ -62,9 +62,9 @@ class Scenes:
         kind = "city" if kind == "picture" else kind
         if (kind, count) not in self.known:
             path = self.folder / f"{kind}{count}.json"
-            told = subprocess.run([self.generator, kind, str(count), "-o", path], check=True,
+            printed = subprocess.run([self.generator, kind, str(count), "-o", path], check=True,
                                   capture_output=True, text=True).stdout.splitlines()
-            words = [line.split() for line in told]
+            words = [line.split() for line in printed]
             self.known[kind, count] = (path, {w[0]: w[1:] for w in words[1:]}, int(words[0][1]))
         return self.known[kind, count]
 
@@ -96,9 +96,9 @@ def run_once(command, folder, limit, memory):
     if killed:
         return {"stopped": f"stopped after {limit:g} s"}
     if process.returncode != 0:
-        told = (folder / "output.txt").read_text(encoding="utf-8")
-        if "bad_alloc" not in told and process.returncode != -9:
-            sys.exit(f"run.py: {' '.join(command)} failed with {process.returncode}:\n{told}")
+        printed = (folder / "output.txt").read_text(encoding="utf-8")
+        if "bad_alloc" not in printed and process.returncode != -9:
+            sys.exit(f"run.py: {' '.join(command)} failed with {process.returncode}:\n{printed}")
         return {"stopped": f"stopped: more than {memory / 2**30:.0f} GB"}
     stats = json.loads((folder / "stats.json").read_text(encoding="utf-8"))
     return {"wall": wall, "processor": usage.ru_utime + usage.ru_stime,
@@ -132,7 +132,7 @@ def measure(command, folder, arguments):
 
 
 def machine():
-    def told(command):
+    def printed(command):
         try:
             return subprocess.run(command, capture_output=True, text=True, check=True).stdout
         except (OSError, subprocess.CalledProcessError):
@@ -142,13 +142,13 @@ def machine():
     memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
     return {"processor": model, "cores": os.cpu_count(), "memory_gb": round(memory),
             "system": platform.system() + " " + platform.release().split("-")[0],
-            "compiler": (told(["c++", "--version"]).splitlines() or [""])[0]}
+            "compiler": (printed(["c++", "--version"]).splitlines() or [""])[0]}
 
 
 def commit_of(build):
-    told = subprocess.run(["git", "-C", build, "log", "-1", "--format=%h %s"], capture_output=True,
+    printed = subprocess.run(["git", "-C", build, "log", "-1", "--format=%h %s"], capture_output=True,
                           text=True, check=False)
-    return told.stdout.strip()
+    return printed.stdout.strip()
 
 
 def arguments_of():
@@ -198,8 +198,8 @@ def main():
                                 "camera": camera, "segments": segments, "max_length": length,
                                 "polygons": polygons, "scene_mb": path.stat().st_size / 1e6,
                                 **figures}
-            told = figures.get("stopped") or f"{figures['processor']:.3f} s, {figures['peak_mb']:.0f} MB"
-            print(f"{case_name}: {told}", flush=True)
+            printed = figures.get("stopped") or f"{figures['processor']:.3f} s, {figures['peak_mb']:.0f} MB"
+            print(f"{case_name}: {printed}", flush=True)
             result["cases"] = list(known.values())
             result["load"] = [round(load, 1) for load in os.getloadavg()]
             target.write_text(json.dumps(result, indent=1) + "\n", encoding="utf-8")

@@ -102,7 +102,7 @@ void checkParsed(const CLI::App& app, const Options& options) {
   const Host::Shard shard = options.batch.shard;
   require(shard.number >= 1 && shard.number <= shard.count);
   require(options.batch.jobs >= 0);
-  // Its workers are told these.
+  // Its workers are given these.
   for (const std::string& option : Host::givenShotOptions(*app.get_subcommand("batch")))
     require(option.compare(0, 2, "--") == 0 && option.find('=') != std::string::npos);
 }
@@ -117,7 +117,7 @@ void programArguments(const std::vector<std::string>& arguments) {
     app.parse(reversed);
     checkParsed(app, options);
   } catch (const CLI::ParseError&) {
-    // told with status 2
+    // reported with status 2
   }
 }
 

@@ -1,5 +1,5 @@
 // A model and the files that it names: material libraries of OBJ files, buffers of glTF files. The
-// first byte tells the format, the second how the scene is made. The model follows, and behind it
+// first byte is the format, the second how the scene is made. The model follows, and behind it
 // the other files, each led by a line of "@@" and its name. "@@NAME>TARGET" makes a link.
 // What is looked for besides crashes: a file that was read and is not listed as an input, which a
 // program might then overwrite, and a buffer that was read from outside the folder of the model.

@@ -1,4 +1,4 @@
-// A mesh or a city model to a scene and a shot. The first byte tells the format, the second how the
+// A mesh or a city model to a scene and a shot. The first byte is the format, the second how the
 // scene is made, the rest is the file.
 
 #include "Bounded.h"

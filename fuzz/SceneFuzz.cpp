@@ -23,7 +23,7 @@ using Lumivane::Fuzz::require;
 constexpr std::size_t LargestText = 1 << 16;
 
 // Two shots of every scene, one with each camera. The spaces behind the document, which are of no
-// other use, tell from where, so that a fuzzer can change both.
+// other use, say from where, so that a fuzzer can change both.
 std::array<Session::ViewSettings, 2> views(const std::string& text) {
   const auto end = std::find_if_not(text.rbegin(), text.rend(), [](char c) { return c == ' '; });
   const auto spaces = end - text.rbegin();

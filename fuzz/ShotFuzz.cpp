@@ -15,7 +15,7 @@ namespace {
 namespace Io = Lumivane::IO;
 using Lumivane::Shot::Shot2d;
 
-// \throws std::exception where a colour or a width is out of range, as told
+// \throws std::exception where a colour or a width is out of range, as documented
 std::unique_ptr<Shot2d> read(const std::string& text) {
   return std::unique_ptr<Shot2d>(Io::DataReader().readShotString(text));
 }

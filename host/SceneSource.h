@@ -36,7 +36,7 @@ std::vector<std::string> sourceFiles(const std::string& path);
 bool isSceneFile(const std::string& path);
 
 /// Reads a scene file; where the program is built with importers, also a mesh or a city model,
-/// telling on standard output what became of it.
+/// printing on standard output what became of it.
 ///
 /// With `ImportSettings::center` the middle of a scene file comes to x = y = 0 too, and its lowest
 /// point to z = 0, to within half a unit: by whole units, so that coordinates keep their decimals.

@@ -1,4 +1,4 @@
-// Writes a scene of the benchmarks and tells its size and its views, each as the options that the
+// Writes a scene of the benchmarks and prints its size and its views, each as the options that the
 // program lumivane takes.
 
 #include "scene/City.h"
@@ -67,7 +67,7 @@ std::ostream& operator<<(std::ostream& out, const Point& point) {
   return out << point.x << ',' << point.y << ',' << point.z;
 }
 
-void tell(const BenchScene& scene) {
+void print(const BenchScene& scene) {
   std::cout << "polygons " << scene.model.faceCount() << '\n';
   for (const NamedView& view : scene.views)
     std::cout << view.name << " --eye " << view.eye << " --forward " << view.forward << " --up "
@@ -89,7 +89,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
       }
     }
-    tell(scene);
+    print(scene);
     return EXIT_SUCCESS;
   } catch (const std::exception& error) {
     std::cerr << Usage << "\nError: " << error.what() << '\n';

@@ -14,15 +14,14 @@ namespace Lumivane::Check {
 namespace {
 
 using Keys = std::initializer_list<std::string_view>;
-constexpr const char* MendKey = "keys count exactly as they are written; correct or remove it";
+constexpr const char* FixKey = "keys count exactly as they are written; correct or remove it";
 
 void checkKeys(const Jzon::Node& node, const Keys& known, const std::string& where,
                Findings& findings) {
   std::vector<std::string_view> seen;
   for (const auto& [key, value] : node) {
     if (std::find(known.begin(), known.end(), key) == known.end())
-      findings.add(Severity::Warning, "unknown-key", where + "unknown key \"" + key + "\"",
-                   MendKey);
+      findings.add(Severity::Warning, "unknown-key", where + "unknown key \"" + key + "\"", FixKey);
     else if (std::find(seen.begin(), seen.end(), key) != seen.end())
       findings.add(Severity::Warning, "double-key",
                    where + "key \"" + key + "\" stands here twice; the first counts",

@@ -26,7 +26,7 @@
 namespace Lumivane::Check {
 namespace {
 
-constexpr const char* MendId = "give each object an id of its own";
+constexpr const char* FixId = "give each object an id of its own";
 constexpr const char* FixNumber = "numbers count from 1; fix the number or add what it means";
 
 const Geometry::Regions::Vector& regionsOf(Scene::Object& object) {
@@ -216,15 +216,15 @@ void findDoubleIds(Scene::Scene3D& scene, Severity least, Findings& findings) {
       findings.add(Severity::Error, "double-id",
                    both + "the drawing order misses region " + std::to_string(region) + " of " +
                        std::to_string(i + 1) + " in " + std::to_string(place->second),
-                   MendId);
+                   FixId);
     else if (std::any_of(regions.begin(), regions.end(), canBeSeen))
       findings.add(Severity::Error, "double-id",
                    both + "the drawing order takes the regions of " +
                        std::to_string(place->second) + " for those of " + std::to_string(i + 1),
-                   MendId);
+                   FixId);
     else if (least == Severity::Warning)
       findings.add(Severity::Warning, "double-id", both + "of the second nothing can be seen",
-                   MendId);
+                   FixId);
   }
 }
 

@@ -51,7 +51,7 @@ TEST(DepthSortClassify, OneObjectSetsTheProgressToThirtyAndNoCell) {
   EXPECT_EQ(30.0, progress());
 }
 
-// With 6 faces the last bit tells the step times the row from 70 times the row, divided.
+// With 6 faces the last bit distinguishes the step times the row from 70 times the row, divided.
 TEST(DepthSortClassify, LastProgressIsThatOfTheLastRow) {
   SortStage stage;
   stage.addObject("a");

@@ -239,7 +239,7 @@ TEST_F(DepthSortOrder, RegionsThatWereAskedForAreThoseOfTheShot) {
   EXPECT_EQ(copy, stage.shot.getRegions()->getRegion(0));
 }
 
-// The whole road: three squares one behind the other, listed front first.
+// The whole pipeline: three squares one behind the other, listed front first.
 TEST(DepthSort, DrawsBackToFrontAndDropsWhatIsHidden) {
   SortStage stage;
   stage.addObject("front");

@@ -39,7 +39,7 @@ vtkSmartPointer<vtkPolyData> dataOf(const Polygon& polygon) {
   return Utils::polygonData(points);
 }
 
-// The zeros are told apart; what is no number counts as equal.
+// The zeros are distinct; what is no number counts as equal.
 bool sameBits(double a, double b) {
   if (std::isnan(a) && std::isnan(b)) return true;
   return a == b && std::signbit(a) == std::signbit(b);

@@ -1,4 +1,4 @@
-// The road of a shot as a whole, and the records that the second pass makes.
+// The pipeline of a shot as a whole, and the records that the second pass makes.
 
 #include "support/Capture.h"
 #include "support/Extremes.h"
@@ -238,7 +238,7 @@ TEST(FirstPass, ListsAreMadeAnewByEveryShotAndTheOldOnesStay) {
   freeWorkingLists(earlier);
 }
 
-// The lists are made when they are asked for; what they tell is the shot's.
+// The lists are made when they are asked for; what they hold is the shot's.
 TEST(FirstPass, ListsTellWhatTheShotSawHoweverLateTheyAreAskedFor) {
   ShotScene s;
   Scene::Object& early = s.addObject("early");

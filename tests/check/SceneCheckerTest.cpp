@@ -148,7 +148,7 @@ TEST(SceneChecker, ShortEdgesAreToldFromBelowTheirLimit) {
   const auto codes = [&scene] {
     std::vector<std::string> result;
     for (const Finding& finding : SceneChecker::checkText(scene.dump()))
-      // Single precision is coarse for an edge that is not much longer, which is told as well.
+      // Single precision is coarse for an edge that is not much longer, which is reported as well.
       if (finding.code != "far-coordinates") result.push_back(finding.code);
     return result;
   };
@@ -463,7 +463,7 @@ TEST(SceneChecker, NullObjectOfASceneInMemoryIsAnError) {
   scene.getObjects()->getObjects()->clear();
 }
 
-TEST(SceneChecker, EveryFindingSaysHowToMendIt) {
+TEST(SceneChecker, EveryFindingSaysHowToFixIt) {
   Json scene = square();
   region(scene) = {{"Points", {1, 1, 9}}, {"x", 1}};
   for (const Finding& finding : SceneChecker::checkText(scene.dump()))

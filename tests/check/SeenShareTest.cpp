@@ -1,4 +1,4 @@
-// Which polygons a shot can show at all: told from the polygon alone, and compared with shots.
+// Which polygons a shot can show at all: found from the polygon alone, and compared with shots.
 
 #include "support/Capture.h"
 #include "support/NoisyOutlines.h"

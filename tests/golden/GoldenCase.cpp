@@ -47,7 +47,7 @@ namespace Geometry = Lumivane::Geometry;
 namespace Base = Lumivane::Base;
 namespace Scene = Lumivane::Scene;
 
-/// A view as the case's file tells it; owns what the library's View only points at.
+/// A view as the case's file describes it; owns what the library's View only points at.
 struct CaseView {
   explicit CaseView(const Json& json)
       : orientation(new Geometry::Point3d(number(json, "eye", 0), number(json, "eye", 1),

@@ -74,16 +74,16 @@ void expectSameText(const fs::path& expected, const fs::path& actual) {
 }
 
 void expectPrinted(const Json& console, const std::string& printed) {
-  size_t told = 0;
+  size_t expected = 0;
   for (const auto& [message, count] : console.items()) {
     size_t found = 0;
     for (size_t at = printed.find(message); at != std::string::npos;
          at = printed.find(message, at + message.size()))
       ++found;
     EXPECT_EQ(count.get<size_t>(), found) << message;
-    told += found * message.size();
+    expected += found * message.size();
   }
-  EXPECT_EQ(told, printed.size()) << "more was printed than told:\n" << printed;
+  EXPECT_EQ(expected, printed.size()) << "more was printed than expected:\n" << printed;
 }
 
 /// The last shift of each object is what its record keeps.
@@ -205,7 +205,7 @@ void addTest(const char* suite, const std::string& name,
 
 void failEmpty(const fs::path& folder, const std::string&) { FAIL() << "no case in " << folder; }
 
-/// What the program cannot be told: face values, earlier shots, a camera without a kind.
+/// What the program takes no option for: face values, earlier shots, a camera without a kind.
 bool fitsProgram(const Json& view) {
   return !view.contains("faceValues") && !view.contains("before") &&
          view.value("camera", "spherical") != "undefined";

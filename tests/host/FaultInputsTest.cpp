@@ -40,7 +40,7 @@ void forEachInput(Function function) {
   }
 }
 
-// A name with the ending that tells what the file is.
+// A name with the ending that says what the file is.
 std::string nameLike(const std::string& file) {
   const std::string name = fs::path(file).filename().string();
   return "in" + name.substr(name.find('.'));
@@ -449,7 +449,7 @@ TEST(FaultyInput, FileThatShrinksWhileItIsReadDoesNoHarm) {
   });
 }
 
-// Its size is told as 0, and it differs from one look to the next.
+// Its size is given as 0, and it differs from one look to the next.
 TEST(FaultyInput, FileOfTheKernelDoesNoHarm) {
   for (const std::string file : {"/proc/self/maps", "/proc/cpuinfo", "/proc/self/mem"})
     for (const std::string command : {"shot", "check", "json5"})

@@ -285,7 +285,7 @@ TEST(FaultyOutput, RequestToEndWhileFilesAreWrittenLeavesEachOldOrNew) {
   expectWholeFiles(SIGTERM);
 }
 
-// The run is told to end as its first shots are there; the next one goes on and completes it.
+// The run is asked to end as its first shots are there; the next one goes on and completes it.
 TEST(FaultyOutput, BatchThatIsToldToEndHasWholeFilesAndGoesOn) {
   for (const int signal : {SIGINT, SIGTERM}) {
     const TempFolder folder;
@@ -325,7 +325,7 @@ TEST(FaultyOutput, BatchThatIsToldToEndHasWholeFilesAndGoesOn) {
   }
 }
 
-// What is told of a disk that is full half way, and that nothing is lost by it.
+// What is reported of a disk that is full half way, and that nothing is lost by it.
 TEST(FaultyOutput, BatchWithoutRoomTellsAndGoesOnWithRoom) {
   const TempFolder folder;
   const std::string table =

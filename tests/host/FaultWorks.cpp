@@ -151,7 +151,7 @@ void expectOneLine(const Result& result, const std::string& words) {
 void expectNoHarm(const Result& result, const std::string& file) {
   EXPECT_FALSE(result.bySignal);
   if (result.status == 0) return;
-  // The checks of a scene are told on standard output.
+  // The checks of a scene are reported on standard output.
   if (result.err.empty())
     EXPECT_NE(std::string::npos, result.out.find(file + ": ")) << result.out;
   else

@@ -1,4 +1,4 @@
-// A long shot that is told to end: nothing half-written is left.
+// A long shot that is asked to end: nothing half-written is left.
 
 #include "host/Process.h"
 #include "support/TempFolder.h"

@@ -26,11 +26,11 @@ build() { "$compiler" -w "${hardened[@]}" "$@" "$work/program.cpp" -o "$work/pro
 
 expect_fault() {  # expect_fault WORDS FLAG...
   build "${@:2}"
-  if "$check" "$work/program" >"$work/told"; then
-    echo "nothing is told of a program built with ${*:2}"
+  if "$check" "$work/program" >"$work/reported"; then
+    echo "nothing is reported of a program built with ${*:2}"
     exit 1
   fi
-  grep -q -- "$1" "$work/told" || { echo "not told of ${*:2}:"; cat "$work/told"; exit 1; }
+  grep -q -- "$1" "$work/reported" || { echo "not reported of ${*:2}:"; cat "$work/reported"; exit 1; }
 }
 
 build

@@ -104,7 +104,7 @@ TEST(ZeroFormatProperty, AnyTextIsSafeAndBounded) {
   }
 }
 
-// What the C library prints of the text as a format with zeros behind it: no literal can tell.
+// What the C library prints of the text as a format with zeros behind it: no literal can show.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 std::string printed(const std::string& format) {

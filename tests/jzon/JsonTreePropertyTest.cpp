@@ -314,7 +314,7 @@ class TwinHandles {
     if (plain[i].type() == JsonType::Null) setNull(i);
   }
 
-  // A null tells its text to nobody but a comparison.
+  // A null shows its text to nobody but a comparison.
   void setNull(std::size_t i) {
     plain[i].set(JsonType::Null, "");
     nodes[i].setNull();

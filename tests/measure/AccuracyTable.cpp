@@ -14,7 +14,7 @@
 namespace Lumivane::Test {
 namespace {
 
-// What the rows are called; forms without a name are told by another row of equal figures.
+// What the rows are called; forms without a name are shown by another row of equal figures.
 const std::vector<std::pair<std::string, std::string>> RowNames = {
     {"rect_corner", "rectangle, normal through a corner"},
     {"rect_centre", "rectangle, normal through its centre"},

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-/// Docking edges as they are told: every edge of every polygon against every other.
+/// Docking edges as documented: every edge of every polygon against every other.
 namespace Lumivane::Plain {
 
 using Kernel::samePoint;

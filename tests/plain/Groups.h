@@ -12,7 +12,7 @@
 #include <vtkPolyData.h>
 #include <vtkSmartPointer.h>
 
-/// What the actors of a view draw, as it is told: polygon data for each region, appended by a
+/// What the actors of a view draw, as documented: polygon data for each region, appended by a
 /// filter.
 namespace Lumivane::Plain {
 

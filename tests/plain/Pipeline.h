@@ -14,8 +14,8 @@
 /// pair of faces has a cell and every scan is made in full. It shares no code with the library, so
 /// that equal texts say something, and its time is the measure of what the faster forms gain.
 ///
-/// It takes well-formed scenes: what the library answers with an exception is not told apart here.
-/// Colours by a scale are left out, since they are not in the text.
+/// It takes well-formed scenes: what the library answers with an exception is not distinguished
+/// here. Colours by a scale are left out, since they are not in the text.
 namespace Lumivane::Plain {
 
 struct Region {

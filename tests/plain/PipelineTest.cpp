@@ -80,10 +80,10 @@ class ExpectedShot : public ::testing::Test {
     } else {
       EXPECT_TRUE(stats.at("report").is_null());
     }
-    std::size_t told = 0;
+    std::size_t expected = 0;
     for (const auto& [message, count] : stats.at("console").items())
-      told += count.get<std::size_t>() * message.size();
-    EXPECT_EQ(told, shot.messages.size()) << shot.messages;
+      expected += count.get<std::size_t>() * message.size();
+    EXPECT_EQ(expected, shot.messages.size()) << shot.messages;
   }
 
   fs::path stem;

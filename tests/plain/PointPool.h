@@ -8,7 +8,7 @@
 
 namespace Lumivane::Plain {
 
-/// The pool of plane points as it is told: a scan from the start, and the first that agrees.
+/// The pool of plane points as documented: a scan from the start, and the first that agrees.
 class PointPool {
  public:
   explicit PointPool(double agreement) : tolerance(agreement) {}

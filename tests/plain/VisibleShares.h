@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-/// What is visible of a shot told point by point, for comparison.
+/// What is visible of a shot computed point by point, for comparison.
 namespace Lumivane::Plain {
 
 using Polygon = std::vector<Kernel::Vec2>;

@@ -7,8 +7,8 @@
 #include <cmath>
 #include <vector>
 
-/// What is visible of the regions of a round picture, told in the plain way: one sweep of the whole
-/// picture by slabs between all heights at which edges end or any two cross.
+/// What is visible of the regions of a round picture, computed in the plain way: one sweep of the
+/// whole picture by slabs between all heights at which edges end or any two cross.
 namespace Lumivane::Plain {
 
 /// By region in drawing order; entry 0 is the open picture.

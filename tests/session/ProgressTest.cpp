@@ -23,23 +23,23 @@ using Lumivane::Test::squareScene;
 using Lumivane::Test::thrownText;
 
 TEST(Progress, RisesFrom0To100) {
-  std::vector<double> told;
+  std::vector<double> reported;
   LoadedScene scene = LoadedScene::fromFile(LUMIVANE_SCENES "/street.json");
   ViewSettings view;
   view.eye = {-5.3, -1.37, 3.4};
-  scene.take(view, [&told](double percent) { told.push_back(percent); });
-  ASSERT_GE(told.size(), 2u);
-  EXPECT_EQ(0.0, told.front());
-  EXPECT_EQ(100.0, told.back());
-  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+  scene.take(view, [&reported](double percent) { reported.push_back(percent); });
+  ASSERT_GE(reported.size(), 2u);
+  EXPECT_EQ(0.0, reported.front());
+  EXPECT_EQ(100.0, reported.back());
+  EXPECT_TRUE(std::is_sorted(reported.begin(), reported.end()));
 }
 
 TEST(Progress, EveryShotStartsAt0WhateverTheLastOneLeft) {
   LoadedScene scene = squareScene();
   for (int i = 0; i < 3; ++i) {
-    std::vector<double> told;
-    scene.take({}, [&told](double percent) { told.push_back(percent); });
-    EXPECT_EQ(std::vector<double>({0.0, 100.0}), told);
+    std::vector<double> reported;
+    scene.take({}, [&reported](double percent) { reported.push_back(percent); });
+    EXPECT_EQ(std::vector<double>({0.0, 100.0}), reported);
   }
 }
 
@@ -52,15 +52,15 @@ TEST(Progress, IsToldByOneThreadThatIsNotTheCallers) {
 }
 
 TEST(Progress, FailedShotNeverTells100AndEndsItsCalls) {
-  std::vector<double> told;
+  std::vector<double> reported;
   LoadedScene scene = squareScene();
   scene.scene().getObjects()->getObject(0)->getRegions()->getRegion(0)->addPoint(9);
   ViewSettings unchecked;
   unchecked.checkScene = false;  // so that it fails half way
   EXPECT_NE("nothing thrown", thrownText<Error>([&] {
-              scene.take(unchecked, [&told](double percent) { told.push_back(percent); });
+              scene.take(unchecked, [&reported](double percent) { reported.push_back(percent); });
             }));
-  EXPECT_EQ(std::vector<double>({0.0}), told);
+  EXPECT_EQ(std::vector<double>({0.0}), reported);
 }
 
 TEST(Progress, ThrowingCallbackIsNotCalledAgainAndTheShotIsMade) {

@@ -12,7 +12,7 @@
 
 namespace Lumivane::Test {
 
-/// The node that a JSON text tells, a bare value too, which is no document by itself.
+/// The node that a JSON text describes, a bare value too, which is no document by itself.
 inline Jzon::Node jsonNode(const std::string& text) {
   Jzon::Parser parser;
   const Jzon::Node node = parser.parseString("[" + text + "]").get(std::size_t{0});

@@ -145,7 +145,7 @@ class Checker {
       const VisibleMap::Cell& cell = map.cells[i];
       if (!(cell.solidAngle > 0.0)) fault("cell without a solid angle", i, ": ", cell.solidAngle);
       const double solidAngle = solidAngleOf(map, i);
-      // Rings tell nothing from all of a sphere.
+      // Rings do not distinguish nothing from all of a sphere.
       const double difference =
           std::remainder(solidAngle - cell.solidAngle, 4.0 * static_cast<double>(Pi));
       if (!(std::fabs(difference) <= AreaTolerance))
@@ -174,7 +174,7 @@ class Checker {
       const double left = leftOf(map, cell.firstRing + i, 1);
       const bool fits = i == 0 ? left <= 2.0 * static_cast<double>(Pi) + AreaTolerance
                                : left >= 2.0 * static_cast<double>(Pi) - AreaTolerance;
-      // A ring without area has none to tell by.
+      // A ring without area has no orientation.
       const bool none = left < 1e-12 || left > 4.0 * static_cast<double>(Pi) - 1e-12;
       if (!fits && !none)
         fault("ring in the wrong place or turned", "cell ", number, " ring ", i, ": ", left);

@@ -19,7 +19,7 @@ constexpr double ShareOfPixelsThatMayDiffer = 0.002;
 
 vtkSmartPointer<vtkImageData> decodedPng(const std::vector<unsigned char>& stream);
 
-/// Width and height as the header of a PNG stream tells them.
+/// Width and height as the header of a PNG stream gives them.
 std::vector<unsigned> pngSize(const std::vector<unsigned char>& stream);
 
 /// The share of different pixels; 1 for pictures of different sizes.

@@ -59,7 +59,7 @@ TEST(CubeFacesProperty, SidesAreThoseOfWholeNumbersOfAnyLength) {
   int close = 0;
   for (int i = 0; i < 20000; ++i) {
     const Segment s = level(coordinate(), coordinate(), coordinate(), coordinate());
-    // Half of the points lie within a unit of the line, where doubles cannot tell.
+    // Half of the points lie within a unit of the line, where doubles cannot decide.
     Coordinate x = coordinate();
     Coordinate y = coordinate();
     if (i % 2 == 0 && s.x1 > s.x0) {

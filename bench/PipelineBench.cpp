@@ -1,4 +1,4 @@
-// The whole road on the sample scenes, by the public classes: reading, the shot, writing.
+// The whole pipeline on the sample scenes, by the public classes: reading, the shot, writing.
 // The library prints its lines between the results; --benchmark_out=FILE keeps them apart.
 
 #include <lumivane/lumivane.h>

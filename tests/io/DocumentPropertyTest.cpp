@@ -1,4 +1,4 @@
-// The road from a text to a model and back: random documents come back byte for byte, a tree that
+// From a text to a model and back: random documents come back byte for byte, a tree that
 // somebody else holds stays as it was, and depth does no harm.
 
 #include "plain/JsonNumber.h"
@@ -141,7 +141,7 @@ class Documents {
   Random random;
 };
 
-TEST(JsonRoadProperty, ScenesComeBackByteForByte) {
+TEST(DocumentProperty, ScenesComeBackByteForByte) {
   Documents documents(20240801);
   const TempFolder folder;
   for (int i = 0; i < 1500; ++i) {
@@ -155,7 +155,7 @@ TEST(JsonRoadProperty, ScenesComeBackByteForByte) {
   }
 }
 
-TEST(JsonRoadProperty, ShotsComeBackByteForByte) {
+TEST(DocumentProperty, ShotsComeBackByteForByte) {
   Documents documents(20240802);
   const TempFolder folder;
   for (int i = 0; i < 1500; ++i) {
@@ -169,7 +169,7 @@ TEST(JsonRoadProperty, ShotsComeBackByteForByte) {
   }
 }
 
-TEST(JsonRoadProperty, TreeThatIsHeldElsewhereStaysAsItWas) {
+TEST(DocumentProperty, TreeThatIsHeldElsewhereStaysAsItWas) {
   Documents documents(20240803);
   for (int i = 0; i < 500; ++i) {
     const std::string text = documents.scene();
@@ -181,7 +181,7 @@ TEST(JsonRoadProperty, TreeThatIsHeldElsewhereStaysAsItWas) {
   }
 }
 
-TEST(JsonRoadProperty, BranchThatIsHeldElsewhereStaysAsItWas) {
+TEST(DocumentProperty, BranchThatIsHeldElsewhereStaysAsItWas) {
   Documents documents(20240804);
   for (int i = 0; i < 500; ++i) {
     Jzon::Node root = nodeOf(documents.scene());
@@ -201,7 +201,7 @@ TEST(JsonRoadProperty, BranchThatIsHeldElsewhereStaysAsItWas) {
   }
 }
 
-TEST(JsonRoadProperty, FilesAreReadAsTheirLinesJoined) {
+TEST(DocumentProperty, FilesAreReadAsTheirLinesJoined) {
   Random random(20240805);
   const TempFolder folder;
   for (int i = 0; i < 60; ++i) {
@@ -217,14 +217,14 @@ TEST(JsonRoadProperty, FilesAreReadAsTheirLinesJoined) {
 
 // ---- depth ----
 
-TEST(JsonRoad, MillionNestedArraysAreAnEmptyScene) {
+TEST(Document, MillionNestedArraysAreAnEmptyScene) {
   const std::string text = std::string(Million, '[') + std::string(Million, ']');
   const ScenePointer scene(DataReader().readSceneString(text));
   ASSERT_NE(nullptr, scene);
   EXPECT_EQ(nullptr, scene->getObjects());
 }
 
-TEST(JsonRoad, MillionNestedArraysInAListAreOneDefaultElement) {
+TEST(Document, MillionNestedArraysInAListAreOneDefaultElement) {
   const std::string deep = std::string(Million, '[') + std::string(Million, ']');
   const ScenePointer scene(DataReader().readSceneString(
       "{\"Points\":" + deep + ",\"Brushes\":{\"a\":" + deep + "},\"Objects\":[{\"Faces\":" + deep +
@@ -236,7 +236,7 @@ TEST(JsonRoad, MillionNestedArraysInAListAreOneDefaultElement) {
       DataWriter().writeSceneString(scene.get()));
 }
 
-TEST(JsonRoad, MillionArraysWithoutAnEndAreNoDocument) {
+TEST(Document, MillionArraysWithoutAnEndAreNoDocument) {
   Shot::Shot2d* shot = nullptr;
   const std::string log =
       capturedStdout([&] { shot = DataReader().readShotString(std::string(Million, '[')); });
