@@ -8,15 +8,17 @@
 // polygons have a neighbour in the order of these distances at all, and most of a scene is done
 // with by that.
 //
-// The rest, and slivers, are in a tree over normal, distance and place, which is searched for the
-// partners of each polygon. Subtrees that are in the polygon's group already are passed over, or
-// the tiles of a square would be compared with each other one by one.
+// The rest, and slivers, are in trees over normal, distance and place, which are searched for the
+// larger partners of each polygon: one tree for slivers, whose partners' normals say little, and
+// one for the others. Subtrees that are in the polygon's group already are passed over, or the
+// tiles of a square would be compared with each other one by one.
 #include "visibility/Layers.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <numeric>
 #include <tuple>
@@ -36,6 +38,9 @@ constexpr int MostNeighbours = 100;  // planes looked at on either side in the o
 double absoluteDot(Vec3 a, Vec3 b) {
   return std::abs(a.x * b.x) + std::abs(a.y * b.y) + std::abs(a.z * b.z);
 }
+
+// Of two unit vectors with an angle of this sine, or their negatives: more than their difference.
+double differenceOfNormals(double sine) { return sine < 0.4 ? 1.1 * sine : 2.0; }
 
 struct Range {
   double low = std::numeric_limits<double>::infinity();
@@ -110,6 +115,11 @@ class Planes {
     }
     return size(i) * perimeter / (0.5 * Kernel::length3(area));
   }
+  // The most by which the unit normal of a smaller partner, or its negative, may differ from that
+  // of a polygon.
+  double lean(std::size_t i) const {
+    return differenceOfNormals((coplanar + noise() / size(i)) * slenderness(i));
+  }
 
   const IndexState& state;
   double coplanar;
@@ -145,24 +155,22 @@ class Groups {
 // Searched for the larger partners of one polygon after the other.
 class PlaneTree {
  public:
-  PlaneTree(const Planes& allPlanes, const std::vector<std::int32_t>& members, Groups& allGroups)
+  // \param questions  how many polygons will be asked about
+  PlaneTree(const Planes& allPlanes, const std::vector<std::int32_t>& members,
+            std::size_t questions, Groups& allGroups)
       : planes(allPlanes), groups(allGroups) {
     entries.reserve(members.size());
     for (const std::int32_t member : members) entries.push_back(entryOf(member));
     if (!entries.empty()) build();
     // Where so many steps have not led to groups, partners are only looked for nearby.
-    stepsLeft = 500 * static_cast<long long>(members.size()) + 1000000;
-  }
-
-  // Of all members, in the order of the tree: neighbours there ask the same nodes.
-  void joinPartners() {
-    for (const Entry& entry : entries) joinPartnersOf(entry.polygon);
+    stepsLeft = 500 * static_cast<long long>(questions) + 1000000;
   }
 
   void joinPartnersOf(std::int32_t polygon) {
     if (nodes.empty()) return;
     const auto i = static_cast<std::size_t>(polygon);
     asked = polygon;
+    askedNormal = entryOf(polygon).place;
     askedBox = boxOf(i);
     askedCorners.clear();
     // Some corners are enough to pass over what is elsewhere.
@@ -186,6 +194,7 @@ class PlaneTree {
     Range distance;
     Box box;  // of all corners
     double largest = 0.0;
+    double lean = 0.0;       // the greatest
     std::int32_t first = 0;  // first child, or first entry of a leaf
     std::int32_t count = 0;  // of entries in a leaf; 0 for an inner node
     std::int32_t same = -1;  // a polygon in whose group all are; -1 if not known to be so
@@ -273,6 +282,7 @@ class PlaneTree {
         }
         node.distance.add(child.distance);
         node.largest = std::max(node.largest, child.largest);
+        node.lean = std::max(node.lean, child.lean);
       }
       return;
     }
@@ -286,6 +296,7 @@ class PlaneTree {
       }
       node.distance.add(entry.place[3]);
       node.largest = std::max(node.largest, planes.size(i));
+      node.lean = std::max(node.lean, planes.lean(i));
     }
   }
 
@@ -322,11 +333,26 @@ class PlaneTree {
   // Whether no polygon of a node can be a larger partner that is not in the group already.
   bool isOfNoUse(const Node& node) {
     const auto i = static_cast<std::size_t>(asked);
-    if (node.largest < planes.size(i)) return true;
+    if (node.largest < planes.size(i) || isOffNormals(node)) return true;
     const double most = planes.coplanar * node.largest + planes.noise();
     if (isOffPlanes(node, most)) return true;
     if (node.same >= 0 && groups.groupOf(node.same) == groups.groupOf(asked)) return true;
     return isOffOwnPlane(node, most) || (stepsLeft < 0 && isFar(node));
+  }
+
+  // Whether the normal asked about, and its negative, are too far from all normals of a node.
+  bool isOffNormals(const Node& node) const {
+    double same = 0.0;
+    double opposite = 0.0;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const Range& range = node.normal[k];
+      const double gap = std::max({0.0, range.low - askedNormal[k], askedNormal[k] - range.high});
+      same += gap * gap;
+      const double other =
+          std::max({0.0, range.low + askedNormal[k], -askedNormal[k] - range.high});
+      opposite += other * other;
+    }
+    return std::min(same, opposite) > node.lean * node.lean;
   }
 
   // Whether a corner is off all planes of a node.
@@ -363,6 +389,7 @@ class PlaneTree {
   long long stepsLeft = 0;
   // What is asked about.
   std::int32_t asked = 0;
+  std::array<double, 7> askedNormal{};  // as the place of an entry
   Box askedBox;
   std::vector<Vec3> askedCorners;  // from the middle of the scene
 };
@@ -379,8 +406,7 @@ class Candidates {
       else
         slivers.push_back(static_cast<std::int32_t>(i));
     }
-    const double sine = planes.coplanar * MostSlender;
-    angle = sine < 0.4 ? 1.1 * sine : 2.0;  // the difference of two unit vectors
+    angle = differenceOfNormals(planes.coplanar * MostSlender);
     window = planes.coplanar * largest + angle * planes.reach + planes.noise();
     sortPlaces();
     findRuns();
@@ -513,20 +539,20 @@ class Candidates {
   double window = 0.0;
 };
 
+// Every pair is found from its smaller polygon, in the tree that holds the larger one.
 void findGroups(const Planes& planes, Groups& groups) {
   const Candidates candidates(planes, groups);
   const std::vector<std::int32_t> list = candidates.list();
-  PlaneTree(planes, list, groups).joinPartners();
-  if (candidates.slivers.empty()) return;
-  // All others: only a larger sliver can be the partner of one of them.
-  PlaneTree sliverTree(planes, candidates.slivers, groups);
-  auto known = list.begin();
-  for (std::size_t i = 0; i < planes.count(); ++i) {
-    if (known != list.end() && *known == static_cast<std::int32_t>(i))
-      ++known;
-    else
-      sliverTree.joinPartnersOf(static_cast<std::int32_t>(i));
-  }
+  const std::vector<std::int32_t>& slivers = candidates.slivers;  // ascending, as all of the list
+  std::vector<std::int32_t> others;
+  std::set_difference(list.begin(), list.end(), slivers.begin(), slivers.end(),
+                      std::back_inserter(others));
+  PlaneTree otherTree(planes, others, list.size(), groups);
+  for (const std::int32_t polygon : list) otherTree.joinPartnersOf(polygon);
+  // Of those that are not on the list only a larger sliver can be the partner.
+  PlaneTree sliverTree(planes, slivers, planes.count(), groups);
+  for (std::size_t i = 0; i < planes.count(); ++i)
+    sliverTree.joinPartnersOf(static_cast<std::int32_t>(i));
 }
 
 class LayerMaker {
