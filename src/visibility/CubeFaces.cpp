@@ -38,13 +38,12 @@ struct FacePoint {
   Coordinate c[3];  // by the cube's axes
 };
 
-FacePoint pointOn(int face, const FrameVector& d) {
-  const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
-  const double depth = std::fabs(d[f.axis]);
+FacePoint pointOf(const ArcEnd& end) {
+  const CubeFace& f = CubeFaces[static_cast<size_t>(end.face)];
   FacePoint p{};
   p.c[f.axis] = f.sign * CubeHalf;
-  p.c[f.u] = rounded(d[f.u] / depth * Half);
-  p.c[f.v] = rounded(d[f.v] / depth * Half);
+  p.c[f.u] = end.x;
+  p.c[f.v] = end.y;
   return p;
 }
 
@@ -135,11 +134,28 @@ Segment makeSegment(int face, Coordinate xa, Coordinate ya, Coordinate xb, Coord
           static_cast<std::uint8_t>(face)};
 }
 
+ArcEnd arcEnd(const FrameVector& direction) {
+  const int face = dominantFace(direction);
+  const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
+  const double depth = std::fabs(direction[f.axis]);
+  return {face, rounded(direction[f.u] / depth * Half), rounded(direction[f.v] / depth * Half)};
+}
+
 void appendArc(std::vector<Segment>& segments, const FrameVector& a, const FrameVector& b,
                std::int32_t edge, bool inner) {
-  int face = dominantFace(a);
-  const int last = dominantFace(b);
-  FacePoint from = pointOn(face, a);
+  appendArc(segments, a, arcEnd(a), b, arcEnd(b), edge, inner);
+}
+
+void appendArc(std::vector<Segment>& segments, const FrameVector& a, const ArcEnd& endA,
+               const FrameVector& b, const ArcEnd& endB, std::int32_t edge, bool inner) {
+  if (endA.face == endB.face) {
+    if (endA.x != endB.x || endA.y != endB.y)
+      segments.push_back(makeSegment(endA.face, endA.x, endA.y, endB.x, endB.y, edge, inner));
+    return;
+  }
+  int face = endA.face;
+  const int last = endB.face;
+  FacePoint from = pointOf(endA);
   // An arc of less than half a circle visits at most five faces.
   for (int step = 0; face != last && step < 6; ++step) {
     Exit exit = firstExit(face, a, b);
@@ -153,7 +169,7 @@ void appendArc(std::vector<Segment>& segments, const FrameVector& a, const Frame
     face = faceOf(exit.axis, exit.sign);
     from = to;
   }
-  if (face == last) appendPart(segments, face, from, pointOn(last, b), edge, inner);
+  if (face == last) appendPart(segments, face, from, pointOf(endB), edge, inner);
 }
 
 int exactSideOf(const Segment& s, Coordinate x, Coordinate y) {

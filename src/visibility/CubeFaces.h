@@ -89,11 +89,22 @@ constexpr std::int32_t FieldEdge = -2;
 Segment makeSegment(int face, Coordinate xa, Coordinate ya, Coordinate xb, Coordinate yb,
                     std::int32_t edge, bool inner);
 
+/// Where a direction meets the cube: a face and the point's coordinates on it.
+struct ArcEnd {
+  int face;
+  Coordinate x;
+  Coordinate y;
+};
+ArcEnd arcEnd(const FrameVector& direction);
+
 /// Appends the segments of the arc from a to b, which is less than half a great circle. Arcs that
 /// meet in a direction have the same end there, and an arc crosses from face to face in a point of
 /// both. Give the ends of an arc always in the same order.
 void appendArc(std::vector<Segment>& segments, const FrameVector& a, const FrameVector& b,
                std::int32_t edge, bool inner);
+/// The same, for ends that are known already.
+void appendArc(std::vector<Segment>& segments, const FrameVector& a, const ArcEnd& endA,
+               const FrameVector& b, const ArcEnd& endB, std::int32_t edge, bool inner);
 
 /// On which side of a segment a corner of a tile lies: 1 to its left (above a segment that is not
 /// upright), -1 to its right, never 0, and never wrong.

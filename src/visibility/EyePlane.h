@@ -56,18 +56,26 @@ inline bool isEdgeOn(const IndexState& state, std::size_t polygon, Kernel::Vec3 
   const auto fromEye = [&](std::size_t corner) {
     return state.vertices[static_cast<std::size_t>(state.cornerVertices[corner])] - eye;
   };
-  double farthest = 0.0;
+  double greatest = 0.0;
   Kernel::Vec3 before = fromEye(end - 1);
   for (std::size_t c = begin; c < end; ++c) {
     const Kernel::Vec3 corner = fromEye(c);
     if (corner == Kernel::Vec3{}) return true;
     if (isOnWide(before, corner)) return true;
-    farthest = std::max(farthest, lengthInRange(corner));
+    greatest = std::max({greatest, std::abs(corner.x), std::abs(corner.y), std::abs(corner.z)});
     before = corner;
   }
   // 1 / offset, in units of the cube, must stay below what stands for nothing.
   constexpr double Least = 1e-280;
-  return !(std::abs(offset) > std::max(EdgeOn * farthest, Least));
+  const double distance = std::abs(offset);
+  if (!(distance > Least)) return true;
+  // No corner is farther than sqrt(3) times its greatest coordinate, so lengths are seldom asked
+  // for.
+  if (distance > 1.8 * EdgeOn * greatest) return false;
+  double farthest = 0.0;
+  for (std::size_t c = begin; c < end; ++c)
+    farthest = std::max(farthest, lengthInRange(fromEye(c)));
+  return !(distance > EdgeOn * farthest);
 }
 
 /// The one place where it is decided whether an eye sees a polygon's plane, and how near it is.

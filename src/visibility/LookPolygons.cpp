@@ -67,32 +67,29 @@ int inFront(const LookPolygon& a, const LookPolygon& b, const CubeFace& f, doubl
   return paintedAfter(a, b) ? 1 : -1;
 }
 
-LookPolygons::LookPolygons(const LookSetup& setup) : theSetup(setup), slots(1024, -1) {
-  addBeyond();
-}
+LookPolygons::LookPolygons(const LookSetup& setup) : theSetup(setup), slots(1024) { addBeyond(); }
 
 std::int32_t LookPolygons::find(std::int32_t number) {
-  size_t mask = slots.size() - 1;
+  const size_t mask = slots.size() - 1;
   size_t slot = slotOf(number, mask);
-  for (; slots[slot] >= 0; slot = (slot + 1) & mask)
-    if (polygons[static_cast<size_t>(slots[slot])].number == number) return slots[slot];
-  if (2 * polygons.size() > slots.size()) {
-    std::vector<std::int32_t> larger(2 * slots.size(), -1);
-    mask = larger.size() - 1;
-    for (const std::int32_t position : slots) {
-      if (position < 0) continue;
-      size_t free = slotOf(polygons[static_cast<size_t>(position)].number, mask);
-      while (larger[free] >= 0) free = (free + 1) & mask;
-      larger[free] = position;
-    }
-    slots = std::move(larger);
-    slot = slotOf(number, mask);
-    while (slots[slot] >= 0) slot = (slot + 1) & mask;
-  }
-  const auto position = static_cast<std::int32_t>(polygons.size());
-  slots[slot] = position;
-  add(number);
+  for (; slots[slot].number >= 0; slot = (slot + 1) & mask)
+    if (slots[slot].number == number) return slots[slot].position;
+  const std::int32_t position = add(number);
+  slots[slot] = {number, position};
+  if (2 * ++known > slots.size()) growSlots();
   return position;
+}
+
+void LookPolygons::growSlots() {
+  std::vector<Slot> larger(2 * slots.size());
+  const size_t mask = larger.size() - 1;
+  for (const Slot& old : slots) {
+    if (old.number < 0) continue;
+    size_t free = slotOf(old.number, mask);
+    while (larger[free].number >= 0) free = (free + 1) & mask;
+    larger[free] = old;
+  }
+  slots = std::move(larger);
 }
 
 // What lies beyond the field is a polygon in front of all others: its outline is the great circle
@@ -145,12 +142,14 @@ void LookPolygons::addBeyond() {
   polygons.push_back(beyond);
 }
 
-void LookPolygons::add(std::int32_t number) {
+std::int32_t LookPolygons::add(std::int32_t number) {
   LookPolygon polygon;
   polygon.number = number;
   placePlanes(polygon);
-  if (polygon.seen) addSegments(polygon);
+  if (!polygon.seen) return NotSeen;
+  addSegments(polygon);
   polygons.push_back(polygon);
+  return static_cast<std::int32_t>(polygons.size()) - 1;
 }
 
 void LookPolygons::placePlanes(LookPolygon& polygon) const {
@@ -178,48 +177,50 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
   const auto i = static_cast<size_t>(polygon.number);
   const auto begin = static_cast<size_t>(state.cornerOffsets[i]);
   const size_t count = static_cast<size_t>(state.cornerOffsets[i + 1]) - begin;
-  corners.clear();
   const auto vertexAt = [&](size_t k) { return state.cornerVertices[begin + k]; };
-  const auto fromEye = [&](std::int32_t vertex) {
-    return inRange(theSetup.directionTo(state.vertices[static_cast<size_t>(vertex)]));
-  };
+  cornerEnds.clear();
+  for (size_t k = 0; k < count; ++k)
+    cornerEnds.push_back(
+        cornerAt(inRange(theSetup.directionTo(state.vertices[static_cast<size_t>(vertexAt(k))]))));
+  corners.clear();
   for (size_t k = 0; k < count; ++k) {
-    const std::int32_t from = vertexAt(k);
-    const std::int32_t to = vertexAt(k + 1 == count ? 0 : k + 1);
-    const Vec3 a = fromEye(from);
-    const Vec3 b = fromEye(to);
-    corners.push_back(toFrame(a));
-    if (from < to) {
-      addEdge(a, b, begin + k);
+    const size_t next = k + 1 == count ? 0 : k + 1;
+    corners.push_back(cornerEnds[k].direction);
+    if (vertexAt(k) < vertexAt(next)) {
+      addEdge(cornerEnds[k], cornerEnds[next], begin + k);
     } else {
-      addEdge(b, a, begin + k);
+      addEdge(cornerEnds[next], cornerEnds[k], begin + k);
     }
   }
   sortByFace(polygon, first);
   findCornerParity(polygon);
 }
 
+LookPolygons::Corner LookPolygons::cornerAt(Vec3 fromEye) const {
+  const FrameVector direction = toFrame(fromEye);
+  return {fromEye, direction, arcEnd(direction)};
+}
+
 // A wide edge is two arcs, which meet where it is nearest to the eye.
-void LookPolygons::addEdge(Vec3 from, Vec3 to, size_t corner) {
+void LookPolygons::addEdge(const Corner& from, const Corner& to, size_t corner) {
   const IndexState& state = *theSetup.state;
   const std::int32_t edge = state.cornerEdges[corner];
   const bool inner = state.cornerInner[corner] != 0;
-  const FrameVector a = toFrame(from);
-  const FrameVector b = toFrame(to);
-  if (!isWide(from, to)) {
-    appendArc(segments, a, b, edge, inner);
+  if (!isWide(from.fromEye, to.fromEye)) {
+    appendArc(segments, from.direction, from.end, to.direction, to.end, edge, inner);
     return;
   }
-  const FrameVector middle = toFrame(nearestOfWide(from, to));
-  appendArc(segments, a, middle, edge, inner);
-  appendArc(segments, middle, b, edge, inner);
-  corners.push_back(middle);
+  const Corner middle = cornerAt(nearestOfWide(from.fromEye, to.fromEye));
+  appendArc(segments, from.direction, from.end, middle.direction, middle.end, edge, inner);
+  appendArc(segments, middle.direction, middle.end, to.direction, to.end, edge, inner);
+  corners.push_back(middle.direction);
 }
 
 void LookPolygons::sortByFace(LookPolygon& polygon, std::uint32_t first) {
   const auto begin = segments.begin() + first;
-  std::stable_sort(begin, segments.end(),
-                   [](const Segment& a, const Segment& b) { return a.face < b.face; });
+  const auto byFace = [](const Segment& a, const Segment& b) { return a.face < b.face; };
+  if (!std::is_sorted(begin, segments.end(), byFace))
+    std::stable_sort(begin, segments.end(), byFace);
   size_t at = first;
   int touched = 0;
   for (int face = 0; face < FaceCount; ++face) {

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 /// The polygons of a scene as one eye sees them, each worked out when it is first asked for.
@@ -31,23 +30,24 @@ struct LookSetup {
 /// A polygon as the eye sees it. 1 / distance along a direction d is plane.d, which is linear on a
 /// face of the cube.
 struct LookPolygon {
-  static constexpr std::int32_t NoFace = -1;
+  static constexpr std::int8_t NoFace = -1;
 
-  std::int32_t number = -1;     // in the state; -1 for what lies beyond the field
-  bool seen = false;            // faces the eye, and is not edge-on
-  bool besideItsLayer = false;  // depth is compared by its own plane in place of the layer's
-  std::int32_t layer = -1;
-  std::int32_t region = -1;       // position in the scene's order
-  FrameVector plane{};            // of its layer, by which depth is compared
-  FrameVector ownPlane{};         // for distances
-  Kernel::Vec3 behind{};          // a point p from the eye is behind the plane of the layer if
-  double behindOffset = 1.0;      // behind.p > behindOffset
-  double weight = 0.0;            // sum of the magnitudes of plane, for bounds of rounding
+  // What the descent asks of every polygon stands in front.
+  Coordinate box[4] = {};  // on its only face: x from, y from, x to, y to
+  // Of its segments on face f: firstSegment[f] up to [f + 1].
+  std::uint32_t firstSegment[FaceCount + 1] = {};
   std::uint8_t cornerParity = 0;  // bit f: whether it covers the lower left corner of face f
   std::int8_t onlyFace = NoFace;  // the one face that it touches, or NoFace for several
-  std::uint32_t firstSegment[FaceCount + 1] =
-      {};                  // of its segments on face f: firstSegment[f] up to [f + 1]
-  Coordinate box[4] = {};  // on its only face: x from, y from, x to, y to
+  bool seen = false;              // faces the eye, and is not edge-on
+  bool besideItsLayer = false;    // depth is compared by its own plane in place of the layer's
+  std::int32_t number = -1;       // in the state; -1 for what lies beyond the field
+  std::int32_t layer = -1;
+  std::int32_t region = -1;  // position in the scene's order
+  FrameVector plane{};       // of its layer, by which depth is compared
+  FrameVector ownPlane{};
+  Kernel::Vec3 behind{};      // a point p from the eye is behind the plane of the layer if
+  double behindOffset = 1.0;  // behind.p > behindOffset
+  double weight = 0.0;        // sum of the magnitudes of plane, for bounds of rounding
 };
 
 /// Whether polygon a is seen where both cover a direction in which they are at one distance.
@@ -72,10 +72,12 @@ class LookPolygons {
  public:
   /// The position that the end of the field has.
   static constexpr std::int32_t Beyond = 0;
+  /// In place of a position: the eye does not see the polygon.
+  static constexpr std::int32_t NotSeen = -1;
 
   explicit LookPolygons(const LookSetup& setup);
 
-  /// The position of a polygon of the state.
+  /// The position of a polygon of the state, or NotSeen.
   std::int32_t find(std::int32_t number);
   const LookPolygon& operator[](std::int32_t position) const {
     return polygons[static_cast<size_t>(position)];
@@ -84,11 +86,25 @@ class LookPolygons {
   const LookSetup& setup() const { return theSetup; }
 
  private:
+  // A place in the table of polygons that have been asked for.
+  struct Slot {
+    std::int32_t number = -1;  // -1 where free
+    std::int32_t position = NotSeen;
+  };
+  // A corner of the polygon that is being added, or the middle of a wide edge.
+  struct Corner {
+    Kernel::Vec3 fromEye;
+    FrameVector direction;
+    ArcEnd end;
+  };
+
   void addBeyond();
-  void add(std::int32_t number);
+  std::int32_t add(std::int32_t number);
+  void growSlots();
   void placePlanes(LookPolygon& polygon) const;
   void addSegments(LookPolygon& polygon);
-  void addEdge(Kernel::Vec3 from, Kernel::Vec3 to, std::size_t corner);
+  Corner cornerAt(Kernel::Vec3 fromEye) const;
+  void addEdge(const Corner& from, const Corner& to, std::size_t corner);
   void sortByFace(LookPolygon& polygon, std::uint32_t first);
   void findCornerParity(LookPolygon& polygon) const;
   bool coversDirection(const LookPolygon& polygon, const FrameVector& direction) const;
@@ -97,9 +113,11 @@ class LookPolygons {
   LookSetup theSetup;
   std::vector<LookPolygon> polygons;
   std::vector<Segment> segments;
-  std::vector<std::int32_t> slots;  // open addressing: numbers' positions, -1 where free
-  // Scratch: of the polygon that is being added, with points in the middle of wide edges.
-  std::vector<FrameVector> corners;
+  std::vector<Slot> slots;  // open addressing
+  std::size_t known = 0;    // polygons in it
+  // Scratch: of the polygon that is being added.
+  std::vector<Corner> cornerEnds;
+  std::vector<FrameVector> corners;  // with points in the middle of wide edges
 };
 
 }  // namespace Lumivane::Visibility

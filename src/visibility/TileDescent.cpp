@@ -33,6 +33,17 @@ double support(const SeenBox& box, Vec3 n) {
 
 double sumOfMagnitudes(Vec3 n) { return std::fabs(n.x) + std::fabs(n.y) + std::fabs(n.z); }
 
+// Whether a segment crosses the walk from the lower left corner of a tile to that of a part of it,
+// to the right and then upwards.
+bool crossesWalk(const Segment& s, const Tile& tile, const Tile& part) {
+  bool crosses = false;
+  if (part.x0 != tile.x0 && (s.y0 <= tile.y0) != (s.y1 <= tile.y0))
+    crosses = crossesLeftOf(s, tile.x0, tile.y0) != crossesLeftOf(s, part.x0, tile.y0);
+  if (part.y0 != tile.y0 && s.x0 <= part.x0 && part.x0 < s.x1)
+    crosses ^= sideOf(s, part.x0, tile.y0) != sideOf(s, part.x0, part.y0);
+  return crosses;
+}
+
 }  // namespace
 
 TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts,
@@ -57,10 +68,10 @@ Sides TileDescent::run(const Tile& tile) {
   if (const std::vector<std::int32_t>* only = polygons.setup().only) {
     for (const std::int32_t number : *only) addPolygon(tile, content, number);
   } else if (!state.nodes.empty()) {
-    nodes.push_back(0);
+    nodes.push_back({0, boxFromEye(0)});
     content.nodesEnd = 1;
   }
-  return descend(tile, content, {0, ~size_t{0}, 0});
+  return descend(tile, content, {0, ~size_t{0}, 0}, AllSides);
 }
 
 TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
@@ -105,12 +116,14 @@ SeenBox TileDescent::boxFromEye(std::int32_t number) const {
   return box;
 }
 
-bool TileDescent::misses(const SeenBox& box) const {
+bool TileDescent::misses(const SeenBox& box, SideRange sides) const {
   // More than rounding does to the sums; boxes reach less than 1 along parallel lines.
   const double margin = -1e-11 * (polygons.setup().parallel == nullptr ? box.reach : 1.0);
-  return std::any_of(std::begin(pyramid.sides), std::end(pyramid.sides), [&](const HalfSpace& h) {
-    return support(box, h.normal) + h.constant < margin;
-  });
+  for (int i = sides.from; i < sides.to; ++i) {
+    const HalfSpace& h = pyramid.sides[i];
+    if (support(box, h.normal) + h.constant < margin) return true;
+  }
+  return false;
 }
 
 bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
@@ -170,8 +183,8 @@ void TileDescent::addCover(const Tile& tile, Content& content, std::int32_t posi
 
 void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t number) {
   const std::int32_t position = number < 0 ? LookPolygons::Beyond : polygons.find(number);
+  if (position == LookPolygons::NotSeen) return;
   const LookPolygon& polygon = polygons[position];
-  if (!polygon.seen) return;
   const std::uint32_t from = polygon.firstSegment[tile.face];
   const std::uint32_t to = polygon.firstSegment[tile.face + 1];
   const bool coversFace = (polygon.cornerParity >> tile.face & 1) != 0;
@@ -204,17 +217,21 @@ void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t nu
 }
 
 // Opens the boxes that look larger than the limit, the nearer half first, since what is near hides.
-void TileDescent::refineNodes(const Tile& tile, Content& content, double limit) {
+// Those that are there already are known to be within all other sides than the given ones.
+void TileDescent::refineNodes(const Tile& tile, Content& content, double limit, SideRange sides) {
   waiting.clear();
   for (size_t i = content.nodesEnd; i > content.nodes; --i)
-    waiting.push_back({nodes[i - 1], boxFromEye(nodes[i - 1])});
+    if (!misses(nodes[i - 1].box, sides)) waiting.push_back(nodes[i - 1]);
+  size_t known = waiting.size();
   nodes.resize(content.nodes);
   while (!waiting.empty()) {
-    const WaitingNode next = waiting.back();
+    const SeenNode next = waiting.back();
     waiting.pop_back();
-    if (misses(next.box) || hidden(content, next.box)) continue;
+    const bool isNew = waiting.size() >= known;
+    known = std::min(known, waiting.size());
+    if ((isNew && misses(next.box, AllSides)) || hidden(content, next.box)) continue;
     if (next.box.squareSize < limit * limit) {
-      nodes.push_back(next.number);
+      nodes.push_back(next);
       continue;
     }
     const BoxNode& node = state.nodes[static_cast<size_t>(next.number)];
@@ -222,8 +239,8 @@ void TileDescent::refineNodes(const Tile& tile, Content& content, double limit) 
       for (std::int32_t i = 0; i < node.count; ++i) addPolygon(tile, content, node.first + i);
       continue;
     }
-    WaitingNode near{node.first, boxFromEye(node.first)};
-    WaitingNode far{node.first + 1, boxFromEye(node.first + 1)};
+    SeenNode near{node.first, boxFromEye(node.first)};
+    SeenNode far{node.first + 1, boxFromEye(node.first + 1)};
     if (far.box.squareDistance < near.box.squareDistance) std::swap(near, far);
     waiting.push_back(far);
     waiting.push_back(near);
@@ -250,24 +267,24 @@ void TileDescent::dropHidden(const Tile& tile, Content& content) {
   content.entriesEnd = kept;
   nodes.erase(
       std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes), nodes.end(),
-                     [&](std::int32_t number) { return hidden(content, boxFromEye(number)); }),
+                     [&](const SeenNode& node) { return hidden(content, node.box); }),
       nodes.end());
   content.nodesEnd = nodes.size();
 }
 
-size_t TileDescent::polygonsIn(const Content& content, size_t limit) const {
+size_t TileDescent::polygonsIn(const Content& content, size_t limit) {
   size_t count = 0;
-  std::vector<std::int32_t> open(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes),
-                                 nodes.begin() + static_cast<std::ptrdiff_t>(content.nodesEnd));
-  while (!open.empty() && count <= limit) {
-    const BoxNode& node = state.nodes[static_cast<size_t>(open.back())];
-    open.pop_back();
+  openNodes.clear();
+  for (size_t i = content.nodes; i < content.nodesEnd; ++i) openNodes.push_back(nodes[i].number);
+  while (!openNodes.empty() && count <= limit) {
+    const BoxNode& node = state.nodes[static_cast<size_t>(openNodes.back())];
+    openNodes.pop_back();
     if (node.isLeaf()) {
       count += static_cast<size_t>(node.count);
       continue;
     }
-    open.push_back(node.first);
-    open.push_back(node.first + 1);
+    openNodes.push_back(node.first);
+    openNodes.push_back(node.first + 1);
   }
   return count;
 }
@@ -283,17 +300,18 @@ bool TileDescent::isBundle(const Tile& tile, const Content& content) const {
   return ends <= FewEnds;
 }
 
-Sides TileDescent::descend(const Tile& tile, Content content, Progress progress) {
+Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
+                           SideRange newSides) {
   if (cancelled != nullptr && cancelled->load(std::memory_order_relaxed)) throw Cancelled();
   pyramid = pyramidOf(tile);
   const Coordinate width = std::max(tile.x1 - tile.x0, tile.y1 - tile.y0);
   const bool smallest = width <= SmallestTile;
-  refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size);
+  refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size, newSides);
   dropHidden(tile, content);
   size_t count = segments.size() - content.segments;
   if (content.nodes < content.nodesEnd && count < FewSegments &&
       4 * polygonsIn(content, FewSegments / 4) + count <= FewSegments) {
-    refineNodes(tile, content, 0.0);
+    refineNodes(tile, content, 0.0, NoSides);
     dropHidden(tile, content);
     count = segments.size() - content.segments;
   }
@@ -348,7 +366,7 @@ TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
   }
   narrow.coversEnd = covers.size();
   for (size_t i = content.nodes; i < content.nodesEnd; ++i) {
-    const std::int32_t node = nodes[i];
+    const SeenNode node = nodes[i];
     nodes.push_back(node);
   }
   narrow.nodesEnd = nodes.size();
@@ -360,10 +378,7 @@ TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
       const std::uint32_t number = segments[entry.firstSegment + k];
       const Segment& s = polygons.segment(number);
       if (touchesTile(s, tile)) segments.push_back(number);
-      if (tile.x0 != parent.x0 && (s.y0 <= parent.y0) != (s.y1 <= parent.y0))
-        covered ^= crossesLeftOf(s, parent.x0, parent.y0) != crossesLeftOf(s, tile.x0, parent.y0);
-      if (tile.y0 != parent.y0 && s.x0 <= tile.x0 && tile.x0 < s.x1)
-        covered ^= sideOf(s, tile.x0, parent.y0) != sideOf(s, tile.x0, tile.y0);
+      covered ^= crossesWalk(s, parent, tile);
     }
     if (segments.size() == first) {
       if (covered) addCover(tile, narrow, entry.polygon);
@@ -393,7 +408,9 @@ Sides TileDescent::split(const Tile& tile, const Content& content, Progress prog
     const size_t coverMark = covers.size();
     const size_t segmentMark = segments.size();
     const Content narrow = narrowed(tile, *tiles[i], content);
-    halves[i] = descend(*tiles[i], narrow, progress);
+    // The low half has a new right or upper side, the high one a new left or lower side.
+    const int newSide = alongX ? RightSide - i : UpperSide - i;
+    halves[i] = descend(*tiles[i], narrow, progress, {newSide, newSide + 1});
     entries.resize(entryMark);
     nodes.resize(nodeMark);
     covers.resize(coverMark);

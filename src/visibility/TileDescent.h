@@ -51,10 +51,19 @@ class TileDescent {
   };
   // What is seen in a tile lies in all of these: before the eye, and within the tile's sides.
   struct Pyramid {
-    HalfSpace sides[5];
-    double size;  // of the tile, in units of the distance to the face
+    HalfSpace sides[5];  // before the eye, then left, right, lower and upper
+    double size;         // of the tile, in units of the distance to the face
   };
-  struct WaitingNode {
+  // Sides of a pyramid by number.
+  struct SideRange {
+    int from;
+    int to;
+  };
+  static constexpr SideRange AllSides{0, 5};
+  static constexpr SideRange NoSides{0, 0};
+  static constexpr int RightSide = 2;  // the left one before it
+  static constexpr int UpperSide = 4;  // the lower one before it
+  struct SeenNode {
     std::int32_t number;
     SeenBox box;
   };
@@ -64,12 +73,13 @@ class TileDescent {
     int stalled;      // levels since
   };
 
-  Sides descend(const Tile& tile, Content content, Progress progress);
+  // Boxes of the content lie within all sides but the new ones.
+  Sides descend(const Tile& tile, Content content, Progress progress, SideRange newSides);
   Sides split(const Tile& tile, const Content& content, Progress progress);
   Sides sweepTile(const Tile& tile, const Content& content);
   Sides uniformTile(const Tile& tile, std::int32_t cover);
   Content narrowed(const Tile& parent, const Tile& tile, const Content& content);
-  void refineNodes(const Tile& tile, Content& content, double limit);
+  void refineNodes(const Tile& tile, Content& content, double limit, SideRange sides);
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
   void addCover(const Tile& tile, Content& content, std::int32_t position);
   void dropHidden(const Tile& tile, Content& content);
@@ -77,8 +87,8 @@ class TileDescent {
   bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
   SeenBox boxFromEye(std::int32_t number) const;
   bool hidden(const Content& content, const SeenBox& box) const;
-  bool misses(const SeenBox& box) const;  // lies outside the pyramid
-  size_t polygonsIn(const Content& content, size_t limit) const;
+  bool misses(const SeenBox& box, SideRange sides) const;  // lies outside one of them
+  size_t polygonsIn(const Content& content, size_t limit);
   bool isBundle(const Tile& tile, const Content& content) const;
   Pyramid pyramidOf(const Tile& tile) const;
 
@@ -88,10 +98,11 @@ class TileDescent {
   const IndexState& state;
   const std::atomic<bool>* cancelled;
   std::vector<TileEntry> entries;
-  std::vector<std::int32_t> nodes;
+  std::vector<SeenNode> nodes;
   std::vector<std::int32_t> covers;
   std::vector<std::uint32_t> segments;
-  std::vector<WaitingNode> waiting;  // nodes that are being refined
+  std::vector<SeenNode> waiting;        // nodes that are being refined
+  std::vector<std::int32_t> openNodes;  // scratch
   Pyramid pyramid{};
 };
 

@@ -16,6 +16,7 @@ namespace Lumivane::Visibility {
 namespace {
 
 constexpr double SteepestTolerance = 65536.0;
+constexpr double Infinity = std::numeric_limits<double>::infinity();
 
 enum class Place { Below, Within, Above };
 
@@ -230,6 +231,10 @@ void TileLines::start() {
   starts.clear();
   ends.clear();
   courses.clear();
+  for (const Coordinate border : {tile.y1, tile.y0}) {
+    const auto y = static_cast<double>(border);
+    courses.push_back({0.0, y, 0.0, y, y, static_cast<double>(Snap), static_cast<double>(tile.x1)});
+  }
   meetings.clear();
   for (size_t i = 0; i < lines.size(); ++i) {
     const Line& line = lines[i];
@@ -263,13 +268,6 @@ Coordinate TileLines::heightAt(int number, Coordinate x) const {
   if (x == line.xb) return line.yb;
   const Coordinate y = line.y0 + nearestWhole(line.slope * static_cast<double>(x - line.x0));
   return std::clamp(y, std::min(line.ya, line.yb), std::max(line.ya, line.yb));
-}
-
-double TileLines::exactHeightAt(int line, double x) const {
-  if (line == LowerBorder) return static_cast<double>(tile.y0);
-  if (line == UpperBorder) return static_cast<double>(tile.y1);
-  const Course& c = courses[static_cast<size_t>(line)];
-  return std::clamp(c.y0 + c.slope * (x - c.x0), c.least, c.most);
 }
 
 Coordinate TileLines::nextStop() const {
@@ -359,13 +357,13 @@ void TileLines::insertLines(Coordinate x) {
 
 // Behind x, where both are.
 bool TileLines::goesAbove(int line, int other, double x) const {
-  const Course& c = courses[static_cast<size_t>(line)];
-  const Course& d = courses[static_cast<size_t>(other)];
+  const Course& c = courseOf(line);
+  const Course& d = courseOf(other);
   const double tolerance = std::max(c.tolerance, d.tolerance);
-  const double apart = exactHeightAt(line, x) - exactHeightAt(other, x);
+  const double apart = c.at(x) - d.at(x);
   if (std::fabs(apart) > tolerance) return apart > 0.0;
   const double end = std::min(c.end, d.end);
-  const double after = exactHeightAt(line, end) - exactHeightAt(other, end);
+  const double after = c.at(end) - d.at(end);
   if (std::fabs(after) > tolerance) return after > 0.0;
   return line > other;
 }
@@ -411,24 +409,22 @@ void TileLines::checkOrder(Coordinate x) {
 // Whether a line goes below the one that is below it. Within the tolerance either may be the upper
 // one, and where they part decides.
 bool TileLines::mustSwap(int below, int above, Coordinate x) {
-  const Course& c = courses[static_cast<size_t>(below)];
-  const Course& d = courses[static_cast<size_t>(above)];
+  const Course& c = courseOf(below);
+  const Course& d = courseOf(above);
   const double tolerance = std::max(c.tolerance, d.tolerance);
   const auto position = static_cast<double>(x);
-  const double apart = exactHeightAt(above, position) - exactHeightAt(below, position);
+  const double apart = d.at(position) - c.at(position);
   if (apart > tolerance) return false;
   if (apart < -tolerance) return true;
   const double end = std::min(c.end, d.end);
-  return exactHeightAt(above, end) - exactHeightAt(below, end) < -tolerance;
+  return d.at(end) - c.at(end) < -tolerance;
 }
 
 void TileLines::addMeeting(int below, int above, Coordinate x) {
-  const Course& c = courses[static_cast<size_t>(below)];
-  const Course& d = courses[static_cast<size_t>(above)];
+  const Course& c = courseOf(below);
+  const Course& d = courseOf(above);
   const double end = std::min(c.end, d.end);
-  if (!(exactHeightAt(above, end) - exactHeightAt(below, end) <
-        -std::max(c.tolerance, d.tolerance)))
-    return;
+  if (!(d.at(end) - c.at(end) < -std::max(c.tolerance, d.tolerance))) return;
   const Line& s = (*this)[below];
   const Line& t = (*this)[above];
   const Coordinate from = std::max(s.xa, t.xa);
@@ -472,8 +468,8 @@ void TileLines::extendUpwards() {
 void TileLines::changeWidths() {
   const auto x = static_cast<double>(here.x);
   for (size_t i = 0; i < old.gapCount(); ++i) {
+    if (x < narrowFrom[i]) continue;
     const char state = old.empty[i];
-    if (state == Empty || (state == 0 && x < narrowFrom[i])) continue;
     if (i >= here.from && i < here.oldTo) continue;
     const bool none = here.oldTo == here.from && here.newTo == here.from;
     const size_t gap = i < here.from || none ? i : i - here.oldTo + here.newTo;
@@ -490,38 +486,38 @@ void TileLines::changeWidths() {
   }
 }
 
-double TileLines::widthOfGap(size_t gap, double x) const {
-  return exactHeightAt(now.above(gap), x) - exactHeightAt(now.below(gap), x);
-}
-
-TileLines::Limits TileLines::limitsOf(size_t gap) const {
-  Limits limits{static_cast<double>(Snap), static_cast<double>(tile.x1)};
-  for (const int line : {now.below(gap), now.above(gap)}) {
-    if (line < 0) continue;
-    const Course& course = courses[static_cast<size_t>(line)];
-    limits.largest = std::max(limits.largest, course.tolerance);
-    limits.end = std::min(limits.end, course.end);
-  }
-  return limits;
-}
-
 char TileLines::stateOfGap(size_t gap) const {
-  const Limits limits = limitsOf(gap);
-  if (widthOfGap(gap, static_cast<double>(here.x)) > limits.largest ||
-      widthOfGap(gap, static_cast<double>(here.next)) > limits.largest)
+  const Course& c = courseOf(now.below(gap));
+  const Course& d = courseOf(now.above(gap));
+  const auto widthAt = [&](double x) { return d.at(x) - c.at(x); };
+  const double largest = std::max(c.tolerance, d.tolerance);
+  if (widthAt(static_cast<double>(here.x)) > largest ||
+      widthAt(static_cast<double>(here.next)) > largest)
     return 0;
-  return widthOfGap(gap, limits.end) > limits.largest ? Opening : Empty;
+  return widthAt(std::min(c.end, d.end)) > largest ? Opening : Empty;
 }
 
-// From where on the lines around a gap are too near each other.
-double TileLines::narrowingOf(size_t gap) const {
-  const Limits limits = limitsOf(gap);
+// The state of a gap behind the stop, and from where on it may be another: an open gap becomes too
+// narrow, one that is opening may be wide enough at any stop, and an empty one stays empty.
+void TileLines::addState(size_t gap) {
+  const Course& c = courseOf(now.below(gap));
+  const Course& d = courseOf(now.above(gap));
+  const auto widthAt = [&](double x) { return d.at(x) - c.at(x); };
+  const double largest = std::max(c.tolerance, d.tolerance);
+  const double end = std::min(c.end, d.end);
   const auto x = static_cast<double>(here.x);
-  const double width = widthOfGap(gap, x);
-  const double last = widthOfGap(gap, limits.end);
-  if (last > limits.largest || width <= limits.largest)
-    return std::numeric_limits<double>::infinity();
-  return x + (width - limits.largest) / (width - last) * (limits.end - x);
+  const double width = widthAt(x);
+  const double last = widthAt(end);
+  if (width > largest || widthAt(static_cast<double>(here.next)) > largest) {
+    newStates.push_back(0);
+    newNarrowings.push_back(last > largest || width <= largest
+                                ? Infinity
+                                : x + (width - largest) / (width - last) * (end - x));
+    return;
+  }
+  const bool opens = last > largest;
+  newStates.push_back(opens ? Opening : Empty);
+  newNarrowings.push_back(opens ? -Infinity : Infinity);
 }
 
 void TileLines::replaceGaps() {
@@ -543,8 +539,6 @@ void TileLines::replaceGaps() {
                   masks.begin() + static_cast<std::ptrdiff_t>(here.oldTo * wordCount));
   splice(masks, newMasks, wordCount);
   splice(now.empty, newStates, 1);
-  newNarrowings.clear();
-  for (size_t gap = here.from; gap < here.newTo; ++gap) newNarrowings.push_back(narrowingOf(gap));
   splice(narrowFrom, newNarrowings, 1);
 }
 
@@ -573,7 +567,8 @@ bool TileLines::placeMasks() {
 // \return false if no gap is left that is not empty
 bool TileLines::placeGaps() {
   newStates.clear();
-  for (size_t gap = here.from; gap < here.newTo; ++gap) newStates.push_back(stateOfGap(gap));
+  newNarrowings.clear();
+  for (size_t gap = here.from; gap < here.newTo; ++gap) addState(gap);
   const auto count = [](auto from, auto to, char state) {
     return static_cast<size_t>(std::count(from, to, state));
   };
@@ -584,6 +579,7 @@ bool TileLines::placeGaps() {
     // A tile so low that nothing has a height in it.
     if (here.newTo < now.lines.size() + 1) return false;
     newStates.back() = 0;
+    newNarrowings.back() = Infinity;
   }
   openGaps = left + count(newStates.begin(), newStates.end(), 0);
   return true;

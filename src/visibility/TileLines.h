@@ -4,6 +4,7 @@
 #include "visibility/TileContent.h"
 #include "visibility/TilePlanes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -91,7 +92,7 @@ class TileLines {
   }
   Coordinate heightAt(int line, Coordinate x) const;
   /// Of a line or a border, without rounding.
-  double exactHeightAt(int line, double x) const;
+  double exactHeightAt(int line, double x) const { return courseOf(line).at(x); }
 
  private:
   struct Raw {
@@ -99,17 +100,14 @@ class TileLines {
     const Segment* segment;
     std::int32_t slot;
   };
-  // What is asked of a line at every stop.
+  // What is asked of a line or a border at every stop.
   struct Course {
     double x0, y0, slope;
     double least, most;
     double tolerance;
     double end;  // where it ends
-  };
-  // Of a gap: how wide an empty one is at most, and where one of its lines ends.
-  struct Limits {
-    double largest;
-    double end;
+
+    double at(double x) const { return std::max(least, std::min(most, y0 + slope * (x - x0))); }
   };
   struct Meeting {
     Coordinate x;
@@ -120,6 +118,7 @@ class TileLines {
   // A gap that is empty, and one that is not yet wide enough.
   static constexpr char Empty = 1;
   static constexpr char Opening = 2;
+  static constexpr int FirstCourse = 2;  // of the lines
 
   void addLine(size_t firstRaw, size_t lastRaw);
   bool clipLine(const Segment& s, Line& line) const;
@@ -140,12 +139,13 @@ class TileLines {
   void extendUpwards();
   bool placeMasks();
   bool placeGaps();
-  Limits limitsOf(size_t gap) const;
   char stateOfGap(size_t gap) const;
-  double narrowingOf(size_t gap) const;
+  void addState(size_t gap);
   void replaceGaps();
   bool finish();
-  double widthOfGap(size_t gap, double x) const;
+  const Course& courseOf(int line) const {
+    return courses[static_cast<size_t>(line + FirstCourse)];
+  }
 
   const LookPolygons& polygons;
   Tile tile{};
@@ -157,7 +157,7 @@ class TileLines {
   size_t edgeLines = 0;
   std::vector<MaskWord> toggles;   // `words` for each line
   std::vector<Coordinate> breaks;  // where an upright crossing line cuts all gaps
-  std::vector<Course> courses;     // of the lines
+  std::vector<Course> courses;     // of the upper border, the lower one, and the lines
   // What waits, each by x.
   std::vector<std::pair<Coordinate, int>> starts;
   std::vector<std::pair<Coordinate, int>> ends;
@@ -178,7 +178,7 @@ class TileLines {
   std::vector<MaskWord> oldMasks;  // of the changed gaps
   std::vector<MaskWord> newMasks;
   std::vector<char> newStates;
-  std::vector<double> narrowFrom;  // for each gap: from there on it is too narrow
+  std::vector<double> narrowFrom;  // for each gap: from there on its state is to be looked at
   std::vector<double> newNarrowings;
   size_t openGaps = 0;
 };
