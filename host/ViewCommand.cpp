@@ -111,6 +111,7 @@ std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
                    Pictures::MapPictureOptions options, const MapShares& shares) {
   Pictures::HtmlPage page(options.title);
   options.extent = 1.02;  // so that no line of the rim is cut
+  options.allCells = true;
   page.add(VectorPicture(map, colors, options), map, shares);
   return page.text();
 }

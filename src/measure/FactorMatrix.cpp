@@ -65,8 +65,12 @@ std::vector<Pair> pairsOf(const std::vector<FactorElement>& elements,
 // The exchange areas as unknowns: the least change, by their variances, that makes the rows add up.
 class Closing {
  public:
-  Closing(const std::vector<FactorElement>& theElements, std::vector<FactorRow>& theRows)
-      : elements(theElements), rows(theRows), pairs(pairsOf(elements, rows)) {
+  Closing(const std::vector<FactorElement>& theElements, std::vector<FactorRow>& theRows,
+          const std::atomic<bool>* theCancelled)
+      : elements(theElements),
+        rows(theRows),
+        cancelled(theCancelled),
+        pairs(pairsOf(elements, rows)) {
     for (const Pair& pair : pairs) {
       values.push_back(mean(pair));
       variances.push_back(variance(pair));
@@ -158,6 +162,7 @@ class Closing {
       const std::vector<double> image = times(direction);
       const double curvature = dot(direction, image);
       if (!(curvature > 0.0)) break;
+      if (cancelled != nullptr && cancelled->load()) throw Visibility::Cancelled();
       const double length = size / curvature;
       for (size_t i = 0; i < x.size(); ++i) {
         x[i] += length * direction[i];
@@ -217,6 +222,7 @@ class Closing {
 
   const std::vector<FactorElement>& elements;
   std::vector<FactorRow>& rows;
+  const std::atomic<bool>* cancelled;
   std::vector<Pair> pairs;
   std::vector<double> values;
   std::vector<double> variances;
@@ -244,9 +250,10 @@ Reciprocity reciprocityOf(const std::vector<FactorElement>& elements,
   return result;
 }
 
-void makeReciprocal(const std::vector<FactorElement>& elements, std::vector<FactorRow>& rows) {
+void makeReciprocal(const std::vector<FactorElement>& elements, std::vector<FactorRow>& rows,
+                    const std::atomic<bool>* cancelled) {
   check(elements, rows);
-  Closing(elements, rows).run();
+  Closing(elements, rows, cancelled).run();
 }
 
 }  // namespace Lumivane::Measure

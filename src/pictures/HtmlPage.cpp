@@ -3,6 +3,7 @@
 
 #include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/DisplayText.h"
+#include "pictures/MapPlane.h"
 #include "pictures/PageSource.h"
 #include "pictures/SvgText.h"
 
@@ -119,6 +120,40 @@ int decimalsFor(int height) {
   return decimals;
 }
 
+// Directions in whole numbers, of which a unit has this many: finer than any zoom shows.
+constexpr double PlacesOfUnit = 1e7;
+
+// What the page draws a map of, in other projections: see map.js.
+Json mapJson(const VectorPicture& picture, const Visibility::VisibleMap& map) {
+  Json result = {{"projection", picture.mapPart()->projection},
+                 {"isSphere", map.field == Visibility::Field::Sphere},
+                 {"height", picture.height()},
+                 {"decimals", decimalsFor(picture.height())},
+                 {"vertices", Json::array()},
+                 {"cells", Json::array()}};
+  for (const Kernel::Vec3 direction : eyeDirections(map))
+    for (const double value : {direction.x, direction.y, direction.z})
+      result["vertices"].push_back(std::llround(value * PlacesOfUnit));
+  for (std::size_t i = 0; i < map.cells.size(); ++i) {
+    Json cell = {i + 1, rounded(map.cells[i].solidAngle)};
+    for (const std::vector<int>& ring : map.rings(i)) cell.push_back(ring);
+    result["cells"].push_back(std::move(cell));
+  }
+  const auto ends = [&map](const std::vector<std::vector<std::size_t>>& paths) {
+    Json lines = Json::array();
+    for (const std::vector<std::size_t>& edges : paths) {
+      std::vector<int> vertices;
+      for (const std::size_t edge : edges)
+        vertices.insert(vertices.end(), {map.edges[edge].from, map.edges[edge].to});
+      lines.push_back(vertices);
+    }
+    return lines;
+  };
+  result["underlay"] = ends(picture.mapPart()->underlayEdges);
+  result["lines"] = ends(picture.mapPart()->lineEdges);
+  return result;
+}
+
 std::string joined(const std::vector<std::string>& parts, const char* separator) {
   std::string result;
   for (const std::string& part : parts) result += (result.empty() ? "" : separator) + part;
@@ -154,7 +189,9 @@ void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& s
 void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
                    const Visibility::MapShares& shares) {
   addSvg(picture);
-  tables.push_back(scriptJson(tableOf(map, shares)));
+  Json table = tableOf(map, shares);
+  if (picture.mapPart()) table["map"] = mapJson(picture, map);
+  tables.push_back(scriptJson(table));
 }
 
 void HtmlPage::addSvg(const VectorPicture& picture) {
@@ -169,6 +206,7 @@ void HtmlPage::addSvg(const VectorPicture& picture) {
 std::string HtmlPage::text() const {
   return filled(PageSource::Html, {{"title", htmlText(pageTitle)},
                                    {"style", PageSource::Style},
+                                   {"map", PageSource::Map},
                                    {"script", PageSource::Script},
                                    {"pictures", joined(pictures, "")},
                                    {"data", "{\"pictures\":[" + joined(tables, ",") + "]}"}});

@@ -30,23 +30,33 @@ constexpr double UnderlayWidth = 1.5;  // pixels: what a smoothed edge reaches, 
 // Paths of equal looks as one.
 class PathsByPen {
  public:
-  void add(const Pen& pen, std::vector<Line> lines) {
+  void add(const Pen& pen, std::size_t edge, std::vector<Line> lines) {
     const auto key =
         std::make_tuple(pen.color.red, pen.color.green, pen.color.blue, pen.width, pen.roundEnds);
     const auto [found, isNew] = positions.try_emplace(key, paths.size());
     if (isNew) {
       paths.emplace_back();
       paths.back().pen = pen;
+      edgesOfPaths.emplace_back();
     }
+    edgesOfPaths[found->second].push_back(edge);
     std::vector<Line>& target = paths[found->second].lines;
     for (Line& line : lines) target.push_back(std::move(line));
   }
 
   std::vector<Path> take() { return std::move(paths); }
+  std::vector<std::vector<std::size_t>> takeEdges() { return std::move(edgesOfPaths); }
 
  private:
   std::map<std::tuple<int, int, int, double, bool>, std::size_t> positions;
   std::vector<Path> paths;
+  std::vector<std::vector<std::size_t>> edgesOfPaths;
+};
+
+// All lines of a map.
+struct MapEdges {
+  PathsByPen under;
+  PathsByPen over;
 };
 
 class MapDrawing {
@@ -66,7 +76,7 @@ class MapDrawing {
     std::vector<VectorPicture::Surface> result;
     for (std::size_t i = 0; i < map.cells.size(); ++i) {
       std::vector<Line> lines = inPixels(plane->outline(i));
-      if (lines.empty()) continue;
+      if (lines.empty() && !options.allCells) continue;
       result.emplace_back();
       result.back().regions.push_back(regionOf(i, std::move(lines)));
     }
@@ -74,16 +84,19 @@ class MapDrawing {
   }
 
   // Under the cells and over them.
-  std::pair<std::vector<Path>, std::vector<Path>> edges() {
-    PathsByPen under;
-    PathsByPen over;
-    for (const VisibleMap::Edge& edge : map.edges) {
+  MapEdges edges() {
+    MapEdges result;
+    for (std::size_t i = 0; i < map.edges.size(); ++i) {
+      const VisibleMap::Edge& edge = map.edges[i];
       if (edge.left < 0 || edge.right < 0) continue;
       const std::optional<Pen> pen = penOf(edge);
       std::vector<Line> lines = inPixels(plane->arc(edge.from, edge.to));
-      (pen ? over : under).add(pen ? *pen : underlayOf(edge, lines.size() == 1), std::move(lines));
+      if (pen)
+        result.over.add(*pen, i, std::move(lines));
+      else
+        result.under.add(underlayOf(edge, lines.size() == 1), i, std::move(lines));
     }
-    return {under.take(), over.take()};
+    return result;
   }
 
  private:
@@ -188,7 +201,10 @@ VectorPicture::VectorPicture(const VisibleMap& map, const MapColors& colors,
   checkPictureSize(options.width, options.height, options.extent);
   MapDrawing drawing(map, colors, options);
   drawnSurfaces = drawing.surfaces();
-  std::tie(underlayPaths, linePaths) = drawing.edges();
+  MapEdges edges = drawing.edges();
+  underlayPaths = edges.under.take();
+  linePaths = edges.over.take();
+  partOfMap = MapPart{ruleOf(options.projection).name, edges.under.takeEdges(), edges.over.takeEdges()};
 }
 
 }  // namespace Lumivane::Pictures

@@ -5,6 +5,7 @@ namespace Lumivane::Pictures::PageSource {
 
 extern const char* const Html;
 extern const char* const Style;
+extern const char* const Map;
 extern const char* const Script;
 
 }  // namespace Lumivane::Pictures::PageSource

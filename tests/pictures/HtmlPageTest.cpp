@@ -8,7 +8,10 @@
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/visibility/MapShares.h>
 
+#include <cmath>
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -133,6 +136,32 @@ TEST(HtmlPage, ExactSharesStandBesideThoseOfThePicture) {
   EXPECT_NEAR(exact.sky().solidAngle, sky.at(6).get<double>(), 1e-8);
   EXPECT_NEAR(exact.objects().at(0).share.viewFactor, picture.at("rows").at(0).at(5).get<double>(),
               1e-8);
+}
+
+TEST(HtmlPage, HoldsAMapAsDirectionsToBeDrawnInOtherProjections) {
+  const HandMap hand = cubeAroundTheEye();
+  Pictures::MapPictureOptions options;
+  options.allCells = true;
+  const Pictures::VectorPicture picture(hand.map, Pictures::MapColors(), options);
+  Pictures::HtmlPage page("map");
+  page.add(picture, hand.map, Visibility::MapShares(hand.map));
+  const std::string text = page.text();
+  EXPECT_EQ(hand.map.cells.size(), count(text, "data-region=\""));  // also those behind the eye
+  const Json map = dataOf(text).at("pictures").at(0).at("map");
+  EXPECT_EQ("fisheye", map.at("projection"));
+  EXPECT_TRUE(map.at("isSphere").get<bool>());
+  ASSERT_EQ(3 * hand.map.vertices.size(), map.at("vertices").size());
+  for (std::size_t i = 0; i < 3; ++i)
+    EXPECT_NEAR(1e7 / std::sqrt(3.0), std::abs(map.at("vertices").at(i).get<double>()), 0.5);
+  ASSERT_EQ(hand.map.cells.size(), map.at("cells").size());
+  const Json cell = map.at("cells").at(2);
+  EXPECT_EQ(3, cell.at(0));
+  EXPECT_NEAR(hand.map.cells[2].solidAngle, cell.at(1).get<double>(), 1e-8);
+  EXPECT_EQ(hand.map.rings(2).at(0), cell.at(2).get<std::vector<int>>());
+  std::size_t ends = 0;
+  for (const char* const lines : {"underlay", "lines"})
+    for (const Json& path : map.at(lines)) ends += path.size();
+  EXPECT_EQ(2 * hand.map.edges.size(), ends);
 }
 
 TEST(HtmlPage, MapOfASphereHasNoViewFactors) {

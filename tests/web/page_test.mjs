@@ -301,6 +301,187 @@ test("columns sort both ways", async (t) => {
   assert.deepEqual((await rowNames(page)).filter((name) => name !== "open (sky)"), names.reverse());
 });
 
+// The page of a map in other projections ---------------------------------------------------------------
+
+const radians = (degrees) => (degrees * Math.PI) / 180;
+
+// What is known of a projection: the direction (x right, y up, z forward) at a place of its picture,
+// from -1 to 1 in both axes and y upwards, or null outside; and width by height. Written down anew,
+// not taken from the page.
+function inverseOf(name, angle, isSphere) {
+  const disc = (law) => (u, v) => {
+    const r = Math.hypot(u, v);
+    if (r >= 1 || r === 0) return null;
+    const t = law(r);
+    return [(Math.sin(t) * u) / r, (Math.sin(t) * v) / r, Math.cos(t)];
+  };
+  const sphere = (azimuth, elevation) => [
+    Math.cos(elevation) * Math.sin(azimuth), Math.sin(elevation),
+    Math.cos(elevation) * Math.cos(azimuth)];
+  const half = isSphere && name !== "equirectangular-half" ? Math.PI : Math.PI / 2;
+  const most = Math.tan(radians(angle) / 2);
+  const inside = (u, v, d) => (Math.abs(u) < 1 && Math.abs(v) < 1 ? d : null);
+  const bands = (u, v) => inside(u, v, sphere(half * u, (Math.PI / 2) * v));
+  return {
+    fisheye: disc((r) => Math.asin(r)),
+    equidistant: disc((r) => (r * Math.PI) / 2),
+    equisolid: disc((r) => 2 * Math.asin(r * Math.SQRT1_2)),
+    stereographic: disc((r) => 2 * Math.atan(r)),
+    equirectangular: bands,
+    "equirectangular-half": bands,
+    cylindrical: (u, v) => inside(u, v, sphere(half * u, Math.atan(v * most))),
+    perspective: (u, v) => inside(u, v, [most * u, (most * v) / 1.5, 1]),
+  }[name];
+}
+
+// Where a direction lies in the picture of the whole sphere that the program has drawn.
+function placeOnSphere([x, y, z]) {
+  const length = Math.hypot(x, y, z);
+  return [Math.atan2(x, z) / Math.PI, Math.asin(y / length) / (Math.PI / 2)];
+}
+
+// What lies at places of the page's picture, which are from -1 to 1 in the box of the picture
+// without its margins: for each the region there, and those 1.5 units of the drawing around it.
+const regionsAt = (page, places) => page.evaluate((list) => {
+  const svg = document.querySelector("#stage svg:not([hidden])");
+  const matrix = svg.getScreenCTM();
+  const { width, height } = svg.viewBox.baseVal;
+  const cut = svg.querySelector("clipPath > *")?.getBBox();
+  const box = cut ?? { x: width / 2 - width / 2 / 1.02, y: height / 2 - height / 2 / 1.02,
+                       width: width / 1.02, height: height / 1.02 };
+  const at = (x, y) => {
+    const point = new DOMPoint(x, y).matrixTransform(matrix);
+    return document.elementFromPoint(point.x, point.y)?.getAttribute("id") ?? "";
+  };
+  return list.map(([u, v]) => {
+    const x = box.x + (box.width * (u + 1)) / 2;
+    const y = box.y + (box.height * (1 - v)) / 2;
+    const around = [];
+    for (let i = -1; i <= 1; ++i) for (let k = -1; k <= 1; ++k) around.push(at(x + 1.5 * i, y + 1.5 * k));
+    return { here: at(x, y), around };
+  });
+}, places);
+
+const choose = (page, name) => page.locator("#projection").selectOption(name);
+
+const Projections = ["fisheye", "equidistant", "equisolid", "stereographic", "equirectangular-half",
+                     "cylindrical", "perspective"];
+const Maps = {
+  street: ["street.json", "--eye=-5.3,-1.37,3.4"],
+  level: ["room.json", "--eye=0.35,2.137,1.6", "--forward=1,0.2,0.1"],
+  // All is symmetrical: edges run through both poles of every axis.
+  axes: ["small.json", "--eye=0,0,0.5", "--forward=1,0,0"],
+};
+
+for (const [title, [scene, ...view]] of Object.entries(Maps)) {
+  test(`the map of ${title} is the same in every projection`, async (t) => {
+    const file = `sphere-${title}.html`;
+    lumivane("view", join(LUMIVANE_SCENES, scene), ...view, "--field", "sphere", "--projection",
+             "equirectangular", "--color-by", "object", "--html", inFolder(file));
+    const truth = await open(t, file);
+    const page = await open(t, file);
+    assert.equal(await page.locator("#projection").inputValue(), "equirectangular");
+    for (const name of Projections) {
+      await choose(page, name);
+      const inverse = inverseOf(name, 90, true);
+      const places = [];
+      const there = [];
+      for (let i = 0; i < 33; ++i) {
+        for (let k = 0; k < 33; ++k) {
+          const place = [(2 * i + 1.13) / 33 - 1, (2 * k + 0.87) / 33 - 1];
+          const direction = inverse(...place);
+          if (!direction) continue;
+          places.push(place);
+          there.push(placeOnSphere(direction));
+        }
+      }
+      assert.ok(places.length > 700);
+      const drawn = await regionsAt(page, places);
+      const right = await regionsAt(truth, there);
+      let different = 0;
+      const wrong = places.filter((_, i) => {
+        if (drawn[i].here !== right[i].here) ++different;
+        assert.match(right[i].here, /^p1-r\d+$/);
+        return !drawn[i].around.includes(right[i].here) && !right[i].around.includes(drawn[i].here);
+      });
+      assert.deepEqual(wrong, [], `${name}: wrong at these places`);
+      assert.ok(different < 0.1 * places.length, `${name}: ${different} of ${places.length} are edges`);
+      await page.screenshot({ path: picture(`${title}-${name}`) });
+    }
+  });
+}
+
+test("a map of a hemisphere is redrawn as the program draws it", async (t) => {
+  const view = ["view", join(LUMIVANE_SCENES, "street.json"), "--eye=-5.3,-1.37,3.4",
+                "--color-by", "object"];
+  const names = ["fisheye", "equidistant", "equirectangular"];
+  for (const name of names)
+    lumivane(...view, "--projection", name, "--html", inFolder(`${name}.html`));
+  const page = await open(t, "fisheye.html");
+  assert.deepEqual(await page.locator("#projection option").evaluateAll((options) =>
+    options.map((option) => option.value)),
+  ["fisheye", "equidistant", "equisolid", "stereographic", "equirectangular", "cylindrical", "perspective"]);
+  const places = [];
+  for (let i = 0; i < 40; ++i)
+    for (let k = 0; k < 40; ++k) places.push([(2 * i + 1.1) / 40 - 1, (2 * k + 0.9) / 40 - 1]);
+  for (const name of names.slice(1)) {
+    const truth = await open(t, `${name}.html`);
+    await choose(page, name);
+    const inside = places.filter(([u, v]) => inverseOf(name, 90, false)(u, v));
+    const drawn = await regionsAt(page, inside);
+    const right = await regionsAt(truth, inside);
+    const wrong = inside.filter((_, i) => !drawn[i].around.includes(right[i].here));
+    assert.deepEqual(wrong, [], name);
+    assert.ok(drawn.filter(({ here }, i) => here === right[i].here).length > 0.98 * inside.length);
+  }
+  const original = () => page.locator("#stage svg").evaluate((svg) => svg.getAttribute("viewBox") +
+    [...svg.querySelectorAll("path")].map((path) => path.getAttribute("d")).join());
+  const fresh = await open(t, "fisheye.html");
+  await choose(page, "fisheye");
+  assert.equal(await original(), await fresh.locator("#stage svg").evaluate((svg) =>
+    svg.getAttribute("viewBox") +
+    [...svg.querySelectorAll("path")].map((path) => path.getAttribute("d")).join()));
+});
+
+test("lines that are straight stay straight in perspective, and its field of view can be set",
+     async (t) => {
+  lumivane("view", join(LUMIVANE_SCENES, "street.json"), "--eye=-5.3,-1.37,3.4", "--html",
+           inFolder("perspective.html"));
+  const page = await open(t, "perspective.html");
+  assert.equal(await page.locator("#angle").isVisible(), false);
+  await choose(page, "perspective");
+  const corners = () => page.locator("#p1-lines path").first().evaluate((path) =>
+    (path.getAttribute("d").match(/[ML]/g) ?? []).length);
+  const straight = await corners();
+  await choose(page, "equidistant");
+  assert.ok((await corners()) > 1.2 * straight, `${await corners()} and ${straight}`);
+  await choose(page, "perspective");
+  for (const angle of [40, 140]) {
+    await page.locator("#field-of-view").fill(String(angle));
+    await page.locator("#field-of-view").dispatchEvent("input");
+    await frame(page);
+    assert.equal(await page.locator("#angle output").textContent(), `${angle}\u00b0`);
+    await page.screenshot({ path: picture(`perspective-${angle}`) });
+  }
+});
+
+test("what is marked stays marked in another projection", async (t) => {
+  lumivane("view", join(LUMIVANE_SCENES, "room.json"), "--eye=0.35,2.137,1.6", "--html",
+           inFolder("marked.html"));
+  const page = await open(t, "marked.html");
+  await page.locator("#shown td:first-child", { hasText: "sofa" }).click();
+  await selectedRow(page).waitFor();
+  await choose(page, "stereographic");
+  const place = await placeOf(page, "sofa");
+  assert.equal(await fillAt(page, place), await colorOf(page, "selected"));
+  await page.keyboard.press("Escape");
+});
+
+test("the page of a shot offers no projections", async (t) => {
+  const page = await open(t, "room.html");
+  assert.equal(await page.locator("#views").isVisible(), false);
+});
+
 for (const scheme of ["light", "dark"]) {
   test(`text can be read in ${scheme}`, async (t) => {
     const page = await open(t, "room.html", { colorScheme: scheme });

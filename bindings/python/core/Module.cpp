@@ -43,5 +43,6 @@ PYBIND11_MODULE(_core, module) {
   Lumivane::Python::bindErrors(module);
   Lumivane::Python::bindMap(module);
   Lumivane::Python::bindShot(module);
+  Lumivane::Python::bindFactors(module);
   Lumivane::Python::bindScene(module);
 }

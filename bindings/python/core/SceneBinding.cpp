@@ -1,6 +1,7 @@
 // Scenes: made of files and arrays, looked at from one eye and from many.
 
 #include "Arrays.h"
+#include "Factors.h"
 #include "ManyEyes.h"
 #include "MapBinding.h"
 #include "Module.h"
@@ -226,6 +227,19 @@ py::dict shares(const SceneData& self, const Array<double>& eyes, const Array<do
   return sharesOf(self, many, progress);
 }
 
+py::dict factors(const SceneData& self, bool twoSided, double tolerance, std::size_t mostPoints,
+                 const std::optional<Array<std::int64_t>>& rows, bool isReciprocal, int threads,
+                 const py::object& progress) {
+  WantedFactors wanted;
+  wanted.how.twoSided = twoSided;
+  wanted.how.tolerance = tolerance;
+  wanted.how.mostPoints = mostPoints;
+  if (rows) wanted.rows = valuesOf(*rows);
+  wanted.isReciprocal = isReciprocal;
+  wanted.threads = threads;
+  return factorsOf(self, wanted, progress);
+}
+
 py::array seenIn(const SceneData& self, const Vector& eye, const Array<double>& directions,
                  bool twoSided, int threads) {
   constexpr std::size_t Block = 1024;  // a cancelled call ends after those under way
@@ -346,6 +360,8 @@ void bindScene(py::module_& module) {
       .def("shares", &shares, py::arg("eyes"), py::arg("forwards"), py::arg("ups"),
            py::arg("is_sphere"), py::arg("two_sided"), py::arg("columns"), py::arg("by_class"),
            py::arg("sparse"), py::arg("threads"), py::arg("progress"))
+      .def("factors", &factors, py::arg("two_sided"), py::arg("tolerance"), py::arg("most_points"),
+           py::arg("rows"), py::arg("reciprocal"), py::arg("threads"), py::arg("progress"))
       .def("seen_in", &seenIn, py::arg("eye"), py::arg("directions"), py::arg("two_sided"),
            py::arg("threads"))
       .def("take", &take, py::arg("eye"), py::arg("forward"), py::arg("up"), py::arg("is_normal"),

@@ -111,6 +111,16 @@ class Scene:
         threads: int,
         progress: Optional[Callable[[float], object]],
     ) -> dict[str, Any]: ...
+    def factors(
+        self,
+        two_sided: bool,
+        tolerance: float,
+        most_points: int,
+        rows: Optional[npt.NDArray[np.int64]],
+        reciprocal: bool,
+        threads: int,
+        progress: Optional[Callable[[float], object]],
+    ) -> dict[str, Any]: ...
     def seen_in(
         self, eye: _Vector, directions: _Floats, two_sided: bool, threads: int
     ) -> _Rows: ...

@@ -24,6 +24,7 @@ from ._arguments import (
     vector,
     whole_numbers,
 )
+from ._factors import FaceFactors
 from ._map import VisibleMap
 from ._shot import Shot
 
@@ -292,6 +293,42 @@ class Scene:
             width = len(self.classes) + 1 if by == "class" else len(self.objects)
             return _sparse(result, (len(rows), width))
         return result
+
+    def factors(
+        self,
+        *,
+        rows: Optional[npt.ArrayLike] = None,
+        tolerance: float = 1e-4,
+        most_points: int = 4000,
+        two_sided: bool = False,
+        reciprocal: bool = False,
+        threads: int = 0,
+        progress: Optional[Progress] = None,
+    ) -> FaceFactors:
+        """Integrates the view factors from face to face, as `lumivane factors` does.
+
+        `rows`: positions of elements whose rows are wanted, without repetitions in the result; all
+            rows without a choice. Rows do not depend on each other.
+        `tolerance`: {{FactorOptions.tolerance}}
+        `most_points`: {{FactorOptions.mostPoints}}
+        `two_sided`: {{FactorOptions.twoSided}}.
+        `reciprocal`: {{makeReciprocal}} Needs all rows.
+        `threads`: how many; 0 for all processors. Results do not depend on it.
+        `progress`: is called with the finished part, from 0 to 1, several times a second. What it
+            raises ends the work, and so does Ctrl-C, within a fifth of a second.
+
+        Raises `ValueError` for a tolerance that is not above 0, for no points, and for rows that
+        there are not.
+        """
+        if reciprocal and rows is not None:
+            raise ValueError("reciprocal: all rows are needed; leave out rows")
+        if most_points < 0:
+            raise ValueError("most_points: the number is negative")
+        wanted = None if rows is None else np.unique(whole_numbers(rows, "rows", np.int64))
+        parts = self._scene.factors(
+            two_sided, tolerance, most_points, wanted, reciprocal, thread_count(threads), progress
+        )
+        return FaceFactors(parts)
 
     def seen_in(
         self,

@@ -45,6 +45,7 @@ def test_types_of_the_package_are_checked(tmp_path):
         "factor: float = view.sky_view_factor\n"
         "names: tuple[str, ...] = scene.objects\n"
         "shot: lumivane.Shot = scene.shot((0, 0, 1))\n"
+        "factors: lumivane.FaceFactors = scene.factors(rows=[0, 2], tolerance=1e-3)\n"
     )
     wrong = tmp_path / "wrong.py"
     wrong.write_text("import lumivane\nlumivane.Scene.read('a').look((0, 0, 0)).sky_view_factor()\n")
@@ -68,7 +69,7 @@ def test_everything_public_is_documented():
         member = getattr(lumivane, name)
         if inspect.isclass(member) or inspect.isfunction(member):
             missing += [] if member.__doc__ else [name]
-        if member in (lumivane.Scene, lumivane.VisibleMap, lumivane.Shot):
+        if member in (lumivane.FaceFactors, lumivane.Scene, lumivane.Shot, lumivane.VisibleMap):
             missing += [f"{name}.{n}" for n, m in public(member) if not inspect.getdoc(m)]
     assert missing == []
 

@@ -134,8 +134,11 @@ LUMIVANE_MEASURE_EXPORT Reciprocity reciprocityOf(const std::vector<FactorElemen
 /// inverse squares of their estimates. What the rows then lack goes back to their entries and skies
 /// by least squares with the same weights, subject to reciprocity and to rows that add up to the
 /// areas (as J. van Leersum, 1989, did without weights). Factors stay at least 0.
-/// \throws std::invalid_argument as `reciprocityOf`
+/// \param cancelled  ends the work soon after it has become true, and leaves the rows as they were;
+/// may be null
+/// \throws std::invalid_argument as `reciprocityOf`  \throws Visibility::Cancelled
 LUMIVANE_MEASURE_EXPORT void makeReciprocal(const std::vector<FactorElement>& elements,
-                                            std::vector<FactorRow>& rows);
+                                            std::vector<FactorRow>& rows,
+                                            const std::atomic<bool>* cancelled = nullptr);
 
 }  // namespace Lumivane::Measure

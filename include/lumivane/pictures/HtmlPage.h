@@ -37,9 +37,11 @@ class LUMIVANE_PICTURES_EXPORT HtmlPage {
   void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
            const Visibility::MapShares* exact);
   void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without them.
-  /// Adds a map. Between maps of one scene the page switches too.
+  /// Adds a map. Between maps of one scene the page switches too, and it shows each in any
+  /// projection. Of cells that the picture leaves out nothing is shown in others, either
+  /// (`MapPictureOptions::allCells`).
   ///
-  /// \param picture  how it looks
+  /// \param picture  how it looks at first
   /// \param map      what it is of
   /// \param shares   of that map
   void add(const VectorPicture& picture, const Visibility::VisibleMap& map,

@@ -67,7 +67,9 @@ struct MapPictureOptions {
   int height = 800;     ///< likewise
   double extent = 1.0;  ///< what the whole is enlarged by around the map: 1 just fits
   bool lines = true;    ///< whether silhouettes, creases and crossings are drawn by the pens
-  std::string title;    ///< for the document's data; may be empty
+  /// Whether cells of which nothing is in the picture are regions, too, without outlines.
+  bool allCells = false;
+  std::string title;  ///< for the document's data; may be empty
 };
 
 }  // namespace Lumivane::Pictures

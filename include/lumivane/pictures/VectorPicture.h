@@ -3,6 +3,7 @@
 #include <lumivane/pictures/VectorOptions.h>
 #include <lumivane/pictures/export.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -84,6 +85,14 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
     double opacity = 1.0;
   };
 
+  /// What the picture of a map knows of the map.
+  struct MapPart {
+    std::string projection;  ///< its name on the command line
+    /// Which edges of the map each of `underlay()` draws: positions in `VisibleMap::edges`.
+    std::vector<std::vector<std::size_t>> underlayEdges;
+    std::vector<std::vector<std::size_t>> lineEdges;  ///< likewise of `lines()`
+  };
+
   /// Describes a shot. Points, brushes and pens that no region names are not looked at. A shot
   /// without points or regions is an empty picture.
   ///
@@ -122,6 +131,8 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
   const std::vector<Surface>& surfaces() const { return drawnSurfaces; }
   /// Lies over the surfaces of a map: its silhouettes, creases and crossings.
   const std::vector<Path>& lines() const { return linePaths; }
+  /// Of a map; nothing of a shot.
+  const std::optional<MapPart>& mapPart() const { return partOfMap; }
 
  private:
   int pictureWidth;
@@ -133,6 +144,7 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
   std::vector<Path> underlayPaths;
   std::vector<Surface> drawnSurfaces;
   std::vector<Path> linePaths;
+  std::optional<MapPart> partOfMap;
 };
 
 }  // namespace Lumivane::Pictures

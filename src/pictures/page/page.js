@@ -37,9 +37,12 @@
   };
 
   // The rows of a picture as objects with names for their columns.
-  const pictures = data.pictures.map(({ name, field, columns, rows }) => ({
+  const pictures = data.pictures.map(({ name, field, columns, rows, map }, i) => ({
     name,
     field,
+    map,
+    projection: map?.projection, // as it is drawn now
+    prefix: `p${i + 1}-`,
     values: Object.keys(texts).filter((column) => columns.includes(column)),
     columns: Object.keys(texts).filter((column) =>
       columns.includes(column) && column !== "exactAngle"),
@@ -408,6 +411,46 @@
     showRows();
   });
 
+  // Projections ------------------------------------------------------------------------------------
+
+  function listProjections() {
+    const { map, projection } = pictures[state.picture];
+    byId("views").hidden = !map;
+    if (!map) return;
+    byId("projection").replaceChildren(...drawMap.projectionsOf(map).map(({ name, label }) =>
+      new Option(label, name, false, name === projection)));
+    byId("angle").hidden = !hasAngle(map, projection);
+  }
+
+  const hasAngle = (map, name) =>
+    Boolean(drawMap.projectionsOf(map).find((entry) => entry.name === name)?.hasAngle);
+
+  function project() {
+    const picture = pictures[state.picture];
+    const svg = svgs[state.picture];
+    picture.projection = byId("projection").value;
+    const angle = Number(byId("field-of-view").value);
+    byId("angle").hidden = !hasAngle(picture.map, picture.projection);
+    byId("angle").querySelector("output").textContent = `${angle}\u00b0`;
+    if (picture.projection === picture.map.projection) drawMap.restore(svg, picture.prefix);
+    else drawMap(svg, picture.prefix, picture.map, picture.projection, angle);
+  }
+
+  // While the angle changes, the picture follows once a frame.
+  let isProjecting = false;
+  byId("field-of-view").addEventListener("input", () => {
+    if (isProjecting) return;
+    isProjecting = true;
+    requestAnimationFrame(() => {
+      isProjecting = false;
+      project();
+    });
+  });
+  byId("projection").addEventListener("change", () => {
+    project();
+    zoomBy(0);
+  });
+
   // Start ------------------------------------------------------------------------------------------
 
   function show(picture) {
@@ -425,6 +468,7 @@
       ? `view factor ${texts.viewFactor(sum("viewFactor"))}, ` : "";
     byId("sum").textContent = `All objects and the open share together: ${factor}` +
       `${texts.solidAngle(sum("solidAngle"))} sr.`;
+    listProjections();
     listRows();
     mark();
     tell();
