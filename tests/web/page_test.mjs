@@ -366,6 +366,7 @@ const choose = (page, name) => page.locator("#projection").selectOption(name);
 
 const Projections = ["fisheye", "equidistant", "equisolid", "stereographic", "equirectangular-half",
                      "cylindrical", "perspective"];
+const Rows = 25; // of places that are looked at, and columns
 const Maps = {
   street: ["street.json", "--eye=-5.3,-1.37,3.4"],
   level: ["room.json", "--eye=0.35,2.137,1.6", "--forward=1,0.2,0.1"],
@@ -386,16 +387,16 @@ for (const [title, [scene, ...view]] of Object.entries(Maps)) {
       const inverse = inverseOf(name, 90, true);
       const places = [];
       const there = [];
-      for (let i = 0; i < 33; ++i) {
-        for (let k = 0; k < 33; ++k) {
-          const place = [(2 * i + 1.13) / 33 - 1, (2 * k + 0.87) / 33 - 1];
+      for (let i = 0; i < Rows; ++i) {
+        for (let k = 0; k < Rows; ++k) {
+          const place = [(2 * i + 1.13) / Rows - 1, (2 * k + 0.87) / Rows - 1];
           const direction = inverse(...place);
           if (!direction) continue;
           places.push(place);
           there.push(placeOnSphere(direction));
         }
       }
-      assert.ok(places.length > 700);
+      assert.ok(places.length > 0.7 * Rows * Rows);
       const drawn = await regionsAt(page, places);
       const right = await regionsAt(truth, there);
       let different = 0;
@@ -450,11 +451,28 @@ test("lines that are straight stay straight in perspective, and its field of vie
   const page = await open(t, "perspective.html");
   assert.equal(await page.locator("#angle").isVisible(), false);
   await choose(page, "perspective");
-  const corners = () => page.locator("#p1-lines path").first().evaluate((path) =>
-    (path.getAttribute("d").match(/[ML]/g) ?? []).length);
+  // Corners within the picture, and how far the farthest is off the line through its neighbours.
+  const corners = () => page.locator("#p1-lines path").first().evaluate((path) => {
+    const { width, height } = path.ownerSVGElement.viewBox.baseVal;
+    const isInside = ([x, y]) => x > 0 && x < width && y > 0 && y < height;
+    let [count, most] = [0, 0];
+    for (const line of path.getAttribute("d").split("M").slice(1)) {
+      const places = line.split("L").map((text) => text.split(" ").map(Number));
+      places.slice(1, -1).forEach(([x, y], i) => {
+        const [[ax, ay], [bx, by]] = [places[i], places[i + 2]];
+        if (![[x, y], [ax, ay], [bx, by]].every(isInside)) return;
+        const off = Math.abs((bx - ax) * (y - ay) - (by - ay) * (x - ax)) /
+          Math.hypot(bx - ax, by - ay);
+        [count, most] = [count + 1, Math.max(most, off)];
+      });
+    }
+    return { count, most };
+  });
   const straight = await corners();
+  assert.ok(straight.most < 0.02, `a corner is ${straight.most} off`);
   await choose(page, "equidistant");
-  assert.ok((await corners()) > 1.2 * straight, `${await corners()} and ${straight}`);
+  const bent = await corners();
+  assert.ok(bent.most > 0.1 && bent.count > 2 * straight.count, JSON.stringify([bent, straight]));
   await choose(page, "perspective");
   for (const angle of [40, 140]) {
     await page.locator("#field-of-view").fill(String(angle));
