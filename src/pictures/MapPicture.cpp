@@ -204,7 +204,8 @@ VectorPicture::VectorPicture(const VisibleMap& map, const MapColors& colors,
   MapEdges edges = drawing.edges();
   underlayPaths = edges.under.take();
   linePaths = edges.over.take();
-  partOfMap = MapPart{ruleOf(options.projection).name, edges.under.takeEdges(), edges.over.takeEdges()};
+  partOfMap =
+      MapPart{ruleOf(options.projection).name, edges.under.takeEdges(), edges.over.takeEdges()};
 }
 
 }  // namespace Lumivane::Pictures

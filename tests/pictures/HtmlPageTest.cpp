@@ -74,7 +74,7 @@ TEST(HtmlPage, TitleAndIdsOfAnyBytesStayText) {
   model.shot->getObjects()->getObject(0)->setId(id);
   const std::string page = pageOf(model, "<img src=x> & {{data}} \xFF");
   EXPECT_EQ(2u, count(page, "&lt;img src=x&gt; &amp; {{data}} \xEF\xBF\xBD"));
-  EXPECT_EQ(2u, count(page, "</script>"));  // those of the template
+  EXPECT_EQ(3u, count(page, "</script>"));  // those of the template
   EXPECT_EQ(id, dataOf(page).at("pictures").at(0).at("rows").at(0).at(1));
 }
 

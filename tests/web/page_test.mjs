@@ -403,6 +403,8 @@ for (const [title, [scene, ...view]] of Object.entries(Maps)) {
       const wrong = places.filter((_, i) => {
         if (drawn[i].here !== right[i].here) ++different;
         assert.match(right[i].here, /^p1-r\d+$/);
+        // Where cells are smaller than a pixel, places beside each other say nothing.
+        if ([drawn[i], right[i]].some(({ around }) => new Set(around).size > 4)) return false;
         return !drawn[i].around.includes(right[i].here) && !right[i].around.includes(drawn[i].here);
       });
       assert.deepEqual(wrong, [], `${name}: wrong at these places`);
