@@ -44,5 +44,6 @@ PYBIND11_MODULE(_core, module) {
   Lumivane::Python::bindMap(module);
   Lumivane::Python::bindShot(module);
   Lumivane::Python::bindFactors(module);
+  Lumivane::Python::bindSun(module);
   Lumivane::Python::bindScene(module);
 }

@@ -7,6 +7,7 @@ namespace Lumivane::Python {
 // What stands in each file of the module. All texts for users stand in the package around it.
 void bindErrors(pybind11::module_& module);
 void bindFactors(pybind11::module_& module);
+void bindSun(pybind11::module_& module);
 void bindScene(pybind11::module_& module);
 void bindMap(pybind11::module_& module);
 void bindShot(pybind11::module_& module);

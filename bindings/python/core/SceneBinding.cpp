@@ -6,6 +6,7 @@
 #include "MapBinding.h"
 #include "Module.h"
 #include "ShotBinding.h"
+#include "SunTimes.h"
 #include "Waiting.h"
 
 #include <lumivane/check/SceneChecker.h>
@@ -13,6 +14,7 @@
 #include <lumivane/session/Files.h>
 #include <lumivane/session/Text.h>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <limits>
@@ -240,6 +242,30 @@ py::dict factors(const SceneData& self, bool twoSided, double tolerance, std::si
   return factorsOf(self, wanted, progress);
 }
 
+Measure::CivilDate dateOf(const std::array<int, 3>& parts) {
+  return {parts[0], parts[1], parts[2]};
+}
+
+py::dict sunHours(const SceneData& self, const Array<double>& eyes, const std::array<int, 3>& first,
+                  const std::array<int, 3>& last, double latitude, double longitude,
+                  const Vector& north, const std::vector<std::pair<double, int>>& zone,
+                  double lowestElevation, bool twoSided, int threads, const py::object& progress) {
+  WantedSun wanted;
+  wanted.eyes = vectorsOf(eyes);
+  wanted.place.latitude = latitude;
+  wanted.place.longitude = longitude;
+  wanted.place.north = north;
+  std::vector<Measure::TimeZone::Step> steps;
+  for (const std::pair<double, int>& step : zone) steps.push_back({step.first, step.second});
+  wanted.place.zone = Measure::TimeZone(std::move(steps));
+  wanted.first = dateOf(first);
+  wanted.last = dateOf(last);
+  wanted.lowestElevation = lowestElevation;
+  wanted.twoSided = twoSided;
+  wanted.threads = threads;
+  return sunHoursOf(self, wanted, progress);
+}
+
 py::array seenIn(const SceneData& self, const Vector& eye, const Array<double>& directions,
                  bool twoSided, int threads) {
   constexpr std::size_t Block = 1024;  // a cancelled call ends after those under way
@@ -362,6 +388,10 @@ void bindScene(py::module_& module) {
            py::arg("sparse"), py::arg("threads"), py::arg("progress"))
       .def("factors", &factors, py::arg("two_sided"), py::arg("tolerance"), py::arg("most_points"),
            py::arg("rows"), py::arg("reciprocal"), py::arg("threads"), py::arg("progress"))
+      .def("sun_hours", &sunHours, py::arg("eyes"), py::arg("first"), py::arg("last"),
+           py::arg("latitude"), py::arg("longitude"), py::arg("north"), py::arg("zone"),
+           py::arg("lowest_elevation"), py::arg("two_sided"), py::arg("threads"),
+           py::arg("progress"))
       .def("seen_in", &seenIn, py::arg("eye"), py::arg("directions"), py::arg("two_sided"),
            py::arg("threads"))
       .def("take", &take, py::arg("eye"), py::arg("forward"), py::arg("up"), py::arg("is_normal"),

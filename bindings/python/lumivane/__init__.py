@@ -6,8 +6,8 @@
 
 A `Scene` is read from a scene file, a mesh (OBJ, STL, PLY, glTF), a city model (CityJSON), or made
 of arrays. `Scene.look` gives the exact visibility map of one eye, `Scene.shares` the numbers of
-many eyes, `Scene.factors` the view factors from face to face, `Scene.shot` a picture of whole
-polygons in drawing order.
+many eyes, `Scene.factors` the view factors from face to face, `Scene.sun_hours` when the sun
+shines, `Scene.shot` a picture of whole polygons in drawing order.
 
 Lengths are in scene units, angles in steradian unless said otherwise. Objects, faces and regions
 are numbered from 1 as in the scene and in all files; 0 is the sky. Positions in arrays are from 0.
@@ -21,6 +21,7 @@ from ._factors import FaceFactors, Reciprocity
 from ._map import EDGE_KINDS, VisibleMap
 from ._scene import Finding, Scene, check
 from ._shot import Shot
+from ._sun import SunHours
 
 __all__ = [
     "EDGE_KINDS",
@@ -30,6 +31,7 @@ __all__ = [
     "Reciprocity",
     "Scene",
     "Shot",
+    "SunHours",
     "VisibleMap",
     "__version__",
     "check",

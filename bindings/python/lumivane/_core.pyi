@@ -5,6 +5,7 @@ import numpy as np
 import numpy.typing as npt
 
 __version__: str
+has_sun: bool
 
 _Vector = tuple[float, float, float]
 _Floats = npt.NDArray[np.float64]
@@ -118,6 +119,20 @@ class Scene:
         most_points: int,
         rows: Optional[npt.NDArray[np.int64]],
         reciprocal: bool,
+        threads: int,
+        progress: Optional[Callable[[float], object]],
+    ) -> dict[str, Any]: ...
+    def sun_hours(
+        self,
+        eyes: _Floats,
+        first: tuple[int, int, int],
+        last: tuple[int, int, int],
+        latitude: float,
+        longitude: float,
+        north: _Vector,
+        zone: list[tuple[float, int]],
+        lowest_elevation: float,
+        two_sided: bool,
         threads: int,
         progress: Optional[Callable[[float], object]],
     ) -> dict[str, Any]: ...

@@ -27,6 +27,7 @@ from ._arguments import (
 from ._factors import FaceFactors
 from ._map import VisibleMap
 from ._shot import Shot
+from ._sun import Day, SunHours, Zone, day_of, steps_of
 
 if TYPE_CHECKING:
     import scipy.sparse
@@ -329,6 +330,61 @@ class Scene:
             two_sided, tolerance, most_points, wanted, reciprocal, thread_count(threads), progress
         )
         return FaceFactors(parts)
+
+    def sun_hours(
+        self,
+        eyes: npt.ArrayLike,
+        first: Day,
+        last: Optional[Day] = None,
+        *,
+        latitude: float,
+        longitude: float,
+        time_zone: Zone,
+        north: npt.ArrayLike = (0.0, 1.0, 0.0),
+        lowest_elevation: float = 0.0,
+        two_sided: bool = False,
+        threads: int = 0,
+        progress: Optional[Progress] = None,
+    ) -> SunHours:
+        """{{SunHours}}
+
+        `eyes`: float, shape (eyes, 3), scene units; each sees the hemisphere above it.
+        `first`, `last`: days from midnight to midnight by the clocks of the place, both included:
+            `datetime.date`, "YYYY-MM-DD" or `numpy.datetime64`, 1900 to 2100; one day without
+            `last`.
+        `latitude`: {{Place.latitude}}.
+        `longitude`: {{Place.longitude}}.
+        `time_zone`: what the clocks show: a name as "Europe/Amsterdam", a `datetime.tzinfo`, or
+            the hours that they are ahead of UTC.
+        `north`: {{Place.north}}
+        `lowest_elevation`: {{SunHours.Options.lowestElevation}}.
+        `two_sided`: {{LookOptions.twoSided}}.
+        `threads`: how many; 0 for all processors. Results do not depend on it.
+        `progress`: is called with the finished part, from 0 to 1, several times a second. What it
+            raises ends the work, and so does Ctrl-C, within a fifth of a second.
+
+        Raises `ValueError` for a place, a north, an elevation or days that are none, and `Error`
+        if the package was built without libnova, which knows where the sun is.
+        """
+        start = day_of(first, "first")
+        end = start if last is None else day_of(last, "last")
+        if end < start:
+            raise ValueError(f"last: {end} is before the first day, {start}")
+        rows = rows_of_three(eyes, "eyes")
+        parts = self._scene.sun_hours(
+            rows,
+            (start.year, start.month, start.day),
+            (end.year, end.month, end.day),
+            latitude,
+            longitude,
+            vector(north, "north"),
+            steps_of(time_zone, start, end),
+            lowest_elevation,
+            two_sided,
+            thread_count(threads),
+            progress,
+        )
+        return SunHours(parts, start)
 
     def seen_in(
         self,

@@ -45,6 +45,8 @@ def test_types_of_the_package_are_checked(tmp_path):
         "factor: float = view.sky_view_factor\n"
         "names: tuple[str, ...] = scene.objects\n"
         "shot: lumivane.Shot = scene.shot((0, 0, 1))\n"
+        "sun = scene.sun_hours((0, 0, 1), '2026-06-21', latitude=52, longitude=4.4, time_zone=2)\n"
+        "hours: float = float(sun.hours.sum())\n"
         "factors: lumivane.FaceFactors = scene.factors(rows=[0, 2], tolerance=1e-3)\n"
     )
     wrong = tmp_path / "wrong.py"
@@ -69,7 +71,8 @@ def test_everything_public_is_documented():
         member = getattr(lumivane, name)
         if inspect.isclass(member) or inspect.isfunction(member):
             missing += [] if member.__doc__ else [name]
-        if member in (lumivane.FaceFactors, lumivane.Scene, lumivane.Shot, lumivane.VisibleMap):
+        if member in (lumivane.FaceFactors, lumivane.Scene, lumivane.Shot,
+                      lumivane.SunHours, lumivane.VisibleMap):  # fmt: skip
             missing += [f"{name}.{n}" for n, m in public(member) if not inspect.getdoc(m)]
     assert missing == []
 
