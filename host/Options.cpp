@@ -405,9 +405,11 @@ std::vector<std::string> joinedVectorOptions(const std::vector<std::string>& arg
       result.back() += "=" + argument;
     else
       result.push_back(argument);
-    join = !join && (argument == "--eye" || argument == "--forward" || argument == "--up" ||
-                     argument == "--target" || argument == "--parallel" || argument == "--light" ||
-                     argument == "--shift");
+    join = !join &&
+           (argument == "--eye" || argument == "--forward" || argument == "--up" ||
+            argument == "--target" || argument == "--parallel" || argument == "--light" ||
+            argument == "--shift" || argument == "--north" || argument == "--plane" ||
+            argument == "--latitude" || argument == "--longitude" || argument == "--time-zone");
   }
   return result;
 }

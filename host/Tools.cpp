@@ -11,6 +11,7 @@
 #include "OptionParts.h"
 #include "ShotShares.h"
 #include "Stats.h"
+#include "SunOptions.h"
 #include "ToolParts.h"
 #include "VectorFiles.h"
 #include "VisibleFile.h"
@@ -106,6 +107,9 @@ std::vector<Command> commands() {
           command<FactorsOptions>(
               "factors", "Find out the view factors from face to face, with what stands between",
               setFactorsOptions, runFactors),
+          command<SunOptions>(
+              "sun", "Find out when the sun shines on eye points, and what they see of the sky",
+              setSunOptions, runSun),
           command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
                                         setImportOptions, runImport)};
 }

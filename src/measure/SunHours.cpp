@@ -217,9 +217,11 @@ std::vector<SunMonth> sunMonths(const std::vector<SunDay>& days) {
 
 std::vector<SunMonth> SunHours::months() const { return sunMonths(theDays); }
 
-std::vector<SunShade> SunHours::shades() const {
+std::vector<SunShade> SunHours::shades() const { return sunShades(theDays); }
+
+std::vector<SunShade> sunShades(const std::vector<SunDay>& days) {
   std::map<std::pair<int, int>, double> sums;
-  for (const SunDay& day : theDays)
+  for (const SunDay& day : days)
     for (const SunSpan& span : day.spans)
       if (!span.isLit()) sums[{span.object, span.classNumber}] += span.seconds();
   std::vector<SunShade> result;

@@ -50,6 +50,9 @@ struct SunShade {
   double seconds = 0.0;  ///< of all days together
 };
 
+/// What stands in front of the sun on some days, longest first.
+LUMIVANE_MEASURE_EXPORT std::vector<SunShade> sunShades(const std::vector<SunDay>& days);
+
 /// When the sun shines on one eye point, and what stands in front of it otherwise.
 ///
 /// The sun is its centre, which rises and sets at elevation 0 or what the options say; there is no
