@@ -1,3 +1,5 @@
+// The options of `sun` by what they are for, with the checks that need no file. Which of them need
+// which others depends on what is asked for: SunCommand.cpp checks that.
 #include "SunOptions.h"
 
 #include "OptionParts.h"

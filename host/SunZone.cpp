@@ -1,3 +1,5 @@
+// Named zones are the C library's: it is asked for the offset of every hour of the years, and where
+// that changes, for the second in between.
 #include "SunZone.h"
 
 #include "HostError.h"

@@ -1,3 +1,7 @@
+// On a small circle around the pole the distance from a plane is A + B cos(H - H0): its extremes, at
+// H0 and half a turn on, part the roots. The path is all but such a circle. So the extremes are
+// corrected on the path itself, where the derivative vanishes, and between two of them a root is
+// bracketed or is not there.
 #include "measure/SunCrossings.h"
 
 #include "kernel/Planar.h"
