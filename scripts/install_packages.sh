@@ -15,7 +15,7 @@ packages=(
   xdotool x11-utils                      # to look at windows
   python3-jsonschema                     # the schemas of the documents
   help2man dpkg-dev binutils file        # manual pages, packages
-  chromium                               # to look at SVG and pages
+  chromium libxml2-utils                 # to look at SVG and pages
   parallel                               # to spread eye points over shards
   libembree-dev                          # rays beside which the exact map is measured
   python3-dev python3-numpy pybind11-dev # the Python package

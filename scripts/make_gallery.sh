@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/gallery.md, docs/pictures/gallery-*.png, from the sample scenes.
+# The SVG of each is looked through by xmllint, if it is there.
 # Usage: scripts/make_gallery.sh [PROGRAM] [FOLDER]    (build/release/host/lumivane docs/pictures)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -7,10 +8,13 @@ program=${1:-build/release/host/lumivane}
 folder=${2:-docs/pictures}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+mkdir -p "$folder"
 python3 scripts/make_torus.py >"$work/torus.obj"
 
 drawing() {  # drawing NAME SCENE OPTION...
-  "$program" draw "$2" "${@:3}" --dpi 110 --png "$folder/gallery-$1.png" >/dev/null
+  "$program" draw "$2" "${@:3}" --dpi 110 --png "$folder/gallery-$1.png" --svg "$work/$1.svg" \
+    >/dev/null
+  if command -v xmllint >/dev/null; then xmllint --noout "$work/$1.svg"; fi
   echo "$folder/gallery-$1.png"
 }
 
