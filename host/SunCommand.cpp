@@ -22,11 +22,17 @@
 #include <lumivane/visibility/MapShares.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -141,19 +147,19 @@ struct LocalTime {
 };
 
 LocalTime timeOf(const std::string& text) {
-  LocalTime result;
-  const bool isLong = text.size() >= 16 && (text[10] == 'T' || text[10] == ' ');
+  const auto number = [&text](size_t at, int below) {
+    const bool isNumber = std::isdigit(static_cast<unsigned char>(text[at])) != 0 &&
+                          std::isdigit(static_cast<unsigned char>(text[at + 1])) != 0;
+    const int value = isNumber ? (text[at] - '0') * 10 + (text[at + 1] - '0') : below;
+    return value < below ? value : -1;
+  };
   const std::optional<CivilDate> date = Measure::readDate(text.substr(0, 10));
-  int hour = 0;
-  int minute = 0;
-  int end = 0;
-  if (!isLong || !date || std::sscanf(text.c_str() + 11, "%2d:%2d%n", &hour, &minute, &end) != 2 ||
-      static_cast<size_t>(end) + 11 != text.size() || hour < 0 || hour > 23 || minute < 0 ||
-      minute > 59)
+  const bool isWhole = text.size() == 16 && (text[10] == 'T' || text[10] == ' ') && text[13] == ':';
+  const int hour = isWhole ? number(11, 24) : -1;
+  const int minute = isWhole ? number(14, 60) : -1;
+  if (!date || hour < 0 || minute < 0)
     throw ArgumentError("--at", "\"" + oneLine(text) + "\" is no time YYYY-MM-DDTHH:MM");
-  result.date = *date;
-  result.seconds = hour * HourSeconds + minute * 60.0;
-  return result;
+  return {*date, hour * HourSeconds + minute * 60.0};
 }
 
 Measure::Place placeOf(const SunOptions& options, const DayRange& days) {
@@ -275,6 +281,55 @@ std::string diagramOf(const SunOptions& options, const Session::LoadedScene& sce
   return Pictures::sunDiagram(map, colors, place, how);
 }
 
+// What there is of one eye alone.
+void addPictures(const SunOptions& options, const Session::LoadedScene& scene,
+                 const VisibleMap& map, const Measure::Place& place, const DayRange& days,
+                 const SunEye& eye, std::vector<Output>& outputs) {
+  if (!options.horizon.empty()) {
+    const auto count = static_cast<int>(std::lround(360.0 / options.horizonStep));
+    const Measure::HorizonLine line(map, place.north, count);
+    const bool isHor = std::filesystem::path(options.horizon).extension() == ".hor";
+    outputs.push_back(
+        {options.horizon, isHor ? line.horText(place.latitude < 0.0) : line.listText()});
+  }
+  if (!options.svg.empty())
+    outputs.push_back({options.svg, diagramOf(options, scene, map, place, days, eye)});
+}
+
+// Calls `visit(i)` once for each i below `count`, from several threads, and shows how far they have
+// come. Throws what the first that failed has thrown.
+template <class Visit>
+void forEachEye(size_t count, int wanted, const Visit& visit) {
+  const ProgressBar bar;
+  const Session::Progress show = bar.progress();
+  std::atomic<size_t> next{0};
+  std::mutex mutex;
+  std::exception_ptr failure;
+  const auto work = [&](bool isCaller) {
+    try {
+      for (size_t i = next.fetch_add(1); i < count; i = next.fetch_add(1)) {
+        if (isCaller && show) show(100.0 * static_cast<double>(i) / static_cast<double>(count));
+        visit(i);
+      }
+    } catch (...) {
+      next.store(count);
+      const std::lock_guard<std::mutex> lock(mutex);
+      if (!failure) failure = std::current_exception();
+    }
+  };
+  const size_t most =
+      wanted > 0 ? static_cast<size_t>(wanted) : std::max(1U, std::thread::hardware_concurrency());
+  std::vector<std::thread> threads;
+  try {
+    for (size_t i = 1; i < std::min(most, count); ++i) threads.emplace_back(work, false);
+  } catch (const std::system_error&) {
+    // Those that are there do it all.
+  }
+  work(true);
+  for (std::thread& thread : threads) thread.join();
+  if (failure) std::rethrow_exception(failure);
+}
+
 void addTables(const SunOptions& options, const std::vector<SunEye>& eyes, const SunText& text,
                const std::vector<std::string>& columns, std::vector<Output>& outputs) {
   const auto formatOf = [](const std::string& path) {
@@ -357,33 +412,20 @@ void runSun(const SunOptions& options) {
   const SourcedScene source = loadScene(options.scene, options.import);
   const ExactScene exact(options.scene, source.scene);
   const Check::InsideTest inside(source.scene.scene());
+  const bool isOne = eyes.size() == 1;
   Visibility::LookOptions how = lookUpwards(place);
   how.twoSided = options.twoSided;
-  how.threads = options.threads;
+  how.threads = isOne ? options.threads : 1;
   std::vector<Output> outputs;
   std::shared_ptr<const VisibleMap::Names> names;
-  {
-    const ProgressBar bar;
-    const Session::Progress show = bar.progress();
-    for (size_t i = 0; i < eyes.size(); ++i) {
-      if (show) show(100.0 * static_cast<double>(i) / static_cast<double>(eyes.size()));
-      const Vector eye = moved(eyes[i].eye, source.eyeShift);
-      eyes[i].isInside = inside.isInside(eye);
-      const VisibleMap map = exact.look(eye, how);
-      names = map.names;
-      work.at(map, eyes[i]);
-      if (!options.horizon.empty()) {
-        const Measure::HorizonLine line(map, place.north,
-                                        static_cast<int>(std::lround(360.0 / options.horizonStep)));
-        const bool isHor = std::filesystem::path(options.horizon).extension() == ".hor";
-        outputs.push_back(
-            {options.horizon, isHor ? line.horText(place.latitude < 0.0) : line.listText()});
-      }
-      if (!options.svg.empty())
-        outputs.push_back(
-            {options.svg, diagramOf(options, source.scene, map, place, days, eyes[i])});
-    }
-  }
+  forEachEye(eyes.size(), options.threads, [&](size_t i) {
+    const Vector eye = moved(eyes[i].eye, source.eyeShift);
+    eyes[i].isInside = inside.isInside(eye);
+    const VisibleMap map = exact.look(eye, how);
+    work.at(map, eyes[i]);
+    if (i == 0) names = map.names;
+    if (isOne) addPictures(options, source.scene, map, place, days, eyes[i], outputs);
+  });
   const std::vector<std::string> columns =
       options.sky.empty() ? std::vector<std::string>() : work.columns();
   addTables(options, eyes, SunText(place.zone, names, options.csvSafe), columns, outputs);

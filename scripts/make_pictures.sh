@@ -47,6 +47,12 @@ town() {  # town NAME MODEL CAMERA EYE FORWARD
 town delft-air delft spherical 40.3,-75.7,26 0.33,0.6,-0.8
 town delft-street delft normal 28.3,-65.7,6.7 0.6,0.7,-0.05
 
+# The sky of a court and the sun's paths, where the program knows where the sun is.
+(cd "$work" && "$program" sun "$OLDPWD/scenes/models/rotterdam.city.json" --eye 231.8,-183.6,1.6 \
+  --latitude 51.917 --longitude 4.486 --time-zone Europe/Amsterdam --north 0,1,0 --day 2024-03-20 \
+  --size 640x640 --svg "$pictures/sun-path.svg" >/dev/null)
+echo "docs/pictures/sun-path.svg"
+
 # Those of the Python examples, where the package is built.
 export PYTHONPATH=$PWD/build/release/python
 if /usr/bin/python3 -c 'import lumivane, matplotlib, geopandas' 2>/dev/null; then

@@ -20,7 +20,6 @@ namespace Lumivane::Measure {
 namespace {
 
 using Kernel::Vec3;
-using Visibility::Label;
 using Visibility::VisibleMap;
 
 constexpr double Degree = Kernel::Pi / 180.0;
@@ -225,6 +224,7 @@ std::vector<SunShade> sunShades(const std::vector<SunDay>& days) {
     for (const SunSpan& span : day.spans)
       if (!span.isLit()) sums[{span.object, span.classNumber}] += span.seconds();
   std::vector<SunShade> result;
+  result.reserve(sums.size());
   for (const auto& [what, seconds] : sums) result.push_back({what.first, what.second, seconds});
   std::stable_sort(result.begin(), result.end(),
                    [](const SunShade& a, const SunShade& b) { return a.seconds > b.seconds; });

@@ -130,6 +130,11 @@ TEST_F(SunProgram, ManyEyesHaveARowEachAndThoseInsideAreFlagged) {
   double open = 0.0;
   for (std::size_t i = 5; i < 150; ++i) open += std::stod(patches[1][i]);
   EXPECT_NEAR(2.1078, open, 1e-3);
+  const std::string atOnce = fileBytes(folder.path("t.csv"));
+  ASSERT_EQ(0, sun(Words{"--views", folder.path("views.csv"), "--threads", "1"} + Place +
+                   Words{"--day", "2024-06-21", "--totals", folder.path("t.csv")})
+                   .status);
+  EXPECT_EQ(fileBytes(folder.path("t.csv")), atOnce);
 }
 
 TEST_F(SunProgram, TheDiagramHoldsTheCellsAndThePaths) {
@@ -182,6 +187,9 @@ TEST(SunProgramSky, WrongArgumentsAreNamed) {
           "\"Mars/Phobos\" is neither an offset from UTC");
   refused(Court + Place + Words{"--sky", "cie:17"}, "\"cie:17\" is not uniform");
   refused(Court + Place + Words{"--sky", "cie:12"}, "--at: is needed");
+  for (const char* at : {"2024-06-21", "2024-06-21T24:00", "2024-06-21T12:60", "2024-06-31T12:00",
+                         "2024-06-21T1:000", "2024-06-21T12:00:00"})
+    refused(Court + Place + Words{"--sky", "cie:12", "--at", at}, "is no time YYYY-MM-DDTHH:MM");
   refused(Court + Place + Words{"--sky", "patches:145"}, "--sky-values: is needed");
   refused(Court + Place + Words{"--horizon", folder.path("h.hor"), "--horizon-step", "7"},
           "does not divide 360");
