@@ -52,10 +52,10 @@ struct Direction {
 
 const std::vector<Direction>& directions() {
   static const std::vector<Direction> all = {
-      {"top", {0, 0, -1}, {0, 1, 0}},       {"bottom", {0, 0, 1}, {0, -1, 0}},
-      {"front", {0, 1, 0}, {0, 0, 1}},      {"back", {0, -1, 0}, {0, 0, 1}},
-      {"left", {1, 0, 0}, {0, 0, 1}},       {"right", {-1, 0, 0}, {0, 0, 1}},
-      {"isometric", {-1, 1, -1}, {0, 0, 1}}};
+      {"top", {0, 0, -1}, {0, 1, 0}},    {"plan", {0, 0, -1}, {0, 1, 0}},
+      {"bottom", {0, 0, 1}, {0, -1, 0}}, {"front", {0, 1, 0}, {0, 0, 1}},
+      {"back", {0, -1, 0}, {0, 0, 1}},   {"left", {1, 0, 0}, {0, 0, 1}},
+      {"right", {-1, 0, 0}, {0, 0, 1}},  {"isometric", {-1, 1, -1}, {0, 0, 1}}};
   return all;
 }
 

@@ -1,5 +1,6 @@
 #include "DrawOptions.h"
 
+#include "OptionParts.h"
 #include "Options.h"
 
 #include <algorithm>
@@ -166,6 +167,7 @@ void addView(CLI::App& command, DrawOptions& options) {
     names.emplace_back(entry.name);
   names.emplace_back("cube");
   command.add_option("--projection", options.projection, "how what is seen becomes a picture")
+      ->transform(otherNames({{"fisheye", "orthographic"}, {"nusselt", "orthographic"}}))
       ->check(CLI::IsMember(names))
       ->default_str("perspective")
       ->group(ViewGroup);
@@ -185,9 +187,10 @@ void addView(CLI::App& command, DrawOptions& options) {
       ->type_name("X,Y,Z")
       ->excludes("--forward")
       ->group(ViewGroup);
-  addVector(command, "--up", drawing.up, "upwards in the picture", "0,0,1", ViewGroup);
+  addVector(command, "--up", drawing.up, "the up direction of the picture", "0,0,1", ViewGroup);
   addLength(command, "--fov", drawing.fieldOfView,
-            "field of view, degrees: of a perspective across, of a cylinder upwards", ViewGroup);
+            "field of view, degrees: horizontal of a perspective, vertical of a cylinder",
+            ViewGroup);
   command
       .add_option_function<std::string>(
           "--shift",
@@ -229,10 +232,11 @@ void addLook(CLI::App& command, DrawOptions& options) {
       ->default_str(
           "outline=0.5,silhouette=0.35,crease=0.25,inner=0,crossing=0.25,field=0.25,hidden=0.18")
       ->group(LineGroup);
-  addChoice<bool>(command, "--hidden", drawing.hidden, "edges that something is in front of",
+  addChoice<bool>(command, "--hidden", drawing.hidden, "how hidden edges are drawn",
                   {{"none", false}, {"dashed", true}}, "none", LineGroup);
   addLength(command, "--crease-angle", drawing.creaseAngle,
-            "edges that bend by no more than this, in degrees, count as inner ones", LineGroup);
+            "edges whose faces have a smaller angle between them, in degrees, are inner ones",
+            LineGroup);
   addChoice<DrawingFill>(command, "--fill", drawing.fill, "what surfaces are filled with",
                          {{"none", DrawingFill::None},
                           {"white", DrawingFill::White},

@@ -100,7 +100,9 @@ void report(const FactorsOptions& options, const FactorTable& table) {
   }
   std::printf("%zu factors in %zu of %zu rows, from %zu points\n", entries, table.rows.size(),
               table.elements.size(), points);
-  if (rough > 0) std::printf("%zu rows are not within the tolerance: see --most-points\n", rough);
+  if (rough > 0)
+    std::printf("%zu row%s not within the tolerance: raise --most-points\n", rough,
+                rough == 1 ? " is" : "s are");
   if (options.reciprocal || table.rows.size() != table.elements.size()) return;
   const Measure::Reciprocity apart = reciprocityOf(table.elements, table.rows);
   std::printf("reciprocity: off by %.3g at most, %.3g in the root mean square\n", apart.greatest,

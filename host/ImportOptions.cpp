@@ -55,9 +55,11 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
                 "read buffers of a glTF file that lie outside its folder")
       ->group(group);
   command
-      .add_option("--crease", settings.crease,
-                  "edges that bend by at most this many degrees are not drawn; without it 30 on "
-                  "the ground of a city model, else 1")
+      .add_option(
+          "--crease", settings.crease,
+          "while a model is imported, edges with at most this angle between their faces, in "
+          "degrees, become docking edges; without it 30 on the ground of a city model, "
+          "else 1")
       ->check(
           [](const std::string& text) {
             return refusedNumber(text, "an angle of 0 to 90 degrees",

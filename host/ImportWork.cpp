@@ -37,7 +37,9 @@ Jzon::Node node(const Triple& triple) {
 // Of many bodies the first are named.
 std::string openBodiesText(const std::vector<Importers::OpenBody>& bodies) {
   constexpr std::size_t MostNamed = 5;
-  std::string text = std::to_string(bodies.size()) + " open bodies (edges of one polygon only): ";
+  std::string text = std::to_string(bodies.size()) +
+                     (bodies.size() == 1 ? " open body" : " open bodies") +
+                     " (edges used by only one polygon): ";
   for (std::size_t i = 0; i < std::min(bodies.size(), MostNamed); ++i)
     text += (i > 0 ? ", \"" : "\"") + Session::oneLine(bodies[i].object) + "\" " +
             std::to_string(bodies[i].openEdges);

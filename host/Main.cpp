@@ -16,7 +16,9 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -65,7 +67,8 @@ Command batchCommand() {
 // In the order of the help.
 std::vector<Command> allCommands() {
   std::vector<Command> all = {
-      command<ShotOptions>("shot", "Make a shot of a scene, as a file and as a picture",
+      command<ShotOptions>("shot",
+                           "Make a shot: a hemispherical (fisheye) vector view of whole faces",
                            setShotOptions, runShot),
       showCommand()};
   for (Command& tool : Tools::commands()) all.push_back(std::move(tool));
@@ -77,13 +80,52 @@ std::vector<Command> allCommands() {
   return all;
 }
 
+// How many letters to change, add or take away: V. I. Levenshtein, 1966.
+size_t editDistance(const std::string& a, const std::string& b) {
+  std::vector<size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), size_t{0});
+  for (size_t i = 0; i < a.size(); ++i) {
+    size_t diagonal = std::exchange(row[0], i + 1);
+    for (size_t k = 0; k < b.size(); ++k) {
+      const size_t changed = diagonal + (a[i] == b[k] ? 0 : 1);
+      diagonal = row[k + 1];
+      row[k + 1] = std::min({changed, row[k] + 1, row[k + 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+// Of a first word that is no command; empty if it is one, or an option.
+std::string commandFault(const std::vector<std::string>& arguments,
+                         const std::vector<Command>& commands) {
+  if (arguments.empty()) return "a command is missing, such as view, draw or shot";
+  const std::string& word = arguments.front();
+  if (word.empty() || word[0] == '-') return "";
+  std::string nearest;
+  size_t least = 3;  // more letters than that are another word
+  for (const Command& entry : commands) {
+    const size_t distance = editDistance(word, entry.name);
+    if (distance == 0) return "";
+    if (distance < least) nearest = entry.name;
+    least = std::min(least, distance);
+  }
+  return "\"" + word + "\" is not a command" +
+         (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?");
+}
+
 int run(const std::vector<std::string>& arguments) {
-  CLI::App app("Makes flat vector pictures of what one eye sees of a scene.", "lumivane");
+  CLI::App app(
+      "Computes what one point of a 3D scene sees: exact view factors, line drawings, fisheye "
+      "vector "
+      "views.",
+      "lumivane");
   app.set_version_flag("--version", "lumivane " LUMIVANE_VERSION);
   app.require_subcommand(1);
   const std::vector<Command> commands = allCommands();
   for (const Command& entry : commands) entry.declare(*app.add_subcommand(entry.name, entry.help));
 
+  if (const std::string fault = commandFault(arguments, commands); !fault.empty())
+    return fail(WrongArguments, fault + " (see --help)");
   try {
     std::vector<std::string> reversed = joinedVectorOptions(arguments);
     std::reverse(reversed.begin(), reversed.end());

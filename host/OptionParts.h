@@ -2,6 +2,8 @@
 
 #include "Options.h"
 
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,9 @@ void addFile(CLI::App& command, const std::string& name, std::string& target,
 void addNames(CLI::App& command, const std::string& name, std::string& target,
               const std::string& help, const std::vector<std::string>& names,
               const std::string& group = "Options");
+
+/// Takes other names of a value for the value: names of the field's, or older ones.
+std::function<std::string(std::string)> otherNames(std::map<std::string, std::string> valueOf);
 
 void addCsvSafe(CLI::App& command, bool& isSafe);
 

@@ -251,6 +251,13 @@ void addNames(CLI::App& command, const std::string& name, std::string& target,
       ->group(group);
 }
 
+std::function<std::string(std::string)> otherNames(std::map<std::string, std::string> valueOf) {
+  return [valueOf = std::move(valueOf)](const std::string& text) {
+    const auto found = valueOf.find(text);
+    return found == valueOf.end() ? text : found->second;
+  };
+}
+
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
   command.add_option("SCENE", scene, Tools::sceneHelp())->required()->type_name("");
   Tools::addSceneOptions(command, import);

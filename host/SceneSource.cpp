@@ -3,6 +3,7 @@
 
 #include "SceneSource.h"
 
+#include "HostError.h"
 #include "StatsNumbers.h"
 #include "Tools.h"
 
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <limits>
 #include <utility>
@@ -53,6 +55,7 @@ Session::Vector centred(Scene::Scene3D& scene) {
     point->setY(point->getY() + shift[1]);
     point->setZ(point->getZ() + shift[2]);
   }
+  if (shift == Session::Vector{}) return shift;
   char text[200];
   std::snprintf(text, sizeof text, "%.17g,%.17g,%.17g", shift[0], shift[1], shift[2]);
   std::cout << "Moved by " << text << ": scene and eye\n" << std::flush;
@@ -67,9 +70,23 @@ Jzon::Node shiftNode(const Session::Vector& shift) {
   return node;
 }
 
+// A file of another format is not blamed for its text.
+Session::LoadedScene readSceneFile(const std::string& path) {
+  try {
+    return Session::LoadedScene::fromFile(path);
+  } catch (const Session::Error& error) {
+    const std::string ending = std::filesystem::path(path).extension().string();
+    const bool isOther = !ending.empty() && ending != ".json" && ending != ".json5";
+    if (isOther && error.cause().compare(0, 8, "not JSON") == 0)
+      throw HostError(path,
+                      "is of no format that is read: those are scenes (JSON), OBJ, STL, PLY, "
+                      "glTF and CityJSON; export it as one of them");
+    throw;
+  }
+}
+
 SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) {
-  SourcedScene source{
-      Session::LoadedScene::fromFile(path), Jzon::Node(Jzon::Node::T_INVALID), true, {}};
+  SourcedScene source{readSceneFile(path), Jzon::Node(Jzon::Node::T_INVALID), true, {}};
   if (!settings.center) return source;
   source.eyeShift = centred(source.scene.scene());
   source.import = shiftNode(source.eyeShift);
@@ -97,7 +114,7 @@ SourcedScene loadScene(const std::string& path, const ImportSettings& settings) 
 namespace {
 
 Session::LoadedScene firstScene(Tools::Model* model, const std::string& path) {
-  if (model == nullptr) return Session::LoadedScene::fromFile(path);
+  if (model == nullptr) return readSceneFile(path);
   Session::LoadedScene scene = model->scene({});
   std::cout << model->reportText() << std::flush;
   return scene;

@@ -68,13 +68,6 @@ void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds
 
 }  // namespace
 
-void warnIfInside(const std::string& subject, const TakenShot& shot) {
-  if (!shot.isInside()) return;
-  std::cerr << "lumivane: " + oneLine(subject) +
-                   ": warning: the eye is inside a body, which is not drawn from there: what is "
-                   "visible is as if it were not there\n";
-}
-
 void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
                   Seconds& seconds) {
   ShotShares shares(shot);

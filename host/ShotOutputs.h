@@ -12,11 +12,6 @@ namespace Lumivane::Host {
 struct Seconds;
 struct ShotOptions;
 
-/// Prints a warning line on standard error if the eye of a shot is inside a body.
-///
-/// \param subject  the scene's file, or the view of a batch
-void warnIfInside(const std::string& subject, const Session::TakenShot& shot);
-
 /// Writes all files that the options name but statistics, and adds up the times. A page may take
 /// another shot of the scene.
 /// \throws HostError

@@ -98,20 +98,22 @@ void addGridOptions(CLI::App& command, GridOptions& options) {
 }
 
 std::vector<Command> commands() {
-  return {command<ViewOptions>(
-              "view", "Find out exactly what one eye sees: shares, the map of it, pictures",
-              setViewOptions, runView),
-          command<DrawOptions>("draw",
-                               "Draw a scene with its lines, hidden ones too, in any projection",
-                               setDrawOptions, runDraw),
-          command<FactorsOptions>(
-              "factors", "Find out the view factors from face to face, with what stands between",
-              setFactorsOptions, runFactors),
-          command<SunOptions>(
-              "sun", "Find out when the sun shines on eye points, and what they see of the sky",
-              setSunOptions, runSun),
-          command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
-                                        setImportOptions, runImport)};
+  return {
+      command<ViewOptions>(
+          "view",
+          "Exact sky view factor, view factors and solid angles from one point, and their map",
+          setViewOptions, runView),
+      command<DrawOptions>(
+          "draw",
+          "Line drawing with hidden lines: perspective, plan, elevation, axonometry, fisheye",
+          setDrawOptions, runDraw),
+      command<FactorsOptions>("factors", "View factors from face to face, with what stands between",
+                              setFactorsOptions, runFactors),
+      command<SunOptions>(
+          "sun", "Find out when the sun shines on eye points, and what they see of the sky",
+          setSunOptions, runSun),
+      command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
+                                    setImportOptions, runImport)};
 }
 
 void writeVisible(const ShotOptions& options, ShotShares& shares, Seconds& seconds) {

@@ -9,6 +9,7 @@
 #include "SceneSource.h"
 #include "Stats.h"
 #include "StatsNumbers.h"
+#include "Warnings.h"
 
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
@@ -168,9 +169,13 @@ void report(const ViewOptions& options, const VisibleMap& map, const MapShares& 
     if (!path.empty()) return;
   const auto isSeen = [](const MapShares::Row& row) { return row.share.solidAngle > 0.0; };
   const auto seen = std::count_if(shares.objects().begin(), shares.objects().end(), isSeen);
-  std::printf("%zu cells; %td of %zu objects are seen, the sky takes %.2f %% of the %s\n",
-              map.cells.size(), seen, shares.objects().size(),
-              100.0 * shares.sky().solidAngle / map.fieldSolidAngle(), options.field.c_str());
+  const bool looksUp = map.forward[2] > 0.0 && map.forward[0] == 0.0 && map.forward[1] == 0.0;
+  if (map.field == Visibility::Field::Hemisphere)
+    std::printf("%s %.4f; ", looksUp ? "sky view factor" : "view factor of the sky",
+                shares.sky().viewFactor);
+  std::printf("the sky takes %.2f %% of the %s's solid angle; %td of %zu objects are seen\n",
+              100.0 * shares.sky().solidAngle / map.fieldSolidAngle(), options.field.c_str(), seen,
+              shares.objects().size());
 }
 
 }  // namespace
@@ -191,6 +196,7 @@ void runView(const ViewOptions& options) {
   ViewOptions placed = options;
   placed.eye = moved(options.eye, source.eyeShift);
   if (options.target) placed.target = moved(*options.target, source.eyeShift);
+  if (!options.twoSided) warnIfInside(options.scene, source.scene, placed.eye);
   static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
   writeOutputs(options, source.scene, map, shares, seconds);

@@ -35,6 +35,8 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
     names.emplace_back(entry.name);
   addNames(command, "--projection", options.projection, "how directions become a picture", names,
            Pictures);
+  command.get_option("--projection")
+      ->transform(otherNames({{"orthographic", "fisheye"}, {"nusselt", "fisheye"}}));
   addNames(command, "--color-by", options.colorBy,
            "fill cells by the scene's brushes, or each object in a colour of its own",
            {"brush", "object"}, Pictures);

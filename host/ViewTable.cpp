@@ -89,7 +89,10 @@ class TableReader {
       const auto option = known.find(column);
       if (option != known.end()) column = option->second.name;
       if (column != "name" && option == known.end() && !isCoordinate(column))
-        fail(record, "column \"" + field + "\" is neither \"name\" nor an option of shot");
+        fail(record, "column \"" + field + "\" is neither \"name\" nor an option of shot" +
+                         (field.size() == 1 && field.find_first_of("xyzXYZ") == 0
+                              ? "; coordinates of the eye are eye_x, eye_y and eye_z"
+                              : ""));
       if (std::count(columns.begin(), columns.end(), column) > 0)
         fail(record, "column \"" + field + "\" is there twice");
       columns.push_back(column);

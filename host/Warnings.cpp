@@ -2,6 +2,7 @@
 
 #include "HostError.h"
 
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/check/SceneChecker.h>
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/session/TakenShot.h>
@@ -18,6 +19,14 @@ void warn(const std::string& file, const std::string& text) {
   std::cerr << "lumivane: " << oneLine(file) << ": warning: " << oneLine(text) << std::endl;
 }
 
+void warnOfInside(const std::string& subject, bool isInside) {
+  if (isInside)
+    warn(
+        subject,
+        "the eye is inside a body, which is not drawn from there: what is visible is as if it were "
+        "not there");
+}
+
 }  // namespace
 
 void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& scene) {
@@ -32,6 +41,15 @@ void warnOfCycle(const std::string& file, const Session::TakenShot& shot) {
        "right "
        "for all of them and some are drawn over what they should not hide; split one of them where "
        "another one covers it, or move the eye (log_sort.txt lists the relations)");
+}
+
+void warnIfInside(const std::string& subject, const Session::TakenShot& shot) {
+  warnOfInside(subject, shot.isInside());
+}
+
+void warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+                  const std::array<double, 3>& eye) {
+  warnOfInside(subject, Check::InsideTest(scene.scene()).isInside(eye));
 }
 
 }  // namespace Lumivane::Host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 
 namespace Lumivane::Session {
@@ -17,5 +18,10 @@ void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& s
 
 /// If the faces of a shot overlap in a cycle: what the library's message means, and what to do.
 void warnOfCycle(const std::string& file, const Session::TakenShot& shot);
+
+/// If the eye is inside a body. `subject` is the scene's file, or a view.
+void warnIfInside(const std::string& subject, const Session::TakenShot& shot);
+void warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+                  const std::array<double, 3>& eye);
 
 }  // namespace Lumivane::Host

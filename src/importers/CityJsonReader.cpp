@@ -106,6 +106,8 @@ class CityJsonReader {
     const std::string type = textOf(member(root, "type"));
     if (type == "CityJSONFeature")
       throw ImportError("it is a single CityJSONFeature, not a whole CityJSON document");
+    if (type.empty() && member(root, "Objects") != nullptr)
+      throw ImportError("it is a scene file already: the other commands take it as it is");
     if (type != "CityJSON") throw ImportError("its \"type\" is not \"CityJSON\"");
     const std::string version = textOf(member(root, "version"));
     if (version != "1.0" && version != "1.1" && version != "2.0")

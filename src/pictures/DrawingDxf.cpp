@@ -29,7 +29,7 @@ std::string layerName(const std::string& id) {
 
 // Release 12 knows no letters beyond ASCII but by their numbers.
 std::string asciiText(const std::string& bytes) {
-  static const char* const Digits = "0123456789ABCDEF";
+  static const char* const digits = "0123456789ABCDEF";
   const std::string text = xmlText(bytes);
   std::string result;
   for (std::size_t i = 0; i < text.size();) {
@@ -43,7 +43,7 @@ std::string asciiText(const std::string& bytes) {
         code = code << 6U | (static_cast<unsigned char>(text[i + k]) & 0x3FU);
       result += "\\U+";
       for (int shift = 12; shift >= 0; shift -= 4)
-        result += Digits[(code >> static_cast<unsigned>(shift)) & 15U];
+        result += digits[(code >> static_cast<unsigned>(shift)) & 15U];
     }
     i += length;
   }

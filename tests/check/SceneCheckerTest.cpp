@@ -124,7 +124,7 @@ TEST(SceneChecker, DockingEdgesAreCounted) {
       checkedScene(scene).at(0));
 }
 
-TEST(SceneChecker, FewPointsAreTold) {
+TEST(SceneChecker, FewPointsAreReported) {
   Json scene = square();
   region(scene)["Points"] = {1, 2};
   const Lines expected = {
@@ -132,7 +132,7 @@ TEST(SceneChecker, FewPointsAreTold) {
   EXPECT_EQ(expected, checkedScene(scene));
 }
 
-TEST(SceneChecker, RepeatedPointsAreTold) {
+TEST(SceneChecker, RepeatedPointsAreReported) {
   Json scene = square();
   region(scene)["Points"] = {1, 2, 3, 4, 1};
   const Lines expected = {
@@ -140,7 +140,7 @@ TEST(SceneChecker, RepeatedPointsAreTold) {
   EXPECT_EQ(expected, checkedScene(scene));
 }
 
-TEST(SceneChecker, ShortEdgesAreToldFromBelowTheirLimit) {
+TEST(SceneChecker, ShortEdgesAreReportedFromBelowTheirLimit) {
   Json scene = square();
   scene["Points"].push_back({2, -1, -0.99989});
   region(scene)["Points"] = {1, 5, 2, 3, 4};
@@ -157,7 +157,7 @@ TEST(SceneChecker, ShortEdgesAreToldFromBelowTheirLimit) {
   EXPECT_EQ((std::vector<std::string>{"short-edge", "straight-start"}), codes());
 }
 
-TEST(SceneChecker, StartOnOneLineIsTold) {
+TEST(SceneChecker, StartOnOneLineIsReported) {
   Json scene = square();
   scene["Points"].push_back({2, -1, 0});
   region(scene)["Points"] = {1, 5, 2, 3, 4};
@@ -169,7 +169,7 @@ TEST(SceneChecker, StartOnOneLineIsTold) {
   EXPECT_EQ(Lines(), checkedScene(scene));
 }
 
-TEST(SceneChecker, BentRegionIsToldWithItsDistance) {
+TEST(SceneChecker, BentRegionIsReportedWithItsDistance) {
   Json scene = square();
   scene["Points"][0] = {2.4, -1, -1};
   const Lines found = checkedScene(scene);
@@ -180,7 +180,7 @@ TEST(SceneChecker, BentRegionIsToldWithItsDistance) {
   EXPECT_EQ(Lines(), checkedScene(scene));
 }
 
-TEST(SceneChecker, SelfCrossingOutlineIsTold) {
+TEST(SceneChecker, SelfCrossingOutlineIsReported) {
   Json scene = square();
   scene["Points"] = {{2, -1, -1}, {2, -1, 1}, {2, 1, -1}, {2, 2, 2}};
   const Lines found = checkedScene(scene);
@@ -190,7 +190,7 @@ TEST(SceneChecker, SelfCrossingOutlineIsTold) {
 }
 
 // Edges that lie on each other never cross, and each pair of them has to be looked at.
-TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsToldAsSuch) {
+TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsReportedAsSuch) {
   Json scene = square();
   const std::string tangled =
       "warning tangled object \"A\", region 1: its edges pass each other too often to find out "
@@ -206,7 +206,7 @@ TEST(SceneChecker, OutlineThatRunsOverItselfTooOftenIsToldAsSuch) {
   EXPECT_EQ(1, toldOfRounds(2000));
 }
 
-TEST(SceneChecker, AreaOfNothingIsTold) {
+TEST(SceneChecker, AreaOfNothingIsReported) {
   Json scene = square();
   scene["Points"] = {{2, 0, 0}, {2, 0, 1}, {2, 0, 2}, {2, 0, 3}};
   const Lines expected = {
@@ -227,7 +227,7 @@ TEST(SceneChecker, FaceListsAndFaceNumbersAgree) {
   EXPECT_EQ(expected, checkedScene(scene));
 }
 
-TEST(SceneChecker, NormalAgainstTheWindingIsTold) {
+TEST(SceneChecker, NormalAgainstTheWindingIsReported) {
   Json scene = square();
   object(scene)["Faces"][0]["Normal"] = {1, 0, 0};
   EXPECT_EQ(
@@ -240,7 +240,7 @@ TEST(SceneChecker, NormalAgainstTheWindingIsTold) {
   EXPECT_EQ(Lines(), checkedScene(scene));
 }
 
-TEST(SceneChecker, DoubleIdsAreTold) {
+TEST(SceneChecker, DoubleIdsAreReported) {
   Json scene = square();
   scene["Objects"].push_back(object(scene));
   EXPECT_EQ(
@@ -299,7 +299,7 @@ TEST(SceneChecker, RegionOfALaterObjectThatTheFirstHasWithoutPointsIsAnError) {
   for (const std::string& line : checkedScene(scene)) EXPECT_NE(0U, line.find("error"));
 }
 
-TEST(SceneChecker, MissingListsAreTold) {
+TEST(SceneChecker, MissingListsAreReported) {
   Json scene = square();
   scene.erase("Pens");
   scene["Brushes"] = 1;
@@ -324,7 +324,7 @@ TEST(SceneChecker, ColoursOutOfRangeAreErrors) {
   EXPECT_EQ("warning color scale 1, item 1 has a colour component 300", checkedScene(scene).at(0));
 }
 
-TEST(SceneChecker, ValuesOfTheWrongKindAreTold) {
+TEST(SceneChecker, ValuesOfTheWrongKindAreReported) {
   Json scene = square();
   scene["Points"].push_back({1, 2});
   scene["Points"].push_back({1, "a", 3});
@@ -392,7 +392,7 @@ TEST(SceneChecker, CoordinatesFarFromTheOriginAreAWarning) {
   EXPECT_EQ(Lines(), checkedScene(squareAt(30000)));  // exact in single precision
 }
 
-TEST(SceneChecker, UnknownAndDoubleKeysAreTold) {
+TEST(SceneChecker, UnknownAndDoubleKeysAreReported) {
   EXPECT_EQ("warning unknown-key unknown key \"points\"",
             checked(R"({"Brushes":[],"Pens":[],"points":[],"Points":[],"Objects":[]})").at(0));
   EXPECT_EQ("warning double-key key \"Pens\" stands here twice; the first counts",
@@ -404,7 +404,7 @@ TEST(SceneChecker, UnknownAndDoubleKeysAreTold) {
       "warning unknown-key object \"A\": " + SceneChecker::checkText(scene.dump()).at(0).text);
 }
 
-TEST(SceneChecker, TextBehindTheDocumentIsTold) {
+TEST(SceneChecker, TextBehindTheDocumentIsReported) {
   const std::string good = square().dump();
   EXPECT_EQ(Lines(), checked(good + " \t /* the } end */ "));
   EXPECT_EQ("warning text-behind there is text behind the document, from byte " +
@@ -433,7 +433,7 @@ TEST(SceneChecker, FindingsEndAtALimit) {
 }
 
 // Whether a shot can be made must not depend on how many warnings stand before.
-TEST(SceneChecker, FirstErrorIsToldBehindTheLimitToo) {
+TEST(SceneChecker, FirstErrorIsReportedBehindTheLimitToo) {
   Json scene = square();
   for (int i = 0; i < 2 * SceneChecker::Most; ++i) scene["Points"].push_back({1});
   Json wrong = scene;

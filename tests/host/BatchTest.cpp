@@ -402,12 +402,13 @@ TEST(BatchProgram, ATerminalShowsHowFarTheRunHasCome) {
 }
 
 // Tables that are wrong, and what is said of them.
-TEST(BatchProgram, AWrongTableIsToldByLineAndColumn) {
+TEST(BatchProgram, AWrongTableIsReportedByLineAndColumn) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"", "is empty: a heading with the columns is missing"},
       {"name,eye\n", "has a heading, but no view"},
       {"name,colour\na,red\n",
        "line 1: column \"colour\" is neither \"name\" nor an option of shot"},
+      {"name,x,y,z\na,1,2,3\n", "coordinates of the eye are eye_x, eye_y and eye_z"},
       {"eye,eye\na,b\n", "line 1: column \"eye\" is there twice"},
       {"d1,eye_clearance\n1,1\n", "line 1: column \"eye_clearance\" is there twice"},
       {"stats\na\n", "line 1: column \"stats\" is neither \"name\" nor an option of shot"},
@@ -458,7 +459,7 @@ TEST(BatchProgram, TablesMayHaveQuotesMarksAndForeignLineEnds) {
   EXPECT_EQ(0U, rows[2].find("d,ok,"));
 }
 
-TEST(BatchProgram, WrongArgumentsAreTold) {
+TEST(BatchProgram, WrongArgumentsAreReported) {
   const TempFolder folder;
   write(folder.path("views.csv"), manyViews(1));
   for (const std::string shard : {"0/2", "3/2", "1", "a/b", "1/2x", "-1/2"}) {

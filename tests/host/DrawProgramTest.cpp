@@ -63,6 +63,23 @@ TEST(DrawProgram, APageHasTheSizeThatIsAskedFor) {
   EXPECT_NE(std::string::npos, svg.find(">1:500<"));
 }
 
+TEST(DrawProgram, ProjectionsHaveTheirNamesOfOtherFieldsToo) {
+  const TempFolder folder;
+  const auto drawn = [&](std::vector<std::string> how) {
+    how.insert(how.end(), {"--svg", folder.path("a.svg")});
+    const Result result = draw(how);
+    EXPECT_EQ(0, result.status) << result.err;
+    return fileBytes(folder.path("a.svg"));
+  };
+  const std::vector<std::string> names = {"orthographic", "fisheye", "nusselt"};
+  std::vector<std::string> pictures;
+  for (const std::string& name : names)
+    pictures.push_back(drawn({"--projection", name, "--eye", "-5.3,-1.37,3.4"}));
+  EXPECT_EQ(pictures[0], pictures[1]);
+  EXPECT_EQ(pictures[0], pictures[2]);
+  EXPECT_EQ(drawn({"--parallel", "top"}), drawn({"--parallel", "plan"}));
+}
+
 TEST(DrawProgram, WhatCannotBeDrawnIsSaidInOneLine) {
   const TempFolder folder;
   const std::string out = folder.path("a.svg");

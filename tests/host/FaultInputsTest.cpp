@@ -64,7 +64,7 @@ TEST(FaultyInput, EachIsReadWithoutFault) {
   });
 }
 
-TEST(FaultyInput, MissingFileAndFolderAreTold) {
+TEST(FaultyInput, MissingFileAndFolderAreReported) {
   forEachInput([](const Input& input, const TempFolder& folder) {
     const std::string missing = folder.path("no-" + nameLike(input.file));
     expectOneLine(lumivane(input.from(missing)),
@@ -236,7 +236,7 @@ TEST(FaultyInput, ForeignLineEndsChangeNothing) {
   EXPECT_EQ(fileBytes(folder.path("plain")), fileBytes(folder.path("foreign")));
 }
 
-TEST(FaultyInput, ByteOrderMarkIsToldOf) {
+TEST(FaultyInput, ByteOrderMarkIsReported) {
   const TempFolder folder;
   const std::string path = folder.file("a.json", "\xEF\xBB\xBF" + fileBytes(Small));
   for (const std::string command : {"shot", "check"}) {

@@ -37,7 +37,7 @@ TEST(FaultyOutput, AnOutputIsTheOneFileThatIsMade) {
   });
 }
 
-TEST(FaultyOutput, MissingFolderIsToldAndNotMade) {
+TEST(FaultyOutput, MissingFolderIsReportedAndNotMade) {
   forEachOutput([](const Output& output, const TempFolder& folder) {
     const std::string path = folder.path("no/out" + output.ending);
     expectOneLine(lumivane(output.to(path)),
@@ -60,14 +60,14 @@ TEST(FaultyOutput, WhatIsInItsPlaceOrInThatOfItsFolderStays) {
 }
 
 // Nobody can make a file there, whatever the rights.
-TEST(FaultyOutput, FolderThatTakesNoFileIsTold) {
+TEST(FaultyOutput, FolderThatTakesNoFileIsReported) {
   forEachOutput([](const Output& output, const TempFolder&) {
     const std::string path = "/proc/self/fdinfo/out" + output.ending;
     expectOneLine(lumivane(output.to(path)), path + ": cannot be written: ");
   });
 }
 
-TEST(FaultyOutput, FullDeviceIsToldAndStaysADevice) {
+TEST(FaultyOutput, FullDeviceIsReportedAndStaysADevice) {
   forEachOutput([](const Output& output, const TempFolder& folder) {
     const std::string path = folder.path("full" + output.ending);
     fs::create_symlink("/dev/full", path);
@@ -286,7 +286,7 @@ TEST(FaultyOutput, RequestToEndWhileFilesAreWrittenLeavesEachOldOrNew) {
 }
 
 // The run is asked to end as its first shots are there; the next one goes on and completes it.
-TEST(FaultyOutput, BatchThatIsToldToEndHasWholeFilesAndGoesOn) {
+TEST(FaultyOutput, BatchThatIsAskedToEndHasWholeFilesAndGoesOn) {
   for (const int signal : {SIGINT, SIGTERM}) {
     const TempFolder folder;
     std::string views = "name,eye\n";

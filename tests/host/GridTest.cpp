@@ -68,7 +68,7 @@ TEST(GridProgram, TheTableSuitsTheBatch) {
   EXPECT_EQ(0U, result.out.find("9 of 9 views made"));
 }
 
-TEST(GridProgram, NonsenseIsTold) {
+TEST(GridProgram, NonsenseIsReported) {
   const Result zero = grid({"--spacing", "0", "--height", "1"});
   EXPECT_EQ(1, zero.status);
   EXPECT_EQ("lumivane: --spacing: must be greater than 0\n", zero.err);

@@ -32,7 +32,7 @@ void expectFailure(const Result& result, int status, const std::string& errorLin
   EXPECT_EQ(errorLine + "\n", result.err);
 }
 
-TEST(ImportProgram, CityModelBecomesASceneAndTheShiftIsTold) {
+TEST(ImportProgram, CityModelBecomesASceneAndTheShiftIsReported) {
   const TempFolder folder;
   const Result result =
       run({"import", House, "-o", folder.path("scene"), "--stats", folder.path("stats")});

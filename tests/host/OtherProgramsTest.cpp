@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -203,6 +204,35 @@ TEST(Json5Program, ErrorsNameTheFile) {
   const Result full = lumivane({"json5", folder.file("a", "a: 1"), "-o", "/dev/full"});
   EXPECT_EQ(1, full.status);
   EXPECT_EQ("lumivane: /dev/full: cannot be written: No space left on device\n", full.err);
+}
+
+TEST(Program, AWordThatIsNoCommandIsNamedWithTheNearestOne) {
+  const auto said = [](const std::vector<std::string>& words) {
+    const Result result = lumivane(words);
+    EXPECT_EQ(2, result.status);
+    return result.err;
+  };
+  EXPECT_EQ("lumivane: \"drwa\" is not a command; did you mean \"draw\"? (see --help)\n",
+            said({"drwa", "a.json"}));
+  EXPECT_EQ("lumivane: \"radiosity\" is not a command (see --help)\n", said({"radiosity"}));
+  EXPECT_EQ("lumivane: a command is missing, such as view, draw or shot (see --help)\n", said({}));
+}
+
+TEST(Program, AFileOfAFormatThatIsNotReadIsNotBlamedForItsText) {
+  const TempFolder folder;
+  const std::string path = folder.path("house.ifc");
+  std::ofstream(path) << "ISO-10303-21;\n";
+  const Result result = lumivane({"view", path, "--eye", "0,0,0"});
+  EXPECT_EQ(1, result.status);
+  EXPECT_NE(std::string::npos, result.err.find("is of no format that is read")) << result.err;
+  EXPECT_EQ(std::string::npos, result.err.find("not JSON")) << result.err;
+}
+
+TEST(ImportProgram, ASceneFileIsNotImportedAgain) {
+  const TempFolder folder;
+  const Result result = lumivane({"import", Small, "-o", folder.path("out.json")});
+  EXPECT_EQ(1, result.status);
+  EXPECT_NE(std::string::npos, result.err.find("it is a scene file already")) << result.err;
 }
 
 TEST(DriverProgram, WithoutInputFileNothingHappens) {

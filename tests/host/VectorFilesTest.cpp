@@ -115,7 +115,7 @@ TEST(VectorFiles, PageHasOneProjectionOrBoth) {
   EXPECT_NE(std::string::npos, fileBytes(folder.path("a.html")).find("<title>small.json</title>"));
 }
 
-TEST(VectorFiles, NonsenseIsToldInOneLine) {
+TEST(VectorFiles, NonsenseIsReportedInOneLine) {
   const TempFolder folder;
   const auto error = [](const std::vector<std::string>& more) {
     const Result result = shot(Small, more);

@@ -4,6 +4,8 @@
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <sstream>
@@ -182,6 +184,39 @@ TEST(ViewProgram, WithoutOutputsItPrintsALine) {
   const Result result = view(Room, {});
   EXPECT_EQ(0, result.status);
   EXPECT_NE(std::string::npos, result.out.find("19 of 19 objects are seen")) << result.out;
+  EXPECT_EQ(0U, result.out.find("view factor of the sky ")) << result.out;
+}
+
+TEST(ViewProgram, LookingUpItPrintsTheSkyViewFactorOfTheTable) {
+  const TempFolder folder;
+  const std::string street = LUMIVANE_SCENES "/street.json";
+  const std::vector<std::string> up = {"--forward", "0,0,1"};
+  const Result printed = view(street, up, "-5.3,-1.37,3.4");
+  ASSERT_EQ(0,
+            view(street, {"--forward", "0,0,1", "--shares", folder.path("s.csv")}, "-5.3,-1.37,3.4")
+                .status);
+  const auto rows = table(folder.path("s.csv"));
+  const auto at = std::find(rows[0].begin(), rows[0].end(), "view_factor") - rows[0].begin();
+  char line[64];
+  std::snprintf(line, sizeof line, "sky view factor %.4f; ",
+                std::stod(rows.back().at(static_cast<std::size_t>(at))));
+  EXPECT_EQ(0U, printed.out.find(line)) << printed.out << line;
+}
+
+TEST(ViewProgram, AnEyeInsideABodyIsReported) {
+  const std::string scene = LUMIVANE_SCENES "/small.json";
+  const std::string text = "small.json: warning: the eye is inside a body";
+  EXPECT_NE(std::string::npos, view(scene, {}, "-0.3,-0.1,0.3").err.find(text));
+  EXPECT_EQ(std::string::npos, view(scene, {"--two-sided"}, "-0.3,-0.1,0.3").err.find(text));
+  EXPECT_EQ(std::string::npos, view(scene, {}, "3,3,1").err.find(text));
+}
+
+TEST(ViewProgram, TheFisheyeHasItsNamesOfOtherFieldsToo) {
+  const TempFolder folder;
+  for (const std::string name : {"fisheye", "orthographic", "nusselt"})
+    ASSERT_EQ(0, view(Room, {"--projection", name, "--svg", folder.path(name)}).status) << name;
+  EXPECT_EQ(fileBytes(folder.path("fisheye")), fileBytes(folder.path("orthographic")));
+  EXPECT_EQ(fileBytes(folder.path("fisheye")), fileBytes(folder.path("nusselt")));
 }
 
 TEST(ViewProgram, TwoOutputsOnOneFileAreRefusedBeforeTheWork) {

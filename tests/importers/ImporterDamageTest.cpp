@@ -134,7 +134,7 @@ TEST(ImporterErrors, ObjFaultsNameTheirLine) {
   EXPECT_EQ("it is empty", importFault("a.obj", ""));
 }
 
-TEST(ImporterErrors, MissingMaterialsAreToldAndDoNoHarm) {
+TEST(ImporterErrors, MissingMaterialsAreReportedAndDoNoHarm) {
   const Importers::ImportedScene imported =
       importText("a.obj", "mtllib gone.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl red\nf 1 2 3\n");
   EXPECT_EQ((std::vector<std::string>{"material library \"gone.mtl\" cannot be read",

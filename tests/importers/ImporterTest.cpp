@@ -243,7 +243,7 @@ TEST(Importer, SemanticSurfacesTypesAndMaterialsOfACityModelHaveTheirColours) {
   EXPECT_EQ((std::set<Colour>{{0, 153, 102, 204}}), colours(regionsOf(imported, "shed")));
 }
 
-TEST(Importer, HighestLevelOfDetailIsTakenAndTheRestIsTold) {
+TEST(Importer, HighestLevelOfDetailIsTakenAndTheRestIsReported) {
   const ImportedScene imported = importModel("house.city.json");
   EXPECT_EQ(5.5, imported.report.upper[2]);  // the gable, above the block of the lower level
   EXPECT_EQ(2u, imported.report.warnings.size());
@@ -264,7 +264,7 @@ TEST(Importer, InstancesOfATemplateStandAtTheirPoints) {
   }
 }
 
-TEST(Importer, FarCoordinatesAreMovedByWholeUnitsAndTold) {
+TEST(Importer, FarCoordinatesAreMovedByWholeUnitsAndReported) {
   const ImportedScene imported = importModel("house.city.json");
   EXPECT_EQ((std::array<double, 3>{-84603.0, -447399.0, 0.0}), imported.report.shift);
   EXPECT_EQ((std::array<double, 3>{-7.0, -5.0, 1.0}), imported.report.lower);

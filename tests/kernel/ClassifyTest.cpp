@@ -187,7 +187,7 @@ TEST(ClassifyPair, CoplanarOverlapIsUndecided) {
   EXPECT_EQ(Cell::Undecided, cellOf(square(3, 0, 1), square(3, 0.5, 0.8)));
 }
 
-TEST(ClassifyPair, MissingSourceIsTold) {
+TEST(ClassifyPair, MissingSourceIsReported) {
   const Plain::Face large = square(2, 0, 1);
   const Plain::Face small = square(3, 0, 0.4);
   EXPECT_FALSE(classify(large, small).sourceMissing);

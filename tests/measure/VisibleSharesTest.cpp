@@ -170,7 +170,7 @@ TEST(VisibleShares, APointNumberWithoutAPointThrows) {
   EXPECT_THROW(hand.round(), std::out_of_range);
 }
 
-TEST(VisibleShares, AShotWithoutAViewHasToBeToldItsProjection) {
+TEST(VisibleShares, AShotWithoutAViewHasToBeGivenItsProjection) {
   const HandShot hand;
   EXPECT_THROW(VisibleShares shares(hand.shot), std::invalid_argument);
 }

@@ -43,7 +43,7 @@ TEST(Progress, EveryShotStartsAt0WhateverTheLastOneLeft) {
   }
 }
 
-TEST(Progress, IsToldByOneThreadThatIsNotTheCallers) {
+TEST(Progress, IsReportedByOneThreadThatIsNotTheCallers) {
   std::set<std::thread::id> threads;
   LoadedScene scene = squareScene();
   scene.take({}, [&threads](double) { threads.insert(std::this_thread::get_id()); });

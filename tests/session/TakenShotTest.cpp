@@ -99,7 +99,7 @@ TEST(TakenShot, ListThatAHostPutsInPlaceOfASharedOneIsTheShots) {
   EXPECT_EQ(1u, scene.scene().getBrushes()->getBrushes()->size());
 }
 
-TEST(TakenShot, EyeOnAPolygonIsTold) {
+TEST(TakenShot, EyeOnAPolygonIsReported) {
   LoadedScene scene = squareScene();
   ViewSettings view;
   view.eye = {2.995, 0.0, 0.0};

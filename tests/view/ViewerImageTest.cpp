@@ -270,7 +270,7 @@ TEST(ImageFromShotPicture, CityStreetInTheSquareProjection) {
   EXPECT_TRUE(looksLike("city_square", inMemory(shot.get(), 600, 600)));
 }
 
-TEST(ImageFromShotPicture, GridAndRingsAreToldApart) {
+TEST(ImageFromShotPicture, GridAndRingsAreDistinguished) {
   SomeShot model;
   const auto rings = decodedPng(inMemory(model.shot.get(), 600, 500));
   model.view.setCamera(&model.normal);
