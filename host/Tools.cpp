@@ -110,7 +110,7 @@ std::vector<Command> commands() {
       command<FactorsOptions>("factors", "View factors from face to face, with what stands between",
                               setFactorsOptions, runFactors),
       command<SunOptions>(
-          "sun", "Find out when the sun shines on eye points, and what they see of the sky",
+          "sun", "Sun hours of eye points, horizon lines, sun paths, and the light of the sky",
           setSunOptions, runSun),
       command<ImportCommandOptions>("import", "Make a scene file of a mesh or a city model",
                                     setImportOptions, runImport)};
