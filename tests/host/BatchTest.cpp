@@ -408,7 +408,9 @@ TEST(BatchProgram, AWrongTableIsReportedByLineAndColumn) {
       {"name,eye\n", "has a heading, but no view"},
       {"name,colour\na,red\n",
        "line 1: column \"colour\" is neither \"name\" nor an option of shot"},
-      {"name,x,y,z\na,1,2,3\n", "coordinates of the eye are eye_x, eye_y and eye_z"},
+      {"name,x,y,z\na,1,2,3\n",
+       "line 1: column \"x\" is neither \"name\" nor an option of shot; coordinates of the eye are "
+       "eye_x, eye_y and eye_z"},
       {"eye,eye\na,b\n", "line 1: column \"eye\" is there twice"},
       {"d1,eye_clearance\n1,1\n", "line 1: column \"eye_clearance\" is there twice"},
       {"stats\na\n", "line 1: column \"stats\" is neither \"name\" nor an option of shot"},
