@@ -152,8 +152,9 @@ void addScaleBar(const DrawnScene& scene, const Drawing& drawing, double top, Gr
     layer.paths.push_back(std::move(box));
   }
   layer.texts.push_back(textAt({left, y - 0.4 * height}, height, "0", 0.0));
-  layer.texts.push_back(
-      textAt({left + 4.0 * step, y - 0.4 * height}, height, numberText(length), 0.5));
+  layer.texts.push_back(textAt({left + 4.0 * step, y - 0.4 * height}, height,
+                               numberText(length) + (scene.options.scale ? " m" : ""),
+                               0.5));  // a scale is of metres
   if (scene.options.scale)
     layer.texts.push_back(textAt({left + 4.0 * step + 3.0 * height, y + BarHeight}, height,
                                  "1:" + numberText(1000.0 / scene.paper.scale), 0.0));
