@@ -73,7 +73,7 @@ Measure::SkyType skyOf(const SunOptions& options) {
 
 bool hasTables(const SunOptions& options) {
   return !options.intervals.empty() || !options.days.empty() || !options.months.empty() ||
-         !options.totals.empty();
+         !options.totals.empty() || !options.html.empty();
 }
 
 // Whether sun hours are asked for; they are if nothing else is.
@@ -114,6 +114,8 @@ void checkArguments(const SunOptions& options) {
     throw ArgumentError("--horizon", "is of one eye: use --eye in place of --views");
   if (!options.views.empty() && !options.svg.empty())
     throw ArgumentError("--svg", "is of one eye: use --eye in place of --views");
+  if (!options.views.empty() && !options.html.empty())
+    throw ArgumentError("--html", "is of one eye: use --eye in place of --views");
   const double steps = 360.0 / options.horizonStep;
   if (std::abs(steps - std::round(steps)) > 1e-6 * steps)
     throw ArgumentError("--horizon-step", "does not divide 360 degrees");
@@ -124,7 +126,7 @@ void checkOutputs(const SunOptions& options) {
   if (!options.views.empty()) inputs.push_back(options.views);
   OutputNames names(std::move(inputs));
   for (const std::string& path : {options.intervals, options.days, options.months, options.totals,
-                                  options.horizon, options.skyValues, options.svg})
+                                  options.horizon, options.skyValues, options.svg, options.html})
     names.add(path);
 }
 
@@ -264,9 +266,9 @@ class Work {
   Vector sun{};
 };
 
-std::string diagramOf(const SunOptions& options, const Session::LoadedScene& scene,
-                      const VisibleMap& map, const Measure::Place& place, const DayRange& days,
-                      const SunEye& eye) {
+void addDiagrams(const SunOptions& options, const Session::LoadedScene& scene,
+                 const VisibleMap& map, const Measure::Place& place, const DayRange& days,
+                 const SunEye& eye, std::vector<Output>& outputs) {
   Pictures::SunDiagramOptions how;
   for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     if (options.projection == entry.name) how.projection = entry.projection;
@@ -278,7 +280,10 @@ std::string diagramOf(const SunOptions& options, const Session::LoadedScene& sce
   if (days.first == days.last && !eye.days.empty()) how.day = eye.days.front();
   const Pictures::MapColors colors =
       options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
-  return Pictures::sunDiagram(map, colors, place, how);
+  if (!options.svg.empty())
+    outputs.push_back({options.svg, Pictures::sunDiagram(map, colors, place, how)});
+  if (!options.html.empty())
+    outputs.push_back({options.html, Pictures::sunPage(map, colors, place, eye.days, how)});
 }
 
 // What there is of one eye alone.
@@ -292,8 +297,8 @@ void addPictures(const SunOptions& options, const Session::LoadedScene& scene,
     outputs.push_back(
         {options.horizon, isHor ? line.horText(place.latitude < 0.0) : line.listText()});
   }
-  if (!options.svg.empty())
-    outputs.push_back({options.svg, diagramOf(options, scene, map, place, days, eye)});
+  if (!options.svg.empty() || !options.html.empty())
+    addDiagrams(options, scene, map, place, days, eye, outputs);
 }
 
 // Calls `visit(i)` once for each i below `count`, from several threads, and shows how far they have

@@ -184,6 +184,9 @@ void addSky(CLI::App& command, SunOptions& options) {
 void addDiagram(CLI::App& command, SunOptions& options) {
   addFile(command, "--svg", options.svg, "SVG to write: the sky of one eye and the sun's paths",
           PictureGroup);
+  addFile(command, "--html", options.html,
+          "page of one eye to write: the diagram, sun hours, and what stands in front of the sun",
+          PictureGroup);
   addNames(command, "--projection", options.projection, "how directions become a picture",
            {"equidistant", "fisheye"}, PictureGroup);
   addNames(command, "--color-by", options.colorBy,

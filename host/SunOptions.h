@@ -45,6 +45,7 @@ struct SunOptions {
   std::string at;               ///< when, for skies that depend on the sun, or empty
 
   std::string svg;
+  std::string html;
   std::string projection = "equidistant";
   std::string colorBy = "brush";
   std::optional<Size> size;

@@ -255,7 +255,10 @@ std::string sunDiagram(const Visibility::VisibleMap& upwards, const MapColors& c
                        const Measure::Place& place, const SunDiagramOptions& options) {
   check(upwards, options);
   const SunPath path(place, {options.year, 1, 1}, {options.year, 12, 31});
-  std::string document = SvgWriter::write(VectorPicture(upwards, colors, pictureOptions(options)));
+  SvgWriter::Options how;
+  how.declaration = options.declaration;
+  std::string document =
+      SvgWriter::write(VectorPicture(upwards, colors, pictureOptions(options)), how);
   document.insert(document.rfind("</svg>"), Overlay(upwards, path, options).text());
   return document;
 }

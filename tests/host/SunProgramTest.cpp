@@ -137,9 +137,13 @@ TEST_F(SunProgram, ManyEyesHaveARowEachAndThoseInsideAreFlagged) {
   EXPECT_EQ(fileBytes(folder.path("t.csv")), atOnce);
 }
 
-TEST_F(SunProgram, TheDiagramHoldsTheCellsAndThePaths) {
+TEST_F(SunProgram, TheDiagramAndThePageHoldTheCellsAndThePaths) {
   const Result result =
       sun(Court + Place + Words{"--day", "2024-03-20", "--svg", folder.path("p.svg")});
+  const Result page =
+      sun(Court + Place + Words{"--day", "2024-03-20", "--html", folder.path("p.html")});
+  ASSERT_EQ(0, page.status) << page.err;
+  EXPECT_NE(std::string::npos, fileBytes(folder.path("p.html")).find("<td>14:16:38</td>"));
   ASSERT_EQ(0, result.status) << result.err;
   EXPECT_NE(std::string::npos, result.out.find("2024-03-20: 1.67"));
   EXPECT_NE(std::string::npos, result.out.find("  behind {C6AAF95B"));

@@ -127,7 +127,8 @@ TEST(SkyPatches, EachIsTheShareThatRaysFind) {
     const double high = std::sin(patch.highest * Degree);
     std::vector<Vector> rays;
     for (int k = 0; k < Side * Side; ++k) {
-      const double z = low + (high - low) * (k / Side + 0.5) / Side;
+      const int row = k / Side;
+      const double z = low + (high - low) * (row + 0.5) / Side;
       const double azimuth =
           (patch.azimuth + patch.width * ((k % Side + 0.5) / Side - 0.5)) * Degree;
       const double across = std::sqrt(1.0 - z * z);

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
@@ -84,6 +86,29 @@ TEST_F(SunDiagramTest, ADayIsDrawnByItsSpans) {
   }
   EXPECT_EQ(1, lit);
   EXPECT_EQ(1, dashed);
+}
+
+TEST_F(SunDiagramTest, ThePageHoldsTheDiagramAndTheTimes) {
+  const SceneIndex nothing{PolygonScene{{}, {0}, {}, {}, {}, {}, {}, {}}};
+  const Measure::SunPath path(place, {2024, 4, 2}, {2024, 4, 2});
+  const Visibility::VisibleMap map = openSky(place);
+  std::vector<Measure::SunDay> days = Measure::SunHours(map, path).days();
+  days[0].spans.insert(days[0].spans.begin(),
+                       {days[0].spans[0].start - 3600.0, days[0].spans[0].start, 7, -1});
+  SunDiagramOptions options;
+  options.title = "a <b> & c";
+  const std::string page = sunPage(map, MapColors(), place, days, options);
+  EXPECT_EQ(0U, page.find("<!DOCTYPE html>"));
+  for (const char* part : {"<title>a &lt;b&gt; &amp; c</title>", "<svg ", "<g id=\"sun\"",
+                           "<td>2024-04-02</td>", "behind ", "1:00:00", "In front of the sun"})
+    EXPECT_NE(std::string::npos, page.find(part)) << part;
+  EXPECT_EQ(std::string::npos, page.find("<?xml"));
+  // Of a year there are months.
+  const Measure::SunPath year(place, {2024, 1, 1}, {2024, 12, 31});
+  const std::string ofYear =
+      sunPage(map, MapColors(), place, Measure::SunHours(map, year).days(), options);
+  EXPECT_NE(std::string::npos, ofYear.find("<td>2024-12</td>"));
+  EXPECT_EQ(std::string::npos, ofYear.find("<td>2024-12-01</td>"));
 }
 
 TEST_F(SunDiagramTest, PolarPlacesHaveDiagramsToo) {

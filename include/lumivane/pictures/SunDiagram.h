@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Lumivane::Pictures {
 
@@ -19,6 +20,7 @@ struct SunDiagramOptions {
   std::string title;  ///< for the document's data; may be empty
   /// A day to draw as a thick line: where the sun shines on the eye, and dashed where it does not.
   std::optional<Measure::SunDay> day;
+  bool declaration = true;  ///< whether it starts with an XML declaration; not inside a page
 };
 
 /// The cells of a map of the sky, and over them the sun's paths: of the 21st days of the months
@@ -34,5 +36,16 @@ LUMIVANE_PICTURES_EXPORT std::string sunDiagram(const Visibility::VisibleMap& up
                                                 const MapColors& colors,
                                                 const Measure::Place& place,
                                                 const SunDiagramOptions& options = {});
+
+/// A page of one eye, in one file that loads nothing and prints well: the diagram, the sums of its
+/// days (or of its months, if there are more than 31 days), the times of sun and shade of a single
+/// day, and what stands in front of the sun how long.
+///
+/// \param days  as `Measure::SunHours` found them from the same map
+/// \throws as `sunDiagram`
+LUMIVANE_PICTURES_EXPORT std::string sunPage(const Visibility::VisibleMap& upwards,
+                                             const MapColors& colors, const Measure::Place& place,
+                                             const std::vector<Measure::SunDay>& days,
+                                             const SunDiagramOptions& options = {});
 
 }  // namespace Lumivane::Pictures
