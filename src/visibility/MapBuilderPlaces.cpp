@@ -1,0 +1,127 @@
+// Places come from the scene, not from tiles or what is hidden: a vertex is a corner of the scene,
+// the middle of a wide edge, or the meeting of two of the lines that end in it.
+#include "visibility/EyePlane.h"
+#include "visibility/MapBuilder.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace Lumivane::Visibility {
+namespace {
+
+// Distance at which two vertices of the map are one.
+constexpr double SamePlace = 1e-13;
+
+}  // namespace
+
+using Kernel::Vec3;
+
+// A vertex is a corner of the scene, or the meeting of two of the lines that end in it; its
+// coordinates follow from these. Where lines meet at too small an angle it stays where the sweep
+// has found it.
+void MapBuilder::placeVertices() {
+  std::vector<std::pair<int, Source>> lines;
+  for (const Link& edge : edges)
+    for (const int vertex : {edge.from, edge.to})
+      if (static_cast<size_t>(vertex) < parts.vertices.size() && edge.source != NoSource)
+        lines.emplace_back(vertex, edge.source);
+  std::sort(lines.begin(), lines.end());
+  lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+  for (size_t i = 0; i < lines.size();) {
+    size_t end = i + 1;
+    while (end < lines.size() && lines[end].first == lines[i].first) ++end;
+    placeVertex(lines[i].first, lines.data() + i, end - i);
+    i = end;
+  }
+}
+
+void MapBuilder::placeVertex(int vertex, const std::pair<int, Source>* lines, size_t count) {
+  Vec3& place = directions[static_cast<size_t>(vertex)];
+  const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
+  std::int32_t corner = -1;
+  for (size_t i = 0; i < count; ++i) {
+    const Source source = lines[i].second;
+    if (source < 0 || isCrossing(source)) continue;
+    for (const size_t k : {size_t{0}, size_t{1}}) {
+      const std::int32_t candidate = setup.state->edgeVertices[2 * static_cast<size_t>(source) + k];
+      if ((corner < 0 || candidate < corner) && isClose(unit(fromEye(candidate))))
+        corner = candidate;
+    }
+  }
+  if (corner >= 0) {
+    place = unit(fromEye(corner));
+    return;
+  }
+  for (size_t i = 0; i < count; ++i) {
+    Vec3 middle;
+    if (!middleOfWide(lines[i].second, middle) || !isClose(middle)) continue;
+    place = middle;
+    return;
+  }
+  double best = 1e-6;
+  Vec3 meeting{};
+  for (size_t i = 0; i < count; ++i)
+    for (size_t k = i + 1; k < count; ++k) {
+      const Vec3 d = Kernel::cross(normalOf(lines[i].second), normalOf(lines[k].second));
+      const double sine = Kernel::length3(d);
+      if (sine <= best) continue;
+      const double sign = Kernel::dot(d, place) < 0.0 ? -1.0 : 1.0;
+      const Vec3 candidate = {sign * d.x / sine, sign * d.y / sine, sign * d.z / sine};
+      if (!isClose(candidate)) continue;
+      best = sine;
+      meeting = candidate;
+    }
+  if (!(meeting == Vec3{})) place = meeting;
+}
+
+// The normal of the plane through the eye and a line, up to its sign.
+Vec3 MapBuilder::normalOf(Source source) const {
+  if (source == FieldSource) return {map.forward[0], map.forward[1], map.forward[2]};
+  if (isCrossing(source)) {
+    constexpr Source Low = (Source{1} << 31) - 1;
+    const auto nearness = [this](Source polygon) {
+      const auto i = static_cast<size_t>(polygon);
+      return (setup.parallel == nullptr
+                  ? eyePlane(*setup.state, i, setup.eye, setup.twoSided)
+                  : eyePlane(*setup.state, i, *setup.parallel, setup.twoSided))
+          .nearness;
+    };
+    return unit(nearness(source >> 31 & Low) - nearness(source & Low));
+  }
+  const auto edge = 2 * static_cast<size_t>(source);
+  const Vec3 a = unit(fromEye(setup.state->edgeVertices[edge]));
+  Vec3 b;
+  if (!middleOfWide(source, b)) b = unit(fromEye(setup.state->edgeVertices[edge + 1]));
+  return unit(Kernel::cross(a, b));
+}
+
+// Vertices that have come to lie in one place are one.
+void MapBuilder::contractEdges() {
+  JoinedSets sets;
+  bool any = false;
+  for (const Link& edge : edges) {
+    if (Kernel::distance(directions[static_cast<size_t>(edge.from)],
+                         directions[static_cast<size_t>(edge.to)]) > SamePlace)
+      continue;
+    if (!any)
+      for (size_t i = 0; i < directions.size(); ++i) sets.add();
+    any = true;
+    sets.join(edge.from, edge.to);
+  }
+  if (!any) return;
+  const auto coordinates = [](Vec3 d) { return std::make_tuple(d.x, d.y, d.z); };
+  for (size_t i = 0; i < directions.size(); ++i) {
+    Vec3& place = directions[static_cast<size_t>(sets.find(static_cast<int>(i)))];
+    if (coordinates(directions[i]) < coordinates(place)) place = directions[i];
+  }
+  size_t kept = 0;
+  for (Link edge : edges) {
+    edge.from = sets.find(edge.from);
+    edge.to = sets.find(edge.to);
+    if (edge.from != edge.to) edges[kept++] = edge;
+  }
+  edges.resize(kept);
+}
+
+}  // namespace Lumivane::Visibility

@@ -1,0 +1,128 @@
+// Slivers: cells that are narrower than what rounding does to two lines that should coincide. They
+// become part of a neighbour, before edges are made and once more when vertices are in their
+// places.
+#include "kernel/Planar.h"
+#include "visibility/MapBuilder.h"
+#include "visibility/SphereMeasure.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace Lumivane::Visibility {
+namespace {
+
+// Mean width, in rad, of cells that are left out.
+constexpr double SliverWidth = 5e-13;
+
+}  // namespace
+
+using Kernel::Pi;
+using Kernel::Vec3;
+
+// A cell that has taken a sliver up waits for the next round.
+void MapBuilder::dropSlivers(std::vector<Link>& borders) {
+  constexpr int MostRounds = 16;
+  for (int round = 0; round < MostRounds; ++round)
+    if (!dropSliversOnce(borders)) return;
+}
+
+// \return whether a sliver may be left
+bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
+  struct Extent {
+    Vec3 from;
+    double area;
+    double length;
+    int neighbour;
+    double shared;
+  };
+  std::vector<Extent> extents(found.size(), Extent{{}, 0.0, 0.0, NoCell, 0.0});
+  const auto forSides = [&](auto visit) {
+    for (const Link& link : borders) {
+      const Vec3 a = directions[static_cast<size_t>(link.from)];
+      const Vec3 b = directions[static_cast<size_t>(link.to)];
+      if (link.left != NoCell) visit(extents[static_cast<size_t>(link.left)], a, b, link.right);
+      if (link.right != NoCell) visit(extents[static_cast<size_t>(link.right)], b, a, link.left);
+    }
+  };
+  forSides([](Extent& e, Vec3 a, Vec3 b, int neighbour) {
+    const double length = Kernel::distance(a, b);
+    if (e.length == 0.0) e.from = a;
+    e.length += length;
+    if (length > e.shared) {
+      e.shared = length;
+      e.neighbour = neighbour;
+    }
+  });
+  // Small cells are measured from one of their corners, so that rounding stays as small; large
+  // ones from a direction that is opposite to none of their arcs.
+  for (Extent& e : extents)
+    if (e.length > 1.0) e.from = unit({0.36, -0.48, 0.81});
+  forSides([](Extent& e, Vec3 a, Vec3 b, int) { e.area += triangleSolidAngle(e.from, a, b); });
+  std::vector<int> order(found.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
+    return orderOf(found[static_cast<size_t>(a)].region) <
+           orderOf(found[static_cast<size_t>(b)].region);
+  });
+  bool any = false;
+  bool isLeft = false;
+  std::vector<char> grown(found.size(), 0);
+  for (const int cell : order) {
+    const Extent& e = extents[static_cast<size_t>(cell)];
+    const double area = std::remainder(e.area, 4.0 * Pi);
+    // What has been turned inside out by placing its vertices was narrower still. The sky, and
+    // a region that is bent around the eye, may also be all but a small hole.
+    const Found& f = found[static_cast<size_t>(cell)];
+    const bool mayBeLarge = f.region == SkyRegion || (f.several && area < -NearlyNothing);
+    const bool turned = area < 0.0 && e.length <= 1.0 && !mayBeLarge;
+    const bool isSliver = e.length > 0.0 && (turned || std::fabs(area) <= SliverWidth * e.length);
+    if (!isSliver) continue;
+    if (grown[static_cast<size_t>(cell)] != 0) {
+      isLeft = true;
+      continue;
+    }
+    found[static_cast<size_t>(cell)].mergedInto = e.neighbour;
+    if (e.neighbour != NoCell) grown[static_cast<size_t>(e.neighbour)] = 1;
+    any = true;
+  }
+  if (!any) return false;
+  joinAlike(borders);
+  size_t kept = 0;
+  for (Link link : borders) {
+    const int left = settled(link.left);
+    const int right = settled(link.right);
+    link.shared = link.shared && left == link.left && right == link.right;
+    link.left = left;
+    link.right = right;
+    if (link.left != link.right) borders[kept++] = link;
+  }
+  borders.resize(kept);
+  return isLeft;
+}
+
+// What a sliver of another region has parted is one cell without it.
+void MapBuilder::joinAlike(const std::vector<Link>& borders) {
+  for (const Link& link : borders) {
+    const int left = settled(link.left);
+    const int right = settled(link.right);
+    if (left == right || left == NoCell || right == NoCell) continue;
+    Found& lower = found[static_cast<size_t>(std::min(left, right))];
+    Found& higher = found[static_cast<size_t>(std::max(left, right))];
+    if (lower.region != higher.region) continue;
+    lower.several = lower.several || higher.several || lower.polygon != higher.polygon;
+    higher.mergedInto = std::min(left, right);
+  }
+}
+
+int MapBuilder::settled(int cell) const {
+  // A chain of slivers ends: each was merged before what it merged into grew.
+  for (size_t step = 0; step < found.size() && cell != NoCell; ++step) {
+    const int next = found[static_cast<size_t>(cell)].mergedInto;
+    if (next == cell) break;
+    cell = next;
+  }
+  return cell;
+}
+
+}  // namespace Lumivane::Visibility
