@@ -204,6 +204,31 @@ TEST(SkyLight, OfAnOpenSkyALevelPlaneGetsAll) {
         << number;
 }
 
+// Turned about the zenith everything is cut and integrated elsewhere.
+TEST(SkyLight, TurningAllOfItChangesNothingProperty) {
+  const auto turned = [](const Vector& v, double angle) -> Vector {
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    return {c * v[0] - s * v[1], s * v[0] + c * v[1], v[2]};
+  };
+  const Vector eye = {0.1, -0.2, 0.3};
+  const Vector sun = {-0.36, 0.48, 0.8};
+  const Vector normal = {0.6, 0.3, 0.4};
+  for (unsigned seed = 1; seed <= 3; ++seed) {
+    const PolygonScene scene = randomScene(seed);
+    PolygonScene other = scene;
+    const double angle = 0.7 + seed;
+    for (Vector& point : other.points) point = turned(point, angle);
+    const VisibleMap map = lookUp(SceneIndex(scene), eye);
+    const VisibleMap otherMap = lookUp(SceneIndex(other), turned(eye, angle));
+    for (const int number : {0, 1, 2, 8, 12, 15, 16})
+      EXPECT_NEAR(
+          skyComponent(map, SkyType{number}, normal, sun),
+          skyComponent(otherMap, SkyType{number}, turned(normal, angle), turned(sun, angle)), 1e-7)
+          << seed << " " << number;
+  }
+}
+
 // The sky of P. Moon and D. E. Spencer, 1 + 2 sin(elevation), in closed form; the CIE's first type
 // is made like it, its value by the midpoint rule of 2,000 points.
 TEST(SkyLight, OfAnOvercastSkyAnUprightPlaneGetsNearlyTwoFifths) {
