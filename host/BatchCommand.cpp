@@ -93,6 +93,7 @@ class Batch {
     SceneForEyes source(options.shot.scene, options.shot.import);
     if (options.shot.view.checkScene) refuseErrors(options.shot.scene, source.scene().scene());
     if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, source.scene());
+    keepClasses(source.scene());
     for (const size_t piece : pieces)
       for (const std::string& file : plan.views[piece].files)
         makeFolder((fs::path(plan.setting.folder) / file).parent_path().string());
@@ -147,7 +148,7 @@ class Batch {
       warnIfInside("view " + view.name, shot);
       Seconds seconds;
       JournalRow row = rowFor(view, true);
-      row.row = summaryRow(view.name, shot, exact->look(placed), options.shot.csvSafe);
+      row.row = summaryRow(view.name, shot, exact->look(placed), classes, options.shot.csvSafe);
       writeOutputs(placed, scene, shot, seconds);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(plan.setting.folder) / file).string(), file));
@@ -170,7 +171,7 @@ class Batch {
 
   JournalRow failure(const TableView& view, const std::string& how) const {
     JournalRow row = rowFor(view, false);
-    row.row = failureRow(view.name, how, options.shot.csvSafe);
+    row.row = failureRow(view.name, how, classes, options.shot.csvSafe);
     return row;
   }
 
@@ -193,8 +194,17 @@ class Batch {
     report(rows);
   }
 
-  void writeSummary(const ViewRows& rows) const {
-    std::string text = summaryHeading() + "\n";
+  // The summary has a column for each class if the shares go by classes.
+  bool goesByClasses() const { return options.shot.rows == "class"; }
+  void keepClasses(const LoadedScene& scene) {
+    if (goesByClasses()) classes = scene.classes().names;
+  }
+
+  void writeSummary(const ViewRows& rows) {
+    // Where nothing was left to be made the scene has not been read.
+    if (goesByClasses() && !classes)
+      classes = classNamesOf(options.shot.scene, options.shot.import);
+    std::string text = summaryHeading(classes, options.shot.csvSafe) + "\n";
     std::vector<std::pair<std::uint64_t, JournalRow>> kept;
     for (size_t i = 0; i < plan.views.size(); ++i) {
       text += rows[i]->row + "\n";
@@ -230,6 +240,7 @@ class Batch {
   BatchPlan plan;
   WorkFolders workFolders;
   BatchRows batchRows;
+  SummaryClasses classes;
 };
 
 }  // namespace

@@ -121,7 +121,7 @@ BatchPlan planBatch(const BatchOptions& options) {
   Session::checkReadable(options.views);
   if (!fs::is_regular_file(options.shot.scene))
     throw HostError(options.shot.scene, "is read more than once and must be a plain file");
-  std::vector<std::string> inputs = sourceFiles(options.shot.scene);
+  std::vector<std::string> inputs = sourceFiles(options.shot.scene, options.shot.import);
   BatchPlan plan;
   plan.setting.scene = options.shot.scene;
   plan.setting.folder = fs::absolute(options.folder).lexically_normal().string();

@@ -10,6 +10,7 @@
 #include <lumivane/shot/Shot2d.h>
 
 #include <charconv>
+#include <cstddef>
 #include <vector>
 
 namespace Lumivane::Host {
@@ -56,12 +57,24 @@ std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, 
           seen->largestViewFactor ? text(*seen->largestViewFactor) : ""};
 }
 
+// Of their columns.
+std::size_t countOf(const SummaryClasses& classes) { return classes ? classes->size() + 1 : 0; }
+
 }  // namespace
 
-std::string summaryHeading() { return csvRecord(Columns); }
+std::string summaryHeading(const SummaryClasses& classes, bool isSafe) {
+  std::vector<std::string> columns = Columns;
+  if (classes) {
+    for (const std::string& name : *classes)
+      columns.push_back(cell("view_factor_of_" + name, isSafe));
+    columns.emplace_back("view_factor_of_no_class");
+  }
+  return csvRecord(columns);
+}
 
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
-                       const std::optional<ExactSummary>& seen, bool isSafe) {
+                       const std::optional<ExactSummary>& seen, const SummaryClasses& classes,
+                       bool isSafe) {
   std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
   for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
   fields.push_back(std::to_string(shot.shot().getPoints()->getPoints()->size()));
@@ -71,11 +84,15 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
   fields.push_back(shot.hasCycle() ? "1" : "0");
   fields.push_back(shot.isInside() ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
+  for (std::size_t i = 0; i < countOf(classes); ++i)
+    fields.push_back(seen && i < seen->classViewFactors.size() ? text(seen->classViewFactors[i])
+                                                               : "");
   return csvRecord(fields);
 }
 
-std::string failureRow(const std::string& name, const std::string& error, bool isSafe) {
-  std::vector<std::string> fields(Columns.size());
+std::string failureRow(const std::string& name, const std::string& error,
+                       const SummaryClasses& classes, bool isSafe) {
+  std::vector<std::string> fields(Columns.size() + countOf(classes));
   fields[0] = cell(name, isSafe);
   fields[1] = "failed";
   fields[2] = cell(error, isSafe);

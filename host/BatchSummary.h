@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Lumivane::Session {
 class TakenShot;
@@ -11,14 +12,20 @@ class TakenShot;
 
 namespace Lumivane::Host {
 
+/// The classes that a summary has columns for: none at all, or those of the scene and a last column
+/// for what has none.
+using SummaryClasses = std::optional<std::vector<std::string>>;
+
 /// The heading of a summary, without a line end.
-std::string summaryHeading();
+std::string summaryHeading(const SummaryClasses& classes, bool isSafe);
 
 /// The row of a view that was made, and of one that was not.
 ///
 /// \param isSafe  texts that a spreadsheet would take for formulas get an apostrophe in front
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
-                       const std::optional<ExactSummary>& seen, bool isSafe);
-std::string failureRow(const std::string& name, const std::string& error, bool isSafe);
+                       const std::optional<ExactSummary>& seen, const SummaryClasses& classes,
+                       bool isSafe);
+std::string failureRow(const std::string& name, const std::string& error,
+                       const SummaryClasses& classes, bool isSafe);
 
 }  // namespace Lumivane::Host

@@ -163,7 +163,7 @@ const std::vector<std::string>& cubeFaces() {
 }
 
 void checkOutputs(const DrawOptions& options) {
-  OutputNames names(sourceFiles(options.scene));
+  OutputNames names(sourceFiles(options.scene, options.import));
   names.add(options.stats);
   const std::vector<std::string> faces =
       isCube(options) ? cubeFaces() : std::vector<std::string>{""};

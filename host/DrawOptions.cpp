@@ -2,6 +2,7 @@
 
 #include "OptionParts.h"
 #include "Options.h"
+#include "ToolParts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -246,7 +247,8 @@ void addLook(CLI::App& command, DrawOptions& options) {
                           {"shading", DrawingFill::Shading}},
                          "none", LineGroup);
   addVector(command, "--light", drawing.light, "where light comes from", "-0.5,0.3,1", LineGroup);
-  addChoice<DrawingGroups>(command, "--group-by", drawing.groups, "how paths are grouped",
+  addChoice<DrawingGroups>(command, "--group-by,--layers", drawing.groups,
+                           "how paths are grouped; classes are layers",
                            {{"none", DrawingGroups::None},
                             {"class", DrawingGroups::Class},
                             {"object", DrawingGroups::Object},
@@ -326,6 +328,7 @@ void setDrawOptions(CLI::App& command, DrawOptions& options) {
   options.drawing.fill = DrawingFill::None;
   addScene(command, options.scene, options.import);
   command.remove_option(command.get_option("--two-sided"));  // the look itself sees both sides
+  addClasses(command, options.import);
   addView(command, options);
   addLook(command, options);
   addPage(command, options);

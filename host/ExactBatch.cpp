@@ -20,6 +20,8 @@ ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapS
     summary.largestViewFactor = object.share.viewFactor;
     summary.largestId = map.names->objectIds.at(static_cast<size_t>(object.label.object) - 1);
   }
+  for (const Visibility::MapShares::ClassRow& row : shares.classes())
+    summary.classViewFactors.push_back(row.share.viewFactor);
   return summary;
 }
 

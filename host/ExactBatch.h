@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Lumivane::Session {
 class LoadedScene;
@@ -20,6 +21,7 @@ struct ExactSummary {
   double skyHemisphereShare = 0.0;
   std::string largestId;  ///< of the object with the largest view factor; as the scene gave it
   std::optional<double> largestViewFactor;  ///< none if no object is seen
+  std::vector<double> classViewFactors;     ///< of all classes, and last of what has none
 };
 
 /// Looks exactly at one scene from many eyes. A program without the components has a form of it

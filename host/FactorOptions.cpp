@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "OptionParts.h"
+#include "ToolParts.h"
 
 #include <charconv>
 
@@ -56,6 +57,7 @@ void setFactorsOptions(CLI::App& command, FactorsOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(0, 1024))
       ->capture_default_str();
+  addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
   command.footer(
       "Rows are kept in a file beside the output, named FILE.rows, until it is written: the same\n"

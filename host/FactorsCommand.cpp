@@ -132,7 +132,7 @@ std::string factorFileFault(const std::string& path) {
 void runFactors(const FactorsOptions& options) {
   IO::checkReadable(options.scene);
   const std::string journalPath = options.out + ".rows";
-  OutputNames names(sourceFiles(options.scene));
+  OutputNames names(sourceFiles(options.scene, options.import));
   names.add(options.out);
   names.add(options.elements);
   names.add(journalPath);

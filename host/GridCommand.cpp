@@ -183,7 +183,7 @@ SourcedScene readScene(const GridOptions& options) {
 }  // namespace
 
 void runGrid(const GridOptions& options) {
-  OutputNames names(sourceFiles(options.scene));
+  OutputNames names(sourceFiles(options.scene, options.import));
   names.add(options.out);
   names.add(options.shares);
   const SourcedScene source = readScene(options);

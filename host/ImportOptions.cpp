@@ -88,6 +88,11 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
           "from where the scene will be seen: its objects are listed from far to near, which "
           "decides where faces overlap cyclically")
       ->type_name("X,Y,Z");
+  command
+      .add_option("--classes", options.settings.classes,
+                  "what surfaces are (roof, wall ...), where the file does not say it: a table "
+                  "with the columns id or object, face and class to read (.csv)")
+      ->type_name("FILE");
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 }
 

@@ -6,7 +6,8 @@
 
 namespace Lumivane::Host {
 
-/// How a mesh or a city model is turned into a scene, as the command line says.
+/// How a mesh or a city model is turned into a scene, and what its surfaces are, as the command
+/// line says.
 struct ImportSettings {
   bool twoSided = false;
   bool flip = false;
@@ -16,6 +17,8 @@ struct ImportSettings {
   double scale = 1.0;
   double crease = -1.0;                      ///< below 0: as the importer thinks best
   std::optional<std::array<double, 3>> eye;  ///< from where the scene will be seen
+  bool asksForClasses = false;  ///< whether a table of classes beside a scene file is read
+  std::string classes;          ///< another table of classes to read, or empty
 };
 
 struct ImportCommandOptions {

@@ -24,7 +24,7 @@ const char* sceneHelp() { return "scene file (JSON)"; }
 void addSceneOptions(CLI::App&, ImportSettings&) {}
 void addShotOptions(CLI::App&, ShotOptions&) {}
 void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
-void removeBatchOptions(CLI::App&) {}
+void addBatchOptions(CLI::App&, ImportSettings&) {}
 void addGridOptions(CLI::App&, GridOptions&) {}
 std::vector<Command> commands() { return {}; }
 void writeVisible(const ShotOptions&, ShotShares&, Seconds&) {}

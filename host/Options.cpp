@@ -317,7 +317,7 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
   setBatchedShotOptions(command, options.shot);
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
-  Tools::removeBatchOptions(command);
+  Tools::addBatchOptions(command, options.shot.import);
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
       ->required()

@@ -61,6 +61,7 @@ struct ViewOptions {
   std::string pdf;
   std::string png;
   std::string html;
+  std::string report;  ///< the page to print
   std::string projection = "fisheye";
   std::string colorBy = "brush";
   std::optional<Size> size;  ///< without it 800 pixels high, and as wide as the projection

@@ -10,6 +10,7 @@
 #include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/ClassFile.h>
 
 #include <algorithm>
 #include <cmath>
@@ -85,8 +86,20 @@ Session::LoadedScene readSceneFile(const std::string& path) {
   }
 }
 
+void addGivenClasses(Session::LoadedScene& scene, const ImportSettings& settings) {
+  if (!settings.classes.empty()) Session::readClasses(scene, settings.classes);
+}
+
+// A scene file with its classes.
+Session::LoadedScene fileWithClasses(const std::string& path, const ImportSettings& settings) {
+  Session::LoadedScene scene = readSceneFile(path);
+  if (settings.asksForClasses) Session::readClassesBeside(scene);
+  addGivenClasses(scene, settings);
+  return scene;
+}
+
 SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) {
-  SourcedScene source{readSceneFile(path), Jzon::Node(Jzon::Node::T_INVALID), true, {}};
+  SourcedScene source{fileWithClasses(path, settings), Jzon::Node(Jzon::Node::T_INVALID), true, {}};
   if (!settings.center) return source;
   source.eyeShift = centred(source.scene.scene());
   source.import = shiftNode(source.eyeShift);
@@ -101,29 +114,51 @@ Session::Vector moved(const Session::Vector& point, const Session::Vector& shift
 
 std::vector<std::string> sourceFiles(const std::string& path) { return Tools::sourceFiles(path); }
 
+std::vector<std::string> sourceFiles(const std::string& path, const ImportSettings& settings) {
+  std::vector<std::string> files = sourceFiles(path);
+  const std::string beside = Session::classFileBeside(path);
+  std::error_code ignored;
+  if (settings.asksForClasses && isSceneFile(path) &&
+      std::filesystem::is_regular_file(beside, ignored))
+    files.push_back(beside);
+  if (!settings.classes.empty()) files.push_back(settings.classes);
+  return files;
+}
+
 bool isSceneFile(const std::string& path) { return !Tools::isImportable(path); }
 
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings) {
   const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
   if (model == nullptr) return sceneFile(path, settings);
   Session::LoadedScene scene = model->scene(settings.eye);
+  addGivenClasses(scene, settings);
   std::cout << model->reportText() << std::flush;
   return {std::move(scene), model->reportNode(), false, {}};
 }
 
 namespace {
 
-Session::LoadedScene firstScene(Tools::Model* model, const std::string& path) {
-  if (model == nullptr) return readSceneFile(path);
+Session::LoadedScene firstScene(Tools::Model* model, const std::string& path,
+                                const ImportSettings& settings) {
+  if (model == nullptr) return fileWithClasses(path, settings);
   Session::LoadedScene scene = model->scene({});
+  addGivenClasses(scene, settings);
   std::cout << model->reportText() << std::flush;
   return scene;
 }
 
 }  // namespace
 
+std::vector<std::string> classNamesOf(const std::string& path, const ImportSettings& settings) {
+  const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
+  if (model == nullptr) return fileWithClasses(path, settings).classes().names;
+  Session::LoadedScene scene = model->scene({});
+  addGivenClasses(scene, settings);
+  return scene.classes().names;
+}
+
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)
-    : model(Tools::modelOf(path, settings)), current(firstScene(model.get(), path)) {
+    : model(Tools::modelOf(path, settings)), current(firstScene(model.get(), path, settings)) {
   if (!model && settings.center) shift = centred(current.scene());
 }
 

@@ -31,6 +31,8 @@ Session::Vector moved(const Session::Vector& point, const Session::Vector& shift
 /// All files that `loadScene` reads of a path: itself first, then those that it names.
 /// \throws Session::Error
 std::vector<std::string> sourceFiles(const std::string& path);
+/// The same, with the tables of classes that are read.
+std::vector<std::string> sourceFiles(const std::string& path, const ImportSettings& settings);
 
 /// Whether a path is read as a scene file, and not as a mesh or a city model.
 bool isSceneFile(const std::string& path);
@@ -41,8 +43,15 @@ bool isSceneFile(const std::string& path);
 /// With `ImportSettings::center` the middle of a scene file comes to x = y = 0 too, and its lowest
 /// point to z = 0, to within half a unit: by whole units, so that coordinates keep their decimals.
 /// The eye of a scene file is given in the file's coordinates and moves with it.
+///
+/// Classes come from the importer, or from the table beside a scene file if they are asked for;
+/// then from the table that the settings name.
 /// \throws Session::Error
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings);
+
+/// The names of the classes of a scene, without a word on what became of a mesh or city model.
+/// \throws Session::Error
+std::vector<std::string> classNamesOf(const std::string& path, const ImportSettings& settings);
 
 /// One scene for many eyes: a scene file as it is, a mesh or city model with its objects and faces
 /// in the order for the eye, as `loadScene` with that eye in its settings. Reads the file once.

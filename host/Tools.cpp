@@ -60,6 +60,16 @@ void addShares(CLI::App& command, std::string& shares, std::string& rows, const 
   addNames(command, "--rows", rows, "how deep the shares go", RowDepths);
 }
 
+void addClasses(CLI::App& command, ImportSettings& import) {
+  import.asksForClasses = true;
+  command
+      .add_option("--classes", import.classes,
+                  "what surfaces are (roof, wall ...): a table with the columns id or object, face "
+                  "and class to read (.csv); without it that beside the scene file, if there is "
+                  "one, named SCENE.classes.csv without the scene's .json")
+      ->type_name("FILE");
+}
+
 namespace Tools {
 
 const char* sceneHelp() { return "scene file (JSON), mesh or city model"; }
@@ -81,7 +91,10 @@ void addBatchedShotOptions(CLI::App& command, ShotOptions& options) {
             "what the eye really sees of each object, and the sky, to write (.csv or .json)");
 }
 
-void removeBatchOptions(CLI::App& command) { command.remove_option(command.get_option("--audit")); }
+void addBatchOptions(CLI::App& command, ImportSettings& import) {
+  command.remove_option(command.get_option("--audit"));
+  addClasses(command, import);
+}
 
 void addGridOptions(CLI::App& command, GridOptions& options) {
   const auto fault = [](const std::string& path) -> std::string {
@@ -94,6 +107,7 @@ void addGridOptions(CLI::App& command, GridOptions& options) {
       ->check(fault, "")
       ->type_name("FILE");
   addNames(command, "--rows", options.rows, "how deep the shares go", RowDepths);
+  addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
 }
 

@@ -36,9 +36,10 @@ const char* sceneHelp();
 void addSceneOptions(CLI::App& command, ImportSettings& import);
 /// What `shot` measures and draws without a display.
 void addShotOptions(CLI::App& command, ShotOptions& options);
-/// What views of a batch have besides, and do not have.
+/// What views of a batch have besides.
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options);
-void removeBatchOptions(CLI::App& command);
+/// What the batch as a whole has besides, and does not have.
+void addBatchOptions(CLI::App& command, ImportSettings& import);
 /// What `grid` measures.
 void addGridOptions(CLI::App& command, GridOptions& options);
 /// The commands that need components.

@@ -14,6 +14,7 @@
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/MapPicture.h>
+#include <lumivane/pictures/ReportPage.h>
 #include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/session/Files.h>
@@ -59,11 +60,14 @@ struct Output {
   std::string bytes;
 };
 
+std::vector<std::string> outputsOf(const ViewOptions& options) {
+  return {options.shares, options.map, options.stats, options.svg,
+          options.pdf,    options.png, options.html,  options.report};
+}
+
 void checkOutputs(const ViewOptions& options) {
-  OutputNames names(sourceFiles(options.scene));
-  for (const std::string& path : {options.shares, options.map, options.stats, options.svg,
-                                  options.pdf, options.png, options.html})
-    names.add(path);
+  OutputNames names(sourceFiles(options.scene, options.import));
+  for (const std::string& path : outputsOf(options)) names.add(path);
 }
 
 Visibility::Field fieldOf(const ViewOptions& options) {
@@ -88,7 +92,7 @@ VisibleMap look(const ViewOptions& options, const ExactScene& scene, ViewSeconds
   how.up = options.up;
   how.twoSided = options.twoSided;
   how.threads = options.threads;
-  how.alone = !options.shares.empty() && hasFractions(options.rows);
+  how.alone = !options.report.empty() || (!options.shares.empty() && hasFractions(options.rows));
   const ProgressBar bar;
   const Session::Progress show = bar.progress();
   if (show) how.progress = [&show](double part) { show(100.0 * part); };
@@ -117,12 +121,26 @@ std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
   return page.text();
 }
 
+std::string reportOf(const VisibleMap& map, const Pictures::MapColors& colors,
+                     Pictures::MapPictureOptions options, const MapShares& shares) {
+  const std::string scene = std::exchange(options.title, "");
+  options.extent = 1.02;  // so that no line of the rim is cut
+  return Pictures::ReportPage("What is seen in " + scene, VectorPicture(map, colors, options), map,
+                              shares)
+      .text();
+}
+
+Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedScene& scene,
+                             const VisibleMap& map) {
+  if (options.colorBy == "class") return Pictures::MapColors::byClass(map);
+  return options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
+}
+
 void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
                  const VisibleMap& map, const MapShares& shares, std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
-  if (!isDrawn && options.html.empty()) return;
-  const Pictures::MapColors colors =
-      options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
+  if (!isDrawn && options.html.empty() && options.report.empty()) return;
+  const Pictures::MapColors colors = colorsOf(options, scene, map);
   const Pictures::MapPictureOptions how = pictureOptions(options);
   if (isDrawn) {
     const VectorPicture picture(map, colors, how);
@@ -131,6 +149,8 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
     if (!options.png.empty()) outputs.push_back({options.png, Pictures::CairoWriter::png(picture)});
   }
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
+  if (!options.report.empty())
+    outputs.push_back({options.report, reportOf(map, colors, how, shares)});
 }
 
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
@@ -164,8 +184,7 @@ void writeStats(const ViewOptions& options, const VisibleMap& map, const ViewSec
 
 // What is worth a line on the terminal, where no file was asked for.
 void report(const ViewOptions& options, const VisibleMap& map, const MapShares& shares) {
-  for (const std::string& path : {options.shares, options.map, options.stats, options.svg,
-                                  options.pdf, options.png, options.html})
+  for (const std::string& path : outputsOf(options))
     if (!path.empty()) return;
   const auto isSeen = [](const MapShares::Row& row) { return row.share.solidAngle > 0.0; };
   const auto seen = std::count_if(shares.objects().begin(), shares.objects().end(), isSeen);

@@ -30,6 +30,8 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
   addFile(command, "--png-vector", options.png, "PNG to write, with smooth edges", Pictures);
   addFile(command, "--html", options.html,
           "page to explore the map in a browser, with the shares of the objects", Pictures);
+  addFile(command, "--report", options.report,
+          "page to print: the picture, the sky view factor, tables by class and object", Pictures);
   std::vector<std::string> names;
   for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     names.emplace_back(entry.name);
@@ -38,8 +40,8 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
   command.get_option("--projection")
       ->transform(otherNames({{"orthographic", "fisheye"}, {"nusselt", "fisheye"}}));
   addNames(command, "--color-by", options.colorBy,
-           "fill cells by the scene's brushes, or each object in a colour of its own",
-           {"brush", "object"}, Pictures);
+           "fill cells by the scene's brushes, or each object or class in a colour of its own",
+           {"brush", "object", "class"}, Pictures);
   command
       .add_option_function<std::string>(
           "--size",
@@ -59,6 +61,7 @@ void setViewOptions(CLI::App& command, ViewOptions& options) {
   addScene(command, options.scene, options.import);
   command.remove_option(command.get_option("--two-sided"));  // the look itself sees both sides
   addDirections(command, options);
+  addClasses(command, options.import);
   addNames(command, "--field", options.field, "the directions in front, or all",
            {"hemisphere", "sphere"});
   command.add_flag("--two-sided", options.twoSided, "polygons are seen from behind, too");

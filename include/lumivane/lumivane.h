@@ -58,6 +58,7 @@
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
 #include <lumivane/geometry/VFace.h>
 #include <lumivane/geometry/Vector3d.h>
+#include <lumivane/io/CsvReading.h>
 #include <lumivane/io/DataReader.h>
 #include <lumivane/io/DataWriter.h>
 #include <lumivane/io/Error.h>
@@ -71,6 +72,7 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/ClassFile.h>
 #include <lumivane/session/Error.h>
 #include <lumivane/session/FaceValues.h>
 #include <lumivane/session/Faults.h>
@@ -80,6 +82,7 @@
 #include <lumivane/session/ScenePolygons.h>
 #include <lumivane/session/ShotFile.h>
 #include <lumivane/session/ShotPolygons.h>
+#include <lumivane/session/SurfaceClasses.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/session/Text.h>
 #include <lumivane/session/ViewSettings.h>

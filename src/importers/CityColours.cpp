@@ -3,8 +3,10 @@
 #include "importers/CityColours.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <map>
+#include <string_view>
 
 namespace Lumivane::Importers {
 namespace {
@@ -83,6 +85,16 @@ const SourceMaterial& objectColour(const std::string& objectType) {
   const auto found = objectColours().find(familyOf(objectType));
   static const SourceMaterial other = {"other", 198, 192, 200, 255};
   return found == objectColours().end() ? other : found->second;
+}
+
+std::string cityClass(const std::string& surfaceType, const std::string& objectType) {
+  constexpr std::string_view Ending = "Surface";
+  std::string name = surfaceType.empty() ? familyOf(objectType) : surfaceType;
+  if (name.size() > 1 && name.front() == '+') name.erase(0, 1);
+  const std::size_t length = name.size() > Ending.size() ? name.size() - Ending.size() : 0;
+  if (length > 0 && !surfaceType.empty() && name.compare(length, Ending.size(), Ending) == 0)
+    name.resize(length);
+  return name;
 }
 
 bool isBuildingType(const std::string& objectType) {

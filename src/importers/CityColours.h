@@ -15,6 +15,11 @@ const SourceMaterial* surfaceColour(const std::string& surfaceType);
 /// one: those that CityJSON does not know, as those of extensions, share one.
 const SourceMaterial& objectColour(const std::string& objectType);
 
+/// The class of a surface: its semantic type without "Surface" ("Roof" for "RoofSurface") and
+/// without the "+" of an extension, or, where it has no semantics, the type of its city object, for
+/// parts that of what they are parts of.
+std::string cityClass(const std::string& surfaceType, const std::string& objectType);
+
 /// Whether objects of this type are buildings and the like, whose surfaces are distinguished by
 /// their slope where there are no semantics.
 bool isBuildingType(const std::string& objectType);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Lumivane::Importers {
 namespace {
@@ -165,19 +166,23 @@ CityPalette::CityPalette(const CityNode& root, SourceModel& target) : model(targ
   for (const CityNode& node : *materials) appearances.push_back(appearanceOf(node));
 }
 
-int CityPalette::material(int appearance, const std::string& surface, const std::string& object,
-                          const std::vector<int>& outline) {
-  if (appearance >= 0) return number(appearances[static_cast<size_t>(appearance)]);
-  if (const SourceMaterial* const colour = surfaceColour(surface)) return number(*colour);
-  if (!isBuildingType(object)) return number(objectColour(object));
-  return number(*surfaceColour(surfaceTypeBySlope(planeOf(outline, model.vertices).normal)));
+SourceMaterial CityPalette::colour(int appearance, const std::string& surface,
+                                   const std::string& object,
+                                   const std::vector<int>& outline) const {
+  if (appearance >= 0) return appearances[static_cast<size_t>(appearance)];
+  if (const SourceMaterial* const own = surfaceColour(surface)) return *own;
+  if (!isBuildingType(object)) return objectColour(object);
+  return *surfaceColour(surfaceTypeBySlope(planeOf(outline, model.vertices).normal));
 }
 
-int CityPalette::number(const SourceMaterial& material) {
-  const auto [place, isNew] = numbers.emplace(
-      std::array<int, 4>{material.red, material.green, material.blue, material.alpha},
-      static_cast<int>(model.materials.size()));
-  if (isNew) model.materials.push_back(material);
+int CityPalette::material(int appearance, const std::string& surface, const std::string& object,
+                          const std::vector<int>& outline) {
+  SourceMaterial material = colour(appearance, surface, object, outline);
+  material.className = cityClass(surface, object);
+  const std::array<int, 4> rgba = {material.red, material.green, material.blue, material.alpha};
+  const auto [place, isNew] = numbers.emplace(std::make_pair(material.className, rgba),
+                                              static_cast<int>(model.materials.size()));
+  if (isNew) model.materials.push_back(std::move(material));
   return place->second;
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -28,7 +29,7 @@ class CityPalette {
  public:
   CityPalette(const CityNode& root, SourceModel& model);
 
-  /// The material of a polygon.
+  /// The material of a polygon, with its class.
   ///
   /// \param appearance  index into the document's materials, or -1
   /// \param surface     semantic type of the polygon, or empty
@@ -39,11 +40,13 @@ class CityPalette {
   int appearanceCount() const { return static_cast<int>(appearances.size()); }
 
  private:
-  int number(const SourceMaterial& material);
+  SourceMaterial colour(int appearance, const std::string& surface, const std::string& object,
+                        const std::vector<int>& outline) const;
 
   SourceModel& model;
   std::vector<SourceMaterial> appearances;
-  std::map<std::array<int, 4>, int> numbers;  // of the model's materials, by their colours
+  // Of the model's materials, by class and colour.
+  std::map<std::pair<std::string, std::array<int, 4>>, int> numbers;
 };
 
 /// Adds the polygons of one geometry object to the model.

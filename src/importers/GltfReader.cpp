@@ -68,6 +68,7 @@ std::array<double, 4> baseColour(const Json& source) {
 SourceMaterial materialOf(const Json& source) {
   SourceMaterial material;
   material.name = textOf(source, "name");
+  material.className = material.name;
   const std::array<double, 4> colour = baseColour(source);
   material.red = channel(colour[0]);
   material.green = channel(colour[1]);
@@ -256,8 +257,9 @@ class GltfReader {
     const Json& mesh = document.root.at("meshes")[index->get<size_t>()];
     std::string name = textOf(node, "name");
     if (name.empty()) name = textOf(mesh, "name");
+    const std::string className = name;
     if (name.empty()) name = "node " + std::to_string(number);
-    model.objects.push_back({name, false});
+    model.objects.push_back({name, false, className});
     where = "meshes " + index->dump();
     for (const Json& primitive : mesh.at("primitives")) addPrimitive(primitive, transform);
   }

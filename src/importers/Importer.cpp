@@ -271,9 +271,10 @@ ImportedScene ImportedModel::sceneFor(const std::optional<std::array<double, 3>>
     std::vector<ObjectSurfaces> surfaces = state->surfaces;
     const std::vector<std::size_t> order = listOrder(state->model, surfaces, eyeOf(eye));
     ImportReport report = state->report;
-    auto scene = buildScene(state->model, surfaces, order, state->sides, report);
-    return ImportedScene{Session::LoadedScene::adopt(scene.release(), state->path),
-                         std::move(report)};
+    BuiltScene built = buildScene(state->model, surfaces, order, state->sides, report);
+    Session::LoadedScene scene = Session::LoadedScene::adopt(built.scene.release(), state->path);
+    scene.setClasses(Session::SurfaceClasses::ofNames(built.classNames));
+    return ImportedScene{std::move(scene), std::move(report)};
   });
 }
 

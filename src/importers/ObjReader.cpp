@@ -197,7 +197,7 @@ class ObjReader {
   void startObject(const std::string& name) {
     const auto [place, isNew] =
         objects.emplace(name.empty() ? fallback : name, static_cast<int>(model.objects.size()));
-    if (isNew) model.objects.push_back({place->first, false});
+    if (isNew) model.objects.push_back({place->first, false, name});
     object = place->second;
   }
 
@@ -208,6 +208,7 @@ class ObjReader {
       SourceMaterial plain;
       plain.name = name;
       model.materials.push_back(known != nullptr ? *known : plain);
+      model.materials.back().className = name;
       if (known == nullptr && !name.empty())
         model.warnings.push_back("material " + inQuotes(name) + " is in no material library");
     }

@@ -62,10 +62,11 @@ class SceneBuilder {
     scene->getPens()->addPen(new Base::Pen(40, 40, 40, 255, 1.0));
   }
 
-  void addObject(const std::string& name, const ObjectSurfaces& faces) {
+  void addObject(const SourceObject& source, const ObjectSurfaces& faces) {
     auto* const object = new Scene::Object();
     scene->getObjects()->addObject(object);
-    object->setId(uniqueId(name));
+    object->setId(uniqueId(source.id));
+    objectClass = source.className;
     object->setPartsCount(1);
     object->setPenNumber(1);
     object->setFaces(new Geometry::Faces());
@@ -82,13 +83,13 @@ class SceneBuilder {
     faceCount += faces.size();
   }
 
-  std::unique_ptr<Scene::Scene3D> finish(ImportReport& report) {
+  BuiltScene finish(ImportReport& report) {
     report.points = scene->getPoints()->getPoints()->size();
     report.objects = scene->getObjects()->getObjects()->size();
     report.brushes = scene->getBrushes()->getBrushes()->size();
     report.faces = faceCount;
     report.regions = regionCount;
-    return std::move(scene);
+    return {std::move(scene), std::move(classNames)};
   }
 
  private:
@@ -122,6 +123,8 @@ class SceneBuilder {
     for (const int vertex : source.loop) region->addPoint(pointNumber(vertex));
     for (const int edge : source.hiddenEdges) region->addDockingEdge(edge);
     face.addRegion(countOf(object.getRegions()->getRegions()));
+    const std::string& own = model.materials[static_cast<size_t>(source.material)].className;
+    classNames.push_back(own.empty() ? objectClass : own);
   }
 
   int pointNumber(int vertex) {
@@ -151,21 +154,22 @@ class SceneBuilder {
   std::map<std::array<int, 4>, int> brushNumbers;
   std::set<std::string> ids;
   std::map<std::string, int> nextNumbers;  // of the objects with one name
+  std::string objectClass;                 // of the object that is being added
+  std::vector<std::string> classNames;     // of all regions
   size_t faceCount = 0;
   size_t regionCount = 0;
 };
 
 }  // namespace
 
-std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
-                                           const std::vector<ObjectSurfaces>& surfaces,
-                                           const std::vector<std::size_t>& order, ImportSides sides,
-                                           ImportReport& report) {
+BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
+                      const std::vector<std::size_t>& order, ImportSides sides,
+                      ImportReport& report) {
   SceneBuilder builder(model, sides);
   bool isEmpty = true;
   for (const std::size_t i : order) {
     if (surfaces[i].empty()) continue;
-    builder.addObject(model.objects[i].id, surfaces[i]);
+    builder.addObject(model.objects[i], surfaces[i]);
     isEmpty = false;
   }
   if (isEmpty) throw ImportError("none of its polygons has an area that can be shown");

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Lumivane::Scene {
@@ -16,15 +17,20 @@ class Scene3D;
 
 namespace Lumivane::Importers {
 
+/// A scene, and the name of the class of each of its regions; empty for none.
+struct BuiltScene {
+  std::unique_ptr<Scene::Scene3D> scene;
+  std::vector<std::string> classNames;
+};
+
 /// Writes the faces of a placed model into a new scene, with one brush for each colour in use, one
 /// pen, and ids that differ. Objects without faces are left out. Fills the counts of the report.
 ///
 /// \param surfaces  the faces of each object of the model
 /// \param order     the objects in the order of the scene's list
 /// \throws ImportError if nothing is left
-std::unique_ptr<Scene::Scene3D> buildScene(const SourceModel& model,
-                                           const std::vector<ObjectSurfaces>& surfaces,
-                                           const std::vector<std::size_t>& order, ImportSides sides,
-                                           ImportReport& report);
+BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
+                      const std::vector<std::size_t>& order, ImportSides sides,
+                      ImportReport& report);
 
 }  // namespace Lumivane::Importers

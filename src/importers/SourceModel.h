@@ -13,11 +13,13 @@ struct SourceMaterial {
   int green = 200;
   int blue = 204;
   int alpha = 255;
+  std::string className{};  ///< of what has the material; empty: that of its object
 };
 
 struct SourceObject {
   std::string id;
   bool isTerrain = false;
+  std::string className{};  ///< of what has a material without one; may be empty
 };
 
 /// One polygon: its outline, counter-clockwise as seen from outside, then its holes. The numbers

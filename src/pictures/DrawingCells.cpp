@@ -1,5 +1,6 @@
 // Fills of drawings, and the labels in them.
 
+#include "pictures/ClassColor.h"
 #include "pictures/DrawingParts.h"
 #include "pictures/LabelPlace.h"
 
@@ -85,6 +86,7 @@ class FillGroups {
     const int number = looks.classOf(label);
     const std::string id = "class" + std::to_string(number + 1);
     Group& outer = groupIn(layer.groups, known, id, looks.className(number));
+    outer.isLayer = true;
     return groupIn(outer.groups, knownIn[id], id + "-" + object, name);
   }
 
@@ -302,8 +304,10 @@ std::string CellLooks::className(int number) const {
 
 Color CellLooks::classColor(int number) const {
   const auto brush = brushes.find(number + 1);
-  if (!hasClasses && brush != brushes.end()) return brush->second;
-  return MapColors().fill({number + 1, 0, 1});
+  if (!hasClasses)
+    return brush != brushes.end() ? brush->second : MapColors().fill({number + 1, 0, 1});
+  return Pictures::classColor(
+      number < 0 ? "" : scene.map.names->classNames[static_cast<std::size_t>(number)]);
 }
 
 std::string CellLooks::objectName(int object) const {

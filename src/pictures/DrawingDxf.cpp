@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <map>
 #include <string>
 
 namespace Lumivane::Pictures {
@@ -94,10 +95,11 @@ class DxfDrawing {
     pair(0, "ENDTAB");
     pair(0, "TABLE");
     pair(2, "LAYER");
-    pair(70, std::to_string(drawing.layers.size() + 1));
+    std::map<std::string, bool> layers;
+    for (const Drawing::Group& group : drawing.layers) collect(group, layerName(group.id), layers);
+    pair(70, std::to_string(layers.size() + 1));
     layer("0", false);
-    for (const Drawing::Group& group : drawing.layers)
-      layer(layerName(group.id), !group.paths.empty() && !group.paths.front().dashes.empty());
+    for (const auto& [name, isDashed] : layers) layer(name, isDashed);
     pair(0, "ENDTAB");
     pair(0, "ENDSEC");
   }
@@ -121,12 +123,25 @@ class DxfDrawing {
     pair(6, isDashed ? "DASHED" : "CONTINUOUS");
   }
 
+  // A layer in a layer has both names.
+  static std::string nameIn(const std::string& outer, const Drawing::Group& group) {
+    return group.isLayer ? layerName(outer + "_" + group.name) : outer;
+  }
+
+  // All layers, and whether their lines are dashed.
+  // NOLINTNEXTLINE(misc-no-recursion): groups are three deep
+  static void collect(const Drawing::Group& group, const std::string& name,
+                      std::map<std::string, bool>& layers) {
+    layers[name] |= !group.paths.empty() && !group.paths.front().dashes.empty();
+    for (const Drawing::Group& inner : group.groups) collect(inner, nameIn(name, inner), layers);
+  }
+
   // NOLINTNEXTLINE(misc-no-recursion): groups are three deep
   void add(const Drawing::Group& group, const std::string& name) {
     for (const Drawing::Path& path : group.paths)
       for (const Drawing::Line& line : path.lines) add(line, path.closed, name);
     for (const Drawing::Text& text : group.texts) add(text, name);
-    for (const Drawing::Group& inner : group.groups) add(inner, name);
+    for (const Drawing::Group& inner : group.groups) add(inner, nameIn(name, inner));
   }
 
   void place(const Drawing::Point& p, int codeX = 10) {

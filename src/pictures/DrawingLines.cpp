@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace Lumivane::Pictures {
 
@@ -38,10 +39,27 @@ constexpr LineKind DrawingOrder[] = {LineKind::Hidden,   LineKind::Inner,      L
                                      LineKind::Crossing, LineKind::Silhouette, LineKind::Outline};
 const std::vector<double> Dashes = {1.6, 0.9};  // mm
 
-int objectOf(const DrawnScene& scene, const DrawnLine& line) {
-  if (line.cell >= 0) return scene.map.cells[static_cast<std::size_t>(line.cell)].label.object;
-  if (line.region < 0) return 0;
-  return scene.map.names->regions[static_cast<std::size_t>(line.region)].object;
+Visibility::Label labelOf(const DrawnScene& scene, const DrawnLine& line) {
+  if (line.cell >= 0) return scene.map.cells[static_cast<std::size_t>(line.cell)].label;
+  if (line.region < 0) return {};
+  return scene.map.names->regions[static_cast<std::size_t>(line.region)];
+}
+
+// What one path of a kind holds: the lines of one object, if there are groups of classes those of
+// one class in it; 0 for all.
+struct PathKey {
+  int classNumber = 0;
+  int object = 0;
+  bool operator<(const PathKey& other) const {
+    return std::pair(classNumber, object) < std::pair(other.classNumber, other.object);
+  }
+};
+
+PathKey keyOf(const DrawnScene& scene, const CellLooks& looks, const DrawnLine& line) {
+  if (scene.options.groups == DrawingGroups::None || scene.options.strokes) return {};
+  const Visibility::Label label = labelOf(scene, line);
+  if (scene.options.groups != DrawingGroups::Class) return {0, label.object};
+  return {label.object == 0 ? -1 : looks.classOf(label), label.object};
 }
 
 void count(const std::vector<Line>& lines, Drawing::Counts& counts) {
@@ -59,11 +77,24 @@ Drawing::Path pathOf(const DrawnScene& scene, LineKind kind, std::vector<Line> l
   return path;
 }
 
+// The last group of a layer, which is made if it is of another class. Classes come in their order.
+Drawing::Group& classGroup(Drawing::Group& layer, const CellLooks& looks, int number) {
+  const std::string id = layer.id + "-class" + std::to_string(number + 1);
+  if (layer.groups.empty() || layer.groups.back().id != id) {
+    layer.groups.emplace_back();
+    layer.groups.back().id = id;
+    layer.groups.back().name = looks.className(number);
+    layer.groups.back().isLayer = true;
+  }
+  return layer.groups.back();
+}
+
 void addKind(const DrawnScene& scene, const CellLooks& looks, LineKind kind,
              const std::vector<DrawnLine>& lines, Drawing& drawing) {
-  std::map<int, std::vector<Line>> byObject;
+  std::map<PathKey, std::vector<Line>> byKey;
   std::size_t& counted = drawing.counts.lines[static_cast<std::size_t>(kind)];
   const bool apart = scene.options.groups != DrawingGroups::None && !scene.options.strokes;
+  const bool byClass = apart && scene.options.groups == DrawingGroups::Class;
   std::vector<PlaneLine> parts;
   for (const DrawnLine& line : lines) {
     if (line.kind != kind) continue;
@@ -71,24 +102,26 @@ void addKind(const DrawnScene& scene, const CellLooks& looks, LineKind kind,
     scene.plane.addLine(line.from, line.to, parts);
     counted += parts.size();
     for (const PlaneLine& part : parts)
-      byObject[apart ? objectOf(scene, line) : 0].push_back(scene.paper(part));
+      byKey[keyOf(scene, looks, line)].push_back(scene.paper(part));
   }
-  if (byObject.empty() || !(scene.options.widths[static_cast<std::size_t>(kind)] > 0.0)) return;
+  if (byKey.empty() || !(scene.options.widths[static_cast<std::size_t>(kind)] > 0.0)) return;
   Drawing::Group layer;
   layer.id = lineKindName(kind);
   layer.name = lineKindName(kind);
   layer.isLayer = true;
-  for (auto& entry : byObject) {
+  for (auto& entry : byKey) {
+    const PathKey& key = entry.first;
     std::vector<Line> joined = joinedLines(entry.second);
     if (scene.options.strokes) joined = orderedForPen(joined);
     if (joined.empty()) continue;
     count(joined, drawing.counts);
     Drawing::Path path = pathOf(scene, kind, std::move(joined));
+    Drawing::Group& group = byClass ? classGroup(layer, looks, key.classNumber) : layer;
     if (apart) {
-      path.id = std::string(lineKindName(kind)) + "-o" + std::to_string(entry.first);
-      path.title = looks.objectName(entry.first);
+      path.id = group.id + "-o" + std::to_string(key.object);
+      path.title = looks.objectName(key.object);
     }
-    layer.paths.push_back(std::move(path));
+    group.paths.push_back(std::move(path));
   }
   drawing.layers.push_back(std::move(layer));
 }

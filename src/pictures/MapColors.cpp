@@ -1,3 +1,4 @@
+#include "pictures/ClassColor.h"
 #include "pictures/Colors.h"
 
 #include <lumivane/base/Brush.h>
@@ -10,6 +11,7 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/visibility/VisibleMap.h>
 
 #include <algorithm>
 #include <cmath>
@@ -74,6 +76,24 @@ MapColors::MapColors(const Scene::Scene3D& scene) : isByObject(false) {
       fills.back().push_back(brush == nullptr ? Black : opaque(*brush));
     }
   }
+}
+
+MapColors MapColors::byClass(const Visibility::VisibleMap& map) {
+  MapColors result;
+  result.isByObject = false;
+  if (map.names == nullptr) return result;
+  for (std::size_t i = 0; i < map.names->regions.size(); ++i) {
+    const Visibility::Label& label = map.names->regions[i];
+    const int number = i < map.names->classes.size() ? map.names->classes[i] : -1;
+    const auto object = static_cast<std::size_t>(label.object);
+    const auto region = static_cast<std::size_t>(label.region);
+    if (result.fills.size() < object) result.fills.resize(object);
+    if (result.fills[object - 1].size() < region)
+      result.fills[object - 1].resize(region, classColor(""));
+    result.fills[object - 1][region - 1] =
+        classColor(number < 0 ? "" : map.names->classNames[static_cast<std::size_t>(number)]);
+  }
+  return result;
 }
 
 Color MapColors::fill(const Visibility::Label& label) const {

@@ -8,10 +8,16 @@
 #include "session/TakenShotState.h"
 
 #include <lumivane/check/InsideTest.h>
+#include <lumivane/geometry/Regions.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
 #include <lumivane/session/Faults.h>
 
+#include <cstddef>
 #include <new>
+#include <set>
 #include <stdexcept>
+#include <utility>
 
 // A scene and its takes. A take borrows the settings of the process and of its thread, and gives
 // them back however it ends.
@@ -61,6 +67,31 @@ std::string faultBeforehand(Scene::Scene3D& scene, const ViewSettings& view) {
   return scene.getObjects() == nullptr ? sceneFault(scene, view) : "";
 }
 
+std::size_t regionCount(Scene::Scene3D& scene) {
+  std::size_t count = 0;
+  if (scene.getObjects() == nullptr) return count;
+  for (const Scene::Object* const object : *scene.getObjects()->getObjects())
+    if (object != nullptr && object->getRegions() != nullptr)
+      count += object->getRegions()->getRegions()->size();
+  return count;
+}
+
+std::string classesFault(const SurfaceClasses& classes, std::size_t regions) {
+  if (!classes.regions.empty() && classes.regions.size() != regions)
+    return "there are classes of " + std::to_string(classes.regions.size()) +
+           " regions, but the scene has " + std::to_string(regions);
+  for (const int number : classes.regions)
+    if (number < -1 || number >= static_cast<long long>(classes.names.size()))
+      return "class number " + std::to_string(number) + " points at none of the " +
+             std::to_string(classes.names.size()) + " names";
+  std::set<std::string> known;
+  for (const std::string& name : classes.names) {
+    if (name.empty()) return "a class has no name";
+    if (!known.insert(name).second) return "there are two classes \"" + name + "\"";
+  }
+  return "";
+}
+
 // Forgets what a shot that failed half way has left on the objects.
 Error failure(LoadedScene& scene, const std::string& cause) {
   scene.releaseWorkingLists();
@@ -97,6 +128,14 @@ LoadedScene::~LoadedScene() = default;
 Scene::Scene3D& LoadedScene::scene() const { return *state->scene; }
 
 const std::string& LoadedScene::name() const { return state->name; }
+
+const SurfaceClasses& LoadedScene::classes() const { return state->classes; }
+
+void LoadedScene::setClasses(SurfaceClasses classes) {
+  const std::string fault = classesFault(classes, regionCount(scene()));
+  if (!fault.empty()) throw Error(name(), fault);
+  state->classes = std::move(classes);
+}
 
 void LoadedScene::releaseWorkingLists() { Session::releaseWorkingLists(scene()); }
 

@@ -20,6 +20,7 @@ struct LoadedScene::State {
 
   std::unique_ptr<Scene::Scene3D> scene;
   std::string name;
+  SurfaceClasses classes;
 };
 
 }  // namespace Lumivane::Session

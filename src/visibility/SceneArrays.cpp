@@ -6,6 +6,7 @@
 #include <lumivane/scene/Object.h>
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
+#include <lumivane/session/LoadedScene.h>
 
 #include <algorithm>
 #include <cmath>
@@ -147,6 +148,14 @@ void checkPoints(const PolygonScene& scene) {
 }  // namespace
 
 PolygonScene polygonsOf(const Scene::Scene3D& scene) { return SceneReader(scene).take(); }
+
+PolygonScene polygonsOf(const Session::LoadedScene& scene) {
+  PolygonScene result = polygonsOf(scene.scene());
+  result.classes = scene.classes().regions;
+  result.classNames = scene.classes().names;
+  checkClasses(result);
+  return result;
+}
 
 void checkArrays(const PolygonScene& scene) {
   // Numbers inside an index have 32 bits.

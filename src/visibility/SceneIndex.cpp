@@ -12,8 +12,11 @@ namespace Lumivane::Visibility {
 Cancelled::Cancelled() : std::runtime_error("the look was cancelled") {}
 Cancelled::~Cancelled() = default;
 
-SceneIndex::SceneIndex(const Session::LoadedScene& scene, const IndexOptions& options)
-    : SceneIndex(scene.scene(), options) {}
+SceneIndex::SceneIndex(const Session::LoadedScene& scene, const IndexOptions& options) {
+  auto made = std::make_shared<State>();
+  buildIndex(polygonsOf(scene), options, *made);
+  state = std::move(made);
+}
 
 SceneIndex::SceneIndex(const Scene::Scene3D& scene, const IndexOptions& options) {
   auto made = std::make_shared<State>();

@@ -617,6 +617,62 @@ TEST(Drawing, SvgGroupsAreLayersWithIdsOfTheirOwn) {
   EXPECT_LT(10U, document.select_nodes("//g[@id='fills']/g/g/path").size());
 }
 
+// A box on a plate, in classes of their own; the lid of the box has none.
+PolygonScene boxOfClasses() {
+  PolygonBuilder builder;
+  addBox(builder, 1, {0, 0, 0}, {4, 4, 1});
+  addBox(builder, 2, {1, 1, 1}, {2, 2, 3});
+  builder.scene.classNames = {"Ground", "Wall"};
+  builder.scene.classes = std::vector<int>(12, 0);
+  for (std::size_t i = 6; i < 12; ++i) builder.scene.classes[i] = i == 11 ? -1 : 1;
+  return builder.scene;
+}
+
+TEST(Drawing, ClassesHaveFillsOfTheirOwnAndALegend) {
+  DrawingOptions options = parallelAlong({1, 2, -1});
+  options.fill = DrawingFill::Class;
+  options.legend = true;
+  options.labels = DrawingLabels::Class;
+  const Drawing drawing = draw(SceneIndex(boxOfClasses()), options);
+  const Drawing::Group* const legend = layerOf(drawing, "legend");
+  ASSERT_NE(nullptr, legend);
+  std::map<std::string, Drawing::Color> colors;
+  for (std::size_t i = 0; i < legend->texts.size(); ++i)
+    colors[legend->texts[i].text] = *legend->paths[i].fill;
+  ASSERT_EQ(3U, colors.size());
+  EXPECT_EQ(238, colors.at("Wall").red);
+  EXPECT_EQ(150, colors.at("Ground").red);
+  EXPECT_EQ(206, colors.at("no class").red);
+  std::map<int, int> fills;
+  for (const Drawing::Group& group : layerOf(drawing, "fills")->groups)
+    for (const Drawing::Path& path : group.paths) ++fills[path.fill->red];
+  EXPECT_EQ((std::map<int, int>{{150, 3}, {206, 1}, {238, 2}}), fills);
+  EXPECT_EQ("Ground", layerOf(drawing, "labels")->texts.at(0).text);
+}
+
+TEST(Drawing, GroupsOfClassesAreLayersOfFillsAndOfEachKindOfLines) {
+  DrawingOptions options = parallelAlong({1, 2, -1});
+  options.fill = DrawingFill::Class;
+  options.groups = DrawingGroups::Class;
+  const Drawing drawing = draw(SceneIndex(boxOfClasses()), options);
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_string(DrawingWriter::svg(drawing).c_str()));
+  std::map<std::string, int> ids;
+  for (const pugi::xpath_node& node : document.select_nodes("//*[@id]"))
+    ++ids[node.node().attribute("id").value()];
+  for (const auto& entry : ids) EXPECT_EQ(1, entry.second) << entry.first;
+  for (const char* const id : {"class1", "class2", "class0", "outline-class1", "outline-class2-o2"})
+    EXPECT_EQ(1, ids[id]) << id;
+  const pugi::xml_node group = document.select_node("//g[@id='class2']").node();
+  EXPECT_STREQ("layer", group.attribute("inkscape:groupmode").value());
+  EXPECT_STREQ("Wall", group.attribute("inkscape:label").value());
+  const std::string dxf = DrawingWriter::dxf(drawing);
+  for (const char* const layer : {"FILLS_WALL", "FILLS_NO_CLASS", "OUTLINE_GROUND"}) {
+    EXPECT_NE(std::string::npos, dxf.find(std::string("LAYER\n2\n") + layer + "\n")) << layer;
+    EXPECT_NE(std::string::npos, dxf.find(std::string("\n8\n") + layer + "\n")) << layer;
+  }
+}
+
 TEST(Drawing, SvgTakesNoMoreThanSixtyBytesAVertex) {
   const SceneIndex index = streetIndex();
   DrawingOptions options = streetView(DrawingProjection::Perspective);

@@ -57,6 +57,25 @@ TEST(SceneIndex, TakesTheRegionsOfALoadedScene) {
   EXPECT_EQ((Label{2, 4, 1}), index.seenIn({0.5, 0.5, 1.5}, {{0, 0, -1}})[0].label);
 }
 
+TEST(SceneIndex, TakesTheClassesOfALoadedScene) {
+  LoadedScene scene = LoadedScene::fromText(TwoSquares, "two squares");
+  scene.setClasses({{"roof", "wall"}, {-1, 1, 0}});
+  const PolygonScene polygons = polygonsOf(scene);
+  EXPECT_EQ((std::vector<int>{-1, 1, 0}), polygons.classes);
+  EXPECT_EQ((std::vector<std::string>{"roof", "wall"}), polygons.classNames);
+  const VisibleMap map = SceneIndex(scene).look({0.5, 0.5, 3}, {});
+  EXPECT_EQ(polygons.classes, map.names->classes);
+  EXPECT_EQ(polygons.classNames, map.names->classNames);
+  EXPECT_TRUE(polygonsOf(scene.scene()).classNames.empty());
+}
+
+TEST(SceneIndex, RefusesASceneWhoseRegionsHaveChangedSinceItsClasses) {
+  LoadedScene scene = LoadedScene::fromText(TwoSquares, "two squares");
+  scene.setClasses({{"roof"}, {-1, 0, 0}});
+  scene.scene().getObjects()->getObject(1)->getRegions()->addRegion(new Geometry::Region());
+  EXPECT_EQ("there is not one class for each outline", refusal([&] { const SceneIndex i(scene); }));
+}
+
 TEST(SceneIndex, DoesNotNeedTheSceneAfterwards) {
   auto scene = std::make_unique<LoadedScene>(LoadedScene::fromText(TwoSquares, "two squares"));
   const SceneIndex index(*scene);

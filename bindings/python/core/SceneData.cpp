@@ -52,7 +52,7 @@ std::shared_ptr<SceneData> SceneData::read(const std::string& path,
     data->loaded = Session::LoadedScene::fromFile(path);
   }
   data->theIndex = indexOf(*data->loaded);
-  data->arrays = Visibility::polygonsOf(data->loaded->scene());
+  data->arrays = Visibility::polygonsOf(*data->loaded);
   return data;
 }
 
@@ -60,7 +60,7 @@ std::shared_ptr<SceneData> SceneData::ofText(const std::string& text, const std:
   auto data = std::make_shared<SceneData>();
   data->loaded = Session::LoadedScene::fromText(text, name);
   data->theIndex = indexOf(*data->loaded);
-  data->arrays = Visibility::polygonsOf(data->loaded->scene());
+  data->arrays = Visibility::polygonsOf(*data->loaded);
   return data;
 }
 

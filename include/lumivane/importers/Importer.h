@@ -19,8 +19,11 @@ namespace Lumivane::Importers {
 
 /// A scene made from a file of another program.
 struct ImportedScene {
-  Session::LoadedScene scene;  ///< named for the file
-  ImportReport report;         ///< what became of the file
+  /// Named for the file, with classes: what a semantic surface of CityJSON is (`Roof`, `Wall`,
+  /// `Ground` ...), else the type of its city object; the material of OBJ and glTF, else the group,
+  /// node or mesh.
+  Session::LoadedScene scene;
+  ImportReport report;  ///< what became of the file
 };
 
 /// A file of another program, read once, of which scenes for several eyes are made: the order of a
@@ -51,6 +54,7 @@ class LUMIVANE_IMPORTERS_EXPORT ImportedModel {
 ///
 /// Materials become brushes, and groups, nodes and city objects become objects with their names as
 /// ids. Neighbouring polygons in one plane become one face, whose inner edges are docking edges.
+/// What a surface is stays known as its class (`Session::LoadedScene::classes`).
 class LUMIVANE_IMPORTERS_EXPORT Importer {
  public:
   /// Whether the file is of a kind that is read here, known by the ending of its name and, for

@@ -12,6 +12,9 @@
 namespace Lumivane::Scene {
 class Scene3D;
 }
+namespace Lumivane::Visibility {
+struct VisibleMap;
+}
 
 namespace Lumivane::Pictures {
 
@@ -48,6 +51,9 @@ class LUMIVANE_PICTURES_EXPORT MapColors {
   /// Fills by the scene's brushes, lines by its pens. Opacities are left out, since nothing lies
   /// behind what is seen. A number that points at no brush or pen stands for opaque black.
   explicit MapColors(const Scene::Scene3D& scene);
+  /// Fills by the classes of a map, each in the colour that its name has in all pictures; lines are
+  /// black.
+  static MapColors byClass(const Visibility::VisibleMap& map);
 
   /// The sky has a colour of its own.
   VectorPicture::Color fill(const Visibility::Label& label) const;

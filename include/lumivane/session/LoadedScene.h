@@ -4,6 +4,7 @@
 #include <lumivane/session/Error.h>
 #include <lumivane/session/Progress.h>
 #include <lumivane/session/ScenePolygons.h>
+#include <lumivane/session/SurfaceClasses.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/session/ViewSettings.h>
 
@@ -54,6 +55,14 @@ class LUMIVANE_EXPORT LoadedScene {
   Scene::Scene3D& scene() const;
   /// The file's path, or the name given.
   const std::string& name() const;
+
+  /// What the regions are; nothing for a scene without classes. A scene file holds none: they
+  /// come from the importer of a mesh or city model, from a table (`readClasses`) or from the host.
+  const SurfaceClasses& classes() const;
+  /// Replaces them. A host that adds or removes regions afterwards sets them anew.
+  /// \throws Error if there is not one number for each region, a number points at no name, or a
+  ///         name is empty or there twice
+  void setClasses(SurfaceClasses classes);
 
   /// Takes a shot. Each is as of a scene never looked at before: what earlier shots have left on
   /// the objects is freed first. What this one leaves there (the raw working lists, e.g.

@@ -10,6 +10,9 @@
 namespace Lumivane::Scene {
 class Scene3D;
 }
+namespace Lumivane::Session {
+class LoadedScene;
+}
 
 namespace Lumivane::Visibility {
 
@@ -59,5 +62,7 @@ struct PolygonScene {
 /// not there, or
 ///         has a coordinate that is not finite or beyond 1e30
 LUMIVANE_VISIBILITY_EXPORT PolygonScene polygonsOf(const Scene::Scene3D& scene);
+/// The same of a loaded scene, with its classes.
+LUMIVANE_VISIBILITY_EXPORT PolygonScene polygonsOf(const Session::LoadedScene& scene);
 
 }  // namespace Lumivane::Visibility

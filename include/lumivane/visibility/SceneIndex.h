@@ -54,12 +54,13 @@ struct Seen {
 /// threads at a time. Copies are cheap and share all.
 class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
  public:
-  /// The regions of a loaded scene, whose working lists are not looked at. The scene may change or
-  /// go afterwards.
+  /// The regions of a loaded scene and their classes; its working lists are not looked at. The
+  /// scene may change or go afterwards.
   /// \throws std::invalid_argument that names object and region for a point number that points at
-  ///         nothing and for coordinates that are not finite
+  ///         nothing and for coordinates that are not finite, and if there is not one class for
+  ///         each region any more
   explicit SceneIndex(const Session::LoadedScene& scene, const IndexOptions& options = {});
-  /// The same of a raw scene.
+  /// The same of a raw scene, without classes.
   explicit SceneIndex(const Scene::Scene3D& scene, const IndexOptions& options = {});
   /// Plain arrays, which are taken over.
   /// \throws std::invalid_argument if the arrays do not fit each other or coordinates are not

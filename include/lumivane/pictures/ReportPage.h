@@ -1,0 +1,57 @@
+#pragma once
+
+#include <lumivane/pictures/export.h>
+
+#include <string>
+#include <vector>
+
+namespace Lumivane::Visibility {
+class MapShares;
+struct VisibleMap;
+}  // namespace Lumivane::Visibility
+
+namespace Lumivane::Pictures {
+
+class VectorPicture;
+
+/// One page to print on what one eye sees: the picture, the eye and its directions, the sky view
+/// factor, and tables by class and by object. HTML that loads nothing from anywhere and needs no
+/// script.
+class LUMIVANE_PICTURES_EXPORT ReportPage {
+ public:
+  /// A table that a host adds, as one of sun hours.
+  struct Table {
+    std::string title;                           ///< its heading
+    std::string note;                            ///< a line under it; may be empty
+    std::vector<std::string> columns;            ///< their headings
+    std::vector<std::vector<std::string>> rows;  ///< cells, the first of each row its name
+  };
+
+  /// \param title    the page's heading, as the scene's name
+  /// \param picture  of the map
+  /// \param map      of which the page is; without its visible fractions a column is left out
+  /// \param shares   of that map
+  ReportPage(const std::string& title, const VectorPicture& picture,
+             const Visibility::VisibleMap& map, const Visibility::MapShares& shares);
+
+  /// Adds a line to those about the eye, as "place": "Delft".
+  void addFact(const std::string& name, const std::string& value);
+  /// Adds a table behind the others.
+  void add(Table table);
+
+  /// The document. Equal content gives equal bytes: it holds no date. Texts may hold any bytes.
+  std::string text() const;
+
+ private:
+  struct Fact {
+    std::string name;
+    std::string value;
+  };
+
+  std::string pageTitle;
+  std::string svg;
+  std::vector<Fact> facts;
+  std::vector<Table> tables;
+};
+
+}  // namespace Lumivane::Pictures
