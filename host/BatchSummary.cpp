@@ -1,3 +1,6 @@
+// The rows of the summary of a batch. Columns of classes stand behind the others, so that tables
+// with and without them have the same first columns.
+
 #include "BatchSummary.h"
 
 #include "Csv.h"

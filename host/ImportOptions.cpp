@@ -1,3 +1,6 @@
+// The options of imports: those of the command that imports, and the same ones, in a group of their
+// own, of commands that take a mesh or a city model for a scene.
+
 #include "ImportOptions.h"
 
 #include "Options.h"

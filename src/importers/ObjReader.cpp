@@ -184,7 +184,7 @@ class ObjReader {
     std::vector<int> loop;
     loop.reserve(words.size() - 1);
     for (size_t i = 1; i < words.size(); ++i) loop.push_back(corner(words[i]));
-    if (object < 0) startObject(fallback);
+    if (object < 0) startObject("");
     if (material < 0) startMaterial("");
     SourcePolygon polygon;
     polygon.loops.push_back(std::move(loop));

@@ -1,3 +1,7 @@
+// Where maps take their colours from: brushes and pens of the scene, or the numbers of objects, or
+// the names of classes. A list by object and region is made once, since every cell asks for its
+// colour.
+
 #include "pictures/ClassColor.h"
 #include "pictures/Colors.h"
 

@@ -91,8 +91,7 @@ TEST(ClassesProgram, ImportedScenesKeepTheClassesOfTheirModelInATableBesideThem)
             view(folder.path("house.json"), {"--rows=class", "--shares", folder.path("scene.csv")})
                 .status);
   EXPECT_EQ(fileBytes(folder.path("model.csv")), fileBytes(folder.path("scene.csv")));
-  EXPECT_EQ((Names{"CityFurniture", "Road", "Roof", "Shed", "Wall"}).size(),
-            seenClasses(House).size());
+  EXPECT_EQ((Names{"CityFurniture", "Road", "Roof", "Shed", "Wall", "Window"}), seenClasses(House));
 }
 
 TEST(ClassesProgram, TheSceneFileItselfHoldsNothingOfThem) {
@@ -127,7 +126,7 @@ TEST(ClassesProgram, ATableOfTheCommandLineComesOverWhatIsKnown) {
   EXPECT_EQ(1u, seenClasses(folder.path("h.json"),
                             {"--classes", folder.file("d.csv",
                                                       "object,class\n1,A\n2,A\n3,A\n4,A\n"
-                                                      "5,A\n6,A\n")})
+                                                      "5,A\n")})
                     .size());
 }
 
@@ -188,9 +187,11 @@ TEST(ClassesProgram, TheSummaryOfABatchHasAColumnForEachClass) {
   EXPECT_NEAR(1.0, top + rest + std::stod(rows[0].at("sky_view_factor")), 1e-9);
   EXPECT_EQ("failed", rows[1].at("status"));
   EXPECT_EQ("", rows[1].at("view_factor_of_Top"));
-  for (const auto& row : tableOf(out + "/a.csv"))
-    if (row.at("class") == "Top")
+  for (const auto& row : tableOf(out + "/a.csv")) {
+    if (row.at("class") == "Top") {
       EXPECT_EQ(rows[0].at("view_factor_of_Top"), row.at("view_factor"));
+    }
+  }
 
   // The same summary from the journal alone, and another one once the table has changed.
   fs::remove(out + "/summary.csv");

@@ -122,19 +122,17 @@ TEST(Classes, SurfacesOfOneColourAndTwoClassesAreTwoFaces) {
 }
 
 TEST(Classes, ObjSurfacesHaveTheirMaterialElseTheirGroup) {
-  EXPECT_EQ((Counts{{{"walls", "brick"}, 5}, {{"lid", "tile"}, 1}}), [] {
-    Counts faces;
-    const ImportedScene imported = Importer::importFile(modelPath("cube.obj"), {});
-    const std::vector<std::string> names = imported.scene.classes().namesOfRegions();
-    std::size_t position = 0;
-    for (const Scene::Object* const object : *imported.scene.scene().getObjects()->getObjects()) {
-      std::set<std::pair<std::string, int>> known;
-      for (const Geometry::Region* const region : *object->getRegions()->getRegions())
-        known.emplace(names.at(position++), region->getFaceNumber());
-      for (const auto& face : known) ++faces[{object->getId(), face.first}];
-    }
-    return faces;
-  }());
+  Counts faces;
+  const ImportedScene imported = Importer::importFile(modelPath("cube.obj"), {});
+  const std::vector<std::string> names = imported.scene.classes().namesOfRegions();
+  std::size_t position = 0;
+  for (const Scene::Object* const object : *imported.scene.scene().getObjects()->getObjects()) {
+    std::set<std::pair<std::string, int>> known;
+    for (const Geometry::Region* const region : *object->getRegions()->getRegions())
+      known.emplace(names.at(position++), region->getFaceNumber());
+    for (const auto& face : known) ++faces[{object->getId(), face.first}];
+  }
+  EXPECT_EQ((Counts{{{"walls", "brick"}, 5}, {{"lid", "tile"}, 1}}), faces);
   EXPECT_EQ((Counts{{{"a", "a"}, 1}, {{"b", "tin"}, 1}}),
             countsOf("m.obj", Square + "g a\nf 1 2 3\ng b\nusemtl tin\nf 1 3 4\n"));
 }
