@@ -143,9 +143,7 @@ class TileLines {
   void addState(size_t gap);
   void replaceGaps();
   bool finish();
-  const Course& courseOf(int line) const {
-    return courses[static_cast<size_t>(line + FirstCourse)];
-  }
+  const Course& courseOf(int line) const { return courses.data()[line + FirstCourse]; }
 
   const LookPolygons& polygons;
   Tile tile{};
