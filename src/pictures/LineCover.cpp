@@ -68,7 +68,10 @@ void LineCover::forCells(Vec3 a, Vec3 b, Visit visit) const {
 }
 
 void LineCover::add(Vec3 from, Vec3 to) {
-  const Kept line{placed(from), placed(to)};
+  const Vec3 a = placed(from);
+  const Vec3 b = placed(to);
+  const Vec3 normal = Kernel::cross(a, b);
+  const Kept line{a, b, normal, Kernel::length3(normal)};
   const int number = static_cast<int>(lines.size());
   lines.push_back(line);
   lastAsked.push_back(-1);
@@ -81,11 +84,9 @@ void LineCover::add(Vec3 from, Vec3 to) {
 // The part of the line from a to b, 0 to 1, that lies on a kept one: where it is close to the
 // other's line, which is linear, and between the other's ends.
 void LineCover::addCovered(const Kept& line, Vec3 a, Vec3 b, Vec3 normal) {
-  const Vec3 other = Kernel::cross(line.a, line.b);
-  const double length = Kernel::length3(other);
-  if (!(length > 0.0)) return;
-  const double atA = Kernel::dot(other, a) / length;
-  const double atB = Kernel::dot(other, b) / length;
+  if (!(line.length > 0.0)) return;
+  const double atA = Kernel::dot(line.normal, a) / line.length;
+  const double atB = Kernel::dot(line.normal, b) / line.length;
   double from = 0.0;
   double to = 1.0;
   for (const double sign : {1.0, -1.0}) {

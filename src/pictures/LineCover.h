@@ -26,6 +26,8 @@ class LineCover {
   struct Kept {
     Kernel::Vec3 a;
     Kernel::Vec3 b;
+    Kernel::Vec3 normal;  // a x b
+    double length;        // of the normal
   };
   using Interval = std::pair<double, double>;
 
