@@ -1,5 +1,5 @@
-// On a small circle around the pole the distance from a plane is A + B cos(H - H0): its extremes, at
-// H0 and half a turn on, part the roots. The path is all but such a circle. So the extremes are
+// On a small circle around the pole the distance from a plane is A + B cos(H - H0): its extremes,
+// at H0 and half a turn on, part the roots. The path is all but such a circle. So the extremes are
 // corrected on the path itself, where the derivative vanishes, and between two of them a root is
 // bracketed or is not there.
 #include "measure/SunCrossings.h"
@@ -25,6 +25,11 @@ constexpr double Finest = 1e-4;                   // seconds that a root is foun
 // What the path may be off a small circle with its middle declination: half a day's change of that,
 // the equation of time and the parallax.
 constexpr double Reserve = 0.02;
+
+// Up to which cosine of the hour angle between them roots are clearly apart from extremes.
+double farRatio(const SunCrossings::Plane& plane) {
+  return 1.0 - 4.0 * Reserve * (1.0 + std::abs(plane.ratio));
+}
 
 }  // namespace
 
@@ -118,10 +123,12 @@ void SunCrossings::addRoots(const Span& span, const Plane& plane, double level,
   std::vector<double> ends(1, span.from);
   const double firstAngle = span.hourAngle + (span.from - span.to) * Pi * TurnsPerSecond;
   const double half = std::ceil((firstAngle - plane.extreme) / Pi - 0.1);
+  // Far from the roots an extreme parts them wherever it is exactly.
+  const bool isFar = level == 0.0 && std::abs(span.tangent * plane.ratio) < farRatio(plane);
   for (int k = 0; k < 4; ++k) {
     const double moment = momentOf(span, plane.extreme + (half + k) * Pi);
     if (moment > span.to + 3600.0) break;
-    const double extreme = extremeNear(plane.normal, moment);
+    const double extreme = isFar ? moment : extremeNear(plane.normal, moment);
     if (extreme > ends.back() && extreme < span.to) ends.push_back(extreme);
   }
   ends.push_back(span.to);
@@ -160,7 +167,7 @@ bool SunCrossings::mayMeet(const Span& span, const Plane& plane, Vec3 a, Vec3 b)
   const double c = -span.tangent * plane.ratio;
   if (!std::isfinite(c)) return true;
   // Within the reserve: whether there is a root hangs on the path itself.
-  if (std::abs(c) > 1.0 - 4.0 * Reserve * (1.0 + std::abs(plane.ratio)))
+  if (std::abs(c) > farRatio(plane))
     return std::abs(c) < 1.0 + 4.0 * Reserve * (1.0 + std::abs(plane.ratio));
   const double angle = Kernel::arcTangent(std::sqrt(1.0 - c * c), c);
   // How far a root may be along the circle from where it is thought: the flatter they meet, the
