@@ -41,10 +41,10 @@ h1 { font-size: 16pt; margin: 0 0 4mm } h2 { font-size: 12pt; margin: 6mm 0 2mm 
 dl { display: grid; grid-template-columns: max-content 1fr; gap: 1mm 4mm; margin: 0 }
 dt { color: #666 } dd { margin: 0; font-variant-numeric: tabular-nums }
 p { margin: 0 0 2mm; color: #666 }
-table { border-collapse: collapse; width: 100%; font-size: 8.5pt;
+table { border-collapse: collapse; width: 100%; font-size: 8pt;
         font-variant-numeric: tabular-nums }
-th, td { text-align: right; padding: 0.6mm 2mm; border-bottom: 0.2mm solid #ccc }
-th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; min-width: 42mm }
+th, td { text-align: right; padding: 0.6mm 1.2mm; border-bottom: 0.2mm solid #ccc }
+th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; min-width: 38mm }
 thead { display: table-header-group } tr { break-inside: avoid }
 i { display: inline-block; width: 3mm; height: 3mm; margin-right: 2mm; border: 0.2mm solid #555;
     print-color-adjust: exact; -webkit-print-color-adjust: exact })";
@@ -152,11 +152,13 @@ Table objectTable(const VisibleMap& map, const MapShares& shares) {
   table.note = std::to_string(rows.empty() ? 0 : rows.size() - 1) + " of " +
                std::to_string(shares.objects().size()) + " objects are seen";
   table.columns = shareColumns(map);
+  table.columns.pop_back();  // the share of the field, for which the page is too narrow
   table.columns.insert(table.columns.begin(), {"object", "class"});
   if (hasFractions) table.columns.emplace_back("visible part of it");
   table.columns.insert(table.columns.end(), {"least distance", "greatest distance"});
   for (const ShareRow& row : rows) {
     std::vector<std::string> cells = cellsOf(map, row, row.kind == "sky" ? "sky" : row.id);
+    cells.pop_back();
     cells.insert(cells.begin() + 1, row.className);
     if (hasFractions)
       cells.push_back(row.visibleFraction ? fixed(*row.visibleFraction, LengthDecimals) : "");

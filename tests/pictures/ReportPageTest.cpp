@@ -114,8 +114,13 @@ TEST(ReportPage, ListsWhatIsSeenByObjectWithItsVisiblePart) {
   EXPECT_EQ("roof", rows[1][0]);
   EXPECT_EQ("Roof", rows[1][1]);
   EXPECT_EQ("a < b", rows[2][0]);
-  EXPECT_EQ("1.000", rows[2][6]);
-  EXPECT_GT(1.0, std::stod(rows[1][6]));
+  EXPECT_EQ((std::vector<std::string>{"object", "class", "area on the disc", "view factor",
+                                      "solid angle, sr", "visible part of it", "least distance",
+                                      "greatest distance"}),
+            rows[0]);
+  for (const auto& row : rows) EXPECT_EQ(rows[0].size(), row.size());
+  EXPECT_EQ("1.000", rows[2][5]);
+  EXPECT_GT(1.0, std::stod(rows[1][5]));
   EXPECT_STREQ("2 of 3 objects are seen",
                document.select_node("//section[h2='By object']/p").node().text().get());
 }
