@@ -170,6 +170,13 @@ def test_wrong_polygons_are_refused(polygons, error, text):
         lumivane.Scene.from_arrays(POINTS, polygons)
 
 
+def test_models_keep_what_their_surfaces_are(house):
+    assert house.classes == (
+        "CityFurniture", "Ground", "Road", "Roof", "Shed", "Wall", "Window")
+    roofs = house.regions["class"] == house.classes.index("Roof")
+    assert {house.objects[i - 1] for i in house.regions["object"][roofs]} == {"house"}
+
+
 @pytest.mark.parametrize("name", ["labels", "classes"])
 @pytest.mark.parametrize(
     ("values", "error"),
