@@ -258,6 +258,10 @@ void addLook(CLI::App& command, DrawOptions& options) {
       command, "--labels", drawing.labels, "what is written on objects",
       {{"none", DrawingLabels::None}, {"id", DrawingLabels::Id}, {"class", DrawingLabels::Class}},
       "none", LineGroup);
+  addChoice<bool>(command, "--arcs", drawing.exactArcs,
+                  "curves in the SVG: chords, or arcs of circles and ellipses, of stereographic "
+                  "and orthographic fisheyes",
+                  {{"chords", false}, {"exact", true}}, "chords", LineGroup);
   addLength(command, "--text-height", drawing.textHeight, "of labels, mm", LineGroup);
   command
       .add_flag(

@@ -113,6 +113,9 @@ void check(const DrawingOptions& options) {
   require(options.rings >= 0.0 && options.rings <= 90.0 &&
               (options.rings == 0.0 || options.rings >= 1.0),
           "the angle between rings is to be 0, or 1 to 90 degrees");
+  require(!options.exactArcs || options.projection == DrawingProjection::Orthographic ||
+              options.projection == DrawingProjection::Stereographic,
+          "exact arcs are of orthographic and stereographic fisheyes");
   for (const double width : options.widths)
     require(width >= 0.0 && width <= 100.0, "widths of lines are to be 0 to 100 mm");
   if (!options.page) return;
@@ -261,6 +264,13 @@ std::vector<int> classesOf(const DrawnScene& scene, const CellLooks& looks) {
   return {classes.begin(), classes.end()};
 }
 
+// What is not an arc even with exact ones, as it is nearly straight, is off it by no more than a
+// file's numbers can say.
+double flatness(const DrawingOptions& options) {
+  constexpr double OfExactArcs = 2e-4;  // mm
+  return options.exactArcs ? std::min(OfExactArcs, options.flatness) : options.flatness;
+}
+
 // How a drawing is made of a map and its lines.
 Drawing draw(const FlatMap& map, const RegionPlanes& planes, const std::vector<DrawnLine>& lines,
              const DrawingColors& colors, const DrawingOptions& options) {
@@ -282,14 +292,14 @@ Drawing draw(const FlatMap& map, const RegionPlanes& planes, const std::vector<D
     box = cutToPage(options, box, scale, foot);
     plane = planeOf(options, box);
   }
-  plane->setTolerance(options.flatness / scale);
+  plane->setTolerance(flatness(options) / scale);
   std::vector<DrawnCell> cells = drawnCells(map, *plane);
   if (cells.empty())
     throw std::runtime_error("nothing of the scene is in the picture: look from elsewhere");
   if (options.crop && options.projection != DrawingProjection::Parallel) {
     box = contentOf(*plane, cells);
     scale = scaleFor(options, box, foot);
-    plane->setTolerance(options.flatness / scale);
+    plane->setTolerance(flatness(options) / scale);
   }
   const DrawnScene placed{options, colors, map,
                           planes,  *plane, placeOn(options, box, scale, foot, drawing)};
@@ -297,6 +307,7 @@ Drawing draw(const FlatMap& map, const RegionPlanes& planes, const std::vector<D
   addSky(placed, drawing);
   addFills(placed, looks, cells, lines, drawing);
   addLines(placed, looks, lines, drawing);
+  if (options.exactArcs) addArcs(placed, lines, drawing);
   addMarks(placed, drawing);
   addLabels(placed, looks, cells, drawing);
   addFoot(placed, looks, classes, drawing.frame[3], drawing);

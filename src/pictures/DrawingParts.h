@@ -70,6 +70,8 @@ void addFills(const DrawnScene& scene, const CellLooks& looks, const std::vector
 /// A layer for each kind of lines.
 void addLines(const DrawnScene& scene, const CellLooks& looks, const std::vector<DrawnLine>& lines,
               Drawing& drawing);
+/// Which chords of the lines and fills are arcs of ellipses.
+void addArcs(const DrawnScene& scene, const std::vector<DrawnLine>& lines, Drawing& drawing);
 void addLabels(const DrawnScene& scene, const CellLooks& looks, const std::vector<DrawnCell>& cells,
                Drawing& drawing);
 /// Sky, rings and marks of fisheyes; under everything else but for the marks.

@@ -1,3 +1,4 @@
+#include "pictures/SvgArcs.h"
 #include "pictures/SvgText.h"
 
 #include <lumivane/pictures/Drawing.h>
@@ -7,7 +8,8 @@
 namespace Lumivane::Pictures {
 namespace {
 
-constexpr int Decimals = 3;  // of mm
+constexpr int Decimals = 3;     // of mm
+constexpr int ArcDecimals = 6;  // where a rounded end would turn a curve
 
 std::string escaped(const std::string& bytes) {
   std::string text;
@@ -34,7 +36,10 @@ std::string escaped(const std::string& bytes) {
 
 class SvgDrawing {
  public:
-  explicit SvgDrawing(const Drawing& theDrawing) : drawing(theDrawing), numbers(Decimals) {}
+  explicit SvgDrawing(const Drawing& theDrawing)
+      : drawing(theDrawing),
+        numbers(drawing.arcs.empty() ? Decimals : ArcDecimals),
+        arcs(drawing.arcs, numbers) {}
 
   std::string text() {
     const std::string width = numbers.text(drawing.width);
@@ -87,7 +92,7 @@ class SvgDrawing {
     VectorPicture::Path shape;
     shape.lines = path.lines;
     shape.closed = path.closed;
-    attribute("d", numbers.data(shape));
+    attribute("d", drawing.arcs.empty() ? numbers.data(shape) : arcs.data(path.lines, path.closed));
     if (path.title.empty()) {
       out += "/>\n";
     } else {
@@ -113,6 +118,7 @@ class SvgDrawing {
 
   const Drawing& drawing;
   SvgNumbers numbers;
+  SvgArcs arcs;
   std::string out;
 };
 

@@ -581,6 +581,8 @@ TEST(Drawing, BadOptionsAreRefusedInOneLine) {
       fault([](DrawingOptions& o) {
         o.page = {19, 200};
       }));
+  EXPECT_EQ("exact arcs are of orthographic and stereographic fisheyes",
+            fault([](DrawingOptions& o) { o.exactArcs = true; }));
   EXPECT_EQ("forward is zero", fault([](DrawingOptions& o) { o.forward = {0, 0, 0}; }));
   EXPECT_EQ("the direction is zero", fault([](DrawingOptions& o) {
               o.projection = DrawingProjection::Parallel;
@@ -728,6 +730,170 @@ TEST(Drawing, EqualDrawingsGiveEqualBytesFromAnyNumberOfThreads) {
   const Drawing three = draw(index, options);
   EXPECT_EQ(DrawingWriter::svg(one), DrawingWriter::svg(three));
   EXPECT_EQ(DrawingWriter::pdf(one), DrawingWriter::pdf(three));
+}
+
+// ---- exact arcs
+
+// A piece of an SVG path: a straight one, or an arc as the specification of SVG has it.
+struct SvgPiece {
+  Drawing::Point from;
+  Drawing::Point to;
+  double radius = 0.0;  // 0: straight
+  double smaller = 0.0;
+  double turn = 0.0;
+  bool isLarge = false;
+  bool isSwept = false;
+
+  // From 0 at its beginning to 1 (W3C, Scalable Vector Graphics 1.1, appendix F.6.5).
+  Drawing::Point at(double part) const {
+    if (radius == 0.0) return {from.x + part * (to.x - from.x), from.y + part * (to.y - from.y)};
+    const double phi = turn * Pi / 180.0;
+    const double c = std::cos(phi);
+    const double s = std::sin(phi);
+    const double x = c * (from.x - to.x) / 2.0 + s * (from.y - to.y) / 2.0;
+    const double y = -s * (from.x - to.x) / 2.0 + c * (from.y - to.y) / 2.0;
+    const double rx = radius * radius;
+    const double ry = smaller * smaller;
+    const double size = rx * y * y + ry * x * x;
+    const double factor =
+        (isLarge == isSwept ? -1.0 : 1.0) * std::sqrt(std::max(0.0, (rx * ry - size) / size));
+    const double cx = factor * radius * y / smaller;
+    const double cy = -factor * smaller * x / radius;
+    const double start = std::atan2((y - cy) / smaller, (x - cx) / radius);
+    const double end = std::atan2((-y - cy) / smaller, (-x - cx) / radius);
+    double sweep = std::fmod(end - start, 2.0 * Pi);
+    if (isSwept && sweep < 0.0) sweep += 2.0 * Pi;
+    if (!isSwept && sweep > 0.0) sweep -= 2.0 * Pi;
+    const double angle = start + part * sweep;
+    const double px = radius * std::cos(angle);
+    const double py = smaller * std::sin(angle);
+    return {c * px - s * py + c * cx - s * cy + (from.x + to.x) / 2.0,
+            s * px + c * py + s * cx + c * cy + (from.y + to.y) / 2.0};
+  }
+};
+
+std::vector<SvgPiece> piecesOf(const std::string& data) {
+  std::string spaced;
+  for (const char c : data) {
+    if (c == 'M' || c == 'L' || c == 'A' || c == 'z') spaced += ' ';
+    spaced += c;
+    if (c == 'M' || c == 'L' || c == 'A' || c == 'z') spaced += ' ';
+  }
+  std::istringstream words(spaced);
+  std::vector<SvgPiece> pieces;
+  Drawing::Point at;
+  std::string word;
+  while (words >> word) {
+    if (word == "z") continue;
+    SvgPiece piece;
+    piece.from = at;
+    if (word == "A")
+      words >> piece.radius >> piece.smaller >> piece.turn >> piece.isLarge >> piece.isSwept;
+    words >> piece.to.x >> piece.to.y;
+    at = piece.to;
+    if (word != "M") pieces.push_back(piece);
+  }
+  return pieces;
+}
+
+// The direction that lies at a place of a fisheye: x right, y up, z forward.
+std::array<double, 3> directionAt(double x, double y, DrawingProjection projection) {
+  const double r = std::hypot(x, y);
+  if (r == 0.0) return {0.0, 0.0, 1.0};
+  const double angle = projection == DrawingProjection::Stereographic ? 2.0 * std::atan(r)
+                                                                      : std::asin(std::min(1.0, r));
+  return {std::sin(angle) * x / r, std::sin(angle) * y / r, std::cos(angle)};
+}
+
+class ExactArcs : public testing::TestWithParam<DrawingProjection> {};
+
+TEST_P(ExactArcs, LieOnTheProjectedGreatCirclesWithinAThousandthOfAPixel) {
+  constexpr double Pixel = 25.4 / 96.0;  // mm
+  const SceneIndex index(town());
+  DrawingOptions options;
+  options.projection = GetParam();
+  options.eye = {5.3, 5.6, 1.7};
+  options.forward = {0.3, 0.2, 1.0};
+  options.fill = DrawingFill::Object;
+  options.contentWidth = 200.0;
+  options.exactArcs = true;
+  const Drawing drawing = draw(index, options);
+  const double scale = (drawing.frame[2] - drawing.frame[0]) / 2.0;
+  const double middleX = drawing.frame[0] + scale;
+  const double middleY = drawing.frame[1] + scale;
+  Visibility::LookOptions look;
+  look.forward = options.forward;
+  look.up = options.up;
+  const Visibility::VisibleMap map = index.look(options.eye, look);
+  const Vector right = cross(map.forward, map.up);
+  struct Circle {
+    std::array<double, 3> normal;
+    std::array<double, 3> middle;
+    double cosine;  // of the angle from the middle to its ends
+  };
+  std::vector<Circle> circles;
+  for (const Visibility::VisibleMap::Edge& edge : map.edges) {
+    const Vector& a = map.vertices[static_cast<std::size_t>(edge.from)];
+    const Vector& b = map.vertices[static_cast<std::size_t>(edge.to)];
+    const auto seen = [&](const Vector& v) {
+      return Vector{dot(v, right), dot(v, map.up), dot(v, map.forward)};
+    };
+    const Vector middle = unit(seen({a[0] + b[0], a[1] + b[1], a[2] + b[2]}));
+    circles.push_back({unit(cross(seen(a), seen(b))), middle, dot(middle, seen(a))});
+  }
+  // How far a place is from the nearest edge of the map, or from the rim; mm.
+  const auto distanceOf = [&](const Drawing::Point& p) {
+    const double x = (p.x - middleX) / scale;
+    const double y = (middleY - p.y) / scale;
+    double least = std::abs(1.0 - std::hypot(x, y));
+    const Vector d = directionAt(x, y, GetParam());
+    // Of an angle; the plane is stretched by no more than this.
+    for (const Circle& circle : circles)
+      if (dot(d, circle.middle) > circle.cosine - 1e-6)
+        least = std::min(least, std::abs(dot(d, circle.normal)));
+    return least * scale;
+  };
+  std::size_t arcs = 0;
+  double longest = 0.0;
+  double worst = 0.0;
+  pugi::xml_document document;
+  ASSERT_TRUE(document.load_string(DrawingWriter::svg(drawing).c_str()));
+  for (const pugi::xpath_node& node : document.select_nodes("//path"))
+    for (const SvgPiece& piece : piecesOf(node.node().attribute("d").value())) {
+      const double length = std::hypot(piece.to.x - piece.from.x, piece.to.y - piece.from.y);
+      if (piece.radius > 0.0) {
+        ++arcs;
+        longest = std::max(longest, length);
+      }
+      for (const double part : {0.07, 0.31, 0.5, 0.77, 0.96})
+        worst = std::max(worst, distanceOf(piece.at(part)));
+    }
+  EXPECT_LT(150U, arcs);
+  EXPECT_LT(30.0, longest);
+  EXPECT_LT(worst, 1e-3 * Pixel);
+  DrawingOptions chords = options;
+  chords.exactArcs = false;
+  EXPECT_EQ(std::string::npos, DrawingWriter::svg(draw(index, chords)).find('A', 2000));
+}
+
+INSTANTIATE_TEST_SUITE_P(Fisheyes, ExactArcs,
+                         testing::Values(DrawingProjection::Orthographic,
+                                         DrawingProjection::Stereographic));
+
+TEST(Drawing, ExactArcsShowWhatChordsShow) {
+  const SceneIndex index(town());
+  DrawingOptions options;
+  options.projection = DrawingProjection::Stereographic;
+  options.eye = {5.3, 5.6, 1.7};
+  options.forward = {0, 0, 1};
+  options.fill = DrawingFill::Object;
+  const Drawing chords = draw(index, options);
+  options.exactArcs = true;
+  const Drawing arcs = draw(index, options);
+  EXPECT_TRUE(chords.arcs.empty());
+  EXPECT_LT(50U, arcs.arcs.size());
+  EXPECT_EQ(chords.counts.lines, arcs.counts.lines);
+  EXPECT_LT(DrawingWriter::svg(arcs).size(), 2 * DrawingWriter::svg(chords).size());
 }
 
 TEST(Drawing, LabelsStandInTheirCellsOrHaveALeader) {

@@ -33,6 +33,8 @@ DRAWINGS = {
     "orthographic": [*STREET, "--projection", "orthographic", "--sky", "#cfe3f5", "--rings", "30"],
     "equisolid": [*STREET, "--projection", "equisolid"],
     "stereographic": [*STREET, "--projection", "stereographic"],
+    "orthographic, arcs": [*STREET, "--projection", "orthographic", "--arcs", "exact"],
+    "stereographic, arcs": [*STREET, "--projection", "stereographic", "--arcs", "exact"],
     "equirectangular": [*STREET, "--projection", "equirectangular", "--field", "sphere"],
     "cylindrical": [*STREET, "--projection", "cylindrical", "--fov", "90"],
 }

@@ -45,6 +45,19 @@ struct LUMIVANE_PICTURES_EXPORT Drawing {
     bool roundEnds = true;       ///< whether its ends are round, or cut straight
     std::vector<double> dashes;  ///< mm on and off; empty for a whole line
   };
+  /// A run of chords among the lines that stands for a piece of an ellipse, less than half of it.
+  /// Lines have it in either direction.
+  struct Arc {
+    std::size_t chords = 0;      ///< how many, from 2
+    Point first;                 ///< where it begins; lines may have a point beside it, by rounding
+    Point second;                ///< the end of the first chord, as lines have it
+    Point beforeLast;            ///< the beginning of the last one, likewise
+    Point last;                  ///< where it ends, as `first`
+    double radius = 0.0;         ///< the greater one of the ellipse, mm
+    double smallerRadius = 0.0;  ///< mm
+    double turn = 0.0;           ///< of the axis of the greater one, degrees clockwise
+    bool isClockwise = false;    ///< on the page, from the first point to the last
+  };
   /// One line of text.
   struct Text {
     Point place;                ///< where its baseline's middle, start or end lies
@@ -77,6 +90,7 @@ struct LUMIVANE_PICTURES_EXPORT Drawing {
   std::optional<Color> background;  ///< under everything; nothing without it
   std::array<double, 4> frame{};    ///< what is drawn keeps within: left, top, right, bottom; mm
   std::vector<Group> layers;        ///< first things first
+  std::vector<Arc> arcs;            ///< that the SVG has in place of their chords
   Counts counts;                    ///< of its content
 };
 

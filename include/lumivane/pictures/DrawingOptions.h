@@ -118,6 +118,9 @@ struct DrawingOptions {
   double textHeight = 2.5;                       ///< of labels
   bool strokes = false;    ///< only lines, in long paths in the order of a plotter
   double flatness = 0.02;  ///< that chords may be off curves
+  /// Whether curves are arcs of ellipses and circles in the SVG, and finer chords elsewhere: of
+  /// orthographic and stereographic fisheyes.
+  bool exactArcs = false;
 
   std::optional<Drawing::Color> background;  ///< of the page
   std::optional<Drawing::Color> sky;         ///< where nothing is seen
