@@ -76,4 +76,12 @@ print(lumivane.__file__, lumivane.__version__, scene.look((0, 0, 5), (0, 0, 1)).
   if(NOT output MATCHES "^${WORK}/unpacked.* ${VERSION} 1.0\n")
     message(FATAL_ERROR "the packaged Python package says: ${output}")
   endif()
+  # What the first page shows.
+  run("${PYTHON}" -c "import lumivane
+scene = lumivane.Scene.read('${CMAKE_CURRENT_LIST_DIR}/../data/models/house.city.json')
+view = scene.look((-10, 4, 1.7), forward=(0, 0, 1))
+print(view.sky_view_factor, len(view.shares['id']), view.shares['view_factor'].sum())")
+  if(NOT output MATCHES "^0\\.[0-9]+ [0-9]+ (1\\.0|0\\.99999)")
+    message(FATAL_ERROR "the first page's lines say: ${output}")
+  endif()
 endif()
