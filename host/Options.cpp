@@ -408,11 +408,14 @@ std::vector<std::string> joinedVectorOptions(const std::vector<std::string>& arg
   std::vector<std::string> result;
   bool join = false;
   for (const std::string& argument : arguments) {
-    if (join)
+    // Of draw it is a flag, with another option behind it.
+    const bool isFlag = join && result.back() == "--north" && argument.rfind("--", 0) == 0;
+    const bool isValue = join && !isFlag;
+    if (isValue)
       result.back() += "=" + argument;
     else
       result.push_back(argument);
-    join = !join &&
+    join = !isValue &&
            (argument == "--eye" || argument == "--forward" || argument == "--up" ||
             argument == "--target" || argument == "--parallel" || argument == "--light" ||
             argument == "--shift" || argument == "--north" || argument == "--plane" ||

@@ -137,6 +137,11 @@ TEST(Options, ValueOfAVectorOptionIsNotJoinedTwice) {
   EXPECT_EQ((std::vector<std::string>{"--eye=--up", "x"}),
             joinedVectorOptions({"--eye", "--up", "x"}));
   EXPECT_EQ((std::vector<std::string>{"--eye"}), joinedVectorOptions({"--eye"}));
+  // A direction for the sun, a flag for drawings.
+  EXPECT_EQ((std::vector<std::string>{"--north=-1,0,0"}),
+            joinedVectorOptions({"--north", "-1,0,0"}));
+  EXPECT_EQ((std::vector<std::string>{"--north", "--eye=-1,0,0"}),
+            joinedVectorOptions({"--north", "--eye", "-1,0,0"}));
   EXPECT_EQ((std::vector<std::string>{"--eye=1", "--up=2"}),
             joinedVectorOptions({"--eye", "1", "--up", "2"}));
 }
