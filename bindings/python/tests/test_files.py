@@ -157,3 +157,24 @@ def test_a_file_is_written_whole_or_not_at_all(small, tmp_path):
 
 def test_the_text_of_a_map_is_json(small):
     assert json.loads(small.look((-4, 0, 1)).to_json())["field"] == "hemisphere"
+
+
+def test_surfaces_of_a_city_model_have_classes_and_shares_by_them(program, tmp_path, models, house):
+    assert {"Roof", "Wall"} <= set(house.classes)
+    assert set(house.regions["class"]) <= set(range(-1, len(house.classes)))
+    low, high = house.bounds
+    eye = [low[0] - 3, (low[1] + high[1]) / 2, low[2] + 1.7]
+    view = house.look(eye, (1, 0.1, 0.2))
+    rows = view.table("class")
+    mine = {row["class"]: row["view_factor"] for row in rows if row["kind"] == "class"}
+    assert mine["Wall"] > 0.05
+    program(
+        "view", models / "house.city.json", "--eye", ",".join(map(repr, map(float, eye))), "--forward",
+        "1,0.1,0.2", "--rows", "class", "--shares", tmp_path / "shares.json",
+    )  # fmt: skip
+    theirs = json.loads((tmp_path / "shares.json").read_text())["rows"]
+    assert mine == {row["class"]: row["view_factor"] for row in theirs if row["kind"] == "class"}
+    many = house.shares([eye], (1, 0.1, 0.2), by="class")["view_factor"][0]
+    for number, name in enumerate(house.classes):
+        assert many[number] == mine.get(name, 0.0)
+    assert many.sum() == pytest.approx(view.shares["view_factor"][:-1].sum(), abs=1e-12)
