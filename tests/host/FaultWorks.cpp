@@ -65,7 +65,8 @@ std::vector<Output> outputs(const TempFolder& inputs) {
   result.push_back({"table", {"grid", Small, "--spacing", "0.3", "--height", "1.5", "-o"}, ".csv"});
 #ifdef LUMIVANE_HOST_TOOLS
   const std::string house = LUMIVANE_MODELS "/house.city.json";
-  result.push_back({"scene", {"import", house, "-o"}, ".json"});
+  // A model without classes: others have a table of them beside the scene.
+  result.push_back({"scene", {"import", LUMIVANE_MODELS "/pyramid.ply", "-o"}, ".json"});
   result.push_back({"report", {"import", house, "-o", "/dev/null", "--stats"}, ".json"});
 #endif
   return result;
