@@ -1,6 +1,7 @@
 // Many views of one scene. The parent reads table and scene and shares the views out to copies of
 // itself; it never draws, since what VTK has opened for drawing does not survive a copy.
 
+#include "BatchMaps.h"
 #include "BatchPlan.h"
 #include "BatchProgress.h"
 #include "BatchRows.h"
@@ -26,6 +27,8 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <optional>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -46,9 +49,11 @@ class Batch {
       : options(theOptions),
         plan(planBatch(options)),
         workFolders(plan, options.shard),
-        batchRows(plan) {}
+        batchRows(plan),
+        maps(options, plan) {}
 
   void make() {
+    checkMaps();
     makeFolder(plan.setting.folder);
     const Journal::Rows known = Journal::rows(plan.setting.folder);
     {
@@ -64,6 +69,7 @@ class Batch {
   void merge() {
     const Journal::Rows known = Journal::rows(plan.setting.folder);
     const ViewRows rows = batchRows.of(known);
+    checkMaps();
     if (countMissing(rows) > 0)
       throw HostError(options.folder, batchRows.whyNotMerged(rows, known));
     writeSummary(rows);
@@ -72,6 +78,17 @@ class Batch {
 
  private:
   using ViewRows = BatchRows::ViewRows;
+
+  SceneForEyes& source() {
+    if (!readSource)
+      readSource = std::make_unique<SceneForEyes>(options.shot.scene, options.shot.import);
+    return *readSource;
+  }
+
+  // Before the work, since they need what table and scene may not have.
+  void checkMaps() {
+    if (maps.isAsked()) maps.check(source().place(), source().eyeShift());
+  }
 
   bool isOfShard(size_t index) const {
     return index % static_cast<size_t>(options.shard.count) ==
@@ -90,10 +107,10 @@ class Batch {
   }
 
   void makeViews(const std::vector<size_t>& pieces, Journal& journal) {
-    SceneForEyes source(options.shot.scene, options.shot.import);
-    if (options.shot.view.checkScene) refuseErrors(options.shot.scene, source.scene().scene());
-    if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, source.scene());
-    keepClasses(source.scene());
+    SceneForEyes& scenes = source();
+    if (options.shot.view.checkScene) refuseErrors(options.shot.scene, scenes.scene().scene());
+    if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, scenes.scene());
+    keepClasses(scenes.scene());
     for (const size_t piece : pieces)
       for (const std::string& file : plan.views[piece].files)
         makeFolder((fs::path(plan.setting.folder) / file).parent_path().string());
@@ -102,8 +119,8 @@ class Batch {
     SharedWork shared;
     shared.start = [this](int number) { startProcess(number); };
     std::unique_ptr<ExactBatch> exact;  // each process makes one for itself
-    shared.work = [this, &source, &exact](size_t piece) {
-      return makeView(source, exact, plan.views[piece]);
+    shared.work = [this, &scenes, &exact](size_t piece) {
+      return makeView(scenes, exact, plan.views[piece]);
     };
     const auto keep = [this, &journal, &progress](size_t piece, const JournalRow& row) {
       journal.append(plan.views[piece].key, row);
@@ -135,21 +152,15 @@ class Batch {
   }
 
   // The text of the view's row for the journal.
-  std::string makeView(SceneForEyes& source, std::unique_ptr<ExactBatch>& exact,
+  std::string makeView(SceneForEyes& scenes, std::unique_ptr<ExactBatch>& exact,
                        const TableView& view) const {
     renewMemoryReserve();
     try {
       // Before the objects are listed for an eye: their numbers are the same for all views.
-      if (!exact) exact = std::make_unique<ExactBatch>(options.shot.scene, source.scene());
-      LoadedScene& scene = source.at(view.options.view.eye);
-      ShotOptions placed = view.options;
-      placed.view.eye = moved(view.options.view.eye, source.eyeShift());
-      const TakenShot shot = scene.take(placed.view);
-      warnIfInside("view " + view.name, shot);
-      Seconds seconds;
+      if (!exact)
+        exact = std::make_unique<ExactBatch>(options.shot.scene, scenes.scene(), scenes.wholes());
       JournalRow row = rowFor(view, true);
-      row.row = summaryRow(view.name, shot, exact->look(placed), classes, options.shot.csvSafe);
-      writeOutputs(placed, scene, shot, seconds);
+      row.row = view.options.noShots ? look(scenes, *exact, view) : take(scenes, *exact, view);
       for (const std::string& file : view.files)
         row.files.push_back(markOf((fs::path(plan.setting.folder) / file).string(), file));
       return journalText(row);
@@ -158,6 +169,35 @@ class Batch {
     } catch (const std::exception& error) {
       return journalText(failure(view, oneLine(withoutFolder(error.what()))));
     }
+  }
+
+  static ShotOptions placedOptions(const SceneForEyes& scenes, const TableView& view) {
+    ShotOptions placed = view.options;
+    placed.view.eye = moved(view.options.view.eye, scenes.eyeShift());
+    return placed;
+  }
+
+  // Makes the shot and all outputs of a view; returns its row of the summary.
+  std::string take(SceneForEyes& scenes, const ExactBatch& exact, const TableView& view) const {
+    LoadedScene& scene = scenes.at(view.options.view.eye);
+    const ShotOptions placed = placedOptions(scenes, view);
+    const TakenShot shot = scene.take(placed.view);
+    warnIfInside("view " + view.name, shot);
+    Seconds seconds;
+    std::string row =
+        summaryRow(view.name, shot, exact.look(placed), scenes.place().inFile(placed.view.eye),
+                   classes, options.shot.csvSafe);
+    writeOutputs(placed, scene, shot, seconds);
+    return row;
+  }
+
+  // The same of a view without a shot.
+  std::string look(const SceneForEyes& scenes, const ExactBatch& exact,
+                   const TableView& view) const {
+    const ShotOptions placed = placedOptions(scenes, view);
+    const std::optional<ExactSummary> seen = exact.look(placed);
+    return exactSummaryRow(view.name, placed.view.eye, seen.value_or(ExactSummary()),
+                           scenes.place().inFile(placed.view.eye), classes, options.shot.csvSafe);
   }
 
   JournalRow rowFor(const TableView& view, bool isDone) const {
@@ -204,14 +244,23 @@ class Batch {
     // Where nothing was left to be made the scene has not been read.
     if (goesByClasses() && !classes)
       classes = classNamesOf(options.shot.scene, options.shot.import);
-    std::string text = summaryHeading(classes, options.shot.csvSafe) + "\n";
+    const std::string heading = summaryHeading(classes, options.shot.csvSafe);
+    std::string text = heading + "\n";
     std::vector<std::pair<std::uint64_t, JournalRow>> kept;
     for (size_t i = 0; i < plan.views.size(); ++i) {
       text += rows[i]->row + "\n";
       kept.emplace_back(plan.views[i].key, *rows[i]);
     }
     Session::writeFile(summaryFile(), text);
+    writeMaps(heading, rows);
     Journal::close(plan.setting.folder, kept);
+  }
+
+  void writeMaps(const std::string& heading, const ViewRows& rows) const {
+    if (!maps.isAsked()) return;
+    std::vector<std::string> texts;
+    for (const JournalRow* const row : rows) texts.push_back(row->row);
+    maps.write(heading, texts);
   }
 
   std::string summaryFile() const { return (fs::path(options.folder) / "summary.csv").string(); }
@@ -241,6 +290,8 @@ class Batch {
   WorkFolders workFolders;
   BatchRows batchRows;
   SummaryClasses classes;
+  BatchMaps maps;
+  std::unique_ptr<SceneForEyes> readSource;  // null until it is asked for
 };
 
 }  // namespace

@@ -94,25 +94,44 @@ class OutputCheck {
     }
   }
 
-  // No output is an input, a file of the run's own or the output of another view.
-  void add(const std::string& path, const std::string& view) {
+  // No output is an input, a file of the run's own or another output.
+  void add(const std::string& path, const std::string& writer) {
     struct stat status = {};
     if (stat(path.c_str(), &status) == 0 && read.count({status.st_dev, status.st_ino}) > 0)
-      throw ArgumentError(path, "is an input, and view \"" + view + "\" would overwrite it");
+      throw ArgumentError(path, "is an input, and " + writer + " would overwrite it");
     const std::string file = Session::writtenFile(path);
-    const auto [other, isNew] = written.emplace(file, view);
+    const auto [other, isNew] = written.emplace(file, writer);
     if (file.rfind(parts, 0) == 0 || (!isNew && other->second.empty()))
       throw ArgumentError(path, "leads to a file that the run writes itself: remove the link");
-    if (!isNew)
-      throw ArgumentError(
-          path, "is written by view \"" + view + "\" and by view \"" + other->second + "\"");
+    if (!isNew) throw ArgumentError(path, "is written by " + writer + " and by " + other->second);
   }
 
  private:
   std::string parts;
   std::set<std::pair<dev_t, ino_t>> read;
-  std::map<std::string, std::string> written;  // with their views; those of the run have none
+  std::map<std::string, std::string> written;  // with their writers; those of the run have none
 };
+
+// What is made of the summary lies in the folder, too.
+void addMaps(const BatchOptions& options, const std::string& folder, OutputCheck& outputs) {
+  const std::pair<const char*, const std::string&> files[] = {{"--raster", options.raster},
+                                                              {"--geojson", options.geojson}};
+  for (const auto& [option, path] : files) {
+    if (path.empty()) continue;
+    const fs::path normal = fs::path(path).lexically_normal();
+    const std::string start = normal.begin()->string();
+    if (normal.is_absolute() || start == ".." || start == ".")
+      throw ArgumentError(option, "\"" + path + "\" is not a name inside the folder of outputs");
+    outputs.add((fs::path(folder) / normal).string(), option);
+  }
+}
+
+void refuseShots(const BatchPlan& plan) {
+  for (const TableView& view : plan.views)
+    if (view.options.noShots && view.files.size() > (view.options.shares.empty() ? 0U : 1U))
+      throw ArgumentError("--no-shots", "makes no shot for the outputs of view \"" + view.name +
+                                            "\": of these only --shares needs none");
+}
 
 }  // namespace
 
@@ -134,7 +153,9 @@ BatchPlan planBatch(const BatchOptions& options) {
   OutputCheck outputs(inputs, plan.setting.folder);
   for (const TableView& view : plan.views)
     for (const std::string& file : view.files)
-      outputs.add((fs::path(plan.setting.folder) / file).string(), view.name);
+      outputs.add((fs::path(plan.setting.folder) / file).string(), "view \"" + view.name + "\"");
+  addMaps(options, plan.setting.folder, outputs);
+  refuseShots(plan);
   return plan;
 }
 

@@ -37,6 +37,9 @@ const std::vector<std::string> Columns = {
     "sky_hemisphere_share",
     "largest_object",
     "largest_view_factor",
+    "true_x",
+    "true_y",
+    "true_z",
 };
 
 // As few digits as read back to the same double.
@@ -63,6 +66,14 @@ std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, 
 // Of their columns.
 std::size_t countOf(const SummaryClasses& classes) { return classes ? classes->size() + 1 : 0; }
 
+void addPlaceAndClasses(const std::optional<ExactSummary>& seen, const Session::Vector& trueEye,
+                        const SummaryClasses& classes, std::vector<std::string>& fields) {
+  for (const double coordinate : trueEye) fields.push_back(text(coordinate));
+  for (std::size_t i = 0; i < countOf(classes); ++i)
+    fields.push_back(seen && i < seen->classViewFactors.size() ? text(seen->classViewFactors[i])
+                                                               : "");
+}
+
 }  // namespace
 
 std::string summaryHeading(const SummaryClasses& classes, bool isSafe) {
@@ -76,8 +87,8 @@ std::string summaryHeading(const SummaryClasses& classes, bool isSafe) {
 }
 
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
-                       const std::optional<ExactSummary>& seen, const SummaryClasses& classes,
-                       bool isSafe) {
+                       const std::optional<ExactSummary>& seen, const Session::Vector& trueEye,
+                       const SummaryClasses& classes, bool isSafe) {
   std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
   for (const double coordinate : shot.eye()) fields.push_back(text(coordinate));
   fields.push_back(std::to_string(shot.shot().getPoints()->getPoints()->size()));
@@ -87,9 +98,19 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
   fields.push_back(shot.hasCycle() ? "1" : "0");
   fields.push_back(shot.isInside() ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
-  for (std::size_t i = 0; i < countOf(classes); ++i)
-    fields.push_back(seen && i < seen->classViewFactors.size() ? text(seen->classViewFactors[i])
-                                                               : "");
+  addPlaceAndClasses(seen, trueEye, classes, fields);
+  return csvRecord(fields);
+}
+
+std::string exactSummaryRow(const std::string& name, const Session::Vector& eye,
+                            const ExactSummary& seen, const Session::Vector& trueEye,
+                            const SummaryClasses& classes, bool isSafe) {
+  std::vector<std::string> fields = {cell(name, isSafe), "ok", ""};
+  for (const double coordinate : eye) fields.push_back(text(coordinate));
+  fields.insert(fields.end(), 5, "");  // of shots alone
+  fields.push_back(seen.isInside ? "1" : "0");
+  for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
+  addPlaceAndClasses(seen, trueEye, classes, fields);
   return csvRecord(fields);
 }
 

@@ -2,6 +2,8 @@
 
 #include "ExactBatch.h"
 
+#include <lumivane/session/ViewSettings.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,10 +23,15 @@ std::string summaryHeading(const SummaryClasses& classes, bool isSafe);
 
 /// The row of a view that was made, and of one that was not.
 ///
+/// \param trueEye  the eye of the table, in the coordinates of the scene's file
 /// \param isSafe  texts that a spreadsheet would take for formulas get an apostrophe in front
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
-                       const std::optional<ExactSummary>& seen, const SummaryClasses& classes,
-                       bool isSafe);
+                       const std::optional<ExactSummary>& seen, const Session::Vector& trueEye,
+                       const SummaryClasses& classes, bool isSafe);
+/// That of a view without a shot.
+std::string exactSummaryRow(const std::string& name, const Session::Vector& eye,
+                            const ExactSummary& seen, const Session::Vector& trueEye,
+                            const SummaryClasses& classes, bool isSafe);
 std::string failureRow(const std::string& name, const std::string& error,
                        const SummaryClasses& classes, bool isSafe);
 

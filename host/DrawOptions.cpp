@@ -49,32 +49,6 @@ std::pair<double, double> readPair(const std::string& option, const std::string&
           readNumber(option, text.substr(at + 1), wanted)};
 }
 
-std::array<double, 2> readPage(const std::string& text) {
-  const std::string wanted = "A0 to A6, one of them with -landscape, or WxH in mm";
-  const bool isWide = text.size() == 12 && text.substr(2) == "-landscape";
-  if ((text.size() == 2 || isWide) && text[0] == 'A' && text[1] >= '0' && text[1] <= '6') {
-    double width = 841.0;
-    double height = 1189.0;
-    for (char size = '0'; size < text[1]; ++size) {
-      const double next = std::floor(height / 2.0);
-      height = width;
-      width = next;
-    }
-    if (isWide) std::swap(width, height);
-    return {width, height};
-  }
-  const auto [width, height] = readPair("--page", text, 'x', wanted);
-  if (!(width > 0.0 && height > 0.0)) refuse("--page", text, wanted);
-  return {width, height};
-}
-
-double readScale(const std::string& text) {
-  const std::string wanted = "a scale like 1:100";
-  const auto [paper, scene] = readPair("--scale", text, ':', wanted);
-  if (!(paper > 0.0 && scene > 0.0)) refuse("--scale", text, wanted);
-  return 1000.0 * paper / scene;
-}
-
 int hexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -327,6 +301,32 @@ void addPage(CLI::App& command, DrawOptions& options) {
 }
 
 }  // namespace
+
+std::array<double, 2> readPage(const std::string& text) {
+  const std::string wanted = "A0 to A6, one of them with -landscape, or WxH in mm";
+  const bool isWide = text.size() == 12 && text.substr(2) == "-landscape";
+  if ((text.size() == 2 || isWide) && text[0] == 'A' && text[1] >= '0' && text[1] <= '6') {
+    double width = 841.0;
+    double height = 1189.0;
+    for (char size = '0'; size < text[1]; ++size) {
+      const double next = std::floor(height / 2.0);
+      height = width;
+      width = next;
+    }
+    if (isWide) std::swap(width, height);
+    return {width, height};
+  }
+  const auto [width, height] = readPair("--page", text, 'x', wanted);
+  if (!(width > 0.0 && height > 0.0)) refuse("--page", text, wanted);
+  return {width, height};
+}
+
+double readScale(const std::string& text) {
+  const std::string wanted = "a scale like 1:100";
+  const auto [paper, scene] = readPair("--scale", text, ':', wanted);
+  if (!(paper > 0.0 && scene > 0.0)) refuse("--scale", text, wanted);
+  return 1000.0 * paper / scene;
+}
 
 void setDrawOptions(CLI::App& command, DrawOptions& options) {
   options.drawing.fill = DrawingFill::None;

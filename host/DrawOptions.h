@@ -4,6 +4,7 @@
 
 #include <lumivane/pictures/DrawingOptions.h>
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,6 +36,11 @@ struct DrawOptions {
   std::string dxf;
   std::string stats;
 };
+
+/// The sides of a page in mm, and the mm on paper for a unit of the scene, out of --page and
+/// --scale. \throws CLI::ValidationError that names the option
+std::array<double, 2> readPage(const std::string& text);
+double readScale(const std::string& text);
 
 /// Declares the arguments of the command; `options` must live until they are parsed.
 void setDrawOptions(CLI::App& command, DrawOptions& options);

@@ -3,7 +3,9 @@
 #include "ExactScene.h"
 #include "Options.h"
 
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/session/LoadedScene.h>
 
 namespace Lumivane::Host {
 namespace {
@@ -28,11 +30,16 @@ ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapS
 }  // namespace
 
 struct ExactBatch::State {
+  State(const std::string& name, const Session::LoadedScene& loaded, const Wholes& wholes)
+      : scene(name, loaded, wholes), inside(loaded.scene()) {}
+
   ExactScene scene;
+  Check::InsideTest inside;
 };
 
-ExactBatch::ExactBatch(const std::string& name, const Session::LoadedScene& scene)
-    : state(new State{ExactScene(name, scene)}) {}
+ExactBatch::ExactBatch(const std::string& name, const Session::LoadedScene& scene,
+                       const Wholes& wholes)
+    : state(new State(name, scene, wholes)) {}
 
 ExactBatch::~ExactBatch() = default;
 
@@ -44,8 +51,11 @@ std::optional<ExactSummary> ExactBatch::look(const ShotOptions& view) const {
   const Visibility::VisibleMap map = state->scene.look(view.view.eye, options);
   const Visibility::MapShares shares(map);
   if (!view.shares.empty())
-    Session::writeFile(view.shares, sharesText(view.shares, view.rows, view.csvSafe, map, shares));
-  return summaryOf(map, shares);
+    Session::writeFile(view.shares,
+                       state->scene.sharesText(view.shares, view.rows, view.csvSafe, map, shares));
+  ExactSummary summary = summaryOf(map, shares);
+  summary.isInside = view.noShots && state->inside.isInside(view.view.eye);
+  return summary;
 }
 
 }  // namespace Lumivane::Host

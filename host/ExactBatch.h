@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Wholes.h"
+
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -22,6 +24,7 @@ struct ExactSummary {
   std::string largestId;  ///< of the object with the largest view factor; as the scene gave it
   std::optional<double> largestViewFactor;  ///< none if no object is seen
   std::vector<double> classViewFactors;     ///< of all classes, and last of what has none
+  bool isInside = false;  ///< inside a body; only of a view without a shot, which says it otherwise
 };
 
 /// Looks exactly at one scene from many eyes. A program without the components has a form of it
@@ -30,7 +33,7 @@ class ExactBatch {
  public:
   /// The numbers of the objects are those that the scene has now, for all eyes.
   /// \throws HostError
-  ExactBatch(const std::string& name, const Session::LoadedScene& scene);
+  ExactBatch(const std::string& name, const Session::LoadedScene& scene, const Wholes& wholes);
   ExactBatch(const ExactBatch&) = delete;
   ExactBatch& operator=(const ExactBatch&) = delete;
   ~ExactBatch();

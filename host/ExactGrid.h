@@ -1,7 +1,11 @@
 #pragma once
 
 #include "Options.h"
+#include "Wholes.h"
 
+#include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,15 +18,56 @@ namespace Lumivane::Host {
 /// One view of a grid, its numbers as they stand in the table.
 struct GridView {
   std::string name;
-  Vector eye;
-  Vector forward;
-  Vector up;
+  Vector eye{};
+  Vector forward{};
+  Vector up{};
+  std::size_t row = 0;     ///< of the grid's cells, from 1, towards greater y; 0 on faces
+  std::size_t column = 0;  ///< from 1, towards greater x; 0 on faces
+  bool isInside = false;   ///< whether the eye stands inside a body
+  std::string object;      ///< id of the object on which the eye stands; empty over a level
+  int face = 0;            ///< its face, from 1; -1 for a region of no face, 0 over a level
 };
 
-/// What each eye really sees, as one table whose first column is the view's name. Shows on a
-/// terminal how far it has come. Empty in a program without the components.
-/// \throws HostError
-std::string exactShares(const GridOptions& options, const Session::LoadedScene& scene,
-                        const std::vector<GridView>& views);
+/// Where a vertical line meets the surface that eyes stand on.
+struct GridFoot {
+  double z = 0.0;
+  std::string object;  ///< its id
+  int face = 0;        ///< from 1; -1 for a region of no face
+};
+
+/// A place on a face, a little off it.
+struct FacePlace {
+  Vector eye{};
+  Vector forward{};  ///< the way that the face is seen from: its outward normal
+  Vector up{};
+  int objectNumber = 0;  ///< from 1
+  std::string object;    ///< its id
+  int face = 0;          ///< from 1; -1 for a region of no face
+};
+
+/// Places eyes on the surfaces of one scene, and looks exactly from them. A program without the
+/// components has a form of it that finds and measures nothing.
+class ExactGrid {
+ public:
+  /// The options are borrowed. \throws HostError
+  ExactGrid(const GridOptions& theOptions, const Session::LoadedScene& scene, const Wholes& wholes);
+  ExactGrid(const ExactGrid&) = delete;
+  ExactGrid& operator=(const ExactGrid&) = delete;
+  ~ExactGrid();
+
+  /// The surface that `--above` names at x and y; nothing if there is none.
+  std::optional<GridFoot> footAt(double x, double y) const;
+
+  /// Places on the faces that `--on` names, by object and face. \throws HostError
+  std::vector<FacePlace> facePlaces() const;
+
+  /// What each eye really sees, as one table whose first column is the view's name. Shows on a
+  /// terminal how far it has come. \throws HostError
+  std::string shares(const std::vector<GridView>& views) const;
+
+ private:
+  struct State;
+  std::unique_ptr<const State> state;
+};
 
 }  // namespace Lumivane::Host

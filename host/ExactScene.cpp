@@ -1,5 +1,6 @@
 #include "ExactScene.h"
 
+#include "BuildingRows.h"
 #include "HostError.h"
 
 #include <lumivane/session/LoadedScene.h>
@@ -15,6 +16,8 @@ namespace {
 
 using Visibility::ShareDepth;
 
+constexpr const char* BuildingDepth = "building";
+
 Visibility::SceneIndex indexOf(const std::string& name, const Session::LoadedScene& scene) {
   try {
     return Visibility::SceneIndex(scene);
@@ -23,10 +26,22 @@ Visibility::SceneIndex indexOf(const std::string& name, const Session::LoadedSce
   }
 }
 
+ShareDepth depthOf(const std::string& rows) {
+  const std::pair<const char*, ShareDepth> depths[] = {{"total", ShareDepth::Total},
+                                                       {"class", ShareDepth::Class},
+                                                       {"object", ShareDepth::Object},
+                                                       {"face", ShareDepth::Face},
+                                                       {"region", ShareDepth::Region}};
+  const auto* const found =
+      std::find_if(std::begin(depths), std::end(depths),
+                   [&rows](const auto& entry) { return rows == entry.first; });
+  return found == std::end(depths) ? ShareDepth::Object : found->second;
+}
+
 }  // namespace
 
-ExactScene::ExactScene(const std::string& name, const Session::LoadedScene& scene)
-    : index(indexOf(name, scene)) {}
+ExactScene::ExactScene(const std::string& name, const Session::LoadedScene& scene, Wholes theWholes)
+    : index(indexOf(name, scene)), wholes(std::move(theWholes)) {}
 
 ExactView ExactScene::look(const Session::ViewSettings& view) const {
   Visibility::LookOptions options;
@@ -46,26 +61,25 @@ Visibility::VisibleMap ExactScene::look(const Visibility::Vector& eye,
   }
 }
 
-ShareDepth depthOf(const std::string& rows) {
-  const std::pair<const char*, ShareDepth> depths[] = {{"total", ShareDepth::Total},
-                                                       {"class", ShareDepth::Class},
-                                                       {"object", ShareDepth::Object},
-                                                       {"face", ShareDepth::Face},
-                                                       {"region", ShareDepth::Region}};
-  const auto* const found =
-      std::find_if(std::begin(depths), std::end(depths),
-                   [&rows](const auto& entry) { return rows == entry.first; });
-  return found == std::end(depths) ? ShareDepth::Object : found->second;
+std::vector<Visibility::ShareRow> ExactScene::shareRows(const std::string& rows,
+                                                        const Visibility::VisibleMap& map,
+                                                        const Visibility::MapShares& shares) const {
+  return rows == BuildingDepth ? buildingRows(map, shares, wholes)
+                               : Visibility::shareRows(map, shares, depthOf(rows));
 }
 
-bool hasFractions(const std::string& rows) { return depthOf(rows) >= ShareDepth::Object; }
-
-std::string sharesText(const std::string& path, const std::string& rows, bool isSafe,
-                       const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
-  const ShareDepth depth = depthOf(rows);
+std::string ExactScene::sharesText(const std::string& path, const std::string& rows, bool isSafe,
+                                   const Visibility::VisibleMap& map,
+                                   const Visibility::MapShares& shares) const {
+  using Visibility::MapText;
+  const std::vector<Visibility::ShareRow> all = shareRows(rows, map, shares);
   return std::filesystem::path(path).extension() == ".json"
-             ? Visibility::MapText::json(map, shares, depth)
-             : Visibility::MapText::csv(map, shares, depth, isSafe);
+             ? MapText::json(map, all)
+             : MapText::csvHeading(map.field) + "\n" + MapText::csvRows(all, map.field, "", isSafe);
+}
+
+bool hasFractions(const std::string& rows) {
+  return rows != BuildingDepth && depthOf(rows) >= ShareDepth::Object;
 }
 
 }  // namespace Lumivane::Host

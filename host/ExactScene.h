@@ -1,11 +1,14 @@
 #pragma once
 
+#include "Wholes.h"
+
 #include <lumivane/session/ViewSettings.h>
 #include <lumivane/visibility/MapShares.h>
 #include <lumivane/visibility/MapText.h>
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <string>
+#include <vector>
 
 namespace Lumivane::Session {
 class LoadedScene;
@@ -24,27 +27,33 @@ class ExactScene {
  public:
   /// \param name  stands in errors
   /// \throws HostError for a scene that cannot be looked at
-  ExactScene(const std::string& name, const Session::LoadedScene& scene);
+  /// \param wholes  what parts belong to, for rows by building
+  ExactScene(const std::string& name, const Session::LoadedScene& scene, Wholes wholes = {});
 
   /// The hemisphere of a view, from where it says; without what objects would take alone.
   /// \throws HostError
   ExactView look(const Session::ViewSettings& view) const;
-  /// \throws HostError
+  /// As for a view. \throws HostError
   Visibility::VisibleMap look(const Visibility::Vector& eye,
                               const Visibility::LookOptions& options) const;
 
+  const Visibility::SceneIndex& sceneIndex() const { return index; }
+
+  /// The rows of a table of shares by its depth on the command line.
+  std::vector<Visibility::ShareRow> shareRows(const std::string& rows,
+                                              const Visibility::VisibleMap& map,
+                                              const Visibility::MapShares& shares) const;
+  /// A table of shares, as the file's ending says (.csv or .json).
+  std::string sharesText(const std::string& path, const std::string& rows, bool isSafe,
+                         const Visibility::VisibleMap& map,
+                         const Visibility::MapShares& shares) const;
+
  private:
   Visibility::SceneIndex index;
+  Wholes wholes;
 };
-
-/// The depth of a table of shares by its name on the command line.
-Visibility::ShareDepth depthOf(const std::string& rows);
 
 /// Whether a table of these rows shows how much of each object is seen, which takes another look.
 bool hasFractions(const std::string& rows);
-
-/// A table of shares, as the file's ending says (.csv or .json).
-std::string sharesText(const std::string& path, const std::string& rows, bool isSafe,
-                       const Visibility::VisibleMap& map, const Visibility::MapShares& shares);
 
 }  // namespace Lumivane::Host

@@ -15,6 +15,7 @@
 #include <lumivane/scene/Objects.h>
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/session/Text.h>
 
 #include <algorithm>
 #include <charconv>
@@ -23,6 +24,7 @@
 #include <limits>
 #include <optional>
 #include <streambuf>
+#include <utility>
 
 // Eyes on a grid, as the table that `lumivane batch` reads.
 namespace Lumivane::Host {
@@ -118,9 +120,10 @@ std::string number(size_t value, size_t largest) {
 
 void checkGrid(const GridOptions& options, const Box& box) {
   if (!(options.spacing > 0.0)) throw HostError("--spacing", "must be greater than 0");
-  if (!std::isfinite(options.height)) throw HostError("--height", "is not finite");
+  if (!std::isfinite(options.height.value_or(0.0))) throw HostError("--height", "is not finite");
   if (!std::isfinite(options.ground)) throw HostError("--ground", "is not finite");
   if (!(box.x.low <= box.x.high)) throw HostError(options.scene, "has no polygon to stand on");
+  if (!options.on.empty()) return;
   const double eyes = (std::floor((box.x.high - box.x.low) / options.spacing) + 1.0) *
                       (std::floor((box.y.high - box.y.low) / options.spacing) + 1.0);
   if (!(eyes <= MostEyes))
@@ -128,33 +131,134 @@ void checkGrid(const GridOptions& options, const Box& box) {
                                      " eyes over the scene");
 }
 
-std::vector<GridView> viewsOf(const GridOptions& options, Scene::Scene3D& scene, const Box& box) {
-  std::optional<Check::InsideTest> inside;
-  if (options.skipInside) inside.emplace(scene);
-  const std::vector<double> columns = places(box.x, options.spacing);
-  const std::vector<double> rows = places(box.y, options.spacing);
-  const double z = (options.groundGiven ? options.ground : box.z.low) + options.height;
-  std::vector<GridView> views;
-  for (size_t row = 0; row < rows.size(); ++row) {
-    for (size_t column = 0; column < columns.size(); ++column) {
-      const Vector eye = {columns[column], rows[row], z};
-      if (inside && inside->isInside(eye)) continue;
-      const std::string name =
-          "r" + number(row + 1, rows.size()) + "c" + number(column + 1, columns.size());
-      for (const double heading : options.headings) {
-        const Look look = lookOf(options.look, heading);
-        const std::string suffix = options.headings.size() > 1 ? "h" + text(heading) : "";
-        views.push_back({name + suffix, tidy(eye), tidy(look.forward), tidy(look.up)});
-      }
+// What became of the places of a grid, for standard error.
+struct PlaceCounts {
+  size_t all = 0;
+  size_t footless = 0;  // nothing is below them
+  size_t inside = 0;    // inside a body
+};
+
+// The views from one place, one for each heading.
+class ViewMaker {
+ public:
+  ViewMaker(const GridOptions& theOptions, Scene::Scene3D& scene)
+      : options(theOptions), inside(scene) {}
+
+  // Whether an eye stands inside a body; counts it.
+  bool isInside(const Vector& eye) {
+    const bool is = inside.isInside(eye);
+    if (is) ++counts.inside;
+    return is;
+  }
+
+  void addGround(GridView view) {
+    view.isInside = isInside(view.eye);
+    if (view.isInside && options.skipInside) return;
+    const std::string name = view.name;
+    for (const double heading : options.headings) {
+      const Look look = lookOf(options.look, heading);
+      view.name = name + (options.headings.size() > 1 ? "h" + text(heading) : "");
+      view.forward = tidy(look.forward);
+      view.up = tidy(look.up);
+      views.push_back(view);
     }
   }
-  return views;
+
+  void addFace(GridView view) {
+    view.isInside = isInside(view.eye);
+    if (!view.isInside || !options.skipInside) views.push_back(std::move(view));
+  }
+
+  PlaceCounts counts;
+  std::vector<GridView> views;
+
+ private:
+  const GridOptions& options;
+  Check::InsideTest inside;
+};
+
+void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid* exact,
+                    ViewMaker& maker) {
+  const std::vector<double> columns = places(box.x, options.spacing);
+  const std::vector<double> rows = places(box.y, options.spacing);
+  const double level = options.groundGiven ? options.ground : box.z.low;
+  for (size_t row = 0; row < rows.size(); ++row) {
+    for (size_t column = 0; column < columns.size(); ++column) {
+      ++maker.counts.all;
+      GridView view;
+      double z = level;
+      if (!options.above.empty()) {
+        // At the place that stands in the table.
+        const auto foot = exact->footAt(tidy(columns[column]), tidy(rows[row]));
+        if (!foot) {
+          ++maker.counts.footless;
+          continue;
+        }
+        z = foot->z;
+        view.object = foot->object;
+        view.face = foot->face;
+      }
+      view.name = "r" + number(row + 1, rows.size()) + "c" + number(column + 1, columns.size());
+      view.eye = tidy({columns[column], rows[row], z + options.height.value_or(0.0)});
+      view.row = row + 1;
+      view.column = column + 1;
+      maker.addGround(std::move(view));
+    }
+  }
 }
 
-std::string table(const std::vector<GridView>& views) {
-  std::string result = "name,eye,forward,up\n";
-  for (const GridView& view : views)
-    result += csvRecord({view.name, text(view.eye), text(view.forward), text(view.up)}) + "\n";
+void addFaceViews(const ExactGrid& exact, ViewMaker& maker) {
+  const std::vector<FacePlace> found = exact.facePlaces();
+  size_t place = 0;
+  for (size_t i = 0; i < found.size(); ++i) {
+    const FacePlace& at = found[i];
+    const bool isSameFace =
+        i > 0 && found[i - 1].objectNumber == at.objectNumber && found[i - 1].face == at.face;
+    place = isSameFace ? place + 1 : 1;
+    GridView view;
+    view.name = "o" + std::to_string(at.objectNumber) + "f" + std::to_string(std::max(at.face, 0)) +
+                "p" + std::to_string(place);
+    view.eye = tidy(at.eye);
+    view.forward = tidy(at.forward);
+    view.up = tidy(at.up);
+    view.object = at.object;
+    view.face = at.face;
+    ++maker.counts.all;
+    maker.addFace(std::move(view));
+  }
+}
+
+void report(const GridOptions& options, const PlaceCounts& counts) {
+  const std::string all = " of " + std::to_string(counts.all) + " places ";
+  if (counts.footless > 0)
+    std::cerr << "lumivane: " << counts.footless << all << "have nothing below them (--above "
+              << options.above << ") and are left out\n";
+  if (counts.inside > 0)
+    std::cerr << "lumivane: " << counts.inside << all << "are inside a body"
+              << (options.skipInside ? " and are left out\n"
+                                     : ": 1 in the column inside; --skip-inside leaves them out\n");
+}
+
+std::string table(const GridOptions& options, const std::vector<GridView>& views) {
+  const bool isOnFaces = !options.on.empty();
+  const bool hasObjects = isOnFaces || !options.above.empty();
+  std::string result = "name,eye,forward,up,inside";
+  result += isOnFaces ? "" : ",row,column,cell";
+  result += hasObjects ? ",object,face\n" : "\n";
+  for (const GridView& view : views) {
+    std::vector<std::string> fields = {view.name, text(view.eye), text(view.forward), text(view.up),
+                                       view.isInside ? "1" : "0"};
+    if (!isOnFaces) {
+      fields.push_back(std::to_string(view.row));
+      fields.push_back(std::to_string(view.column));
+      fields.push_back(text(options.spacing));
+    }
+    if (hasObjects) {
+      fields.push_back(options.csvSafe ? Session::csvSafe(view.object) : view.object);
+      fields.push_back(view.face > 0 ? std::to_string(view.face) : "");
+    }
+    result += csvRecord(fields) + "\n";
+  }
   return result;
 }
 
@@ -183,16 +287,30 @@ SourcedScene readScene(const GridOptions& options) {
 }  // namespace
 
 void runGrid(const GridOptions& options) {
+  if (!options.height && options.on.empty())
+    throw ArgumentError("--height", "is needed, but for eyes on faces (--on)");
   OutputNames names(sourceFiles(options.scene, options.import));
   names.add(options.out);
   names.add(options.shares);
   const SourcedScene source = readScene(options);
   const Box box = boundsOf(polygons(source.scene.scene()));
   checkGrid(options, box);
-  const std::vector<GridView> views = viewsOf(options, source.scene.scene(), box);
-  const std::string result = table(views);
+  std::optional<ExactGrid> exact;
+  if (!options.above.empty() || !options.on.empty() || !options.shares.empty())
+    exact.emplace(options, source.scene, source.wholes);
+  ViewMaker maker(options, source.scene.scene());
+  if (options.on.empty())
+    addGroundViews(options, box, exact ? &*exact : nullptr, maker);
+  else
+    addFaceViews(*exact, maker);
+  report(options, maker.counts);
+  if (maker.views.empty())
+    throw HostError(options.scene,
+                    "no eye is left: every place is without a surface below, or "
+                    "inside a body");
+  const std::string result = table(options, maker.views);
   std::string shares;
-  if (!options.shares.empty()) shares = exactShares(options, source.scene, views);
+  if (!options.shares.empty()) shares = exact->shares(maker.views);
   if (options.out.empty())
     std::cout << result;
   else

@@ -86,6 +86,8 @@ Jzon::Node reportNode(const Importers::ImportReport& report) {
   Jzon::Node root = Jzon::object();
   root.add("format", Session::oneLine(report.format));
   root.add("shift", node(report.shift));
+  if (!report.referenceSystem.empty())
+    root.add("reference_system", Session::oneLine(report.referenceSystem));
   root.add("lower", node(report.lower));
   root.add("upper", node(report.upper));
   root.add("source_polygons", numberNode(report.sourcePolygons));

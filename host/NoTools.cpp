@@ -1,6 +1,7 @@
 // The program without the components: it has no more options and commands than these, and writes
 // nothing that they would write.
 
+#include "BatchMaps.h"
 #include "ExactBatch.h"
 #include "ExactGrid.h"
 #include "Tools.h"
@@ -9,14 +10,20 @@ namespace Lumivane::Host {
 
 struct ExactBatch::State {};
 
-ExactBatch::ExactBatch(const std::string&, const Session::LoadedScene&) {}
+ExactBatch::ExactBatch(const std::string&, const Session::LoadedScene&, const Wholes&) {}
 ExactBatch::~ExactBatch() = default;
 std::optional<ExactSummary> ExactBatch::look(const ShotOptions&) const { return {}; }
 
-std::string exactShares(const GridOptions&, const Session::LoadedScene&,
-                        const std::vector<GridView>&) {
-  return "";
-}
+struct ExactGrid::State {};
+
+ExactGrid::ExactGrid(const GridOptions&, const Session::LoadedScene&, const Wholes&) {}
+ExactGrid::~ExactGrid() = default;
+std::optional<GridFoot> ExactGrid::footAt(double, double) const { return {}; }
+std::vector<FacePlace> ExactGrid::facePlaces() const { return {}; }
+std::string ExactGrid::shares(const std::vector<GridView>&) const { return ""; }
+
+void BatchMaps::check(const FilePlace&, const Session::Vector&) {}
+void BatchMaps::write(const std::string&, const std::vector<std::string>&) const {}
 
 namespace Tools {
 
@@ -24,7 +31,7 @@ const char* sceneHelp() { return "scene file (JSON)"; }
 void addSceneOptions(CLI::App&, ImportSettings&) {}
 void addShotOptions(CLI::App&, ShotOptions&) {}
 void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
-void addBatchOptions(CLI::App&, ImportSettings&) {}
+void addBatchOptions(CLI::App&, BatchOptions&) {}
 void addGridOptions(CLI::App&, GridOptions&) {}
 std::vector<Command> commands() { return {}; }
 void writeVisible(const ShotOptions&, ShotShares&, Seconds&) {}

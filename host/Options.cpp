@@ -317,7 +317,7 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
   setBatchedShotOptions(command, options.shot);
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
-  Tools::addBatchOptions(command, options.shot.import);
+  Tools::addBatchOptions(command, options);
   command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
       ->required()
@@ -343,8 +343,10 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
   addScene(command, options.scene, options.import);
   addNumber(command, "--spacing", options.spacing, "distance between two eyes");
   command.get_option("--spacing")->required();
-  command.add_option("--height", options.height, "height of the eyes above the ground")
-      ->required()
+  command
+      .add_option("--height", options.height,
+                  "height of the eyes above the ground, or what --above names; needed, but with "
+                  "--on")
       ->type_name("H");
   command
       .add_option_function<double>(
@@ -366,7 +368,8 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
       ->type_name("D,D,...")
       ->default_str("0");
   command.add_flag("--skip-inside", options.skipInside,
-                   "leave out eyes inside a body, which is not drawn from there");
+                   "leave out eyes inside a body, which is not drawn from there; without it they "
+                   "have 1 in the column inside");
   command
       .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
       ->type_name("VIEWS");

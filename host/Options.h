@@ -35,6 +35,7 @@ struct ShotOptions {
   std::string shares;           ///< the exact shares to write, or empty; of `batch` alone
   std::string rows = "object";  ///< how deep the exact shares go
   bool csvSafe = false;         ///< texts in tables are kept from being taken for formulas
+  bool noShots = false;         ///< of `batch` alone: only what the eye really sees is found out
   bool audit = false;           ///< whether the picture is compared with the visibility map
   int width = 800;
   int height = 800;
@@ -94,7 +95,10 @@ struct BatchOptions {
   std::string folder;                    ///< of the outputs
   int jobs = 0;                          ///< processes; 0 for as many as processors
   Shard shard;
-  bool merge = false;  ///< no view is made, parts are merged
+  bool merge = false;   ///< no view is made, parts are merged
+  std::string raster;   ///< the summary as a raster to write into the folder, or empty
+  std::string geojson;  ///< the summary as points to write into the folder, or empty
+  std::string crs;      ///< "EPSG:N", or empty for that of the scene's file
 };
 
 struct GridOptions {
@@ -102,9 +106,12 @@ struct GridOptions {
   ImportSettings import;  ///< for a scene that is a mesh or a city model
   std::string out;        ///< empty: standard output
   double spacing = 0.0;
-  double height = 0.0;
+  std::optional<double> height;
   double ground = 0.0;
   bool groundGiven = false;  ///< otherwise the scene's lowest point is the ground
+  std::string above;         ///< the surface under the eyes, or empty for one level
+  std::string on;            ///< the faces that eyes stand on, or empty
+  double clearance = 0.01;   ///< of eyes on faces
   std::string look = "up";   ///< or "horizontal" or "down"
   std::vector<double> headings = {0.0};
   bool skipInside = false;

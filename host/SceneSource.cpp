@@ -99,9 +99,11 @@ Session::LoadedScene fileWithClasses(const std::string& path, const ImportSettin
 }
 
 SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) {
-  SourcedScene source{fileWithClasses(path, settings), Jzon::Node(Jzon::Node::T_INVALID), true, {}};
+  SourcedScene source{
+      fileWithClasses(path, settings), Jzon::Node(Jzon::Node::T_INVALID), true, {}, {}, {}};
   if (!settings.center) return source;
   source.eyeShift = centred(source.scene.scene());
+  source.place.shift = source.eyeShift;
   source.import = shiftNode(source.eyeShift);
   return source;
 }
@@ -133,7 +135,7 @@ SourcedScene loadScene(const std::string& path, const ImportSettings& settings) 
   Session::LoadedScene scene = model->scene(settings.eye);
   addGivenClasses(scene, settings);
   std::cout << model->reportText() << std::flush;
-  return {std::move(scene), model->reportNode(), false, {}};
+  return {std::move(scene), model->reportNode(), false, {}, model->place(), model->wholes()};
 }
 
 namespace {
@@ -160,6 +162,8 @@ std::vector<std::string> classNamesOf(const std::string& path, const ImportSetti
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)
     : model(Tools::modelOf(path, settings)), current(firstScene(model.get(), path, settings)) {
   if (!model && settings.center) shift = centred(current.scene());
+  filePlace = model ? model->place() : FilePlace{shift, 1.0, false, ""};
+  if (model) theWholes = model->wholes();
 }
 
 SceneForEyes::~SceneForEyes() = default;

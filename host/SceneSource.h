@@ -1,6 +1,8 @@
 #pragma once
 
+#include "FilePlace.h"
 #include "ImportSettings.h"
+#include "Wholes.h"
 
 #include <lumivane/jzon/Node.h>
 #include <lumivane/session/LoadedScene.h>
@@ -24,6 +26,8 @@ struct SourcedScene {
   Jzon::Node import;
   bool isSceneFile = false;
   Session::Vector eyeShift{};  ///< what an eye in the file's coordinates is moved by
+  FilePlace place;             ///< where the scene's coordinates lie in the file's
+  Wholes wholes;               ///< what parts of a city model belong to
 };
 
 Session::Vector moved(const Session::Vector& point, const Session::Vector& shift);
@@ -66,6 +70,10 @@ class SceneForEyes {
 
   /// What an eye is moved by before a shot is taken from it.
   const Session::Vector& eyeShift() const { return shift; }
+  /// Where the scene's coordinates lie in the file's.
+  const FilePlace& place() const { return filePlace; }
+  /// What parts of a city model belong to.
+  const Wholes& wholes() const { return theWholes; }
 
   /// The scene for no eye in particular, or for that of the last call of `at`.
   Session::LoadedScene& scene() { return current; }
@@ -77,6 +85,8 @@ class SceneForEyes {
   std::optional<std::array<double, 3>> currentEye;
   Session::Vector shift{};
   Session::LoadedScene current;
+  FilePlace filePlace;
+  Wholes theWholes;
 };
 
 }  // namespace Lumivane::Host

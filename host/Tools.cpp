@@ -6,8 +6,10 @@
 #include "AuditReport.h"
 #include "Commands.h"
 #include "DrawOptions.h"
+#include "Geodata.h"
 #include "ImportOptions.h"
 #include "ImportWork.h"
+#include "MapOptions.h"
 #include "OptionParts.h"
 #include "ShotShares.h"
 #include "Stats.h"
@@ -16,6 +18,8 @@
 #include "VectorFiles.h"
 #include "VisibleFile.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <utility>
 
@@ -33,12 +37,13 @@ void addVisible(CLI::App& command, std::string& visible) {
       ->type_name("FILE");
 }
 
-const std::vector<std::string> RowDepths = {"total", "class", "object", "face", "region"};
+const std::vector<std::string> RowDepths = {"total",  "class", "building",
+                                            "object", "face",  "region"};
 
 class ImportedFile : public Tools::Model {
  public:
   ImportedFile(const std::string& path, const ImportSettings& settings)
-      : file(path, importOptions(settings)) {}
+      : file(path, importOptions(settings)), scale(settings.scale) {}
 
   Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye) override {
     Importers::ImportedScene imported = file.sceneFor(eye);
@@ -47,9 +52,14 @@ class ImportedFile : public Tools::Model {
   }
   std::string reportText() const override { return Host::reportText(report); }
   Jzon::Node reportNode() const override { return Host::reportNode(report); }
+  FilePlace place() const override {
+    return {report.shift, scale, report.turned, report.referenceSystem};
+  }
+  Wholes wholes() const override { return report.wholes; }
 
  private:
   Importers::ImportedModel file;
+  double scale;
   Importers::ImportReport report;
 };
 
@@ -70,6 +80,39 @@ void addClasses(CLI::App& command, ImportSettings& import) {
       ->type_name("FILE");
 }
 
+namespace {
+
+// Where the eyes of a grid stand if not over one level.
+void addPlaces(CLI::App& command, GridOptions& options) {
+  CLI::Option* const ground = command.get_option("--ground");
+  CLI::Option* const above =
+      command
+          .add_option(
+              "--above", options.above,
+              "what the height is measured from at each place: the highest surface that is "
+              "seen from above (surface), the lowest one that is no building's and no body's "
+              "(ground), the highest one of terrain, or of a class")
+          ->type_name("surface|ground|terrain|CLASS")
+          ->excludes(ground);
+  CLI::Option* const on =
+      command
+          .add_option("--on", options.on,
+                      "eyes on faces instead, each looking along the normal of its face: by class, "
+                      "or roofs and walls by slope where there are no classes")
+          ->type_name("roofs|walls|all|CLASS")
+          ->excludes(above)
+          ->excludes(ground);
+  for (const char* other : {"--height", "--look", "--heading"})
+    on->excludes(command.get_option(other));
+  command.add_option("--clearance", options.clearance, "distance of eyes on faces from their face")
+      ->check(CLI::Range(1e-9, 1e9))
+      ->type_name("L")
+      ->capture_default_str()
+      ->needs(on);
+}
+
+}  // namespace
+
 namespace Tools {
 
 const char* sceneHelp() { return "scene file (JSON), mesh or city model"; }
@@ -89,11 +132,48 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options) {
   addShares(command, options.shares, options.rows,
             "what the eye really sees of each object, and the sky, to write (.csv or .json)");
+  command.add_flag("--no-shots", options.noShots,
+                   "find out what the eye really sees, and make no shots: much faster; columns of "
+                   "the summary that are counts of shots stay empty");
 }
 
-void addBatchOptions(CLI::App& command, ImportSettings& import) {
+void addBatchOptions(CLI::App& command, BatchOptions& options) {
   command.remove_option(command.get_option("--audit"));
-  addClasses(command, import);
+  addClasses(command, options.shot.import);
+  constexpr const char* Group = "Maps of the summary";
+  const auto ending = [](const std::vector<std::string>& endings) {
+    return [endings](const std::string& path) -> std::string {
+      const std::string own = std::filesystem::path(path).extension().string();
+      if (std::count(endings.begin(), endings.end(), own) > 0) return "";
+      return "\"" + path + "\" does not end in " + endings[0];
+    };
+  };
+  command
+      .add_option("--raster", options.raster,
+                  "GeoTIFF to write into the folder, of a table that grid has made: the sky view "
+                  "factor and other columns of the summary as bands")
+      ->check(ending({".tif", ".tiff"}), "")
+      ->type_name("FILE")
+      ->group(Group);
+  command
+      .add_option("--geojson", options.geojson,
+                  "points with the columns of the summary to write into the folder, in degrees "
+                  "(GeoJSON)")
+      ->check(ending({".geojson", ".json"}), "")
+      ->type_name("FILE")
+      ->group(Group);
+  command
+      .add_option("--crs", options.crs,
+                  "coordinate reference system of the model's own coordinates, as EPSG:28992; "
+                  "without it that of a CityJSON file")
+      ->check(
+          [](const std::string& text) -> std::string {
+            const bool isCode = text.rfind("EPSG:", 0) == 0 && Geodata::epsgCode(text) > 0;
+            return isCode ? "" : "\"" + text + "\" is not EPSG:N, with the number of a code";
+          },
+          "")
+      ->type_name("EPSG:N")
+      ->group(Group);
 }
 
 void addGridOptions(CLI::App& command, GridOptions& options) {
@@ -106,6 +186,7 @@ void addGridOptions(CLI::App& command, GridOptions& options) {
                   "what each eye really sees, and the sky, as one table to write (.csv)")
       ->check(fault, "")
       ->type_name("FILE");
+  addPlaces(command, options);
   addNames(command, "--rows", options.rows, "how deep the shares go", RowDepths);
   addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
@@ -121,6 +202,8 @@ std::vector<Command> commands() {
           "draw",
           "Line drawing with hidden lines: perspective, plan, elevation, axonometry, fisheye",
           setDrawOptions, runDraw),
+      command<MapOptions>("map", "Plan of a scene with the values of a table in colours",
+                          setMapOptions, runMap),
       command<FactorsOptions>("factors", "View factors from face to face, with what stands between",
                               setFactorsOptions, runFactors),
       command<SunOptions>(

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Command.h"
+#include "FilePlace.h"
 #include "ImportSettings.h"
+#include "Wholes.h"
 
 #include <lumivane/jzon/Node.h>
 #include <lumivane/session/LoadedScene.h>
@@ -21,6 +23,7 @@ class TakenShot;
 
 namespace Lumivane::Host {
 
+struct BatchOptions;
 struct GridOptions;
 struct Seconds;
 struct ShotOptions;
@@ -39,7 +42,7 @@ void addShotOptions(CLI::App& command, ShotOptions& options);
 /// What views of a batch have besides.
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options);
 /// What the batch as a whole has besides, and does not have.
-void addBatchOptions(CLI::App& command, ImportSettings& import);
+void addBatchOptions(CLI::App& command, BatchOptions& options);
 /// What `grid` measures.
 void addGridOptions(CLI::App& command, GridOptions& options);
 /// The commands that need components.
@@ -66,6 +69,10 @@ class Model {
   /// What became of it in the scene made last, as lines and for statistics.
   virtual std::string reportText() const = 0;
   virtual Jzon::Node reportNode() const = 0;
+  /// Where the coordinates of that scene lie in the file's.
+  virtual FilePlace place() const = 0;
+  /// What its parts belong to.
+  virtual Wholes wholes() const = 0;
 
  protected:
   Model() = default;

@@ -154,12 +154,13 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
 }
 
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
-                  const VisibleMap& map, const MapShares& shares, ViewSeconds& seconds) {
+                  const ExactScene& exact, const VisibleMap& map, const MapShares& shares,
+                  ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.write);
   std::vector<Output> outputs;
   if (!options.shares.empty())
-    outputs.push_back(
-        {options.shares, sharesText(options.shares, options.rows, options.csvSafe, map, shares)});
+    outputs.push_back({options.shares, exact.sharesText(options.shares, options.rows,
+                                                        options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
   addPictures(options, scene, map, shares, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
@@ -210,7 +211,7 @@ void runView(const ViewOptions& options) {
   }());
   static const ExactScene& exact = *new ExactScene([&] {
     const ProcessorTimer timer(seconds.index);
-    return ExactScene(options.scene, source.scene);
+    return ExactScene(options.scene, source.scene, source.wholes);
   }());
   ViewOptions placed = options;
   placed.eye = moved(options.eye, source.eyeShift);
@@ -218,7 +219,7 @@ void runView(const ViewOptions& options) {
   if (!options.twoSided) warnIfInside(options.scene, source.scene, placed.eye);
   static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
-  writeOutputs(options, source.scene, map, shares, seconds);
+  writeOutputs(options, source.scene, exact, map, shares, seconds);
   writeStats(options, map, seconds, source.import);
   report(options, map, shares);
 }

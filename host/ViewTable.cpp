@@ -6,6 +6,8 @@
 #include <lumivane/session/Files.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -21,6 +23,10 @@ namespace fs = std::filesystem;
 
 constexpr const char* NamePlace = "{name}";
 const std::vector<std::string> Vectors = {"eye", "forward", "up"};
+
+// What `grid` says of its eyes beside their views. The cell is read, the others are for readers.
+const std::vector<std::string> CellColumns = {"row", "column", "cell"};
+const std::vector<std::string> PassedOver = {"inside", "object", "face"};
 
 // How a scene is read is a matter of all views.
 constexpr const char* ImportGroup = "Options for meshes and city models";
@@ -83,12 +89,17 @@ class TableReader {
     });
   }
 
+  static bool isOfGrid(const std::string& column) {
+    return std::count(CellColumns.begin(), CellColumns.end(), column) > 0 ||
+           std::count(PassedOver.begin(), PassedOver.end(), column) > 0;
+  }
+
   void readHeading(const CsvRecord& record) {
     for (const std::string& field : record.fields) {
       std::string column = optionOf(field);
       const auto option = known.find(column);
       if (option != known.end()) column = option->second.name;
-      if (column != "name" && option == known.end() && !isCoordinate(column))
+      if (column != "name" && option == known.end() && !isCoordinate(column) && !isOfGrid(column))
         fail(record, "column \"" + field + "\" is neither \"name\" nor an option of shot" +
                          (field.size() == 1 && field.find_first_of("xyzXYZ") == 0
                               ? "; coordinates of the eye are eye_x, eye_y and eye_z"
@@ -122,12 +133,49 @@ class TableReader {
     joinVectors(record, cells);
 
     TableView view;
+    view.cell = gridCell(record, cells);
+    for (const std::string& column : PassedOver) cells.erase(column);
     view.name = viewName(record, cells, number, count);
     const std::vector<std::string> arguments = argumentsOf(cells);
     view.key = textKey(view.name, setting.sceneKey);
     for (const std::string& argument : arguments) view.key = textKey(argument + "\n", view.key);
     parse(record, arguments, view);
     result.push_back(std::move(view));
+  }
+
+  // Takes the cell out of a row, if it is there.
+  std::optional<GridCell> gridCell(const CsvRecord& record, Cells& cells) const {
+    std::vector<std::string> texts;
+    for (const std::string& column : CellColumns) {
+      const auto cell = cells.find(column);
+      if (cell == cells.end()) continue;
+      texts.push_back(cell->second);
+      cells.erase(cell);
+    }
+    if (texts.empty()) return std::nullopt;
+    if (texts.size() < CellColumns.size())
+      fail(record, "of \"row\", \"column\" and \"cell\" there must be all or none");
+    GridCell cell;
+    cell.row = wholeNumber(record, "row", texts[0]);
+    cell.column = wholeNumber(record, "column", texts[1]);
+    const char* const last = texts[2].data() + texts[2].size();
+    const auto read = std::from_chars(texts[2].data(), last, cell.side);
+    if (read.ec != std::errc() || read.ptr != last || !(cell.side > 0.0) ||
+        !std::isfinite(cell.side))
+      fail(record, "column \"cell\": \"" + texts[2] + "\" is not a length above 0");
+    return cell;
+  }
+
+  std::size_t wholeNumber(const CsvRecord& record, const std::string& column,
+                          const std::string& text) const {
+    constexpr std::size_t Most = 1000000000;
+    std::size_t number = 0;
+    const char* const last = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), last, number);
+    if (read.ec != std::errc() || read.ptr != last || number < 1 || number > Most)
+      fail(record, "column \"" + column + "\": \"" + text +
+                       "\" is not a whole number from 1 to 1000000000");
+    return number;
   }
 
   void joinVectors(const CsvRecord& record, Cells& cells) const {

@@ -3,15 +3,25 @@
 #include "FileMark.h"
 #include "Options.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Lumivane::Host {
 
+/// Where a view stands in a grid, as its table says.
+struct GridCell {
+  std::size_t row = 0;     ///< from 1, towards greater y
+  std::size_t column = 0;  ///< from 1, towards greater x
+  double side = 0.0;       ///< of a cell, in scene units
+};
+
 /// One view of a table, ready to be made.
 struct TableView {
   std::string name;
+  std::optional<GridCell> cell;
   ShotOptions options;             ///< output files as whole paths
   std::vector<std::string> files;  ///< the same files as names in the folder of outputs
   std::uint64_t key = 0;           ///< distinguishes views that would give other results
@@ -27,7 +37,9 @@ struct TableSetting {
 
 /// The views of a table with one heading and one row for each view. A column is named `name` or
 /// after an option of `shot`, with or without its dashes; `eye`, `forward` and `up` may also be
-/// three columns `eye_x`, `eye_y`, `eye_z`. An empty cell leaves the option as it is for all views.
+/// three columns `eye_x`, `eye_y`, `eye_z`. Columns `row`, `column` and `cell` say where the views
+/// stand in a grid; `inside`, `object` and `face`, which `grid` writes, are passed over. An empty
+/// cell leaves the option as it is for all views.
 /// "{name}" in an output file is replaced by the view's name; without names, views are numbered.
 /// \throws HostError that names the table's file, line and column
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting);

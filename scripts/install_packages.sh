@@ -10,6 +10,7 @@ packages=(
   nlohmann-json3-dev libpugixml-dev libcairo2-dev libglu1-mesa-dev pkg-config  # what comes in and goes out
   libarchive-dev                         # view factors as archives of arrays
   libnova-dev tzdata                     # where the sun stands, and what clocks show
+  libgdal-dev gdal-bin                   # maps of geographic information systems, and to look at them
   libgtest-dev libgmock-dev valgrind     # the tests
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
   xdotool x11-utils                      # to look at windows

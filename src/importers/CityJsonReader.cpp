@@ -12,6 +12,8 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <set>
+#include <string>
 
 namespace Lumivane::Importers {
 namespace {
@@ -113,6 +115,8 @@ class CityJsonReader {
     if (version != "1.0" && version != "1.1" && version != "2.0")
       throw ImportError("its version is \"" + version + "\"; 1.0, 1.1 and 2.0 are read");
     model.format = "CityJSON " + version;
+    if (const CityNode* const metadata = member(root, "metadata"))
+      model.referenceSystem = textOf(member(*metadata, "referenceSystem"));
   }
 
   void readVertices() {
@@ -154,6 +158,8 @@ class CityJsonReader {
     for (const CityNode& geometry : geometries)
       if (holdsSurfaces(geometry)) highest = std::max(highest, levelWithTemplates(geometry));
     model.objects.push_back({id, isTerrainType(type)});
+    const std::string whole = wholeOf(id);
+    if (!whole.empty()) model.wholes[id] = whole;
     for (const CityNode& geometry : geometries) {
       if (!holdsSurfaces(geometry))
         ++skippedGeometries;
@@ -162,6 +168,31 @@ class CityJsonReader {
       else
         addGeometry(geometry, type);
     }
+  }
+
+  // Follows the first parent that is no group, up to the one without. Empty for what is no part.
+  std::string wholeOf(const std::string& id) const {
+    const CityNode& objects = *member(root, "CityObjects");
+    std::string whole = id;
+    std::set<std::string> passed;  // a document may name parents in a circle
+    while (passed.insert(whole).second) {
+      const std::string parent = parentOf(objects, whole);
+      if (parent.empty()) return whole == id ? "" : whole;
+      whole = parent;
+    }
+    return "";
+  }
+
+  static std::string parentOf(const CityNode& objects, const std::string& id) {
+    const CityNode* const node = member(objects, id.c_str());
+    const CityNode* const parents = node == nullptr ? nullptr : member(*node, "parents");
+    if (parents == nullptr || !parents->is_array()) return "";
+    for (const CityNode& parent : *parents) {
+      const std::string name = textOf(&parent);
+      const CityNode* const other = name.empty() ? nullptr : member(objects, name.c_str());
+      if (other != nullptr && textOf(member(*other, "type")) != "CityObjectGroup") return name;
+    }
+    return "";
   }
 
   double levelWithTemplates(const CityNode& geometry) const {

@@ -236,6 +236,8 @@ struct ImportedModel::State {
     checkOptions(options);
     model = readModel(path, options);
     report.format = model.format;
+    report.referenceSystem = model.referenceSystem;
+    report.wholes = model.wholes;
     report.sourcePolygons = model.polygons.size();
     const PlacedSize placed = placeModel(model, options, report);
     report.openBodies = openBodiesOf(model);

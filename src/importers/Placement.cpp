@@ -158,6 +158,7 @@ PlacedSize placeModel(SourceModel& model, const ImportOptions& options, ImportRe
 
   const Bounds placed = boundsOf(model.vertices);
   report.shift = shift;
+  report.turned = options.yUp || model.yUp;
   report.lower = placed.lower;
   report.upper = placed.upper;
   return {diagonal, step};

@@ -2,6 +2,7 @@
 
 #include "kernel/Vec.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,11 +34,13 @@ struct SourcePolygon {
 /// What every reader makes of its file. All numbers are in range and all coordinates finite.
 struct SourceModel {
   std::string format;
-  bool yUp = false;  ///< the format says that y is up
+  bool yUp = false;             ///< the format says that y is up
+  std::string referenceSystem;  ///< of the coordinates, as the file names it; or empty
   std::vector<Kernel::Vec3> vertices;
   std::vector<SourceMaterial> materials;
   std::vector<SourceObject> objects;
   std::vector<SourcePolygon> polygons;
+  std::map<std::string, std::string> wholes;  ///< as `ImportReport::wholes`
   std::vector<std::string> warnings;
 };
 

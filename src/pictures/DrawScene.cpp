@@ -92,6 +92,20 @@ void require(bool holds, const char* text) {
   if (!holds) throw std::invalid_argument(text);
 }
 
+void checkValues(const DrawingOptions& options) {
+  const DrawingValues& values = *options.values;
+  require(options.projection == DrawingProjection::Parallel,
+          "values are drawn in parallel projections alone");
+  require(values.side >= 0.0 && std::isfinite(values.side),
+          "the side of squares is to be 0 or more");
+  require(values.dot > 0.0 && values.dot <= 1000.0,
+          "the width of dots is to be above 0 to 1000 mm");
+  require(std::isfinite(values.low) && std::isfinite(values.high) && values.low < values.high,
+          "the range of the values is to be finite, its end above its beginning");
+  for (const DrawingValues::Value& value : values.values)
+    require(!std::isnan(value.value), "values are to be numbers");
+}
+
 void check(const DrawingOptions& options) {
   const double fov = options.fieldOfView;
   require(fov > 0.0 && fov < 180.0, "the field of view is to be above 0 and below 180 degrees");
@@ -116,6 +130,7 @@ void check(const DrawingOptions& options) {
   require(!options.exactArcs || options.projection == DrawingProjection::Orthographic ||
               options.projection == DrawingProjection::Stereographic,
           "exact arcs are of orthographic and stereographic fisheyes");
+  if (options.values) checkValues(options);
   for (const double width : options.widths)
     require(width >= 0.0 && width <= 100.0, "widths of lines are to be 0 to 100 mm");
   if (!options.page) return;
@@ -306,8 +321,11 @@ Drawing draw(const FlatMap& map, const RegionPlanes& planes, const std::vector<D
   const CellLooks looks(placed);
   addSky(placed, drawing);
   addFills(placed, looks, cells, lines, drawing);
+  const bool isUnderLines = options.values && options.values->side > 0.0;
+  if (isUnderLines) addValues(placed, drawing);
   addLines(placed, looks, lines, drawing);
   if (options.exactArcs) addArcs(placed, lines, drawing);
+  if (!isUnderLines) addValues(placed, drawing);
   addMarks(placed, drawing);
   addLabels(placed, looks, cells, drawing);
   addFoot(placed, looks, classes, drawing.frame[3], drawing);

@@ -216,7 +216,7 @@ double footHeight(const DrawingOptions& options, std::size_t legendRows) {
   const double rows = options.legend && legendRows > 0
                           ? height * (1.0 + RowHeight * static_cast<double>(legendRows))
                           : 0.0;
-  return options.strokes ? 0.0 : std::max(bar, rows);
+  return options.strokes ? 0.0 : std::max({bar, rows, colorScaleHeight(options)});
 }
 
 void addFoot(const DrawnScene& scene, const CellLooks& looks, const std::vector<int>& classes,
@@ -227,6 +227,7 @@ void addFoot(const DrawnScene& scene, const CellLooks& looks, const std::vector<
     addScaleBar(scene, drawing, top, layer);
     drawing.layers.push_back(std::move(layer));
   }
+  addColorScale(scene, top, drawing);
   if (scene.options.legend) addLegend(scene, looks, classes, top, drawing);
 }
 

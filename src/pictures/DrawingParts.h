@@ -77,6 +77,12 @@ void addLabels(const DrawnScene& scene, const CellLooks& looks, const std::vecto
 /// Sky, rings and marks of fisheyes; under everything else but for the marks.
 void addSky(const DrawnScene& scene, Drawing& drawing);
 void addMarks(const DrawnScene& scene, Drawing& drawing);
+/// Squares or dots for values, and the scale of their colours, which stands at the right.
+void addValues(const DrawnScene& scene, Drawing& drawing);
+void addColorScale(const DrawnScene& scene, double top, Drawing& drawing);
+double colorScaleHeight(const DrawingOptions& options);
+/// A colour of the scale; 0 is its beginning, 1 its end.
+Drawing::Color scaleColor(double part);
 /// The height that scale bar and legend need under the picture; mm.
 double footHeight(const DrawingOptions& options, std::size_t legendRows);
 void addFoot(const DrawnScene& scene, const CellLooks& looks, const std::vector<int>& classes,

@@ -294,7 +294,10 @@ std::string MapText::csv(const VisibleMap& map, const MapShares& shares, ShareDe
 }
 
 std::string MapText::json(const VisibleMap& map, const MapShares& shares, ShareDepth depth) {
-  const std::vector<ShareRow> rows = shareRows(map, shares, depth);
+  return json(map, shareRows(map, shares, depth));
+}
+
+std::string MapText::json(const VisibleMap& map, const std::vector<ShareRow>& rows) {
   JsonWriter json;
   addView(json.beginObject(), map);
   addList(json, "rows", rows.size(), [&](std::size_t i) { addJsonRow(json, rows[i], map.field); });

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,15 @@ struct ImportReport {
   /// shift is the file's point.
   std::array<double, 3> shift{0.0, 0.0, 0.0};
 
+  /// Whether points were turned, so that y, which points up in the file, is z: (x, y, z) became
+  /// (x, -z, y).
+  bool turned = false;
+
+  /// The coordinate reference system of the file's coordinates as the file names it: a CityJSON
+  /// document's "referenceSystem", e.g. "https://www.opengis.net/def/crs/EPSG/0/7415". Empty if it
+  /// names none.
+  std::string referenceSystem;
+
   std::array<double, 3> lower{0.0, 0.0, 0.0};  ///< smallest coordinates of the scene
   std::array<double, 3> upper{0.0, 0.0, 0.0};  ///< greatest coordinates of the scene
 
@@ -36,6 +46,11 @@ struct ImportReport {
   std::size_t splitPolygons = 0;     ///< not flat, or with holes: cut into triangles
   std::size_t emptyPolygons = 0;     ///< left out, since they have no area
   std::size_t unfilledPolygons = 0;  ///< left out, since their outline crosses itself
+
+  /// For each object that is a part of another one, by ids as the scene has them, the outermost
+  /// whole that it belongs to, e.g. the building of a part of it. The whole need not be an object
+  /// of the scene, as it has no surface of its own then. Of CityJSON alone; groups are no wholes.
+  std::map<std::string, std::string> wholes;
 
   std::vector<OpenBody> openBodies;  ///< but for pieces of the ground, in the order of the file
 

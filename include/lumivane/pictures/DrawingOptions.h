@@ -83,6 +83,22 @@ class LUMIVANE_PICTURES_EXPORT DrawingColors {
   std::shared_ptr<const Data> data;
 };
 
+/// Values at places of a scene, to be seen on a plan of it by their colours: those of viridis, from
+/// dark blue to yellow, in which equal steps look equal.
+struct DrawingValues {
+  /// One of them.
+  struct Value {
+    Visibility::Vector place{0.0, 0.0, 0.0};  ///< in the scene
+    double value = 0.0;                       ///< not NaN
+  };
+  std::vector<Value> values;  ///< later ones over earlier ones
+  double side = 0.0;          ///< of level squares around the places, scene units; 0 for dots
+  double dot = 1.2;           ///< width of dots, mm
+  double low = 0.0;           ///< what has the first colour, and all below it
+  double high = 1.0;          ///< what has the last colour, and all above it; greater than `low`
+  std::string title;          ///< over the scale of colours
+};
+
 /// How a drawing is made. Lengths are mm if not said otherwise.
 struct DrawingOptions {
   using Vector = Visibility::Vector;  ///< a point or a direction of the scene
@@ -127,6 +143,7 @@ struct DrawingOptions {
   bool scaleBar = false;                     ///< of parallel projections
   bool north = false;                        ///< an arrow; of fisheyes, letters at the rim
   bool legend = false;                       ///< of classes
+  std::optional<DrawingValues> values;       ///< of parallel projections, with their scale
   double rings = 0.0;                        ///< degrees between circles of a fisheye; 0: none
   std::string title;                         ///< for the document's data
 };

@@ -58,6 +58,8 @@ class LUMIVANE_VISIBILITY_EXPORT MapText {
   /// the table's columns as far as they apply.
   static std::string json(const VisibleMap& map, const MapShares& shares,
                           ShareDepth depth = ShareDepth::Object);
+  /// The same of rows that the caller has made.
+  static std::string json(const VisibleMap& map, const std::vector<ShareRow>& rows);
 
   /// The map itself as one JSON object; numbers that are not whole have 17 digits, which read back
   /// to the same doubles. docs/schema/map.schema.json describes it.

@@ -1,0 +1,201 @@
+// Eyes on the surfaces of a scene: `lumivane grid --above` and `--on`, run as a process.
+
+#include "Csv.h"
+#include "host/CityScene.h"
+#include "host/Process.h"
+#include "support/TempFolder.h"
+#include "support/Vectors.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Host {
+namespace {
+
+using Lumivane::Test::cityText;
+using Lumivane::Test::Result;
+using Lumivane::Test::TempFolder;
+
+using Row = std::map<std::string, std::string>;
+
+std::vector<Row> rowsOf(const std::string& text) {
+  const std::vector<CsvRecord> records = readCsv(text, "table");
+  std::vector<Row> rows;
+  for (std::size_t i = 1; i < records.size(); ++i) {
+    rows.emplace_back();
+    for (std::size_t k = 0; k < records[0].fields.size(); ++k)
+      rows.back()[records[0].fields[k]] = records[i].fields.at(k);
+  }
+  return rows;
+}
+
+std::vector<double> numbers(const std::string& text) {
+  std::vector<double> result;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t comma = std::min(text.find(',', start), text.size());
+    result.push_back(std::stod(text.substr(start, comma - start)));
+    start = comma + 1;
+  }
+  return result;
+}
+
+// The city, in the coordinates of its document without the beginning of those.
+class GridPlaces : public ::testing::Test {
+ protected:
+  Result grid(const std::vector<std::string>& more, const std::string& spacing = "2") const {
+    std::vector<std::string> arguments = {LUMIVANE_PROGRAM, "grid", model, "--spacing", spacing};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Lumivane::Test::runProcess(arguments, {{"DISPLAY", {}}});
+  }
+
+  std::vector<Row> rows(const std::vector<std::string>& more,
+                        const std::string& spacing = "2") const {
+    const Result result = grid(more, spacing);
+    EXPECT_EQ(0, result.status) << result.err;
+    return rowsOf(result.out);
+  }
+
+  // The import has moved the middle, (9.5, 5.5) from the beginning, near 0 by whole metres.
+  static std::vector<double> eyeOf(const Row& row) {
+    std::vector<double> eye = numbers(row.at("eye"));
+    eye.at(0) += 10.0;
+    eye.at(1) += 6.0;
+    return eye;
+  }
+
+  TempFolder folder;
+  std::string model = folder.file("city.city.json", cityText());
+};
+
+bool isIn(const std::vector<double>& eye, double lowX, double highX) {
+  return eye[0] > lowX && eye[0] < highX && eye[1] > 2.0 && eye[1] < 6.0;
+}
+
+TEST_F(GridPlaces, SurfaceIsTheHighestOneSoEyesStandOnRoofsToo) {
+  const Result result = grid({"--above", "surface", "--height", "1.5"});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_NE(std::string::npos,
+            result.err.find("20 of 60 places have nothing below them (--above surface)"))
+      << result.err;
+  const std::vector<Row> table = rowsOf(result.out);
+  ASSERT_EQ(40U, table.size());
+  for (const Row& row : table) {
+    const std::vector<double> eye = eyeOf(row);
+    const bool isHouse = isIn(eye, 2.0, 6.0);
+    const bool isShed = isIn(eye, 15.0, 19.0);
+    EXPECT_EQ(isHouse ? 9.5 : (isShed ? 5.5 : 2.5), eye[2]) << row.at("name");
+    EXPECT_EQ("0", row.at("inside"));
+    const std::string part = eye[0] < 4.0 ? "house-1" : "house-2";
+    EXPECT_EQ(isHouse ? part : (isShed ? "shed" : "terrain"), row.at("object"));
+  }
+}
+
+TEST_F(GridPlaces, GroundIsUnderHousesButNoRoof) {
+  const Result result = grid({"--above", "ground", "--height", "1.5"});
+  ASSERT_EQ(0, result.status) << result.err;
+  const std::vector<Row> table = rowsOf(result.out);
+  ASSERT_EQ(36U, table.size());
+  std::size_t inside = 0;
+  for (const Row& row : table) {
+    EXPECT_EQ(2.5, eyeOf(row)[2]);
+    EXPECT_EQ("terrain", row.at("object"));
+    EXPECT_EQ(isIn(eyeOf(row), 2.0, 6.0) ? "1" : "0", row.at("inside")) << row.at("name");
+    inside += row.at("inside") == "1" ? 1U : 0U;
+  }
+  EXPECT_EQ(4U, inside);
+  EXPECT_NE(std::string::npos, result.err.find("4 of 60 places are inside a body")) << result.err;
+  EXPECT_EQ(32U, rows({"--above", "ground", "--height", "1.5", "--skip-inside"}).size());
+}
+
+TEST_F(GridPlaces, CellsAreNamedAsTheyLieWhateverIsLeftOut) {
+  for (const Row& row : rows({"--above", "ground", "--height", "0"})) {
+    const std::vector<double> eye = eyeOf(row);
+    EXPECT_NEAR(0.5 + 2.0 * (std::stod(row.at("column")) - 1.0), eye[0], 1e-9);
+    EXPECT_NEAR(0.5 + 2.0 * (std::stod(row.at("row")) - 1.0), eye[1], 1e-9);
+    EXPECT_EQ("2", row.at("cell"));
+  }
+}
+
+TEST_F(GridPlaces, EyesOnWallsLookAlongTheirNormalsFromInFrontOfThem) {
+  const std::vector<Row> table = rows({"--on", "walls", "--clearance", "0.05"});
+  // Of 4 x 3 and 7 m high, and 2 x 7 m: four walls of the shed, eight of the parts.
+  EXPECT_EQ(4U * 2U * 1U + 4U * 1U * 3U + 4U * 2U * 3U, table.size());
+  for (const Row& row : table) {
+    const std::vector<double> eye = eyeOf(row);
+    const std::vector<double> forward = numbers(row.at("forward"));
+    EXPECT_EQ(0.0, forward.at(2));
+    const std::vector<double> up = {0.0, 0.0, 1.0};
+    EXPECT_EQ(up, numbers(row.at("up")));
+    // In the middle of its body a step back leads into it, but for the clearance.
+    EXPECT_EQ(1.0, std::abs(forward[0]) + std::abs(forward[1]));
+    const std::size_t axis = forward[0] != 0.0 ? 0 : 1;
+    const double wall = eye[axis] - 0.05 * forward[axis];
+    EXPECT_NEAR(std::round(wall), wall, 1e-9) << row.at("name");
+    EXPECT_NE("terrain", row.at("object"));
+    EXPECT_FALSE(row.at("face").empty());
+  }
+  // The parts of the house touch: eyes on the walls between them are inside the other one.
+  EXPECT_EQ(12, std::count_if(table.begin(), table.end(),
+                              [](const Row& row) { return row.at("inside") == "1"; }));
+}
+
+TEST_F(GridPlaces, EyesOnRoofsStandOnEachOfThem) {
+  std::map<std::string, int> counts;
+  for (const Row& row : rows({"--on", "all"}))
+    if (numbers(row.at("forward")).at(2) == 1.0) ++counts[row.at("object")];
+  EXPECT_EQ(2, counts.at("house-1"));
+  EXPECT_EQ(2, counts.at("house-2"));
+  EXPECT_EQ(4, counts.at("shed"));
+  EXPECT_EQ(30, counts.at("terrain"));  // in lattices of 6 by 5
+}
+
+TEST_F(GridPlaces, SmallFacesHaveOneEyeEach) {
+  std::map<std::string, int> counts;
+  for (const Row& row : rows({"--on", "all"}, "1000")) ++counts[row.at("object")];
+  EXPECT_EQ(6, counts.at("shed"));
+  EXPECT_EQ(6, counts.at("house-1"));
+  EXPECT_EQ(1, counts.at("terrain"));
+}
+
+TEST_F(GridPlaces, TheTableOfFacesSuitsTheBatch) {
+  ASSERT_EQ(0, grid({"--on", "walls", "-o", folder.path("walls.csv")}).status);
+  const Result batch =
+      Lumivane::Test::runProcess({LUMIVANE_PROGRAM, "batch", model, folder.path("walls.csv"),
+                                  "--out-dir", folder.path("out"), "--no-shots", "--jobs", "1"});
+  ASSERT_EQ(0, batch.status) << batch.err;
+  const std::vector<Row> summary =
+      rowsOf(Lumivane::Test::fileBytes(folder.path("out/summary.csv")));
+  ASSERT_FALSE(summary.empty());
+  for (const Row& row : summary) {
+    EXPECT_EQ("ok", row.at("status"));
+    EXPECT_EQ("", row.at("points"));
+    // No wall sees more of the sky than the upper half.
+    EXPECT_LE(std::stod(row.at("sky_view_factor")), 0.5 + 1e-12) << row.at("name");
+  }
+}
+
+TEST_F(GridPlaces, NonsenseIsReported) {
+  const Result ground = grid({"--height", "1", "--above", "ground", "--ground", "3"});
+  EXPECT_EQ(2, ground.status);
+  EXPECT_NE(std::string::npos, ground.err.find("--above excludes --ground")) << ground.err;
+  EXPECT_EQ(2, grid({"--height", "1", "--on", "walls"}).status);
+  EXPECT_EQ(2, grid({"--height", "1", "--clearance", "1"}).status);
+  const Result height = grid({"--above", "ground"});
+  EXPECT_EQ(2, height.status);
+  EXPECT_EQ("lumivane: --height: is needed, but for eyes on faces (--on)\n", height.err);
+  const Result unknown = grid({"--height", "1", "--above", "swamp"});
+  EXPECT_EQ(1, unknown.status);
+  EXPECT_NE(std::string::npos, unknown.err.find("lumivane: --above: no surface of " + model +
+                                                " is of the class \"swamp\""))
+      << unknown.err;
+  EXPECT_EQ(1, grid({"--on", "swamp"}).status);
+}
+
+}  // namespace
+}  // namespace Lumivane::Host
