@@ -31,15 +31,19 @@ constexpr double MostCells = 1e8;
 // Of a cell's side: that eyes may be off the middles of their cells.
 constexpr double Slack = 1e-6;
 
+const std::vector<std::string>& columns() {
+  static const std::vector<std::string> names = readCsv(summaryHeading(), "").front().fields;
+  return names;
+}
+
 using Fields = std::map<std::string, std::string>;
 
 Fields fieldsOf(const std::string& row) {
-  static const std::vector<std::string> columns = readCsv(summaryHeading(), "").front().fields;
   const std::vector<CsvRecord> records = readCsv(row, "the summary");
   Fields fields;
-  for (std::size_t i = 0; !records.empty() && i < records[0].fields.size() && i < columns.size();
-       ++i)
-    fields[columns[i]] = records[0].fields[i];
+  for (std::size_t i = 0; i < columns().size(); ++i)
+    fields[columns()[i]] =
+        !records.empty() && i < records[0].fields.size() ? records[0].fields[i] : "";
   return fields;
 }
 
@@ -207,7 +211,9 @@ std::string BatchMaps::pointsText(const std::vector<std::string>& rows) const {
   std::string text = "{\"type\":\"FeatureCollection\",\"features\":[";
   for (std::size_t i = 0; i < rows.size(); ++i) {
     Jzon::Node properties = Jzon::object();
-    for (const auto& [name, value] : fieldsOf(rows[i])) {
+    const Fields fields = fieldsOf(rows[i]);
+    for (const std::string& name : columns()) {
+      const std::string& value = fields.at(name);
       const bool isText =
           name == "name" || name == "status" || name == "error" || name == "largest_object";
       const std::optional<double> number = isText ? std::nullopt : numberOf(value);

@@ -138,15 +138,21 @@ struct PlaceCounts {
   size_t inside = 0;    // inside a body
 };
 
+bool isOnSurfaces(const GridOptions& options) {
+  return !options.above.empty() || !options.on.empty();
+}
+
 // The views from one place, one for each heading.
 class ViewMaker {
  public:
-  ViewMaker(const GridOptions& theOptions, Scene::Scene3D& scene)
-      : options(theOptions), inside(scene) {}
+  // Millions of eyes over one level are not asked for what they need not say.
+  ViewMaker(const GridOptions& theOptions, Scene::Scene3D& scene) : options(theOptions) {
+    if (options.skipInside || isOnSurfaces(options)) inside.emplace(scene);
+  }
 
   // Whether an eye stands inside a body; counts it.
   bool isInside(const Vector& eye) {
-    const bool is = inside.isInside(eye);
+    const bool is = inside && inside->isInside(eye);
     if (is) ++counts.inside;
     return is;
   }
@@ -174,7 +180,7 @@ class ViewMaker {
 
  private:
   const GridOptions& options;
-  Check::InsideTest inside;
+  std::optional<Check::InsideTest> inside;
 };
 
 void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid* exact,
@@ -241,19 +247,20 @@ void report(const GridOptions& options, const PlaceCounts& counts) {
 
 std::string table(const GridOptions& options, const std::vector<GridView>& views) {
   const bool isOnFaces = !options.on.empty();
-  const bool hasObjects = isOnFaces || !options.above.empty();
-  std::string result = "name,eye,forward,up,inside";
+  const bool hasObjects = isOnSurfaces(options);
+  std::string result = "name,eye,forward,up";
   result += isOnFaces ? "" : ",row,column,cell";
-  result += hasObjects ? ",object,face\n" : "\n";
+  result += hasObjects ? ",inside,object,face\n" : "\n";
   for (const GridView& view : views) {
-    std::vector<std::string> fields = {view.name, text(view.eye), text(view.forward), text(view.up),
-                                       view.isInside ? "1" : "0"};
+    std::vector<std::string> fields = {view.name, text(view.eye), text(view.forward),
+                                       text(view.up)};
     if (!isOnFaces) {
       fields.push_back(std::to_string(view.row));
       fields.push_back(std::to_string(view.column));
       fields.push_back(text(options.spacing));
     }
     if (hasObjects) {
+      fields.push_back(view.isInside ? "1" : "0");
       fields.push_back(options.csvSafe ? Session::csvSafe(view.object) : view.object);
       fields.push_back(view.face > 0 ? std::to_string(view.face) : "");
     }
@@ -296,7 +303,7 @@ void runGrid(const GridOptions& options) {
   const Box box = boundsOf(polygons(source.scene.scene()));
   checkGrid(options, box);
   std::optional<ExactGrid> exact;
-  if (!options.above.empty() || !options.on.empty() || !options.shares.empty())
+  if (isOnSurfaces(options) || !options.shares.empty())
     exact.emplace(options, source.scene, source.wholes);
   ViewMaker maker(options, source.scene.scene());
   if (options.on.empty())

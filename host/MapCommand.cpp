@@ -214,7 +214,7 @@ DrawingOptions planOf(const MapOptions& options, const Vector& shift) {
   plan.projection = Pictures::DrawingProjection::Parallel;
   plan.forward = {0.0, 0.0, -1.0};
   plan.up = {0.0, 1.0, 0.0};
-  plan.fill = Pictures::DrawingFill::White;
+  plan.fill = Pictures::DrawingFill::None;
   // Thin, so that the colours are seen.
   plan.widths = {0.2, 0.13, 0.1, 0.0, 0.1, 0.1, 0.0};
   plan.contentWidth = options.width;

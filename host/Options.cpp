@@ -368,8 +368,7 @@ void setGridOptions(CLI::App& command, GridOptions& options) {
       ->type_name("D,D,...")
       ->default_str("0");
   command.add_flag("--skip-inside", options.skipInside,
-                   "leave out eyes inside a body, which is not drawn from there; without it they "
-                   "have 1 in the column inside");
+                   "leave out eyes inside a body, which is not drawn from there");
   command
       .add_option("-o,--output", options.out, "table to write (CSV); standard output without it")
       ->type_name("VIEWS");

@@ -53,6 +53,13 @@ struct Polygon {
   Vec3 mean;
   Vec3 low;
   Vec3 high;
+  std::size_t object = 0;  // counted from 1
+};
+
+// What a ray meets first.
+struct FirstMet {
+  bool isBack = false;  // the back of a polygon alone
+  std::size_t object = 0;
 };
 
 // Newell's normal, and the middle of the corners.
@@ -116,17 +123,31 @@ bool mayBeAbove(const Polygon& polygon, Vec3 point) {
 struct InsideTest::Polygons {
   std::vector<Polygon> all;
 
-  // Whether the first polygon along a ray is met from its back alone.
-  bool isBackFirst(Vec3 from, Vec3 direction, bool isUp) const {
+  // Among the polygons of one object, or of all for 0.
+  FirstMet firstMet(Vec3 from, Vec3 direction, bool isUp, std::size_t object) const {
     double front = std::numeric_limits<double>::infinity();
     double back = front;
+    FirstMet first;
     for (const Polygon& polygon : all) {
+      if (object != 0 && polygon.object != object) continue;
       if (isUp && !mayBeAbove(polygon, from)) continue;
       const double distance = distanceTo(polygon, from, direction);
-      double& nearest = Kernel::dot(polygon.normal, direction) > 0.0 ? front : back;
+      const bool isFront = Kernel::dot(polygon.normal, direction) > 0.0;
+      if (!isFront && distance < back) first.object = polygon.object;
+      double& nearest = isFront ? front : back;
       nearest = std::min(nearest, distance);
     }
-    return back < front && front - back > SameDistance * back;
+    first.isBack = back < front && front - back > SameDistance * back;
+    return first;
+  }
+
+  // Whether most rays, the one straight up among them, meet backs.
+  bool isEnclosed(Vec3 eye, std::size_t object) const {
+    const std::vector<Vec3>& rays = directions();
+    const auto backs = std::count_if(rays.begin() + 1, rays.end(), [&](Vec3 direction) {
+      return firstMet(eye, direction, false, object).isBack;
+    });
+    return 2 * (static_cast<std::size_t>(backs) + 1) > rays.size();
   }
 };
 
@@ -134,17 +155,21 @@ InsideTest::InsideTest(Scene::Scene3D& scene) {
   auto found = std::make_unique<Polygons>();
   if (scene.getPoints() != nullptr && scene.getObjects() != nullptr) {
     const auto& points = *scene.getPoints()->getPoints();
+    std::size_t number = 0;
     for (const Scene::Object* object : *scene.getObjects()->getObjects()) {
+      ++number;
       if (object == nullptr || object->getRegions() == nullptr) continue;
       for (const Geometry::Region* region : *object->getRegions()->getRegions()) {
         if (region == nullptr || region->getPoints() == nullptr) continue;
         std::vector<Vec3> corners;
-        for (const int number : *region->getPoints()) {
-          if (number < 1 || static_cast<std::size_t>(number) > points.size()) continue;
-          const Geometry::Point3d* point = points[static_cast<std::size_t>(number) - 1];
+        for (const int corner : *region->getPoints()) {
+          if (corner < 1 || static_cast<std::size_t>(corner) > points.size()) continue;
+          const Geometry::Point3d* point = points[static_cast<std::size_t>(corner) - 1];
           if (point != nullptr) corners.push_back({point->getX(), point->getY(), point->getZ()});
         }
-        if (corners.size() > 2) found->all.push_back(polygonOf(std::move(corners)));
+        if (corners.size() < 3) continue;
+        found->all.push_back(polygonOf(std::move(corners)));
+        found->all.back().object = number;
       }
     }
   }
@@ -155,13 +180,12 @@ InsideTest::~InsideTest() = default;
 
 bool InsideTest::isInside(const std::array<double, 3>& point) const {
   const Vec3 eye{point[0], point[1], point[2]};
-  const std::vector<Vec3>& all = directions();
   // Nearly every eye is decided by the first ray, and cheaply.
-  if (!polygons->isBackFirst(eye, all.front(), true)) return false;
-  const auto backs = std::count_if(all.begin() + 1, all.end(), [&](Vec3 direction) {
-    return polygons->isBackFirst(eye, direction, false);
-  });
-  return 2 * (static_cast<std::size_t>(backs) + 1) > all.size();
+  const FirstMet above = polygons->firstMet(eye, directions().front(), true, 0);
+  if (!above.isBack) return false;
+  // Where bodies touch, as houses of a row do, the wall of the one stands on that of the other, and
+  // both together count as a front: then the body overhead is asked alone.
+  return polygons->isEnclosed(eye, 0) || polygons->isEnclosed(eye, above.object);
 }
 
 }  // namespace Lumivane::Check

@@ -78,6 +78,19 @@ TEST(InsideTest, TwoSidedBodyIsSeenFromWithin) {
   EXPECT_FALSE(isInside(with(turned(Box), Box), {1.0, 1.0, 1.0}));
 }
 
+// Its wall and its neighbour's stand on each other, which let the point pass for one outside.
+TEST(InsideTest, PointBesideTheWallBetweenTwoHousesIsInside) {
+  Session::ScenePolygons houses;
+  houses.addBox({0, 0, 0}, {4, 4, 7}, 0);
+  houses.addBox({4, 0, 0}, {8, 4, 7}, 1);
+  const Session::LoadedScene scene = Session::LoadedScene::fromPolygons(houses, "houses");
+  const InsideTest inside(scene.scene());
+  EXPECT_TRUE(inside.isInside({3.99, 2, 3}));
+  EXPECT_TRUE(inside.isInside({4.01, 1, 5}));
+  EXPECT_FALSE(inside.isInside({4, -0.01, 3}));
+  EXPECT_FALSE(inside.isInside({8.01, 2, 3}));
+}
+
 TEST(InsideTest, SceneWithNothingInItHasNoInside) { EXPECT_FALSE(isInside({}, {0, 0, 0})); }
 
 TEST(InsideTest, TakeReportsAnEyeInsideABody) {

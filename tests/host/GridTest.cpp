@@ -36,9 +36,9 @@ std::vector<std::string> rows(const Result& result) {
 TEST(GridProgram, EyesStandInTheMiddleOfTheGroundWithTheSpacingGiven) {
   const std::vector<std::string> table = rows(grid({"--spacing", "3", "--height", "1.5"}));
   ASSERT_EQ(5U, table.size());
-  EXPECT_EQ("name,eye,forward,up,inside,row,column,cell", table[0]);
-  EXPECT_EQ("r1c1,\"-1.5,-1.5,1.5\",\"0,0,1\",\"1,0,0\",0,1,1,3", table[1]);
-  EXPECT_EQ("r2c1,\"-1.5,1.5,1.5\",\"0,0,1\",\"1,0,0\",0,2,1,3", table[3]);
+  EXPECT_EQ("name,eye,forward,up,row,column,cell", table[0]);
+  EXPECT_EQ("r1c1,\"-1.5,-1.5,1.5\",\"0,0,1\",\"1,0,0\",1,1,3", table[1]);
+  EXPECT_EQ("r2c1,\"-1.5,1.5,1.5\",\"0,0,1\",\"1,0,0\",2,1,3", table[3]);
 }
 
 TEST(GridProgram, HorizontalViewsTurnByTheirHeadings) {
@@ -46,8 +46,8 @@ TEST(GridProgram, HorizontalViewsTurnByTheirHeadings) {
       rows(grid({"--spacing", "100", "--height", "1", "--ground", "2", "--look", "horizontal",
                  "--heading", "0,90"}));
   ASSERT_EQ(3U, table.size());
-  EXPECT_EQ("r1c1h0,\"0,0,3\",\"1,0,0\",\"0,0,1\",0,1,1,100", table[1]);
-  EXPECT_EQ("r1c1h90,\"0,0,3\",\"0,1,0\",\"0,0,1\",0,1,1,100", table[2]);
+  EXPECT_EQ("r1c1h0,\"0,0,3\",\"1,0,0\",\"0,0,1\",1,1,100", table[1]);
+  EXPECT_EQ("r1c1h90,\"0,0,3\",\"0,1,0\",\"0,0,1\",1,1,100", table[2]);
 }
 
 TEST(GridProgram, EyesInsideBodiesAreLeftOutOnRequest) {

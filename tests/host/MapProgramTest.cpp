@@ -78,9 +78,9 @@ TEST_F(MapProgram, ValuesOutsideTheRangeHaveTheColourOfItsEnd) {
 TEST_F(MapProgram, SquaresOfAGridAreItsCells) {
   const std::string layer = values(Grid, {"--column", "v", "--scale", "1:100"});
   EXPECT_NE(std::string::npos, layer.find("20 ")) << layer;
-  EXPECT_EQ(std::string::npos, layer.find("stroke=\"#000000\"")) << layer;
+  EXPECT_EQ(std::string::npos, layer.find("stroke=\"#000\"")) << layer;
   const std::string dots = values(Grid, {"--column", "v", "--cell", "0"});
-  EXPECT_NE(std::string::npos, dots.find("stroke=\"#000000\"")) << dots;
+  EXPECT_NE(std::string::npos, dots.find("stroke=\"#000\"")) << dots;
 }
 
 TEST_F(MapProgram, EyesMayStandInATableOfTheirOwn) {

@@ -18,7 +18,8 @@ namespace Lumivane::Check {
 /// A point is inside if a ray straight up, and most of fourteen rays all around, meet the back of a
 /// polygon first. So a body may be open below, as houses of city models often are, and an eye under
 /// a lone surface is inside nothing. A polygon that has another one on its back, as of a two-sided
-/// model, counts as seen from its front.
+/// model, counts as seen from its front. Where objects touch, as houses of a row do, the fourteen
+/// rays may be those of the object whose back is straight above alone.
 class LUMIVANE_EXPORT InsideTest {
  public:
   /// Copies the polygons of the scene, those in front of nobody included. Numbers that point at
