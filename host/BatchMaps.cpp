@@ -1,3 +1,6 @@
+// Rows of the summary become cells and points by the places of their views. All is checked before
+// the views are made: a missing reference system is not to be found out after hours of work.
+
 #include "BatchMaps.h"
 
 #include "BatchSummary.h"

@@ -1,3 +1,6 @@
+// Each face is looked at in a plane of its own, in which its pieces are outlines and the lattice is
+// that of the page; places go back to the plane of the piece that they are in.
+
 #include "FacePlaces.h"
 
 #include "HostError.h"

@@ -1,3 +1,6 @@
+// GDAL by its C functions, which keep their names and types from version to version, found in the
+// library when they are needed first.
+
 #include "Geodata.h"
 
 #include "HostError.h"

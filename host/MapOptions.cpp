@@ -1,3 +1,5 @@
+// The arguments of `map`, with the checks that need no file.
+
 #include "MapOptions.h"
 
 #include "DrawOptions.h"

@@ -1,3 +1,6 @@
+// Classes come from importers and tables; which of them are the ground and which are built is known
+// here alone.
+
 #include "SceneSurfaces.h"
 
 #include <lumivane/session/Text.h>
