@@ -3,7 +3,6 @@
 
 #include "BatchMaps.h"
 
-#include "BatchSummary.h"
 #include "Csv.h"
 #include "Geodata.h"
 #include "HostError.h"
@@ -34,20 +33,27 @@ constexpr double MostCells = 1e8;
 // Of a cell's side: that eyes may be off the middles of their cells.
 constexpr double Slack = 1e-6;
 
-const std::vector<std::string>& columns() {
-  static const std::vector<std::string> names = readCsv(summaryHeading(), "").front().fields;
-  return names;
-}
-
 using Fields = std::map<std::string, std::string>;
 
-Fields fieldsOf(const std::string& row) {
-  const std::vector<CsvRecord> records = readCsv(row, "the summary");
+std::vector<std::string> fieldsOf(const std::string& record) {
+  const std::vector<CsvRecord> records = readCsv(record, "the summary");
+  return records.empty() ? std::vector<std::string>() : records[0].fields;
+}
+
+Fields fieldsOf(const std::string& row, const std::vector<std::string>& columns) {
+  const std::vector<std::string> texts = fieldsOf(row);
   Fields fields;
-  for (std::size_t i = 0; i < columns().size(); ++i)
-    fields[columns()[i]] =
-        !records.empty() && i < records[0].fields.size() ? records[0].fields[i] : "";
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    fields[columns[i]] = i < texts.size() ? texts[i] : "";
   return fields;
+}
+
+// With the columns that shares by class add.
+std::vector<std::string> bandsOf(const std::vector<std::string>& columns) {
+  std::vector<std::string> bands = Bands;
+  for (const std::string& column : columns)
+    if (column.rfind("view_factor_of_", 0) == 0) bands.push_back(column);
+  return bands;
 }
 
 std::optional<double> numberOf(const std::string& text) {
@@ -183,22 +189,24 @@ void BatchMaps::check(const FilePlace& thePlace, const Session::Vector& eyeShift
   if (!options.geojson.empty()) Geodata::inDegrees({{eyes[0][0], eyes[0][1]}}, epsg);
 }
 
-void BatchMaps::write(const std::vector<std::string>& rows) const {
+void BatchMaps::write(const std::string& heading, const std::vector<std::string>& rows) const {
   const std::filesystem::path folder = plan.setting.folder;
   if (!options.raster.empty())
-    Session::writeFile((folder / options.raster).string(), rasterBytes(rows));
+    Session::writeFile((folder / options.raster).string(), rasterBytes(heading, rows));
   if (!options.geojson.empty())
-    Session::writeFile((folder / options.geojson).string(), pointsText(rows));
+    Session::writeFile((folder / options.geojson).string(), pointsText(heading, rows));
 }
 
-std::string BatchMaps::rasterBytes(const std::vector<std::string>& rows) const {
+std::string BatchMaps::rasterBytes(const std::string& heading,
+                                   const std::vector<std::string>& rows) const {
+  const std::vector<std::string> columns = fieldsOf(heading);
   const RasterFrame frame(options.views, plan.views, eyes, place);
   Geodata::Raster raster = frame.raster();
-  for (const std::string& name : Bands)
+  for (const std::string& name : bandsOf(columns))
     raster.bands.push_back({name, std::vector<double>(raster.columns * raster.rows,
                                                       std::numeric_limits<double>::quiet_NaN())});
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    const Fields fields = fieldsOf(rows[i]);
+    const Fields fields = fieldsOf(rows[i], columns);
     for (Geodata::Raster::Band& band : raster.bands)
       if (const std::optional<double> value = numberOf(fields.at(band.name)))
         band.values[frame.position(i)] = *value;
@@ -207,15 +215,17 @@ std::string BatchMaps::rasterBytes(const std::vector<std::string>& rows) const {
 }
 
 // By RFC 7946, whose coordinates are degrees of WGS 84, one feature on a line.
-std::string BatchMaps::pointsText(const std::vector<std::string>& rows) const {
+std::string BatchMaps::pointsText(const std::string& heading,
+                                  const std::vector<std::string>& rows) const {
+  const std::vector<std::string> columns = fieldsOf(heading);
   std::vector<std::array<double, 2>> places;
   for (const Session::Vector& eye : eyes) places.push_back({eye[0], eye[1]});
   const std::vector<std::array<double, 2>> degrees = Geodata::inDegrees(places, epsg);
   std::string text = "{\"type\":\"FeatureCollection\",\"features\":[";
   for (std::size_t i = 0; i < rows.size(); ++i) {
     Jzon::Node properties = Jzon::object();
-    const Fields fields = fieldsOf(rows[i]);
-    for (const std::string& name : columns()) {
+    const Fields fields = fieldsOf(rows[i], columns);
+    for (const std::string& name : columns) {
       const std::string& value = fields.at(name);
       const bool isText =
           name == "name" || name == "status" || name == "error" || name == "largest_object";

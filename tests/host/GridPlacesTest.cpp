@@ -113,6 +113,27 @@ TEST_F(GridPlaces, GroundIsUnderHousesButNoRoof) {
   EXPECT_EQ(32U, rows({"--above", "ground", "--height", "1.5", "--skip-inside"}).size());
 }
 
+TEST_F(GridPlaces, TerrainAndClassesAreTheHighestSurfacesOfTheirs) {
+  const std::vector<Row> terrain = rows({"--above", "terrain", "--height", "1.5"});
+  ASSERT_EQ(36U, terrain.size());
+  for (const Row& row : terrain) EXPECT_EQ("terrain", row.at("object"));
+  const std::vector<Row> built = rows({"--above", "building", "--height", "0.5"});
+  ASSERT_EQ(8U, built.size());
+  for (const Row& row : built)
+    EXPECT_EQ(isIn(eyeOf(row), 2.0, 6.0) ? 8.5 : 4.5, eyeOf(row)[2]) << row.at("name");
+}
+
+// The class of all surfaces of a building without semantics is the building's.
+TEST_F(GridPlaces, RoofsAreThoseOfBuildingsAlone) {
+  std::map<std::string, int> counts;
+  for (const Row& row : rows({"--on", "roofs"})) {
+    EXPECT_EQ("0,0,1", row.at("forward"));
+    ++counts[row.at("object")];
+  }
+  const std::map<std::string, int> expected = {{"house-1", 2}, {"house-2", 2}, {"shed", 4}};
+  EXPECT_EQ(expected, counts);
+}
+
 TEST_F(GridPlaces, CellsAreNamedAsTheyLieWhateverIsLeftOut) {
   for (const Row& row : rows({"--above", "ground", "--height", "0"})) {
     const std::vector<double> eye = eyeOf(row);
