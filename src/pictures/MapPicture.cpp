@@ -91,10 +91,8 @@ class MapDrawing {
       if (edge.left < 0 || edge.right < 0) continue;
       const std::optional<Pen> pen = penOf(edge);
       std::vector<Line> lines = inPixels(plane->arc(edge.from, edge.to));
-      if (pen)
-        result.over.add(*pen, i, std::move(lines));
-      else
-        result.under.add(underlayOf(edge, lines.size() == 1), i, std::move(lines));
+      const Pen drawn = pen ? *pen : underlayOf(edge, lines.size() == 1);
+      (pen ? result.over : result.under).add(drawn, i, std::move(lines));
     }
     return result;
   }

@@ -154,7 +154,7 @@ py::dict resultOf(const SceneData& scene, const Work& work) {
   result["points"] =
       byElement(work, Whole{0}, [](const FactorRow& row) { return static_cast<Whole>(row.looks); });
   result["within_tolerance"] = byElement(work, std::int8_t{1}, [](const FactorRow& row) {
-                                 return std::int8_t{row.isWithinTolerance};
+                                 return static_cast<std::int8_t>(row.isWithinTolerance ? 1 : 0);
                                }).attr("view")("bool");
   result["reciprocity"] =
       work.apart ? py::object(py::make_tuple(work.apart->greatest, work.apart->meanSquare))

@@ -256,6 +256,7 @@ py::dict sunHours(const SceneData& self, const Array<double>& eyes, const std::a
   wanted.place.longitude = longitude;
   wanted.place.north = north;
   std::vector<Measure::TimeZone::Step> steps;
+  steps.reserve(zone.size());
   for (const std::pair<double, int>& step : zone) steps.push_back({step.first, step.second});
   wanted.place.zone = Measure::TimeZone(std::move(steps));
   wanted.first = dateOf(first);
