@@ -1,5 +1,6 @@
-// Dates as day numbers and back by whole-number arithmetic, and clocks as offsets from UTC that hold
-// from one moment on. Nothing asks the C library for local times, whose zone is the whole process's.
+// Dates as day numbers and back by whole-number arithmetic, and clocks as offsets from UTC that
+// hold from one moment on. Nothing asks the C library for local times, whose zone is the whole
+// process's.
 #include <lumivane/measure/CivilTime.h>
 
 #include <algorithm>

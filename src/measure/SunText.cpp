@@ -1,5 +1,5 @@
-// Every table is written through one class, which knows both forms: rows of fields, in JSON with the
-// names of the columns as keys.
+// Every table is written through one class, which knows both forms: rows of fields, in JSON with
+// the names of the columns as keys.
 #include "kernel/CsvText.h"
 #include "kernel/DisplayText.h"
 #include "kernel/JsonText.h"
