@@ -166,7 +166,19 @@ std::string lineText(const Jzon::Node& node) {
   return text;
 }
 
+// Any bytes as a key: the writer takes keys as they are.
+std::string keyText(const std::string& name) {
+  Jzon::Node list = Jzon::array();
+  list.add(textNode(name));
+  const std::string text = lineText(list);
+  const std::size_t first = text.find('"') + 1;
+  return text.substr(first, text.rfind('"') - first);
+}
+
+// Null for a view that has no place on the earth, as one whose eye is not finite.
 Jzon::Node pointNode(const Session::Vector& eye, const std::array<double, 2>& degrees) {
+  if (!std::isfinite(degrees[0]) || !std::isfinite(degrees[1]) || !std::isfinite(eye[2]))
+    return Jzon::Node(Jzon::Node::T_NULL);
   Jzon::Node coordinates = Jzon::array();
   // A tenth of a millimetre.
   for (const double angle : degrees) coordinates.add(numberNode(std::round(angle * 1e9) / 1e9));
@@ -186,7 +198,7 @@ void BatchMaps::check(const FilePlace& thePlace, const Session::Vector& eyeShift
     eyes.push_back(place.inFile(moved(view.options.view.eye, eyeShift)));
   Geodata::checkCode(epsg);
   if (!options.raster.empty()) RasterFrame(options.views, plan.views, eyes, place).raster();
-  if (!options.geojson.empty()) Geodata::inDegrees({{eyes[0][0], eyes[0][1]}}, epsg);
+  if (!options.geojson.empty()) Geodata::inDegrees({}, epsg);
 }
 
 void BatchMaps::write(const std::string& heading, const std::vector<std::string>& rows) const {
@@ -231,7 +243,7 @@ std::string BatchMaps::pointsText(const std::string& heading,
           name == "name" || name == "status" || name == "error" || name == "largest_object";
       const std::optional<double> number = isText ? std::nullopt : numberOf(value);
       if (value.empty()) continue;
-      properties.add(name, number ? numberNode(*number) : textNode(value));
+      properties.add(keyText(name), number ? numberNode(*number) : textNode(value));
     }
     Jzon::Node feature = Jzon::object();
     feature.add("type", "Feature");

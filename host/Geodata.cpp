@@ -62,6 +62,7 @@ struct Gdal {
   decltype(&OSRDestroySpatialReference) destroyReference = nullptr;
   decltype(&OSRImportFromEPSG) importFromEpsg = nullptr;
   decltype(&OSRStripVertical) stripVertical = nullptr;
+  decltype(&OSRIsProjected) isProjected = nullptr;
   decltype(&OSRSetAxisMappingStrategy) setAxisOrder = nullptr;
   decltype(&OCTNewCoordinateTransformation) newTransformation = nullptr;
   decltype(&OCTDestroyCoordinateTransformation) destroyTransformation = nullptr;
@@ -92,6 +93,7 @@ struct Gdal {
         find(library, "OSRDestroySpatialReference", destroyReference) &&
         find(library, "OSRImportFromEPSG", importFromEpsg) &&
         find(library, "OSRStripVertical", stripVertical) &&
+        find(library, "OSRIsProjected", isProjected) &&
         find(library, "OSRSetAxisMappingStrategy", setAxisOrder) &&
         find(library, "OCTNewCoordinateTransformation", newTransformation) &&
         find(library, "OCTDestroyCoordinateTransformation", destroyTransformation) &&
@@ -183,7 +185,12 @@ void fillRaster(GDALDatasetH dataset, const Raster& raster, int epsg) {
 
 std::string fault() { return library().fault; }
 
-void checkCode(int epsg) { referenceOf(epsg); }
+void checkCode(int epsg) {
+  if (gdal().isProjected(referenceOf(epsg).get()) == 0)
+    throw HostError("EPSG:" + std::to_string(epsg),
+                    "is not a projected coordinate reference system, in which x and y are lengths; "
+                    "name the one of the model's coordinates with --crs EPSG:N");
+}
 
 std::string geoTiff(const Raster& raster, int epsg) {
   const GDALDriverH driver = gdal().driverByName("GTiff");
@@ -212,11 +219,15 @@ std::vector<std::array<double, 2>> inDegrees(const std::vector<std::array<double
                         decltype(&OCTDestroyCoordinateTransformation)>
       transformation(gdal().newTransformation(from.get(), to.get()), gdal().destroyTransformation);
   if (!transformation) fail("EPSG:" + std::to_string(epsg));
+  // Beyond the earth some projections are inverted step by step without an end.
+  constexpr double Farthest = 1e9;
   std::vector<std::array<double, 2>> result = points;
   for (std::array<double, 2>& point : result) {
-    if (gdal().transform(transformation.get(), 1, &point[0], &point[1], nullptr) == FALSE ||
-        !std::isfinite(point[0]) || !std::isfinite(point[1]))
-      fail("EPSG:" + std::to_string(epsg));
+    const bool isNear = std::abs(point[0]) <= Farthest && std::abs(point[1]) <= Farthest;
+    if (!isNear ||
+        gdal().transform(transformation.get(), 1, &point[0], &point[1], nullptr) == FALSE ||
+        !(std::abs(point[0]) <= 180.0 && std::abs(point[1]) <= 90.0))
+      point = {std::nan(""), std::nan("")};
   }
   return result;
 }

@@ -34,7 +34,8 @@ int epsgCode(const std::string& name);
 /// Why this program cannot make such files; empty if it can.
 std::string fault();
 
-/// Whether a code is known. \throws HostError that names it if it is not
+/// Whether a code is that of a projected system, in which lengths are lengths. \throws HostError
+/// that names it if it is not
 void checkCode(int epsg);
 
 /// The bytes of a GeoTIFF: numbers of 64 bits, compressed without loss. The reference system is the
@@ -42,7 +43,8 @@ void checkCode(int epsg);
 /// \throws HostError
 std::string geoTiff(const Raster& raster, int epsg);
 
-/// Points x, y of a reference system as longitude and latitude of WGS 84, in degrees.
+/// Points x, y of a reference system as longitude and latitude of WGS 84, in degrees; NaN for those
+/// that have no place there.
 /// \throws HostError
 std::vector<std::array<double, 2>> inDegrees(const std::vector<std::array<double, 2>>& points,
                                              int epsg);

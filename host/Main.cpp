@@ -124,6 +124,11 @@ int run(const std::vector<std::string>& arguments) {
   const std::vector<Command> commands = allCommands();
   for (const Command& entry : commands) entry.declare(*app.add_subcommand(entry.name, entry.help));
 
+  for (size_t i = 0; i < arguments.size(); ++i)
+    if (arguments[i].empty() && (i == 0 || arguments[i - 1] != "--title"))
+      return fail(WrongArguments, (i == 0 ? std::string("the command") : arguments[i - 1]) +
+                                      ": is followed by an empty text, as an unset variable of the "
+                                      "shell gives it");
   if (const std::string fault = commandFault(arguments, commands); !fault.empty())
     return fail(WrongArguments, fault + " (see --help)");
   try {

@@ -7,16 +7,22 @@
 #include "OutputNames.h"
 #include "SceneSource.h"
 
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points3d.h>
 #include <lumivane/pictures/DrawingOptions.h>
+#include <lumivane/scene/Scene3D.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -166,6 +172,16 @@ class ValueReader {
   std::map<std::string, Vector> eyes;
 };
 
+// Two values at one place would hide each other.
+void checkPlaces(const std::string& table, const std::vector<DrawingValues::Value>& values) {
+  std::set<Vector> places;
+  for (const DrawingValues::Value& value : values)
+    if (!places.insert(value.place).second)
+      throw HostError(table,
+                      "has several values for one eye: choose among them with --where "
+                      "COLUMN=TEXT");
+}
+
 // The distance of neighbours in a grid along the axes; 0 if the places are none.
 double gridSide(const std::vector<DrawingValues::Value>& values) {
   double side = 0.0;
@@ -191,6 +207,7 @@ double gridSide(const std::vector<DrawingValues::Value>& values) {
 DrawingValues drawnValues(const MapOptions& options, const Vector& shift) {
   DrawingValues drawn;
   drawn.values = ValueReader(options, shift).values();
+  checkPlaces(options.table, drawn.values);
   drawn.side = options.cell ? *options.cell : gridSide(drawn.values);
   drawn.dot = options.dot;
   drawn.title = options.title.empty() ? options.column : options.title;
@@ -229,6 +246,35 @@ DrawingOptions planOf(const MapOptions& options, const Vector& shift) {
   return plan;
 }
 
+// A plan shows the scene, so values beside it are not on it.
+void reportBeside(const std::string& table, const std::vector<DrawingValues::Value>& values,
+                  double side, Scene::Scene3D& scene) {
+  constexpr double Infinity = std::numeric_limits<double>::infinity();
+  std::array<double, 2> low = {Infinity, Infinity};
+  std::array<double, 2> high = {-Infinity, -Infinity};
+  if (scene.getPoints() == nullptr) return;
+  for (const Geometry::Point3d* const point : *scene.getPoints()->getPoints()) {
+    if (point == nullptr) continue;
+    low = {std::min(low[0], point->getX()), std::min(low[1], point->getY())};
+    high = {std::max(high[0], point->getX()), std::max(high[1], point->getY())};
+  }
+  const auto isBeside = [&](const DrawingValues::Value& value) {
+    for (const std::size_t axis : {std::size_t{0}, std::size_t{1}})
+      if (value.place[axis] < low[axis] - side || value.place[axis] > high[axis] + side)
+        return true;
+    return false;
+  };
+  const auto beside =
+      static_cast<std::size_t>(std::count_if(values.begin(), values.end(), isBeside));
+  if (beside == values.size())
+    throw HostError(table,
+                    "no eye of it lies over the scene: the eyes are of another scene, or lack "
+                    "the shift that its import prints");
+  if (beside > 0)
+    std::cerr << "lumivane: " << oneLine(table) << ": warning: " << beside << " of "
+              << values.size() << " eyes lie beside the scene, and not on its plan\n";
+}
+
 Drawing drawn(const MapOptions& options, const Session::LoadedScene& scene,
               const DrawingOptions& plan) {
   try {
@@ -254,7 +300,9 @@ void runMap(const MapOptions& options) {
   OutputNames names(inputs);
   for (const std::string& path : {options.svg, options.pdf, options.png}) names.add(path);
   const SourcedScene source = loadScene(options.scene, options.import);
-  const Drawing drawing = drawn(options, source.scene, planOf(options, source.eyeShift));
+  const DrawingOptions plan = planOf(options, source.eyeShift);
+  reportBeside(options.table, plan.values->values, plan.values->side, source.scene.scene());
+  const Drawing drawing = drawn(options, source.scene, plan);
   std::vector<std::pair<std::string, std::string>> outputs;
   if (!options.svg.empty()) outputs.emplace_back(options.svg, DrawingWriter::svg(drawing));
   if (!options.pdf.empty()) outputs.emplace_back(options.pdf, DrawingWriter::pdf(drawing));

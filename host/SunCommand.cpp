@@ -1,6 +1,7 @@
 // When the sun shines on eye points, and what they see of the sky. All outputs are made in memory
 // before the first is written.
 
+#include "Csv.h"
 #include "ExactScene.h"
 #include "HostError.h"
 #include "OutputNames.h"
@@ -192,6 +193,20 @@ SunPath pathOf(const Measure::Place& place, const DayRange& days) {
   }
 }
 
+// Without one every view would stand at the origin, as it does for shots.
+void checkEyeColumn(const std::string& path) {
+  const std::vector<CsvRecord> records = readCsv(Session::readBytes(path), path);
+  if (records.empty()) return;  // is named by who reads it
+  const std::vector<std::string> names = {"eye", "eye_x", "eye-x"};
+  const auto isEye = [&names](std::string field) {
+    field.erase(0, std::min(field.find_first_not_of('-'), field.size()));
+    return std::find(names.begin(), names.end(), field) != names.end();
+  };
+  if (std::none_of(records[0].fields.begin(), records[0].fields.end(), isEye))
+    throw HostError(path,
+                    "has no column \"eye\", nor eye_x, eye_y and eye_z: where do the eyes stand?");
+}
+
 std::vector<SunEye> eyesOf(const SunOptions& options) {
   std::vector<SunEye> eyes;
   if (options.eye) {
@@ -200,6 +215,7 @@ std::vector<SunEye> eyesOf(const SunOptions& options) {
     eyes.back().eye = *options.eye;
     return eyes;
   }
+  checkEyeColumn(options.views);
   TableSetting setting;
   setting.scene = options.scene;
   setting.folder = ".";
@@ -377,8 +393,9 @@ void report(const SunOptions& options, const std::vector<SunEye>& eyes,
       std::count_if(eyes.begin(), eyes.end(), [](const SunEye& eye) { return eye.isInside; }));
   std::fflush(stdout);
   if (inside > 0 && eyes.size() == 1)
-    std::cerr << "lumivane: --eye: lies inside a body, whose back is not seen: the table's column "
-                 "\"inside\" is 1\n";
+    std::cerr
+        << "lumivane: --eye: lies inside a body: what is seen is as if the body were not there"
+        << (hasTables(options) ? " (column \"inside\" of the tables)\n" : "\n");
   else if (inside > 0)
     std::cerr << "lumivane: " << options.views << ": " << inside << " of " << eyes.size()
               << " eyes lie inside a body: their column \"inside\" is 1\n";
@@ -425,7 +442,7 @@ void runSun(const SunOptions& options) {
   std::shared_ptr<const VisibleMap::Names> names;
   forEachEye(eyes.size(), options.threads, [&](size_t i) {
     const Vector eye = moved(eyes[i].eye, source.eyeShift);
-    eyes[i].isInside = inside.isInside(eye);
+    eyes[i].isInside = !options.twoSided && inside.isInside(eye);
     const VisibleMap map = exact.look(eye, how);
     work.at(map, eyes[i]);
     if (i == 0) names = map.names;

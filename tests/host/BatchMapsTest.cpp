@@ -216,6 +216,39 @@ TEST_F(BatchMapsProgram, WhatIsMissingIsReportedBeforeAnyView) {
       << odd.err;
 }
 
+TEST_F(BatchMapsProgram, SystemsWithoutLengthsAreRefused) {
+  if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
+  for (const char* const code : {"EPSG:4326", "EPSG:4978", "EPSG:5709"}) {
+    const Result result = batch({"--no-shots", "--geojson", "p.geojson", "--crs", code});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(0U, result.err.find("lumivane: " + std::string(code) + ": is not a projected"))
+        << result.err;
+  }
+}
+
+TEST_F(BatchMapsProgram, APointWithoutAPlaceOnTheEarthIsNull) {
+  if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
+  folder.file("eyes.csv", "name,eye\nhere,\"-9.5,0,2\"\nnowhere,\"nan,0,1\"\nfar,\"1e18,0,1\"\n");
+  EXPECT_EQ(1, batch({"--no-shots", "--geojson", "p.geojson"}).status);
+  const Json points = Json::parse(fileBytes(folder.path("out/p.geojson")));
+  ASSERT_EQ(3U, points["features"].size());
+  EXPECT_TRUE(points["features"][0]["geometry"].is_object());
+  EXPECT_EQ("failed", points["features"][1]["properties"]["status"]);
+  EXPECT_TRUE(points["features"][1]["geometry"].is_null());
+  EXPECT_TRUE(points["features"][2]["geometry"].is_null());
+}
+
+TEST_F(BatchMapsProgram, ClassesOfAnyNameAreKeysOfJson) {
+  if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
+  const std::string classes =
+      folder.file("classes.csv", "object,class\n1,\"a \"\"quoted\"\" \\ name\"\n");
+  const Result result =
+      batch({"--no-shots", "--rows", "class", "--classes", classes, "--geojson", "p.geojson"});
+  ASSERT_EQ(0, result.status) << result.err;
+  const Json points = Json::parse(fileBytes(folder.path("out/p.geojson")));
+  EXPECT_TRUE(points["features"][0]["properties"].contains("view_factor_of_a \"quoted\" \\ name"));
+}
+
 TEST_F(BatchMapsProgram, OtherTablesThanGridsAreRefused) {
   if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
   const auto refused = [this](const std::string& table) {

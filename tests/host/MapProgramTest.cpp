@@ -104,6 +104,28 @@ TEST_F(MapProgram, AllKindsOfFilesAreWritten) {
   EXPECT_NE(std::string::npos, fileBytes(folder.path("a.svg")).find(">v</text>"));
 }
 
+TEST_F(MapProgram, SeveralValuesOfOneEyeAreNotDrawnOverEachOther) {
+  const std::string table = "kind,eye_x,eye_y,eye_z,v\nsky,-5,0,2,1\nobject,-5,0,2,9\n";
+  const Result both = map(table, {"--column", "v", "--svg", folder.path("map.svg")});
+  EXPECT_EQ(1, both.status);
+  EXPECT_NE(std::string::npos, both.err.find("choose among them with --where")) << both.err;
+  EXPECT_EQ(
+      0,
+      map(table, {"--column", "v", "--where", "kind=sky", "--svg", folder.path("map.svg")}).status);
+}
+
+TEST_F(MapProgram, EyesBesideTheSceneAreReported) {
+  const std::string heading = "eye_x,eye_y,eye_z,v\n";
+  const std::string far = "5000,0,1,1\n";
+  const Result none = map(heading + far, {"--column", "v", "--svg", folder.path("map.svg")});
+  EXPECT_EQ(1, none.status);
+  EXPECT_NE(std::string::npos, none.err.find("no eye of it lies over the scene")) << none.err;
+  const Result one = map(heading + far + "-5,0,2,1\n",
+                         {"--column", "v", "--cell", "1", "--svg", folder.path("map.svg")});
+  EXPECT_EQ(0, one.status);
+  EXPECT_NE(std::string::npos, one.err.find("1 of 2 eyes lie beside the scene")) << one.err;
+}
+
 TEST_F(MapProgram, NonsenseIsReported) {
   EXPECT_EQ(2, map(Grid, {"--column", "v"}).status);
   const std::string svg = folder.path("map.svg");

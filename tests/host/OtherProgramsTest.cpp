@@ -218,6 +218,13 @@ TEST(Program, AWordThatIsNoCommandIsNamedWithTheNearestOne) {
   EXPECT_EQ("lumivane: a command is missing, such as view, draw or shot (see --help)\n", said({}));
 }
 
+TEST(Program, AnEmptyTextIsNotTakenForAMissingOption) {
+  const Result result =
+      lumivane({"grid", Small, "--spacing", "1", "--ground", "", "--height", "1"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ(0U, result.err.find("lumivane: --ground: is followed by an empty text")) << result.err;
+}
+
 TEST(Program, AFileOfAFormatThatIsNotReadIsNotBlamedForItsText) {
   const TempFolder folder;
   const std::string path = folder.path("house.ifc");

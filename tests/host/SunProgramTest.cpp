@@ -167,6 +167,14 @@ TEST(SunProgramSky, HorizonAndOvercastSkyNeedNoSun) {
   EXPECT_EQ(72, count);
 }
 
+TEST(SunProgramSky, ATableWithoutEyesIsRefused) {
+  const TempFolder folder;
+  const std::string table = folder.file("views.csv", "name,forward\na,\"0,0,1\"\n");
+  const Result result = sun({"--views", table, "--sky", "uniform"});
+  EXPECT_EQ(1, result.status);
+  EXPECT_NE(std::string::npos, result.err.find("views.csv: has no column \"eye\"")) << result.err;
+}
+
 TEST(SunProgramSky, WrongArgumentsAreNamed) {
   const TempFolder folder;
   const auto refused = [](const Words& more, const std::string& text) {
