@@ -34,6 +34,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -88,6 +89,11 @@ bool needsPath(const SunOptions& options) {
   return wantsSun(options) || !options.svg.empty() || skyOf(options).needsSun();
 }
 
+bool isDirection(const Vector& v) {
+  return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]) &&
+         (v[0] != 0.0 || v[1] != 0.0 || v[2] != 0.0);
+}
+
 template <class Value>
 void need(const Value& isThere, const char* option, const std::string& why) {
   if (!isThere) throw ArgumentError(option, "is needed " + why);
@@ -111,6 +117,13 @@ void checkArguments(const SunOptions& options) {
     need(options.latitude, "--latitude",
          "for a .hor file, whose azimuths depend on the hemisphere");
   if (isPatches(options)) need(!options.skyValues.empty(), "--sky-values", "by --sky patches");
+  if (options.plane && (options.sky.empty() || isPatches(options)))
+    throw ArgumentError("--plane",
+                        "gets the light of --sky uniform or --sky cie:N: name one of them");
+  if (options.plane && !isDirection(*options.plane))
+    throw ArgumentError("--plane", "is not a direction: three finite numbers, not all 0");
+  if (!options.at.empty() && !skyOf(options).needsSun())
+    throw ArgumentError("--at", "is for skies with a sun, as --sky cie:12");
   if (!options.views.empty() && !options.horizon.empty())
     throw ArgumentError("--horizon", "is of one eye: use --eye in place of --views");
   if (!options.views.empty() && !options.svg.empty())
@@ -139,7 +152,13 @@ CivilDate dateOf(const char* option, const std::string& text) {
 
 DayRange daysOf(const SunOptions& options) {
   if (options.year) return {{*options.year, 1, 1}, {*options.year, 12, 31}};
-  if (!options.from.empty()) return {dateOf("--from", options.from), dateOf("--to", options.to)};
+  if (!options.from.empty()) {
+    const DayRange range{dateOf("--from", options.from), dateOf("--to", options.to)};
+    const auto order = [](const CivilDate& d) { return std::tuple(d.year, d.month, d.day); };
+    if (order(range.last) < order(range.first))
+      throw ArgumentError("--to", "is before --from " + oneLine(options.from));
+    return range;
+  }
   if (!options.day.empty()) return {dateOf("--day", options.day), dateOf("--day", options.day)};
   return {{2024, 1, 1}, {2024, 12, 31}};  // of a diagram alone: one year is like another
 }

@@ -122,12 +122,13 @@ std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
 }
 
 std::string reportOf(const VisibleMap& map, const Pictures::MapColors& colors,
-                     Pictures::MapPictureOptions options, const MapShares& shares) {
+                     Pictures::MapPictureOptions options, const MapShares& shares, bool isInside) {
   const std::string scene = std::exchange(options.title, "");
   options.extent = 1.02;  // so that no line of the rim is cut
-  return Pictures::ReportPage("What is seen in " + scene, VectorPicture(map, colors, options), map,
-                              shares)
-      .text();
+  Pictures::ReportPage page("What is seen in " + scene, VectorPicture(map, colors, options), map,
+                            shares);
+  if (isInside) page.addFact("Inside a body", "yes: what is seen is as if the body were not there");
+  return page.text();
 }
 
 Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedScene& scene,
@@ -137,7 +138,8 @@ Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedSc
 }
 
 void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
-                 const VisibleMap& map, const MapShares& shares, std::vector<Output>& outputs) {
+                 const VisibleMap& map, const MapShares& shares, bool isInside,
+                 std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
   if (!isDrawn && options.html.empty() && options.report.empty()) return;
   const Pictures::MapColors colors = colorsOf(options, scene, map);
@@ -150,19 +152,19 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
   }
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
   if (!options.report.empty())
-    outputs.push_back({options.report, reportOf(map, colors, how, shares)});
+    outputs.push_back({options.report, reportOf(map, colors, how, shares, isInside)});
 }
 
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
                   const ExactScene& exact, const VisibleMap& map, const MapShares& shares,
-                  ViewSeconds& seconds) {
+                  bool isInside, ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.write);
   std::vector<Output> outputs;
   if (!options.shares.empty())
     outputs.push_back({options.shares, exact.sharesText(options.shares, options.rows,
                                                         options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
-  addPictures(options, scene, map, shares, outputs);
+  addPictures(options, scene, map, shares, isInside, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
 }
 
@@ -216,10 +218,10 @@ void runView(const ViewOptions& options) {
   ViewOptions placed = options;
   placed.eye = moved(options.eye, source.eyeShift);
   if (options.target) placed.target = moved(*options.target, source.eyeShift);
-  if (!options.twoSided) warnIfInside(options.scene, source.scene, placed.eye);
+  const bool isInside = !options.twoSided && warnIfInside(options.scene, source.scene, placed.eye);
   static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
-  writeOutputs(options, source.scene, exact, map, shares, seconds);
+  writeOutputs(options, source.scene, exact, map, shares, isInside, seconds);
   writeStats(options, map, seconds, source.import);
   report(options, map, shares);
 }

@@ -19,12 +19,13 @@ void warn(const std::string& file, const std::string& text) {
   std::cerr << "lumivane: " << oneLine(file) << ": warning: " << oneLine(text) << std::endl;
 }
 
-void warnOfInside(const std::string& subject, bool isInside) {
+bool warnOfInside(const std::string& subject, bool isInside) {
   if (isInside)
     warn(
         subject,
         "the eye is inside a body, which is not drawn from there: what is visible is as if it were "
         "not there");
+  return isInside;
 }
 
 }  // namespace
@@ -43,13 +44,13 @@ void warnOfCycle(const std::string& file, const Session::TakenShot& shot) {
        "another one covers it, or move the eye (log_sort.txt lists the relations)");
 }
 
-void warnIfInside(const std::string& subject, const Session::TakenShot& shot) {
-  warnOfInside(subject, shot.isInside());
+bool warnIfInside(const std::string& subject, const Session::TakenShot& shot) {
+  return warnOfInside(subject, shot.isInside());
 }
 
-void warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+bool warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
                   const std::array<double, 3>& eye) {
-  warnOfInside(subject, Check::InsideTest(scene.scene()).isInside(eye));
+  return warnOfInside(subject, Check::InsideTest(scene.scene()).isInside(eye));
 }
 
 }  // namespace Lumivane::Host

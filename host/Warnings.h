@@ -20,8 +20,9 @@ void warnOfFarCoordinates(const std::string& file, const Session::LoadedScene& s
 void warnOfCycle(const std::string& file, const Session::TakenShot& shot);
 
 /// If the eye is inside a body. `subject` is the scene's file, or a view.
-void warnIfInside(const std::string& subject, const Session::TakenShot& shot);
-void warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+/// \return whether it is
+bool warnIfInside(const std::string& subject, const Session::TakenShot& shot);
+bool warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
                   const std::array<double, 3>& eye);
 
 }  // namespace Lumivane::Host

@@ -206,6 +206,10 @@ TEST(SunProgramSky, WrongArgumentsAreNamed) {
   refused(Court + Place + Words{"--horizon", folder.path("h.hor"), "--horizon-step", "7"},
           "does not divide 360");
   refused(Court + Place + day + Words{"--days", Rotterdam}, "rotterdam.city.json");
+  refused(Court + Place + Words{"--from", "2024-03-02", "--to", "2024-03-01"}, "--to: is before");
+  refused(Court + Words{"--sky", "uniform", "--plane", "0,0,0"}, "--plane: is not a direction");
+  refused(Court + Place + day + Words{"--plane", "0,1,0"}, "--plane: gets the light of --sky");
+  refused(Court + Words{"--sky", "uniform", "--at", "2024-06-21T12:00"}, "--at: is for skies");
 }
 
 }  // namespace

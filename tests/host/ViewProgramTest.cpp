@@ -209,6 +209,12 @@ TEST(ViewProgram, AnEyeInsideABodyIsReported) {
   EXPECT_NE(std::string::npos, view(scene, {}, "-0.3,-0.1,0.3").err.find(text));
   EXPECT_EQ(std::string::npos, view(scene, {"--two-sided"}, "-0.3,-0.1,0.3").err.find(text));
   EXPECT_EQ(std::string::npos, view(scene, {}, "3,3,1").err.find(text));
+  const TempFolder folder;
+  const std::string page = folder.path("report.html");
+  ASSERT_EQ(0, view(scene, {"--report", page}, "-0.3,-0.1,0.3").status);
+  EXPECT_NE(std::string::npos, fileBytes(page).find("Inside a body"));
+  ASSERT_EQ(0, view(scene, {"--report", page}, "3,3,1").status);
+  EXPECT_EQ(std::string::npos, fileBytes(page).find("Inside a body"));
 }
 
 TEST(ViewProgram, TheFisheyeHasItsNamesOfOtherFieldsToo) {
