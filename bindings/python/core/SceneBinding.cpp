@@ -329,6 +329,8 @@ py::object importReport(const SceneData& self) {
   return std::move(result);
 }
 
+py::bytes classTable(const ScenePointer& self) { return self->classTable(); }
+
 py::bytes text(const ScenePointer& self) {
   std::string bytes;
   {
@@ -368,7 +370,8 @@ void bindScene(py::module_& module) {
   py::class_<SceneData, ScenePointer>(module, "Scene")
       .def_static("read", &read, py::arg("path"), py::arg("sides"), py::arg("scale"),
                   py::arg("y_up"), py::arg("center"), py::arg("allow_outside"), unlocked)
-      .def_static("of_text", &SceneData::ofText, py::arg("text"), py::arg("name"), unlocked)
+      .def_static("of_text", &SceneData::ofText, py::arg("text"), py::arg("name"),
+                  py::arg("classes"), unlocked)
       .def_static("of_arrays", &ofArrays, py::arg("points"), py::arg("corners"), py::arg("offsets"),
                   py::arg("labels"), py::arg("ids"), py::arg("classes"), py::arg("class_names"),
                   py::arg("places"))
@@ -382,6 +385,7 @@ void bindScene(py::module_& module) {
       .def("offsets", &offsets)
       .def("import_report", &importReport)
       .def("text", &text)
+      .def("class_table", &classTable)
       .def("look", &look, py::arg("eye"), py::arg("forward"), py::arg("up"), py::arg("is_sphere"),
            py::arg("two_sided"), py::arg("alone"), py::arg("threads"), py::arg("progress"))
       .def("shares", &shares, py::arg("eyes"), py::arg("forwards"), py::arg("ups"),

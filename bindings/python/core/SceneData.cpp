@@ -1,6 +1,7 @@
 #include "SceneData.h"
 
 #include <lumivane/cmd/MessageScope.h>
+#include <lumivane/session/ClassFile.h>
 #include <lumivane/session/Error.h>
 #include <lumivane/session/ScenePolygons.h>
 
@@ -50,15 +51,18 @@ std::shared_ptr<SceneData> SceneData::read(const std::string& path,
     data->loaded = std::move(imported.scene);
   } else {
     data->loaded = Session::LoadedScene::fromFile(path);
+    Session::readClassesBeside(*data->loaded);
   }
   data->theIndex = indexOf(*data->loaded);
   data->arrays = Visibility::polygonsOf(*data->loaded);
   return data;
 }
 
-std::shared_ptr<SceneData> SceneData::ofText(const std::string& text, const std::string& name) {
+std::shared_ptr<SceneData> SceneData::ofText(const std::string& text, const std::string& name,
+                                             const std::string& classes) {
   auto data = std::make_shared<SceneData>();
   data->loaded = Session::LoadedScene::fromText(text, name);
+  if (!classes.empty()) Session::readClassesText(*data->loaded, classes, name);
   data->theIndex = indexOf(*data->loaded);
   data->arrays = Visibility::polygonsOf(*data->loaded);
   return data;
@@ -70,6 +74,11 @@ std::shared_ptr<SceneData> SceneData::ofArrays(PolygonScene arrays, std::vector<
   data->arrays = std::move(arrays);
   data->places = std::move(places);
   return data;
+}
+
+std::string SceneData::classTable() {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return loaded && !loaded->classes().names.empty() ? Session::classesText(*loaded) : "";
 }
 
 int SceneData::placeOf(const Label& label) const {

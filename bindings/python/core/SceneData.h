@@ -24,8 +24,10 @@ class SceneData {
   /// A scene file, a mesh or a city model. \throws Session::Error
   static std::shared_ptr<SceneData> read(const std::string& path,
                                          const Importers::ImportOptions& options);
-  /// The text of a scene file. \throws Session::Error
-  static std::shared_ptr<SceneData> ofText(const std::string& text, const std::string& name);
+  /// The text of a scene file, and of the table of its classes, which may be empty.
+  /// \throws Session::Error
+  static std::shared_ptr<SceneData> ofText(const std::string& text, const std::string& name,
+                                           const std::string& classes);
   /// Plain arrays. `places` says where each outline stood in what the caller gave.
   /// \throws std::invalid_argument as `Visibility::SceneIndex`
   static std::shared_ptr<SceneData> ofArrays(Visibility::PolygonScene arrays,
@@ -37,6 +39,9 @@ class SceneData {
   /// Where the outline of a region stood in the caller's arrays; the region's position among all
   /// of the scene if there were none; -1 for the sky.
   int placeOf(const Visibility::Label& label) const;
+
+  /// The table of the classes of a scene of a file; empty if it has none.
+  std::string classTable();
 
   bool isOfArrays() const { return !places.empty() || !loaded; }
   const std::vector<int>& outlinePlaces() const { return places; }

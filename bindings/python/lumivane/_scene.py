@@ -79,6 +79,9 @@ class Scene:
     ) -> "Scene":
         """Reads a scene file (JSON), a mesh (OBJ, STL, PLY, glTF) or a city model (CityJSON).
 
+        Classes come from a city model or mesh, and of a scene file from the table NAME.classes.csv
+        beside it.
+
         The options concern meshes and city models alone.
             `sides`: {{ImportOptions.sides}}: "outside" ({{ImportSides.Outside}}),
                 "inside" ({{ImportSides.Inside}}) or "both" ({{ImportSides.Both}}).
@@ -473,7 +476,7 @@ class Scene:
     def __reduce__(self) -> Any:
         kind, *content = self._recipe
         if kind == "text":
-            content = [content[0], self._scene.text()]
+            content = [content[0], self._scene.text(), self._scene.class_table()]
         elif kind == "files" and content[0] is None:
             raise TypeError(
                 "the scene cannot be pickled: its model reads files outside the model's folder"
@@ -483,8 +486,8 @@ class Scene:
 
 def _unpickled(kind: str, *content: Any) -> Scene:
     if kind == "text":
-        name, text = content
-        return Scene(_core.Scene.of_text(text, name), ("text", name))
+        name, text, classes = content
+        return Scene(_core.Scene.of_text(text, name, classes), ("text", name))
     if kind == "arrays":
         return Scene(_core.Scene.of_arrays(*content[0]), ("arrays", content[0]))
     files, options = content

@@ -98,6 +98,22 @@ def test_a_pickle_of_a_scene_file_holds_the_content(scenes, tmp_path):
     assert third.look(eye).to_json() == before
 
 
+def test_classes_beside_a_scene_file_are_read_and_pickled(scenes, tmp_path):
+    file = tmp_path / "classed.json"
+    shutil.copy(scenes / "small.json", file)
+    table = tmp_path / "classed.classes.csv"
+    table.write_text("id,face,class\nplate,,Ground\nblock,,Wall\nblock,5,Roof\n")
+    scene = lumivane.Scene.read(file)
+    assert scene.classes == ("Ground", "Roof", "Wall")
+    file.unlink()
+    table.unlink()
+    other = pickle.loads(pickle.dumps(scene))
+    assert other.classes == scene.classes
+    assert (other.regions["class"] == scene.regions["class"]).all()
+    eye = (-2.6, 0.35, 1.9)
+    assert list(other.look(eye).table("class")["class"]) == ["Ground", "Roof", "Wall", "", ""]
+
+
 def test_a_pickle_of_a_model_holds_all_its_files(models, tmp_path):
     for name in ("cube.obj", "cube.mtl"):
         shutil.copy(models / name, tmp_path / name)
