@@ -734,7 +734,7 @@ TEST(Drawing, EqualDrawingsGiveEqualBytesFromAnyNumberOfThreads) {
 
 // ---- exact arcs
 
-// A piece of an SVG path: a straight one, or an arc as the specification of SVG has it.
+// A piece of an SVG path: a straight one, or an arc as SVG has it.
 struct SvgPiece {
   Drawing::Point from;
   Drawing::Point to;
