@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
-// The index is what Python looks at, from any thread. The session's scene is kept beside it for shots,
-// under a lock; of arrays it is made only if a shot is asked for.
+// The index is what Python looks at, from any thread. The session's scene is kept beside it for
+// shots, under a lock; of arrays it is made only if a shot is asked for.
 namespace Lumivane::Python {
 namespace {
 
