@@ -27,21 +27,6 @@ using Json = nlohmann::json;
 
 constexpr double LeastPlaces = 40000.0;  // on the height of a picture
 
-std::string htmlText(const std::string& bytes) {
-  std::string result;
-  for (const char c : xmlText(bytes)) {
-    if (c == '&')
-      result += "&amp;";
-    else if (c == '<')
-      result += "&lt;";
-    else if (c == '>')
-      result += "&gt;";
-    else
-      result += c;
-  }
-  return result;
-}
-
 // Nine digits are more than any drawing shows, and make for shorter numbers than all of them.
 double rounded(double value) {
   if (value == 0.0 || !std::isfinite(value)) return 0.0;

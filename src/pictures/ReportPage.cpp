@@ -49,21 +49,6 @@ thead { display: table-header-group } tr { break-inside: avoid }
 i { display: inline-block; width: 3mm; height: 3mm; margin-right: 2mm; border: 0.2mm solid #555;
     print-color-adjust: exact; -webkit-print-color-adjust: exact })";
 
-std::string escaped(const std::string& bytes) {
-  std::string result;
-  for (const char c : xmlText(bytes)) {
-    if (c == '&')
-      result += "&amp;";
-    else if (c == '<')
-      result += "&lt;";
-    else if (c == '>')
-      result += "&gt;";
-    else
-      result += c;
-  }
-  return result;
-}
-
 std::string fixed(double value, int decimals) {
   std::array<char, 400> text{};
   const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(),
@@ -181,17 +166,17 @@ std::string swatch(const std::string& className) {
 
 // \param areClasses  whether the first cells are classes, which have colours
 std::string htmlOf(const Table& table, bool areClasses) {
-  std::string text = "<section>\n<h2>" + escaped(table.title) + "</h2>\n";
-  if (!table.note.empty()) text += "<p>" + escaped(table.note) + "</p>\n";
+  std::string text = "<section>\n<h2>" + htmlText(table.title) + "</h2>\n";
+  if (!table.note.empty()) text += "<p>" + htmlText(table.note) + "</p>\n";
   text += "<table>\n<thead><tr>";
-  for (const std::string& column : table.columns) text += "<th>" + escaped(column) + "</th>";
+  for (const std::string& column : table.columns) text += "<th>" + htmlText(column) + "</th>";
   text += "</tr></thead>\n<tbody>\n";
   for (const std::vector<std::string>& row : table.rows) {
     text += "<tr>";
     for (std::size_t i = 0; i < row.size(); ++i) {
       const bool hasColor = areClasses && i == 0;
       text += "<td>" + (hasColor ? swatch(row[i] == "no class" ? "" : row[i]) : std::string()) +
-              escaped(row[i]) + "</td>";
+              htmlText(row[i]) + "</td>";
     }
     text += "</tr>\n";
   }
@@ -223,10 +208,10 @@ void ReportPage::add(Table table) { tables.push_back(std::move(table)); }
 std::string ReportPage::text() const {
   std::string text =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n<title>" +
-      escaped(pageTitle) + "</title>\n<style>\n" + Style + "\n</style>\n</head>\n<body>\n<h1>" +
-      escaped(pageTitle) + "</h1>\n<div class=\"look\">\n" + svg + "<dl>\n";
+      htmlText(pageTitle) + "</title>\n<style>\n" + Style + "\n</style>\n</head>\n<body>\n<h1>" +
+      htmlText(pageTitle) + "</h1>\n<div class=\"look\">\n" + svg + "<dl>\n";
   for (const Fact& fact : facts)
-    text += "<dt>" + escaped(fact.name) + "</dt><dd>" + escaped(fact.value) + "</dd>\n";
+    text += "<dt>" + htmlText(fact.name) + "</dt><dd>" + htmlText(fact.value) + "</dd>\n";
   text += "</dl>\n</div>\n";
   for (const Table& table : tables)
     text += htmlOf(table, !table.columns.empty() && table.columns.front() == "class");

@@ -103,4 +103,19 @@ std::string xmlText(const std::string& bytes) {
   return result;
 }
 
+std::string htmlText(const std::string& bytes) {
+  std::string result;
+  for (const char c : xmlText(bytes)) {
+    if (c == '&')
+      result += "&amp;";
+    else if (c == '<')
+      result += "&lt;";
+    else if (c == '>')
+      result += "&gt;";
+    else
+      result += c;
+  }
+  return result;
+}
+
 }  // namespace Lumivane::Pictures

@@ -33,4 +33,7 @@ std::string svgColor(const VectorPicture::Color& color);
 /// that is none becomes U+FFFD.
 std::string xmlText(const std::string& bytes);
 
+/// The same as text between tags: with &, < and > as entities.
+std::string htmlText(const std::string& bytes);
+
 }  // namespace Lumivane::Pictures
