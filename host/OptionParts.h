@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,5 +30,9 @@ void addCsvSafe(CLI::App& command, bool& isSafe);
 
 /// "WxH" in pixels. \throws CLI::ValidationError
 void readSize(const std::string& text, int& width, int& height);
+
+/// `--size WxH`, which sets `target` if it is given.
+void addSize(CLI::App& command, std::optional<Size>& target, const std::string& help,
+             const std::string& group);
 
 }  // namespace Lumivane::Host

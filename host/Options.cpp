@@ -258,6 +258,21 @@ std::function<std::string(std::string)> otherNames(std::map<std::string, std::st
   };
 }
 
+void addSize(CLI::App& command, std::optional<Size>& target, const std::string& help,
+             const std::string& group) {
+  command
+      .add_option_function<std::string>(
+          "--size",
+          [&target](const std::string& text) {
+            Size size;
+            readSize(text, size.width, size.height);
+            target = size;
+          },
+          help)
+      ->type_name("WxH")
+      ->group(group);
+}
+
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
   command.add_option("SCENE", scene, Tools::sceneHelp())->required()->type_name("");
   Tools::addSceneOptions(command, import);

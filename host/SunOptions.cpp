@@ -192,18 +192,8 @@ void addDiagram(CLI::App& command, SunOptions& options) {
   addNames(command, "--color-by", options.colorBy,
            "fill cells by the scene's brushes, or each object in a colour of its own",
            {"brush", "object"}, PictureGroup);
-  command
-      .add_option_function<std::string>(
-          "--size",
-          [&options](const std::string& text) {
-            Size size;
-            readSize(text, size.width, size.height);
-            options.size = size;
-          },
-          "size of the picture in pixels")
-      ->type_name("WxH")
-      ->default_str("800x800")
-      ->group(PictureGroup);
+  addSize(command, options.size, "size of the picture in pixels", PictureGroup);
+  command.get_option("--size")->default_str("800x800");
 }
 
 }  // namespace

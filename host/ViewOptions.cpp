@@ -42,17 +42,9 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
   addNames(command, "--color-by", options.colorBy,
            "fill cells by the scene's brushes, or each object or class in a colour of its own",
            {"brush", "object", "class"}, Pictures);
-  command
-      .add_option_function<std::string>(
-          "--size",
-          [&options](const std::string& text) {
-            Size size;
-            readSize(text, size.width, size.height);
-            options.size = size;
-          },
-          "size of the pictures in pixels; without it 800 high, and as wide as the projection")
-      ->type_name("WxH")
-      ->group(Pictures);
+  addSize(command, options.size,
+          "size of the pictures in pixels; without it 800 high, and as wide as the projection",
+          Pictures);
 }
 
 }  // namespace
