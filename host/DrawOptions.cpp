@@ -207,7 +207,7 @@ void addLook(CLI::App& command, DrawOptions& options) {
       ->default_str(
           "outline=0.5,silhouette=0.35,crease=0.25,inner=0,crossing=0.25,field=0.25,hidden=0.18")
       ->group(LineGroup);
-  addChoice<bool>(command, "--hidden", drawing.hidden, "how hidden edges are drawn",
+  addChoice<bool>(command, "--hidden", drawing.hidden, "how hidden edges and crossings are drawn",
                   {{"none", false}, {"dashed", true}}, "none", LineGroup);
   addLength(command, "--crease-angle", drawing.creaseAngle,
             "edges whose faces have a smaller angle between them, in degrees, are inner ones",

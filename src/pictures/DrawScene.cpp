@@ -342,7 +342,9 @@ Drawing drawScene(const Visibility::SceneIndex& index, const DrawingColors& colo
   const RegionPlanes planes(edges, map.names->regions.size());
   std::vector<DrawnLine> lines = visibleLines(map, edges, planes, options.creaseAngle);
   if (options.hidden) {
-    const std::vector<DrawnLine> hidden = hiddenLines(map, edges, lines, options.creaseAngle);
+    const std::vector<DrawnLine> hidden =
+        hiddenLines(map, edges, index.crossings(options.threads, options.cancelled), lines,
+                    options.creaseAngle);
     lines.insert(lines.end(), hidden.begin(), hidden.end());
   }
   return draw(map, planes, lines, colors, options);

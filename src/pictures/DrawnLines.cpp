@@ -1,5 +1,5 @@
-// The kinds of a map's edges, and the hidden parts of the scene's edges. What is seen of an edge is
-// what the map has of it; so what is hidden is the rest, and as exact as the map.
+// The kinds of a map's edges, and the hidden parts of the scene's edges and crossings. What is seen
+// of a line is what the map has of it; so what is hidden is the rest, and as exact as the map.
 
 #include "pictures/DrawnLines.h"
 
@@ -7,12 +7,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
 namespace Lumivane::Pictures {
 namespace {
 
 using Kernel::Vec3;
+using Visibility::SceneCrossing;
 using Visibility::SceneEdge;
 using Visibility::VisibleMap;
 using EdgeKind = VisibleMap::EdgeKind;
@@ -24,6 +26,9 @@ constexpr double TouchingPart = 2e-4;
 constexpr double TouchingPartOfSize = 1e-5;
 // A part of an edge that is shorter than this part of it comes from rounding.
 constexpr double ShortestPart = 1e-9;
+// A crossing of the map is that of two polygons if its ends are off the great circle of that by no
+// more than this.
+constexpr double OnOneLine = 1e-5;
 
 Vec3 vec(const Visibility::Vector& v) { return {v[0], v[1], v[2]}; }
 
@@ -154,9 +159,70 @@ double partAt(Vec3 a, Vec3 b, Vec3 normal, Vec3 place) {
   return along == 0.0 ? 0.0 : -from / along;
 }
 
+// What of straight lines of the scene is no edge of the map.
 class HiddenParts {
  public:
-  HiddenParts(const FlatMap& theMap, const std::vector<SceneEdge>& theEdges, double theCreaseAngle)
+  explicit HiddenParts(const FlatMap& theMap) : map(theMap) {}
+
+  /// Adds the parts of the line from one point to another that are none of the edges of the map
+  /// that `isPart` accepts out of `candidates`, as lines of a region.
+  template <class IsPart>
+  void add(const Visibility::Vector& from, const Visibility::Vector& to, int region,
+           const std::size_t* begin, const std::size_t* end, IsPart isPart,
+           std::vector<DrawnLine>& lines) {
+    const Vec3 a = map.placeOf(from);
+    const Vec3 b = map.placeOf(to);
+    const Vec3 normal = Kernel::cross(a, b);
+    const double square = Kernel::dot(normal, normal);
+    if (square <= 1e-24 * Kernel::dot(a, a) * Kernel::dot(b, b)) return;  // seen as a point
+    if (map.isParallel && Kernel::distance(a, b) == 0.0) return;
+    seen.clear();
+    for (const std::size_t* i = begin; i != end; ++i) {
+      const VisibleMap::Edge& part = map.edges[*i];
+      if (!isPart(normal, part)) continue;
+      const double first = partAt(a, b, normal, map.at(part.from));
+      const double last = partAt(a, b, normal, map.at(part.to));
+      seen.emplace_back(std::min(first, last), std::max(first, last));
+    }
+    std::sort(seen.begin(), seen.end());
+    double low = 0.0;
+    double high = 1.0;
+    if (map.isHemisphere && !inFront(a, b, low, high)) return;
+    for (const Interval& part : seen) {
+      addPart(a, b, low, std::min(part.first, high), region, lines);
+      low = std::max(low, part.second);
+    }
+    addPart(a, b, low, high, region, lines);
+  }
+
+ private:
+  // Cuts off what lies behind the eye.
+  static bool inFront(Vec3 a, Vec3 b, double& low, double& high) {
+    if (a.z <= 0.0 && b.z <= 0.0) return false;
+    if (a.z < 0.0) low = a.z / (a.z - b.z);
+    if (b.z < 0.0) high = a.z / (a.z - b.z);
+    return true;
+  }
+
+  static void addPart(Vec3 a, Vec3 b, double low, double high, int region,
+                      std::vector<DrawnLine>& lines) {
+    if (!(high - low > ShortestPart)) return;
+    DrawnLine line;
+    line.from = a + low * (b - a);
+    line.to = a + high * (b - a);
+    line.kind = LineKind::Hidden;
+    line.region = region;
+    lines.push_back(line);
+  }
+
+  const FlatMap& map;
+  std::vector<Interval> seen;  // scratch
+};
+
+// The hidden parts of edges.
+class HiddenEdges {
+ public:
+  HiddenEdges(const FlatMap& theMap, const std::vector<SceneEdge>& theEdges, double theCreaseAngle)
       : map(theMap), edges(theEdges), creaseAngle(theCreaseAngle) {
     offsets.assign(edges.size() + 1, 0);
     for (const int source : map.edgeSources)
@@ -168,11 +234,14 @@ class HiddenParts {
       if (map.edgeSources[i] >= 0) parts[next[static_cast<std::size_t>(map.edgeSources[i])]++] = i;
   }
 
-  std::vector<DrawnLine> run() {
-    std::vector<DrawnLine> lines;
+  void addTo(std::vector<DrawnLine>& lines) const {
+    HiddenParts hidden(map);
     for (std::size_t i = 0; i < edges.size(); ++i)
-      if (isDrawn(edges[i])) addHidden(i, lines);
-    return lines;
+      if (isDrawn(edges[i]))
+        hidden.add(
+            edges[i].from, edges[i].to, edges[i].sides[0].region, parts.data() + offsets[i],
+            parts.data() + offsets[i + 1], [](Vec3, const VisibleMap::Edge&) { return true; },
+            lines);
   }
 
  private:
@@ -189,57 +258,52 @@ class HiddenParts {
     return turns || (!edge.inner && bendOf(edge) > creaseAngle);
   }
 
-  void addHidden(std::size_t number, std::vector<DrawnLine>& lines) {
-    const SceneEdge& edge = edges[number];
-    const Vec3 a = map.placeOf(edge.from);
-    const Vec3 b = map.placeOf(edge.to);
-    const Vec3 normal = Kernel::cross(a, b);
-    const double square = Kernel::dot(normal, normal);
-    if (square <= 1e-24 * Kernel::dot(a, a) * Kernel::dot(b, b)) return;  // seen as a point
-    if (map.isParallel && Kernel::distance(a, b) == 0.0) return;
-    seen.clear();
-    for (std::size_t i = offsets[number]; i < offsets[number + 1]; ++i) {
-      const VisibleMap::Edge& part = map.edges[parts[i]];
-      const double from = partAt(a, b, normal, map.at(part.from));
-      const double to = partAt(a, b, normal, map.at(part.to));
-      seen.emplace_back(std::min(from, to), std::max(from, to));
-    }
-    std::sort(seen.begin(), seen.end());
-    double low = 0.0;
-    double high = 1.0;
-    if (map.isHemisphere && !inFront(a, b, low, high)) return;
-    for (const Interval& part : seen) {
-      add(a, b, low, std::min(part.first, high), number, lines);
-      low = std::max(low, part.second);
-    }
-    add(a, b, low, high, number, lines);
-  }
-
-  // Cuts off what lies behind the eye.
-  static bool inFront(Vec3 a, Vec3 b, double& low, double& high) {
-    if (a.z <= 0.0 && b.z <= 0.0) return false;
-    if (a.z < 0.0) low = a.z / (a.z - b.z);
-    if (b.z < 0.0) high = a.z / (a.z - b.z);
-    return true;
-  }
-
-  void add(Vec3 a, Vec3 b, double low, double high, std::size_t number,
-           std::vector<DrawnLine>& lines) const {
-    if (!(high - low > ShortestPart)) return;
-    DrawnLine line;
-    line.from = a + low * (b - a);
-    line.to = a + high * (b - a);
-    line.kind = LineKind::Hidden;
-    line.region = edges[number].sides[0].region;
-    lines.push_back(line);
-  }
-
   const FlatMap& map;
   const std::vector<SceneEdge>& edges;
   double creaseAngle;
   std::vector<std::size_t> offsets;  // of each edge of the scene among `parts`
   std::vector<std::size_t> parts;    // edges of the map
-  std::vector<Interval> seen;        // scratch
+};
+
+// The hidden parts of crossings. The map says between which two regions a crossing is seen; of
+// regions that are not flat there may be several.
+class HiddenCrossings {
+ public:
+  explicit HiddenCrossings(const FlatMap& theMap) : map(theMap) {
+    std::vector<int> regions;
+    for (const FlatMap::Cell& cell : map.cells) regions.push_back(regionOf(*map.names, cell.label));
+    const auto regionAt = [&](int cell) {
+      return cell < 0 ? -1 : regions[static_cast<std::size_t>(cell)];
+    };
+    for (std::size_t i = 0; i < map.edges.size(); ++i)
+      if (map.edges[i].kind == EdgeKind::Crossing)
+        parts[std::minmax(regionAt(map.edges[i].left), regionAt(map.edges[i].right))].push_back(i);
+  }
+
+  void addTo(const std::vector<SceneCrossing>& crossings, std::vector<DrawnLine>& lines) const {
+    HiddenParts hidden(map);
+    for (const SceneCrossing& crossing : crossings) {
+      const auto found = parts.find({crossing.regions[0], crossing.regions[1]});
+      const bool isSeen = found != parts.end();
+      hidden.add(
+          crossing.from, crossing.to, crossing.regions[0], isSeen ? found->second.data() : nullptr,
+          isSeen ? found->second.data() + found->second.size() : nullptr,
+          [this](Vec3 normal, const VisibleMap::Edge& part) { return liesOn(normal, part); },
+          lines);
+    }
+  }
+
+ private:
+  bool liesOn(Vec3 normal, const VisibleMap::Edge& part) const {
+    const auto sineOf = [&](Vec3 place) {
+      return std::fabs(Kernel::dot(normal, place)) /
+             (Kernel::length3(normal) * Kernel::length3(place));
+    };
+    return sineOf(map.at(part.from)) < OnOneLine && sineOf(map.at(part.to)) < OnOneLine;
+  }
+
+  const FlatMap& map;
+  std::map<std::pair<int, int>, std::vector<std::size_t>> parts;  // edges of the map
 };
 
 Vec3 inAxes(const FlatMap& map, Vec3 p) {
@@ -323,11 +387,14 @@ std::vector<DrawnLine> visibleLines(const FlatMap& map, const std::vector<SceneE
 }
 
 std::vector<DrawnLine> hiddenLines(const FlatMap& map, const std::vector<SceneEdge>& edges,
+                                   const std::vector<SceneCrossing>& crossings,
                                    const std::vector<DrawnLine>& visible, double creaseAngle) {
   LineCover cover(map.isParallel);
   for (const DrawnLine& line : visible)
     if (line.kind != LineKind::Inner) cover.extend(line.from, line.to);
-  std::vector<DrawnLine> parts = HiddenParts(map, edges, creaseAngle).run();
+  std::vector<DrawnLine> parts;
+  HiddenEdges(map, edges, creaseAngle).addTo(parts);
+  HiddenCrossings(map).addTo(crossings, parts);
   for (const DrawnLine& line : parts) cover.extend(line.from, line.to);
   for (const DrawnLine& line : visible)
     if (line.kind != LineKind::Inner) cover.add(line.from, line.to);

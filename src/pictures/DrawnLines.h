@@ -77,11 +77,13 @@ std::vector<DrawnLine> visibleLines(const FlatMap& map,
                                     const std::vector<Visibility::SceneEdge>& edges,
                                     const RegionPlanes& planes, double creaseAngle);
 
-/// The parts of the scene's edges that are not seen: each edge without the parts that are edges of
-/// the map, and without what coincides in the picture with another line. Edges within a surface are
-/// left out, unless it turns away from the eye there.
+/// The parts of the scene's edges, and of the lines in which its regions run through each other,
+/// that are not seen: each without the parts that are edges of the map, and without what coincides
+/// in the picture with another line. Edges within a surface are left out, unless it turns away from
+/// the eye there.
 std::vector<DrawnLine> hiddenLines(const FlatMap& map,
                                    const std::vector<Visibility::SceneEdge>& edges,
+                                   const std::vector<Visibility::SceneCrossing>& crossings,
                                    const std::vector<DrawnLine>& visible, double creaseAngle);
 
 }  // namespace Lumivane::Pictures

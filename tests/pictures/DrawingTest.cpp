@@ -62,6 +62,21 @@ PolygonScene town() {
   return builder.scene;
 }
 
+// Turned boxes that run through each other.
+PolygonScene tangle() {
+  PolygonBuilder builder;
+  Random random(23);
+  for (int i = 0; i < 30; ++i) {
+    const Visibility::Samples::Axes axes(random);
+    const Vector middle = {random.between(0, 8), random.between(0, 8), random.between(0, 5)};
+    const std::size_t first = builder.scene.points.size();
+    addBox(builder, i + 1, {-1.3, -0.8, -0.5}, {1.3, 0.8, 0.5});
+    for (std::size_t p = first; p < builder.scene.points.size(); ++p)
+      builder.scene.points[p] = plus(middle, axes(builder.scene.points[p]));
+  }
+  return builder.scene;
+}
+
 DrawingOptions parallelAlong(const Vector& direction) {
   DrawingOptions options;
   options.projection = DrawingProjection::Parallel;
@@ -374,8 +389,21 @@ Met metOnTheWay(const SceneIndex& index, const Visibility::ParallelMap& names, c
   return met;
 }
 
-// Asks of points along every edge of a scene whether a ray meets something in front of them, and
-// whether the drawing has them as visible or as hidden.
+// All edges of a scene, and the lines in which its polygons run through each other.
+std::vector<Visibility::SceneEdge> edgesAndCrossings(const SceneIndex& index) {
+  std::vector<Visibility::SceneEdge> lines = index.edges();
+  for (const Visibility::SceneCrossing& crossing : index.crossings()) {
+    Visibility::SceneEdge line;
+    line.from = crossing.from;
+    line.to = crossing.to;
+    for (std::size_t i : {0U, 1U}) line.sides[i].region = crossing.regions[i];
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+// Asks of points along every edge and crossing of a scene whether a ray meets something in front of
+// them, and whether the drawing has them as visible or as hidden.
 void checkEdges(const SceneIndex& index, const DrawingOptions& options,
                 const std::function<Vector(const Vector&)>& eyeFor,
                 const std::function<std::optional<Drawing::Point>(const Vector&)>& place) {
@@ -388,7 +416,7 @@ void checkEdges(const SceneIndex& index, const DrawingOptions& options,
   constexpr double Near = 0.01;  // mm
   int hiddenPoints = 0;
   int faults = 0;
-  for (const Visibility::SceneEdge& edge : index.edges())
+  for (const Visibility::SceneEdge& edge : edgesAndCrossings(index))
     for (const double part : {0.0171, 0.213, 0.377, 0.5461, 0.7713, 0.931}) {
       const Vector point = plus(edge.from, times(part, minus(edge.to, edge.from)));
       const auto at = place(point);
@@ -407,8 +435,7 @@ void checkEdges(const SceneIndex& index, const DrawingOptions& options,
   EXPECT_EQ(0, faults);
 }
 
-TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItAlongParallelLines) {
-  const PolygonScene scene = town();
+void checkEdgesAlong(const PolygonScene& scene) {
   const SceneIndex index(scene);
   DrawingOptions options = parallelAlong({0.8, 1, -0.7});
   options.hidden = true;
@@ -417,13 +444,15 @@ TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItAlongParallelLines) {
   const auto map = index.lookAlong({options.forward, options.up, false, 1, nullptr});
   double left = 1e300;
   double right = -1e300;
+  double low = 1e300;
   double top = -1e300;
   for (const Vector& p : scene.points) {
     left = std::min(left, dot(p, map.right));
     right = std::max(right, dot(p, map.right));
+    low = std::min(low, dot(p, map.up));
     top = std::max(top, dot(p, map.up));
   }
-  const double scale = options.contentWidth / (right - left);
+  const double scale = options.contentWidth / std::max(right - left, (top - low) / 1.5);
   checkEdges(
       index, options, [&](const Vector& p) { return plus(p, times(-100.0, map.direction)); },
       [&](const Vector& p) {
@@ -432,8 +461,8 @@ TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItAlongParallelLines) {
       });
 }
 
-TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItInPerspective) {
-  const SceneIndex index(town());
+void checkEdgesInPerspective(const PolygonScene& scene) {
+  const SceneIndex index(scene);
   DrawingOptions options;
   options.eye = {-3.1, -4.2, 5.7};
   options.forward = {1, 1.1, -0.5};
@@ -457,6 +486,54 @@ TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItInPerspective) {
             options.margin + 0.5 * options.contentWidth * (1.0 + x),
             options.margin + 0.5 * options.contentWidth / options.aspect * (1.0 - y)};
       });
+}
+
+TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItAlongParallelLines) { checkEdgesAlong(town()); }
+
+TEST(Drawing, EveryPointOfAnEdgeIsDrawnAsRaysSeeItInPerspective) {
+  checkEdgesInPerspective(town());
+}
+
+TEST(Drawing, EveryPointOfACrossingIsDrawnAsRaysSeeItAlongParallelLines) {
+  checkEdgesAlong(tangle());
+}
+
+TEST(Drawing, EveryPointOfACrossingIsDrawnAsRaysSeeItInPerspective) {
+  checkEdgesInPerspective(tangle());
+}
+
+// A beam leaves a box through the side that is turned away: of the square in which it does so
+// nothing is seen.
+TEST(Drawing, HiddenCrossingsAreDashed) {
+  PolygonBuilder builder;
+  addBox(builder, 1, {0, 0, 0}, {2, 2, 2});
+  addBox(builder, 2, {0.5, 1, 0.5}, {1.5, 4, 1.5});
+  const SceneIndex index(builder.scene);
+  DrawingOptions options = parallelAlong({0.6, 1, -0.7});
+  options.hidden = true;
+  const Drawing drawing = draw(index, options);
+  EXPECT_EQ(0U, countOf(drawing, LineKind::Crossing));
+  const auto map = index.lookAlong({options.forward, options.up, false, 1, nullptr});
+  const auto placeOf = [&](const Vector& p) {
+    return Drawing::Point{dot(p, map.right), -dot(p, map.up)};
+  };
+  Drawing::Point low{1e300, 1e300};
+  Drawing::Point high{-1e300, -1e300};
+  for (const Vector& p : builder.scene.points) {
+    const Drawing::Point at = placeOf(p);
+    low = {std::min(low.x, at.x), std::min(low.y, at.y)};
+    high = {std::max(high.x, at.x), std::max(high.y, at.y)};
+  }
+  const double scale = (drawing.frame[2] - drawing.frame[0]) / (high.x - low.x);
+  const std::vector<Drawing::Line> hidden = linesOf(drawing, "hidden");
+  const Outline loop = {{0.5, 2, 0.5}, {1.5, 2, 0.5}, {1.5, 2, 1.5}, {0.5, 2, 1.5}};
+  for (std::size_t i = 0; i < 4; ++i)
+    for (const double part : {0.01, 0.27, 0.5, 0.83, 0.99}) {
+      const Drawing::Point at =
+          placeOf(plus(loop[i], times(part, minus(loop[(i + 1) % 4], loop[i]))));
+      EXPECT_GT(1e-3, distanceTo(hidden, {drawing.frame[0] + scale * (at.x - low.x),
+                                          drawing.frame[1] + scale * (at.y - low.y)}));
+    }
 }
 
 // ---- strokes

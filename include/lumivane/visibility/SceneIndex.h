@@ -3,10 +3,12 @@
 #include <lumivane/visibility/LookOptions.h>
 #include <lumivane/visibility/ParallelMap.h>
 #include <lumivane/visibility/PolygonScene.h>
+#include <lumivane/visibility/SceneCrossing.h>
 #include <lumivane/visibility/SceneEdge.h>
 #include <lumivane/visibility/VisibleMap.h>
 #include <lumivane/visibility/export.h>
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
@@ -89,6 +91,16 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   /// All edges of the scene's polygons, for drawings that ask what is hidden, too. Made anew at
   /// each call.
   std::vector<SceneEdge> edges() const;
+
+  /// All lines in which two regions run through each other, seen or not: for drawings that ask what
+  /// is hidden, too. Found anew at each call, in the same order with any number of threads. Regions
+  /// in one layer have none, nor has a region with itself. Where an edge of one polygon lies in
+  /// another one there may be one, too, which then lies along that edge.
+  /// \param threads  as `LookOptions::threads`
+  /// 	hrows std::invalid_argument for a negative number of threads
+  /// 	hrows Cancelled  if `cancelled` became true
+  std::vector<SceneCrossing> crossings(int threads = 1,
+                                       const std::atomic<bool>* cancelled = nullptr) const;
 
   /// What single directions, of any length but zero, meet: by the same rules as the map, found one
   /// by one with exact predicates. \throws std::invalid_argument for an eye or direction that is
