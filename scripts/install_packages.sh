@@ -9,6 +9,7 @@ packages=(
   libvtk9-dev libcli11-dev libx11-dev    # the library, the programs
   nlohmann-json3-dev libpugixml-dev libcairo2-dev libglu1-mesa-dev pkg-config  # what comes in and goes out
   libarchive-dev                         # view factors as archives of arrays
+  libxxhash-dev                          # the hashes of files of scenes
   libnova-dev tzdata                     # where the sun stands, and what clocks show
   libgdal-dev gdal-bin                   # maps of geographic information systems, and to look at them
   libgtest-dev libgmock-dev valgrind     # the tests

@@ -176,11 +176,11 @@ void listObjects(IndexState& state) {
   const auto objectOf = [&](std::int32_t region) {
     return static_cast<std::size_t>(labels[static_cast<std::size_t>(region)].object) - 1;
   };
-  std::vector<std::int32_t>& offsets = state.objectOffsets;
-  offsets.assign(state.names->objectIds.size() + 1, 0);
+  std::vector<std::int32_t> offsets(state.names->objectIds.size() + 1, 0);
   for (const std::int32_t region : state.regions) ++offsets[objectOf(region) + 1];
   std::partial_sum(offsets.begin(), offsets.end(), offsets.begin());
   std::vector<std::int32_t> next(offsets.begin(), offsets.end() - 1);
+  state.objectOffsets = std::move(offsets);
   state.objectPolygons.resize(state.polygonCount());
   for (std::size_t i = 0; i < state.polygonCount(); ++i)
     state.objectPolygons[static_cast<std::size_t>(next[objectOf(state.regions[i])]++)] =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kernel/Vec.h"
+#include "visibility/IndexArray.h"
 
 #include <lumivane/visibility/SceneIndex.h>
 #include <lumivane/visibility/VisibleMap.h>
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <vector>
 
 namespace Lumivane::Visibility {
 
@@ -33,37 +33,59 @@ struct ScenePlane {
 /// What every look at a scene asks. Polygons are the flat pieces: regions, or the triangles of
 /// regions that are not flat. They are numbered in the order of the hierarchy's leaves.
 struct IndexState {
-  std::vector<Kernel::Vec3> vertices;  ///< points that polygons use, equal ones once
+  IndexArray<Kernel::Vec3> vertices;  ///< points that polygons use, equal ones once
 
-  std::vector<std::int32_t>
+  IndexArray<std::int32_t>
       cornerOffsets;  ///< of polygon i in the two below; one more than polygons
-  std::vector<std::int32_t> cornerVertices;  ///< positions in `vertices`
+  IndexArray<std::int32_t> cornerVertices;  ///< positions in `vertices`
   /// The edge that starts at the corner: edges between the same two vertices have one number.
-  std::vector<std::int32_t> cornerEdges;
+  IndexArray<std::int32_t> cornerEdges;
   /// The edge that starts at the corner is a docking edge, or a diagonal of a region that was cut.
-  std::vector<std::uint8_t> cornerInner;
+  IndexArray<std::uint8_t> cornerInner;
 
-  std::vector<ScenePlane> planes;     ///< of polygon i
-  std::vector<double> sizes;          ///< of polygon i: greatest distance between two corners
-  std::vector<std::int32_t> regions;  ///< of polygon i: position in `names->regions`
-  std::vector<std::int32_t> layers;   ///< of polygon i: position in `layerPlanes`
-  std::vector<ScenePlane>
+  IndexArray<ScenePlane> planes;     ///< of polygon i
+  IndexArray<double> sizes;          ///< of polygon i: greatest distance between two corners
+  IndexArray<std::int32_t> regions;  ///< of polygon i: position in `names->regions`
+  IndexArray<std::int32_t> layers;   ///< of polygon i: position in `layerPlanes`
+  IndexArray<ScenePlane>
       layerPlanes;  ///< the plane of the layer's first region, by which depth is compared
-  std::vector<std::int32_t> edgeVertices;  ///< two for each edge, the lower vertex first
+  IndexArray<std::int32_t> edgeVertices;  ///< two for each edge, the lower vertex first
 
-  std::vector<BoxNode> nodes;  ///< the first is the root; empty if there are no polygons
+  IndexArray<BoxNode> nodes;  ///< the first is the root; empty if there are no polygons
 
   /// For each object (number - 1) its polygons in ascending order:
   /// objectPolygons[objectOffsets[i]]...
-  std::vector<std::int32_t> objectOffsets;
-  std::vector<std::int32_t> objectPolygons;
+  IndexArray<std::int32_t> objectOffsets;
+  IndexArray<std::int32_t> objectPolygons;
 
   std::shared_ptr<const VisibleMap::Names> names;  ///< labels of regions in the scene's order
   std::size_t droppedRegions = 0;
   std::size_t triangulatedRegions = 0;
   std::size_t layersOfSeveral = 0;
 
+  std::shared_ptr<const void> file;  ///< keeps borrowed arrays in memory; null if there are none
+
   std::size_t polygonCount() const { return planes.size(); }
 };
+
+/// Calls visit(name, array) for each array of a state: all that a file of the scene holds of it.
+/// What is added here, or changed in its meaning, raises `SceneFile::Version`.
+template <class State, class Visit>
+void forEachArray(State& state, Visit visit) {
+  visit("vertices", state.vertices);
+  visit("corner_offsets", state.cornerOffsets);
+  visit("corner_vertices", state.cornerVertices);
+  visit("corner_edges", state.cornerEdges);
+  visit("corner_inner", state.cornerInner);
+  visit("planes", state.planes);
+  visit("sizes", state.sizes);
+  visit("regions", state.regions);
+  visit("layers", state.layers);
+  visit("layer_planes", state.layerPlanes);
+  visit("edge_vertices", state.edgeVertices);
+  visit("nodes", state.nodes);
+  visit("object_offsets", state.objectOffsets);
+  visit("object_polygons", state.objectPolygons);
+}
 
 }  // namespace Lumivane::Visibility

@@ -3,6 +3,7 @@
 #include "visibility/SceneArrays.h"
 
 #include <lumivane/session/LoadedScene.h>
+#include <lumivane/visibility/SceneFile.h>
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <utility>
@@ -31,11 +32,16 @@ SceneIndex::SceneIndex(PolygonScene scene, const IndexOptions& options) {
   state = std::move(made);
 }
 
+SceneIndex::SceneIndex(std::shared_ptr<const State> made) noexcept : state(std::move(made)) {}
+
 SceneIndex::SceneIndex(const SceneIndex&) noexcept = default;
 SceneIndex& SceneIndex::operator=(const SceneIndex&) noexcept = default;
 SceneIndex::SceneIndex(SceneIndex&&) noexcept = default;
 SceneIndex& SceneIndex::operator=(SceneIndex&&) noexcept = default;
 SceneIndex::~SceneIndex() = default;
+
+SceneIndex SceneIndex::read(const std::string& path) { return SceneFile(path).index(); }
+void SceneIndex::write(const std::string& path) const { SceneFile::write(path, *this, {}); }
 
 PolygonScene SceneIndex::pieces() const {
   PolygonScene result;
@@ -43,7 +49,7 @@ PolygonScene SceneIndex::pieces() const {
   result.offsets.assign(state->cornerOffsets.begin(), state->cornerOffsets.end());
   if (result.offsets.empty()) result.offsets.push_back(0);
   result.corners.assign(state->cornerVertices.begin(), state->cornerVertices.end());
-  result.docking = state->cornerInner;
+  result.docking.assign(state->cornerInner.begin(), state->cornerInner.end());
   for (const std::int32_t region : state->regions) {
     result.labels.push_back(state->names->regions[static_cast<std::size_t>(region)]);
     result.classes.push_back(state->names->classes[static_cast<std::size_t>(region)]);
