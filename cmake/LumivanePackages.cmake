@@ -66,7 +66,7 @@ if(TARGET lumivane_python)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
     "liblumivane${soversion} ${exact}, liblumivane-components${soversion} ${exact}, python3-numpy, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_python})")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS
-    "python3-scipy, python3-matplotlib, python3-geopandas, python3-xarray")
+    "python3-scipy, python3-matplotlib, python3-geopandas, python3-xarray, python3-distributed, python3-mpi4py")
   set(CPACK_COMPONENT_PYTHON_DESCRIPTION "${PROJECT_DESCRIPTION} (for Python)")
 endif()
 include(CPack)

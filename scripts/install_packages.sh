@@ -23,6 +23,9 @@ packages=(
   python3-dev python3-numpy pybind11-dev # the Python package
   python3-pytest python3-mypy mypy       # its tests
   python3-scipy python3-matplotlib python3-xarray python3-geopandas  # what it works with
+  python3-dask python3-distributed       # many eyes on clusters; without these their tests are skipped
+  python3-mpi4py openmpi-bin
+  slurmctld slurmd slurm-client munge
 )
 
 # Node.js from elsewhere may bring its npm along, beside which Debian's cannot be installed.

@@ -17,8 +17,10 @@ A comment before a block may say otherwise:
 
     <!-- stands in: FILE -->      the block's lines stand in FILE, which is built or run elsewhere
     <!-- only parsed: REASON -->  a sh block that cannot run here; bash reads it
-    <!-- runs with: PROGRAM -->   a sh block that runs where there is this program, else bash reads it
-    <!-- file: NAME -->           the block is kept under this name in the scratch folder
+    <!-- runs with: NAME, ... --> a block that runs where there are these programs, or modules that the
+                                  interpreter of --python finds, else it is only parsed
+    <!-- file: NAME -->           the block is kept under this name in the scratch folder; if it is
+                                  sh or python, later blocks run it
 """
 
 import argparse
@@ -78,17 +80,31 @@ class Document:
         if arguments.python:
             self.environment["PYTHONPATH"] = str(arguments.python.resolve())
         self.interpreter = None
+        (folder / "bin").mkdir()  # so that sh blocks take the interpreter that has the package
+        (folder / "bin/python3").symlink_to(sys.executable)
+        self.environment["PATH"] = f"{folder}/bin:" + self.environment["PATH"]
         for name in ("scenes", "tests", "examples", "docs", "scripts"):
             (folder / name).symlink_to(self.root / name)
 
+    def is_there(self, name):
+        if shutil.which(name):
+            return True
+        command = [sys.executable, "-c", f"import {name}"]
+        return self.arguments.python is not None and subprocess.run(
+            command, env=self.environment, capture_output=True).returncode == 0
+
+    def is_only_parsed(self, key, value):
+        return key in ("only parsed", "file") or (
+            key == "runs with" and not all(self.is_there(name) for name in value.split(", ")))
+
     def sh(self, body, key, value):
-        if key == "only parsed" or (key == "runs with" and shutil.which(value) is None):
+        if self.is_only_parsed(key, value):
             run(["bash", "-n"], self.folder, self.environment, body)
         else:
             run(["bash", "-euo", "pipefail"], self.folder, self.environment, body)
 
     def python(self, body, key, value):
-        if not self.arguments.python:
+        if not self.arguments.python or self.is_only_parsed(key, value):
             compile(body, "block", "exec")
             return
         if self.interpreter is None:

@@ -24,6 +24,7 @@ from ._arguments import (
     vector,
     whole_numbers,
 )
+from ._content import content_name
 from ._factors import FaceFactors
 from ._map import VisibleMap
 from ._shot import Shot
@@ -173,6 +174,17 @@ class Scene:
         return self._scene.bounds()
 
     @cached_property
+    def content_name(self) -> str:
+        """A name of all that results depend on besides the view: 64 hexadecimal digits, the SHA-256
+        of the content. Equal content has equal names, in all processes and on all machines.
+
+        Raises `TypeError` as pickling the scene does."""
+        kind, *content = self.__reduce__()[1]
+        if kind == "text":
+            content = content[1:]  # without the path
+        return content_name("scene", kind, *content)
+
+    @cached_property
     def objects(self) -> tuple[str, ...]:
         """The ids of the objects, in the scene's order: object n is `objects[n - 1]`."""
         return tuple(self._scene.objects())
@@ -274,12 +286,10 @@ class Scene:
         Raises `ValueError` for an eye or direction that is not finite, a forward of zero, and for
         columns that there are not.
         """
-        if by not in ("object", "class"):
-            raise ValueError(f'by: "{by}" is neither object nor class')
+        check_by(by)
         sphere = is_sphere(field)
         if columns is None:
-            measure = "solid_angle" if sphere else "view_factor"
-            columns = (measure, "sky_" + measure)
+            columns = default_columns(field)
         rows = rows_of_three(eyes, "eyes")
         result: dict[str, Any] = self._scene.shares(
             rows,
@@ -295,7 +305,7 @@ class Scene:
         )
         if sparse:
             width = len(self.classes) + 1 if by == "class" else len(self.objects)
-            return _sparse(result, (len(rows), width))
+            return as_matrices(result, (len(rows), width))
         return result
 
     def factors(
@@ -597,7 +607,19 @@ def _reordered(
     return corners[np.repeat(offsets[:-1][order], lengths) + within], ends
 
 
-def _sparse(columns: dict[str, Any], shape: tuple[int, int]) -> dict[str, Any]:
+def check_by(by: str) -> None:
+    """Raises `ValueError` for what columns cannot be of."""
+    if by not in ("object", "class"):
+        raise ValueError(f'by: "{by}" is neither object nor class')
+
+
+def default_columns(field: str) -> tuple[str, str]:
+    """What `Scene.shares` gives without a choice."""
+    measure = "solid_angle" if is_sphere(field) else "view_factor"
+    return (measure, "sky_" + measure)
+
+
+def as_matrices(columns: dict[str, Any], shape: tuple[int, int]) -> dict[str, Any]:
     """The columns of objects as matrices, which share their structure."""
     import scipy.sparse
 

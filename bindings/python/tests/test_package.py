@@ -1,5 +1,6 @@
 """The package as such: types, texts and what it exports."""
 
+import ast
 import inspect
 import subprocess
 import sys
@@ -53,10 +54,11 @@ def test_types_of_the_package_are_checked(tmp_path):
     wrong.write_text("import lumivane\nlumivane.Scene.read('a').look((0, 0, 0)).sky_view_factor()\n")
     done = subprocess.run(
         [sys.executable, "-m", "mypy", "--strict", "--ignore-missing-imports", "--cache-dir",
-         tmp_path / "cache", user, wrong, PACKAGE / "__init__.py"], capture_output=True, text=True,
+         tmp_path / "cache", user, wrong,
+         *(PACKAGE / f"{name}.py" for name in ("__init__", "dask", "mpi", "parts"))], capture_output=True, text=True,
     )  # fmt: skip
     assert "wrong.py:2: error: \"float\" not callable" in done.stdout
-    assert "Found 1 error in 1 file (checked 3 source files)" in done.stdout, done.stdout
+    assert "Found 1 error in 1 file (checked 6 source files)" in done.stdout, done.stdout
 
 
 def public(owner):
@@ -74,7 +76,20 @@ def test_everything_public_is_documented():
         if member in (lumivane.FaceFactors, lumivane.Scene, lumivane.Shot,
                       lumivane.SunHours, lumivane.VisibleMap):  # fmt: skip
             missing += [f"{name}.{n}" for n, m in public(member) if not inspect.getdoc(m)]
+    for name in ("dask", "mpi", "parts"):
+        tree = ast.parse((PACKAGE / f"{name}.py").read_text())
+        missing += [] if ast.get_docstring(tree) else [name]
+        for node in ast.walk(tree):
+            if isinstance(node, ast.ClassDef) and not node.name.startswith("_"):
+                missing += undocumented(node, f"{name}.{node.name}.")
+        missing += undocumented(tree, f"{name}.")
     assert missing == []
+
+
+def undocumented(owner, name):
+    kinds = (ast.ClassDef, ast.FunctionDef)
+    return [name + node.name for node in owner.body if isinstance(node, kinds)
+            and not node.name.startswith("_") and not ast.get_docstring(node)]  # fmt: skip
 
 
 def test_texts_of_headers_are_filled_in():
@@ -95,6 +110,6 @@ def test_the_package_is_marked_as_typed_and_has_a_version():
 def test_importing_takes_numpy_and_nothing_else_of_the_optional_packages():
     code = (
         "import sys, lumivane; "
-        "print([m for m in ('scipy', 'pandas', 'geopandas', 'xarray', 'shapely') if m in sys.modules])"
+        "print([m for m in ('scipy', 'pandas', 'geopandas', 'xarray', 'shapely', 'distributed', 'mpi4py') if m in sys.modules])"
     )
     assert run("-c", code).strip() == "[]"
