@@ -55,6 +55,7 @@ class Batch {
   void make() {
     checkMaps();
     makeFolder(plan.setting.folder);
+    Session::checkWritable(summaryFile());
     const Journal::Rows known = Journal::rows(plan.setting.folder);
     {
       Journal journal(plan.setting.folder, options.shard);

@@ -8,6 +8,7 @@
 #include "HostError.h"
 #include "SceneSource.h"
 #include "StatsNumbers.h"
+#include "WorkFolders.h"
 
 #include <lumivane/jzon/Format.h>
 #include <lumivane/jzon/Writer.h>
@@ -52,7 +53,8 @@ Fields fieldsOf(const std::string& row, const std::vector<std::string>& columns)
 std::vector<std::string> bandsOf(const std::vector<std::string>& columns) {
   std::vector<std::string> bands = Bands;
   for (const std::string& column : columns)
-    if (column.rfind("view_factor_of_", 0) == 0) bands.push_back(column);
+    if (column.rfind("view_factor_of_", 0) == 0 || column == "view_factor_without_class")
+      bands.push_back(column);
   return bands;
 }
 
@@ -199,6 +201,12 @@ void BatchMaps::check(const FilePlace& thePlace, const Session::Vector& eyeShift
   Geodata::checkCode(epsg);
   if (!options.raster.empty()) RasterFrame(options.views, plan.views, eyes, place).raster();
   if (!options.geojson.empty()) Geodata::inDegrees({}, epsg);
+  for (const std::string& file : {options.raster, options.geojson}) {
+    if (file.empty()) continue;
+    const std::filesystem::path path = std::filesystem::path(plan.setting.folder) / file;
+    makeFolder(path.parent_path().string());
+    Session::checkWritable(path.string());
+  }
 }
 
 void BatchMaps::write(const std::string& heading, const std::vector<std::string>& rows) const {

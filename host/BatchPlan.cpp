@@ -114,6 +114,8 @@ class OutputCheck {
 
 // What is made of the summary lies in the folder, too.
 void addMaps(const BatchOptions& options, const std::string& folder, OutputCheck& outputs) {
+  if (!options.crs.empty() && options.raster.empty() && options.geojson.empty())
+    throw ArgumentError("--crs", "is that of --raster and --geojson: name one of them");
   const std::pair<const char*, const std::string&> files[] = {{"--raster", options.raster},
                                                               {"--geojson", options.geojson}};
   for (const auto& [option, path] : files) {

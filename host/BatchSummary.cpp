@@ -12,6 +12,7 @@
 #include <lumivane/session/Text.h>
 #include <lumivane/shot/Shot2d.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <vector>
@@ -55,6 +56,12 @@ std::string cell(const std::string& text, bool isSafe) {
   return isSafe ? Session::csvSafe(clean) : clean;
 }
 
+// A class may have that name itself.
+std::string noClassColumn(const std::vector<std::string>& classes) {
+  const bool isTaken = std::find(classes.begin(), classes.end(), "no_class") != classes.end();
+  return isTaken ? "view_factor_without_class" : "view_factor_of_no_class";
+}
+
 // Empty where nothing is measured.
 std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, bool isSafe) {
   if (!seen) return {"", "", "", "", ""};
@@ -81,7 +88,7 @@ std::string summaryHeading(const SummaryClasses& classes, bool isSafe) {
   if (classes) {
     for (const std::string& name : *classes)
       columns.push_back(cell("view_factor_of_" + name, isSafe));
-    columns.emplace_back("view_factor_of_no_class");
+    columns.push_back(noClassColumn(*classes));
   }
   return csvRecord(columns);
 }

@@ -164,12 +164,14 @@ const std::vector<std::string>& cubeFaces() {
 
 void checkOutputs(const DrawOptions& options) {
   OutputNames names(sourceFiles(options.scene, options.import));
-  names.add(options.stats);
+  names.add("--stats", options.stats);
   const std::vector<std::string> faces =
       isCube(options) ? cubeFaces() : std::vector<std::string>{""};
   for (const std::string& face : faces)
-    for (const std::string& path : {options.svg, options.pdf, options.png, options.dxf})
-      names.add(named(path, face));
+    for (const auto& [option, path] :
+         {std::make_pair("--svg", options.svg), std::make_pair("--pdf", options.pdf),
+          std::make_pair("--png", options.png), std::make_pair("--dxf", options.dxf)})
+      names.add(option, named(path, face));
 }
 
 // The six looks of a cube, in the order of their names.

@@ -62,12 +62,15 @@ class ExactGrid {
   std::vector<FacePlace> facePlaces() const;
 
   /// What each eye really sees, as one table whose first column is the view's name. Shows on a
-  /// terminal how far it has come. \throws HostError
-  std::string shares(const std::vector<GridView>& views) const;
+  /// terminal how far it has come. What has been made is kept in a file beside the table, up to
+  /// `removeJournal`: a run that was ended takes it from there.
+  /// \throws HostError
+  std::string shares(const std::vector<GridView>& views);
+  void removeJournal();  ///< When the table has been written.
 
  private:
   struct State;
-  std::unique_ptr<const State> state;
+  std::unique_ptr<State> state;
 };
 
 }  // namespace Lumivane::Host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RowJournal.h"
+
 #include <lumivane/measure/FaceFactors.h>
 
 #include <cstdint>
@@ -8,24 +10,18 @@
 
 namespace Lumivane::Host {
 
-/// Rows that have been made, in a file beside the output, so that a run that was ended goes on
-/// where it was. Its first line stands for all that rows depend on; each further one is a row. A
-/// journal of other things, and a last line without an end, are passed over.
+/// The rows of a matrix of view factors that have been made.
 class FactorJournal {
  public:
-  /// Reads what is there, and opens the file to append to. \throws HostError
+  /// \throws HostError
   FactorJournal(const std::string& path, std::uint64_t key);
-  FactorJournal(const FactorJournal&) = delete;
-  FactorJournal& operator=(const FactorJournal&) = delete;
-  ~FactorJournal();
 
   std::vector<Measure::FactorRow> takeRows() { return std::move(rows); }
   void append(const Measure::FactorRow& row);  ///< \throws HostError
-  void remove();                               ///< When the output has been written.
+  void remove() { journal.remove(); }          ///< When the output has been written.
 
  private:
-  std::string path;
-  int descriptor = -1;
+  RowJournal journal;
   std::vector<Measure::FactorRow> rows;
 };
 

@@ -34,15 +34,10 @@ std::string endingOf(const std::string& path) {
 
 // Of all that rows depend on.
 std::uint64_t keyOf(const FactorsOptions& options) {
-  char numbers[160];
-  std::snprintf(numbers, sizeof numbers, "%a %zu %d %d %d %d %d %a %a", options.tolerance,
-                options.mostPoints, options.twoSided ? 1 : 0, options.import.flip ? 1 : 0,
-                options.import.yUp ? 1 : 0, options.import.center ? 1 : 0,
-                options.import.allowOutside ? 1 : 0, options.import.scale, options.import.crease);
-  std::uint64_t key = textKey(std::string(LUMIVANE_VERSION) + " " + numbers);
-  for (const std::string& file : sourceFiles(options.scene))
-    key = textKey(IO::readBytes(file), key);
-  return key;
+  char numbers[80];
+  std::snprintf(numbers, sizeof numbers, "%a %zu %d", options.tolerance, options.mostPoints,
+                options.twoSided ? 1 : 0);
+  return textKey(numbers, sceneKey(options.scene, options.import));
 }
 
 FaceFactors factorsOf(const FactorsOptions& options, const Session::LoadedScene& scene) {
@@ -133,9 +128,9 @@ void runFactors(const FactorsOptions& options) {
   IO::checkReadable(options.scene);
   const std::string journalPath = options.out + ".rows";
   OutputNames names(sourceFiles(options.scene, options.import));
-  names.add(options.out);
-  names.add(options.elements);
-  names.add(journalPath);
+  names.add("--output", options.out);
+  names.add("--elements", options.elements);
+  names.add("the journal", journalPath);
   if (options.reciprocal && options.rows)
     throw ArgumentError("--reciprocal", "needs all rows: leave out --rows");
   const SourcedScene source = loadScene(options.scene, options.import);

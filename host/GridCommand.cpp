@@ -50,7 +50,10 @@ struct Box {
 using Polygon = std::vector<Vector>;
 
 // Without zeros that a sum of rounded terms leaves, such as 6e-17.
-double tidy(double value) { return std::round(value * 1e9) / 1e9 + 0.0; }
+double tidy(double value) {
+  const double rounded = std::round(value * 1e9) / 1e9 + 0.0;
+  return std::isfinite(rounded) ? rounded : value;
+}
 Vector tidy(const Vector& v) { return {tidy(v[0]), tidy(v[1]), tidy(v[2])}; }
 
 std::string text(double value) {
@@ -297,8 +300,9 @@ void runGrid(const GridOptions& options) {
   if (!options.height && options.on.empty())
     throw ArgumentError("--height", "is needed, but for eyes on faces (--on)");
   OutputNames names(sourceFiles(options.scene, options.import));
-  names.add(options.out);
-  names.add(options.shares);
+  names.add("--output", options.out);
+  names.add("--shares", options.shares);
+  if (!options.shares.empty()) names.add("the journal", options.shares + ".rows");
   const SourcedScene source = readScene(options);
   const Box box = boundsOf(polygons(source.scene.scene()));
   checkGrid(options, box);
@@ -322,7 +326,9 @@ void runGrid(const GridOptions& options) {
     std::cout << result;
   else
     Session::writeFile(options.out, result);
-  if (!options.shares.empty()) Session::writeFile(options.shares, shares);
+  if (options.shares.empty()) return;
+  Session::writeFile(options.shares, shares);
+  exact->removeJournal();
 }
 
 }  // namespace Lumivane::Host

@@ -29,9 +29,10 @@ void checkOutputs(const ImportCommandOptions& options) {
   if (!options.settings.classes.empty()) inputs.push_back(options.settings.classes);
   OutputNames names(std::move(inputs));
   if (options.out.empty()) Session::checkWritable(options.out);
-  names.add(options.out);
-  names.add(options.stats);
-  if (isPlainFile(options.out)) names.add(Session::classFileBeside(options.out));
+  names.add("--output", options.out);
+  names.add("--stats", options.stats);
+  if (isPlainFile(options.out))
+    names.add("the table of classes beside --output", Session::classFileBeside(options.out));
 }
 
 // Also without classes if there is a table already: it would be that of another scene.

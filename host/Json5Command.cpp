@@ -24,7 +24,7 @@ void warnIfNoJson(const std::string& file, const std::string& json) {
 }  // namespace
 
 void runJson5(const Json5Options& options) {
-  OutputNames({options.file}).add(options.out);
+  OutputNames({options.file}).add("--output", options.out);
   const std::string json = IO::DataReader().Json5_to_Json(Session::readBytes(options.file));
   if (json.empty()) throw HostError(options.file, "cannot be converted");
   warnIfNoJson(options.file, json);

@@ -298,7 +298,9 @@ void runMap(const MapOptions& options) {
   inputs.push_back(options.table);
   if (!options.views.empty()) inputs.push_back(options.views);
   OutputNames names(inputs);
-  for (const std::string& path : {options.svg, options.pdf, options.png}) names.add(path);
+  names.add("--svg", options.svg);
+  names.add("--pdf", options.pdf);
+  names.add("--png", options.png);
   const SourcedScene source = loadScene(options.scene, options.import);
   const DrawingOptions plan = planOf(options, source.eyeShift);
   reportBeside(options.table, plan.values->values, plan.values->side, source.scene.scene());

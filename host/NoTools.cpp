@@ -20,7 +20,8 @@ ExactGrid::ExactGrid(const GridOptions&, const Session::LoadedScene&, const Whol
 ExactGrid::~ExactGrid() = default;
 std::optional<GridFoot> ExactGrid::footAt(double, double) const { return {}; }
 std::vector<FacePlace> ExactGrid::facePlaces() const { return {}; }
-std::string ExactGrid::shares(const std::vector<GridView>&) const { return ""; }
+std::string ExactGrid::shares(const std::vector<GridView>&) { return ""; }
+void ExactGrid::removeJournal() {}
 
 void BatchMaps::check(const FilePlace&, const Session::Vector&) {}
 void BatchMaps::write(const std::string&, const std::vector<std::string>&) const {}

@@ -12,9 +12,10 @@ class OutputNames {
   explicit OutputNames(std::vector<std::string> inputs);
 
   /// Adds an output. An empty name is none.
+  /// \param option  that names it, for the error
   /// \throws ArgumentError if it is an input or another output
   /// \throws HostError if it cannot be written
-  void add(const std::string& path);
+  void add(const std::string& option, const std::string& path);
 
  private:
   std::vector<std::string> taken;

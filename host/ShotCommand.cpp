@@ -30,9 +30,11 @@ using Session::TakenShot;
 
 void checkOutputs(const ShotOptions& options) {
   OutputNames names(sourceFiles(options.scene));
-  for (const std::string& path : {options.shot, options.png, options.stats, options.visible})
-    names.add(path);
-  for (const std::string& path : options.vector.paths()) names.add(path);
+  names.add("--output", options.shot);
+  names.add("--png", options.png);
+  names.add("--stats", options.stats);
+  names.add("--visible", options.visible);
+  for (const auto& [option, path] : options.vector.files()) names.add(option, path);
 }
 
 SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {

@@ -1,14 +1,17 @@
 // When the sun shines on eye points, and what they see of the sky. All outputs are made in memory
-// before the first is written.
+// before the first is written; what has been found at the eyes of a table goes into a journal, from
+// which a run that was ended takes it.
 
 #include "Csv.h"
 #include "ExactScene.h"
+#include "EyeThreads.h"
+#include "FileMark.h"
 #include "HostError.h"
 #include "OutputNames.h"
-#include "ProgressBar.h"
 #include "SceneSource.h"
+#include "SunJournal.h"
 #include "SunOptions.h"
-#include "SunZone.h"
+#include "SunPlace.h"
 #include "ViewTable.h"
 
 #include <lumivane/check/InsideTest.h>
@@ -23,25 +26,17 @@
 #include <lumivane/visibility/MapShares.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cctype>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
-#include <mutex>
-#include <system_error>
-#include <thread>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 namespace Lumivane::Host {
 namespace {
 
-using Measure::CivilDate;
 using Measure::SunEye;
 using Measure::SunPath;
 using Measure::SunText;
@@ -52,11 +47,6 @@ constexpr double HourSeconds = 3600.0;
 struct Output {
   std::string path;
   std::string bytes;
-};
-
-struct DayRange {
-  CivilDate first;
-  CivilDate last;
 };
 
 bool isPatches(const SunOptions& options) { return options.sky.rfind("patches:", 0) == 0; }
@@ -81,8 +71,7 @@ bool hasTables(const SunOptions& options) {
 // Whether sun hours are asked for; they are if nothing else is.
 bool wantsSun(const SunOptions& options) {
   const bool isElse = !options.horizon.empty() || !options.sky.empty() || !options.svg.empty();
-  const bool hasDays = !options.day.empty() || !options.from.empty() || options.year.has_value();
-  return hasTables(options) || hasDays || !isElse;
+  return hasTables(options) || options.where.hasDays() || !isElse;
 }
 
 bool needsPath(const SunOptions& options) {
@@ -94,27 +83,19 @@ bool isDirection(const Vector& v) {
          (v[0] != 0.0 || v[1] != 0.0 || v[2] != 0.0);
 }
 
-template <class Value>
-void need(const Value& isThere, const char* option, const std::string& why) {
+void need(bool isThere, const char* option, const std::string& why) {
   if (!isThere) throw ArgumentError(option, "is needed " + why);
 }
 
 void checkArguments(const SunOptions& options) {
   need(options.eye || !options.views.empty(), "--eye", "unless there is a table with --views");
-  if (needsPath(options)) {
-    need(options.latitude, "--latitude", "to know where the sun stands");
-    need(options.longitude, "--longitude", "to know where the sun stands");
-    need(!options.timeZone.empty(), "--time-zone", "to know what clocks show");
-  }
-  if (needsPath(options) || !options.horizon.empty() || isPatches(options))
-    need(options.north, "--north", "to know how the scene lies: 90 where y points north");
-  if (wantsSun(options))
-    need(!options.day.empty() || !options.from.empty() || options.year, "--day",
-         "unless there are --from and --to, or --year");
+  if (needsPath(options)) needPlace(options.where);
+  if (!options.horizon.empty() || isPatches(options)) needNorth(options.where);
+  if (wantsSun(options)) needDays(options.where);
   if (skyOf(options).needsSun())
     need(!options.at.empty(), "--at", "by --sky " + options.sky + ", which depends on the sun");
   if (std::filesystem::path(options.horizon).extension() == ".hor")
-    need(options.latitude, "--latitude",
+    need(options.where.latitude.has_value(), "--latitude",
          "for a .hor file, whose azimuths depend on the hemisphere");
   if (isPatches(options)) need(!options.skyValues.empty(), "--sky-values", "by --sky patches");
   if (options.plane && (options.sky.empty() || isPatches(options)))
@@ -135,81 +116,58 @@ void checkArguments(const SunOptions& options) {
     throw ArgumentError("--horizon-step", "does not divide 360 degrees");
 }
 
+// The first table that is written for many eyes, and so what their journal is named after; empty if
+// there is none.
+std::string journalOf(const SunOptions& options) {
+  if (options.views.empty()) return "";
+  for (const std::string& path :
+       {options.intervals, options.days, options.months, options.totals, options.skyValues})
+    if (!path.empty()) return path + ".rows";
+  return "";
+}
+
 void checkOutputs(const SunOptions& options) {
-  std::vector<std::string> inputs = sourceFiles(options.scene);
+  std::vector<std::string> inputs = sourceFiles(options.scene, options.import);
   if (!options.views.empty()) inputs.push_back(options.views);
   OutputNames names(std::move(inputs));
-  for (const std::string& path : {options.intervals, options.days, options.months, options.totals,
-                                  options.horizon, options.skyValues, options.svg, options.html})
-    names.add(path);
+  names.add("--intervals", options.intervals);
+  names.add("--days", options.days);
+  names.add("--months", options.months);
+  names.add("--totals", options.totals);
+  names.add("--horizon", options.horizon);
+  names.add("--sky-values", options.skyValues);
+  names.add("--svg", options.svg);
+  names.add("--html", options.html);
+  names.add("the journal", journalOf(options));
 }
 
-CivilDate dateOf(const char* option, const std::string& text) {
-  const std::optional<CivilDate> date = Measure::readDate(text);
-  if (!date) throw ArgumentError(option, "\"" + oneLine(text) + "\" is no day YYYY-MM-DD");
-  return *date;
+// Of all that is found out at the eyes depends on.
+std::uint64_t keyOf(const SunOptions& options, const Measure::Place& place, const DayRange& days) {
+  char numbers[400];
+  std::snprintf(numbers, sizeof numbers, "%d %a %a %a %a %d %a", options.twoSided ? 1 : 0,
+                place.latitude, place.longitude, place.north[0], place.north[1],
+                wantsSun(options) ? 1 : 0, options.sunAbove);
+  std::string text = numbers;
+  for (const std::string& part :
+       {options.where.timeZone, Measure::dateText(days.first), Measure::dateText(days.last),
+        options.sky, options.patchValues, options.at})
+    text += "\n" + part;
+  if (options.plane)
+    for (const double coordinate : *options.plane) {
+      std::snprintf(numbers, sizeof numbers, "\n%a", coordinate);
+      text += numbers;
+    }
+  const std::uint64_t key = textKey(text, sceneKey(options.scene, options.import));
+  return textKey(Session::readBytes(options.views), key);
 }
 
-DayRange daysOf(const SunOptions& options) {
-  if (options.year) return {{*options.year, 1, 1}, {*options.year, 12, 31}};
-  if (!options.from.empty()) {
-    const DayRange range{dateOf("--from", options.from), dateOf("--to", options.to)};
-    const auto order = [](const CivilDate& d) { return std::tuple(d.year, d.month, d.day); };
-    if (order(range.last) < order(range.first))
-      throw ArgumentError("--to", "is before --from " + oneLine(options.from));
-    return range;
-  }
-  if (!options.day.empty()) return {dateOf("--day", options.day), dateOf("--day", options.day)};
-  return {{2024, 1, 1}, {2024, 12, 31}};  // of a diagram alone: one year is like another
-}
-
-struct LocalTime {
-  CivilDate date;
-  double seconds = 0.0;  // after midnight
-};
-
-LocalTime timeOf(const std::string& text) {
-  const auto number = [&text](size_t at, int below) {
-    const bool isNumber = std::isdigit(static_cast<unsigned char>(text[at])) != 0 &&
-                          std::isdigit(static_cast<unsigned char>(text[at + 1])) != 0;
-    const int value = isNumber ? (text[at] - '0') * 10 + (text[at + 1] - '0') : below;
-    return value < below ? value : -1;
-  };
-  const std::optional<CivilDate> date = Measure::readDate(text.substr(0, 10));
-  const bool isWhole = text.size() == 16 && (text[10] == 'T' || text[10] == ' ') && text[13] == ':';
-  const int hour = isWhole ? number(11, 24) : -1;
-  const int minute = isWhole ? number(14, 60) : -1;
-  if (!date || hour < 0 || minute < 0)
-    throw ArgumentError("--at", "\"" + oneLine(text) + "\" is no time YYYY-MM-DDTHH:MM");
-  return {*date, hour * HourSeconds + minute * 60.0};
-}
-
-Measure::Place placeOf(const SunOptions& options, const DayRange& days) {
-  Measure::Place place;
-  place.latitude = options.latitude.value_or(0.0);
-  place.longitude = options.longitude.value_or(0.0);
-  if (options.north) place.north = *options.north;
-  int firstYear = days.first.year;
-  int lastYear = days.last.year;
-  if (!options.at.empty()) {
-    const int year = timeOf(options.at).date.year;
-    firstYear = std::min(firstYear, year);
-    lastYear = std::max(lastYear, year);
-  }
-  if (!options.timeZone.empty())
-    place.zone = timeZoneOf(options.timeZone, std::clamp(firstYear, 1900, 2100),
-                            std::clamp(lastYear, 1900, 2100));
-  return place;
-}
-
-SunPath pathOf(const Measure::Place& place, const DayRange& days) {
-  if (!SunPath::isBuilt())
-    throw HostError("sun", "this program was built without libnova, which knows where the sun is");
-  try {
-    return SunPath(place, days.first, days.last);
-  } catch (const std::invalid_argument& error) {
-    throw HostError("the days", error.what());
-  }
+// The years of the days, and of the time that is asked for.
+DayRange zoneDays(const SunOptions& options, DayRange days) {
+  if (options.at.empty()) return days;
+  const Measure::CivilDate at = readTime(options.at).date;
+  if (at.year < days.first.year) days.first = at;
+  if (at.year > days.last.year) days.last = at;
+  return days;
 }
 
 // Without one every view would stand at the origin, as it does for shots.
@@ -253,9 +211,9 @@ class Work {
       : options(theOptions), place(thePlace) {
     if (wantsSun(options)) path.emplace(pathOf(place, days));
     if (!skyOf(options).needsSun()) return;
-    const LocalTime at = timeOf(options.at);
-    const SunPath day = pathOf(place, {at.date, at.date});
-    sun = day.direction(place.zone.momentOf(at.date, at.seconds));
+    const double moment = momentOf(readTime(options.at), place.zone);
+    const Measure::CivilDate date = place.zone.dateAt(moment);
+    sun = pathOf(place, {date, date}).direction(moment);
     if (!(sun[2] > 0.0)) throw HostError("--at", "the sun is not up at " + oneLine(options.at));
   }
 
@@ -313,8 +271,10 @@ void addDiagrams(const SunOptions& options, const Session::LoadedScene& scene,
   how.title = std::filesystem::path(options.scene).filename().string();
   how.year = days.first.year;
   if (days.first == days.last && !eye.days.empty()) how.day = eye.days.front();
-  const Pictures::MapColors colors =
-      options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
+  const Pictures::MapColors colors = options.colorBy == "class" ? Pictures::MapColors::byClass(map)
+                                     : options.colorBy == "object"
+                                         ? Pictures::MapColors()
+                                         : Pictures::MapColors(scene.scene());
   if (!options.svg.empty())
     outputs.push_back({options.svg, Pictures::sunDiagram(map, colors, place, how)});
   if (!options.html.empty())
@@ -334,40 +294,6 @@ void addPictures(const SunOptions& options, const Session::LoadedScene& scene,
   }
   if (!options.svg.empty() || !options.html.empty())
     addDiagrams(options, scene, map, place, days, eye, outputs);
-}
-
-// Calls `visit(i)` once for each i below `count`, from several threads, and shows how far they have
-// come. Throws what the first that failed has thrown.
-template <class Visit>
-void forEachEye(size_t count, int wanted, const Visit& visit) {
-  const ProgressBar bar;
-  const Session::Progress show = bar.progress();
-  std::atomic<size_t> next{0};
-  std::mutex mutex;
-  std::exception_ptr failure;
-  const auto work = [&](bool isCaller) {
-    try {
-      for (size_t i = next.fetch_add(1); i < count; i = next.fetch_add(1)) {
-        if (isCaller && show) show(100.0 * static_cast<double>(i) / static_cast<double>(count));
-        visit(i);
-      }
-    } catch (...) {
-      next.store(count);
-      const std::lock_guard<std::mutex> lock(mutex);
-      if (!failure) failure = std::current_exception();
-    }
-  };
-  const size_t most =
-      wanted > 0 ? static_cast<size_t>(wanted) : std::max(1U, std::thread::hardware_concurrency());
-  std::vector<std::thread> threads;
-  try {
-    for (size_t i = 1; i < std::min(most, count); ++i) threads.emplace_back(work, false);
-  } catch (const std::system_error&) {
-    // Those that are there do it all.
-  }
-  work(true);
-  for (std::thread& thread : threads) thread.join();
-  if (failure) std::rethrow_exception(failure);
 }
 
 void addTables(const SunOptions& options, const std::vector<SunEye>& eyes, const SunText& text,
@@ -400,7 +326,10 @@ void reportShades(const VisibleMap::Names& names, const std::vector<Measure::Sun
   for (size_t i = 0; i < shades.size() && i < Most; ++i) {
     const auto object = static_cast<size_t>(shades[i].object) - 1;
     const std::string id = object < names.objectIds.size() ? names.objectIds[object] : "";
-    std::printf("  behind %s: %s\n", oneLine(Session::idText(id)).c_str(),
+    const auto number = static_cast<size_t>(shades[i].classNumber);
+    const bool hasClass = shades[i].classNumber >= 0 && number < names.classNames.size();
+    std::printf("  behind %s%s: %s\n", oneLine(Session::idText(id)).c_str(),
+                hasClass ? oneLine(" (" + names.classNames[number] + ")").c_str() : "",
                 hours(shades[i].seconds).c_str());
   }
 }
@@ -440,37 +369,87 @@ void report(const SunOptions& options, const std::vector<SunEye>& eyes,
       std::printf("%s: %.9g\n", columns[i].c_str(), eye.values[i]);
 }
 
+// Finds out what is not known yet, at each eye.
+class EyeWork {
+ public:
+  EyeWork(const SunOptions& theOptions, const SourcedScene& theSource, const ExactScene& theExact,
+          const Measure::Place& thePlace, const DayRange& theDays)
+      : options(theOptions),
+        source(theSource),
+        exact(theExact),
+        place(thePlace),
+        days(theDays),
+        inside(source.scene.scene()) {}
+
+  // \param journal  keeps what has been found; may be null
+  void run(const Work& work, std::vector<SunEye>& eyes, SunJournal* journal) {
+    const std::vector<bool> isKnown =
+        journal != nullptr ? journal->takeInto(eyes) : std::vector<bool>(eyes.size(), false);
+    std::vector<size_t> open;
+    for (size_t i = 0; i < eyes.size(); ++i)
+      if (!isKnown[i]) open.push_back(i);
+    if (open.size() < eyes.size())
+      std::printf("%zu eyes are known from the run before\n", eyes.size() - open.size());
+    std::fflush(stdout);
+    const bool isOne = eyes.size() == 1;
+    Visibility::LookOptions how = lookUpwards(place);
+    how.twoSided = options.twoSided;
+    how.threads = isOne ? options.threads : 1;
+    forEachEye(open.size(), options.threads, [&](size_t i) {
+      SunEye& eye = eyes[open[i]];
+      const Vector at = moved(eye.eye, source.eyeShift);
+      eye.isInside = !options.twoSided && inside.isInside(at);
+      const VisibleMap map = exact.look(at, how);
+      work.at(map, eye);
+      if (journal != nullptr) journal->append(open[i], eye);
+      if (isOne) addPictures(options, source.scene, map, place, days, eye, outputs);
+    });
+  }
+
+  std::vector<Output> outputs;  // pictures of a single eye
+
+ private:
+  const SunOptions& options;
+  const SourcedScene& source;
+  const ExactScene& exact;
+  const Measure::Place& place;
+  const DayRange& days;
+  const Check::InsideTest inside;
+};
+
+std::shared_ptr<const VisibleMap::Names> namesOf(const ExactScene& exact) {
+  const Visibility::PolygonScene pieces = exact.sceneIndex().pieces();
+  const auto names = std::make_shared<VisibleMap::Names>();
+  names->objectIds = pieces.objectIds;
+  names->classNames = pieces.classNames;
+  return names;
+}
+
 }  // namespace
 
 void runSun(const SunOptions& options) {
   checkArguments(options);
-  const DayRange days = daysOf(options);
+  // Of a diagram alone: one year is like another.
+  const DayRange days = daysOf(options.where, {{2024, 1, 1}, {2024, 12, 31}});
   Session::checkReadable(options.scene);
   checkOutputs(options);
-  const Measure::Place place = placeOf(options, days);
+  const Measure::Place place = placeOf(options.where, zoneDays(options, days));
   const Work work(options, place, days);
   std::vector<SunEye> eyes = eyesOf(options);
   const SourcedScene source = loadScene(options.scene, options.import);
   const ExactScene exact(options.scene, source.scene);
-  const Check::InsideTest inside(source.scene.scene());
-  const bool isOne = eyes.size() == 1;
-  Visibility::LookOptions how = lookUpwards(place);
-  how.twoSided = options.twoSided;
-  how.threads = isOne ? options.threads : 1;
-  std::vector<Output> outputs;
-  std::shared_ptr<const VisibleMap::Names> names;
-  forEachEye(eyes.size(), options.threads, [&](size_t i) {
-    const Vector eye = moved(eyes[i].eye, source.eyeShift);
-    eyes[i].isInside = !options.twoSided && inside.isInside(eye);
-    const VisibleMap map = exact.look(eye, how);
-    work.at(map, eyes[i]);
-    if (i == 0) names = map.names;
-    if (isOne) addPictures(options, source.scene, map, place, days, eyes[i], outputs);
-  });
+  std::unique_ptr<SunJournal> journal;
+  if (!journalOf(options).empty())
+    journal = std::make_unique<SunJournal>(journalOf(options), keyOf(options, place, days));
+  EyeWork eyeWork(options, source, exact, place, days);
+  eyeWork.run(work, eyes, journal.get());
+  std::vector<Output> outputs = std::move(eyeWork.outputs);
+  const auto names = namesOf(exact);
   const std::vector<std::string> columns =
       options.sky.empty() ? std::vector<std::string>() : work.columns();
   addTables(options, eyes, SunText(place.zone, names, options.csvSafe), columns, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
+  if (journal) journal->remove();
   report(options, eyes, columns, *names);
 }
 

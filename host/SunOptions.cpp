@@ -3,12 +3,11 @@
 #include "SunOptions.h"
 
 #include "OptionParts.h"
+#include "ToolParts.h"
 
 #include <lumivane/pictures/MapPicture.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <filesystem>
 
 #include <CLI/CLI.hpp>
@@ -30,47 +29,6 @@ void addOptionalVector(CLI::App& command, const std::string& name, std::optional
       ->group(group);
 }
 
-std::optional<double> numberOf(const std::string& text) {
-  char* end = nullptr;
-  const double number = std::strtod(text.c_str(), &end);
-  const bool isNumber =
-      !text.empty() && *end == '\0' && text.find_first_of(" \t\n\v\f\r") == std::string::npos;
-  return isNumber && std::isfinite(number) ? std::optional<double>(number) : std::nullopt;
-}
-
-void addDegrees(CLI::App& command, const std::string& name, std::optional<double>& target,
-                double limit, const std::string& help) {
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, limit, &target](const std::string& text) {
-            target = numberOf(text);
-            if (target && std::abs(*target) <= limit) return;
-            const std::string range = std::to_string(static_cast<int>(limit));
-            throw CLI::ValidationError(name + ": \"" + text + "\" is not from -" + range + " to " +
-                                       range + " degrees");
-          },
-          help)
-      ->type_name("DEGREES")
-      ->group(PlaceGroup);
-}
-
-// An angle, or a direction with a level part.
-Vector readNorth(const std::string& text) {
-  constexpr double Degree = 3.141592653589793 / 180.0;
-  if (text.find(',') == std::string::npos) {
-    if (const std::optional<double> angle = numberOf(text))
-      return {std::cos(*angle * Degree), std::sin(*angle * Degree), 0.0};
-  } else {
-    const Vector north = readVector("--north", text);
-    const double length = std::hypot(north[0], north[1]);
-    if (std::isfinite(length) && std::isfinite(north[2]) && length > 0.0) return north;
-  }
-  throw CLI::ValidationError("--north: \"" + text +
-                             "\" is neither an angle in degrees from x towards y nor a direction "
-                             "X,Y,Z that is not upright");
-}
-
 std::string tableFault(const std::string& path) {
   const std::string ending = std::filesystem::path(path).extension().string();
   return ending == ".csv" || ending == ".json" ? ""
@@ -83,35 +41,6 @@ void addTable(CLI::App& command, const std::string& name, std::string& target,
       ->check(tableFault, "")
       ->type_name("FILE")
       ->group(group);
-}
-
-void addPlace(CLI::App& command, SunOptions& options) {
-  addDegrees(command, "--latitude", options.latitude, 90.0, "of the scene, north positive");
-  addDegrees(command, "--longitude", options.longitude, 180.0, "of the scene, east positive");
-  command
-      .add_option("--time-zone", options.timeZone,
-                  "what clocks show: hours ahead of UTC, or a name as Europe/Amsterdam")
-      ->type_name("ZONE")
-      ->group(PlaceGroup);
-  command
-      .add_option_function<std::string>(
-          "--north", [&options](const std::string& text) { options.north = readNorth(text); },
-          "the direction to the north in the scene, or its angle in degrees from x towards y: 90 "
-          "where y points north")
-      ->type_name("X,Y,Z|ANGLE")
-      ->group(PlaceGroup);
-  for (const auto& [name, target, help] :
-       {std::make_tuple("--day", &options.day, "one day"),
-        std::make_tuple("--from", &options.from, "the first of some days"),
-        std::make_tuple("--to", &options.to, "the last of them")})
-    command.add_option(name, *target, help)->type_name("YYYY-MM-DD")->group(PlaceGroup);
-  command.add_option("--year", options.year, "all days of a year")
-      ->check(CLI::Range(1900, 2100))
-      ->type_name("YYYY")
-      ->group(PlaceGroup);
-  command.get_option("--from")->needs("--to")->excludes("--day")->excludes("--year");
-  command.get_option("--to")->needs("--from");
-  command.get_option("--year")->excludes("--day");
 }
 
 void addSun(CLI::App& command, SunOptions& options) {
@@ -156,6 +85,7 @@ void addSky(CLI::App& command, SunOptions& options) {
       ->type_name("FILE")
       ->group(SkyGroup);
   command.add_option("--horizon-step", options.horizonStep, "between two azimuths; it divides 360")
+      ->needs("--horizon")
       ->check(CLI::Range(0.001, 360.0))
       ->type_name("DEGREES")
       ->group(SkyGroup)
@@ -175,7 +105,11 @@ void addSky(CLI::App& command, SunOptions& options) {
   addOptionalVector(command, "--plane", options.plane,
                     "the normal of a plane that gets the light of the sky, besides a level one",
                     SkyGroup);
-  command.add_option("--at", options.at, "when, by the clocks of the place, for skies with a sun")
+  command
+      .add_option(
+          "--at", options.at,
+          "when, by the clocks of the place or with an offset from UTC as +02:00, for skies "
+          "with a sun")
       ->type_name("YYYY-MM-DDTHH:MM")
       ->group(SkyGroup);
   command.get_option("--sky-values")->needs("--sky");
@@ -190,8 +124,8 @@ void addDiagram(CLI::App& command, SunOptions& options) {
   addNames(command, "--projection", options.projection, "how directions become a picture",
            {"equidistant", "fisheye"}, PictureGroup);
   addNames(command, "--color-by", options.colorBy,
-           "fill cells by the scene's brushes, or each object in a colour of its own",
-           {"brush", "object"}, PictureGroup);
+           "fill cells by the scene's brushes, or each object or class in a colour of its own",
+           {"brush", "object", "class"}, PictureGroup);
   addSize(command, options.size, "size of the picture in pixels", PictureGroup);
   command.get_option("--size")->default_str("800x800");
 }
@@ -210,15 +144,18 @@ void setSunOptions(CLI::App& command, SunOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(0, 1024))
       ->capture_default_str();
+  addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
-  addPlace(command, options);
+  addSunPlace(command, options.where, PlaceGroup);
   addSun(command, options);
   addSky(command, options);
   addDiagram(command, options);
   command.footer(
       "The sun is the centre of its disc, without refraction; it is up above the level horizon, "
       "or\n"
-      "above --sun-above.");
+      "above --sun-above. What has been found at the eyes of a table is kept in a file beside the\n"
+      "first table of results, named FILE.rows, until all are written: the same command goes on\n"
+      "where it was ended.");
 }
 
 }  // namespace Lumivane::Host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Options.h"
+#include "SunPlaceOptions.h"
 
 #include <optional>
 #include <string>
@@ -20,14 +21,7 @@ struct SunOptions {
   bool twoSided = false;
   int threads = 0;  ///< 0 for as many as processors
 
-  std::optional<double> latitude;   ///< degrees, north positive
-  std::optional<double> longitude;  ///< degrees, east positive
-  std::string timeZone;             ///< an offset from UTC or a name, or empty
-  std::optional<Vector> north;      ///< the direction to the north in the scene
-  std::string day;                  ///< YYYY-MM-DD, or empty, and so for the next two
-  std::string from;
-  std::string to;
-  std::optional<int> year;
+  SunPlaceOptions where;
   double sunAbove = 0.0;  ///< degrees: lower the sun is not up
 
   std::string intervals;  ///< a table to write, or empty, and so for the others

@@ -94,8 +94,8 @@ Session::TakenShot otherShot(Session::LoadedScene& scene, const Session::ViewSet
 }
 
 std::string firstPath(const VectorFiles& files) {
-  for (const std::string& path : files.paths())
-    if (!path.empty()) return path;
+  for (const auto& file : files.files())
+    if (!file.second.empty()) return file.second;
   return "";
 }
 

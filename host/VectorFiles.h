@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace CLI {
@@ -29,7 +30,11 @@ struct VectorFiles {
   bool axes = false;
   double extent = 1.0;
 
-  std::vector<std::string> paths() const { return {svg, pdf, eps, png, html}; }
+  /// The files by the options that name them; an empty one is not to be written.
+  std::vector<std::pair<const char*, std::string>> files() const {
+    return {
+        {"--svg", svg}, {"--pdf", pdf}, {"--eps", eps}, {"--png-vector", png}, {"--html", html}};
+  }
 };
 
 /// Declares the options; `files` takes their values when the command line is parsed.

@@ -60,14 +60,15 @@ struct Output {
   std::string bytes;
 };
 
-std::vector<std::string> outputsOf(const ViewOptions& options) {
-  return {options.shares, options.map, options.stats, options.svg,
-          options.pdf,    options.png, options.html,  options.report};
+std::vector<std::pair<const char*, std::string>> outputsOf(const ViewOptions& options) {
+  return {{"--shares", options.shares}, {"--map", options.map},      {"--stats", options.stats},
+          {"--svg", options.svg},       {"--pdf", options.pdf},      {"--png-vector", options.png},
+          {"--html", options.html},     {"--report", options.report}};
 }
 
 void checkOutputs(const ViewOptions& options) {
   OutputNames names(sourceFiles(options.scene, options.import));
-  for (const std::string& path : outputsOf(options)) names.add(path);
+  for (const auto& [option, path] : outputsOf(options)) names.add(option, path);
 }
 
 Visibility::Field fieldOf(const ViewOptions& options) {
@@ -187,8 +188,8 @@ void writeStats(const ViewOptions& options, const VisibleMap& map, const ViewSec
 
 // What is worth a line on the terminal, where no file was asked for.
 void report(const ViewOptions& options, const VisibleMap& map, const MapShares& shares) {
-  for (const std::string& path : outputsOf(options))
-    if (!path.empty()) return;
+  for (const auto& output : outputsOf(options))
+    if (!output.second.empty()) return;
   const auto isSeen = [](const MapShares::Row& row) { return row.share.solidAngle > 0.0; };
   const auto seen = std::count_if(shares.objects().begin(), shares.objects().end(), isSeen);
   const bool looksUp = map.forward[2] > 0.0 && map.forward[0] == 0.0 && map.forward[1] == 0.0;

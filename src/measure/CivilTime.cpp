@@ -19,6 +19,11 @@ constexpr std::int64_t DaySeconds = 86400;
 constexpr std::int64_t DaysOf400Years = 146097;
 constexpr std::int64_t FirstOfMarch0 = -719468;  // day number of 0000-03-01
 
+// What clocks show, as seconds since they showed 1970-01-01 00:00.
+double shownAs(const CivilDate& date, double seconds) {
+  return static_cast<double>(dayNumber(date) * DaySeconds) + seconds;
+}
+
 std::int64_t floorOf(std::int64_t a, std::int64_t b) { return (a >= 0 ? a : a - b + 1) / b; }
 
 bool isDigits(const std::string& text, size_t from, size_t count) {
@@ -85,8 +90,25 @@ int TimeZone::offsetAt(double moment) const {
 }
 
 double TimeZone::momentOf(const CivilDate& date, double seconds) const {
-  const double shown = static_cast<double>(dayNumber(date) * DaySeconds) + seconds;
-  return shown - offsetAt(shown - offsetAt(shown));
+  const double shown = shownAs(date, seconds);
+  for (size_t i = 0; i + 1 < steps.size(); ++i) {
+    const double moment = shown - steps[i].offset;
+    if (moment < steps[i + 1].from) return i == 0 ? moment : std::max(moment, steps[i].from);
+  }
+  const double moment = shown - steps.back().offset;
+  return steps.size() == 1 ? moment : std::max(moment, steps.back().from);
+}
+
+std::vector<double> TimeZone::momentsAt(const CivilDate& date, double seconds) const {
+  const double shown = shownAs(date, seconds);
+  std::vector<double> moments;
+  for (size_t i = 0; i < steps.size(); ++i) {
+    const double moment = shown - steps[i].offset;
+    const bool isLate = i + 1 < steps.size() && moment >= steps[i + 1].from;
+    const bool isEarly = i > 0 && moment < steps[i].from;
+    if (!isLate && !isEarly) moments.push_back(moment);
+  }
+  return moments;
 }
 
 CivilDate TimeZone::dateAt(double moment) const {

@@ -78,8 +78,12 @@ class Days {
   std::vector<SunDay> all() const {
     std::vector<SunDay> result;
     const std::int64_t last = dayNumber(path.last());
-    for (std::int64_t day = dayNumber(path.first()); day <= last; ++day)
-      result.push_back(dayOf(dateOfDay(day), dateOfDay(day + 1)));
+    const TimeZone& zone = path.place().zone;
+    for (std::int64_t day = dayNumber(path.first()); day <= last; ++day) {
+      const double from = zone.momentOf(dateOfDay(day));
+      const double to = zone.momentOf(dateOfDay(day + 1));
+      if (from < to) result.push_back(dayOf(dateOfDay(day), from, to));
+    }
     return result;
   }
 
@@ -100,11 +104,10 @@ class Days {
     borders.push_back(border);
   }
 
-  SunDay dayOf(const CivilDate& date, const CivilDate& next) const {
+  SunDay dayOf(const CivilDate& date, double from, double to) const {
     SunDay day;
     day.date = date;
-    const TimeZone& zone = path.place().zone;
-    const SunCrossings::Span whole = crossings.span(zone.momentOf(date), zone.momentOf(next));
+    const SunCrossings::Span whole = crossings.span(from, to);
     std::vector<double> ends(1, whole.from);
     crossings.addRoots(whole, crossings.plane({0.0, 0.0, 1.0}), lowest, ends);
     ends.push_back(whole.to);

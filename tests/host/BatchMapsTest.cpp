@@ -138,6 +138,34 @@ TEST_F(BatchMapsProgram, TheRasterLiesWhereTheModelDoes) {
   EXPECT_EQ("NaN", info.at("bands").at(0).at("noDataValue"));
 }
 
+TEST_F(BatchMapsProgram, MapsHaveTheirFolderBeforeAnyViewIsMade) {
+  if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
+  const Result result =
+      batch({"--no-shots", "--raster", "maps/a/sky.tif", "--geojson", "maps/b/sky.geojson"});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_TRUE(std::filesystem::is_regular_file(folder.path("out/maps/a/sky.tif")));
+  EXPECT_TRUE(std::filesystem::is_regular_file(folder.path("out/maps/b/sky.geojson")));
+  // A file in the place of a folder, and a folder in that of a file.
+  folder.file("out/blocked", "");
+  for (const char* const file : {"blocked/sky.tif", "maps/sky.tif"}) {
+    std::filesystem::remove(folder.path("out/summary.csv"));
+    std::filesystem::create_directories(folder.path("out/maps/sky.tif"));
+    const Result wrong = batch({"--no-shots", "--raster", file});
+    EXPECT_EQ(1, wrong.status) << file;
+    EXPECT_NE(std::string::npos,
+              wrong.err.find(file == std::string("maps/sky.tif") ? "maps/sky.tif" : "blocked"))
+        << wrong.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.path("out/summary.csv"))) << file;
+  }
+}
+
+TEST_F(BatchMapsProgram, AReferenceSystemIsForMaps) {
+  const Result result = batch({"--no-shots", "--crs", "EPSG:28992"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("lumivane: --crs: is that of --raster and --geojson: name one of them\n", result.err);
+  EXPECT_FALSE(std::filesystem::exists(folder.path("out")));
+}
+
 TEST_F(BatchMapsProgram, EachCellOfTheRasterHasTheValueOfItsView) {
   if (!canMakeMaps()) GTEST_SKIP() << Geodata::fault();
   const Result result = batch({"--no-shots", "--raster", "sky.tif"});

@@ -163,7 +163,8 @@ TEST(ClassesProgram, OutputsNeverTakeThePlaceOfATable) {
   const std::string beside = folder.file("s.classes.csv", "id,class\nplate,Top\n");
   const Result result = run({"view", scene, "--eye=-4,0.35,1.9", "--shares", beside});
   EXPECT_EQ(2, result.status);
-  EXPECT_EQ("lumivane: " + beside + ": is already named for another file\n", result.err);
+  EXPECT_EQ("lumivane: --shares: \"" + beside + "\" is already named for another file\n",
+            result.err);
   EXPECT_EQ("id,class\nplate,Top\n", fileBytes(beside));
 }
 
@@ -201,6 +202,23 @@ TEST(ClassesProgram, TheSummaryOfABatchHasAColumnForEachClass) {
   folder.file("s.classes.csv", "id,class\nplate,Plate\n");
   EXPECT_EQ(1, run(command).status);
   EXPECT_TRUE(tableOf(out + "/summary.csv")[0].count("view_factor_of_Plate") > 0);
+}
+
+TEST(ClassesProgram, AClassCalledNoClassHasAColumnOfItsOwn) {
+  const TempFolder folder;
+  const std::string scene = folder.file("s.json", fileBytes(Small));
+  folder.file("s.classes.csv", "id,class\nplate,no_class\n");
+  const std::string views = folder.file("views.csv", "name,eye\na,\"-4,0.35,1.9\"\n");
+  ASSERT_EQ(
+      0, run({"batch", scene, views, "--out-dir", folder.path("out"), "--rows=class", "--no-shots"})
+             .status);
+  const std::string summary = fileBytes(folder.path("out/summary.csv"));
+  EXPECT_TRUE(contains(summary, ",view_factor_of_no_class,view_factor_without_class\n"));
+  const auto rows = tableOf(folder.path("out/summary.csv"));
+  const double named = std::stod(rows.at(0).at("view_factor_of_no_class"));
+  const double rest = std::stod(rows.at(0).at("view_factor_without_class"));
+  EXPECT_GT(named, 0.0);
+  EXPECT_NEAR(1.0, named + rest + std::stod(rows[0].at("sky_view_factor")), 1e-9);
 }
 
 TEST(ClassesProgram, GridsAndFactorsHaveAColumnOfThem) {

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -94,6 +96,35 @@ TEST_F(GridPlaces, SurfaceIsTheHighestOneSoEyesStandOnRoofsToo) {
     const std::string part = eye[0] < 4.0 ? "house-1" : "house-2";
     EXPECT_EQ(isHouse ? part : (isShed ? "shed" : "terrain"), row.at("object"));
   }
+}
+
+TEST_F(GridPlaces, SharesOfAnEndedRunAreTakenFromItsJournal) {
+  const std::string shares = folder.path("s.csv");
+  const std::vector<std::string> command = {"--above", "surface", "--height", "1.5",
+                                            "--rows",  "class",   "--shares", shares};
+  const auto gridTo = [&](const std::string& table) {
+    std::vector<std::string> whole = command;
+    whole.insert(whole.end(), {"-o", table});
+    return grid(whole);
+  };
+  ASSERT_EQ(0, gridTo(folder.path("v.csv")).status);
+  const std::string whole = Lumivane::Test::fileBytes(shares);
+  EXPECT_FALSE(std::filesystem::exists(shares + ".rows"));
+  // A table that cannot be written leaves the journal as a run leaves it that is ended there.
+  std::filesystem::create_symlink("/dev/full", folder.path("full.csv"));
+  EXPECT_EQ(1, gridTo(folder.path("full.csv")).status);
+  const std::string journal = Lumivane::Test::fileBytes(shares + ".rows");
+  EXPECT_EQ(41, std::count(journal.begin(), journal.end(), '\n'));
+  // Three rows and a torn one are left of it.
+  std::size_t end = 0;
+  for (int i = 0; i < 4; ++i) end = journal.find('\n', end) + 1;
+  std::ofstream(shares + ".rows", std::ios::trunc) << journal.substr(0, end + 20);
+  std::filesystem::remove(shares);
+  const Result again = gridTo(folder.path("v.csv"));
+  ASSERT_EQ(0, again.status) << again.err;
+  EXPECT_NE(std::string::npos, again.err.find("3 eyes are known from the run before")) << again.err;
+  EXPECT_EQ(whole, Lumivane::Test::fileBytes(shares));
+  EXPECT_FALSE(std::filesystem::exists(shares + ".rows"));
 }
 
 TEST_F(GridPlaces, GroundIsUnderHousesButNoRoof) {

@@ -72,6 +72,9 @@ TEST(GridProgram, NonsenseIsReported) {
   const Result zero = grid({"--spacing", "0", "--height", "1"});
   EXPECT_EQ(1, zero.status);
   EXPECT_EQ("lumivane: --spacing: must be greater than 0\n", zero.err);
+  EXPECT_EQ(2, grid({"--spacing", "inf", "--height", "1"}).status);
+  EXPECT_NE(std::string::npos,
+            grid({"--spacing", "1e300", "--height", "1"}).out.find(",1,1,1e+300\n"));
   const Result many = grid({"--spacing", "1e-4", "--height", "1"});
   EXPECT_EQ(1, many.status);
   EXPECT_EQ("lumivane: --spacing: 1e-04 makes more than 1e+07 eyes over the scene\n", many.err);

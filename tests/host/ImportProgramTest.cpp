@@ -149,10 +149,10 @@ TEST(ImportProgram, OutputsNeverTakeThePlaceOfTheFile) {
   const TempFolder folder;
   const std::string file = folder.file("cube.obj", fileBytes(Cube));
   expectFailure(run({"import", file, "-o", file}), 2,
-                "lumivane: " + file + ": is already named for another file");
+                "lumivane: --output: \"" + file + "\" is already named for another file");
   const std::string out = folder.path("scene");
   expectFailure(run({"import", file, "-o", out, "--stats", out}), 2,
-                "lumivane: " + out + ": is already named for another file");
+                "lumivane: --stats: \"" + out + "\" is already named for another file");
   EXPECT_EQ(fileBytes(Cube), fileBytes(file));
 }
 

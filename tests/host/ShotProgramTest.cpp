@@ -412,10 +412,10 @@ TEST(ShotProgram, OutputsNeverReplaceTheSceneOrEachOther) {
   const TempFolder folder;
   const std::string scene = folder.file("s.json", fileBytes(Small));
   expectFailure(runView(scene, {"-o", scene}), 2,
-                "lumivane: " + scene + ": is already named for another file");
+                "lumivane: --output: \"" + scene + "\" is already named for another file");
   const std::string out = folder.path("a");
   expectFailure(runView(scene, {"-o", out, "--stats", out}), 2,
-                "lumivane: " + out + ": is already named for another file");
+                "lumivane: --stats: \"" + out + "\" is already named for another file");
   EXPECT_EQ(fileBytes(Small), fileBytes(scene));
 }
 
@@ -428,7 +428,7 @@ TEST(ShotProgram, TwoOutputsUnderTwoSpellingsOfOneNameAreRefused) {
        {"-o a.out --stats ./a.out", "-o link --stats a.out", "-o a.out --stats link"}) {
     const Result result = Lumivane::Test::runProcess({"/bin/sh", "-c", shell + outputs});
     EXPECT_EQ(2, result.status) << outputs;
-    EXPECT_NE(std::string::npos, result.err.find(": is already named for another file"))
+    EXPECT_NE(std::string::npos, result.err.find("\" is already named for another file"))
         << result.err;
     EXPECT_FALSE(std::filesystem::exists(folder.path("a.out"))) << outputs;
   }

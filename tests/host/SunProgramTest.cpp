@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -137,6 +139,139 @@ TEST_F(SunProgram, ManyEyesHaveARowEachAndThoseInsideAreFlagged) {
   EXPECT_EQ(fileBytes(folder.path("t.csv")), atOnce);
 }
 
+// A table of eyes in the court, each a little higher.
+std::string manyEyes(const TempFolder& folder, int count) {
+  std::string text = "name,eye\n";
+  for (int i = 0; i < count; ++i)
+    text += "e" + std::to_string(i) + ",\"231.8,-183.6," + std::to_string(1 + i) + ".5\"\n";
+  return folder.file("many.csv", text);
+}
+
+// The first lines of a file, the first few characters of the next one included.
+void tear(const std::string& path, int lines) {
+  const std::string text = fileBytes(path);
+  std::size_t end = 0;
+  for (int i = 0; i < lines; ++i) end = text.find('\n', end) + 1;
+  std::ofstream(path, std::ios::trunc) << text.substr(0, end + 9);
+}
+
+TEST_F(SunProgram, WhatIsLeftOfAnEndedRunIsTakenFromItsJournal) {
+  const Words command = Words{"--views", manyEyes(folder, 4)} + Place +
+                        Words{"--day", "2024-03-20", "--sky", "patches:145"};
+  const std::string days = folder.path("d.csv");
+  const std::string values = folder.path("v.csv");
+  const Words outputs = {"--days", days, "--totals", folder.path("t.csv"), "--sky-values", values};
+  ASSERT_EQ(0, sun(command + outputs).status);
+  EXPECT_FALSE(std::filesystem::exists(days + ".rows"));
+  const std::string wholeTotals = fileBytes(folder.path("t.csv"));
+  const std::string wholeValues = fileBytes(values);
+  // A table that cannot be written leaves the journal as a run leaves it that is ended there.
+  std::filesystem::create_symlink("/dev/full", folder.path("full.csv"));
+  const Words failing = {"--days",       days,  "--totals", folder.path("full.csv"),
+                         "--sky-values", values};
+  EXPECT_EQ(1, sun(command + failing).status);
+  ASSERT_TRUE(std::filesystem::exists(days + ".rows"));
+  for (const int known : {4, 2, 0}) {
+    if (known == 0) std::ofstream(days + ".rows") << "lumivane sun 0000000000000000\n0 0 0 0\n";
+    if (known == 2) tear(days + ".rows", 1 + known);
+    std::filesystem::remove(values);
+    const Result again = sun(command + outputs);
+    ASSERT_EQ(0, again.status) << again.err;
+    const std::string line = std::to_string(known) + " eyes are known from the run before";
+    EXPECT_EQ(known > 0, again.out.find(line) != std::string::npos) << again.out;
+    EXPECT_EQ(wholeTotals, fileBytes(folder.path("t.csv"))) << known;
+    EXPECT_EQ(wholeValues, fileBytes(values)) << known;
+    EXPECT_FALSE(std::filesystem::exists(days + ".rows"));
+    if (known > 2) {
+      EXPECT_EQ(1, sun(command + failing).status);
+    }
+  }
+}
+
+TEST_F(SunProgram, ARunThatIsKilledGoesOnToTheSameBytes) {
+  const std::string totals = folder.path("t.csv");
+  const Words command = Words{"--views", manyEyes(folder, 12), "--year", "2024", "--totals",
+                              totals,    "--threads",          "1"} +
+                        Place;
+  ASSERT_EQ(0, sun(command).status);
+  const std::string whole = fileBytes(totals);
+  std::filesystem::remove(totals);
+  const auto hasRows = [&] {
+    if (!std::filesystem::exists(totals + ".rows")) return false;
+    const std::string rows = fileBytes(totals + ".rows");
+    return std::count(rows.begin(), rows.end(), '\n') > 2;
+  };
+  const Result stopped = Lumivane::Test::runUntil(
+      Words{LUMIVANE_PROGRAM, "sun", Rotterdam} + command, {{"DISPLAY", {}}}, 9, hasRows);
+  if (stopped.bySignal) {
+    EXPECT_FALSE(std::filesystem::exists(totals));
+    const Result again = sun(command);
+    ASSERT_EQ(0, again.status) << again.err;
+    EXPECT_NE(std::string::npos, again.out.find(" eyes are known")) << again.out;
+  }
+  EXPECT_EQ(whole, fileBytes(totals));
+  EXPECT_FALSE(std::filesystem::exists(totals + ".rows"));
+}
+
+TEST_F(SunProgram, ADayThatTheCalendarLeavesOutHasNoRow) {
+  const Words apia = {"--latitude", "-13.83", "--longitude", "-171.76",
+                      "--north",    "90",     "--time-zone", "Pacific/Apia"};
+  const Result result =
+      sun(Court + apia +
+          Words{"--from", "2011-12-29", "--to", "2011-12-31", "--days", folder.path("d.csv")});
+  ASSERT_EQ(0, result.status) << result.err;
+  const std::vector<Words> days = rows(folder.path("d.csv"));
+  ASSERT_EQ(3U, days.size());
+  EXPECT_EQ("2011-12-29", days[1][1]);
+  EXPECT_EQ("2011-12-29T07:04:", days[1][2].substr(0, 17));
+  EXPECT_EQ("-10:00", days[1][2].substr(22));
+  EXPECT_EQ("2011-12-31", days[2][1]);
+  EXPECT_EQ("+14:00", days[2][2].substr(22));
+  for (const std::size_t day : {1U, 2U}) EXPECT_NEAR(12.81, std::stod(days[day][7]), 0.01);
+  const Result none = sun(Court + apia + Words{"--day", "2011-12-30"});
+  EXPECT_EQ(1, none.status);
+  EXPECT_NE(std::string::npos, none.err.find("2011-12-30 is in no calendar of the place"))
+      << none.err;
+}
+
+TEST_F(SunProgram, ATimeThatClocksDoNotShowOnceIsRefusedButWithItsOffset) {
+  const auto at = [](const std::string& time) {
+    return sun(Court + Place + Words{"--sky", "cie:12", "--at", time});
+  };
+  const Result never = at("2024-03-31T02:30");
+  EXPECT_EQ(2, never.status);
+  EXPECT_NE(std::string::npos, never.err.find("put forward to 2024-03-31T03:00")) << never.err;
+  const Result twice = at("2024-10-27T02:30");
+  EXPECT_EQ(2, twice.status);
+  EXPECT_NE(std::string::npos, twice.err.find("add +02:00 or +01:00")) << twice.err;
+  EXPECT_NE(std::string::npos, at("2024-10-27T02:30+01:00").err.find("the sun is not up"));
+  const std::string noon = at("2024-06-21T12:00").out;
+  EXPECT_NE(std::string::npos, noon.find("level_component: "));
+  EXPECT_EQ(noon, at("2024-06-21T12:00+02:00").out);
+  EXPECT_EQ(noon, at("2024-06-21T10:00Z").out);
+  EXPECT_NE(noon, at("2024-06-21T12:00Z").out);
+}
+
+TEST_F(SunProgram, ClassesOfATableStandBesideWhatIsInFrontOfTheSun) {
+  const std::string classes =
+      folder.file("c.csv", "id,class\n{C6AAF95B-8C09-4130-AB4D-6777A2A18A2E},\"Mill, old\"\n");
+  const Words command = Court + Place + Words{"--day", "2024-03-20", "--classes", classes};
+  const Result printed = sun(command);
+  ASSERT_EQ(0, printed.status) << printed.err;
+  EXPECT_NE(std::string::npos,
+            printed.out.find("behind {C6AAF95B-8C09-4130-AB4D-6777A2A18A2E} (Mill, old): 4.08"))
+      << printed.out;
+  ASSERT_EQ(0, sun(command + Words{"--intervals", folder.path("i.json"), "--svg",
+                                   folder.path("p.svg"), "--color-by", "class"})
+                   .status);
+  std::set<std::string> found;
+  const json intervals = json::parse(fileBytes(folder.path("i.json")));
+  for (const json& row : intervals.at("rows"))
+    if (row.contains("class")) found.insert(row.at("class").get<std::string>());
+  EXPECT_EQ((std::set<std::string>{"Mill, old", "Wall"}), found);
+  EXPECT_EQ(2, sun(command + Words{"--days", classes}).status);
+}
+
 TEST_F(SunProgram, TheDiagramAndThePageHoldTheCellsAndThePaths) {
   const Result result =
       sun(Court + Place + Words{"--day", "2024-03-20", "--svg", folder.path("p.svg")});
@@ -206,6 +341,10 @@ TEST(SunProgramSky, WrongArgumentsAreNamed) {
   refused(Court + Place + Words{"--horizon", folder.path("h.hor"), "--horizon-step", "7"},
           "does not divide 360");
   refused(Court + Place + day + Words{"--days", Rotterdam}, "rotterdam.city.json");
+  const std::string out = folder.path("d.csv");
+  refused(Court + Place + day + Words{"--days", out, "--totals", out},
+          "--totals: \"" + out + "\" is already named for another file");
+  refused(Court + Words{"--sky", "uniform", "--horizon-step", "5"}, "--horizon");
   refused(Court + Place + Words{"--from", "2024-03-02", "--to", "2024-03-01"}, "--to: is before");
   refused(Court + Words{"--sky", "uniform", "--plane", "0,0,0"}, "--plane: is not a direction");
   refused(Court + Place + day + Words{"--plane", "0,1,0"}, "--plane: gets the light of --sky");

@@ -47,6 +47,31 @@ TEST(CivilTime, ClocksShowWhatTheirStepsSay) {
   EXPECT_EQ("1970-01-01T05:30:00.000000+05:30", TimeZone(19800).text(0.0, 6));
 }
 
+// As in Apia in 2011, which went over the 30th of December.
+TEST(CivilTime, ADayThatTheCalendarLeavesOutHasNoLength) {
+  const double change = 1325239200.0;  // 2011-12-30 10:00 UTC
+  const TimeZone zone({{0.0, -10 * 3600}, {change, 14 * 3600}});
+  EXPECT_EQ(change - 86400.0, zone.momentOf({2011, 12, 29}));
+  EXPECT_EQ(change, zone.momentOf({2011, 12, 30}));
+  EXPECT_EQ(change, zone.momentOf({2011, 12, 30}, 43200.0));
+  EXPECT_EQ(change, zone.momentOf({2011, 12, 31}));
+  EXPECT_EQ(change + 86400.0, zone.momentOf({2012, 1, 1}));
+  EXPECT_TRUE(zone.momentsAt({2011, 12, 30}, 43200.0).empty());
+}
+
+TEST(CivilTime, ATimeIsShownOnceButWhereClocksChange) {
+  // 2024-03-31 01:00 UTC and 2024-10-27 01:00 UTC.
+  const TimeZone zone({{0.0, 3600}, {1711846800.0, 7200}, {1729990800.0, 3600}});
+  EXPECT_EQ(std::vector<double>{1711843200.0}, zone.momentsAt({2024, 3, 31}, 3600.0));
+  EXPECT_TRUE(zone.momentsAt({2024, 3, 31}, 2.5 * 3600.0).empty());
+  EXPECT_EQ(1711846800.0, zone.momentOf({2024, 3, 31}, 2.5 * 3600.0));
+  EXPECT_EQ(std::vector<double>{1711846800.0}, zone.momentsAt({2024, 3, 31}, 3.0 * 3600.0));
+  EXPECT_EQ((std::vector<double>{1729989000.0, 1729992600.0}),
+            zone.momentsAt({2024, 10, 27}, 2.5 * 3600.0));
+  EXPECT_EQ(1729989000.0, zone.momentOf({2024, 10, 27}, 2.5 * 3600.0));
+  EXPECT_EQ(std::vector<double>{1729994400.0}, zone.momentsAt({2024, 10, 27}, 3.0 * 3600.0));
+}
+
 TEST(CivilTime, StepsOutOfOrderAreRefused) {
   EXPECT_THROW(TimeZone(std::vector<TimeZone::Step>{}), std::invalid_argument);
   EXPECT_THROW(TimeZone({{5.0, 0}, {5.0, 1}}), std::invalid_argument);

@@ -70,12 +70,19 @@ class Work {
   std::atomic<std::size_t> done{0};
 };
 
-std::vector<SpanRow> spansOf(const std::vector<std::vector<SunDay>>& eyes) {
+// Days that the place's calendar leaves out have their positions, too.
+std::size_t positionOf(const SunDay& day, const WantedSun& wanted) {
+  return static_cast<std::size_t>(dayNumber(day.date) - dayNumber(wanted.first));
+}
+
+std::vector<SpanRow> spansOf(const std::vector<std::vector<SunDay>>& eyes,
+                             const WantedSun& wanted) {
   std::vector<SpanRow> rows;
   for (std::size_t eye = 0; eye < eyes.size(); ++eye)
-    for (std::size_t day = 0; day < eyes[eye].size(); ++day)
-      for (const SunSpan& span : eyes[eye][day].spans)
-        rows.push_back({static_cast<std::int32_t>(eye), static_cast<std::int32_t>(day), span.object,
+    for (const SunDay& day : eyes[eye])
+      for (const SunSpan& span : day.spans)
+        rows.push_back({static_cast<std::int32_t>(eye),
+                        static_cast<std::int32_t>(positionOf(day, wanted)), span.object,
                         span.classNumber, span.start, span.end});
   return rows;
 }
@@ -102,17 +109,18 @@ py::dict sunHoursOf(const SceneData& scene, const WantedSun& wanted, const py::o
   const auto count = static_cast<std::size_t>(dayNumber(wanted.last) - dayNumber(wanted.first) + 1);
   Array<double> lit = zeros(eyes.size(), count);
   Array<double> daylight = zeros(eyes.size(), count);
-  double* litAt = lit.mutable_data();
-  double* daylightAt = daylight.mutable_data();
-  for (const std::vector<SunDay>& days : eyes)
-    for (const SunDay& day : days) {
-      *litAt++ = day.litSeconds();
-      *daylightAt++ = day.daylightSeconds();
+  double* const litAt = lit.mutable_data();
+  double* const daylightAt = daylight.mutable_data();
+  for (std::size_t eye = 0; eye < eyes.size(); ++eye)
+    for (const SunDay& day : eyes[eye]) {
+      const std::size_t at = eye * count + positionOf(day, wanted);
+      litAt[at] = day.litSeconds();
+      daylightAt[at] = day.daylightSeconds();
     }
   py::dict result;
   result["lit"] = lit;
   result["daylight"] = daylight;
-  result["spans"] = readOnly(spansOf(eyes));
+  result["spans"] = readOnly(spansOf(eyes, wanted));
   return result;
 }
 

@@ -28,7 +28,7 @@ from ._content import content_name
 from ._factors import FaceFactors
 from ._map import VisibleMap
 from ._shot import Shot
-from ._sun import Day, SunHours, Zone, day_of, steps_of
+from ._sun import Day, SunHours, Zone, day_of, north_of, steps_of
 
 if TYPE_CHECKING:
     import scipy.sparse
@@ -369,7 +369,7 @@ class Scene:
         `longitude`: {{Place.longitude}}.
         `time_zone`: what the clocks show: a name as "Europe/Amsterdam", a `datetime.tzinfo`, or
             the hours that they are ahead of UTC.
-        `north`: {{Place.north}}
+        `north`: {{Place.north}} Or its angle in degrees from x towards y: 90 where y points north.
         `lowest_elevation`: {{SunHours.Options.lowestElevation}}.
         `two_sided`: {{LookOptions.twoSided}}.
         `threads`: how many; 0 for all processors. Results do not depend on it.
@@ -390,7 +390,7 @@ class Scene:
             (end.year, end.month, end.day),
             latitude,
             longitude,
-            vector(north, "north"),
+            north_of(north),
             steps_of(time_zone, start, end),
             lowest_elevation,
             two_sided,

@@ -3,12 +3,13 @@
 from __future__ import annotations
 
 import datetime
+import math
 from typing import Any, Union
 
 import numpy as np
 import numpy.typing as npt
 
-from ._arguments import FloatArray
+from ._arguments import FloatArray, vector
 
 Day = Union[datetime.date, str, np.datetime64]
 Zone = Union[str, float, datetime.tzinfo]
@@ -31,7 +32,8 @@ class SunHours:
 
     @property
     def days(self) -> npt.NDArray[np.datetime64]:
-        """The days, `datetime64[D]`, shape (days,)."""
+        """The days, `datetime64[D]`, shape (days,); those that the place's calendar leaves out, as
+        2011-12-30 in Apia, are among them, without hours."""
         return np.datetime64(self._first, "D") + np.arange(self._parts["lit"].shape[1])
 
     @property
@@ -89,6 +91,16 @@ def day_of(value: Day, name: str) -> datetime.date:
     except ValueError:
         raise ValueError(f'{name}: "{value}" is no day YYYY-MM-DD') from None
     return day
+
+
+def north_of(value: npt.ArrayLike) -> tuple[float, float, float]:
+    """The direction to the north: as given, or at an angle in degrees from x towards y."""
+    if isinstance(value, (int, float, np.integer, np.floating)) and not isinstance(value, bool):
+        if not math.isfinite(value):
+            raise ValueError(f"north: the angle is not finite, but {value}")
+        angle = math.radians(float(value))
+        return (math.cos(angle), math.sin(angle), 0.0)
+    return vector(value, "north")
 
 
 def steps_of(zone: Zone, first: datetime.date, last: datetime.date) -> list[tuple[float, int]]:

@@ -101,6 +101,9 @@ def test_a_roof_takes_the_sun_and_its_class_says_so():
 def test_north_turns_the_sun(street):
     turned = street.sun_hours(EYES, "2026-05-03", north=(1, 0, 0), **DELFT)
     same = street.sun_hours(EYES, "2026-05-03", north=(0, 2.5, 7), **DELFT)
+    by_angle = street.sun_hours(EYES, "2026-05-03", north=0, **DELFT)
+    assert np.array_equal(by_angle.spans, turned.spans)
+    assert np.allclose(street.sun_hours(EYES, "2026-05-03", north=90.0, **DELFT).hours, same.hours)
     usual = street.sun_hours(EYES, "2026-05-03", **DELFT)
     assert np.array_equal(same.hours, usual.hours)
     assert not np.allclose(turned.hours, usual.hours, atol=0.1)
@@ -185,6 +188,7 @@ def test_progress_rises_to_one_and_what_it_raises_ends_the_work(street):
         ({"latitude": 91}, ValueError, "latitude"),
         ({"longitude": math.nan}, ValueError, "longitude"),
         ({"north": (0, 0, 1)}, ValueError, "north"),
+        ({"north": float("nan")}, ValueError, "north: the angle is not finite"),
         ({"first": "2026-02-30"}, ValueError, 'first: "2026-02-30" is no day'),
         ({"first": 20260503}, TypeError, "first: a day is needed"),
         ({"first": datetime.datetime(2026, 5, 3)}, TypeError, "first: a day is needed"),

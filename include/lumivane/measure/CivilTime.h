@@ -49,9 +49,14 @@ class LUMIVANE_MEASURE_EXPORT TimeZone {
   explicit TimeZone(std::vector<Step> steps);
 
   int offsetAt(double moment) const;  ///< Seconds that clocks are ahead of UTC.
-  /// The moment at which clocks show a time of a day, in seconds after its midnight. Where clocks
-  /// show it twice or never, one of the moments near it.
+  /// The first moment at which clocks show a time of a day, in seconds after its midnight, or a
+  /// later one: where they are put forward over it, the moment at which that is done. So a day
+  /// begins where the one before it ends, and a day that the place's calendar leaves out has no
+  /// length.
   double momentOf(const CivilDate& date, double seconds = 0.0) const;
+  /// All moments at which clocks show a time of a day, in their order: one, but none for a time
+  /// over which they are put forward, and two for one that comes again when they are put back.
+  std::vector<double> momentsAt(const CivilDate& date, double seconds) const;
   CivilDate dateAt(double moment) const;  ///< What calendars of the place show.
   /// What clocks show, as YYYY-MM-DDTHH:MM:SS and the offset as +HH:MM (ISO 8601), cut off after
   /// so many decimals of the second (0 to 6).

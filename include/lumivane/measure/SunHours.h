@@ -75,7 +75,8 @@ class LUMIVANE_MEASURE_EXPORT SunHours {
   SunHours(const Visibility::SceneIndex& scene, const Visibility::Vector& eye, const SunPath& path,
            bool twoSided = false);
 
-  const std::vector<SunDay>& days() const { return theDays; }  ///< All days of the path.
+  /// All days of the path, without those that the place's calendar leaves out.
+  const std::vector<SunDay>& days() const { return theDays; }
   std::vector<SunMonth> months() const;  ///< The days by month, in the order of time.
   std::vector<SunShade> shades() const;  ///< What stands in front of the sun, longest first.
   double litSeconds() const;             ///< Of all days together.
