@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ImportSettings.h"
+#include "SunPlaceOptions.h"
 #include "VectorFiles.h"
 
 #include <lumivane/session/ViewSettings.h>
@@ -62,7 +63,8 @@ struct ViewOptions {
   std::string pdf;
   std::string png;
   std::string html;
-  std::string report;  ///< the page to print
+  std::string report;     ///< the page to print
+  SunPlaceOptions where;  ///< for the sun hours of that page
   std::string projection = "fisheye";
   std::string colorBy = "brush";
   std::optional<Size> size;  ///< without it 800 pixels high, and as wide as the projection

@@ -9,12 +9,12 @@
 #include "SceneSource.h"
 #include "Stats.h"
 #include "StatsNumbers.h"
+#include "ViewReport.h"
 #include "Warnings.h"
 
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/MapPicture.h>
-#include <lumivane/pictures/ReportPage.h>
 #include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/session/Files.h>
@@ -122,16 +122,6 @@ std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
   return page.text();
 }
 
-std::string reportOf(const VisibleMap& map, const Pictures::MapColors& colors,
-                     Pictures::MapPictureOptions options, const MapShares& shares, bool isInside) {
-  const std::string scene = std::exchange(options.title, "");
-  options.extent = 1.02;  // so that no line of the rim is cut
-  Pictures::ReportPage page("What is seen in " + scene, VectorPicture(map, colors, options), map,
-                            shares);
-  if (isInside) page.addFact("Inside a body", "yes: what is seen is as if the body were not there");
-  return page.text();
-}
-
 Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedScene& scene,
                              const VisibleMap& map) {
   if (options.colorBy == "class") return Pictures::MapColors::byClass(map);
@@ -139,8 +129,8 @@ Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedSc
 }
 
 void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
-                 const VisibleMap& map, const MapShares& shares, bool isInside,
-                 std::vector<Output>& outputs) {
+                 const ExactScene& exact, const VisibleMap& map, const MapShares& shares,
+                 bool isInside, std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
   if (!isDrawn && options.html.empty() && options.report.empty()) return;
   const Pictures::MapColors colors = colorsOf(options, scene, map);
@@ -153,7 +143,8 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
   }
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
   if (!options.report.empty())
-    outputs.push_back({options.report, reportOf(map, colors, how, shares, isInside)});
+    outputs.push_back(
+        {options.report, viewReport(options, exact, {map, shares, colors, how, isInside})});
 }
 
 void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
@@ -165,7 +156,7 @@ void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
     outputs.push_back({options.shares, exact.sharesText(options.shares, options.rows,
                                                         options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
-  addPictures(options, scene, map, shares, isInside, outputs);
+  addPictures(options, scene, exact, map, shares, isInside, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
 }
 
@@ -204,6 +195,7 @@ void report(const ViewOptions& options, const VisibleMap& map, const MapShares& 
 }  // namespace
 
 void runView(const ViewOptions& options) {
+  checkReport(options);
   Session::checkReadable(options.scene);
   checkOutputs(options);
   ViewSeconds seconds;

@@ -31,7 +31,9 @@ void addMapPictures(CLI::App& command, ViewOptions& options) {
   addFile(command, "--html", options.html,
           "page to explore the map in a browser, with the shares of the objects", Pictures);
   addFile(command, "--report", options.report,
-          "page to print: the picture, the sky view factor, tables by class and object", Pictures);
+          "page to print: the picture, the sky view factor, tables by class and object, and sun "
+          "hours where place and days are given",
+          Pictures);
   std::vector<std::string> names;
   for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     names.emplace_back(entry.name);
@@ -67,6 +69,7 @@ void setViewOptions(CLI::App& command, ViewOptions& options) {
       ->check(CLI::Range(0, 1024))
       ->capture_default_str();
   addMapPictures(command, options);
+  addSunPlace(command, options.where, "Sun hours of the page to print (--report)");
 }
 
 }  // namespace Lumivane::Host

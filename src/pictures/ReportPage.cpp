@@ -3,8 +3,10 @@
 
 #include "kernel/DisplayText.h"
 #include "pictures/ClassColor.h"
+#include "pictures/SunTables.h"
 #include "pictures/SvgText.h"
 
+#include <lumivane/measure/SunHours.h>
 #include <lumivane/pictures/ReportPage.h>
 #include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/pictures/VectorPicture.h>
@@ -45,6 +47,7 @@ table { border-collapse: collapse; width: 100%; font-size: 8pt;
         font-variant-numeric: tabular-nums }
 th, td { text-align: right; padding: 0.6mm 1.2mm; border-bottom: 0.2mm solid #ccc }
 th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; min-width: 38mm }
+section svg { display: block; width: 110mm; height: auto; margin: 2mm auto }
 thead { display: table-header-group } tr { break-inside: avoid }
 i { display: inline-block; width: 3mm; height: 3mm; margin-right: 2mm; border: 0.2mm solid #555;
     print-color-adjust: exact; -webkit-print-color-adjust: exact })";
@@ -71,6 +74,11 @@ std::string vectorText(const Visibility::Vector& v) {
 }
 
 bool isHemisphere(const VisibleMap& map) { return map.field == Field::Hemisphere; }
+
+// Only then is the sky's view factor what the word means.
+bool looksUp(const VisibleMap& map) {
+  return isHemisphere(map) && map.forward == Visibility::Vector{0.0, 0.0, 1.0};
+}
 
 std::vector<std::string> shareColumns(const VisibleMap& map) {
   if (!isHemisphere(map)) return {"solid angle, sr", "share of the sphere"};
@@ -165,9 +173,12 @@ std::string swatch(const std::string& className) {
 }
 
 // \param areClasses  whether the first cells are classes, which have colours
-std::string htmlOf(const Table& table, bool areClasses) {
+// \param svg         a picture between the note and the table; may be empty
+std::string htmlOf(const Table& table, bool areClasses, const std::string& svg) {
   std::string text = "<section>\n<h2>" + htmlText(table.title) + "</h2>\n";
   if (!table.note.empty()) text += "<p>" + htmlText(table.note) + "</p>\n";
+  text += svg;
+  if (table.columns.empty()) return text + "</section>\n";
   text += "<table>\n<thead><tr>";
   for (const std::string& column : table.columns) text += "<th>" + htmlText(column) + "</th>";
   text += "</tr></thead>\n<tbody>\n";
@@ -192,7 +203,9 @@ ReportPage::ReportPage(const std::string& title, const VectorPicture& picture,
   addFact("forward", vectorText(map.forward));
   addFact("up", vectorText(map.up));
   addFact("field", isHemisphere(map) ? "hemisphere" : "sphere");
-  if (isHemisphere(map)) addFact("sky view factor", fixed(shares.sky().viewFactor, ShareDecimals));
+  if (isHemisphere(map))
+    addFact(looksUp(map) ? "sky view factor" : "view factor of the sky",
+            fixed(shares.sky().viewFactor, ShareDecimals));
   addFact("sky's share of the field",
           fixed(shares.sky().solidAngle / map.fieldSolidAngle(), ShareDecimals));
   if (map.names != nullptr && !map.names->classNames.empty()) add(classTable(map, shares));
@@ -203,7 +216,35 @@ void ReportPage::addFact(const std::string& name, const std::string& value) {
   facts.push_back({name, value});
 }
 
-void ReportPage::add(Table table) { tables.push_back(std::move(table)); }
+void ReportPage::add(Table table) { sections.push_back({std::move(table), ""}); }
+
+void ReportPage::addSun(const VisibleMap& upwards, const Measure::Place& place,
+                        const std::vector<Measure::SunDay>& days, const std::string& diagram) {
+  double lit = 0.0;
+  double daylight = 0.0;
+  for (const Measure::SunDay& day : days) {
+    lit += day.litSeconds();
+    daylight += day.daylightSeconds();
+  }
+  constexpr double HourSeconds = 3600.0;
+  addFact("latitude, longitude", shortest(place.latitude) + ", " + shortest(place.longitude));
+  if (!days.empty()) {
+    const std::string first = Measure::dateText(days.front().date);
+    const std::string last = Measure::dateText(days.back().date);
+    addFact(days.size() > 1 ? "days" : "day", days.size() > 1 ? first + " to " + last : first);
+  }
+  addFact("sun hours", fixed(lit / HourSeconds, LengthDecimals));
+  addFact("daylight hours", fixed(daylight / HourSeconds, LengthDecimals));
+  bool isFirst = true;
+  for (SunTable& part : sunTables(days, place.zone, upwards.names.get())) {
+    if (isFirst)
+      part.table.note =
+          "The sun is the centre of its disc, without refraction. Looking up: north above, east on "
+          "the left.";
+    sections.push_back({std::move(part.table), isFirst ? diagram : ""});
+    isFirst = false;
+  }
+}
 
 std::string ReportPage::text() const {
   std::string text =
@@ -213,8 +254,10 @@ std::string ReportPage::text() const {
   for (const Fact& fact : facts)
     text += "<dt>" + htmlText(fact.name) + "</dt><dd>" + htmlText(fact.value) + "</dd>\n";
   text += "</dl>\n</div>\n";
-  for (const Table& table : tables)
-    text += htmlOf(table, !table.columns.empty() && table.columns.front() == "class");
+  for (const Section& section : sections) {
+    const std::vector<std::string>& columns = section.table.columns;
+    text += htmlOf(section.table, !columns.empty() && columns.front() == "class", section.svg);
+  }
   return text + "</body>\n</html>\n";
 }
 

@@ -1,6 +1,6 @@
 // A page is put together as a tree, so that no text needs care; the diagram's SVG stands in it as
 // it is.
-#include "kernel/DisplayText.h"
+#include "pictures/SunTables.h"
 #include "pictures/SvgText.h"
 
 #include <lumivane/pictures/SunDiagram.h>
@@ -16,10 +16,8 @@ namespace Lumivane::Pictures {
 namespace {
 
 using Measure::SunDay;
-using Measure::SunSpan;
 using Cells = std::vector<std::string>;
 
-constexpr size_t MostDays = 31;  // that are shown as days
 constexpr const char* DiagramPlace = "<!--diagram-->";
 constexpr const char* Style =
     "body{font-family:sans-serif;margin:1.5em auto;max-width:60em;color:#222}"
@@ -27,13 +25,6 @@ constexpr const char* Style =
     "th,td{padding:.15em .8em;border-bottom:1px solid #ccc;text-align:left}"
     "td.number{text-align:right;font-variant-numeric:tabular-nums}"
     "@media print{body{margin:0}table{break-inside:avoid}}";
-
-std::string hours(double seconds) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%d:%02d:%02d", static_cast<int>(seconds / 3600.0),
-                static_cast<int>(seconds / 60.0) % 60, static_cast<int>(seconds) % 60);
-  return buffer;
-}
 
 class Page {
  public:
@@ -62,27 +53,10 @@ class Page {
   }
 
   void addDays(const std::vector<SunDay>& days) {
-    if (days.empty()) return;
-    if (days.size() == 1) addSpans(days[0]);
-    pugi::xml_node table =
-        addTable("Sun hours", {days.size() > MostDays ? "month" : "day", "sun", "daylight"});
-    double lit = 0.0;
-    double daylight = 0.0;
-    const auto add = [&](const std::string& name, double litSeconds, double daylightSeconds) {
-      addRow(table, {name, hours(litSeconds), hours(daylightSeconds)}, 1);
-      lit += litSeconds;
-      daylight += daylightSeconds;
-    };
-    if (days.size() > MostDays) {
-      for (const Measure::SunMonth& month : Measure::sunMonths(days))
-        add(Measure::dateText({month.year, month.month, 1}).substr(0, 7), month.litSeconds,
-            month.daylightSeconds);
-    } else {
-      for (const SunDay& day : days)
-        add(Measure::dateText(day.date), day.litSeconds(), day.daylightSeconds());
+    for (const SunTable& part : sunTables(days, place.zone, map.names.get())) {
+      pugi::xml_node table = addTable(part.table.title, part.table.columns);
+      for (const Cells& row : part.table.rows) addRow(table, row, part.firstNumber);
     }
-    if (days.size() > 1) addRow(table, {"together", hours(lit), hours(daylight)}, 1);
-    addShades(days);
   }
 
   std::string text(const std::string& diagram) const {
@@ -98,8 +72,8 @@ class Page {
   }
 
  private:
-  pugi::xml_node addTable(const char* title, const Cells& columns) {
-    body.append_child("h2").text() = title;
+  pugi::xml_node addTable(const std::string& title, const Cells& columns) {
+    body.append_child("h2").text() = title.c_str();
     pugi::xml_node table = body.append_child("table");
     pugi::xml_node row = table.append_child("tr");
     for (const std::string& column : columns) row.append_child("th").text() = column.c_str();
@@ -114,37 +88,6 @@ class Page {
       if (i >= firstNumber) cell.append_attribute("class") = "number";
       cell.text() = xmlText(cells[i]).c_str();
     }
-  }
-
-  void addSpans(const SunDay& day) {
-    pugi::xml_node table = addTable("From when to when", {"from", "to", "what", "how long"});
-    for (const SunSpan& span : day.spans)
-      addRow(table,
-             {clock(span.start), clock(span.end),
-              span.isLit() ? "sun" : "behind " + nameOf(span.object, span.classNumber),
-              hours(span.seconds())},
-             3);
-  }
-
-  void addShades(const std::vector<SunDay>& days) {
-    const std::vector<Measure::SunShade> shades = Measure::sunShades(days);
-    if (shades.empty()) return;
-    pugi::xml_node table = addTable("In front of the sun", {"what", "how long"});
-    for (const Measure::SunShade& shade : shades)
-      addRow(table, {nameOf(shade.object, shade.classNumber), hours(shade.seconds)}, 1);
-  }
-
-  std::string clock(double moment) const { return place.zone.text(moment, 0).substr(11, 8); }
-
-  std::string nameOf(int object, int classNumber) const {
-    if (!map.names) return std::to_string(object);
-    const auto at = static_cast<size_t>(object) - 1;
-    const auto number = static_cast<size_t>(classNumber);
-    std::string result =
-        at < map.names->objectIds.size() ? Kernel::idText(map.names->objectIds[at]) : "";
-    if (classNumber >= 0 && number < map.names->classNames.size())
-      result += " (" + map.names->classNames[number] + ")";
-    return result;
   }
 
   const Visibility::VisibleMap& map;

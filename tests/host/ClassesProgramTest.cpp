@@ -4,6 +4,8 @@
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
 
+#include <lumivane/measure/SunPath.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -251,6 +253,36 @@ TEST(ClassesProgram, DrawingsHaveALegendOfThem) {
   EXPECT_FALSE(contains(svg, ">brush "));
   EXPECT_TRUE(contains(svg, "inkscape:label=\"Wall\""));
   EXPECT_TRUE(contains(fileBytes(folder.path("d.dxf")), "FILLS_ROOF"));
+}
+
+TEST(ClassesProgram, AReportSaysHowToGetSunHoursOrHoldsThem) {
+  const TempFolder folder;
+  const std::string page = folder.path("r.html");
+  const std::vector<std::string> place = {"--latitude=52", "--longitude=4.4", "--time-zone=1",
+                                          "--north=90"};
+  ASSERT_EQ(0, view(House, {"--report", page}).status);
+  EXPECT_TRUE(contains(fileBytes(page), "For sun hours give a place and days"));
+  std::vector<std::string> day = place;
+  day.insert(day.end(), {"--day=2024-03-20", "--report", page});
+  const Result result = view(House, day);
+  if (!Measure::SunPath::isBuilt()) {
+    EXPECT_EQ(1, result.status);
+    return;
+  }
+  ASSERT_EQ(0, result.status) << result.err;
+  const std::string text = fileBytes(page);
+  for (const char* const part :
+       {"<dt>sun hours</dt>", "<dt>day</dt><dd>2024-03-20</dd>", "From when to when",
+        "<th>daylight</th>", "<g id=\"sun\"", ", looking up</dd>", "<td>2024-03-20</td>"})
+    EXPECT_TRUE(contains(text, part)) << part;
+  EXPECT_FALSE(contains(text, "For sun hours give"));
+  // What is not there for a page is no use, and half a place is none.
+  const Result alone = view(House, place);
+  EXPECT_EQ(2, alone.status);
+  EXPECT_TRUE(contains(alone.err, "lumivane: --latitude: is for the sun hours of a page to print"));
+  const Result half = view(House, {"--report", page, "--day=2024-03-20"});
+  EXPECT_EQ(2, half.status);
+  EXPECT_TRUE(contains(half.err, "lumivane: --latitude: is needed")) << half.err;
 }
 
 TEST(ClassesProgram, AReportHasTablesByClassAndObject) {

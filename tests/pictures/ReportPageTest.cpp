@@ -1,5 +1,6 @@
 #include "visibility/Polygons.h"
 
+#include <lumivane/measure/SunHours.h>
 #include <lumivane/pictures/MapPicture.h>
 #include <lumivane/pictures/ReportPage.h>
 #include <lumivane/pictures/VectorPicture.h>
@@ -144,6 +145,58 @@ TEST(ReportPage, TakesTablesAndFactsOfAHost) {
 
 TEST(ReportPage, EqualLooksGiveEqualPages) {
   EXPECT_EQ(Looked(true).page().text(), Looked(true).page().text());
+}
+
+TEST(ReportPage, HoldsTheSunHoursOfTheEye) {
+  const Looked looked(true);
+  Measure::Place place;
+  place.latitude = 52.5;
+  place.longitude = -4.25;
+  Measure::SunDay day;
+  day.date = {2024, 3, 20};
+  day.spans = {{0.0, 3600.0, 2, 1}, {3600.0, 5400.0, 0, -1}};
+  ReportPage page = looked.page();
+  page.addSun(looked.map, place, {day}, "<svg id=\"paths\"></svg>");
+  const std::string text = page.text();
+  const pugi::xml_document document = parsed(text);
+  EXPECT_EQ((std::vector<std::vector<std::string>>{
+                {"from", "to", "what", "how long"},
+                {"00:00:00", "01:00:00", "behind roof (Roof)", "1:00:00"},
+                {"01:00:00", "01:30:00", "sun", "0:30:00"}}),
+            table(document, "From when to when"));
+  EXPECT_EQ((std::vector<std::vector<std::string>>{{"day", "sun", "daylight"},
+                                                   {"2024-03-20", "0:30:00", "1:30:00"}}),
+            table(document, "Sun hours"));
+  EXPECT_EQ(
+      (std::vector<std::vector<std::string>>{{"what", "how long"}, {"roof (Roof)", "1:00:00"}}),
+      table(document, "In front of the sun"));
+  EXPECT_NE(std::string::npos, text.find("<dt>sun hours</dt><dd>0.500</dd>"));
+  EXPECT_NE(std::string::npos, text.find("<dt>latitude, longitude</dt><dd>52.5, -4.25</dd>"));
+  EXPECT_EQ(1U, document.select_nodes("//section//svg[@id='paths']").size());
+}
+
+TEST(ReportPage, OfManyDaysItHoldsMonths) {
+  const Looked looked(true);
+  std::vector<Measure::SunDay> days(40);
+  for (std::size_t i = 0; i < days.size(); ++i) {
+    days[i].date = Measure::dateOfDay(Measure::dayNumber({2024, 1, 1}) + static_cast<int>(i));
+    days[i].spans = {{0.0, 360.0, 0, -1}};
+  }
+  ReportPage page = looked.page();
+  page.addSun(looked.map, Measure::Place(), days, "");
+  EXPECT_EQ((std::vector<std::vector<std::string>>{{"month", "sun", "daylight"},
+                                                   {"2024-01", "3:06:00", "3:06:00"},
+                                                   {"2024-02", "0:54:00", "0:54:00"},
+                                                   {"together", "4:00:00", "4:00:00"}}),
+            table(parsed(page.text()), "Sun hours"));
+}
+
+TEST(ReportPage, ATableWithoutColumnsIsANote) {
+  ReportPage page = Looked(true).page();
+  page.add({"Sun hours", "none", {}, {}});
+  const pugi::xml_document document = parsed(page.text());
+  EXPECT_EQ(1U, document.select_nodes("//section[h2='Sun hours']/p").size());
+  EXPECT_EQ(0U, document.select_nodes("//section[h2='Sun hours']/table").size());
 }
 
 }  // namespace
