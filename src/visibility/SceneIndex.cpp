@@ -59,6 +59,7 @@ PolygonScene SceneIndex::pieces() const {
   return result;
 }
 
+const VisibleMap::Names& SceneIndex::names() const { return *state->names; }
 std::size_t SceneIndex::regionCount() const { return state->names->regions.size(); }
 std::size_t SceneIndex::droppedRegionCount() const { return state->droppedRegions; }
 std::size_t SceneIndex::triangulatedRegionCount() const { return state->triangulatedRegions; }

@@ -78,8 +78,7 @@ class Looks {
  public:
   Looks(const SceneData& theScene, const ManyEyes& theMany) : scene(theScene), many(theMany) {
     for (const std::string& name : many.columns) columns.push_back(columnOf(name, many));
-    width =
-        many.byClass ? scene.polygons().classNames.size() + 1 : scene.polygons().objectIds.size();
+    width = many.byClass ? scene.names().classNames.size() + 1 : scene.names().objectIds.size();
     for (const Column& column : columns) {
       if (column.measure == nullptr) isAloneAsked = true;
       const bool isOne = column.isSky;

@@ -147,24 +147,24 @@ py::array bounds(const SceneData& self) {
 
 std::vector<std::string> objects(const SceneData& self) {
   std::vector<std::string> ids;
-  for (const std::string& id : self.polygons().objectIds) ids.push_back(Session::idText(id));
+  for (const std::string& id : self.names().objectIds) ids.push_back(Session::idText(id));
   return ids;
 }
 
 std::vector<std::string> classNames(const SceneData& self) {
   std::vector<std::string> names;
-  for (const std::string& name : self.polygons().classNames)
-    names.push_back(Session::utf8Text(name));
+  for (const std::string& name : self.names().classNames) names.push_back(Session::utf8Text(name));
   return names;
 }
 
 py::array regions(const SceneData& self) {
   const Visibility::PolygonScene& scene = self.polygons();
+  const Visibility::VisibleMap::Names& names = self.names();
   std::vector<RegionRow> rows;
-  for (std::size_t i = 0; i < scene.labels.size(); ++i) {
-    const Visibility::Label& label = scene.labels[i];
+  for (std::size_t i = 0; i < names.regions.size(); ++i) {
+    const Visibility::Label& label = names.regions[i];
     rows.push_back({label.object, label.face, label.region, self.placeOf(label),
-                    i < scene.classes.size() ? scene.classes[i] : -1,
+                    i < names.classes.size() ? names.classes[i] : -1,
                     static_cast<std::int32_t>(scene.offsets[i + 1] - scene.offsets[i])});
   }
   return readOnly(rows);
@@ -386,6 +386,9 @@ void bindScene(py::module_& module) {
       .def("import_report", &importReport)
       .def("text", &text)
       .def("class_table", &classTable)
+      .def("content_name", [](const SceneData& self) { return py::bytes(self.contentName()); })
+      .def("write", &SceneData::write, py::arg("path"), py::arg("content_name"),
+           py::arg("is_whole"), unlocked)
       .def("look", &look, py::arg("eye"), py::arg("forward"), py::arg("up"), py::arg("is_sphere"),
            py::arg("two_sided"), py::arg("alone"), py::arg("threads"), py::arg("progress"))
       .def("shares", &shares, py::arg("eyes"), py::arg("forwards"), py::arg("ups"),

@@ -6,6 +6,7 @@
 #include <lumivane/session/LoadedScene.h>
 #include <lumivane/session/TakenShot.h>
 #include <lumivane/visibility/PolygonScene.h>
+#include <lumivane/visibility/SceneFile.h>
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <cstddef>
@@ -33,9 +34,20 @@ class SceneData {
   static std::shared_ptr<SceneData> ofArrays(Visibility::PolygonScene arrays,
                                              std::vector<int> places);
 
+  /// A file of a scene that is ready (*.lumiscene), which stays mapped. \throws Session::Error
+  static std::shared_ptr<SceneData> ofFile(const std::string& path);
+  /// Writes such a file. \param contentName  is kept in it
+  /// \param isWhole  with outlines and scene, if they are there; otherwise with what looks need
+  /// alone \throws Session::Error
+  void write(const std::string& path, const std::string& contentName, bool isWhole);
+  /// What the file that the scene came from, ready, keeps as the name of its content; else empty.
+  std::string contentName() const;
+
   const Visibility::SceneIndex& index() const { return *theIndex; }
-  /// The outlines and what is known of them, in the scene's order.
-  const Visibility::PolygonScene& polygons() const { return arrays; }
+  /// Objects, classes and labels.
+  const Visibility::VisibleMap::Names& names() const { return theIndex->names(); }
+  /// The outlines, in the scene's order; of a file they are copied when they are first asked for.
+  const Visibility::PolygonScene& polygons() const;
   /// Where the outline of a region stood in the caller's arrays; the region's position among all
   /// of the scene if there were none; -1 for the sky.
   int placeOf(const Visibility::Label& label) const;
@@ -43,7 +55,8 @@ class SceneData {
   /// The table of the classes of a scene of a file; empty if it has none.
   std::string classTable();
 
-  bool isOfArrays() const { return !places.empty() || !loaded; }
+  /// Whether the scene has no colours of its own.
+  bool isOfArrays() const;
   const std::vector<int>& outlinePlaces() const { return places; }
   const std::optional<Importers::ImportReport>& importReport() const { return report; }
 
@@ -60,8 +73,11 @@ class SceneData {
 
  private:
   Session::LoadedScene& sessionScene();
+  Session::LoadedScene sceneOfFile() const;
 
-  Visibility::PolygonScene arrays;
+  mutable Visibility::PolygonScene arrays;
+  mutable std::once_flag areArraysCopied;
+  std::optional<Visibility::SceneFile> file;
   std::vector<int> places;
   std::optional<Visibility::SceneIndex> theIndex;
   std::optional<Importers::ImportedModel> model;

@@ -33,6 +33,8 @@ from ._sun import Day, SunHours, Zone, day_of, north_of, steps_of
 if TYPE_CHECKING:
     import scipy.sparse
 
+_READY = ".lumiscene"
+
 Progress = Callable[[float], object]
 Ragged = tuple[npt.ArrayLike, npt.ArrayLike]
 
@@ -80,6 +82,8 @@ class Scene:
     ) -> "Scene":
         """Reads a scene file (JSON), a mesh (OBJ, STL, PLY, glTF) or a city model (CityJSON).
 
+        Or a scene that is ready (*.lumiscene), as `write` and `lumivane import` write it.
+
         Classes come from a city model or mesh, and of a scene file from the table NAME.classes.csv
         beside it.
 
@@ -96,6 +100,8 @@ class Scene:
         name = path_bytes(path)
         options = (sides, scale, y_up, center, allow_outside)
         scene = _core.Scene.read(name, *options)
+        if os.fsdecode(name).endswith(_READY):
+            return cls(scene, ("ready",))
         if scene.import_report() is None:
             return cls(scene, ("text", name))
         return cls(scene, ("files", _files_of(name), options))
@@ -173,12 +179,35 @@ class Scene:
         not numbers if there are none."""
         return self._scene.bounds()
 
+    def write(self, path: PathLike) -> None:
+        """Writes the scene, ready to be looked at, into a file (*.lumiscene), whole or not at all.
+
+        `read` maps the file into memory: a scene of a million polygons is there in a fraction of a
+        second, and all processes of a machine share one copy of it. Looks have the same results, to
+        the last bit. It is a cache, which other versions may refuse: keep what it was made from.
+
+        Raises `ValueError` for a path with another ending, and `Error` if it cannot be written.
+        """
+        name = path_bytes(path)
+        if not os.fsdecode(name).endswith(_READY):
+            raise ValueError(f"path: {os.fsdecode(name)} does not end in {_READY}")
+        self._scene.write(name, self._name_to_keep(), True)
+
+    def _name_to_keep(self) -> bytes:
+        try:
+            return self.content_name.encode()
+        except TypeError:  # of what cannot be pickled
+            return b""
+
     @cached_property
     def content_name(self) -> str:
         """A name of all that results depend on besides the view: 64 hexadecimal digits, the SHA-256
         of the content. Equal content has equal names, in all processes and on all machines.
 
         Raises `TypeError` as pickling the scene does."""
+        kept = self._scene.content_name()
+        if kept:
+            return kept.decode()
         kind, *content = self.__reduce__()[1]
         if kind == "text":
             content = content[1:]  # without the path
@@ -487,6 +516,8 @@ class Scene:
         kind, *content = self._recipe
         if kind == "text":
             content = [content[0], self._scene.text(), self._scene.class_table()]
+        elif kind == "ready":
+            content = [ready_bytes(self._scene, self._scene.content_name(), True)]
         elif kind == "files" and content[0] is None:
             raise TypeError(
                 "the scene cannot be pickled: its model reads files outside the model's folder"
@@ -498,6 +529,8 @@ def _unpickled(kind: str, *content: Any) -> Scene:
     if kind == "text":
         name, text, classes = content
         return Scene(_core.Scene.of_text(text, name, classes), ("text", name))
+    if kind == "ready":
+        return Scene(scene_of_ready(content[0]), ("ready",))
     if kind == "arrays":
         return Scene(_core.Scene.of_arrays(*content[0]), ("arrays", content[0]))
     files, options = content
@@ -508,6 +541,22 @@ def _unpickled(kind: str, *content: Any) -> Scene:
             file.write_bytes(text)
         first = os.path.join(folder, os.fsdecode(files[0][0]))
         return Scene(_core.Scene.read(path_bytes(first), *options), ("files", files, options))
+
+
+def ready_bytes(scene: _core.Scene, content_name: bytes, is_whole: bool) -> bytes:
+    """A file of a scene that is ready; not whole, with what looks need alone."""
+    with tempfile.TemporaryDirectory() as folder:
+        file = Path(folder, "scene" + _READY)
+        scene.write(path_bytes(file), content_name, is_whole)
+        return file.read_bytes()
+
+
+def scene_of_ready(content: bytes) -> _core.Scene:
+    """The scene of such a file, which is mapped and has no name any more."""
+    with tempfile.TemporaryDirectory() as folder:
+        file = Path(folder, "scene" + _READY)
+        file.write_bytes(content)
+        return _core.Scene.read(path_bytes(file), "outside", 1.0, False, False, False)
 
 
 def _files_of(path: bytes) -> Optional[list[tuple[bytes, bytes]]]:

@@ -1,43 +1,37 @@
-"""Scenes on their way to other processes: as bytes, and as files named by their content."""
+"""Scenes on their way to other processes: as bytes, and as files named by their content. They are
+ready to be looked at, and hold what looks need alone."""
 
 from __future__ import annotations
 
-import pickle
 from pathlib import Path
 
 from . import _core
-from ._arguments import PathLike
-from ._scene import Scene
-from ._store import Store, write_whole
+from ._arguments import PathLike, path_bytes
+from ._scene import Scene, ready_bytes, scene_of_ready
+from ._store import Store
 
-_ENDING = ".scene.pickle"
+_ENDING = ".lumiscene"
 
 
 def scene_bytes(scene: Scene) -> bytes:
     """The content of a scene."""
-    return pickle.dumps(scene, protocol=4)
+    return ready_bytes(scene._scene, scene.content_name.encode(), False)
 
 
 def scene_of_bytes(content: bytes) -> Scene:
     """The scene of such bytes."""
-    scene = pickle.loads(content)
-    assert isinstance(scene, Scene)
-    return scene
+    return Scene(scene_of_ready(content), ("ready",))
 
 
 def keep_scene(scene: Scene, folder: PathLike) -> Path:
     """Writes a scene into a folder under the name of its content, unless it is there."""
     path = Store(folder, _ENDING).path(scene.content_name)
     if not path.exists():
-        content = scene_bytes(scene)
-        write_whole(path, lambda file: file.write(content))
+        path.parent.mkdir(parents=True, exist_ok=True)
+        scene._scene.write(path_bytes(path), scene.content_name.encode(), False)
     return path
 
 
 def kept_scene(folder: PathLike, name: str) -> Scene:
-    """The scene of a name in a folder."""
-    path = Store(folder, _ENDING).path(name)
-    try:
-        return scene_of_bytes(path.read_bytes())
-    except FileNotFoundError:
-        raise _core.Error(f"{path}: the file of the scene is gone: plan it again") from None
+    """The scene of a name in a folder, mapped from there."""
+    return Scene.read(Store(folder, _ENDING).path(name))

@@ -122,6 +122,9 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   /// dropped; in no particular, but always the same order.
   PolygonScene pieces() const;
 
+  /// Objects, classes and labels, as its maps have them.
+  const VisibleMap::Names& names() const;
+
   std::size_t regionCount() const;  ///< All regions of the scene, the dropped ones included.
   std::size_t droppedRegionCount()
       const;  ///< Regions without a normal: no area, fewer than 3 corners.
