@@ -10,6 +10,7 @@
 #include "Stats.h"
 #include "StatsNumbers.h"
 
+#include <lumivane/pictures/DrawingPage.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/visibility/SceneIndex.h>
 
@@ -133,6 +134,12 @@ DrawingOptions drawingOf(const DrawOptions& options) {
   return drawing;
 }
 
+// Whether anything but the page is asked for.
+bool isDrawn(const DrawOptions& options) {
+  return !options.svg.empty() || !options.pdf.empty() || !options.png.empty() ||
+         !options.dxf.empty() || !options.stats.empty();
+}
+
 void checkOptions(const DrawOptions& options) {
   const bool isParallel = !options.parallel.empty() || options.projection == "parallel";
   if (!options.parallel.empty() && !options.projection.empty() && options.projection != "parallel")
@@ -142,9 +149,8 @@ void checkOptions(const DrawOptions& options) {
     throw ArgumentError("--eye", "is needed, but for parallel projections (--parallel)");
   if (!isParallel && options.drawing.scale)
     throw ArgumentError("--scale", "is one of parallel projections alone (--parallel)");
-  const bool isAny = !options.svg.empty() || !options.pdf.empty() || !options.png.empty() ||
-                     !options.dxf.empty() || !options.stats.empty();
-  if (!isAny) throw ArgumentError("--svg", "or --pdf, --png, --dxf or --stats is needed");
+  if (!isDrawn(options) && options.html.empty())
+    throw ArgumentError("--svg", "or --pdf, --png, --dxf, --html or --stats is needed");
   if (!isCube(options)) return;
   for (const std::string& path : {options.svg, options.pdf, options.png, options.dxf})
     if (!path.empty() && path.find(FaceMark) == std::string::npos)
@@ -165,6 +171,7 @@ const std::vector<std::string>& cubeFaces() {
 void checkOutputs(const DrawOptions& options) {
   OutputNames names(sourceFiles(options.scene, options.import));
   names.add("--stats", options.stats);
+  names.add("--html", options.html);
   const std::vector<std::string> faces =
       isCube(options) ? cubeFaces() : std::vector<std::string>{""};
   for (const std::string& face : faces)
@@ -264,6 +271,43 @@ Drawing drawn(const std::string& scene, const Visibility::SceneIndex& index,
   }
 }
 
+// The drawing that is asked for, then what the eye sees if that is another one, then all named
+// parallel projections.
+std::vector<Pictures::DrawingView> pageViews(const DrawOptions& options,
+                                             const DrawingOptions& drawing) {
+  std::vector<Pictures::DrawingView> views;
+  const bool isParallel = drawing.projection == DrawingProjection::Parallel;
+  const std::string direction = options.parallel.empty() ? "parallel" : options.parallel;
+  views.push_back({isParallel ? direction : "the eye", drawing});
+  if (isParallel && options.eyeGiven) {
+    views.push_back({"the eye", drawing});
+    views.back().options.projection = DrawingProjection::Perspective;
+    views.back().options.forward = forwardOf(options);
+    views.back().options.up = options.drawing.up;
+  }
+  for (const Direction& other : directions()) {
+    const bool isSame = other.forward == drawing.forward && isParallel;
+    if (isSame || std::string(other.name) == "plan") continue;
+    views.push_back({other.name, drawing});
+    views.back().options.projection = DrawingProjection::Parallel;
+    views.back().options.forward = other.forward;
+    views.back().options.up = other.up;
+    views.back().options.exactArcs = false;
+  }
+  return views;
+}
+
+std::string pageOf(const DrawOptions& options, const Visibility::SceneIndex& index,
+                   const Pictures::DrawingColors& colors, const DrawingOptions& drawing) {
+  try {
+    return Pictures::drawingPage(index, colors, pageViews(options, drawing), drawing.title);
+  } catch (const std::invalid_argument& error) {
+    throw HostError("the drawing", error.what());
+  } catch (const std::runtime_error& error) {
+    throw HostError(options.scene, error.what());
+  }
+}
+
 Visibility::SceneIndex indexOf(const std::string& name, const Session::LoadedScene& scene) {
   try {
     return Visibility::SceneIndex(scene);
@@ -291,8 +335,8 @@ void runDraw(const DrawOptions& given) {
   options.drawing.eye = moved(options.drawing.eye, source.eyeShift);
   if (options.target) options.target = moved(*options.target, source.eyeShift);
   const DrawingOptions drawing = drawingOf(options);
-  const std::vector<DrawingOptions> looks =
-      isCube(options) ? cubeLooks(drawing) : std::vector<DrawingOptions>{drawing};
+  std::vector<DrawingOptions> looks;
+  if (isDrawn(options)) looks = isCube(options) ? cubeLooks(drawing) : std::vector{drawing};
   const Pictures::DrawingColors colors(source.scene.scene());
   std::vector<Output> outputs;
   Drawing::Counts counts;
@@ -305,6 +349,10 @@ void runDraw(const DrawOptions& given) {
     seconds.write += secondsSince(start);
     add(current.counts, counts);
   }
+  start = std::chrono::steady_clock::now();
+  if (!options.html.empty())
+    outputs.push_back({options.html, pageOf(options, index, colors, drawing)});
+  seconds.draw += secondsSince(start);
   start = std::chrono::steady_clock::now();
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
   seconds.write += secondsSince(start);

@@ -341,6 +341,8 @@ void setDrawOptions(CLI::App& command, DrawOptions& options) {
         std::make_tuple("--pdf", &options.pdf, "PDF to write"),
         std::make_tuple("--png", &options.png, "PNG to write"),
         std::make_tuple("--dxf", &options.dxf, "DXF to write, a layer for each kind of lines"),
+        std::make_tuple("--html", &options.html,
+                        "web page to write: the drawing in any projection, to be chosen there"),
         std::make_tuple("--stats", &options.stats, "statistics to write (JSON)")})
     command.add_option(name, *target, help)->type_name("FILE")->group(FileGroup);
   command.add_option("--dpi", options.dpi, "dots per inch of the PNG")

@@ -34,6 +34,7 @@ struct DrawOptions {
   std::string pdf;
   std::string png;
   std::string dxf;
+  std::string html;
   std::string stats;
 };
 

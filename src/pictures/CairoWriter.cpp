@@ -57,6 +57,8 @@ void draw(cairo_t* context, const Path& path) {
     setColor(context, path.pen->color);
     cairo_set_line_width(context, std::min(path.pen->width, WidestLine));
     cairo_set_line_cap(context, path.pen->roundEnds ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+    cairo_set_dash(context, path.pen->dashes.data(), static_cast<int>(path.pen->dashes.size()),
+                   0.0);
     cairo_stroke(context);
   }
 }

@@ -106,7 +106,9 @@ void checkValues(const DrawingOptions& options) {
     require(!std::isnan(value.value), "values are to be numbers");
 }
 
-void check(const DrawingOptions& options) {
+}  // namespace
+
+void checkDrawing(const DrawingOptions& options) {
   const double fov = options.fieldOfView;
   require(fov > 0.0 && fov < 180.0, "the field of view is to be above 0 and below 180 degrees");
   require(options.aspect > 0.0 && std::isfinite(options.aspect),
@@ -137,6 +139,8 @@ void check(const DrawingOptions& options) {
   for (const double side : *options.page)
     require(side > 0.0 && side <= LargestPage, "sides of the page are to be above 0 to 20000 mm");
 }
+
+namespace {
 
 FlatMap mapOf(const Visibility::SceneIndex& index, const DrawingOptions& options) {
   if (options.projection == DrawingProjection::Parallel) {
@@ -169,6 +173,8 @@ PlaneBox perspectiveBox(const DrawingOptions& options) {
   return {middle - Vec2{half, high}, middle + Vec2{half, high}};
 }
 
+}  // namespace
+
 PlaneBox boxOf(const std::vector<DrawnLine>& lines) {
   PlaneBox box{{1e300, 1e300}, {-1e300, -1e300}};
   for (const DrawnLine& line : lines)
@@ -178,6 +184,8 @@ PlaneBox boxOf(const std::vector<DrawnLine>& lines) {
     }
   return box;
 }
+
+namespace {
 
 std::unique_ptr<DrawingPlane> planeOf(const DrawingOptions& options, const PlaneBox& content) {
   switch (options.projection) {
@@ -336,7 +344,7 @@ Drawing draw(const FlatMap& map, const RegionPlanes& planes, const std::vector<D
 
 Drawing drawScene(const Visibility::SceneIndex& index, const DrawingColors& colors,
                   const DrawingOptions& options) {
-  check(options);
+  checkDrawing(options);
   const FlatMap map = mapOf(index, options);
   const std::vector<Visibility::SceneEdge> edges = index.edges();
   const RegionPlanes planes(edges, map.names->regions.size());

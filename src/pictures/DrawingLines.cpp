@@ -5,6 +5,7 @@
 #include "pictures/Strokes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -37,7 +38,6 @@ namespace {
 // Hidden lines first, then thin ones, so that thick ones lie over them.
 constexpr LineKind DrawingOrder[] = {LineKind::Hidden,   LineKind::Inner,      LineKind::Crease,
                                      LineKind::Crossing, LineKind::Silhouette, LineKind::Outline};
-const std::vector<double> Dashes = {1.6, 0.9};  // mm
 
 Visibility::Label labelOf(const DrawnScene& scene, const DrawnLine& line) {
   if (line.cell >= 0) return scene.map.cells[static_cast<std::size_t>(line.cell)].label;
@@ -73,7 +73,7 @@ Drawing::Path pathOf(const DrawnScene& scene, LineKind kind, std::vector<Line> l
   path.lines = std::move(lines);
   path.color = kind == LineKind::Hidden ? Grey : Black;
   path.width = scene.options.widths[static_cast<std::size_t>(kind)];
-  if (kind == LineKind::Hidden) path.dashes = Dashes;
+  if (kind == LineKind::Hidden) path.dashes.assign(std::begin(Dashes), std::end(Dashes));
   return path;
 }
 

@@ -27,6 +27,11 @@ struct Paper {
   }
 };
 
+/// \throws std::invalid_argument for options out of range
+void checkDrawing(const DrawingOptions& options);
+/// Around lines along parallel lines of sight; upside down without any.
+PlaneBox boxOf(const std::vector<DrawnLine>& lines);
+
 /// Everything that the parts are made from.
 struct DrawnScene {
   const DrawingOptions& options;
@@ -90,6 +95,7 @@ void addFoot(const DrawnScene& scene, const CellLooks& looks, const std::vector<
 
 constexpr Drawing::Color Black{0, 0, 0, 1.0};
 constexpr Drawing::Color Grey{110, 110, 110, 1.0};
+constexpr double Dashes[] = {1.6, 0.9};  ///< of hidden lines, mm on and off
 
 /// The width of a text, about.
 inline double textWidth(const std::string& text, double height) {

@@ -12,6 +12,7 @@
 #include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/ParallelMap.h>
 #include <lumivane/visibility/VisibleMap.h>
 
 #include <cmath>
@@ -79,11 +80,12 @@ Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* 
   return result;
 }
 
-Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
+Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares,
+             const std::string& name) {
   const bool isHemisphere = map.field == Visibility::Field::Hemisphere;
   std::vector<std::string> columns = {"solidAngle", "share"};
   if (isHemisphere) columns.insert(columns.begin(), "viewFactor");
-  Json result = table("map", isHemisphere ? "hemisphere" : "sphere", columns);
+  Json result = table(name, isHemisphere ? "hemisphere" : "sphere", columns);
   const auto add = [&](int number, const std::string& id, const Visibility::ViewShare& share) {
     std::vector<double> values = {share.solidAngle, share.solidAngle / map.fieldSolidAngle()};
     if (isHemisphere) values.insert(values.begin(), share.viewFactor);
@@ -95,6 +97,25 @@ Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& sha
         shares.objects()[i].share);
   }
   add(0, "", shares.sky());
+  return result;
+}
+
+// Areas are those in the plane of the picture.
+Json tableOf(const Visibility::ParallelMap& map, const std::string& name) {
+  std::vector<double> areas(map.names->objectIds.size(), 0.0);
+  double sum = 0.0;
+  for (const Visibility::ParallelMap::Cell& cell : map.cells) {
+    if (cell.label.object <= 0) continue;
+    const auto at = static_cast<std::size_t>(cell.label.object) - 1;
+    if (at >= areas.size()) areas.resize(at + 1, 0.0);
+    areas[at] += cell.area;
+    sum += cell.area;
+  }
+  Json result = table(name, "picture", {"area", "share"});
+  for (std::size_t i = 0; i < areas.size(); ++i)
+    result["rows"].push_back(row(static_cast<int>(i) + 1,
+                                 i < map.names->objectIds.size() ? map.names->objectIds[i] : "",
+                                 {areas[i], sum > 0.0 ? areas[i] / sum : 0.0}));
   return result;
 }
 
@@ -136,6 +157,11 @@ Json mapJson(const VectorPicture& picture, const Visibility::VisibleMap& map) {
   };
   result["underlay"] = ends(picture.mapPart()->underlayEdges);
   result["lines"] = ends(picture.mapPart()->lineEdges);
+  if (const auto& opening = picture.mapPart()->opening)
+    result["opening"] = {{"projection", opening->projection},
+                         {"angle", rounded(opening->fieldOfView)},
+                         {"aspect", rounded(opening->aspect)},
+                         {"shift", {rounded(opening->shift[0]), rounded(opening->shift[1])}}};
   return result;
 }
 
@@ -173,10 +199,21 @@ void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& s
 
 void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
                    const Visibility::MapShares& shares) {
+  add(picture, map, shares, "map");
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+                   const Visibility::MapShares& shares, const std::string& name) {
   addSvg(picture);
-  Json table = tableOf(map, shares);
+  Json table = tableOf(map, shares, xmlText(name));
   if (picture.mapPart()) table["map"] = mapJson(picture, map);
   tables.push_back(scriptJson(table));
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Visibility::ParallelMap& map,
+                   const std::string& name) {
+  addSvg(picture);
+  tables.push_back(scriptJson(tableOf(map, xmlText(name))));
 }
 
 void HtmlPage::addSvg(const VectorPicture& picture) {

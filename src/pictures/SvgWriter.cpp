@@ -80,6 +80,11 @@ class Document {
     setColor(node, "stroke", pen.color);
     if (pen.width != 1.0) node.append_attribute("stroke-width") = numbers.text(pen.width).c_str();
     if (!pen.roundEnds) node.append_attribute("stroke-linecap") = "butt";
+    if (pen.dashes.empty()) return;
+    std::string dashes;
+    for (const double length : pen.dashes)
+      dashes += (dashes.empty() ? "" : " ") + numbers.text(length);
+    node.append_attribute("stroke-dasharray") = dashes.c_str();
   }
 
   pugi::xml_node addGroup(pugi::xml_node parent, const char* name) const {

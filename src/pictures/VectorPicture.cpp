@@ -78,14 +78,18 @@ void checkPictureSize(int width, int height, double extent) {
     throw std::invalid_argument("the extent of the picture is not within 0.001 to 1000");
 }
 
-VectorPicture::VectorPicture(Shot::Shot2d& shot, const VectorOptions& options)
-    : pictureWidth(checked(options).width),
-      pictureHeight(options.height),
-      pictureTitle(options.title),
-      pictureBackground(backgroundOf(options)) {
+VectorPicture::VectorPicture(Shot::Shot2d& shot, const VectorOptions& options) {
+  all.width = checked(options).width;
+  all.height = options.height;
+  all.title = options.title;
+  all.background = backgroundOf(options);
   const PictureFrame frame(options);
-  axesPaths = axesOf(shot, options.axes, frame);
-  drawnSurfaces = surfacesOf(drawnRegions(shot, frame, styleOf(shot, options)));
+  all.axes = axesOf(shot, options.axes, frame);
+  all.surfaces = surfacesOf(drawnRegions(shot, frame, styleOf(shot, options)));
+}
+
+VectorPicture::VectorPicture(Parts parts) : all(std::move(parts)) {
+  checkPictureSize(all.width, all.height, 1.0);
 }
 
 }  // namespace Lumivane::Pictures

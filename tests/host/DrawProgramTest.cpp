@@ -53,6 +53,29 @@ TEST(DrawProgram, ACubeIsSixPictures) {
     EXPECT_TRUE(fs::exists(folder.path(std::string(face) + ".svg"))) << face;
 }
 
+TEST(DrawProgram, AWebPageHoldsTheDrawingThatIsAskedForAndAllNamedOnes) {
+  const TempFolder folder;
+  const auto namesOf = [&](std::vector<std::string> how) {
+    how.insert(how.end(), {"--html", folder.path("a.html")});
+    const Result result = draw(how, LUMIVANE_SCENES "/small.json");
+    EXPECT_EQ(0, result.status) << result.err;
+    const std::string page = fileBytes(folder.path("a.html"));
+    const std::string start = "id=\"data\">";
+    const std::size_t from = page.find(start) + start.size();
+    std::string names;
+    const Json data = Json::parse(page.substr(from, page.find("</script>", from) - from));
+    for (const Json& picture : data.at("pictures"))
+      names += picture.at("name").get<std::string>() + " ";
+    return names;
+  };
+  // From below there is nothing to be seen.
+  EXPECT_EQ("the eye top front back left right isometric ",
+            namesOf({"--eye", "0,0,0.5", "--projection", "stereographic"}));
+  EXPECT_EQ("isometric top front back left right ", namesOf({"--parallel", "isometric"}));
+  EXPECT_EQ("1,2,-1 the eye top front back left right isometric ",
+            namesOf({"--parallel", "1,2,-1", "--eye", "0,0,0.5", "--hidden", "dashed"}));
+}
+
 TEST(DrawProgram, APageHasTheSizeThatIsAskedFor) {
   const TempFolder folder;
   const Result result = draw({"--parallel", "top", "--page", "A4-landscape", "--scale", "1:500",
@@ -105,6 +128,7 @@ TEST(DrawProgram, WhatCannotBeDrawnIsSaidInOneLine) {
   fault({"--projection", "orthographic"}, 2, "--eye");
   fault({"--projection", "cube", "--eye", "0,0,2"}, 2, "{face}");
   fault({"--projection", "cylindrical", "--parallel", "top"}, 2, "--parallel");
+  fault({"--eye", "0,0,2", "--html", out}, 2, "a.svg");
 }
 
 TEST(DrawProgram, WithoutAnOutputItSaysWhatIsMissing) {

@@ -497,6 +497,113 @@ test("what is marked stays marked in another projection", async (t) => {
   await page.keyboard.press("Escape");
 });
 
+// The page of drawings ---------------------------------------------------------------------------------
+
+// The number of the object at places of an SVG file of `draw`, from -1 to 1 in what is drawn; of
+// places by which the edge of another one passes, nothing.
+const objectsInSvg = (page, places) => page.evaluate((list) => {
+  const svg = document.documentElement;
+  const margin = 10; // mm
+  const { width, height } = svg.viewBox.baseVal;
+  const matrix = svg.getScreenCTM();
+  const at = (x, y) => {
+    const point = new DOMPoint(x, y).matrixTransform(matrix);
+    const cell = document.elementsFromPoint(point.x, point.y)
+      .map((element) => element.closest("#fills > g")).find((group) => group);
+    return cell ? Number(cell.id.slice(1)) : 0;
+  };
+  return list.map(([u, v]) => {
+    const x = margin + ((width - 2 * margin) * (u + 1)) / 2;
+    const y = margin + ((height - 2 * margin) * (1 - v)) / 2;
+    const here = at(x, y);
+    const isClear = [[1, 0], [-1, 0], [0, 1], [0, -1]].every(([i, k]) =>
+      at(x + 0.5 * i, y + 0.5 * k) === here);
+    return isClear ? here : null;
+  });
+}, places);
+
+// The numbers of the objects at and around places of the page's picture.
+const objectsInPage = async (page, places) => {
+  const regions = await regionsAt(page, places);
+  return page.evaluate((lists) => lists.map((ids) => ids.map((id) => {
+    const element = id === "" ? null : document.getElementById(id);
+    return element ? Number(/o(-?\d+)/.exec(element.getAttribute("class"))[1]) : 0;
+  })), regions.map(({ here, around }) => [here, ...around]));
+};
+
+const grid = (count) => {
+  const places = [];
+  for (let i = 0; i < count; ++i)
+    for (let k = 0; k < count; ++k)
+      places.push([(2 * i + 1.13) / count - 1, (2 * k + 0.87) / count - 1]);
+  return places;
+};
+
+test("the page of drawings opens as the program draws, from the eye and along parallel lines",
+     async (t) => {
+  const scene = join(LUMIVANE_SCENES, "street.json");
+  const eye = ["--eye=-5.3,-1.37,3.4", "--target=40,0,8", "--upright", "--fov=75", "--fill=object",
+               "--hidden=dashed"];
+  lumivane("draw", scene, ...eye, "--html", inFolder("drawing.html"));
+  const page = await open(t, "drawing.html");
+  assert.deepEqual(await page.locator("#projections label").allTextContents(),
+    ["the eye", "top", "bottom", "front", "back", "left", "right", "isometric"].map((s) => ` ${s}`));
+  const views = { "the eye": eye, isometric: ["--parallel=isometric", "--fill=object", "--hidden=dashed"],
+                  front: ["--parallel=front", "--fill=object", "--hidden=dashed"] };
+  for (const [name, options] of Object.entries(views)) {
+    const file = `drawing-${name.replace(" ", "-")}.svg`;
+    lumivane("draw", scene, ...options, "--widths=outline=0,silhouette=0,crease=0,crossing=0,hidden=0",
+             "--svg", inFolder(file));
+    const truth = await open(t, file);
+    await page.getByLabel(name, { exact: true }).check();
+    await page.screenshot({ path: picture(`drawing-${name.replace(" ", "-")}`) });
+    const places = grid(40);
+    const right = await objectsInSvg(truth, places);
+    const drawn = await objectsInPage(page, places);
+    const clear = places.filter((_, i) => right[i] !== null);
+    assert.ok(clear.length > 0.6 * places.length, `${name}: ${clear.length}`);
+    assert.ok(new Set(right).size > 5);
+    const wrong = places.filter((_, i) => right[i] !== null && !drawn[i].includes(right[i]));
+    assert.deepEqual(wrong, [], name);
+    const different = places.filter((_, i) => right[i] !== null && right[i] !== drawn[i][0]).length;
+    assert.ok(different < 0.01 * clear.length, `${name}: ${different}`);
+  }
+  assert.equal(await page.locator("#views").isVisible(), false);
+});
+
+test("the page of drawings shows the map in every projection, with hidden lines", async (t) => {
+  const [scene, ...view] = ["room.json", "--eye=0.35,2.137,1.6", "--forward=1,0.2,0.1"];
+  lumivane("view", join(LUMIVANE_SCENES, scene), ...view, "--field", "sphere", "--projection",
+           "equirectangular", "--html", inFolder("map-of-drawing.html"));
+  lumivane("draw", join(LUMIVANE_SCENES, scene), ...view, "--projection", "equisolid", "--hidden",
+           "dashed", "--fill", "brush", "--html", inFolder("drawing-room.html"));
+  const truth = await open(t, "map-of-drawing.html");
+  const page = await open(t, "drawing-room.html");
+  assert.equal(await page.locator("#projection").inputValue(), "equisolid");
+  for (const name of Projections) {
+    await choose(page, name);
+    await choose(truth, name);
+    const angle = name === "perspective" || name === "cylindrical" ? 90 : 0;
+    for (const either of angle ? [page, truth] : []) {
+      await either.locator("#field-of-view").fill(String(angle));
+      await either.locator("#field-of-view").dispatchEvent("input");
+      await frame(either);
+    }
+    const places = grid(Rows);
+    const inside = places.filter(([u, v]) => inverseOf(name, 90, true)(u, v));
+    const drawn = await regionsAt(page, inside);
+    const right = await regionsAt(truth, inside);
+    const wrong = inside.filter((_, i) => new Set(right[i].around).size < 5 &&
+      !drawn[i].around.includes(right[i].here) && !right[i].around.includes(drawn[i].here));
+    assert.deepEqual(wrong, [], name);
+    // A dashed line that is drawn lies within the picture.
+    const dashed = page.locator("#p1-lines path[stroke-dasharray]");
+    assert.equal(await dashed.count(), 1);
+    assert.ok((await dashed.getAttribute("d")).length > 1000);
+    await page.screenshot({ path: picture(`drawing-room-${name}`) });
+  }
+});
+
 test("the page of a shot offers no projections", async (t) => {
   const page = await open(t, "room.html");
   assert.equal(await page.locator("#views").isVisible(), false);

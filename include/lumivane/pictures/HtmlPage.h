@@ -2,6 +2,7 @@
 
 #include <lumivane/pictures/export.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@ class VisibleShares;
 
 namespace Lumivane::Visibility {
 class MapShares;
+struct ParallelMap;
 struct VisibleMap;
 }  // namespace Lumivane::Visibility
 
@@ -46,6 +48,15 @@ class LUMIVANE_PICTURES_EXPORT HtmlPage {
   /// \param shares   of that map
   void add(const VectorPicture& picture, const Visibility::VisibleMap& map,
            const Visibility::MapShares& shares);
+
+  /// The same with a name, by which the page calls the picture where there are several.
+  void add(const VectorPicture& picture, const Visibility::VisibleMap& map,
+           const Visibility::MapShares& shares, const std::string& name);
+  /// Adds what is seen along parallel lines of sight, with the areas of objects in it.
+  void add(const VectorPicture& picture, const Visibility::ParallelMap& map,
+           const std::string& name);
+  /// How many were added.
+  std::size_t pictureCount() const { return pictures.size(); }
 
   /// The document. Equal pictures and shares give equal bytes.
   std::string text() const;

@@ -3,6 +3,7 @@
 #include <lumivane/pictures/VectorOptions.h>
 #include <lumivane/pictures/export.h>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -43,9 +44,10 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
 
   /// How lines are drawn.
   struct Pen {
-    Color color;            ///< its paint
-    double width = 1.0;     ///< pixels, above 0; corners are round
-    bool roundEnds = true;  ///< whether the ends are round too, or cut straight
+    Color color;                   ///< its paint
+    double width = 1.0;            ///< pixels, above 0; corners are round
+    bool roundEnds = true;         ///< whether the ends are round too, or cut straight
+    std::vector<double> dashes{};  ///< pixels on and off; empty for a whole line
   };
 
   /// Lines with one look. A fill covers what the lines wind around at least once (non-zero rule).
@@ -91,7 +93,31 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
     /// Which edges of the map each of `underlay()` draws: positions in `VisibleMap::edges`.
     std::vector<std::vector<std::size_t>> underlayEdges;
     std::vector<std::vector<std::size_t>> lineEdges;  ///< likewise of `lines()`
+    /// How a page shows the map at first, if not as the picture does.
+    struct Opening {
+      std::string projection;     ///< as `drawingProjections` has it, or equirectangular-half
+      double fieldOfView = 90.0;  ///< degrees, of a perspective or cylindrical picture
+      double aspect = 1.5;        ///< of a perspective: width by height
+      std::array<double, 2> shift{0, 0};  ///< as `DrawingOptions::shift`
+    };
+    std::optional<Opening> opening;  ///< nothing: as the picture does
   };
+
+  /// All that a picture is.
+  struct Parts {
+    int width = 1;                    ///< pixels
+    int height = 1;                   ///< pixels
+    std::string title;                ///< as `title()`; may be empty
+    std::optional<Color> background;  ///< as `background()`
+    std::string content = "shot";     ///< as `content()`
+    std::vector<Path> axes;           ///< as `axes()`
+    std::vector<Path> underlay;       ///< as `underlay()`
+    std::vector<Surface> surfaces;    ///< as `surfaces()`
+    std::vector<Path> lines;          ///< as `lines()`
+    std::optional<MapPart> mapPart;   ///< as `mapPart()`
+  };
+  /// A picture of parts that are there. \throws std::invalid_argument for sides out of range
+  explicit VectorPicture(Parts parts);
 
   /// Describes a shot. Points, brushes and pens that no region names are not looked at. A shot
   /// without points or regions is an empty picture.
@@ -114,37 +140,28 @@ class LUMIVANE_PICTURES_EXPORT VectorPicture {
   VectorPicture(const Visibility::VisibleMap& map, const MapColors& colors,
                 const MapPictureOptions& options);
 
-  int width() const { return pictureWidth; }                 ///< Pixels.
-  int height() const { return pictureHeight; }               ///< Pixels.
-  const std::string& title() const { return pictureTitle; }  ///< May be empty.
+  int width() const { return all.width; }                 ///< Pixels.
+  int height() const { return all.height; }               ///< Pixels.
+  const std::string& title() const { return all.title; }  ///< May be empty.
   /// What lies under everything, if anything does.
-  const std::optional<Color>& background() const { return pictureBackground; }
+  const std::optional<Color>& background() const { return all.background; }
   /// What is drawn, in a word that names its group in a document: "shot" or "map".
-  const std::string& content() const { return contentName; }
+  const std::string& content() const { return all.content; }
   /// Lies under the surfaces, as in the library's PNG.
-  const std::vector<Path>& axes() const { return axesPaths; }
+  const std::vector<Path>& axes() const { return all.axes; }
   /// Lines under the surfaces of a map, along edges without a line of their own, in the colour of
   /// one of the cells: where a renderer smooths the edges of both cells, no background shines
   /// through between them. The cells cover them wholly.
-  const std::vector<Path>& underlay() const { return underlayPaths; }
+  const std::vector<Path>& underlay() const { return all.underlay; }
   /// What is drawn, in its order.
-  const std::vector<Surface>& surfaces() const { return drawnSurfaces; }
+  const std::vector<Surface>& surfaces() const { return all.surfaces; }
   /// Lies over the surfaces of a map: its silhouettes, creases and crossings.
-  const std::vector<Path>& lines() const { return linePaths; }
+  const std::vector<Path>& lines() const { return all.lines; }
   /// Of a map; nothing of a shot.
-  const std::optional<MapPart>& mapPart() const { return partOfMap; }
+  const std::optional<MapPart>& mapPart() const { return all.mapPart; }
 
  private:
-  int pictureWidth;
-  int pictureHeight;
-  std::string pictureTitle;
-  std::optional<Color> pictureBackground;
-  std::string contentName = "shot";
-  std::vector<Path> axesPaths;
-  std::vector<Path> underlayPaths;
-  std::vector<Surface> drawnSurfaces;
-  std::vector<Path> linePaths;
-  std::optional<MapPart> partOfMap;
+  Parts all;
 };
 
 }  // namespace Lumivane::Pictures

@@ -14,7 +14,6 @@ const drawMap = (() => {
   const LargestError = 0.1; // pixels
   const Unit = 1e7; // of the vertices' whole numbers
   const Margin = 1.02; // so that no line of a rim is cut
-  const Aspect = 1.5; // of a perspective
   const NearPole = 1e-9;
   const MostDepth = 16;
   const OutsideStep = 0.3; // of a turn's angle, outside the picture
@@ -55,9 +54,9 @@ const drawMap = (() => {
   ];
 
   // What is known of a picture: its axis, its plane and its frame, in pixels.
-  function pictureOf(name, angle, isSphere, height) {
+  function pictureOf(name, angle, { isSphere, height, opening }) {
     if (radii[name]) return disc(radii[name], height);
-    if (name === "perspective") return perspective(degrees(angle), height);
+    if (name === "perspective") return perspective(degrees(angle), height, opening);
     const isWhole = isSphere && name !== "equirectangular-half";
     return name === "cylindrical" ? band(cylinder(degrees(angle)), isWhole, height)
       : band({ at: (theta) => Pi / 2 - theta, most: Pi / 2 }, isWhole, height);
@@ -74,12 +73,12 @@ const drawMap = (() => {
     solidAngle: (turn, a, b) => triangle(turn, 1 / Math.tan(a / 2), 1 / Math.tan(b / 2)),
     place: (turn, theta) => {
       const r = radius(theta) * picture.scale;
-      return [picture.width / 2 + r * Math.cos(turn), picture.height / 2 - r * Math.sin(turn)];
+      return [picture.middle[0] + r * Math.cos(turn), picture.middle[1] - r * Math.sin(turn)];
     },
     isOutside: (theta) => radius(theta) > 1.1 * most,
     all: () => { // all around the picture
       const r = 2 * radius(Pi) * picture.scale;
-      const [x, y] = [picture.width / 2, picture.height / 2];
+      const [x, y] = picture.middle;
       return [[x - r, y - r], [x + r, y - r], [x + r, y + r], [x - r, y + r]];
     },
   });
@@ -87,17 +86,20 @@ const drawMap = (() => {
   function disc(radius, height) {
     const scale = height / 2 / Margin;
     return polar(radius, 1, {
-      width: height, height, scale,
+      width: height, height, scale, middle: [height / 2, height / 2],
       clip: ["circle", { cx: height / 2, cy: height / 2, r: scale }],
     });
   }
 
-  function perspective(angle, height) {
+  // The window may be shifted to the right and upwards, by parts of its width and height.
+  function perspective(angle, height, { aspect = 1.5, shift = [0, 0] } = {}) {
     const half = Math.tan(angle / 2);
-    const width = Math.round(Aspect * height);
-    const most = half * Math.hypot(1, 1 / Aspect);
+    const width = Math.round(aspect * height);
+    const most = half * Math.hypot(1 + 2 * Math.abs(shift[0]), (1 + 2 * Math.abs(shift[1])) / aspect);
     return polar(tangent(most), most, {
-      width, height, scale: width / 2 / half, clip: ["rect", { width, height }],
+      width, height, scale: width / 2 / half,
+      middle: [width * (0.5 - shift[0]), height * (0.5 + shift[1])],
+      clip: ["rect", { width, height }],
     });
   }
 
@@ -379,7 +381,7 @@ const drawMap = (() => {
   function draw(svg, prefix, data, name, angle) {
     keep(svg, prefix);
     svg.querySelector("clipPath")?.remove();
-    const picture = pictureOf(name, angle, data.isSphere, data.height);
+    const picture = pictureOf(name, angle, data);
     const arcs = new Arcs(data.vertices, picture);
     const steps = 10 ** data.decimals;
     for (const cell of data.cells) {

@@ -33,6 +33,7 @@
     exactFactor: (value) => value.toFixed(5),
     solidAngle: (value) => value.toFixed(4),
     exactAngle: (value) => value.toFixed(4),
+    area: (value) => String(Number(value.toPrecision(5))),
     share: (value) => (100 * value).toFixed(2),
   };
 
@@ -41,7 +42,8 @@
     name,
     field,
     map,
-    projection: map?.projection, // as it is drawn now
+    projection: map?.opening?.projection ?? map?.projection, // that is shown
+    angle: map?.opening?.angle ?? 90, // its field of view, degrees
     prefix: `p${i + 1}-`,
     values: Object.keys(texts).filter((column) => columns.includes(column)),
     columns: Object.keys(texts).filter((column) =>
@@ -107,6 +109,7 @@
       exactFactor: (text) => `exactly ${text}`,
       solidAngle: (text) => `solid angle ${text} sr`,
       exactAngle: (text) => `exactly ${text} sr`,
+      area: (text) => `area ${text}`,
       share: (text) => `${text} % of the ${field}`,
     };
     return values.map((column) => parts[column](texts[column](row[column]))).join(", ");
@@ -154,8 +157,8 @@
       ? (a, b) => sign * (a.key < b.key ? -1 : a.key > b.key ? 1 : 0) || a.number - b.number
       : (a, b) => sign * (a[column] - b[column]) || a.number - b.number);
     state.rows = rows;
-    byId("found").textContent = query === "" ? `${all.length - 1} objects`
-      : `${rows.length} of ${all.length - 1}`;
+    const count = all.filter((row) => row.number !== 0).length;
+    byId("found").textContent = query === "" ? `${count} objects` : `${rows.length} of ${count}`;
     grid.setAttribute("aria-rowcount", String(rows.length + 1));
     for (const header of grid.querySelectorAll("th")) {
       const isSorted = header.dataset.column === column;
@@ -414,12 +417,14 @@
   // Projections ------------------------------------------------------------------------------------
 
   function listProjections() {
-    const { map, projection } = pictures[state.picture];
+    const { map, projection, angle } = pictures[state.picture];
     byId("views").hidden = !map;
     if (!map) return;
+    byId("field-of-view").value = angle;
     byId("projection").replaceChildren(...drawMap.projectionsOf(map).map(({ name, label }) =>
       new Option(label, name, false, name === projection)));
-    byId("angle").hidden = !hasAngle(map, projection);
+    byId("projection").value = projection;
+    project();
   }
 
   const hasAngle = (map, name) =>
@@ -429,16 +434,16 @@
     const picture = pictures[state.picture];
     const svg = svgs[state.picture];
     picture.projection = byId("projection").value;
-    const angle = Number(byId("field-of-view").value);
     byId("angle").hidden = !hasAngle(picture.map, picture.projection);
-    byId("angle").querySelector("output").textContent = `${angle}\u00b0`;
+    byId("angle").querySelector("output").textContent = `${Math.round(picture.angle)}\u00b0`;
     if (picture.projection === picture.map.projection) drawMap.restore(svg, picture.prefix);
-    else drawMap(svg, picture.prefix, picture.map, picture.projection, angle);
+    else drawMap(svg, picture.prefix, picture.map, picture.projection, picture.angle);
   }
 
   // While the angle changes, the picture follows once a frame.
   let isProjecting = false;
   byId("field-of-view").addEventListener("input", () => {
+    pictures[state.picture].angle = Number(byId("field-of-view").value);
     if (isProjecting) return;
     isProjecting = true;
     requestAnimationFrame(() => {
@@ -466,8 +471,11 @@
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
     const factor = columns.includes("viewFactor")
       ? `view factor ${texts.viewFactor(sum("viewFactor"))}, ` : "";
-    byId("sum").textContent = `All objects and the open share together: ${factor}` +
-      `${texts.solidAngle(sum("solidAngle"))} sr.`;
+    byId("sum").textContent = columns.includes("area")
+      ? `All objects together: area ${texts.area(sum("area"))}.`
+      : `All objects and the open share together: ${factor}${texts.solidAngle(sum("solidAngle"))} sr.`;
+    if (!columns.includes(state.column) && state.column !== "id")
+      state.column = pictures[picture].main;
     listProjections();
     listRows();
     mark();
@@ -475,6 +483,8 @@
   }
 
   if (pictures.length > 1) {
+    if (pictures.some(({ map, columns }) => map || columns.includes("area")))
+      byId("projections").querySelector("legend").textContent = "Seen from";
     pictures.forEach((picture, i) => {
       const label = document.createElement("label");
       const input = document.createElement("input");
