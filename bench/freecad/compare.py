@@ -1,28 +1,96 @@
 #!/usr/bin/python3
-"""Hidden lines of a mesh by lumivane beside those by FreeCAD: seconds, and lines against rays.
+"""Hidden lines of meshes by lumivane beside those by FreeCAD, in one run: seconds, and lines
+against rays. Writes a table.
 
-Usage: compare.py MESH.obj X,Y,Z FREECAD.json [PROGRAM]
+Usage: compare.py [--program PROGRAM] [--viewer X,Y,Z] [--limit SECONDS] [--near PART] MESH...
 
-X,Y,Z points from the mesh to the viewer, as FreeCAD has it, and FREECAD.json is what project.py has
-written for it. Places on edges of the mesh, on those that bend by more than 25 degrees or turn away
-from the viewer, are looked at by eight rays close around them: no ray that meets something in front
-makes the place visible, eight make it hidden, and places between are left out. A visible place with
-no drawn line near it is lost. A place in the middle of a drawn line is wrong if all edges of the
-mesh near it are hidden there.
+A mesh is an OBJ file, or a scene or city model that lumivane reads, which is cut into triangles
+first; both programs are given the same triangles. FreeCAD runs in a process of its own (project.py)
+up to the limit. Seconds are those of the processor, so that others at work count little: of
+lumivane the whole process, reading and writing included, the least of three; of FreeCAD without
+them.
+
+Places on edges of the mesh, on those that bend by more than 25 degrees or turn away from the viewer,
+are looked at by eight rays close around them: no ray that meets something in front makes the place
+visible, eight make it hidden, and places between are left out. A visible place with no visible line
+near it is lost, and so is a hidden place with no line at all. A place in the middle of a visible
+line is wrong if all edges of the mesh near it are hidden there.
 """
 
+import argparse
 import json
 import re
+import resource
 import subprocess
 import sys
 import tempfile
-import time
+import xml.etree.ElementTree
 from pathlib import Path
 
 import numpy as np
 
-NEAR = 1e-3  # of the mesh's size: how near a line must be, and how far rays are from their place
 PLACES = 1500
+LINES = ["outline", "silhouette", "crease", "inner", "crossing"]
+FREECAD = "/usr/lib/freecad-python3/lib"
+Near = 1e-3  # of the mesh's size: how near a line must be, and how far rays are from their place
+
+
+# ---- triangles
+
+
+def clipped(outline):
+    """An outline in a plane as triangles: ears in turn, the one with the largest least angle."""
+    outline = [p for i, p in enumerate(outline) if p[0] != outline[i - 1][0]]
+    if len(outline) < 3:
+        return []
+    places = np.array([p[1] for p in outline])
+    after = np.roll(places, -1, axis=0)
+    normal = np.cross(places, after).sum(axis=0)
+    axis = int(np.argmax(np.abs(normal)))
+    u, v = [(1, 2), (2, 0), (0, 1)][axis]
+    flat = places[:, [u, v]] * (1.0 if normal[axis] > 0 else np.array([-1.0, 1.0]))
+    left = list(range(len(outline)))
+
+    def turn(a, b, c):
+        return (b[0] - a[0]) * (c[1] - a[1]) - (b[1] - a[1]) * (c[0] - a[0])
+
+    def is_ear(i):
+        a, b, c = (left[(i + k) % len(left)] for k in (-1, 0, 1))
+        if turn(flat[a], flat[b], flat[c]) <= 0:
+            return False
+        corners = {outline[k][0] for k in (a, b, c)}
+        return not any(
+            outline[k][0] not in corners
+            and turn(flat[a], flat[b], flat[k]) >= 0
+            and turn(flat[b], flat[c], flat[k]) >= 0
+            and turn(flat[c], flat[a], flat[k]) >= 0
+            for k in left)  # fmt: skip
+
+    triangles = []
+    while len(left) > 3:
+        ear = next((i for i in range(len(left)) if is_ear(i)), 0)
+        a, b, c = (left[(ear + k) % len(left)] for k in (-1, 0, 1))
+        triangles.append([outline[a][0], outline[b][0], outline[c][0]])
+        del left[ear]
+    return [*triangles, [outline[k][0] for k in left]]
+
+
+def as_mesh(path, program, folder):
+    """An OBJ file of the triangles of what lumivane reads."""
+    if path.suffix == ".obj":
+        return path
+    scene_file = folder / "scene.json"
+    subprocess.run([program, "import", path, "-o", scene_file], check=True, capture_output=True)
+    scene = json.loads(scene_file.read_text(encoding="utf-8"))
+    points = scene["Points"]
+    lines = [f"v {x!r} {y!r} {z!r}" for x, y, z in points]
+    for item in scene["Objects"]:
+        for region in item["Regions"]:
+            outline = [(n, np.array(points[n - 1])) for n in region["Points"]]
+            lines += [f"f {a} {b} {c}" for a, b, c in clipped(outline)]
+    mesh = folder / f"{path.name.split('.')[0]}.obj"
+    mesh.write_text("\n".join(lines) + "\n", encoding="utf-8")
+    return mesh
 
 
 def read(path):
@@ -112,12 +180,12 @@ class Model:
     def seen(self, places):
         """1 visible, 0 hidden, -1 neither for certain."""
         turns = np.arange(8) * np.pi / 4 + 0.3
-        around = NEAR * self.size * np.column_stack([np.cos(turns), np.sin(turns)])
+        around = Near * self.size * np.column_stack([np.cos(turns), np.sin(turns)])
         rays = (places[:, None, :2] + around[None]).reshape(-1, 2)
         front = self.nearest(rays).reshape(-1, 8) - places[:, None, 2]
-        hits = (front > 10 * NEAR * self.size).sum(axis=1)
+        hits = (front > 10 * Near * self.size).sum(axis=1)
         # Behind something thin all that is in front may be as near as that.
-        is_clear = self.nearest(places[:, :2]) - places[:, 2] < 0.1 * NEAR * self.size
+        is_clear = self.nearest(places[:, :2]) - places[:, 2] < 0.1 * Near * self.size
         return np.where((hits == 0) & is_clear, 1, np.where(hits == 8, 0, -1))
 
 
@@ -129,78 +197,134 @@ def far_from(place, lines):
     return np.linalg.norm(place - a - part[:, None] * along, axis=1)
 
 
-def judge(model, lines, pairs, marked):
+def judge(model, visible, hidden, pairs, marked):
+    """Lines lost and wrong, each with how many places were asked."""
     random = np.random.default_rng(5)
     chosen = random.choice(np.flatnonzero(marked), PLACES)
     part = random.uniform(0.1, 0.9, PLACES)[:, None]
     places = model.places[pairs[chosen, 0]] * (1 - part) + model.places[pairs[chosen, 1]] * part
     seen = model.seen(places)
-    visible = places[seen == 1]
-    lost = sum(far_from(p[:2], lines).min() > NEAR * model.size for p in visible)
-    length = np.linalg.norm(lines[:, 2:] - lines[:, :2], axis=1)
-    some = random.choice(len(lines), PLACES, p=length / length.sum())
-    middles = (lines[some, :2] + lines[some, 2:]) / 2
+    near = Near * model.size
+    clear, covered = places[seen == 1], places[seen == 0]
+    lost = sum(far_from(p[:2], visible).min() > near for p in clear)
+    everything = np.vstack([visible, hidden])
+    lost_hidden = sum(far_from(p[:2], everything).min() > near for p in covered)
+    length = np.linalg.norm(visible[:, 2:] - visible[:, :2], axis=1)
+    some = random.choice(len(visible), PLACES, p=length / length.sum())
+    middles = (visible[some, :2] + visible[some, 2:]) / 2
     ends = np.hstack([model.places[pairs[:, 0]][:, :2], model.places[pairs[:, 1]][:, :2]])
     wrong = judged = 0
     for middle in middles:
-        near = np.flatnonzero(far_from(middle, ends) < 0.2 * NEAR * model.size)
-        a, b = model.places[pairs[near, 0]], model.places[pairs[near, 1]]
+        close = np.flatnonzero(far_from(middle, ends) < 0.2 * near)
+        a, b = model.places[pairs[close, 0]], model.places[pairs[close, 1]]
         along = (b - a)[:, :2]
         square = np.maximum((along**2).sum(axis=1), 1e-300)
         at = np.clip(((middle - a[:, :2]) * along).sum(axis=1) / square, 0, 1)
-        states = model.seen(a + at[:, None] * (b - a)) if len(near) else np.array([])
+        states = model.seen(a + at[:, None] * (b - a)) if len(close) else np.array([])
         if (states == -1).any():
             continue
         judged += 1
         wrong += not (states == 1).any()
-    return {"visible": len(visible), "lost": int(lost), "judged": judged, "wrong": int(wrong)}
+    return [f"{lost} of {len(clear)}", f"{lost_hidden} of {len(covered)}", f"{wrong} of {judged}"]
 
 
-def by_program(model, path, program):
-    direction = ",".join(f"{-c:.17g}" for c in model.viewer)
-    with tempfile.TemporaryDirectory() as folder:
-        command = [program, "draw", path, "--parallel", direction, "--two-sided", "--widths",
-                   "outline=0.2,silhouette=0.2,crease=0.2,inner=0.2,crossing=0.2", "--width", "2000",
-                   "--margin", "0", "--svg", f"{folder}/a.svg"]  # fmt: skip
-        seconds = []
-        for _ in range(3):
-            start = time.perf_counter()
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            seconds.append(time.perf_counter() - start)
-        text = Path(folder, "a.svg").read_text(encoding="utf-8")
+# ---- the two programs
+
+
+def processor_seconds():
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
+def pieces_of(root, layers):
     lines = []
-    for data in re.findall(r' d="([^"]*)"', text):
-        for part in data.split("M")[1:]:
-            at = np.array([float(w) for w in re.findall(r"-?[\d.]+(?:e-?\d+)?", part)]).reshape(-1, 2)
-            lines += [[*a, *b] for a, b in zip(at, at[1:])]
-    lines = np.array(lines)
-    low = lines.reshape(-1, 2).min(axis=0)
-    high = lines.reshape(-1, 2).max(axis=0)
+    for layer in layers:
+        for path in root.iterfind(f".//*[@id='{layer}']//*[@d]"):
+            for part in path.get("d").split("M")[1:]:
+                at = np.array([float(w) for w in re.findall(r"-?[\d.]+(?:e-?\d+)?", part)])
+                at = at.reshape(-1, 2)
+                lines += [[*a, *b] for a, b in zip(at, at[1:])]
+    return np.array(lines).reshape(-1, 4)
+
+
+def by_program(model, path, program, folder):
+    direction = ",".join(f"{-c:.17g}" for c in model.viewer)
+    picture = folder / "lumivane.svg"
+    # As it is timed: with the lines that a drawing has.
+    command = [program, "draw", path, "--parallel", direction, "--two-sided", "--hidden", "dashed",
+               "--width", "2000", "--margin", "0", "--svg", picture]  # fmt: skip
+    seconds = []
+    for _ in range(3):
+        start = processor_seconds()
+        subprocess.run(command, check=True, capture_output=True)
+        seconds.append(processor_seconds() - start)
+    root = xml.etree.ElementTree.parse(picture).getroot()
+    visible, hidden = pieces_of(root, LINES), pieces_of(root, ["hidden"])
+    ends = visible.reshape(-1, 2)
+    low, high = ends.min(axis=0), ends.max(axis=0)
     scale = (model.high - model.low) / (high - low)
-    flip = lambda p: np.column_stack([  # noqa: E731
-        model.low[0] + (p[:, 0] - low[0]) * scale[0], model.high[1] - (p[:, 1] - low[1]) * scale[1]])
-    return min(seconds), np.hstack([flip(lines[:, :2]), flip(lines[:, 2:])])
+
+    def placed(p):
+        return np.column_stack([model.low[0] + (p[:, 0] - low[0]) * scale[0],
+                                model.high[1] - (p[:, 1] - low[1]) * scale[1]])  # fmt: skip
+
+    lines = [np.hstack([placed(some[:, :2]), placed(some[:, 2:])]) for some in (visible, hidden)]
+    return f"{min(seconds):.2f}", *lines
 
 
-def by_freecad(model, path):
-    document = json.loads(Path(path).read_text())
-    lines = np.array([piece for group in document["visible"].values() for piece in group])
+def by_freecad(model, path, viewer, limit, folder):
+    """Seconds as a text, and the lines; none if it is not done in time."""
+    out = folder / "freecad.json"
+    script = Path(__file__).with_name("project.py")
+    command = ["/usr/bin/python3", script, path, viewer, out]
+    try:
+        subprocess.run(command, check=True, timeout=limit, env={"PYTHONPATH": FREECAD},
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)  # fmt: skip
+    except subprocess.TimeoutExpired:
+        return f"not done in {limit:.0f}", None, None
+    document = json.loads(out.read_text(encoding="utf-8"))
     x, y = main_axis(model.viewer)
     turn = np.array([[x @ model.right, x @ model.up], [y @ model.right, y @ model.up]])
-    return document, np.hstack([lines[:, :2] @ turn, lines[:, 2:] @ turn])
+
+    def lines_of(kind):
+        lines = np.array([piece for group in document[kind].values() for piece in group])
+        lines = lines.reshape(-1, 4)
+        return np.hstack([lines[:, :2] @ turn, lines[:, 2:] @ turn])
+
+    text = f"{document['seconds']:.2f}, and {document['seconds_shape']:.2f} for the shape"
+    return text, lines_of("visible"), lines_of("hidden")
+
+
+def row(cells):
+    print("| " + " | ".join(cells) + " |", flush=True)
 
 
 def main():
-    mesh, viewer, freecad = sys.argv[1:4]
-    program = sys.argv[4] if len(sys.argv) > 4 else "build/release/host/lumivane"
-    model = Model(mesh, [float(w) for w in viewer.split(",")])
-    pairs, marked = model.edges()
-    document, lines = by_freecad(model, freecad)
-    print(f"{mesh}: {len(model.triangles)} triangles")
-    print(f"FreeCAD  {document['seconds']:.2f} s, and {document['seconds_shape']:.2f} s for the shape;",
-          judge(model, lines, pairs, marked))  # fmt: skip
-    seconds, lines = by_program(model, mesh, program)
-    print(f"lumivane {seconds:.2f} s, the whole process;", judge(model, lines, pairs, marked))
+    global Near
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--program", default="build/release/host/lumivane")
+    parser.add_argument("--viewer", default="1,2,-1.4", help="points from the mesh to the viewer")
+    parser.add_argument("--limit", type=float, default=600.0, help="seconds that FreeCAD may take")
+    parser.add_argument("--near", type=float, default=Near, help="part of the mesh's size")
+    parser.add_argument("meshes", nargs="+", type=Path)
+    arguments = parser.parse_args()
+    Near = arguments.near
+    row(["Mesh", "", "Seconds", "Lost, visible", "Lost, hidden", "Wrong"])
+    row(["---"] * 6)
+    for source in arguments.meshes:
+        with tempfile.TemporaryDirectory() as name:
+            folder = Path(name)
+            mesh = as_mesh(source, arguments.program, folder)
+            model = Model(mesh, [float(w) for w in arguments.viewer.split(",")])
+            pairs, marked = model.edges()
+            runs = [("lumivane", by_program(model, mesh, arguments.program, folder)),
+                    ("FreeCAD", by_freecad(model, mesh, arguments.viewer, arguments.limit, folder))]
+            title = f"{source.name.split('.')[0]}, {len(model.triangles):,} triangles"
+            for who, (seconds, visible, hidden) in runs:
+                judged = (["-"] * 3 if visible is None
+                          else judge(model, visible, hidden, pairs, marked))  # fmt: skip
+                row([title, who, seconds, *judged])
+                title = ""
 
 
 main()
