@@ -109,9 +109,11 @@ class Batch {
 
   void makeViews(const std::vector<size_t>& pieces, Journal& journal) {
     SceneForEyes& scenes = source();
-    if (options.shot.view.checkScene) refuseErrors(options.shot.scene, scenes.scene().scene());
+    // One that came ready has been checked; for shots of it each take does it again.
+    if (options.shot.view.checkScene && !scenes.source().ready)
+      refuseErrors(options.shot.scene, scenes.scene().scene());
     if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, scenes.scene());
-    keepClasses(scenes.scene());
+    keepClasses(scenes);
     for (const size_t piece : pieces)
       for (const std::string& file : plan.views[piece].files)
         makeFolder((fs::path(plan.setting.folder) / file).parent_path().string());
@@ -158,8 +160,7 @@ class Batch {
     renewMemoryReserve();
     try {
       // Before the objects are listed for an eye: their numbers are the same for all views.
-      if (!exact)
-        exact = std::make_unique<ExactBatch>(options.shot.scene, scenes.scene(), scenes.wholes());
+      if (!exact) exact = std::make_unique<ExactBatch>(options.shot.scene, scenes.source());
       JournalRow row = rowFor(view, true);
       row.row = view.options.noShots ? look(scenes, *exact, view) : take(scenes, *exact, view);
       for (const std::string& file : view.files)
@@ -237,8 +238,8 @@ class Batch {
 
   // The summary has a column for each class if the shares go by classes.
   bool goesByClasses() const { return options.shot.rows == "class"; }
-  void keepClasses(const LoadedScene& scene) {
-    if (goesByClasses()) classes = scene.classes().names;
+  void keepClasses(SceneForEyes& scenes) {
+    if (goesByClasses()) classes = scenes.classNames();
   }
 
   void writeSummary(const ViewRows& rows) {

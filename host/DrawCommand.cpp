@@ -3,6 +3,7 @@
 // hidden.
 
 #include "DrawOptions.h"
+#include "ExactScene.h"
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
@@ -308,14 +309,6 @@ std::string pageOf(const DrawOptions& options, const Visibility::SceneIndex& ind
   }
 }
 
-Visibility::SceneIndex indexOf(const std::string& name, const Session::LoadedScene& scene) {
-  try {
-    return Visibility::SceneIndex(scene);
-  } catch (const std::invalid_argument& error) {
-    throw HostError(name, error.what());
-  }
-}
-
 }  // namespace
 
 void runDraw(const DrawOptions& given) {
@@ -329,7 +322,7 @@ void runDraw(const DrawOptions& given) {
   seconds.read = secondsSince(start);
   start = std::chrono::steady_clock::now();
   static const Visibility::SceneIndex& index =
-      *new Visibility::SceneIndex(indexOf(given.scene, source.scene));
+      *new Visibility::SceneIndex(sceneIndexOf(given.scene, source));
   seconds.index = secondsSince(start);
   DrawOptions options = given;
   options.drawing.eye = moved(options.drawing.eye, source.eyeShift);
@@ -337,7 +330,7 @@ void runDraw(const DrawOptions& given) {
   const DrawingOptions drawing = drawingOf(options);
   std::vector<DrawingOptions> looks;
   if (isDrawn(options)) looks = isCube(options) ? cubeLooks(drawing) : std::vector{drawing};
-  const Pictures::DrawingColors colors(source.scene.scene());
+  const Pictures::DrawingColors colors(source.scene().scene());
   std::vector<Output> outputs;
   Drawing::Counts counts;
   for (std::size_t i = 0; i < looks.size(); ++i) {

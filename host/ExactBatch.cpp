@@ -2,10 +2,10 @@
 
 #include "ExactScene.h"
 #include "Options.h"
+#include "SceneSource.h"
 
 #include <lumivane/check/InsideTest.h>
 #include <lumivane/session/Files.h>
-#include <lumivane/session/LoadedScene.h>
 
 namespace Lumivane::Host {
 namespace {
@@ -30,16 +30,15 @@ ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapS
 }  // namespace
 
 struct ExactBatch::State {
-  State(const std::string& name, const Session::LoadedScene& loaded, const Wholes& wholes)
-      : scene(name, loaded, wholes), inside(loaded.scene()) {}
+  State(const std::string& name, const SourcedScene& source)
+      : scene(name, source), inside(insideTestOf(source)) {}
 
   ExactScene scene;
-  Check::InsideTest inside;
+  std::unique_ptr<const Check::InsideTest> inside;
 };
 
-ExactBatch::ExactBatch(const std::string& name, const Session::LoadedScene& scene,
-                       const Wholes& wholes)
-    : state(new State(name, scene, wholes)) {}
+ExactBatch::ExactBatch(const std::string& name, const SourcedScene& source)
+    : state(new State(name, source)) {}
 
 ExactBatch::~ExactBatch() = default;
 
@@ -54,7 +53,7 @@ std::optional<ExactSummary> ExactBatch::look(const ShotOptions& view) const {
     Session::writeFile(view.shares,
                        state->scene.sharesText(view.shares, view.rows, view.csvSafe, map, shares));
   ExactSummary summary = summaryOf(map, shares);
-  summary.isInside = view.noShots && state->inside.isInside(view.view.eye);
+  summary.isInside = view.noShots && state->inside->isInside(view.view.eye);
   return summary;
 }
 

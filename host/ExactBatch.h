@@ -1,20 +1,15 @@
 #pragma once
 
-#include "Wholes.h"
-
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace Lumivane::Session {
-class LoadedScene;
-}
-
 namespace Lumivane::Host {
 
 struct ShotOptions;
+struct SourcedScene;
 
 /// What a summary reports of a view: of what the eye really sees, not of the shot's picture.
 struct ExactSummary {
@@ -33,7 +28,7 @@ class ExactBatch {
  public:
   /// The numbers of the objects are those that the scene has now, for all eyes.
   /// \throws HostError
-  ExactBatch(const std::string& name, const Session::LoadedScene& scene, const Wholes& wholes);
+  ExactBatch(const std::string& name, const SourcedScene& source);
   ExactBatch(const ExactBatch&) = delete;
   ExactBatch& operator=(const ExactBatch&) = delete;
   ~ExactBatch();

@@ -73,8 +73,8 @@ std::vector<std::optional<std::string>> knownRows(RowJournal& journal, size_t co
 }  // namespace
 
 struct ExactGrid::State {
-  State(const GridOptions& theOptions, const Session::LoadedScene& scene, const Wholes& wholes)
-      : options(theOptions), exact(theOptions.scene, scene, wholes), surfaces(exact.sceneIndex()) {
+  State(const GridOptions& theOptions, const SourcedScene& source)
+      : options(theOptions), exact(theOptions.scene, source), surfaces(exact.sceneIndex()) {
     if (!options.above.empty())
       ground.emplace(exact.sceneIndex(), surfaces, options.above, options.scene);
   }
@@ -98,9 +98,8 @@ struct ExactGrid::State {
   std::unique_ptr<RowJournal> journal;
 };
 
-ExactGrid::ExactGrid(const GridOptions& theOptions, const Session::LoadedScene& scene,
-                     const Wholes& wholes)
-    : state(new State(theOptions, scene, wholes)) {}
+ExactGrid::ExactGrid(const GridOptions& theOptions, const SourcedScene& source)
+    : state(new State(theOptions, source)) {}
 
 ExactGrid::~ExactGrid() = default;
 

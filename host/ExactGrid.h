@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Options.h"
-#include "Wholes.h"
 
 #include <cstddef>
 #include <memory>
@@ -9,11 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace Lumivane::Session {
-class LoadedScene;
-}
-
 namespace Lumivane::Host {
+
+struct SourcedScene;
 
 /// One view of a grid, its numbers as they stand in the table.
 struct GridView {
@@ -50,7 +47,7 @@ struct FacePlace {
 class ExactGrid {
  public:
   /// The options are borrowed. \throws HostError
-  ExactGrid(const GridOptions& theOptions, const Session::LoadedScene& scene, const Wholes& wholes);
+  ExactGrid(const GridOptions& theOptions, const SourcedScene& source);
   ExactGrid(const ExactGrid&) = delete;
   ExactGrid& operator=(const ExactGrid&) = delete;
   ~ExactGrid();

@@ -4,6 +4,7 @@
 #include "HostError.h"
 
 #include <lumivane/session/LoadedScene.h>
+#include <lumivane/visibility/SceneFile.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -40,8 +41,15 @@ ShareDepth depthOf(const std::string& rows) {
 
 }  // namespace
 
-ExactScene::ExactScene(const std::string& name, const Session::LoadedScene& scene, Wholes theWholes)
-    : index(indexOf(name, scene)), wholes(std::move(theWholes)) {}
+Visibility::SceneIndex sceneIndexOf(const std::string& name, const SourcedScene& source) {
+  return source.ready ? source.ready->index() : indexOf(name, source.scene());
+}
+
+ExactScene::ExactScene(const std::string& name, const SourcedScene& source)
+    : index(sceneIndexOf(name, source)), wholes(source.wholes) {}
+
+ExactScene::ExactScene(const std::string& name, const Session::LoadedScene& scene)
+    : index(indexOf(name, scene)) {}
 
 ExactView ExactScene::look(const Session::ViewSettings& view) const {
   Visibility::LookOptions options;

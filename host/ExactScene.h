@@ -1,5 +1,6 @@
 #pragma once
 
+#include "SceneSource.h"
 #include "Wholes.h"
 
 #include <lumivane/session/ViewSettings.h>
@@ -9,10 +10,6 @@
 
 #include <string>
 #include <vector>
-
-namespace Lumivane::Session {
-class LoadedScene;
-}
 
 namespace Lumivane::Host {
 
@@ -27,8 +24,9 @@ class ExactScene {
  public:
   /// \param name  stands in errors
   /// \throws HostError for a scene that cannot be looked at
-  /// \param wholes  what parts belong to, for rows by building
-  ExactScene(const std::string& name, const Session::LoadedScene& scene, Wholes wholes = {});
+  ExactScene(const std::string& name, const SourcedScene& source);
+  /// The same of a scene whose parts belong to nothing.
+  ExactScene(const std::string& name, const Session::LoadedScene& scene);
 
   /// The hemisphere of a view, from where it says; without what objects would take alone.
   /// \throws HostError
@@ -52,6 +50,10 @@ class ExactScene {
   Visibility::SceneIndex index;
   Wholes wholes;
 };
+
+/// A scene made ready for exact looks: as it came, or made now. \param name  stands in errors
+/// \throws HostError for a scene that cannot be looked at
+Visibility::SceneIndex sceneIndexOf(const std::string& name, const SourcedScene& source);
 
 /// Whether a table of these rows shows how much of each object is seen, which takes another look.
 bool hasFractions(const std::string& rows);

@@ -2,6 +2,7 @@
 // takes them from there.
 
 #include "Commands.h"
+#include "ExactScene.h"
 #include "FactorJournal.h"
 #include "FileMark.h"
 #include "HostError.h"
@@ -40,13 +41,13 @@ std::uint64_t keyOf(const FactorsOptions& options) {
   return textKey(numbers, sceneKey(options.scene, options.import));
 }
 
-FaceFactors factorsOf(const FactorsOptions& options, const Session::LoadedScene& scene) {
+FaceFactors factorsOf(const FactorsOptions& options, const SourcedScene& source) {
   Measure::FactorOptions how;
   how.tolerance = options.tolerance;
   how.twoSided = options.twoSided;
   how.mostPoints = options.mostPoints;
   try {
-    return FaceFactors(Visibility::SceneIndex(scene), how);
+    return FaceFactors(sceneIndexOf(options.scene, source), how);
   } catch (const std::invalid_argument& error) {
     throw HostError(options.scene, error.what());
   }
@@ -134,7 +135,7 @@ void runFactors(const FactorsOptions& options) {
   if (options.reciprocal && options.rows)
     throw ArgumentError("--reciprocal", "needs all rows: leave out --rows");
   const SourcedScene source = loadScene(options.scene, options.import);
-  const FaceFactors factors = factorsOf(options, source.scene);
+  const FaceFactors factors = factorsOf(options, source);
   FactorTable table;
   table.elements = factors.elements();
   table.objectIds = factors.objectIds();

@@ -149,8 +149,8 @@ bool isOnSurfaces(const GridOptions& options) {
 class ViewMaker {
  public:
   // Millions of eyes over one level are not asked for what they need not say.
-  ViewMaker(const GridOptions& theOptions, Scene::Scene3D& scene) : options(theOptions) {
-    if (options.skipInside || isOnSurfaces(options)) inside.emplace(scene);
+  ViewMaker(const GridOptions& theOptions, const SourcedScene& source) : options(theOptions) {
+    if (options.skipInside || isOnSurfaces(options)) inside = insideTestOf(source);
   }
 
   // Whether an eye stands inside a body; counts it.
@@ -183,7 +183,7 @@ class ViewMaker {
 
  private:
   const GridOptions& options;
-  std::optional<Check::InsideTest> inside;
+  std::unique_ptr<const Check::InsideTest> inside;
 };
 
 void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid* exact,
@@ -304,12 +304,11 @@ void runGrid(const GridOptions& options) {
   names.add("--shares", options.shares);
   if (!options.shares.empty()) names.add("the journal", options.shares + ".rows");
   const SourcedScene source = readScene(options);
-  const Box box = boundsOf(polygons(source.scene.scene()));
+  const Box box = boundsOf(polygons(source.scene().scene()));
   checkGrid(options, box);
   std::optional<ExactGrid> exact;
-  if (isOnSurfaces(options) || !options.shares.empty())
-    exact.emplace(options, source.scene, source.wholes);
-  ViewMaker maker(options, source.scene.scene());
+  if (isOnSurfaces(options) || !options.shares.empty()) exact.emplace(options, source);
+  ViewMaker maker(options, source);
   if (options.on.empty())
     addGroundViews(options, box, exact ? &*exact : nullptr, maker);
   else

@@ -2,11 +2,13 @@
 #include "HostError.h"
 #include "ImportWork.h"
 #include "OutputNames.h"
+#include "ReadyScene.h"
 #include "StatsNumbers.h"
 
 #include <lumivane/session/ClassFile.h>
 #include <lumivane/session/Error.h>
 #include <lumivane/session/Files.h>
+#include <lumivane/visibility/SceneFile.h>
 
 #include <filesystem>
 #include <iostream>
@@ -50,8 +52,29 @@ std::string classesLine(const Session::LoadedScene& scene, const std::string& pa
 
 }  // namespace
 
+namespace {
+
+// A mesh, a city model or a scene file, made ready for looking.
+void makeReady(const ImportCommandOptions& options) {
+  std::vector<std::string> inputs = sourceFiles(options.file, options.settings);
+  OutputNames names(std::move(inputs));
+  names.add(options.out);
+  names.add(options.stats);
+  if (Visibility::SceneFile::hasEnding(options.file))
+    throw ArgumentError(options.file, "is a scene made ready already: copy it");
+  ImportSettings settings = options.settings;
+  settings.asksForClasses = true;
+  const SourcedScene source = loadScene(options.file, settings);
+  writeReadyScene(options.out, source);
+  if (!options.stats.empty() && source.import.isValid())
+    Session::writeFile(options.stats, jsonText(source.import));
+}
+
+}  // namespace
+
 void runImport(const ImportCommandOptions& options) {
   Session::checkReadable(options.file);
+  if (Visibility::SceneFile::hasEnding(options.out)) return makeReady(options);
   checkOutputs(options);
   Importers::ImportedScene imported = importFile(options.file, options.settings);
   if (!options.settings.classes.empty())

@@ -77,11 +77,17 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
 
 void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
   command
-      .add_option("FILE", options.file,
-                  "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson)")
+      .add_option(
+          "FILE", options.file,
+          "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson); for a "
+          ".lumiscene a scene file, too")
       ->required()
       ->type_name("");
-  command.add_option("-o,--output", options.out, "scene file to write (JSON)")
+  command
+      .add_option("-o,--output", options.out,
+                  "scene file to write (JSON), or a scene made ready for view, batch and other "
+                  "exact looks, "
+                  "which start with it at once (.lumiscene)")
       ->required()
       ->type_name("SCENE");
   addSettings(command, options.settings, "--scale", "Options");

@@ -2,6 +2,7 @@
 // one adds comes out of a table.
 
 #include "Csv.h"
+#include "ExactScene.h"
 #include "HostError.h"
 #include "MapOptions.h"
 #include "OutputNames.h"
@@ -275,11 +276,10 @@ void reportBeside(const std::string& table, const std::vector<DrawingValues::Val
               << values.size() << " eyes lie beside the scene, and not on its plan\n";
 }
 
-Drawing drawn(const MapOptions& options, const Session::LoadedScene& scene,
-              const DrawingOptions& plan) {
+Drawing drawn(const MapOptions& options, const SourcedScene& source, const DrawingOptions& plan) {
   try {
-    return Pictures::drawScene(Visibility::SceneIndex(scene),
-                               Pictures::DrawingColors(scene.scene()), plan);
+    return Pictures::drawScene(sceneIndexOf(options.scene, source),
+                               Pictures::DrawingColors(source.scene().scene()), plan);
   } catch (const std::invalid_argument& error) {
     throw HostError("the map", error.what());
   } catch (const std::runtime_error& error) {
@@ -303,8 +303,8 @@ void runMap(const MapOptions& options) {
   names.add("--png", options.png);
   const SourcedScene source = loadScene(options.scene, options.import);
   const DrawingOptions plan = planOf(options, source.eyeShift);
-  reportBeside(options.table, plan.values->values, plan.values->side, source.scene.scene());
-  const Drawing drawing = drawn(options, source.scene, plan);
+  reportBeside(options.table, plan.values->values, plan.values->side, source.scene().scene());
+  const Drawing drawing = drawn(options, source, plan);
   std::vector<std::pair<std::string, std::string>> outputs;
   if (!options.svg.empty()) outputs.emplace_back(options.svg, DrawingWriter::svg(drawing));
   if (!options.pdf.empty()) outputs.emplace_back(options.pdf, DrawingWriter::pdf(drawing));

@@ -6,17 +6,19 @@
 #include "ExactGrid.h"
 #include "Tools.h"
 
+#include <lumivane/check/InsideTest.h>
+
 namespace Lumivane::Host {
 
 struct ExactBatch::State {};
 
-ExactBatch::ExactBatch(const std::string&, const Session::LoadedScene&, const Wholes&) {}
+ExactBatch::ExactBatch(const std::string&, const SourcedScene&) {}
 ExactBatch::~ExactBatch() = default;
 std::optional<ExactSummary> ExactBatch::look(const ShotOptions&) const { return {}; }
 
 struct ExactGrid::State {};
 
-ExactGrid::ExactGrid(const GridOptions&, const Session::LoadedScene&, const Wholes&) {}
+ExactGrid::ExactGrid(const GridOptions&, const SourcedScene&) {}
 ExactGrid::~ExactGrid() = default;
 std::optional<GridFoot> ExactGrid::footAt(double, double) const { return {}; }
 std::vector<FacePlace> ExactGrid::facePlaces() const { return {}; }
@@ -44,6 +46,13 @@ Jzon::Node audit(const ShotOptions&, const Session::TakenShot&, const Session::L
 }
 std::vector<std::string> sourceFiles(const std::string& path) { return {path}; }
 bool isImportable(const std::string&) { return false; }
+std::unique_ptr<const Check::InsideTest> insideTestOf(const Visibility::SceneFile&) {
+  return nullptr;
+}
+const std::vector<std::string>& classNamesOf(const Visibility::SceneFile&) {
+  static const std::vector<std::string> none;
+  return none;
+}
 std::unique_ptr<Model> modelOf(const std::string&, const ImportSettings&) { return nullptr; }
 
 }  // namespace Tools

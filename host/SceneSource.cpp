@@ -7,6 +7,7 @@
 #include "StatsNumbers.h"
 #include "Tools.h"
 
+#include <lumivane/check/InsideTest.h>
 #include <lumivane/geometry/Point3d.h>
 #include <lumivane/geometry/Points3d.h>
 #include <lumivane/scene/Scene3D.h>
@@ -99,13 +100,61 @@ Session::LoadedScene fileWithClasses(const std::string& path, const ImportSettin
 }
 
 SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) {
-  SourcedScene source{
-      fileWithClasses(path, settings), Jzon::Node(Jzon::Node::T_INVALID), true, {}, {}, {}};
+  SourcedScene source;
+  source.lazy = std::make_shared<LazyScene>(fileWithClasses(path, settings));
+  source.isSceneFile = true;
+  source.import = Jzon::Node(Jzon::Node::T_INVALID);
   if (!settings.center) return source;
-  source.eyeShift = centred(source.scene.scene());
+  source.eyeShift = centred(source.scene().scene());
   source.place.shift = source.eyeShift;
   source.import = shiftNode(source.eyeShift);
   return source;
+}
+
+// A scene that has been made ready is as it is.
+void checkReadySettings(const std::string& path, const ImportSettings& settings) {
+  const char* option = nullptr;
+  if (settings.center) option = "--center";
+  if (!settings.classes.empty()) option = "--classes";
+  if (settings.flip) option = "--flip";
+  if (settings.yUp) option = "--y-up";
+  if (settings.scale != 1.0) option = "--import-scale";
+  if (settings.crease >= 0.0) option = "--crease";
+  if (option != nullptr)
+    throw ArgumentError(path, std::string("is a scene made ready, which stays as it is: give ") +
+                                  option + " to lumivane import when it is made");
+}
+
+// The model is kept as long as the scene may still be made of it.
+SourcedScene readyScene(const std::shared_ptr<Tools::Model>& model) {
+  SourcedScene source;
+  source.lazy = std::make_shared<LazyScene>([model] { return model->scene({}); });
+  source.import = model->reportNode();
+  source.place = model->place();
+  source.wholes = model->wholes();
+  source.ready = model->ready();
+  return source;
+}
+
+SourcedScene importedScene(Tools::Model& model, const ImportSettings& settings,
+                           const std::optional<std::array<double, 3>>& eye) {
+  SourcedScene source;
+  source.lazy = std::make_shared<LazyScene>(model.scene(eye));
+  addGivenClasses(source.scene(), settings);
+  std::cout << model.reportText() << std::flush;
+  source.import = model.reportNode();
+  source.place = model.place();
+  source.wholes = model.wholes();
+  return source;
+}
+
+SourcedScene sourced(const std::shared_ptr<Tools::Model>& model, const std::string& path,
+                     const ImportSettings& settings,
+                     const std::optional<std::array<double, 3>>& eye) {
+  if (model == nullptr) return sceneFile(path, settings);
+  if (model->ready() == nullptr) return importedScene(*model, settings, eye);
+  checkReadySettings(path, settings);
+  return readyScene(model);
 }
 
 }  // namespace
@@ -130,51 +179,40 @@ std::vector<std::string> sourceFiles(const std::string& path, const ImportSettin
 bool isSceneFile(const std::string& path) { return !Tools::isImportable(path); }
 
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings) {
-  const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
-  if (model == nullptr) return sceneFile(path, settings);
-  Session::LoadedScene scene = model->scene(settings.eye);
-  addGivenClasses(scene, settings);
-  std::cout << model->reportText() << std::flush;
-  return {std::move(scene), model->reportNode(), false, {}, model->place(), model->wholes()};
+  return sourced(Tools::modelOf(path, settings), path, settings, settings.eye);
 }
 
-namespace {
-
-Session::LoadedScene firstScene(Tools::Model* model, const std::string& path,
-                                const ImportSettings& settings) {
-  if (model == nullptr) return fileWithClasses(path, settings);
-  Session::LoadedScene scene = model->scene({});
-  addGivenClasses(scene, settings);
-  std::cout << model->reportText() << std::flush;
-  return scene;
+std::unique_ptr<const Check::InsideTest> insideTestOf(const SourcedScene& source) {
+  if (source.ready) return Tools::insideTestOf(*source.ready);
+  return std::make_unique<const Check::InsideTest>(source.scene().scene());
 }
 
-}  // namespace
+const std::vector<std::string>& classNames(const SourcedScene& source) {
+  return source.ready ? Tools::classNamesOf(*source.ready) : source.scene().classes().names;
+}
 
 std::vector<std::string> classNamesOf(const std::string& path, const ImportSettings& settings) {
   const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
   if (model == nullptr) return fileWithClasses(path, settings).classes().names;
+  if (model->ready()) return Tools::classNamesOf(*model->ready());
   Session::LoadedScene scene = model->scene({});
   addGivenClasses(scene, settings);
   return scene.classes().names;
 }
 
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)
-    : model(Tools::modelOf(path, settings)), current(firstScene(model.get(), path, settings)) {
-  if (!model && settings.center) shift = centred(current.scene());
-  filePlace = model ? model->place() : FilePlace{shift, 1.0, false, ""};
-  if (model) theWholes = model->wholes();
-}
+    : model(Tools::modelOf(path, settings)), current(sourced(model, path, settings, {})) {}
 
 SceneForEyes::~SceneForEyes() = default;
 
 Session::LoadedScene& SceneForEyes::at(const std::array<double, 3>& eye) {
-  if (model && currentEye != eye) {
+  // One that came ready lists its objects as they are in its file.
+  if (model && !current.ready && currentEye != eye) {
     currentEye.reset();  // so that a failure leaves no scene under a wrong eye
-    current = model->scene(eye);
+    current.lazy = std::make_shared<LazyScene>(model->scene(eye));
     currentEye = eye;
   }
-  return current;
+  return current.scene();
 }
 
 }  // namespace Lumivane::Host

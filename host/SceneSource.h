@@ -8,10 +8,18 @@
 #include <lumivane/session/LoadedScene.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace Lumivane::Check {
+class InsideTest;
+}
+namespace Lumivane::Visibility {
+class SceneFile;
+}
 
 namespace Lumivane::Host {
 
@@ -19,16 +27,41 @@ namespace Tools {
 class Model;
 }
 
+/// A scene that is made when it is first asked for.
+class LazyScene {
+ public:
+  explicit LazyScene(Session::LoadedScene scene) : made(std::move(scene)) {}
+  explicit LazyScene(std::function<Session::LoadedScene()> how) : make(std::move(how)) {}
+
+  /// \throws Session::Error if it cannot be made
+  Session::LoadedScene& get() {
+    if (!made) made.emplace(make());
+    return *made;
+  }
+
+ private:
+  std::function<Session::LoadedScene()> make;
+  std::optional<Session::LoadedScene> made;
+};
+
 /// A scene, and what statistics report about its import: an invalid node if it was a scene file
 /// that stayed where it is.
 struct SourcedScene {
-  Session::LoadedScene scene;
+  std::shared_ptr<LazyScene> lazy;
   Jzon::Node import;
   bool isSceneFile = false;
   Session::Vector eyeShift{};  ///< what an eye in the file's coordinates is moved by
   FilePlace place;             ///< where the scene's coordinates lie in the file's
   Wholes wholes;               ///< what parts of a city model belong to
+  /// The scene made ready for looking, if it came so (*.lumiscene): then looks need nothing else.
+  std::shared_ptr<const Visibility::SceneFile> ready;
+
+  /// \throws Session::Error if the scene came ready, but without the scene itself
+  Session::LoadedScene& scene() const { return lazy->get(); }
 };
+
+/// Whether eyes are inside bodies of a scene. \throws Session::Error
+std::unique_ptr<const Check::InsideTest> insideTestOf(const SourcedScene& source);
 
 Session::Vector moved(const Session::Vector& point, const Session::Vector& shift);
 
@@ -53,6 +86,9 @@ bool isSceneFile(const std::string& path);
 /// \throws Session::Error
 SourcedScene loadScene(const std::string& path, const ImportSettings& settings);
 
+/// The names of the classes of its surfaces. \throws Session::Error
+const std::vector<std::string>& classNames(const SourcedScene& source);
+
 /// The names of the classes of a scene, without a word on what became of a mesh or city model.
 /// \throws Session::Error
 std::vector<std::string> classNamesOf(const std::string& path, const ImportSettings& settings);
@@ -69,24 +105,24 @@ class SceneForEyes {
   ~SceneForEyes();
 
   /// What an eye is moved by before a shot is taken from it.
-  const Session::Vector& eyeShift() const { return shift; }
+  const Session::Vector& eyeShift() const { return current.eyeShift; }
   /// Where the scene's coordinates lie in the file's.
-  const FilePlace& place() const { return filePlace; }
-  /// What parts of a city model belong to.
-  const Wholes& wholes() const { return theWholes; }
+  const FilePlace& place() const { return current.place; }
 
   /// The scene for no eye in particular, or for that of the last call of `at`.
-  Session::LoadedScene& scene() { return current; }
+  /// \throws Session::Error if the scene came ready, but without the scene itself
+  Session::LoadedScene& scene() { return current.scene(); }
+  /// The same with all that looks need.
+  const SourcedScene& source() const { return current; }
+  /// The names of the classes of its surfaces.
+  const std::vector<std::string>& classNames() { return Host::classNames(current); }
   /// The scene for an eye, up to the next call. \throws Session::Error
   Session::LoadedScene& at(const std::array<double, 3>& eye);
 
  private:
-  std::unique_ptr<Tools::Model> model;  // null for a scene file
+  std::shared_ptr<Tools::Model> model;  // null for a scene file
   std::optional<std::array<double, 3>> currentEye;
-  Session::Vector shift{};
-  Session::LoadedScene current;
-  FilePlace filePlace;
-  Wholes theWholes;
+  SourcedScene current;
 };
 
 }  // namespace Lumivane::Host

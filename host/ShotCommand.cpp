@@ -87,15 +87,15 @@ void runShot(const ShotOptions& options) {
   // Scene and shot are kept to the end of the process, which frees them at once: to take them apart
   // object by object would be a tenth of its time.
   static SourcedScene& source = *new SourcedScene(readScene(options, seconds));
-  if (source.isSceneFile) warnOfFarCoordinates(options.scene, source.scene);
+  if (source.isSceneFile) warnOfFarCoordinates(options.scene, source.scene());
   ShotOptions placed = options;
   placed.view.eye = moved(options.view.eye, source.eyeShift);
-  static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene, seconds));
+  static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene(), seconds));
   warnOfCycle(options.scene, shot);
   warnIfInside(options.scene, shot);
-  const Jzon::Node audited = Tools::audit(options, shot, source.scene, seconds);
+  const Jzon::Node audited = Tools::audit(options, shot, source.scene(), seconds);
   try {
-    writeOutputs(placed, source.scene, shot, seconds);
+    writeOutputs(placed, source.scene(), shot, seconds);
   } catch (const HostError&) {
     writeStats(options, shot, seconds, source.import, audited);  // the shot itself is there
     throw;

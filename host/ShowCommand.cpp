@@ -60,10 +60,10 @@ void runShow(const ShowOptions& options) {
   SourcedScene source = loadScene(options.scene, import);
   ShowOptions placed = options;
   placed.view.eye = moved(options.view.eye, source.eyeShift);
-  if (!options.shot.empty()) return showShotFile(placed, source.scene);
-  const TakenShot shot = source.scene.take(placed.view, ProgressBar().progress());
+  if (!options.shot.empty()) return showShotFile(placed, source.scene());
+  const TakenShot shot = source.scene().take(placed.view, ProgressBar().progress());
   warnOfCycle(options.scene, shot);
-  showBoth(placed, source.scene, shot.shot());
+  showBoth(placed, source.scene(), shot.shot());
 }
 
 }  // namespace Lumivane::Host

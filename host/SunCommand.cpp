@@ -259,9 +259,9 @@ class Work {
   Vector sun{};
 };
 
-void addDiagrams(const SunOptions& options, const Session::LoadedScene& scene,
-                 const VisibleMap& map, const Measure::Place& place, const DayRange& days,
-                 const SunEye& eye, std::vector<Output>& outputs) {
+void addDiagrams(const SunOptions& options, const SourcedScene& source, const VisibleMap& map,
+                 const Measure::Place& place, const DayRange& days, const SunEye& eye,
+                 std::vector<Output>& outputs) {
   Pictures::SunDiagramOptions how;
   for (const Pictures::MapProjectionName& entry : Pictures::mapProjections())
     if (options.projection == entry.name) how.projection = entry.projection;
@@ -274,7 +274,7 @@ void addDiagrams(const SunOptions& options, const Session::LoadedScene& scene,
   const Pictures::MapColors colors = options.colorBy == "class" ? Pictures::MapColors::byClass(map)
                                      : options.colorBy == "object"
                                          ? Pictures::MapColors()
-                                         : Pictures::MapColors(scene.scene());
+                                         : Pictures::MapColors(source.scene().scene());
   if (!options.svg.empty())
     outputs.push_back({options.svg, Pictures::sunDiagram(map, colors, place, how)});
   if (!options.html.empty())
@@ -282,9 +282,9 @@ void addDiagrams(const SunOptions& options, const Session::LoadedScene& scene,
 }
 
 // What there is of one eye alone.
-void addPictures(const SunOptions& options, const Session::LoadedScene& scene,
-                 const VisibleMap& map, const Measure::Place& place, const DayRange& days,
-                 const SunEye& eye, std::vector<Output>& outputs) {
+void addPictures(const SunOptions& options, const SourcedScene& source, const VisibleMap& map,
+                 const Measure::Place& place, const DayRange& days, const SunEye& eye,
+                 std::vector<Output>& outputs) {
   if (!options.horizon.empty()) {
     const auto count = static_cast<int>(std::lround(360.0 / options.horizonStep));
     const Measure::HorizonLine line(map, place.north, count);
@@ -293,7 +293,7 @@ void addPictures(const SunOptions& options, const Session::LoadedScene& scene,
         {options.horizon, isHor ? line.horText(place.latitude < 0.0) : line.listText()});
   }
   if (!options.svg.empty() || !options.html.empty())
-    addDiagrams(options, scene, map, place, days, eye, outputs);
+    addDiagrams(options, source, map, place, days, eye, outputs);
 }
 
 void addTables(const SunOptions& options, const std::vector<SunEye>& eyes, const SunText& text,
@@ -379,7 +379,7 @@ class EyeWork {
         exact(theExact),
         place(thePlace),
         days(theDays),
-        inside(source.scene.scene()) {}
+        inside(insideTestOf(source)) {}
 
   // \param journal  keeps what has been found; may be null
   void run(const Work& work, std::vector<SunEye>& eyes, SunJournal* journal) {
@@ -398,11 +398,11 @@ class EyeWork {
     forEachEye(open.size(), options.threads, [&](size_t i) {
       SunEye& eye = eyes[open[i]];
       const Vector at = moved(eye.eye, source.eyeShift);
-      eye.isInside = !options.twoSided && inside.isInside(at);
+      eye.isInside = !options.twoSided && inside->isInside(at);
       const VisibleMap map = exact.look(at, how);
       work.at(map, eye);
       if (journal != nullptr) journal->append(open[i], eye);
-      if (isOne) addPictures(options, source.scene, map, place, days, eye, outputs);
+      if (isOne) addPictures(options, source, map, place, days, eye, outputs);
     });
   }
 
@@ -414,7 +414,7 @@ class EyeWork {
   const ExactScene& exact;
   const Measure::Place& place;
   const DayRange& days;
-  const Check::InsideTest inside;
+  const std::unique_ptr<const Check::InsideTest> inside;
 };
 
 std::shared_ptr<const VisibleMap::Names> namesOf(const ExactScene& exact) {
@@ -437,7 +437,7 @@ void runSun(const SunOptions& options) {
   const Work work(options, place, days);
   std::vector<SunEye> eyes = eyesOf(options);
   const SourcedScene source = loadScene(options.scene, options.import);
-  const ExactScene exact(options.scene, source.scene);
+  const ExactScene exact(options.scene, source);
   std::unique_ptr<SunJournal> journal;
   if (!journalOf(options).empty())
     journal = std::make_unique<SunJournal>(journalOf(options), keyOf(options, place, days));

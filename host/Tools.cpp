@@ -11,12 +11,16 @@
 #include "ImportWork.h"
 #include "MapOptions.h"
 #include "OptionParts.h"
+#include "ReadyScene.h"
 #include "ShotShares.h"
 #include "Stats.h"
 #include "SunOptions.h"
 #include "ToolParts.h"
 #include "VectorFiles.h"
 #include "VisibleFile.h"
+
+#include <lumivane/check/InsideTest.h>
+#include <lumivane/visibility/SceneFile.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -115,7 +119,9 @@ void addPlaces(CLI::App& command, GridOptions& options) {
 
 namespace Tools {
 
-const char* sceneHelp() { return "scene file (JSON), mesh or city model"; }
+const char* sceneHelp() {
+  return "scene file (JSON), mesh, city model, or a scene made ready (.lumiscene)";
+}
 
 void addSceneOptions(CLI::App& command, ImportSettings& import) {
   addImportSettings(command, import);
@@ -237,9 +243,20 @@ std::vector<std::string> sourceFiles(const std::string& path) {
   return Importers::Importer::inputFiles(path);
 }
 
-bool isImportable(const std::string& path) { return Importers::Importer::isImportable(path); }
+bool isImportable(const std::string& path) {
+  return Visibility::SceneFile::hasEnding(path) || Importers::Importer::isImportable(path);
+}
+
+std::unique_ptr<const Check::InsideTest> insideTestOf(const Visibility::SceneFile& file) {
+  return insideTestOfReady(file);
+}
+
+const std::vector<std::string>& classNamesOf(const Visibility::SceneFile& file) {
+  return file.index().names().classNames;
+}
 
 std::unique_ptr<Model> modelOf(const std::string& path, const ImportSettings& settings) {
+  if (Visibility::SceneFile::hasEnding(path)) return std::make_unique<ReadyScene>(path);
   if (!isImportable(path)) return nullptr;
   return std::make_unique<ImportedFile>(path, settings);
 }

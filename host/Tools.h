@@ -17,8 +17,14 @@
 namespace CLI {
 class App;
 }
+namespace Lumivane::Check {
+class InsideTest;
+}
 namespace Lumivane::Session {
 class TakenShot;
+}
+namespace Lumivane::Visibility {
+class SceneFile;
 }
 
 namespace Lumivane::Host {
@@ -57,10 +63,10 @@ Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,
 
 /// All files that are read of a path: itself first, then those that it names.
 std::vector<std::string> sourceFiles(const std::string& path);
-/// Whether a path is read as a mesh or a city model.
+/// Whether a path is read as a mesh or a city model, or as a scene made ready.
 bool isImportable(const std::string& path);
 
-/// A mesh or city model, read once for many eyes.
+/// A mesh or city model, or a scene made ready for looking, read once for many eyes.
 class Model {
  public:
   virtual ~Model() = default;
@@ -73,12 +79,17 @@ class Model {
   virtual FilePlace place() const = 0;
   /// What its parts belong to.
   virtual Wholes wholes() const = 0;
+  /// The file that it is, if it came ready for looking; null for others.
+  virtual std::shared_ptr<const Visibility::SceneFile> ready() const { return nullptr; }
 
  protected:
   Model() = default;
   Model(const Model&) = delete;
   Model& operator=(const Model&) = delete;
 };
+/// What looks from a scene that came ready need to know.
+std::unique_ptr<const Check::InsideTest> insideTestOf(const Visibility::SceneFile& file);
+const std::vector<std::string>& classNamesOf(const Visibility::SceneFile& file);
 /// Null for what is no mesh and no city model. \throws Session::Error
 std::unique_ptr<Model> modelOf(const std::string& path, const ImportSettings& settings);
 

@@ -122,18 +122,19 @@ std::string pageOf(const VisibleMap& map, const Pictures::MapColors& colors,
   return page.text();
 }
 
-Pictures::MapColors colorsOf(const ViewOptions& options, const Session::LoadedScene& scene,
+Pictures::MapColors colorsOf(const ViewOptions& options, const SourcedScene& source,
                              const VisibleMap& map) {
   if (options.colorBy == "class") return Pictures::MapColors::byClass(map);
-  return options.colorBy == "object" ? Pictures::MapColors() : Pictures::MapColors(scene.scene());
+  return options.colorBy == "object" ? Pictures::MapColors()
+                                     : Pictures::MapColors(source.scene().scene());
 }
 
-void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
-                 const ExactScene& exact, const VisibleMap& map, const MapShares& shares,
-                 bool isInside, std::vector<Output>& outputs) {
+void addPictures(const ViewOptions& options, const SourcedScene& source, const ExactScene& exact,
+                 const VisibleMap& map, const MapShares& shares, bool isInside,
+                 std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
   if (!isDrawn && options.html.empty() && options.report.empty()) return;
-  const Pictures::MapColors colors = colorsOf(options, scene, map);
+  const Pictures::MapColors colors = colorsOf(options, source, map);
   const Pictures::MapPictureOptions how = pictureOptions(options);
   if (isDrawn) {
     const VectorPicture picture(map, colors, how);
@@ -147,16 +148,16 @@ void addPictures(const ViewOptions& options, const Session::LoadedScene& scene,
         {options.report, viewReport(options, exact, {map, shares, colors, how, isInside})});
 }
 
-void writeOutputs(const ViewOptions& options, const Session::LoadedScene& scene,
-                  const ExactScene& exact, const VisibleMap& map, const MapShares& shares,
-                  bool isInside, ViewSeconds& seconds) {
+void writeOutputs(const ViewOptions& options, const SourcedScene& source, const ExactScene& exact,
+                  const VisibleMap& map, const MapShares& shares, bool isInside,
+                  ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.write);
   std::vector<Output> outputs;
   if (!options.shares.empty())
     outputs.push_back({options.shares, exact.sharesText(options.shares, options.rows,
                                                         options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
-  addPictures(options, scene, exact, map, shares, isInside, outputs);
+  addPictures(options, source, exact, map, shares, isInside, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
 }
 
@@ -206,15 +207,15 @@ void runView(const ViewOptions& options) {
   }());
   static const ExactScene& exact = *new ExactScene([&] {
     const ProcessorTimer timer(seconds.index);
-    return ExactScene(options.scene, source.scene, source.wholes);
+    return ExactScene(options.scene, source);
   }());
   ViewOptions placed = options;
   placed.eye = moved(options.eye, source.eyeShift);
   if (options.target) placed.target = moved(*options.target, source.eyeShift);
-  const bool isInside = !options.twoSided && warnIfInside(options.scene, source.scene, placed.eye);
+  const bool isInside = !options.twoSided && warnIfInside(options.scene, source, placed.eye);
   static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
-  writeOutputs(options, source.scene, exact, map, shares, isInside, seconds);
+  writeOutputs(options, source, exact, map, shares, isInside, seconds);
   writeStats(options, map, seconds, source.import);
   report(options, map, shares);
 }

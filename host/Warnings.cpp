@@ -1,6 +1,7 @@
 #include "Warnings.h"
 
 #include "HostError.h"
+#include "SceneSource.h"
 
 #include <lumivane/check/InsideTest.h>
 #include <lumivane/check/SceneChecker.h>
@@ -48,9 +49,9 @@ bool warnIfInside(const std::string& subject, const Session::TakenShot& shot) {
   return warnOfInside(subject, shot.isInside());
 }
 
-bool warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+bool warnIfInside(const std::string& subject, const SourcedScene& source,
                   const std::array<double, 3>& eye) {
-  return warnOfInside(subject, Check::InsideTest(scene.scene()).isInside(eye));
+  return warnOfInside(subject, insideTestOf(source)->isInside(eye));
 }
 
 }  // namespace Lumivane::Host

@@ -10,6 +10,8 @@ class TakenShot;
 
 namespace Lumivane::Host {
 
+struct SourcedScene;
+
 /// Each prints one line on standard error if there is something to say, after all that has been
 /// printed on standard output. `file` is the scene's.
 
@@ -22,7 +24,7 @@ void warnOfCycle(const std::string& file, const Session::TakenShot& shot);
 /// If the eye is inside a body. `subject` is the scene's file, or a view.
 /// \return whether it is
 bool warnIfInside(const std::string& subject, const Session::TakenShot& shot);
-bool warnIfInside(const std::string& subject, const Session::LoadedScene& scene,
+bool warnIfInside(const std::string& subject, const SourcedScene& source,
                   const std::array<double, 3>& eye);
 
 }  // namespace Lumivane::Host

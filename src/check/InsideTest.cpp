@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <mutex>
+#include <utility>
 #include <vector>
 
 // A point is inside a body if the first polygon that a ray from it meets shows its back. Real
@@ -120,8 +122,63 @@ bool mayBeAbove(const Polygon& polygon, Vec3 point) {
 
 }  // namespace
 
+// Arrays stay as they are as long as nothing but the sky is overhead: then a look at their corners
+// is all that it takes.
 struct InsideTest::Polygons {
   std::vector<Polygon> all;
+  Outlines outlines;  // of which `all` is made when it is asked for
+
+  bool hasOutlines() const { return outlines.points != nullptr; }
+
+  Vec3 corner(std::size_t i) const {
+    const auto& point = outlines.points[outlines.corners[i]];
+    return {point[0], point[1], point[2]};
+  }
+
+  std::size_t cornerCount(std::size_t i) const {
+    return outlines.offsets[i + 1] - outlines.offsets[i];
+  }
+
+  Polygon polygonAt(std::size_t i) const {
+    std::vector<Vec3> corners;
+    corners.reserve(cornerCount(i));
+    for (std::size_t k = outlines.offsets[i]; k < outlines.offsets[i + 1]; ++k)
+      corners.push_back(corner(k));
+    Polygon polygon = polygonOf(std::move(corners));
+    polygon.object = static_cast<std::size_t>(outlines.objects[i]);
+    return polygon;
+  }
+
+  bool mayBeAbove(std::size_t i, Vec3 point) const {
+    bool isHigher = false;
+    bool isLeft = false;
+    bool isRight = false;
+    bool isInFront = false;
+    bool isBehind = false;
+    for (std::size_t k = outlines.offsets[i]; k < outlines.offsets[i + 1]; ++k) {
+      const Vec3 at = corner(k);
+      isHigher |= at.z > point.z;
+      isLeft |= at.x <= point.x;
+      isRight |= at.x >= point.x;
+      isInFront |= at.y <= point.y;
+      isBehind |= at.y >= point.y;
+    }
+    return isHigher && isLeft && isRight && isInFront && isBehind;
+  }
+
+  void makeAll() {
+    for (std::size_t i = 0; i < outlines.objects.size(); ++i)
+      if (cornerCount(i) >= 3) all.push_back(polygonAt(i));
+  }
+
+  // What a ray straight up meets first.
+  FirstMet above(Vec3 from) const {
+    if (!hasOutlines()) return firstMet(from, directions().front(), true, 0);
+    Polygons over;
+    for (std::size_t i = 0; i < outlines.objects.size(); ++i)
+      if (cornerCount(i) >= 3 && mayBeAbove(i, from)) over.all.push_back(polygonAt(i));
+    return over.firstMet(from, directions().front(), true, 0);
+  }
 
   // Among the polygons of one object, or of all for 0.
   FirstMet firstMet(Vec3 from, Vec3 direction, bool isUp, std::size_t object) const {
@@ -130,7 +187,7 @@ struct InsideTest::Polygons {
     FirstMet first;
     for (const Polygon& polygon : all) {
       if (object != 0 && polygon.object != object) continue;
-      if (isUp && !mayBeAbove(polygon, from)) continue;
+      if (isUp && !Check::mayBeAbove(polygon, from)) continue;
       const double distance = distanceTo(polygon, from, direction);
       const bool isFront = Kernel::dot(polygon.normal, direction) > 0.0;
       if (!isFront && distance < back) first.object = polygon.object;
@@ -176,13 +233,20 @@ InsideTest::InsideTest(Scene::Scene3D& scene) {
   polygons = std::move(found);
 }
 
+InsideTest::InsideTest(Outlines outlines) {
+  auto found = std::make_unique<Polygons>();
+  found->outlines = std::move(outlines);
+  polygons = std::move(found);
+}
+
 InsideTest::~InsideTest() = default;
 
 bool InsideTest::isInside(const std::array<double, 3>& point) const {
   const Vec3 eye{point[0], point[1], point[2]};
   // Nearly every eye is decided by the first ray, and cheaply.
-  const FirstMet above = polygons->firstMet(eye, directions().front(), true, 0);
+  const FirstMet above = polygons->above(eye);
   if (!above.isBack) return false;
+  if (polygons->hasOutlines()) std::call_once(isMade, [this] { polygons->makeAll(); });
   // Where bodies touch, as houses of a row do, the wall of the one stands on that of the other, and
   // both together count as a front: then the body overhead is asked alone.
   return polygons->isEnclosed(eye, 0) || polygons->isEnclosed(eye, above.object);

@@ -102,5 +102,43 @@ TEST(InsideTest, TakeReportsAnEyeInsideABody) {
   EXPECT_FALSE(scene.take(view).isInside());
 }
 
+// Points of the box and sides as plain arrays.
+struct Arrays {
+  std::vector<std::array<double, 3>> points = {{0, 0, 0}, {4, 0, 0}, {4, 2, 0}, {0, 2, 0},
+                                               {0, 0, 3}, {4, 0, 3}, {4, 2, 3}, {0, 2, 3}};
+  std::vector<std::size_t> offsets{0};
+  std::vector<int> corners;
+
+  explicit Arrays(const Sides& sides) {
+    for (const std::vector<int>& side : sides) {
+      for (const int number : side) corners.push_back(number - 1);
+      offsets.push_back(corners.size());
+    }
+  }
+  InsideTest::Outlines outlines() const {
+    InsideTest::Outlines result;
+    result.points = points.data();
+    result.offsets = offsets.data();
+    result.corners = corners.data();
+    result.objects.assign(offsets.size() - 1, 1);
+    return result;
+  }
+};
+
+TEST(InsideTest, ArraysAnswerAsTheirScene) {
+  const Sides line = {{1, 2}};
+  for (const Sides& sides : {Box, with(Walls, {Roof}), with(Box, turned(Box)), with(line, Box)}) {
+    const Arrays arrays(sides);
+    const InsideTest test(arrays.outlines());
+    const Session::LoadedScene scene = sceneOf(sides);
+    const InsideTest same(scene.scene());
+    for (double x = -0.9; x < 5.0; x += 0.7)
+      for (double y = -0.6; y < 3.0; y += 0.45)
+        for (double z = -0.8; z < 4.0; z += 0.55)
+          EXPECT_EQ(same.isInside({x, y, z}), test.isInside({x, y, z}))
+              << x << " " << y << " " << z;
+  }
+}
+
 }  // namespace
 }  // namespace Lumivane::Check

@@ -3,7 +3,10 @@
 #include <lumivane/export.h>
 
 #include <array>
+#include <cstddef>
 #include <memory>
+#include <mutex>
+#include <vector>
 
 namespace Lumivane::Scene {
 class Scene3D;
@@ -25,6 +28,19 @@ class LUMIVANE_EXPORT InsideTest {
   /// Copies the polygons of the scene, those in front of nobody included. Numbers that point at
   /// nothing are passed over.
   explicit InsideTest(Scene::Scene3D& scene);
+
+  /// Polygons as plain arrays: corner k of polygon i is points[corners[offsets[i] + k]].
+  struct Outlines {
+    const std::array<double, 3>* points = nullptr;  ///< borrowed
+    const std::size_t* offsets = nullptr;           ///< borrowed; one more than polygons
+    const int* corners = nullptr;                   ///< borrowed; positions from 0 in `points`
+    std::vector<int> objects;                       ///< of polygon i, from 1
+    std::shared_ptr<const void> owner;              ///< of what is borrowed; may be null
+  };
+  /// The same of arrays, which answers as for the scene of these polygons, and copies nothing until
+  /// a polygon is found overhead. The numbers must point at what is there.
+  explicit InsideTest(Outlines outlines);
+
   InsideTest(const InsideTest&) = delete;
   InsideTest& operator=(const InsideTest&) = delete;
   ~InsideTest();
@@ -35,7 +51,8 @@ class LUMIVANE_EXPORT InsideTest {
  private:
   struct Polygons;
 
-  std::unique_ptr<const Polygons> polygons;
+  std::unique_ptr<Polygons> polygons;
+  mutable std::once_flag isMade;  // of what arrays are copied to
 };
 
 }  // namespace Lumivane::Check
