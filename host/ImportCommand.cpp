@@ -58,8 +58,8 @@ namespace {
 void makeReady(const ImportCommandOptions& options) {
   std::vector<std::string> inputs = sourceFiles(options.file, options.settings);
   OutputNames names(std::move(inputs));
-  names.add(options.out);
-  names.add(options.stats);
+  names.add("--output", options.out);
+  names.add("--stats", options.stats);
   if (Visibility::SceneFile::hasEnding(options.file))
     throw ArgumentError(options.file, "is a scene made ready already: copy it");
   ImportSettings settings = options.settings;
