@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -174,6 +175,71 @@ TEST(FaceFactors, EstimatesAreAtLeastTheErrorInNearlyAllEntries) {
   }
   EXPECT_GE(static_cast<double>(honest), 0.95 * static_cast<double>(count))
       << honest << " of " << count;
+}
+
+// A table in a room: its legs are small, and little of what is around them is seen from one point.
+Faces roomWithTable() {
+  Faces faces = inside(boxOutlines({0, 0, 0}, {5, 4, 2.6}));
+  addOutside(faces, boxOutlines({1.5, 1.2, 0.7}, {3.1, 2.2, 0.74}));
+  for (const double x : {1.55, 3.0})
+    for (const double y : {1.25, 2.1})
+      addOutside(faces, boxOutlines({x, y, 0.0}, {x + 0.06, y + 0.06, 0.7}));
+  return faces;
+}
+
+// Triangles of all directions, both sides of each, that may run through each other.
+Faces roomOfTriangles() {
+  Faces faces = inside(boxOutlines({0, 0, 0}, {3, 3, 3}));
+  std::mt19937 random(5);
+  const auto number = [&random](double low, double high) {
+    return low + (high - low) * static_cast<double>(random()) / 4294967296.0;
+  };
+  for (int i = 0; i < 8; ++i) {
+    const Vector middle = {number(0.7, 2.3), number(0.7, 2.3), number(0.7, 2.3)};
+    Outline triangle;
+    for (int k = 0; k < 3; ++k)
+      triangle.push_back({middle[0] + number(-0.6, 0.6), middle[1] + number(-0.6, 0.6),
+                          middle[2] + number(-0.6, 0.6)});
+    const Vector normal = areaVector(triangle);
+    const Vector mean = meanOf(triangle);
+    faces.add(triangle, {mean[0] + normal[0], mean[1] + normal[1], mean[2] + normal[2]});
+    faces.add(triangle, mean - normal);
+  }
+  return faces;
+}
+
+struct Honesty {
+  std::size_t count = 0;
+  std::size_t honest = 0;
+};
+
+// At the default tolerance; the truth is taken from many times as many points. Rows of very many
+// points are left out, since theirs would take long: they are the ones that are best known.
+void addHonesty(const Faces& faces, std::size_t step, Honesty& sum) {
+  const SceneIndex index(faces.scene);
+  const FaceFactors factors(index);
+  FactorOptions best = tolerance(1e-9);
+  best.mostPoints = 600;
+  const FaceFactors truth(index, best);
+  for (std::size_t i = 0; i < factors.elements().size(); i += step) {
+    const FactorRow row = factors.row(i);
+    if (row.looks > best.mostPoints / 6) continue;
+    const FactorRow expected = truth.row(i);
+    for (const FactorEntry& e : row.entries) {
+      ++sum.count;
+      sum.honest += std::abs(e.factor - entry(expected, e.element)) <= e.estimate ? 1 : 0;
+    }
+  }
+}
+
+TEST(FaceFactors, EstimatesOfRowsOfFewPointsAreAtLeastTheErrorInNearlyAllEntries) {
+  Honesty sum;
+  addHonesty(furnishedRoom(), 1, sum);
+  addHonesty(roomWithTable(), 3, sum);
+  addHonesty(roomOfTriangles(), 3, sum);
+  EXPECT_GT(sum.count, 120U);
+  EXPECT_GE(static_cast<double>(sum.honest), 0.95 * static_cast<double>(sum.count))
+      << sum.honest << " of " << sum.count;
 }
 
 TEST(FaceFactors, BothDirectionsAgreeInAClosedRoomWithinTheirEstimates) {
