@@ -293,7 +293,10 @@ Vector readVector(const std::string& option, const std::string& text) {
   return result;
 }
 
-void setShotOptions(CLI::App& command, ShotOptions& options) {
+namespace {
+
+// What a shot takes wherever it is taken.
+void addShotOptions(CLI::App& command, ShotOptions& options) {
   addScene(command, options.scene, options.import);
   addViewOptions(command, options.view);
   addLimits(command, options.view);
@@ -315,8 +318,20 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
   Tools::addShotOptions(command, options);
 }
 
+}  // namespace
+
+// A batch has processes in place of threads.
+void setShotOptions(CLI::App& command, ShotOptions& options) {
+  addShotOptions(command, options);
+  options.view.threads = 0;
+  command.add_option("--threads", options.view.threads, "threads; 0 for as many as processors")
+      ->type_name("N")
+      ->check(CLI::Range(0, 1024))
+      ->capture_default_str();
+}
+
 void setBatchedShotOptions(CLI::App& command, ShotOptions& options) {
-  setShotOptions(command, options);
+  addShotOptions(command, options);
   Tools::addBatchedShotOptions(command, options);
 }
 

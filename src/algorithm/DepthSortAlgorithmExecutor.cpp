@@ -2,6 +2,7 @@
 // which is a file of pipeline/. SortedFaces collects the shot's faces, Classifier decides one cell
 // for every pair of them, DrawingOrder makes one order of the cells and rewrites the shot. How two
 // polygons lie to each other is also asked by containers: DepthSortAlgorithmExecutorRelations.cpp.
+// `run` leaves out the cells on which the order does not depend; the step by itself decides all.
 //
 // The shot is only read until the order is known, so an exception leaves it as it was.
 
@@ -54,7 +55,7 @@ void DepthSortAlgorithmExecutor::run() {
   if (scene == nullptr || shot == nullptr) return;
   const Utils::StageScope stage(Utils::Stage::Classification);
   fillObjectDataList();
-  classifyObjects();
+  classifyFaces(*shapes, *objectDataList, CellsWanted::Deciding, *classificationMatrix);
   calculateObjectsOrder();
 }
 
@@ -74,7 +75,7 @@ void DepthSortAlgorithmExecutor::classifyObjects() {
 }
 
 void DepthSortAlgorithmExecutor::classifyObjectsByBoundingBoxes() {
-  classifyFaces(*shapes, *objectDataList, *classificationMatrix);
+  classifyFaces(*shapes, *objectDataList, CellsWanted::All, *classificationMatrix);
 }
 
 void DepthSortAlgorithmExecutor::calculateObjectsOrder() {

@@ -93,9 +93,11 @@ void BoxTree::addLevel(std::size_t first, std::size_t count) {
   }
 }
 
-// Depth first; the places to come back to are at most Lanes a level.
-LUMIVANE_LANES std::size_t BoxTree::walk(const Box& box, std::uint32_t limit,
-                                         std::uint32_t* found) const {
+// Depth first; the places to come back to are at most Lanes a level. A box is wanted if it passes
+// the test, which holds for every box around one that passes it.
+template <class IsWanted>
+inline std::size_t BoxTree::walk(std::uint32_t limit, std::uint32_t* found,
+                                 IsWanted isWanted) const {
   constexpr std::size_t MostLevels = 12;  // 8^11 is more than positions can number
   struct Place {
     std::size_t level, index;
@@ -107,15 +109,14 @@ LUMIVANE_LANES std::size_t BoxTree::walk(const Box& box, std::uint32_t limit,
   while (open != 0) {
     const Place place = places[--open];
     const Node& node = nodes[levels[place.level] + place.index];
-    std::int64_t meets[Lanes];
-    for (std::size_t lane = 0; lane < Lanes; ++lane) {
-      const Box other{node.xMin[lane], node.xMax[lane], node.yMin[lane], node.yMax[lane]};
-      meets[lane] = boxesMeet(box, other) ? 1 : 0;
-    }
+    std::int64_t wanted[Lanes];
+    for (std::size_t lane = 0; lane < Lanes; ++lane)
+      wanted[lane] =
+          isWanted({node.xMin[lane], node.xMax[lane], node.yMin[lane], node.yMax[lane]}) ? 1 : 0;
     // Without branches: each lane is written down, and kept only if it counts.
     for (std::size_t lane = 0; lane < Lanes; ++lane) {
       const std::size_t isKept =
-          static_cast<std::size_t>(meets[lane]) & (node.lowest[lane] < limit);
+          static_cast<std::size_t>(wanted[lane]) & (node.lowest[lane] < limit);
       if (place.level == 0) {
         found[count] = node.lowest[lane];
         count += isKept;
@@ -128,11 +129,27 @@ LUMIVANE_LANES std::size_t BoxTree::walk(const Box& box, std::uint32_t limit,
   return count;
 }
 
+LUMIVANE_LANES std::size_t BoxTree::walkMeeting(const Box& box, std::uint32_t limit,
+                                                std::uint32_t* found) const {
+  return walk(limit, found, [&box](const Box& other) { return boxesMeet(box, other); });
+}
+
+LUMIVANE_LANES std::size_t BoxTree::walkEnclosing(const Box& box, std::uint32_t* found) const {
+  return walk(std::numeric_limits<std::uint32_t>::max(), found, [&box](const Box& other) {
+    return (other.xMin <= box.xMin) & (other.xMax >= box.xMax) & (other.yMin <= box.yMin) &
+           (other.yMax > box.yMax);
+  });
+}
+
 std::size_t BoxTree::findMeeting(const Box& box, std::uint32_t limit, std::uint32_t* found) const {
   if (nodes.empty()) return 0;
-  const std::size_t count = walk(box, limit, found);
+  const std::size_t count = walkMeeting(box, limit, found);
   std::sort(found, found + count);
   return count;
+}
+
+std::size_t BoxTree::findEnclosing(const Box& box, std::uint32_t* found) const {
+  return nodes.empty() ? 0 : walkEnclosing(box, found);
 }
 
 }  // namespace Lumivane::Kernel

@@ -26,6 +26,13 @@ class BoxTree {
   /// \return how many there are
   std::size_t findMeeting(const Box& box, std::uint32_t limit, std::uint32_t* found) const;
 
+  /// Writes the positions of the boxes that enclose `box`, in the order of the tree: they may touch
+  /// it on all sides but the upper one. Sides may be past each other, as in a box that was shrunk.
+  ///
+  /// \param found  room for one position more than there are boxes
+  /// \return how many there are
+  std::size_t findEnclosing(const Box& box, std::uint32_t* found) const;
+
  private:
   struct Node {
     double xMin[Lanes], xMax[Lanes], yMin[Lanes], yMax[Lanes];
@@ -36,7 +43,10 @@ class BoxTree {
   static void setLane(Node& node, std::size_t lane, const Box& box, std::uint32_t lowest);
   void addLeaves(const std::vector<Box>& boxes);
   void addLevel(std::size_t first, std::size_t count);
-  std::size_t walk(const Box& box, std::uint32_t limit, std::uint32_t* found) const;
+  template <class IsWanted>
+  std::size_t walk(std::uint32_t limit, std::uint32_t* found, IsWanted isWanted) const;
+  std::size_t walkMeeting(const Box& box, std::uint32_t limit, std::uint32_t* found) const;
+  std::size_t walkEnclosing(const Box& box, std::uint32_t* found) const;
 
   std::vector<Node> nodes;          // level by level, the leaves first
   std::vector<std::size_t> levels;  // where each level starts

@@ -33,7 +33,7 @@ thread_local bool isTaking = false;
 class ThreadOfTake {
  public:
   explicit ThreadOfTake(const ViewSettings& view) : limits(Algorithm::shotLimits()) {
-    Algorithm::shotLimits() = {view.limitPoints, view.limitMemory};
+    Algorithm::shotLimits() = {view.limitPoints, view.limitMemory, view.threads};
     Algorithm::sortFacts() = {};
     isTaking = true;
   }

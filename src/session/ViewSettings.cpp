@@ -72,6 +72,8 @@ std::string limitsFault(const ViewSettings& settings) {
       {"the limit of memory", settings.limitMemory}};
   for (const auto& [name, value] : counts)
     if (value < 0) return std::string(name) + " is " + std::to_string(value) + ", below 0";
+  if (settings.threads < 0)
+    return "the number of threads is " + std::to_string(settings.threads) + ", below 0";
   return "";
 }
 

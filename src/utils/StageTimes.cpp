@@ -49,6 +49,16 @@ double StageTimes::seconds(Stage stage) {
 
 const char* StageTimes::name(Stage stage) { return Names.at(static_cast<std::size_t>(stage)); }
 
+std::size_t StageTimes::current() { return ofThread.current; }
+
+void StageTimes::addTo(Nanoseconds& sums) {
+  for (std::size_t stage = 0; stage < Count; ++stage) sums[stage] += ofThread.times[stage];
+}
+
+void StageTimes::addAll(const Nanoseconds& more) {
+  for (std::size_t stage = 0; stage < Count; ++stage) ofThread.times[stage] += more[stage];
+}
+
 // Ends the current stage and begins another.
 std::size_t StageTimes::enter(std::size_t stage) {
   Clock& clock = ofThread;

@@ -1,6 +1,7 @@
 // The depth sort against its plain form, on random scenes: every cell, every message, the order,
 // the report of a cycle.
 
+#include "kernel/Classify.h"
 #include "plain/DepthSort.h"
 #include "support/Capture.h"
 #include "support/DepthSortProbe.h"
@@ -17,6 +18,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -68,6 +70,26 @@ Piece anyLatticePiece(Random& random) {
   Piece piece;
   piece.projected = {{x, y}, {x + width, y}, {x + width, y + height}, {x, y + height}};
   for (int k = 0; k < 4; ++k) piece.source.push_back({lattice(3), lattice(3), lattice(3)});
+  return piece;
+}
+
+// Mostly small rectangles behind large ones, some nested, some across others, so that most are
+// hidden and hidden ones hide others. Some look the other way, some have no plane.
+Piece anyPieceOfManyHidden(Random& random) {
+  if (random() % 6 == 0) return anyLatticePiece(random);
+  const double distance = static_cast<double>(1 + random() % 6);
+  const bool isLarge = random() % 4 == 0;
+  const double half = isLarge ? distance * 2.0 : distance * anyIn(random, 0.05, 0.4);
+  const double centreY = isLarge ? distance : distance * anyIn(random, 0.0, 2.0);
+  const double centreZ = isLarge ? distance : distance * anyIn(random, 0.0, 2.0);
+  const double lean = random() % 2 == 0 ? 0.0 : anyIn(random, -0.3, 0.3);
+  Piece piece;
+  for (const auto& [y, z] : {std::pair(-half, -half), std::pair(half, -half), std::pair(half, half),
+                             std::pair(-half, half)})
+    piece.source.push_back({distance + lean * y, centreY + y, centreZ + z});
+  if (random() % 8 == 0) std::reverse(piece.source.begin(), piece.source.end());
+  for (const auto& p : piece.source) piece.projected.push_back({p[1] / p[0], p[2] / p[0]});
+  if (random() % 30 == 0) piece.source[2] = piece.source[1];
   return piece;
 }
 
@@ -168,6 +190,85 @@ int expectPlainSorts(std::uint64_t seed, int scenes, AnyPiece anyPiece) {
   }
   for (const int count : counts) EXPECT_GT(count, 20);
   return cycles;
+}
+
+// What the next object of a sort will be called.
+int nextId() { return std::stoi(Algorithm::ObjectData().getId()) + 1; }
+
+// The brush numbers of the regions of faces in their order.
+std::vector<int> regionsOf(const std::vector<Face>& faces, const Names& drawn, int firstId) {
+  std::vector<int> firstOf{101};
+  for (const Face& face : faces)
+    firstOf.push_back(firstOf.back() + static_cast<int>(face.projected.size()));
+  std::vector<int> regions;
+  for (const std::string& id : drawn) {
+    const auto face = static_cast<std::size_t>(std::stoi(id) - firstId);
+    for (int number = firstOf[face]; number < firstOf[face + 1]; ++number)
+      regions.push_back(number);
+  }
+  return regions;
+}
+
+// A whole sort, which leaves out cells that decide nothing: what it prints, draws and reports.
+// Gives how many faces are hidden and whether there was a cycle.
+std::pair<std::size_t, bool> expectPlainRun(SortStage& stage, const std::vector<Face>& faces,
+                                            const WorkingFolder& folder) {
+  const Expected expected = plainCells(faces);
+  Algorithm::DepthSortAlgorithmExecutor executor;
+  executor.setScene(&stage.scene);
+  executor.setShot(&stage.shot);
+  const int firstId = nextId();
+  Names ids;
+  for (std::size_t k = 0; k < faces.size(); ++k)
+    ids.push_back(std::to_string(firstId + static_cast<int>(k)));
+  const Plain::Order order = Plain::objectsOrder(ids, expected.cells);
+  const bool isCyclic = !order.unsorted.empty();
+
+  const std::string printed = capturedStdout([&] { executor.run(); });
+  EXPECT_EQ("Calculating objects order\n\n" + expected.printed + (isCyclic ? CycleMessage : ""),
+            printed);
+  EXPECT_EQ(regionsOf(faces, order.drawn, firstId), stage.regions());
+  if (isCyclic) {
+    const std::string report = folder.read("log_sort.txt");
+    EXPECT_EQ(plainReport(Plain::sortGraph(order.edges)), report.substr(report.find("m = ")));
+  }
+  const DepthSortProbe::Matrix cells = DepthSortProbe(executor).matrix();
+  for (std::size_t i = 0; i < cells.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j)
+      if (cells[i][j] != Kernel::Cell::Apart) {
+        EXPECT_EQ(expected.cells[i][j], cells[i][j]);
+      }
+  return {faces.size() - order.drawn.size(), isCyclic};
+}
+
+void expectPlainRuns(std::uint64_t seed, int scenes, AnyPiece anyPiece, std::size_t leastHidden,
+                     int leastCycles) {
+  const WorkingFolder folder;
+  Random random(seed);
+  std::size_t hidden = 0;
+  int cycles = 0;
+  for (int i = 0; i < scenes && !::testing::Test::HasFailure(); ++i) {
+    SCOPED_TRACE("seed " + std::to_string(seed) + ", scene " + std::to_string(i));
+    SortStage stage;
+    const std::vector<Face> faces = fill(stage, random, anyPiece);
+    const auto [hiddenHere, isCyclic] = expectPlainRun(stage, faces, folder);
+    hidden += hiddenHere;
+    cycles += isCyclic ? 1 : 0;
+  }
+  EXPECT_GT(hidden, leastHidden);
+  EXPECT_GT(cycles, leastCycles);
+}
+
+TEST(DepthSortProperty, WholeSortsOfFreeFacesAreThoseOfThePlainForm) {
+  expectPlainRuns(20261124, 100, anyFreePiece, 100, 0);
+}
+
+TEST(DepthSortProperty, WholeSortsOnALatticeAreThoseOfThePlainForm) {
+  expectPlainRuns(20261125, 300, anyLatticePiece, 300, 20);
+}
+
+TEST(DepthSortProperty, WholeSortsWhereMostIsHiddenAreThoseOfThePlainForm) {
+  expectPlainRuns(20261126, 400, anyPieceOfManyHidden, 3000, 10);
 }
 
 TEST(DepthSortProperty, ScenesOfFreeFacesAreSortedAsInThePlainForm) {

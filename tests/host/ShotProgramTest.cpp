@@ -451,6 +451,20 @@ TEST(ShotProgram, WrongArgumentsAreOneLineAndStatusTwo) {
   }
 }
 
+TEST(ShotProgram, ShotsDoNotDependOnTheNumberOfThreads) {
+  const TempFolder folder;
+  const std::string shot = folder.path("shot.json");
+  std::string expected;
+  for (const std::string threads : {"1", "0", "3"}) {
+    const Result result = runView(Small, {"-o", shot, "--threads", threads});
+    ASSERT_EQ(0, result.status) << result.err;
+    if (expected.empty()) expected = result.out + fileBytes(shot);
+    EXPECT_EQ(expected, result.out + fileBytes(shot)) << threads;
+  }
+  for (const std::string wrong : {"--threads=-1", "--threads=1025", "--threads=two", "--threads="})
+    EXPECT_EQ(2, runView(Small, {wrong}).status) << wrong;
+}
+
 TEST(ShotProgram, LimitsAreSaidWithObjectRegionAndOption) {
   const TempFolder folder;
   const std::string floor = folder.path("floor.json");

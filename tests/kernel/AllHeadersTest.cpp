@@ -12,6 +12,7 @@
 #include "kernel/Exact.h"
 #include "kernel/Frame.h"
 #include "kernel/Hemisphere.h"
+#include "kernel/HiderSearch.h"
 #include "kernel/JsonText.h"
 #include "kernel/Lanes.h"
 #include "kernel/Matrix3.h"

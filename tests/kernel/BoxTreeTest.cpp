@@ -1,6 +1,7 @@
 #include "kernel/BoxTree.h"
 #include "support/Extremes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -85,6 +86,38 @@ TEST(BoxTreeProperty, FindsWhatAskingEveryBoxFinds) {
     }
   }
   EXPECT_GT(found, 10000U);
+}
+
+TEST(BoxTreeProperty, FindsTheBoxesThatEncloseOne) {
+  std::mt19937_64 random(20261122);
+  std::size_t found = 0;
+  for (int i = 0; i < 300; ++i) {
+    std::vector<Box> boxes(random() % 700);
+    for (Box& box : boxes) box = anyBox(random, i % 3);
+    const Kernel::BoxTree tree(boxes);
+    for (int k = 0; k < 20; ++k) {
+      const Box box = anyBox(random, 1);
+      Positions expected;
+      for (std::uint32_t n = 0; n < boxes.size(); ++n)
+        if (boxes[n].xMin <= box.xMin && boxes[n].xMax >= box.xMax && boxes[n].yMin <= box.yMin &&
+            boxes[n].yMax > box.yMax)
+          expected.push_back(n);
+      Positions actual(boxes.size() + 1);
+      actual.resize(tree.findEnclosing(box, actual.data()));
+      std::sort(actual.begin(), actual.end());
+      ASSERT_EQ(expected, actual) << "case " << i << ", box " << k;
+      found += expected.size();
+    }
+  }
+  EXPECT_GT(found, 10000U);
+}
+
+TEST(BoxTree, BoxesThatTouchOneEncloseItOnAllSidesButTheUpperOne) {
+  const Kernel::BoxTree tree({{0, 2, 0, 2}, {0, 1, 0, 2}, {0, 1, 0, 1}});
+  Positions found(4);
+  found.resize(tree.findEnclosing({0, 1, 0, 1}, found.data()));
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ((Positions{0, 1}), found);
 }
 
 }  // namespace

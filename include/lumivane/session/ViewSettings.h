@@ -52,6 +52,9 @@ struct LUMIVANE_EXPORT ViewSettings {
   /// from such counts; 0 for any number.
   std::int64_t limitMemory = std::int64_t{2} << 30U;
 
+  /// How many threads project and sort; 0 for one for each processor. Results do not depend on it.
+  int threads = 1;
+
   /// Whether a take first looks for the scene's errors (`Check::SceneChecker::errors`) and refuses
   /// a scene that has any. Without the look, wrong numbers are found when they are met, if at all:
   /// corners that are not finite and objects of one id give wrong shots without a word.

@@ -22,6 +22,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -131,7 +132,8 @@ EdgeStartRegions* edgeStartPoints(const PlaneRegions& regions) {
 }
 
 ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
-                                const ProjectionSetting& setting, ShotBudget& budget) {
+                                const ProjectionSetting& setting, ShotBudget& budget,
+                                std::size_t firstRegion) {
   const Utils::StageScope stage(Utils::Stage::Projection);
   const std::optional<ProjectionType> acting = actingType(setting.type);
   ObjectProjection projected;
@@ -139,7 +141,7 @@ ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPo
   projected.recipe.regions.resize(visible.size());
   RegionProjector projector;
   for (std::size_t r = 0; r < visible.size(); ++r) {
-    const int index = static_cast<int>(r);
+    const int index = static_cast<int>(firstRegion + r);
     Geometry::Region* const region =
         object.getRegions() == nullptr ? nullptr : object.getRegions()->getRegion(index);
     // Wrong numbers and a view without a frame are found for every region, projected or not.
@@ -158,17 +160,29 @@ ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPo
                                      budget.left());
       if (!result)
         throwEndlessSplitting(
-            object, r,
+            object, firstRegion + r,
             placeOnOutline(eyeOf(*setting.view), regionPointsOf(region, setting.points)));
-      budget.take(pointCount(result->polygons));
+      const std::int64_t points = pointCount(result->polygons);
+      projected.needed = std::max(projected.needed, projected.taken + result->mostPoints);
+      projected.taken += points;
+      budget.take(points);
       projected.plane[r] = std::move(result->polygons);
       projected.recipe.regions[r] = {result->pieceCounts.empty() ? 0 : result->pieceCounts.front(),
                                      projector.takeSegments()};
     } catch (const RegionProjector::TooManyPoints& tooMany) {
-      throwTooManyPoints(object, r, tooMany, budget);
+      throwTooManyPoints(object, firstRegion + r, tooMany, budget);
     }
   }
   return projected;
+}
+
+void ObjectProjection::append(ObjectProjection&& more) {
+  std::move(more.plane.begin(), more.plane.end(), std::back_inserter(plane));
+  std::move(more.recipe.regions.begin(), more.recipe.regions.end(),
+            std::back_inserter(recipe.regions));
+  recipe.frame = std::move(more.recipe.frame);
+  needed = std::max(needed, taken + more.needed);
+  taken += more.taken;
 }
 
 PlaneRegions PlaneRecipe::carriedOut(const std::vector<PlainPolygons>& visible) const {

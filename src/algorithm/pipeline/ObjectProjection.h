@@ -61,16 +61,23 @@ struct PlaneRecipe {
 struct ObjectProjection {
   PlaneRegions plane;
   PlaneRecipe recipe;
+  std::int64_t taken = 0;   ///< points, from the budget
+  std::int64_t needed = 0;  ///< with this much in the budget, it has no effect on the result
+
+  /// Adds the next regions of the same object behind its own.
+  void append(ObjectProjection&& more);
 };
 
 /// Projects the visible polygons of an object, and settles how finely each region is split.
 /// Polygons of an object without a list of regions have no docking edges.
 ///
-/// \param budget  what the points of the regions are taken from
+/// \param budget       what the points of the regions are taken from
+/// \param firstRegion  the position of the region that the first polygons are of
 /// \throws as ShotCreator::projectPoints and, if the budget has too little, std::length_error that
 ///         names object, region and limit
 ObjectProjection projectRegions(Scene::Object& object, const std::vector<PlainPolygons>& visible,
-                                const ProjectionSetting& setting, ShotBudget& budget);
+                                const ProjectionSetting& setting, ShotBudget& budget,
+                                std::size_t firstRegion = 0);
 
 /// The same as the lists of pointers that an object hands out; all owned by the caller.
 EdgeStartRegions* edgeStartPoints(const PlaneRegions& regions);

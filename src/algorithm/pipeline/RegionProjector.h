@@ -91,6 +91,7 @@ class RegionProjector {
   struct Result {
     std::vector<PlanePolygon> polygons;
     std::vector<std::int64_t> pieceCounts;
+    std::int64_t mostPoints = 0;  ///< with this many allowed, the limit has no effect
   };
 
   /// How many points the polygons of a region may take, and how many they would need.
@@ -157,6 +158,7 @@ class RegionProjector {
       result.pieceCounts.push_back(pieceCount);
     }
     equalise(polygons, result, all);
+    result.mostPoints = all.corners * all.finestCount;
     return result;
   }
 

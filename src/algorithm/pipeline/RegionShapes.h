@@ -33,6 +33,13 @@ class RegionShapes {
     ends.push_back(points.size());
   }
 
+  /// Adds the regions of another list behind its own.
+  void append(const RegionShapes& more) {
+    const std::size_t offset = points.size();
+    points.insert(points.end(), more.points.begin(), more.points.end());
+    for (const std::size_t end : more.ends) ends.push_back(offset + end);
+  }
+
   std::size_t size() const { return ends.size(); }
   std::size_t pointCount(std::size_t region) const { return ends[region] - start(region); }
   const SinglePoint* polygon(std::size_t region) const { return points.data() + start(region); }

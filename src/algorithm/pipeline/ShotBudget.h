@@ -12,6 +12,7 @@ namespace Lumivane::Algorithm {
 struct ShotLimits {
   std::int64_t points = 0;  ///< point references: places in the polygons of the shot
   std::int64_t memory = 0;  ///< bytes of memory, as estimated from the counts
+  int threads = 1;          ///< how many may project and sort; 0 for one for each processor
 };
 
 /// The limits in force in the calling thread, to be set by who makes a shot.
