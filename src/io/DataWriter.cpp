@@ -1,5 +1,6 @@
 #include "io/DocumentWriter.h"
 #include "io/PathLog.h"
+#include "io/ShotText.h"
 #include "utils/StageScope.h"
 
 #include <lumivane/cmd/Log.h>
@@ -9,35 +10,37 @@
 #include <lumivane/scene/Scene3D.h>
 #include <lumivane/shot/Shot2d.h>
 
-namespace Lumivane::IO {
-namespace {
+#include <fstream>
+#include <string>
 
-std::string writtenText(Base::BaseLibClass* model) {
+namespace Lumivane::IO {
+
+std::string DataWriter::writeSceneString(Scene::Scene3D* scene) {
   const Utils::StageScope stage(Utils::Stage::Write);
   std::string json;
-  documentWriter().writeString(model->serialize(), json);
+  documentWriter().writeString(scene->serialize(), json);
   return json;
 }
 
-void writeDocument(Base::BaseLibClass* model, const std::string& path) {
+void DataWriter::writeSceneFile(Scene::Scene3D* scene, const std::string& path) {
   const Utils::StageScope stage(Utils::Stage::Write);
   logPath("Writing: ", path);
-  documentWriter().writeFile(model->serialize(), path);
+  documentWriter().writeFile(scene->serialize(), path);
   Cmd::logMessage("Writing end\n\n");
 }
 
-}  // namespace
-
-std::string DataWriter::writeSceneString(Scene::Scene3D* scene) { return writtenText(scene); }
-
-void DataWriter::writeSceneFile(Scene::Scene3D* scene, const std::string& path) {
-  writeDocument(scene, path);
+std::string DataWriter::writeShotString(Shot::Shot2d* shot) {
+  const Utils::StageScope stage(Utils::Stage::Write);
+  return shotText(*shot);
 }
 
-std::string DataWriter::writeShotString(Shot::Shot2d* shot) { return writtenText(shot); }
-
+// Nothing is done about a file that cannot be opened.
 void DataWriter::writeShotFile(Shot::Shot2d* shot, const std::string& path) {
-  writeDocument(shot, path);
+  const Utils::StageScope stage(Utils::Stage::Write);
+  logPath("Writing: ", path);
+  std::ofstream stream(path, std::ios::out | std::ios::trunc);
+  if (stream.is_open()) writeShotText(*shot, stream);
+  Cmd::logMessage("Writing end\n\n");
 }
 
 }  // namespace Lumivane::IO

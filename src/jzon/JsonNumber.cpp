@@ -41,12 +41,35 @@ constexpr int ExponentBias = 1023;
 constexpr double SmallestEveryday = 1e-4;     // below, an exponent is written
 constexpr double LargestEveryday = 999999.5;  // rounds to 1e+06
 constexpr int SmallestPower = -4;
+constexpr int LogOfTwo = 1233;  // log10 of 2 is a little more than 1233 / 4096
+constexpr int LogScale = 4096;
 
 // None lies below the power of ten that it stands for, and the double before it lies below, so a
 // comparison gives the first digit's place without error.
 constexpr std::array<double, 10> powers{1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5};
 constexpr std::array<std::uint64_t, 10> scales{1000000000, 100000000, 10000000, 1000000, 100000,
                                                10000,      1000,      100,      10,      1};
+
+// The three digits of each number below 1000, and how many are left without zeros at the end.
+struct ThreeDigits {
+  std::array<char, 3> digits;
+  char count;
+};
+
+constexpr std::array<ThreeDigits, 1000> makeThrees() {
+  std::array<ThreeDigits, 1000> result{};
+  for (std::size_t n = 0; n < result.size(); ++n) {
+    const char last = static_cast<char>(n % 10);
+    const char middle = static_cast<char>(n / 10 % 10);
+    const char first = static_cast<char>(n / 100);
+    const int count = last != 0 ? 3 : middle != 0 ? 2 : first != 0 ? 1 : 0;
+    result[n] = {{static_cast<char>('0' + first), static_cast<char>('0' + middle),
+                  static_cast<char>('0' + last)},
+                 static_cast<char>(count)};
+  }
+  return result;
+}
+constexpr std::array<ThreeDigits, 1000> threes = makeThrees();
 
 // The first 6 digits as a whole number, and the power of ten of the first of them.
 struct SixDigits {
@@ -58,13 +81,17 @@ struct SixDigits {
 // m * 10^(5 - power) fits into 83 bits: the digits and the rest that decides the rounding are
 // exact. An exact half goes to the even digit, as a stream rounds it.
 SixDigits sixDigits(double size) {
-  std::size_t place = powers.size() - 1;
-  while (size < powers[place]) --place;
   std::uint64_t bits = 0;
   std::memcpy(&bits, &size, sizeof bits);
+  const int exponent = static_cast<int>(bits >> MantissaBits) - ExponentBias;
+  // The power of ten below the power of two, which is that of the number or the one before it.
+  auto place = static_cast<std::size_t>(
+      std::clamp(exponent * LogOfTwo / LogScale - (exponent < 0 ? 1 : 0) - SmallestPower, 0,
+                 static_cast<int>(powers.size()) - 1));
+  if (place + 1 < powers.size() && size >= powers[place + 1]) ++place;
   const std::uint64_t hidden = std::uint64_t{1} << MantissaBits;
   const std::uint64_t mantissa = (bits & (hidden - 1)) | hidden;
-  const int shift = ExponentBias + MantissaBits - static_cast<int>(bits >> MantissaBits);
+  const int shift = MantissaBits - exponent;
 
   const Wide scaled = static_cast<Wide>(mantissa) * scales[place];
   const Wide half = static_cast<Wide>(1) << (shift - 1);
@@ -75,28 +102,31 @@ SixDigits sixDigits(double size) {
   return digits == 1000000 ? SixDigits{100000, power + 1} : SixDigits{digits, power};
 }
 
-// Zeros at the end go, and so does the dot with nothing behind it.
+// Zeros at the end go, and so does the dot with nothing behind it. All six digits are written, and
+// what is behind the last one that counts is not part of the text.
 std::size_t writeEveryday(double value, char* out) {
   char* const begin = out;
   if (value < 0.0) *out++ = '-';
-  SixDigits six = sixDigits(std::abs(value));
+  const SixDigits six = sixDigits(std::abs(value));
+  const ThreeDigits& high = threes[six.digits / 1000];
+  const ThreeDigits& low = threes[six.digits % 1000];
   std::array<char, 6> digits{};
-  for (std::size_t i = digits.size(); i-- > 0; six.digits /= 10)
-    digits[i] = static_cast<char>('0' + six.digits % 10);
-  std::size_t count = digits.size();
-  while (count > 1 && digits[count - 1] == '0') --count;
+  std::memcpy(digits.data(), high.digits.data(), 3);
+  std::memcpy(digits.data() + 3, low.digits.data(), 3);
+  const auto count = static_cast<std::size_t>(low.count != 0 ? 3 + low.count : high.count);
 
-  const auto whole = static_cast<std::size_t>(std::max(six.power + 1, 0));
-  if (whole == 0) {
-    *out++ = '0';
-    *out++ = '.';
-    for (int i = six.power + 1; i < 0; ++i) *out++ = '0';
+  if (six.power < 0) {
+    std::memcpy(out, "0.000", 5);
+    out += 1 - six.power;
+    std::memcpy(out, digits.data(), 6);
+    return static_cast<std::size_t>(out - begin) + count;
   }
-  for (std::size_t i = 0; i < std::max(whole, count); ++i) {
-    if (i == whole && whole > 0) *out++ = '.';
-    *out++ = digits[i];
-  }
-  return static_cast<std::size_t>(out - begin);
+  const auto whole = static_cast<std::size_t>(six.power + 1);
+  std::memcpy(out, digits.data(), 6);
+  if (count <= whole) return static_cast<std::size_t>(out - begin) + whole;
+  out[whole] = '.';
+  std::memcpy(out + whole + 1, digits.data() + whole, digits.size() - whole);
+  return static_cast<std::size_t>(out - begin) + count + 1;
 }
 
 // ---- reading ----

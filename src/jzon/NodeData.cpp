@@ -111,7 +111,7 @@ void release(Word word) noexcept {
 
 Word makeValue(Node::Type type, std::string_view text) {
   const std::uint64_t bits = type == Node::T_NUMBER ? packShortNumber(text) : 0;
-  if (bits != 0) return reinterpret_cast<Word>(static_cast<std::uintptr_t>(bits));
+  if (bits != 0) return shortNumber(bits);
   return makeText(type, text);
 }
 

@@ -96,6 +96,11 @@ void release(Word word) noexcept;
 
 // ---- values ----
 
+/// The number of a text that ShortNumber.h has packed.
+inline Word shortNumber(std::uint64_t packed) {
+  return reinterpret_cast<Word>(static_cast<std::uintptr_t>(packed));
+}
+
 /// A value of that type and text.
 Word makeValue(Node::Type type, std::string_view text);
 

@@ -9,11 +9,13 @@
 
 #include "jzon/JsonNumber.h"
 #include "jzon/NodeData.h"
+#include "jzon/ShortNumber.h"
 
 #include <lumivane/jzon/Parser.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <istream>
@@ -101,6 +103,7 @@ class Parser::Assembly {
   void endName();
   void endElement();
   void setValue(Node::Type type, std::string_view text);
+  void setNumber(std::uint64_t packed);
   void setText(std::string&& text);
   void setUnknown(std::string_view text);
 
@@ -195,6 +198,12 @@ void Parser::Assembly::endElement() {
 void Parser::Assembly::setValue(Node::Type type, std::string_view valueText) {
   if (!settle()) return;
   word = makeValue(type, valueText);
+  waiting = Waiting::Value;
+}
+
+void Parser::Assembly::setNumber(std::uint64_t packed) {
+  if (!settle()) return;
+  word = shortNumber(packed);
   waiting = Waiting::Value;
 }
 
@@ -318,6 +327,15 @@ void Parser::tokenize(Input& input, Assembly& assembly) {
         break;
       case Kind::Plain:
         while (!input.atEnd() && kindOf(*input.next) == Kind::Plain) ++input.next;
+        // Nearly always the run is a plain number that ends here, and need not be gathered.
+        if (run.empty() && !input.atEnd() && kindOf(*input.next) == Kind::Delimiter) {
+          const std::uint64_t number =
+              packPlainNumber({begin, static_cast<std::size_t>(input.next - begin)});
+          if (number != 0) {
+            assembly.setNumber(number);
+            continue;
+          }
+        }
         run.append(begin, input.next);
         break;
     }

@@ -37,6 +37,25 @@ inline std::uint64_t packShortNumber(std::string_view text) {
   return word;
 }
 
+/// The word of a text of an optional minus, digits, and an optional dot with digits, of which all
+/// may be missing: such a text is a number for the parser. 0 for any other text, and one that is
+/// too long or empty.
+inline std::uint64_t packPlainNumber(std::string_view text) {
+  if (text.empty() || text.size() > ShortNumberLength) return 0;
+  std::uint64_t word = ShortNumberTag;
+  unsigned int shift = 4;
+  bool hasDot = false;
+  for (const char c : text) {
+    const bool isDigit = c >= '0' && c <= '9';
+    const bool isAllowed = isDigit || (c == '-' && shift == 4) || (c == '.' && !hasDot);
+    if (!isAllowed) return 0;
+    hasDot = hasDot || c == '.';
+    word |= static_cast<std::uint64_t>(ShortNumberCodes[static_cast<unsigned char>(c)]) << shift;
+    shift += 4;
+  }
+  return word;
+}
+
 /// Writes the text of a word to `out`, which has room for 15 characters.
 /// \return the length of the text
 inline std::size_t unpackShortNumber(std::uint64_t word, char* out) {

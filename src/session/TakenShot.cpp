@@ -1,11 +1,10 @@
-#include "io/DocumentWriter.h"
+#include "io/ShotText.h"
 #include "session/PolygonsOfShot.h"
 #include "session/TakenShotState.h"
 #include "utils/StageScope.h"
 
 #include <lumivane/geometry/Faces2d.h>
 #include <lumivane/io/DataWriter.h>
-#include <lumivane/jzon/Node.h>
 #include <lumivane/session/Files.h>
 #include <lumivane/shot/Object2d.h>
 #include <lumivane/shot/Objects2d.h>
@@ -79,9 +78,7 @@ std::string TakenShot::text() const { return IO::DataWriter().writeShotString(st
 
 void TakenShot::write(const std::string& path) const {
   const Utils::StageScope stage(Utils::Stage::Write);
-  writeFile(path, [this](std::ostream& stream) {
-    IO::documentWriter().writeStream(state->shot->serialize(), stream);
-  });
+  writeFile(path, [this](std::ostream& stream) { IO::writeShotText(*state->shot, stream); });
 }
 
 }  // namespace Lumivane::Session
