@@ -115,6 +115,16 @@ void checkMap(const VisibleMap& map) {
     require(fraction >= 0.0 && fraction <= 1.0);
 }
 
+void checkCrossings(const SceneIndex& index) {
+  const auto regions = static_cast<int>(index.regionCount());
+  for (const SceneCrossing& crossing : index.crossings()) {
+    require(crossing.regions[0] >= 0 && crossing.regions[0] < crossing.regions[1]);
+    require(crossing.regions[1] < regions);
+    for (const Vector& end : {crossing.from, crossing.to})
+      for (const double coordinate : end) require(std::isfinite(coordinate));
+  }
+}
+
 void look(const SceneIndex& index, Eye eye) {
   for (const Field field : {Field::Hemisphere, Field::Sphere}) {
     eye.options.field = field;
@@ -123,6 +133,7 @@ void look(const SceneIndex& index, Eye eye) {
   const auto seen = index.seenIn(
       eye.place, {{1, 0, 0}, {-0.3, 0.2, 1e-300}, {1e300, 1e300, -1e299}}, eye.options.twoSided);
   for (const Seen& one : seen) require(one.distance >= 0.0);
+  checkCrossings(index);
 }
 
 std::size_t cornersOf(const std::string& text) {

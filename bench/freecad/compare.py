@@ -2,7 +2,7 @@
 """Hidden lines of meshes by lumivane beside those by FreeCAD, in one run: seconds, and lines
 against rays. Writes a table.
 
-Usage: compare.py [--program PROGRAM] [--viewer X,Y,Z] [--limit SECONDS] [--near PART] MESH...
+Usage: compare.py [--program PROGRAM] [--viewer X,Y,Z] [--limit SECONDS] MESH...
 
 A mesh is an OBJ file, or a scene or city model that lumivane reads, which is cut into triangles
 first; both programs are given the same triangles. FreeCAD runs in a process of its own (project.py)
@@ -30,9 +30,9 @@ from pathlib import Path
 import numpy as np
 
 PLACES = 1500
-LINES = ["outline", "silhouette", "crease", "inner", "crossing"]
+LINES = ["outline", "silhouette", "crease", "inner"]  # those of edges: FreeCAD has no crossings
 FREECAD = "/usr/lib/freecad-python3/lib"
-Near = 1e-3  # of the mesh's size: how near a line must be, and how far rays are from their place
+Rounding = 1e-7  # of the mesh's size
 
 
 # ---- triangles
@@ -132,27 +132,35 @@ class Model:
         self.places = self.points @ frame  # x right, y up, z to the viewer
         self.low, self.high = self.places[:, :2].min(axis=0), self.places[:, :2].max(axis=0)
         self.size = np.linalg.norm(self.high - self.low)
+        # How near a line must be, and how far rays are from their place; part of the size.
+        self.near = 1e-3 if len(self.triangles) < 20000 else 1e-4
         corners = self.places[self.triangles]
         self.corners = corners
         self.normals = np.cross(corners[:, 1] - corners[:, 0], corners[:, 2] - corners[:, 0])
 
     def edges(self):
-        """Pairs of corners, and whether each bends or turns away."""
+        """Pairs of corners, and whether each bends or turns away.
+
+        Edges of one triangle do; of more than two it depends on which are seen, and none is asked.
+        """
         faces = {}
         for number, triangle in enumerate(self.triangles):
             for k in range(3):
-                pair = tuple(sorted((triangle[k], triangle[(k + 1) % 3])))
-                faces.setdefault(pair, []).append(number)
+                a, b = triangle[k], triangle[(k + 1) % 3]
+                faces.setdefault((min(a, b), max(a, b)), []).append((number, a < b))
         pairs, marked = [], []
         length = np.maximum(np.linalg.norm(self.normals, axis=1), 1e-300)
         normals = self.normals / length[:, None]
         for pair, sides in faces.items():
             pairs.append(pair)
             if len(sides) != 2:
-                marked.append(True)
+                marked.append(len(sides) == 1)
                 continue
-            a, b = normals[sides[0]], normals[sides[1]]
-            marked.append(bool(a @ b < np.cos(np.radians(25)) or a[2] * b[2] < -1e-6))
+            (a, forward), (b, also_forward) = sides
+            sign = -1.0 if forward == also_forward else 1.0
+            bend = sign * (normals[a] @ normals[b])
+            marked.append(bool(bend < np.cos(np.radians(25))
+                               or sign * normals[a][2] * normals[b][2] < -1e-6))  # fmt: skip
         return np.array(pairs), np.array(marked)
 
     def nearest(self, places):
@@ -180,12 +188,12 @@ class Model:
     def seen(self, places):
         """1 visible, 0 hidden, -1 neither for certain."""
         turns = np.arange(8) * np.pi / 4 + 0.3
-        around = Near * self.size * np.column_stack([np.cos(turns), np.sin(turns)])
+        around = self.near * self.size * np.column_stack([np.cos(turns), np.sin(turns)])
         rays = (places[:, None, :2] + around[None]).reshape(-1, 2)
         front = self.nearest(rays).reshape(-1, 8) - places[:, None, 2]
-        hits = (front > 10 * Near * self.size).sum(axis=1)
+        hits = (front > 10 * self.near * self.size).sum(axis=1)
         # Behind something thin all that is in front may be as near as that.
-        is_clear = self.nearest(places[:, :2]) - places[:, 2] < 0.1 * Near * self.size
+        is_clear = self.nearest(places[:, :2]) - places[:, 2] < Rounding * self.size
         return np.where((hits == 0) & is_clear, 1, np.where(hits == 8, 0, -1))
 
 
@@ -204,7 +212,7 @@ def judge(model, visible, hidden, pairs, marked):
     part = random.uniform(0.1, 0.9, PLACES)[:, None]
     places = model.places[pairs[chosen, 0]] * (1 - part) + model.places[pairs[chosen, 1]] * part
     seen = model.seen(places)
-    near = Near * model.size
+    near = model.near * model.size
     clear, covered = places[seen == 1], places[seen == 0]
     lost = sum(far_from(p[:2], visible).min() > near for p in clear)
     everything = np.vstack([visible, hidden])
@@ -300,15 +308,12 @@ def row(cells):
 
 
 def main():
-    global Near
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--program", default="build/release/host/lumivane")
     parser.add_argument("--viewer", default="1,2,-1.4", help="points from the mesh to the viewer")
     parser.add_argument("--limit", type=float, default=600.0, help="seconds that FreeCAD may take")
-    parser.add_argument("--near", type=float, default=Near, help="part of the mesh's size")
     parser.add_argument("meshes", nargs="+", type=Path)
     arguments = parser.parse_args()
-    Near = arguments.near
     row(["Mesh", "", "Seconds", "Lost, visible", "Lost, hidden", "Wrong"])
     row(["---"] * 6)
     for source in arguments.meshes:

@@ -42,13 +42,26 @@ void draw(cairo_t* context, const Drawing::Path& path) {
   cairo_new_path(context);
 }
 
+void drawHalo(cairo_t* context, const char* text, double width) {
+  double x = 0.0;
+  double y = 0.0;
+  cairo_get_current_point(context, &x, &y);
+  cairo_text_path(context, text);
+  cairo_set_source_rgb(context, 1.0, 1.0, 1.0);
+  cairo_set_line_width(context, 2.0 * width);
+  cairo_set_dash(context, nullptr, 0, 0.0);
+  cairo_stroke(context);
+  cairo_move_to(context, x, y);
+}
+
 void draw(cairo_t* context, const Drawing::Text& text) {
-  setColor(context, text.color);
   cairo_set_font_size(context, text.height);
   const std::string shown = xmlText(text.text);
   cairo_text_extents_t extents{};
   cairo_text_extents(context, shown.c_str(), &extents);
   cairo_move_to(context, text.place.x - text.anchor * extents.x_advance, text.place.y);
+  if (text.halo > 0.0) drawHalo(context, shown.c_str(), text.halo);
+  setColor(context, text.color);
   cairo_show_text(context, shown.c_str());
 }
 

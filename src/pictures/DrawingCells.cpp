@@ -187,15 +187,17 @@ class LabelPlacer {
   LabelPlacer(const Drawing& theDrawing, double theHeight)
       : drawing(theDrawing), height(theHeight) {}
 
-  // \param radius  of the free place around the middle
-  void add(const std::string& text, Drawing::Point middle, double radius, Group& layer) {
+  // \param middle   that is farthest from the border of the cell
+  // \param outline  of the cell
+  void add(const std::string& text, Drawing::Point middle,
+           const std::vector<Drawing::Line>& outline, Group& layer) {
     const double width = textWidth(text, height);
     Drawing::Text label;
     label.text = text;
     label.height = height;
+    label.halo = HaloPart * height;
     Box box = boxAround(middle, width);
-    const bool fits = std::hypot(0.5 * width, 0.5 * height) <= radius;
-    if (!fits || isTaken(box)) {
+    if (!isWithin(box, outline) || isTaken(box)) {
       const Drawing::Point place = freePlace(middle, width);
       box = boxAround(place, width);
       addLeader(middle, box, layer);
@@ -209,6 +211,28 @@ class LabelPlacer {
  private:
   Box boxAround(Drawing::Point p, double width) const {
     return {p.x - 0.5 * width, p.y - 0.6 * height, p.x + 0.5 * width, p.y + 0.6 * height};
+  }
+  // Of a box whose middle lies in it.
+  static bool isWithin(const Box& box, const std::vector<Drawing::Line>& outline) {
+    for (const Drawing::Line& line : outline)
+      for (std::size_t i = 0; i < line.size(); ++i)
+        if (meets(box, line[i], line[i + 1 == line.size() ? 0 : i + 1])) return false;
+    return true;
+  }
+  // Whether a straight piece has a point in a box.
+  static bool meets(const Box& box, Drawing::Point a, Drawing::Point b) {
+    double low = 0.0;
+    double high = 1.0;
+    const auto cut = [&](double atA, double atB) {  // to where it is above 0
+      if (atA < 0.0 && atB < 0.0) low = 2.0;
+      if (atA < 0.0 && atB >= 0.0) low = std::max(low, atA / (atA - atB));
+      if (atA >= 0.0 && atB < 0.0) high = std::min(high, atA / (atA - atB));
+    };
+    cut(a.x - box.left, b.x - box.left);
+    cut(box.right - a.x, box.right - b.x);
+    cut(a.y - box.top, b.y - box.top);
+    cut(box.bottom - a.y, box.bottom - b.y);
+    return low <= high;
   }
   bool isTaken(const Box& box) const {
     const auto& frame = drawing.frame;
@@ -378,7 +402,9 @@ void addLabels(const DrawnScene& scene, const CellLooks& looks, const std::vecto
     const std::string text = scene.options.labels == DrawingLabels::Id
                                  ? looks.objectName(object)
                                  : looks.className(looks.classOf(label));
-    placer.add(text, scene.paper(pole.place), pole.distance * scene.paper.scale, layer);
+    std::vector<Drawing::Line> outline;
+    for (const PlaneLine& line : found.second->lines) outline.push_back(scene.paper(line));
+    placer.add(text, scene.paper(pole.place), outline, layer);
   }
   drawing.layers.push_back(std::move(layer));
 }

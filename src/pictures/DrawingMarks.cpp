@@ -70,6 +70,7 @@ void addRings(const DrawnScene& scene, Group& layer) {
     if (text.back() == '.') text.pop_back();
     layer.texts.push_back(
         textAt({middle.x + 0.4, middle.y - radius - 0.5}, height, text + "\xC2\xB0", 0.0));
+    layer.texts.back().halo = HaloPart * height;
   }
 }
 

@@ -97,6 +97,9 @@ constexpr Drawing::Color Black{0, 0, 0, 1.0};
 constexpr Drawing::Color Grey{110, 110, 110, 1.0};
 constexpr double Dashes[] = {1.6, 0.9};  ///< of hidden lines, mm on and off
 
+/// Of texts that stand on fills and lines: part of their height.
+constexpr double HaloPart = 0.16;
+
 /// The width of a text, about.
 inline double textWidth(const std::string& text, double height) {
   std::size_t letters = 0;

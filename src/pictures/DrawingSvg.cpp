@@ -112,6 +112,11 @@ class SvgDrawing {
     attribute("y", numbers.text(text.place.y));
     attribute("font-size", numbers.text(text.height));
     attribute("fill", svgColor(text.color));
+    if (text.halo > 0.0) {
+      attribute("stroke", "#fff");
+      attribute("stroke-width", numbers.text(2.0 * text.halo));
+      attribute("paint-order", "stroke");
+    }
     if (text.anchor > 0.0) attribute("text-anchor", text.anchor < 1.0 ? "middle" : "end");
     out += '>' + escaped(text.text) + "</text>\n";
   }

@@ -990,6 +990,45 @@ TEST(Drawing, LabelsStandInTheirCellsOrHaveALeader) {
   EXPECT_EQ(1U, labels->paths.size());  // the leader
 }
 
+TEST(Drawing, LabelsAlongAStripNeedNoLeader) {
+  PolygonBuilder builder;
+  builder.scene.objectIds = {"a pavement with a name"};
+  builder.add({{0, 0, 0}, {0, 4, 0}, {100, 4, 0}, {100, 0, 0}}, 1);
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.labels = DrawingLabels::Id;
+  const Drawing drawing = draw(SceneIndex(builder.scene), options);
+  EXPECT_EQ(1U, layerOf(drawing, "labels")->texts.size());
+  EXPECT_TRUE(layerOf(drawing, "labels")->paths.empty());
+}
+
+TEST(Drawing, LabelsOnDarkFillsHaveAWhiteRim) {
+  PolygonBuilder builder;
+  builder.scene.objectIds = {"HHHHHHHH"};
+  builder.add({{0, 0, 0}, {0, 6, 0}, {20, 6, 0}, {20, 0, 0}}, 1);
+  DrawingOptions options = parallelAlong({0, 0, -1});
+  options.fill = DrawingFill::Object;
+  options.labels = DrawingLabels::Id;
+  options.contentWidth = 60.0;
+  const Drawing drawing = draw(SceneIndex(builder.scene), options);
+  const Drawing::Text& text = layerOf(drawing, "labels")->texts.at(0);
+  ASSERT_LT(0.3, text.halo);
+  EXPECT_NE(std::string::npos, DrawingWriter::svg(drawing).find("paint-order=\"stroke\""));
+  // On a line through the letters there are black pixels, and white ones beside them.
+  constexpr double Fine = 600.0;
+  const Image image(DrawingWriter::png(drawing, Fine));
+  const int row = static_cast<int>((text.place.y - 0.2 * text.height) * Fine / 25.4);
+  int black = 0;
+  int white = 0;
+  const int middle = static_cast<int>(text.place.x * Fine / 25.4);
+  for (int x = middle - 100; x < middle + 100; ++x) {
+    const auto seen = image.at(x, row);
+    black += seen[0] + seen[1] + seen[2] < 60 ? 1 : 0;
+    white += seen[0] + seen[1] + seen[2] > 740 ? 1 : 0;
+  }
+  EXPECT_LT(10, black);
+  EXPECT_LT(10, white);
+}
+
 TEST(Drawing, AFisheyeHasRingsAndMarksWhereTheDirectionsLie) {
   DrawingOptions options;
   options.projection = DrawingProjection::Equidistant;

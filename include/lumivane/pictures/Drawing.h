@@ -65,6 +65,9 @@ struct LUMIVANE_PICTURES_EXPORT Drawing {
     double anchor = 0.5;        ///< 0: place is its start, 0.5: its middle, 1: its end
     std::string text;           ///< UTF-8
     Color color{0, 0, 0, 1.0};  ///< of the letters
+    /// Width of a white rim around the letters, under them, by which they can be read on any
+    /// ground; mm; not in DXF.
+    double halo = 0.0;
   };
   /// A layer, or a group in one.
   struct Group {
