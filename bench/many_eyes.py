@@ -129,8 +129,8 @@ def program(given, scene, eyes):
         spacing = float(np.sqrt((high - low)[:2].prod() / len(eyes)))
         used = children_seconds()
         subprocess.run([lumivane_program, "grid", given.scene, "--spacing", str(spacing), "--height",
-                        "1.6", "-o", f"{scratch}/views.csv", "--shares", f"{scratch}/shares.csv"],
-                       check=True, stdout=subprocess.DEVNULL)  # fmt: skip
+                        "1.6", "-o", f"{scratch}/views.csv", "--shares", f"{scratch}/shares.csv",
+                        "--rows", "total"], check=True, stdout=subprocess.DEVNULL)  # fmt: skip
         by_program = children_seconds() - used
         import csv
 
@@ -138,7 +138,7 @@ def program(given, scene, eyes):
             rows = [[float(x) for x in row["eye"].split(",")] for row in csv.DictReader(file)]
         used = time.process_time()
         again = lumivane.Scene.read(given.scene)
-        again.shares(rows, UP, columns=("view_factor", "solid_angle", "sky_view_factor"))
+        again.shares(rows, UP, columns=("sky_view_factor", "sky_solid_angle"))
         by_python = time.process_time() - used
     print(f"{len(rows)} eyes: {by_program:.2f} s of processor time by the program, "
           f"{by_python:.2f} s from Python ({100 * (by_python / by_program - 1):+.1f} %)")  # fmt: skip
@@ -160,7 +160,7 @@ def call(given, scene, eyes):
     one = best(looks, 200)
     bare = best(lambda: square.shares(rows, columns="sky_view_factor", threads=1), len(rows))
     print(f"one look at one polygon: {one:.1f} microseconds; one of many, made without the "
-          f"interpreter and summed up: {bare:.1f}; so a call costs about {one - bare:.1f}")  # fmt: skip
+          f"interpreter: {bare:.1f}; so a call costs about {one - bare:.1f}")  # fmt: skip
 
 
 def _timed(work):

@@ -54,6 +54,8 @@ using Visibility::Vector;
 
 // A look at fewer regions ends sooner than anyone could wait for it, and a thread costs more.
 constexpr std::size_t FewRegions = 500;
+// To start threads takes longer than to look at fewer than these.
+constexpr std::size_t RegionsForThreads = 32;
 
 Importers::ImportOptions importOptions(const std::string& sides, double scale, bool yUp,
                                        bool center, bool allowOutside) {
@@ -191,7 +193,8 @@ std::unique_ptr<Map> look(const ScenePointer& self, const Vector& eye, const Vec
   options.forward = forward;
   options.up = up;
   options.alone = alone;
-  options.threads = threads;
+  const bool isTiny = self->index().regionCount() < RegionsForThreads;
+  options.threads = threads == 0 && isTiny ? 1 : threads;
   auto map = std::make_unique<Map>();
   map->scene = self;
   if (progress.is_none() && self->index().regionCount() < FewRegions) {
