@@ -22,6 +22,7 @@ constexpr size_t FewCovers = 8;
 // Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
 constexpr double OpenedSize = 1.0;
 constexpr Coordinate SmallestTile = 1 << 14;
+constexpr size_t FewestScreened = 6;
 constexpr int StalledLevels = 8;
 
 // The greatest (or with a negated vector the least) of n.x over a box.
@@ -51,6 +52,7 @@ TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts,
     : polygons(lookPolygons),
       parts(mapParts),
       sweep(lookPolygons, mapParts),
+      occlusion(lookPolygons),
       state(*lookPolygons.setup().state),
       cancelled(cancelFlag) {}
 
@@ -59,7 +61,8 @@ Sides TileDescent::run(const Tile& tile) {
   nodes.clear();
   covers.clear();
   segments.clear();
-  Content content{0, 0, 0, 0, 0, 0, 0};
+  occlusion.truncate(0);
+  Content content{};
   pyramid = pyramidOf(tile);
   if (polygons.setup().hemisphere) {
     // What lies beyond the field is like a polygon of the scene.
@@ -87,6 +90,7 @@ TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
   };
   return {{side(forward), side(u - at(tile.x0) * forward), side(at(tile.x1) * forward - u),
            side(v - at(tile.y0) * forward), side(at(tile.y1) * forward - v)},
+          {u, v, forward},
           std::max(at(tile.x1 - tile.x0), at(tile.y1 - tile.y0))};
 }
 
@@ -133,7 +137,38 @@ bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
     const double margin = 1e-9 * (1.0 + sumOfMagnitudes(cover.behind) * box.reach);
     if (-support(box, -cover.behind) > cover.behindOffset + margin) return true;
   }
-  return false;
+  return !content.screen.isEmpty() && occlusion.hides(content.screen, rangeOf(box));
+}
+
+// Where on the face a box may be seen.
+SeenRange TileDescent::rangeOf(const SeenBox& box) const {
+  const ParallelSight* parallel = polygons.setup().parallel;
+  const auto extent = [&](Vec3 n) {
+    return std::pair<double, double>{-support(box, -n), support(box, n)};
+  };
+  // More than rounding does to the sums.
+  if (parallel != nullptr) {
+    constexpr double Margin = 1e-11;
+    const auto [u0, u1] = extent(parallel->x);
+    const auto [v0, v1] = extent(parallel->y);
+    const double nearest = ParallelSight::MiddleNearness + support(box, -parallel->along);
+    return {(u0 - Margin) * Half, (v0 - Margin) * Half, (u1 + Margin) * Half,
+            (v1 + Margin) * Half, (nearest + Margin) * Half};
+  }
+  const double margin = 1e-11 * box.reach;
+  const auto [u0, u1] = extent(pyramid.axes[0]);
+  const auto [v0, v1] = extent(pyramid.axes[1]);
+  auto [depth, deepest] = extent(pyramid.axes[2]);
+  depth -= margin;
+  deepest += margin;
+  if (!(depth > 0.0)) {
+    constexpr double All = 1e300;
+    return {-All, -All, All, All, All};
+  }
+  const auto least = [&](double c) { return Half * (c / (c < 0.0 ? depth : deepest)); };
+  const auto most = [&](double c) { return Half * (c / (c > 0.0 ? depth : deepest)); };
+  return {least(u0 - margin), least(v0 - margin), most(u1 + margin), most(v1 + margin),
+          Half / depth};
 }
 
 // Behind a cover everywhere in the tile, or at least where the polygon lies in it.
@@ -163,7 +198,7 @@ bool TileDescent::hidden(const Tile& tile, const Content& content, std::int32_t 
   if (position == LookPolygons::Beyond) return false;
   for (size_t i = content.covers; i < content.coversEnd; ++i)
     if (covers[i] == LookPolygons::Beyond || hides(tile, polygons[covers[i]], polygon)) return true;
-  return false;
+  return occlusion.hides(content.screen, tile, polygon);
 }
 
 // Keeps the covers of which none hides another.
@@ -250,7 +285,7 @@ void TileDescent::refineNodes(const Tile& tile, Content& content, double limit, 
 
 // What came in before its hider did.
 void TileDescent::dropHidden(const Tile& tile, Content& content) {
-  if (content.covers == content.coversEnd) return;
+  if (content.covers == content.coversEnd && content.screen.isEmpty()) return;
   size_t kept = content.entries;
   size_t keptSegments = content.segments;
   for (size_t i = content.entries; i < content.entriesEnd; ++i) {
@@ -270,6 +305,21 @@ void TileDescent::dropHidden(const Tile& tile, Content& content) {
                      [&](const SeenNode& node) { return hidden(content, node.box); }),
       nodes.end());
   content.nodesEnd = nodes.size();
+}
+
+// Of what several polygons hide together.
+void TileDescent::placeScreen(const Tile& tile, Content& content) {
+  if (content.entriesEnd - content.entries < FewestScreened) return;
+  const size_t mark = occlusion.size();
+  const TileOcclusion::Screen screen = occlusion.screenOf(
+      tile, {entries.data() + content.entries, content.entriesEnd - content.entries,
+             segments.data(), covers.data() + content.covers, content.coversEnd - content.covers});
+  if (screen.isEmpty()) {
+    occlusion.truncate(mark);
+    return;
+  }
+  content.screen = screen;
+  dropHidden(tile, content);
 }
 
 size_t TileDescent::polygonsIn(const Content& content, size_t limit) {
@@ -308,6 +358,7 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
   const bool smallest = width <= SmallestTile;
   refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size, newSides);
   dropHidden(tile, content);
+  placeScreen(tile, content);
   size_t count = segments.size() - content.segments;
   if (content.nodes < content.nodesEnd && count < FewSegments &&
       4 * polygonsIn(content, FewSegments / 4) + count <= FewSegments) {
@@ -359,7 +410,7 @@ Sides TileDescent::sweepTile(const Tile& tile, const Content& content) {
 TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
                                            const Content& content) {
   Content narrow{entries.size(), entries.size(), nodes.size(),   nodes.size(),
-                 covers.size(),  covers.size(),  segments.size()};
+                 covers.size(),  covers.size(),  segments.size(), content.screen};
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     const std::int32_t cover = covers[i];
     covers.push_back(cover);
@@ -407,6 +458,7 @@ Sides TileDescent::split(const Tile& tile, const Content& content, Progress prog
     const size_t nodeMark = nodes.size();
     const size_t coverMark = covers.size();
     const size_t segmentMark = segments.size();
+    const size_t screenMark = occlusion.size();
     const Content narrow = narrowed(tile, *tiles[i], content);
     // The low half has a new right or upper side, the high one a new left or lower side.
     const int newSide = alongX ? RightSide - i : UpperSide - i;
@@ -415,6 +467,7 @@ Sides TileDescent::split(const Tile& tile, const Content& content, Progress prog
     nodes.resize(nodeMark);
     covers.resize(coverMark);
     segments.resize(segmentMark);
+    occlusion.truncate(screenMark);
   }
   return joinTiles(parts, low, halves[0], halves[1], alongX);
 }

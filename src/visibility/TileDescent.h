@@ -2,6 +2,7 @@
 
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
+#include "visibility/TileOcclusion.h"
 #include "visibility/TileSweep.h"
 
 #include <atomic>
@@ -43,6 +44,7 @@ class TileDescent {
     size_t nodes, nodesEnd;
     size_t covers, coversEnd;
     size_t segments;  // all from here on to the end belong to the entries
+    TileOcclusion::Screen screen;
   };
   // A half space normal.p + constant > 0 of points p from the eye.
   struct HalfSpace {
@@ -52,6 +54,7 @@ class TileDescent {
   // What is seen in a tile lies in all of these: before the eye, and within the tile's sides.
   struct Pyramid {
     HalfSpace sides[5];  // before the eye, then left, right, lower and upper
+    Kernel::Vec3 axes[3];  // of the face: u, v and forward, in the scene's
     double size;         // of the tile, in units of the distance to the face
   };
   // Sides of a pyramid by number.
@@ -83,6 +86,8 @@ class TileDescent {
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
   void addCover(const Tile& tile, Content& content, std::int32_t position);
   void dropHidden(const Tile& tile, Content& content);
+  void placeScreen(const Tile& tile, Content& content);
+  SeenRange rangeOf(const SeenBox& box) const;
   bool hidden(const Tile& tile, const Content& content, std::int32_t position) const;
   bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
   SeenBox boxFromEye(std::int32_t number) const;
@@ -95,6 +100,7 @@ class TileDescent {
   LookPolygons& polygons;
   MapParts& parts;
   TileSweep sweep;
+  TileOcclusion occlusion;
   const IndexState& state;
   const std::atomic<bool>* cancelled;
   std::vector<TileEntry> entries;

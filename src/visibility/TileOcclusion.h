@@ -1,0 +1,85 @@
+#pragma once
+
+#include "visibility/LookPolygons.h"
+#include "visibility/TileContent.h"
+#include "visibility/TileLines.h"
+#include "visibility/TilePlanes.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+/// What several polygons hide together, as a row of house fronts hides a town of which no front
+/// hides much.
+///
+/// The polygons that are seen at a few places of a tile are swept as if they were alone. In each
+/// gap of that sweep one of them is known to be in front of what lies behind its plane. So a
+/// polygon or a box that is behind in all gaps that it touches is hidden, whatever else is in the
+/// tile: of the places nothing depends but how much is found.
+namespace Lumivane::Visibility {
+
+/// Where on a face a polygon or a box may be seen, and more than its 1 / distance there. In units
+/// of the face, as `depthAt`.
+struct SeenRange {
+  double x0, y0, x1, y1;
+  double bound;
+};
+
+class TileOcclusion {
+ public:
+  /// Some gaps, by number. Those of a tile hold for every part of it.
+  struct Screen {
+    std::size_t first = 0;
+    std::size_t end = 0;
+    double floor = -std::numeric_limits<double>::infinity();  // what is less is hidden
+
+    bool isEmpty() const { return first == end; }
+  };
+
+  explicit TileOcclusion(const LookPolygons& lookPolygons)
+      : polygons(lookPolygons), planes(lookPolygons), lines(lookPolygons) {}
+
+  /// The gaps of what is in front at some places of the tile; none if that hides nothing.
+  Screen screenOf(const Tile& tile, const TileContent& content);
+  std::size_t size() const { return gaps.size(); }
+  /// Forgets all gaps from `count` on.
+  void truncate(std::size_t count) { gaps.resize(count); }
+
+  bool hides(const Screen& screen, const Tile& tile, const LookPolygon& polygon) const;
+  bool hides(const Screen& screen, const SeenRange& range) const;
+
+ private:
+  /// What is in front between two lines from x0 to x1.
+  struct ScreenGap {
+    double x0, x1;
+    double below[2];  // heights at x0 and x1
+    double above[2];
+    double a, b, c;  // 1 / distance of what is in front
+    double error;
+    double floor;  // less than its 1 / distance; -infinity where nothing is
+    std::int32_t layer;
+  };
+  struct OpenGap {
+    double since;
+    std::int32_t slot;
+  };
+
+  bool chooseInFront(const Tile& tile, const TileContent& content);
+  void sweep(Screen& screen);
+  void close(std::size_t gap, const OpenGap& open, double to, Screen& screen);
+  static bool touches(const ScreenGap& gap, const SeenRange& range);
+  bool isBehind(const ScreenGap& gap, const SeenRange& range, const LookPolygon& polygon,
+                const CubeFace& face) const;
+
+  const LookPolygons& polygons;
+  TilePlanes planes;
+  TileLines lines;
+  std::vector<ScreenGap> gaps;
+  std::vector<OpenGap> open;
+  std::vector<std::uint32_t> covered;  // for each entry the places that it covers
+  std::vector<TileEntry> chosen;
+  std::vector<std::int32_t> chosenCovers;
+};
+
+}  // namespace Lumivane::Visibility
