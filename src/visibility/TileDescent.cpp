@@ -193,17 +193,18 @@ bool TileDescent::hides(const Tile& tile, const LookPolygon& cover,
   return true;
 }
 
-bool TileDescent::hidden(const Tile& tile, const Content& content, std::int32_t position) const {
+bool TileDescent::hidden(const Tile& tile, const Content& content, const TileEntry& entry) const {
+  const std::int32_t position = entry.polygon;
   const LookPolygon& polygon = polygons[position];
   if (position == LookPolygons::Beyond) return false;
   for (size_t i = content.covers; i < content.coversEnd; ++i)
     if (covers[i] == LookPolygons::Beyond || hides(tile, polygons[covers[i]], polygon)) return true;
-  return occlusion.hides(content.screen, tile, polygon);
+  return occlusion.hides(content.screen, tile, entry, segments.data());
 }
 
 // Keeps the covers of which none hides another.
 void TileDescent::addCover(const Tile& tile, Content& content, std::int32_t position) {
-  if (hidden(tile, content, position)) return;
+  if (hidden(tile, content, TileEntry{position, 0, 0, true})) return;
   const auto begin = covers.begin() + static_cast<std::ptrdiff_t>(content.covers);
   covers.erase(std::remove_if(begin, covers.end(),
                               [&](std::int32_t other) {
@@ -242,12 +243,13 @@ void TileDescent::addPolygon(const Tile& tile, Content& content, std::int32_t nu
     if (covered) addCover(tile, content, position);
     return;
   }
-  if (hidden(tile, content, position)) {
+  const TileEntry entry{position, static_cast<std::uint32_t>(first),
+                        static_cast<std::uint32_t>(segments.size() - first), covered};
+  if (hidden(tile, content, entry)) {
     segments.resize(first);
     return;
   }
-  entries.push_back({position, static_cast<std::uint32_t>(first),
-                     static_cast<std::uint32_t>(segments.size() - first), covered});
+  entries.push_back(entry);
   content.entriesEnd = entries.size();
 }
 
@@ -290,7 +292,7 @@ void TileDescent::dropHidden(const Tile& tile, Content& content) {
   size_t keptSegments = content.segments;
   for (size_t i = content.entries; i < content.entriesEnd; ++i) {
     TileEntry entry = entries[i];
-    if (hidden(tile, content, entry.polygon)) continue;
+    if (hidden(tile, content, entry)) continue;
     std::copy_n(segments.begin() + entry.firstSegment, entry.segmentCount,
                 segments.begin() + static_cast<std::ptrdiff_t>(keptSegments));
     entry.firstSegment = static_cast<std::uint32_t>(keptSegments);

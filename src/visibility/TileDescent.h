@@ -88,7 +88,7 @@ class TileDescent {
   void dropHidden(const Tile& tile, Content& content);
   void placeScreen(const Tile& tile, Content& content);
   SeenRange rangeOf(const SeenBox& box) const;
-  bool hidden(const Tile& tile, const Content& content, std::int32_t position) const;
+  bool hidden(const Tile& tile, const Content& content, const TileEntry& entry) const;
   bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
   SeenBox boxFromEye(std::int32_t number) const;
   bool hidden(const Content& content, const SeenBox& box) const;

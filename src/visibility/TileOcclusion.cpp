@@ -14,9 +14,11 @@ namespace {
 
 constexpr double Half = static_cast<double>(CubeHalf);
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr int Places = 4;  // in a row, and as many rows
+constexpr int Places = 8;  // in a row, and as many rows
 // Ranges and gaps that are this near touch; units of the cube.
 constexpr double Near = 16.0 * static_cast<double>(Snap);
+// Edges that go no further into a gap do not go into it.
+constexpr double Touching = 8.0;
 // Corners of gaps are known to within this many units.
 constexpr double Doubt = 4.0 * static_cast<double>(Snap);
 
@@ -35,13 +37,14 @@ struct PlacesOf {
   }
 };
 
-constexpr std::uint32_t ColumnOfPlaces = (1U << Places) - 1;
-constexpr std::uint32_t AllPlaces = (1U << (Places * Places)) - 1;
+using Bits = std::uint64_t;
+constexpr Bits ColumnOfPlaces = (Bits{1} << Places) - 1;
+constexpr Bits AllPlaces = ~Bits{0} >> (64 - Places * Places);
 
 // Bit Places * column + row of the places that an entry covers, by doubles.
-std::uint32_t placesCovered(const LookPolygons& polygons, const Tile& tile, const PlacesOf& places,
+Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const PlacesOf& places,
                             const TileEntry& entry, const std::uint32_t* segments) {
-  std::uint32_t bits = entry.coversCorner ? AllPlaces : 0;
+  Bits bits = entry.coversCorner ? AllPlaces : 0;
   for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
     const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
     const auto x0 = static_cast<double>(s.x0);
@@ -55,14 +58,14 @@ std::uint32_t placesCovered(const LookPolygons& polygons, const Tile& tile, cons
     for (int i = 0; i < Places; ++i) {
       const double x = places.x[static_cast<size_t>(i)];
       // What is right of where the edge crosses the lower side, then what is above the edge.
-      std::uint32_t column = crossing > static_cast<double>(tile.x0) && crossing < x
+      Bits column = crossing > static_cast<double>(tile.x0) && crossing < x
                                  ? ColumnOfPlaces
                                  : 0;
       if (x0 <= x && x < x1) {
         const double height = y0 + s.slope * (x - x0);
         if (height > static_cast<double>(tile.y0))
           for (int j = 0; j < Places; ++j)
-            if (places.y[static_cast<size_t>(j)] > height) column ^= 1U << j;
+            if (places.y[static_cast<size_t>(j)] > height) column ^= Bits{1} << j;
       }
       bits ^= column << (Places * i);
     }
@@ -80,10 +83,10 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
   std::array<std::int32_t, Places * Places> inFront;  // entries, then covers; -1 for none
   nearest.fill(-Infinity);
   inFront.fill(-1);
-  const auto offer = [&](std::int32_t position, std::int32_t number, std::uint32_t bits) {
+  const auto offer = [&](std::int32_t position, std::int32_t number, Bits bits) {
     const LookPolygon& p = polygons[position];
     for (; bits != 0; bits &= bits - 1) {
-      const auto place = static_cast<size_t>(__builtin_ctz(bits));
+      const auto place = static_cast<size_t>(__builtin_ctzll(bits));
       const double value = position == LookPolygons::Beyond
                                ? Infinity
                                : depthAt(p, face, places.x[place / Places], places.y[place % Places]);
@@ -123,6 +126,7 @@ TileOcclusion::Screen TileOcclusion::screenOf(const Tile& tile, const TileConten
   planes.gather(tile, front);
   lines.gather(tile, front, planes);
   screen.floor = Infinity;
+  screen.tile = tile;
   sweep(screen);
   screen.end = gaps.size();
   return screen;
@@ -157,6 +161,7 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
   ScreenGap g{};
   g.x0 = opened.since;
   g.x1 = to;
+  if (!(g.x0 < g.x1)) return;
   for (const int i : {0, 1}) {
     const double x = i == 0 ? g.x0 : g.x1;
     g.below[i] = lines.exactHeightAt(order.below(gap), x);
@@ -185,32 +190,76 @@ bool TileOcclusion::touches(const ScreenGap& gap, const SeenRange& range) {
   const double from = std::max(gap.x0, range.x0);
   const double to = std::min(gap.x1, range.x1);
   if (from > to) return false;
-  const auto heightAt = [&](const double (&heights)[2], double x) {
-    return heights[0] + (heights[1] - heights[0]) * ((x - gap.x0) / (gap.x1 - gap.x0));
-  };
-  return range.y1 >= std::min(heightAt(gap.below, from), heightAt(gap.below, to)) &&
-         range.y0 <= std::max(heightAt(gap.above, from), heightAt(gap.above, to));
+  return range.y1 >= std::min(gap.belowAt(from), gap.belowAt(to)) &&
+         range.y0 <= std::max(gap.aboveAt(from), gap.aboveAt(to));
 }
 
-// Everywhere in the gap, or everywhere in the range.
+// Whether a part of the polygon lies in a gap, by more than rounding. Where no edge goes through
+// the gap all of it is covered, or nothing.
+bool TileOcclusion::reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
+                            const std::uint32_t* segments) const {
+  const double middleX = 0.5 * (gap.x0 + gap.x1);
+  const double middleY = 0.5 * (gap.belowAt(middleX) + gap.aboveAt(middleX));
+  bool covers = entry.coversCorner;
+  const auto lower = static_cast<double>(tile.y0);
+  for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
+    const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
+    const auto x0 = static_cast<double>(s.x0);
+    const auto x1 = static_cast<double>(s.x1);
+    const auto y0 = static_cast<double>(s.y0);
+    const auto y1 = static_cast<double>(s.y1);
+    const auto heightAt = [&](double x) {
+      return x <= x0 ? y0 : x >= x1 ? y1 : y0 + s.slope * (x - x0);
+    };
+    if (x1 > gap.x0 + Touching && x0 < gap.x1 - Touching) {
+      const double from = std::max(x0, gap.x0);
+      const double to = std::min(x1, gap.x1);
+      const double start = from == x0 ? y0 : heightAt(from);
+      const double end = to == x1 ? y1 : heightAt(to);
+      const double slack = Touching;
+      const bool isBelow =
+          start <= gap.belowAt(from) + slack && end <= gap.belowAt(to) + slack;
+      const bool isAbove =
+          start >= gap.aboveAt(from) - slack && end >= gap.aboveAt(to) - slack;
+      if (!isBelow && !isAbove) return true;
+    }
+    if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
+      const double crossing = x0 + (x1 - x0) * ((lower - y0) / (y1 - y0));
+      covers ^= crossing > static_cast<double>(tile.x0) && crossing < middleX;
+    }
+    if (x0 <= middleX && middleX < x1) {
+      const double height = heightAt(middleX);
+      covers ^= height > lower && height < middleY;
+    }
+  }
+  return covers;
+}
+
+// Everywhere in the gap, but for places so near to its border that they are none.
 bool TileOcclusion::isBehind(const ScreenGap& gap, const SeenRange& range,
                              const LookPolygon& polygon, const CubeFace& face) const {
   if (gap.layer == polygon.layer) return false;
   const double a = polygon.plane[face.u] - gap.a;
   const double b = polygon.plane[face.v] - gap.b;
   const double c = polygon.plane[face.axis] * (face.sign * Half) - gap.c;
-  const double margin =
-      gap.error + 1e-15 * Half * polygon.weight + Doubt * (std::fabs(a) + std::fabs(b));
-  const auto behind = [&](double x, double y) { return a * x + b * y + c < -4.0 * margin; };
+  const double slope = std::max(std::fabs(a), std::fabs(b));
+  const double margin = gap.error + 1e-15 * Half * polygon.weight + 4.0 * slope;
+  // The planes may meet at the border if they part within a few units of it.
+  const double most = margin <= 16.0 * slope ? margin : -margin;
+  const auto behind = [&](double x, double y) { return a * x + b * y + c < most; };
   if (behind(gap.x0, gap.below[0]) && behind(gap.x0, gap.above[0]) &&
       behind(gap.x1, gap.below[1]) && behind(gap.x1, gap.above[1]))
     return true;
-  return behind(range.x0, range.y0) && behind(range.x0, range.y1) &&
-         behind(range.x1, range.y0) && behind(range.x1, range.y1);
+  const double x0 = std::max(gap.x0, range.x0);
+  const double x1 = std::min(gap.x1, range.x1);
+  const double y0 = std::max(range.y0, std::min(gap.belowAt(x0), gap.belowAt(x1)));
+  const double y1 = std::min(range.y1, std::max(gap.aboveAt(x0), gap.aboveAt(x1)));
+  return behind(x0, y0) && behind(x0, y1) && behind(x1, y0) && behind(x1, y1);
 }
 
-bool TileOcclusion::hides(const Screen& screen, const Tile& tile,
-                          const LookPolygon& polygon) const {
+bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
+                          const std::uint32_t* segments) const {
+  const LookPolygon& polygon = polygons[entry.polygon];
   // Where two polygons of a layer do not have one plane, the farther may be seen.
   if (screen.isEmpty() || polygon.number < 0 || polygon.besideItsLayer) return false;
   const CubeFace& face = CubeFaces[static_cast<size_t>(tile.face)];
@@ -219,17 +268,20 @@ bool TileOcclusion::hides(const Screen& screen, const Tile& tile,
     for (const int i : {0, 1}) box[i] = std::max(box[i], polygon.box[i]);
     for (const int i : {2, 3}) box[i] = std::min(box[i], polygon.box[i]);
   }
-  SeenRange range{static_cast<double>(box[0]) - Near, static_cast<double>(box[1]) - Near,
-                  static_cast<double>(box[2]) + Near, static_cast<double>(box[3]) + Near, 0.0};
+  SeenRange range{static_cast<double>(box[0]), static_cast<double>(box[1]),
+                  static_cast<double>(box[2]), static_cast<double>(box[3]), 0.0};
   const double a = polygon.plane[face.u];
   const double b = polygon.plane[face.v];
   range.bound = std::max(a * range.x0, a * range.x1) + std::max(b * range.y0, b * range.y1) +
                 polygon.plane[face.axis] * (face.sign * Half) + 4e-15 * Half * polygon.weight;
   if (range.bound < screen.floor) return true;
+  const bool isOwn = screen.tile.x0 == tile.x0 && screen.tile.y0 == tile.y0 &&
+                     screen.tile.x1 == tile.x1 && screen.tile.y1 == tile.y1;
   for (size_t i = screen.first; i < screen.end; ++i) {
     const ScreenGap& gap = gaps[i];
     if (range.bound < gap.floor || !touches(gap, range)) continue;
-    if (gap.floor == -Infinity || !isBehind(gap, range, polygon, face)) return false;
+    if (gap.floor > -Infinity && isBehind(gap, range, polygon, face)) continue;
+    if (!isOwn || reaches(gap, tile, entry, segments)) return false;
   }
   return true;
 }

@@ -33,6 +33,7 @@ class TileOcclusion {
     std::size_t first = 0;
     std::size_t end = 0;
     double floor = -std::numeric_limits<double>::infinity();  // what is less is hidden
+    Tile tile{};
 
     bool isEmpty() const { return first == end; }
   };
@@ -46,7 +47,9 @@ class TileOcclusion {
   /// Forgets all gaps from `count` on.
   void truncate(std::size_t count) { gaps.resize(count); }
 
-  bool hides(const Screen& screen, const Tile& tile, const LookPolygon& polygon) const;
+  /// A polygon with edges in the tile, or in a larger one whose lower left corner is the tile's.
+  bool hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
+             const std::uint32_t* segments) const;
   bool hides(const Screen& screen, const SeenRange& range) const;
 
  private:
@@ -59,6 +62,12 @@ class TileOcclusion {
     double error;
     double floor;  // less than its 1 / distance; -infinity where nothing is
     std::int32_t layer;
+
+    double heightAt(const double (&heights)[2], double x) const {
+      return heights[0] + (heights[1] - heights[0]) * ((x - x0) / (x1 - x0));
+    }
+    double belowAt(double x) const { return heightAt(below, x); }
+    double aboveAt(double x) const { return heightAt(above, x); }
   };
   struct OpenGap {
     double since;
@@ -69,6 +78,8 @@ class TileOcclusion {
   void sweep(Screen& screen);
   void close(std::size_t gap, const OpenGap& open, double to, Screen& screen);
   static bool touches(const ScreenGap& gap, const SeenRange& range);
+  bool reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
+               const std::uint32_t* segments) const;
   bool isBehind(const ScreenGap& gap, const SeenRange& range, const LookPolygon& polygon,
                 const CubeFace& face) const;
 
