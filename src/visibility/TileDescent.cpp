@@ -1,6 +1,7 @@
 #include "visibility/TileDescent.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cmath>
 
 // From a face of the cube down to tiles so small that few edges are left in them. On the way down,
@@ -15,9 +16,9 @@ using Kernel::Vec3;
 constexpr double Half = static_cast<double>(CubeHalf);
 // A tile with so few segments is swept, and one with more of them if few have their ends in it: a
 // bundle of long lines is not divided by dividing the tile.
-constexpr size_t FewSegments = 56;
+const size_t FewSegments = getenv("F") ? size_t(atoi(getenv("F"))) : 56;
 constexpr size_t MostSegments = 400;
-constexpr size_t FewEnds = 48;
+const size_t FewEnds = FewSegments*6/7;
 constexpr size_t FewCovers = 8;
 // Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
 constexpr double OpenedSize = 1.0;
@@ -74,7 +75,7 @@ Sides TileDescent::run(const Tile& tile) {
     nodes.push_back({0, boxFromEye(0)});
     content.nodesEnd = 1;
   }
-  return descend(tile, content, {0, ~size_t{0}, 0}, AllSides);
+  return descend(tile, content, {0, ~size_t{0}, 0, 0}, AllSides);
 }
 
 TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
@@ -286,13 +287,14 @@ void TileDescent::refineNodes(const Tile& tile, Content& content, double limit, 
 }
 
 // What came in before its hider did.
-void TileDescent::dropHidden(const Tile& tile, Content& content) {
+void TileDescent::dropHidden(const Tile& tile, Content& content, bool isScreened) {
   if (content.covers == content.coversEnd && content.screen.isEmpty()) return;
   size_t kept = content.entries;
   size_t keptSegments = content.segments;
   for (size_t i = content.entries; i < content.entriesEnd; ++i) {
     TileEntry entry = entries[i];
-    if (hidden(tile, content, entry)) continue;
+    if (!(isScreened && occlusion.isChosen(i - content.entries)) && hidden(tile, content, entry))
+      continue;
     std::copy_n(segments.begin() + entry.firstSegment, entry.segmentCount,
                 segments.begin() + static_cast<std::ptrdiff_t>(keptSegments));
     entry.firstSegment = static_cast<std::uint32_t>(keptSegments);
@@ -321,7 +323,7 @@ void TileDescent::placeScreen(const Tile& tile, Content& content) {
     return;
   }
   content.screen = screen;
-  dropHidden(tile, content);
+  dropHidden(tile, content, true);
 }
 
 size_t TileDescent::polygonsIn(const Content& content, size_t limit) {
@@ -360,8 +362,14 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
   const bool smallest = width <= SmallestTile;
   refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size, newSides);
   dropHidden(tile, content);
-  placeScreen(tile, content);
   size_t count = segments.size() - content.segments;
+  static const size_t X = getenv("X") ? size_t(atoi(getenv("X"))) : 168;
+  static const int N = getenv("N") ? atoi(getenv("N")) : 2;
+  if ((content.nodes == content.nodesEnd && count <= X) || ++progress.unscreened > N) {
+    placeScreen(tile, content);
+    progress.unscreened = 0;
+    count = segments.size() - content.segments;
+  }
   if (content.nodes < content.nodesEnd && count < FewSegments &&
       4 * polygonsIn(content, FewSegments / 4) + count <= FewSegments) {
     refineNodes(tile, content, 0.0, NoSides);

@@ -74,6 +74,7 @@ class TileDescent {
     int level;
     size_t segments;  // in the last tile above that had twice as many
     int stalled;      // levels since
+    int unscreened;   // levels since the last screen
   };
 
   // Boxes of the content lie within all sides but the new ones.
@@ -85,7 +86,8 @@ class TileDescent {
   void refineNodes(const Tile& tile, Content& content, double limit, SideRange sides);
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
   void addCover(const Tile& tile, Content& content, std::int32_t position);
-  void dropHidden(const Tile& tile, Content& content);
+  // Screened: by a screen that has just been made of the content.
+  void dropHidden(const Tile& tile, Content& content, bool isScreened = false);
   void placeScreen(const Tile& tile, Content& content);
   SeenRange rangeOf(const SeenBox& box) const;
   bool hidden(const Tile& tile, const Content& content, const TileEntry& entry) const;

@@ -103,6 +103,7 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
   for (size_t i = 0; i < content.coverCount; ++i)
     offer(content.covers[i], entryCount + static_cast<std::int32_t>(i), AllPlaces);
   chosen.clear();
+  chosenEntries.assign(content.entryCount, 0);
   chosenCovers.clear();
   std::sort(inFront.begin(), inFront.end());
   const auto end = std::unique(inFront.begin(), inFront.end());
@@ -110,6 +111,7 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
     if (*i < 0) continue;
     if (*i < entryCount) {
       chosen.push_back(content.entries[*i]);
+      chosenEntries[static_cast<size_t>(*i)] = 1;
     } else {
       chosenCovers.push_back(content.covers[*i - entryCount]);
     }
@@ -167,6 +169,10 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
     g.below[i] = lines.exactHeightAt(order.below(gap), x);
     g.above[i] = lines.exactHeightAt(order.above(gap), x);
   }
+  g.slopes[0] = (g.below[1] - g.below[0]) / (g.x1 - g.x0);
+  g.slopes[1] = (g.above[1] - g.above[0]) / (g.x1 - g.x0);
+  g.lowest = std::min(g.below[0], g.below[1]);
+  g.highest = std::max(g.above[0], g.above[1]);
   g.floor = -Infinity;
   g.layer = -1;
   // Of a polygon beside its layer, what is painted later may be farther.
@@ -189,7 +195,7 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
 bool TileOcclusion::touches(const ScreenGap& gap, const SeenRange& range) {
   const double from = std::max(gap.x0, range.x0);
   const double to = std::min(gap.x1, range.x1);
-  if (from > to) return false;
+  if (from > to || range.y1 < gap.lowest || range.y0 > gap.highest) return false;
   return range.y1 >= std::min(gap.belowAt(from), gap.belowAt(to)) &&
          range.y0 <= std::max(gap.aboveAt(from), gap.aboveAt(to));
 }

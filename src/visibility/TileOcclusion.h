@@ -47,7 +47,8 @@ class TileOcclusion {
   /// Forgets all gaps from `count` on.
   void truncate(std::size_t count) { gaps.resize(count); }
 
-  /// A polygon with edges in the tile, or in a larger one whose lower left corner is the tile's.
+  /// Whether an entry of the tile, by its number, is in front at one of the places.
+  bool isChosen(std::size_t entry) const { return chosenEntries[entry] != 0; }
   bool hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
              const std::uint32_t* segments) const;
   bool hides(const Screen& screen, const SeenRange& range) const;
@@ -63,11 +64,11 @@ class TileOcclusion {
     double floor;  // less than its 1 / distance; -infinity where nothing is
     std::int32_t layer;
 
-    double heightAt(const double (&heights)[2], double x) const {
-      return heights[0] + (heights[1] - heights[0]) * ((x - x0) / (x1 - x0));
-    }
-    double belowAt(double x) const { return heightAt(below, x); }
-    double aboveAt(double x) const { return heightAt(above, x); }
+    double slopes[2];  // of the lines below and above
+    double lowest, highest;
+
+    double belowAt(double x) const { return below[0] + slopes[0] * (x - x0); }
+    double aboveAt(double x) const { return above[0] + slopes[1] * (x - x0); }
   };
   struct OpenGap {
     double since;
@@ -88,8 +89,8 @@ class TileOcclusion {
   TileLines lines;
   std::vector<ScreenGap> gaps;
   std::vector<OpenGap> open;
-  std::vector<std::uint32_t> covered;  // for each entry the places that it covers
   std::vector<TileEntry> chosen;
+  std::vector<char> chosenEntries;
   std::vector<std::int32_t> chosenCovers;
 };
 
