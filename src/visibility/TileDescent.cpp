@@ -1,7 +1,6 @@
 #include "visibility/TileDescent.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cmath>
 
 // From a face of the cube down to tiles so small that few edges are left in them. On the way down,
@@ -16,14 +15,19 @@ using Kernel::Vec3;
 constexpr double Half = static_cast<double>(CubeHalf);
 // A tile with so few segments is swept, and one with more of them if few have their ends in it: a
 // bundle of long lines is not divided by dividing the tile.
-const size_t FewSegments = getenv("F") ? size_t(atoi(getenv("F"))) : 56;
+constexpr size_t FewSegments = 112;
 constexpr size_t MostSegments = 400;
-const size_t FewEnds = FewSegments*6/7;
+constexpr size_t FewEnds = 96;
 constexpr size_t FewCovers = 8;
 // Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
 constexpr double OpenedSize = 1.0;
 constexpr Coordinate SmallestTile = 1 << 14;
-constexpr size_t FewestScreened = 6;
+// What is left in the boxes of a tile is opened together if it is no more than this.
+constexpr size_t FewPolygons = 60;
+// A screen is asked for where a tile may be swept because of what it hides, and every few levels.
+constexpr size_t MostScreened = 300;
+constexpr int UnscreenedLevels = 3;
+constexpr size_t FewestScreened = 6;  // polygons
 constexpr int StalledLevels = 8;
 
 // The greatest (or with a negated vector the least) of n.x over a box.
@@ -131,14 +135,19 @@ bool TileDescent::misses(const SeenBox& box, SideRange sides) const {
   return false;
 }
 
-bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
+bool TileDescent::hiddenByCover(const Content& content, const SeenBox& box) const {
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     if (covers[i] == LookPolygons::Beyond) return true;
     const LookPolygon& cover = polygons[covers[i]];
     const double margin = 1e-9 * (1.0 + sumOfMagnitudes(cover.behind) * box.reach);
     if (-support(box, -cover.behind) > cover.behindOffset + margin) return true;
   }
-  return !content.screen.isEmpty() && occlusion.hides(content.screen, rangeOf(box));
+  return false;
+}
+
+bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
+  return hiddenByCover(content, box) ||
+         (!content.screen.isEmpty() && occlusion.hides(content.screen, rangeOf(box)));
 }
 
 // Where on the face a box may be seen.
@@ -153,8 +162,8 @@ SeenRange TileDescent::rangeOf(const SeenBox& box) const {
     const auto [u0, u1] = extent(parallel->x);
     const auto [v0, v1] = extent(parallel->y);
     const double nearest = ParallelSight::MiddleNearness + support(box, -parallel->along);
-    return {(u0 - Margin) * Half, (v0 - Margin) * Half, (u1 + Margin) * Half,
-            (v1 + Margin) * Half, (nearest + Margin) * Half};
+    return {(u0 - Margin) * Half, (v0 - Margin) * Half, (u1 + Margin) * Half, (v1 + Margin) * Half,
+            (nearest + Margin) * Half};
   }
   const double margin = 1e-11 * box.reach;
   const auto [u0, u1] = extent(pyramid.axes[0]);
@@ -194,13 +203,18 @@ bool TileDescent::hides(const Tile& tile, const LookPolygon& cover,
   return true;
 }
 
-bool TileDescent::hidden(const Tile& tile, const Content& content, const TileEntry& entry) const {
-  const std::int32_t position = entry.polygon;
-  const LookPolygon& polygon = polygons[position];
+bool TileDescent::hiddenByCover(const Tile& tile, const Content& content,
+                                std::int32_t position) const {
   if (position == LookPolygons::Beyond) return false;
+  const LookPolygon& polygon = polygons[position];
   for (size_t i = content.covers; i < content.coversEnd; ++i)
     if (covers[i] == LookPolygons::Beyond || hides(tile, polygons[covers[i]], polygon)) return true;
-  return occlusion.hides(content.screen, tile, entry, segments.data());
+  return false;
+}
+
+bool TileDescent::hidden(const Tile& tile, const Content& content, const TileEntry& entry) const {
+  return hiddenByCover(tile, content, entry.polygon) ||
+         occlusion.hides(content.screen, tile, entry, segments.data());
 }
 
 // Keeps the covers of which none hides another.
@@ -267,7 +281,9 @@ void TileDescent::refineNodes(const Tile& tile, Content& content, double limit, 
     waiting.pop_back();
     const bool isNew = waiting.size() >= known;
     known = std::min(known, waiting.size());
-    if ((isNew && misses(next.box, AllSides)) || hidden(content, next.box)) continue;
+    if (isNew ? misses(next.box, AllSides) || hidden(content, next.box)
+              : hiddenByCover(content, next.box))
+      continue;
     if (next.box.squareSize < limit * limit) {
       nodes.push_back(next);
       continue;
@@ -287,13 +303,16 @@ void TileDescent::refineNodes(const Tile& tile, Content& content, double limit, 
 }
 
 // What came in before its hider did.
-void TileDescent::dropHidden(const Tile& tile, Content& content, bool isScreened) {
-  if (content.covers == content.coversEnd && content.screen.isEmpty()) return;
+void TileDescent::dropHidden(const Tile& tile, Content& content, Screening screening) {
+  const bool isNew = screening == Screening::New;
+  if (content.covers == content.coversEnd && !isNew) return;
   size_t kept = content.entries;
   size_t keptSegments = content.segments;
   for (size_t i = content.entries; i < content.entriesEnd; ++i) {
     TileEntry entry = entries[i];
-    if (!(isScreened && occlusion.isChosen(i - content.entries)) && hidden(tile, content, entry))
+    // What is in front at a place is not hidden.
+    if (isNew ? !occlusion.isChosen(i - content.entries) && hidden(tile, content, entry)
+              : hiddenByCover(tile, content, entry.polygon))
       continue;
     std::copy_n(segments.begin() + entry.firstSegment, entry.segmentCount,
                 segments.begin() + static_cast<std::ptrdiff_t>(keptSegments));
@@ -304,10 +323,12 @@ void TileDescent::dropHidden(const Tile& tile, Content& content, bool isScreened
   entries.resize(kept);
   segments.resize(keptSegments);
   content.entriesEnd = kept;
-  nodes.erase(
-      std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes), nodes.end(),
-                     [&](const SeenNode& node) { return hidden(content, node.box); }),
-      nodes.end());
+  const auto isHidden = [&](const SeenNode& node) {
+    return isNew ? hidden(content, node.box) : hiddenByCover(content, node.box);
+  };
+  nodes.erase(std::remove_if(nodes.begin() + static_cast<std::ptrdiff_t>(content.nodes),
+                             nodes.end(), isHidden),
+              nodes.end());
   content.nodesEnd = nodes.size();
 }
 
@@ -323,7 +344,7 @@ void TileDescent::placeScreen(const Tile& tile, Content& content) {
     return;
   }
   content.screen = screen;
-  dropHidden(tile, content, true);
+  dropHidden(tile, content, Screening::New);
 }
 
 size_t TileDescent::polygonsIn(const Content& content, size_t limit) {
@@ -361,19 +382,19 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
   const Coordinate width = std::max(tile.x1 - tile.x0, tile.y1 - tile.y0);
   const bool smallest = width <= SmallestTile;
   refineNodes(tile, content, smallest ? 0.0 : OpenedSize * pyramid.size, newSides);
-  dropHidden(tile, content);
+  dropHidden(tile, content, Screening::Known);
   size_t count = segments.size() - content.segments;
-  static const size_t X = getenv("X") ? size_t(atoi(getenv("X"))) : 168;
-  static const int N = getenv("N") ? atoi(getenv("N")) : 2;
-  if ((content.nodes == content.nodesEnd && count <= X) || ++progress.unscreened > N) {
+  ++progress.unscreened;
+  bool opened = content.nodes == content.nodesEnd;
+  if (!opened && count < FewSegments && polygonsIn(content, FewPolygons) <= FewPolygons) {
+    refineNodes(tile, content, 0.0, NoSides);
+    dropHidden(tile, content, Screening::Known);
+    count = segments.size() - content.segments;
+    opened = true;
+  }
+  if ((opened && count <= MostScreened) || progress.unscreened > UnscreenedLevels) {
     placeScreen(tile, content);
     progress.unscreened = 0;
-    count = segments.size() - content.segments;
-  }
-  if (content.nodes < content.nodesEnd && count < FewSegments &&
-      4 * polygonsIn(content, FewSegments / 4) + count <= FewSegments) {
-    refineNodes(tile, content, 0.0, NoSides);
-    dropHidden(tile, content);
     count = segments.size() - content.segments;
   }
   if (content.nodes == content.nodesEnd) {
@@ -419,7 +440,7 @@ Sides TileDescent::sweepTile(const Tile& tile, const Content& content) {
 
 TileDescent::Content TileDescent::narrowed(const Tile& parent, const Tile& tile,
                                            const Content& content) {
-  Content narrow{entries.size(), entries.size(), nodes.size(),   nodes.size(),
+  Content narrow{entries.size(), entries.size(), nodes.size(),    nodes.size(),
                  covers.size(),  covers.size(),  segments.size(), content.screen};
   for (size_t i = content.covers; i < content.coversEnd; ++i) {
     const std::int32_t cover = covers[i];

@@ -53,9 +53,9 @@ class TileDescent {
   };
   // What is seen in a tile lies in all of these: before the eye, and within the tile's sides.
   struct Pyramid {
-    HalfSpace sides[5];  // before the eye, then left, right, lower and upper
+    HalfSpace sides[5];    // before the eye, then left, right, lower and upper
     Kernel::Vec3 axes[3];  // of the face: u, v and forward, in the scene's
-    double size;         // of the tile, in units of the distance to the face
+    double size;           // of the tile, in units of the distance to the face
   };
   // Sides of a pyramid by number.
   struct SideRange {
@@ -70,6 +70,8 @@ class TileDescent {
     std::int32_t number;
     SeenBox box;
   };
+  // Whether the screen of the content is new, or all has been compared with it already.
+  enum class Screening { Known, New };
   struct Progress {
     int level;
     size_t segments;  // in the last tile above that had twice as many
@@ -86,13 +88,14 @@ class TileDescent {
   void refineNodes(const Tile& tile, Content& content, double limit, SideRange sides);
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
   void addCover(const Tile& tile, Content& content, std::int32_t position);
-  // Screened: by a screen that has just been made of the content.
-  void dropHidden(const Tile& tile, Content& content, bool isScreened = false);
+  void dropHidden(const Tile& tile, Content& content, Screening screening);
   void placeScreen(const Tile& tile, Content& content);
   SeenRange rangeOf(const SeenBox& box) const;
+  bool hiddenByCover(const Tile& tile, const Content& content, std::int32_t position) const;
   bool hidden(const Tile& tile, const Content& content, const TileEntry& entry) const;
   bool hides(const Tile& tile, const LookPolygon& cover, const LookPolygon& polygon) const;
   SeenBox boxFromEye(std::int32_t number) const;
+  bool hiddenByCover(const Content& content, const SeenBox& box) const;
   bool hidden(const Content& content, const SeenBox& box) const;
   bool misses(const SeenBox& box, SideRange sides) const;  // lies outside one of them
   size_t polygonsIn(const Content& content, size_t limit);

@@ -6,7 +6,7 @@
 #include <array>
 #include <cmath>
 
-// First a guess, in plain doubles: which polygons are in front at sixteen places of the tile. Then
+// First a guess, in plain doubles: which polygons are in front at some places of the tile. Then
 // a proof: those few are swept by the same lines and planes as the tile will be, and what lies
 // behind their gaps by more than all rounding is hidden.
 namespace Lumivane::Visibility {
@@ -14,60 +14,67 @@ namespace {
 
 constexpr double Half = static_cast<double>(CubeHalf);
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr int Places = 8;  // in a row, and as many rows
-// Ranges and gaps that are this near touch; units of the cube.
-constexpr double Near = 16.0 * static_cast<double>(Snap);
-// Edges that go no further into a gap do not go into it.
+constexpr int PlacesInRow = 8;
+constexpr size_t PlaceCount = PlacesInRow * PlacesInRow;
+// Edges that go no further into a gap do not go into it; units of the cube.
 constexpr double Touching = 8.0;
 // Corners of gaps are known to within this many units.
 constexpr double Doubt = 4.0 * static_cast<double>(Snap);
 
-struct PlacesOf {
-  std::array<double, Places> x;
-  std::array<double, Places> y;
+using Bits = std::uint64_t;
+constexpr Bits ColumnOfPlaces = (Bits{1} << PlacesInRow) - 1;
+constexpr Bits AllPlaces = ~Bits{0} >> (64 - PlaceCount);
 
-  explicit PlacesOf(const Tile& tile) : x(), y() {
-    const auto width = static_cast<double>(tile.x1 - tile.x0);
-    const auto height = static_cast<double>(tile.y1 - tile.y0);
-    for (int i = 0; i < Places; ++i) {
-      const double part = (i + 0.5) / Places;
-      x[static_cast<size_t>(i)] = static_cast<double>(tile.x0) + part * width;
-      y[static_cast<size_t>(i)] = static_cast<double>(tile.y0) + part * height;
+// Rows and columns of places, spread evenly over a tile.
+struct Places {
+  std::array<double, PlacesInRow> x;
+  std::array<double, PlacesInRow> y;
+  double perWidth;
+  double perHeight;
+
+  explicit Places(const Tile& tile) : x(), y() {
+    const double width = static_cast<double>(tile.x1 - tile.x0) / PlacesInRow;
+    const double height = static_cast<double>(tile.y1 - tile.y0) / PlacesInRow;
+    perWidth = 1.0 / width;
+    perHeight = 1.0 / height;
+    for (int i = 0; i < PlacesInRow; ++i) {
+      x[static_cast<size_t>(i)] = static_cast<double>(tile.x0) + (i + 0.5) * width;
+      y[static_cast<size_t>(i)] = static_cast<double>(tile.y0) + (i + 0.5) * height;
     }
+  }
+  // The first column or row behind a coordinate; PlacesInRow if there is none.
+  int columnAfter(double c) const { return after((c - x[0]) * perWidth); }
+  int rowAfter(double c) const { return after((c - y[0]) * perHeight); }
+  static int after(double steps) {
+    return static_cast<int>(std::clamp(steps + 1.0, 0.0, static_cast<double>(PlacesInRow)));
   }
 };
 
-using Bits = std::uint64_t;
-constexpr Bits ColumnOfPlaces = (Bits{1} << Places) - 1;
-constexpr Bits AllPlaces = ~Bits{0} >> (64 - Places * Places);
-
 // Bit Places * column + row of the places that an entry covers, by doubles.
-Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const PlacesOf& places,
-                            const TileEntry& entry, const std::uint32_t* segments) {
+Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const Places& places,
+                   const TileEntry& entry, const std::uint32_t* segments) {
   Bits bits = entry.coversCorner ? AllPlaces : 0;
+  const auto tileX0 = static_cast<double>(tile.x0);
+  const auto tileY0 = static_cast<double>(tile.y0);
   for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
     const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
     const auto x0 = static_cast<double>(s.x0);
     const auto x1 = static_cast<double>(s.x1);
     const auto y0 = static_cast<double>(s.y0);
-    const bool crossesLower = (s.y0 <= tile.y0) != (s.y1 <= tile.y0);
-    const double crossing =
-        crossesLower ? x0 + (x1 - x0) * (static_cast<double>(tile.y0 - s.y0) /
-                                         static_cast<double>(s.y1 - s.y0))
-                     : Infinity;
-    for (int i = 0; i < Places; ++i) {
-      const double x = places.x[static_cast<size_t>(i)];
-      // What is right of where the edge crosses the lower side, then what is above the edge.
-      Bits column = crossing > static_cast<double>(tile.x0) && crossing < x
-                                 ? ColumnOfPlaces
-                                 : 0;
-      if (x0 <= x && x < x1) {
-        const double height = y0 + s.slope * (x - x0);
-        if (height > static_cast<double>(tile.y0))
-          for (int j = 0; j < Places; ++j)
-            if (places.y[static_cast<size_t>(j)] > height) column ^= Bits{1} << j;
-      }
-      bits ^= column << (Places * i);
+    // What is right of where the edge crosses the lower side.
+    if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
+      const double run = (x1 - x0) / static_cast<double>(s.y1 - s.y0);
+      const double crossing = x0 + run * (tileY0 - y0);
+      const int column = places.columnAfter(crossing);
+      if (crossing > tileX0 && column < PlacesInRow) bits ^= AllPlaces << (PlacesInRow * column);
+    }
+    // What is above the edge.
+    const int end = places.columnAfter(x1);
+    for (int column = places.columnAfter(x0); column < end; ++column) {
+      const double height = y0 + s.slope * (places.x[static_cast<size_t>(column)] - x0);
+      if (!(height > tileY0)) continue;
+      const Bits above = (ColumnOfPlaces << places.rowAfter(height)) & ColumnOfPlaces;
+      bits ^= above << (PlacesInRow * column);
     }
   }
   return bits;
@@ -75,21 +82,22 @@ Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const PlacesO
 
 }  // namespace
 
-// \return whether there is anything behind
+// \return whether most of the polygons are behind, so that it is worth to ask which are hidden
 bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) {
   const CubeFace& face = CubeFaces[static_cast<size_t>(tile.face)];
-  const PlacesOf places(tile);
-  std::array<double, Places * Places> nearest;
-  std::array<std::int32_t, Places * Places> inFront;  // entries, then covers; -1 for none
+  const Places places(tile);
+  std::array<double, PlaceCount> nearest;
+  std::array<std::int32_t, PlaceCount> inFront;  // entries, then covers; -1 for none
   nearest.fill(-Infinity);
   inFront.fill(-1);
   const auto offer = [&](std::int32_t position, std::int32_t number, Bits bits) {
     const LookPolygon& p = polygons[position];
     for (; bits != 0; bits &= bits - 1) {
       const auto place = static_cast<size_t>(__builtin_ctzll(bits));
-      const double value = position == LookPolygons::Beyond
-                               ? Infinity
-                               : depthAt(p, face, places.x[place / Places], places.y[place % Places]);
+      const double value =
+          position == LookPolygons::Beyond
+              ? Infinity
+              : depthAt(p, face, places.x[place / PlacesInRow], places.y[place % PlacesInRow]);
       if (!(value > nearest[place])) continue;
       nearest[place] = value;
       inFront[place] = number;
@@ -116,7 +124,7 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
       chosenCovers.push_back(content.covers[*i - entryCount]);
     }
   }
-  return !chosen.empty();
+  return !chosen.empty() && 2 * chosen.size() <= content.entryCount;
 }
 
 TileOcclusion::Screen TileOcclusion::screenOf(const Tile& tile, const TileContent& content) {
@@ -171,8 +179,6 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
   }
   g.slopes[0] = (g.below[1] - g.below[0]) / (g.x1 - g.x0);
   g.slopes[1] = (g.above[1] - g.above[0]) / (g.x1 - g.x0);
-  g.lowest = std::min(g.below[0], g.below[1]);
-  g.highest = std::max(g.above[0], g.above[1]);
   g.floor = -Infinity;
   g.layer = -1;
   // Of a polygon beside its layer, what is painted later may be farther.
@@ -184,18 +190,32 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
     g.error = s.error;
     g.layer = s.layer;
     const auto value = [&](double x, double y) { return s.a * x + s.b * y + s.c; };
-    g.floor = std::min({value(g.x0, g.below[0]), value(g.x0, g.above[0]),
-                        value(g.x1, g.below[1]), value(g.x1, g.above[1])}) -
+    g.floor = std::min({value(g.x0, g.below[0]), value(g.x0, g.above[0]), value(g.x1, g.below[1]),
+                        value(g.x1, g.above[1])}) -
               4.0 * s.error - Doubt * (std::fabs(s.a) + std::fabs(s.b));
   }
   screen.floor = std::min(screen.floor, g.floor);
   gaps.push_back(g);
+  frames.emplace_back(g.x0, std::min(g.below[0], g.below[1]), g.x1,
+                      std::max(g.above[0], g.above[1]));
+}
+
+TileOcclusion::Frame::Frame(double x0, double y0, double x1, double y1) : least() {
+  const double values[4] = {x0, y0, -x1, -y1};
+  for (int i = 0; i < 4; ++i)
+    least[i] = static_cast<float>(values[i] - 2e-7 * std::fabs(values[i]));
+}
+
+TileOcclusion::Frame TileOcclusion::turnedFrame(const SeenRange& range) {
+  Frame frame(-range.x1, -range.y1, -range.x0, -range.y0);
+  for (float& value : frame.least) value = -value;
+  return frame;
 }
 
 bool TileOcclusion::touches(const ScreenGap& gap, const SeenRange& range) {
   const double from = std::max(gap.x0, range.x0);
   const double to = std::min(gap.x1, range.x1);
-  if (from > to || range.y1 < gap.lowest || range.y0 > gap.highest) return false;
+  if (from > to) return false;
   return range.y1 >= std::min(gap.belowAt(from), gap.belowAt(to)) &&
          range.y0 <= std::max(gap.aboveAt(from), gap.aboveAt(to));
 }
@@ -223,10 +243,8 @@ bool TileOcclusion::reaches(const ScreenGap& gap, const Tile& tile, const TileEn
       const double start = from == x0 ? y0 : heightAt(from);
       const double end = to == x1 ? y1 : heightAt(to);
       const double slack = Touching;
-      const bool isBelow =
-          start <= gap.belowAt(from) + slack && end <= gap.belowAt(to) + slack;
-      const bool isAbove =
-          start >= gap.aboveAt(from) - slack && end >= gap.aboveAt(to) - slack;
+      const bool isBelow = start <= gap.belowAt(from) + slack && end <= gap.belowAt(to) + slack;
+      const bool isAbove = start >= gap.aboveAt(from) - slack && end >= gap.aboveAt(to) - slack;
       if (!isBelow && !isAbove) return true;
     }
     if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
@@ -281,9 +299,11 @@ bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntr
   range.bound = std::max(a * range.x0, a * range.x1) + std::max(b * range.y0, b * range.y1) +
                 polygon.plane[face.axis] * (face.sign * Half) + 4e-15 * Half * polygon.weight;
   if (range.bound < screen.floor) return true;
+  const Frame turned = turnedFrame(range);
   const bool isOwn = screen.tile.x0 == tile.x0 && screen.tile.y0 == tile.y0 &&
                      screen.tile.x1 == tile.x1 && screen.tile.y1 == tile.y1;
   for (size_t i = screen.first; i < screen.end; ++i) {
+    if (!frames[i].meets(turned)) continue;
     const ScreenGap& gap = gaps[i];
     if (range.bound < gap.floor || !touches(gap, range)) continue;
     if (gap.floor > -Infinity && isBehind(gap, range, polygon, face)) continue;
@@ -295,8 +315,10 @@ bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntr
 bool TileOcclusion::hides(const Screen& screen, const SeenRange& range) const {
   if (screen.isEmpty()) return false;
   if (range.bound < screen.floor) return true;
+  const Frame turned = turnedFrame(range);
   for (size_t i = screen.first; i < screen.end; ++i)
-    if (!(range.bound < gaps[i].floor) && touches(gaps[i], range)) return false;
+    if (frames[i].meets(turned) && !(range.bound < gaps[i].floor) && touches(gaps[i], range))
+      return false;
   return true;
 }
 

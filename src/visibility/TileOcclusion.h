@@ -45,7 +45,10 @@ class TileOcclusion {
   Screen screenOf(const Tile& tile, const TileContent& content);
   std::size_t size() const { return gaps.size(); }
   /// Forgets all gaps from `count` on.
-  void truncate(std::size_t count) { gaps.resize(count); }
+  void truncate(std::size_t count) {
+    gaps.resize(count);
+    frames.resize(count);
+  }
 
   /// Whether an entry of the tile, by its number, is in front at one of the places.
   bool isChosen(std::size_t entry) const { return chosenEntries[entry] != 0; }
@@ -65,10 +68,21 @@ class TileOcclusion {
     std::int32_t layer;
 
     double slopes[2];  // of the lines below and above
-    double lowest, highest;
 
     double belowAt(double x) const { return below[0] + slopes[0] * (x - x0); }
     double aboveAt(double x) const { return above[0] + slopes[1] * (x - x0); }
+  };
+  /// A little more than what a gap or a range takes: x from, y from, and negative, x to, y to.
+  struct Frame {
+    float least[4];
+
+    Frame(double x0, double y0, double x1, double y1);
+    Frame() = default;
+    // Of the frame of a range that is turned around.
+    bool meets(const Frame& turned) const {
+      return (least[0] <= turned.least[0]) & (least[1] <= turned.least[1]) &
+             (least[2] <= turned.least[2]) & (least[3] <= turned.least[3]);
+    }
   };
   struct OpenGap {
     double since;
@@ -78,6 +92,7 @@ class TileOcclusion {
   bool chooseInFront(const Tile& tile, const TileContent& content);
   void sweep(Screen& screen);
   void close(std::size_t gap, const OpenGap& open, double to, Screen& screen);
+  static Frame turnedFrame(const SeenRange& range);
   static bool touches(const ScreenGap& gap, const SeenRange& range);
   bool reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
                const std::uint32_t* segments) const;
@@ -88,6 +103,7 @@ class TileOcclusion {
   TilePlanes planes;
   TileLines lines;
   std::vector<ScreenGap> gaps;
+  std::vector<Frame> frames;  // of each gap
   std::vector<OpenGap> open;
   std::vector<TileEntry> chosen;
   std::vector<char> chosenEntries;
