@@ -153,32 +153,33 @@ bool TileDescent::hidden(const Content& content, const SeenBox& box) const {
 // Where on the face a box may be seen.
 SeenRange TileDescent::rangeOf(const SeenBox& box) const {
   const ParallelSight* parallel = polygons.setup().parallel;
-  const auto extent = [&](Vec3 n) {
-    return std::pair<double, double>{-support(box, -n), support(box, n)};
-  };
-  // More than rounding does to the sums.
+  const auto least = [&](Vec3 n) { return -support(box, -n); };
+  const auto most = [&](Vec3 n) { return support(box, n); };
+  // Margins are more than what rounding does to the sums.
   if (parallel != nullptr) {
     constexpr double Margin = 1e-11;
-    const auto [u0, u1] = extent(parallel->x);
-    const auto [v0, v1] = extent(parallel->y);
-    const double nearest = ParallelSight::MiddleNearness + support(box, -parallel->along);
-    return {(u0 - Margin) * Half, (v0 - Margin) * Half, (u1 + Margin) * Half, (v1 + Margin) * Half,
-            (nearest + Margin) * Half};
+    const double nearness = ParallelSight::MiddleNearness - least(parallel->along);
+    return {(least(parallel->x) - Margin) * Half, (least(parallel->y) - Margin) * Half,
+            (most(parallel->x) + Margin) * Half, (most(parallel->y) + Margin) * Half,
+            (nearness + Margin) * Half};
   }
   const double margin = 1e-11 * box.reach;
-  const auto [u0, u1] = extent(pyramid.axes[0]);
-  const auto [v0, v1] = extent(pyramid.axes[1]);
-  auto [depth, deepest] = extent(pyramid.axes[2]);
-  depth -= margin;
-  deepest += margin;
+  const double depth = least(pyramid.axes[2]) - margin;
+  const double deepest = most(pyramid.axes[2]) + margin;
   if (!(depth > 0.0)) {
     constexpr double All = 1e300;
     return {-All, -All, All, All, All};
   }
-  const auto least = [&](double c) { return Half * (c / (c < 0.0 ? depth : deepest)); };
-  const auto most = [&](double c) { return Half * (c / (c > 0.0 ? depth : deepest)); };
-  return {least(u0 - margin), least(v0 - margin), most(u1 + margin), most(v1 + margin),
-          Half / depth};
+  const auto lowest = [&](Vec3 n) {
+    const double c = least(n) - margin;
+    return Half * (c / (c < 0.0 ? depth : deepest));
+  };
+  const auto highest = [&](Vec3 n) {
+    const double c = most(n) + margin;
+    return Half * (c / (c > 0.0 ? depth : deepest));
+  };
+  return {lowest(pyramid.axes[0]), lowest(pyramid.axes[1]), highest(pyramid.axes[0]),
+          highest(pyramid.axes[1]), Half / depth};
 }
 
 // Behind a cover everywhere in the tile, or at least where the polygon lies in it.
