@@ -103,7 +103,7 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
   fields.push_back(std::to_string(drawnFaces(shot.shot())));
   fields.push_back(std::to_string(hiddenFaces(shot)));
   fields.push_back(shot.hasCycle() ? "1" : "0");
-  fields.push_back(shot.isInside() ? "1" : "0");
+  fields.push_back(shot.isInside() || (seen && seen->isInside) ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
   addPlaceAndClasses(seen, trueEye, classes, fields);
   return csvRecord(fields);

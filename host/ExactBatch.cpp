@@ -1,6 +1,7 @@
 #include "ExactBatch.h"
 
 #include "ExactScene.h"
+#include "GroundSearch.h"
 #include "Options.h"
 #include "SceneSource.h"
 
@@ -31,10 +32,11 @@ ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapS
 
 struct ExactBatch::State {
   State(const std::string& name, const SourcedScene& source)
-      : scene(name, source), inside(insideTestOf(source)) {}
+      : scene(name, source), inside(insideTestOf(source)), underGround(scene.sceneIndex()) {}
 
   ExactScene scene;
   std::unique_ptr<const Check::InsideTest> inside;
+  UnderGroundTest underGround;
 };
 
 ExactBatch::ExactBatch(const std::string& name, const SourcedScene& source)
@@ -53,7 +55,8 @@ std::optional<ExactSummary> ExactBatch::look(const ShotOptions& view) const {
     Session::writeFile(view.shares,
                        state->scene.sharesText(view.shares, view.rows, view.csvSafe, map, shares));
   ExactSummary summary = summaryOf(map, shares);
-  summary.isInside = view.noShots && state->inside->isInside(view.view.eye);
+  summary.isInside = (view.noShots && state->inside->isInside(view.view.eye)) ||
+                     state->underGround.isUnder(view.view.eye);
   return summary;
 }
 

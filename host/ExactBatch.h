@@ -19,7 +19,9 @@ struct ExactSummary {
   std::string largestId;  ///< of the object with the largest view factor; as the scene gave it
   std::optional<double> largestViewFactor;  ///< none if no object is seen
   std::vector<double> classViewFactors;     ///< of all classes, and last of what has none
-  bool isInside = false;  ///< inside a body; only of a view without a shot, which says it otherwise
+  /// Under the ground, or inside a body; the latter only of a view without a shot, which says it
+  /// otherwise.
+  bool isInside = false;
 };
 
 /// Looks exactly at one scene from many eyes. A program without the components has a form of it

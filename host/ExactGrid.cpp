@@ -74,7 +74,10 @@ std::vector<std::optional<std::string>> knownRows(RowJournal& journal, size_t co
 
 struct ExactGrid::State {
   State(const GridOptions& theOptions, const SourcedScene& source)
-      : options(theOptions), exact(theOptions.scene, source), surfaces(exact.sceneIndex()) {
+      : options(theOptions),
+        exact(theOptions.scene, source),
+        surfaces(exact.sceneIndex()),
+        underGround(exact.sceneIndex()) {
     if (!options.above.empty())
       ground.emplace(exact.sceneIndex(), surfaces, options.above, options.scene);
   }
@@ -94,6 +97,7 @@ struct ExactGrid::State {
   const GridOptions& options;
   ExactScene exact;
   SceneSurfaces surfaces;
+  UnderGroundTest underGround;
   std::optional<GroundSearch> ground;
   std::unique_ptr<RowJournal> journal;
 };
@@ -108,6 +112,8 @@ std::optional<GridFoot> ExactGrid::footAt(double x, double y) const {
   if (!hit) return std::nullopt;
   return GridFoot{hit->z, state->surfaces.idOf(hit->label.object), hit->label.face};
 }
+
+bool ExactGrid::isUnderGround(const Vector& eye) const { return state->underGround.isUnder(eye); }
 
 std::vector<FacePlace> ExactGrid::facePlaces() const {
   const GridOptions& options = state->options;

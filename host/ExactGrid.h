@@ -55,6 +55,9 @@ class ExactGrid {
   /// The surface that `--above` names at x and y; nothing if there is none.
   std::optional<GridFoot> footAt(double x, double y) const;
 
+  /// Whether an eye is under the ground.
+  bool isUnderGround(const Vector& eye) const;
+
   /// Places on the faces that `--on` names, by object and face. \throws HostError
   std::vector<FacePlace> facePlaces() const;
 

@@ -138,7 +138,7 @@ void checkGrid(const GridOptions& options, const Box& box) {
 struct PlaceCounts {
   size_t all = 0;
   size_t footless = 0;  // nothing is below them
-  size_t inside = 0;    // inside a body
+  size_t inside = 0;    // inside a body or under the ground
 };
 
 bool isOnSurfaces(const GridOptions& options) {
@@ -149,13 +149,15 @@ bool isOnSurfaces(const GridOptions& options) {
 class ViewMaker {
  public:
   // Millions of eyes over one level are not asked for what they need not say.
-  ViewMaker(const GridOptions& theOptions, const SourcedScene& source) : options(theOptions) {
+  ViewMaker(const GridOptions& theOptions, const SourcedScene& source, const ExactGrid* theExact)
+      : options(theOptions), exact(theExact) {
     if (options.skipInside || isOnSurfaces(options)) inside = insideTestOf(source);
   }
 
-  // Whether an eye stands inside a body; counts it.
+  // Whether an eye stands inside a body or under the ground; counts it.
   bool isInside(const Vector& eye) {
-    const bool is = inside && inside->isInside(eye);
+    const bool is =
+        inside && (inside->isInside(eye) || (asksForGround() && exact->isUnderGround(eye)));
     if (is) ++counts.inside;
     return is;
   }
@@ -182,7 +184,11 @@ class ViewMaker {
   std::vector<GridView> views;
 
  private:
+  // Eyes on faces stand where the faces are.
+  bool asksForGround() const { return exact != nullptr && !options.above.empty(); }
+
   const GridOptions& options;
+  const ExactGrid* exact;
   std::unique_ptr<const Check::InsideTest> inside;
 };
 
@@ -243,7 +249,7 @@ void report(const GridOptions& options, const PlaceCounts& counts) {
     std::cerr << "lumivane: " << counts.footless << all << "have nothing below them (--above "
               << options.above << ") and are left out\n";
   if (counts.inside > 0)
-    std::cerr << "lumivane: " << counts.inside << all << "are inside a body"
+    std::cerr << "lumivane: " << counts.inside << all << "are inside a body or under the ground"
               << (options.skipInside ? " and are left out\n"
                                      : ": 1 in the column inside; --skip-inside leaves them out\n");
 }
@@ -308,7 +314,7 @@ void runGrid(const GridOptions& options) {
   checkGrid(options, box);
   std::optional<ExactGrid> exact;
   if (isOnSurfaces(options) || !options.shares.empty()) exact.emplace(options, source);
-  ViewMaker maker(options, source);
+  ViewMaker maker(options, source, exact ? &*exact : nullptr);
   if (options.on.empty())
     addGroundViews(options, box, exact ? &*exact : nullptr, maker);
   else

@@ -50,6 +50,18 @@ std::optional<GroundSearch::Hit> GroundSearch::at(double x, double y) const {
   return hit;
 }
 
+bool GroundSearch::isBelow(const Visibility::Vector& point) const {
+  const std::optional<Hit> hit = at(point[0], point[1]);
+  return hit && point[2] < hit->z - step;
+}
+
+UnderGroundTest::UnderGroundTest(const Visibility::SceneIndex& index)
+    : surfaces(index), search(index, surfaces, "ground", "") {}
+
+bool UnderGroundTest::isUnder(const Visibility::Vector& eye) const {
+  return std::isfinite(eye[0]) && std::isfinite(eye[1]) && search.isBelow(eye);
+}
+
 // The first surface from a height on that looks back: one seen from above on the way down, one seen
 // from below on the way up.
 std::optional<GroundSearch::Hit> GroundSearch::next(double x, double y, double from,

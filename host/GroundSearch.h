@@ -30,6 +30,8 @@ class GroundSearch {
 
   /// The surface at x and y; nothing if there is none.
   std::optional<Hit> at(double x, double y) const;
+  /// Whether a point is clearly below that surface.
+  bool isBelow(const Visibility::Vector& point) const;
 
  private:
   std::optional<Hit> next(double x, double y, double from, double upwards) const;
@@ -43,6 +45,21 @@ class GroundSearch {
   double low = 0.0;                  // under the whole scene
   double high = 0.0;                 // over it
   double step = 0.0;  // surfaces closer than this to one above them are not looked for
+};
+
+/// Whether eyes are under the ground of a scene, as `ground` of `GroundSearch` finds it: from there
+/// it is seen from behind, and so not at all.
+class UnderGroundTest {
+ public:
+  /// The index is borrowed.
+  explicit UnderGroundTest(const Visibility::SceneIndex& index);
+  UnderGroundTest(const UnderGroundTest&) = delete;
+  UnderGroundTest& operator=(const UnderGroundTest&) = delete;
+  bool isUnder(const Visibility::Vector& eye) const;
+
+ private:
+  SceneSurfaces surfaces;
+  GroundSearch search;
 };
 
 }  // namespace Lumivane::Host

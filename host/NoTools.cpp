@@ -21,6 +21,7 @@ struct ExactGrid::State {};
 ExactGrid::ExactGrid(const GridOptions&, const SourcedScene&) {}
 ExactGrid::~ExactGrid() = default;
 std::optional<GridFoot> ExactGrid::footAt(double, double) const { return {}; }
+bool ExactGrid::isUnderGround(const Vector&) const { return false; }
 std::vector<FacePlace> ExactGrid::facePlaces() const { return {}; }
 std::string ExactGrid::shares(const std::vector<GridView>&) { return ""; }
 void ExactGrid::removeJournal() {}

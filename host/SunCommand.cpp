@@ -6,6 +6,7 @@
 #include "ExactScene.h"
 #include "EyeThreads.h"
 #include "FileMark.h"
+#include "GroundSearch.h"
 #include "HostError.h"
 #include "OutputNames.h"
 #include "SceneSource.h"
@@ -341,12 +342,12 @@ void report(const SunOptions& options, const std::vector<SunEye>& eyes,
       std::count_if(eyes.begin(), eyes.end(), [](const SunEye& eye) { return eye.isInside; }));
   std::fflush(stdout);
   if (inside > 0 && eyes.size() == 1)
-    std::cerr
-        << "lumivane: --eye: lies inside a body: what is seen is as if the body were not there"
-        << (hasTables(options) ? " (column \"inside\" of the tables)\n" : "\n");
+    std::cerr << "lumivane: --eye: lies inside a body or under the ground: what is seen is as if "
+                 "that were not there"
+              << (hasTables(options) ? " (column \"inside\" of the tables)\n" : "\n");
   else if (inside > 0)
     std::cerr << "lumivane: " << options.views << ": " << inside << " of " << eyes.size()
-              << " eyes lie inside a body: their column \"inside\" is 1\n";
+              << " eyes lie inside a body or under the ground: their column \"inside\" is 1\n";
   if (eyes.size() != 1) {
     std::printf("%zu eyes\n", eyes.size());
     return;
@@ -379,7 +380,8 @@ class EyeWork {
         exact(theExact),
         place(thePlace),
         days(theDays),
-        inside(insideTestOf(source)) {}
+        inside(insideTestOf(source)),
+        underGround(exact.sceneIndex()) {}
 
   // \param journal  keeps what has been found; may be null
   void run(const Work& work, std::vector<SunEye>& eyes, SunJournal* journal) {
@@ -398,7 +400,7 @@ class EyeWork {
     forEachEye(open.size(), options.threads, [&](size_t i) {
       SunEye& eye = eyes[open[i]];
       const Vector at = moved(eye.eye, source.eyeShift);
-      eye.isInside = !options.twoSided && inside->isInside(at);
+      eye.isInside = !options.twoSided && (inside->isInside(at) || underGround.isUnder(at));
       const VisibleMap map = exact.look(at, how);
       work.at(map, eye);
       if (journal != nullptr) journal->append(open[i], eye);
@@ -415,6 +417,7 @@ class EyeWork {
   const Measure::Place& place;
   const DayRange& days;
   const std::unique_ptr<const Check::InsideTest> inside;
+  const UnderGroundTest underGround;
 };
 
 std::shared_ptr<const VisibleMap::Names> namesOf(const ExactScene& exact) {

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "ExactScene.h"
+#include "GroundSearch.h"
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
@@ -71,6 +72,10 @@ void checkOutputs(const ViewOptions& options) {
   for (const auto& [option, path] : outputsOf(options)) names.add(option, path);
 }
 
+bool isUnderGround(const ExactScene& scene, const Visibility::Vector& eye) {
+  return UnderGroundTest(scene.sceneIndex()).isUnder(eye);
+}
+
 Visibility::Field fieldOf(const ViewOptions& options) {
   return options.field == "sphere" ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
 }
@@ -130,7 +135,7 @@ Pictures::MapColors colorsOf(const ViewOptions& options, const SourcedScene& sou
 }
 
 void addPictures(const ViewOptions& options, const SourcedScene& source, const ExactScene& exact,
-                 const VisibleMap& map, const MapShares& shares, bool isInside,
+                 const VisibleMap& map, const MapShares& shares, EyePlace place,
                  std::vector<Output>& outputs) {
   const bool isDrawn = !options.svg.empty() || !options.pdf.empty() || !options.png.empty();
   if (!isDrawn && options.html.empty() && options.report.empty()) return;
@@ -145,11 +150,11 @@ void addPictures(const ViewOptions& options, const SourcedScene& source, const E
   if (!options.html.empty()) outputs.push_back({options.html, pageOf(map, colors, how, shares)});
   if (!options.report.empty())
     outputs.push_back(
-        {options.report, viewReport(options, exact, {map, shares, colors, how, isInside})});
+        {options.report, viewReport(options, exact, {map, shares, colors, how, place})});
 }
 
 void writeOutputs(const ViewOptions& options, const SourcedScene& source, const ExactScene& exact,
-                  const VisibleMap& map, const MapShares& shares, bool isInside,
+                  const VisibleMap& map, const MapShares& shares, EyePlace place,
                   ViewSeconds& seconds) {
   const ProcessorTimer timer(seconds.write);
   std::vector<Output> outputs;
@@ -157,7 +162,7 @@ void writeOutputs(const ViewOptions& options, const SourcedScene& source, const 
     outputs.push_back({options.shares, exact.sharesText(options.shares, options.rows,
                                                         options.csvSafe, map, shares)});
   if (!options.map.empty()) outputs.push_back({options.map, Visibility::MapText::mapJson(map)});
-  addPictures(options, source, exact, map, shares, isInside, outputs);
+  addPictures(options, source, exact, map, shares, place, outputs);
   for (const Output& output : outputs) Session::writeFile(output.path, output.bytes);
 }
 
@@ -213,9 +218,11 @@ void runView(const ViewOptions& options) {
   placed.eye = moved(options.eye, source.eyeShift);
   if (options.target) placed.target = moved(*options.target, source.eyeShift);
   const bool isInside = !options.twoSided && warnIfInside(options.scene, source, placed.eye);
+  const bool isUnder = !options.twoSided && !isInside && isUnderGround(exact, placed.eye);
+  if (isUnder) warnOfUnderGround(options.scene);
   static const VisibleMap& map = *new VisibleMap(look(placed, exact, seconds));
   const MapShares shares(map);
-  writeOutputs(options, source, exact, map, shares, isInside, seconds);
+  writeOutputs(options, source, exact, map, shares, {isInside, isUnder}, seconds);
   writeStats(options, map, seconds, source.import);
   report(options, map, shares);
 }

@@ -80,7 +80,9 @@ std::string viewReport(const ViewOptions& options, const ExactScene& scene,
   picture.extent = 1.02;  // so that no line of the rim is cut
   ReportPage page("What is seen in " + name,
                   Pictures::VectorPicture(look.map, look.colors, picture), look.map, look.shares);
-  if (look.isInside)
+  if (look.place.isUnderGround)
+    page.addFact("Under the ground", "yes: what is seen is as if the ground were not there");
+  if (look.place.isInside)
     page.addFact("Inside a body", "yes: what is seen is as if the body were not there");
   const bool hasSun = givenOption(options.where) != nullptr;
   const bool looksUp = look.map.field == Visibility::Field::Hemisphere &&

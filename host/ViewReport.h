@@ -11,13 +11,19 @@
 
 namespace Lumivane::Host {
 
+/// Where an eye is from which the picture shows what is not there.
+struct EyePlace {
+  bool isInside = false;       ///< inside a body
+  bool isUnderGround = false;  ///< under the ground
+};
+
 /// What a page to print is of; all of it is borrowed.
 struct ReportedLook {
   const Visibility::VisibleMap& map;
   const Visibility::MapShares& shares;
   const Pictures::MapColors& colors;
   const Pictures::MapPictureOptions& picture;
-  bool isInside = false;  ///< whether the eye is inside a body
+  EyePlace place;
 };
 
 /// Fails if the sun hours of the page are asked for in part, or without a page. \throws HostError

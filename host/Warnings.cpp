@@ -45,6 +45,13 @@ void warnOfCycle(const std::string& file, const Session::TakenShot& shot) {
        "another one covers it, or move the eye (log_sort.txt lists the relations)");
 }
 
+void warnOfUnderGround(const std::string& subject) {
+  warn(
+      subject,
+      "the eye is under the ground, which is not seen from below: what is visible is as if it were "
+      "not there; raise the eye, or see both sides with --two-sided");
+}
+
 bool warnIfInside(const std::string& subject, const Session::TakenShot& shot) {
   return warnOfInside(subject, shot.isInside());
 }

@@ -27,4 +27,7 @@ bool warnIfInside(const std::string& subject, const Session::TakenShot& shot);
 bool warnIfInside(const std::string& subject, const SourcedScene& source,
                   const std::array<double, 3>& eye);
 
+/// That the eye is under the ground of the scene.
+void warnOfUnderGround(const std::string& subject);
+
 }  // namespace Lumivane::Host

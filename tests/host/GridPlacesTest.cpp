@@ -98,6 +98,45 @@ TEST_F(GridPlaces, SurfaceIsTheHighestOneSoEyesStandOnRoofsToo) {
   }
 }
 
+TEST_F(GridPlaces, EyesUnderTheGroundAreFlagged) {
+  const Result result = grid({"--above", "ground", "--height", "-0.5"});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_NE(std::string::npos, result.err.find("are inside a body or under the ground"))
+      << result.err;
+  for (const Row& row : rowsOf(result.out)) EXPECT_EQ("1", row.at("inside")) << row.at("name");
+  EXPECT_EQ(1, grid({"--above", "ground", "--height", "-0.5", "--skip-inside"}).status);
+}
+
+// The middle of the terrain, whose height is 1.
+TEST_F(GridPlaces, AnEyeUnderTheGroundIsNamedByEachCommand) {
+  const auto run = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), LUMIVANE_PROGRAM);
+    return Lumivane::Test::runProcess(arguments, {{"DISPLAY", {}}});
+  };
+  const std::string warning = "warning: the eye is under the ground";
+  const Result under = run({"view", model, "--eye=0,-5,0.4", "--forward", "0,0,1"});
+  EXPECT_EQ(0, under.status);
+  EXPECT_NE(std::string::npos, under.err.find(warning)) << under.err;
+  const Result over = run({"view", model, "--eye=0,-5,1.4", "--forward", "0,0,1"});
+  EXPECT_EQ(std::string::npos, over.err.find(warning)) << over.err;
+  const Result both = run({"view", model, "--eye=0,-5,0.4", "--forward", "0,0,1", "--two-sided"});
+  EXPECT_EQ(std::string::npos, both.err.find(warning)) << both.err;
+  const std::string views =
+      folder.file("v.csv", "name,eye\nunder,\"0,-5,0.4\"\nover,\"0,-5,1.4\"\n");
+  ASSERT_EQ(0, run({"batch", model, views, "--out-dir", folder.path("b"), "--no-shots"}).status);
+  ASSERT_EQ(0, run({"batch", model, views, "--out-dir", folder.path("c")}).status);
+  for (const char* const out : {"b/summary.csv", "c/summary.csv"}) {
+    const std::vector<Row> rows = rowsOf(Lumivane::Test::fileBytes(folder.path(out)));
+    EXPECT_EQ("1", rows.at(0).at("inside")) << out;
+    EXPECT_EQ("0", rows.at(1).at("inside")) << out;
+  }
+  const Result sky = run(
+      {"sun", model, "--views", views, "--sky", "uniform", "--sky-values", folder.path("s.csv")});
+  EXPECT_NE(std::string::npos, sky.err.find("1 of 2 eyes lie inside a body or under the ground"))
+      << sky.err;
+  EXPECT_EQ("1", rowsOf(Lumivane::Test::fileBytes(folder.path("s.csv"))).at(0).at("inside"));
+}
+
 TEST_F(GridPlaces, SharesOfAnEndedRunAreTakenFromItsJournal) {
   const std::string shares = folder.path("s.csv");
   const std::vector<std::string> command = {"--above", "surface", "--height", "1.5",
