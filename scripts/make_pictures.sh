@@ -36,6 +36,20 @@ done <scenes/views.txt
   --png-vector "$pictures/room-map.png" >/dev/null)
 echo "docs/pictures/room-shot.png docs/pictures/room-map.png"
 
+# Where no order of whole faces is right, and where the centre line is at the left edge: shots beside
+# maps. The town is in a file that is not a scene.
+python3 scripts/make_torus.py >"$work/torus.obj"
+beside() {  # beside NAME SCENE CAMERA OPTION...
+  (cd "$work" && "$program" shot "$2" --camera "$3" "${@:4}" --size 480x480 \
+    --png-vector "$pictures/$1-shot.png" >/dev/null 2>&1
+    "$program" view "$2" --projection "$3" "${@:4}" --size 480x480 \
+      --png-vector "$pictures/$1-map.png" >/dev/null)
+  echo "docs/pictures/$1-shot.png docs/pictures/$1-map.png"
+}
+beside roof "$PWD/scenes/models/delft.city.json" fisheye --eye=112.89,-34.97,7.06 \
+  --forward=0.87,-0.49,-1
+beside torus "$work/torus.obj" equirectangular --eye=-8,0,0
+
 # The pieces of an edge are short by --max-length already; one at least is enough for the many short
 # edges of a town.
 town() {  # town NAME MODEL CAMERA EYE FORWARD

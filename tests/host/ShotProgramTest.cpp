@@ -571,6 +571,25 @@ TEST(ShotProgram, AnAuditWarnsOfAPictureThatIsWrong) {
   EXPECT_EQ(result.err.size() - 1, result.err.find('\n', line));
 }
 
+// Points on the centre line of the equirectangular picture lie at its left edge, so that faces at a
+// plane of symmetry become bars across half of it.
+TEST(ShotProgram, AnAuditReportsTheBarsOfAMeshSeenAlongItsPlaneOfSymmetry) {
+  const Lumivane::Test::WorkingFolder work;  // for the report of overlaps
+  const TempFolder folder;
+  // A box of triangles whose middle line lies at y = 0.
+  const std::string mesh = folder.file("box.obj",
+                                       "v 0 -1 -1\nv 0 0 -1\nv 0 1 -1\nv 0 -1 1\nv 0 0 1\n"
+                                       "v 0 1 1\nv 2 -1 1\nv 2 0 1\nv 2 1 1\n"
+                                       "f 1 4 5 2\nf 2 5 6 3\nf 4 7 8 5\nf 5 8 9 6\n");
+  const Result result = run({"shot", mesh, "--eye=-4,0,3", "--camera", "equirectangular", "--audit",
+                             "--stats", folder.path("stats.json")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_NE(std::string::npos, result.err.find("the picture shows a wrong region on"))
+      << result.err;
+  const Json audit = Json::parse(fileBytes(folder.path("stats.json"))).at("audit");
+  EXPECT_LT(0.2, audit.at("wrong_share").get<double>());
+}
+
 TEST(ShotProgram, VeryManySegmentsAskForALimitInstead) {
   expectFailure(runView(Small, {"--segments", "100001"}), 2,
                 "lumivane: --segments: 100001 is above 100000: say with --limit-points N how many "

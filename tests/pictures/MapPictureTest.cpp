@@ -479,6 +479,67 @@ int strangePixels(const Image& image) {
   return count;
 }
 
+// A torus about the z axis, whose corners lie exactly on its planes of symmetry.
+Visibility::PolygonScene torus() {
+  constexpr int Around = 48;
+  constexpr int Across = 24;
+  Visibility::PolygonScene scene;
+  for (int i = 0; i < Around; ++i)
+    for (int k = 0; k < Across; ++k) {
+      const double turn = 2.0 * Pi * i / Around;
+      const double tube = 2.0 * Pi * k / Across;
+      const double reach = 2.0 + std::cos(tube);
+      const bool isOnPlane = i % (Around / 2) == 0;
+      scene.points.push_back(
+          {reach * std::cos(turn), isOnPlane ? 0.0 : reach * std::sin(turn), std::sin(tube)});
+    }
+  scene.offsets.push_back(0);
+  for (int i = 0; i < Around; ++i)
+    for (int k = 0; k < Across; ++k) {
+      const auto at = [&](int a, int b) { return a % Around * Across + b % Across; };
+      for (const int corner : {at(i, k), at(i, k + 1), at(i + 1, k + 1), at(i + 1, k)})
+        scene.corners.push_back(corner);
+      scene.offsets.push_back(scene.corners.size());
+    }
+  return scene;
+}
+
+// Where a shot of the same draws bars across half the picture: points on the centre line belong to
+// its left edge there.
+TEST(MapPicture, ASymmetricalMeshSeenAlongItsPlaneOfSymmetryIsWhatRaysMeet) {
+  const Visibility::SceneIndex index(torus());
+  const Visibility::Vector eye = {-8, 0, 0};
+  const VisibleMap map = index.look(eye);
+  MapPictureOptions options = optionsOf(MapProjection::Equirectangular, 600, 600);
+  options.lines = false;
+  const Image image(Pictures::CairoWriter::png(drawn(map, options)));
+  const auto isSeen = [&](double x, double y) {
+    const double azimuth = (x / 300.0 - 1.0) * Pi / 2.0;  // to the right, which is -y
+    const double height = (1.0 - y / 300.0) * Pi / 2.0;
+    const auto seen =
+        index.seenIn(eye, {{std::cos(height) * std::cos(azimuth),
+                            -std::cos(height) * std::sin(azimuth), std::sin(height)}});
+    return seen[0].label.object != 0;
+  };
+  int wrong = 0;
+  int covered = 0;
+  for (int y = 1; y < 600; y += 3)
+    for (int x = 1; x < 600; x += 3) {
+      const Rgb color = image.at(x, y);
+      const bool isDrawn = color[0] + color[1] + color[2] < 3 * 250;
+      const bool expected = isSeen(x + 0.5, y + 0.5);
+      covered += expected ? 1 : 0;
+      if (isDrawn == expected) continue;
+      bool isAtEdge = false;  // within a pixel and a half
+      for (int i = 0; i < 16 && !isAtEdge; ++i)
+        isAtEdge = isSeen(x + 0.5 + 1.5 * std::cos(i * Pi / 8.0),
+                          y + 0.5 + 1.5 * std::sin(i * Pi / 8.0)) != expected;
+      wrong += isAtEdge ? 0 : 1;
+    }
+  EXPECT_LT(500, covered);
+  EXPECT_EQ(0, wrong);
+}
+
 TEST(MapPicture, PngHasNoSeamBetweenCellsOfOneColour) {
   // The sides of the cube in one colour, without lines: nothing else may be seen.
   HandMap hand = cubeAroundTheEye();
