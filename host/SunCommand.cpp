@@ -88,6 +88,22 @@ void need(bool isThere, const char* option, const std::string& why) {
   if (!isThere) throw ArgumentError(option, "is needed " + why);
 }
 
+// Options that would change nothing are mistakes.
+void checkEffects(const SunOptions& options) {
+  const SunOptions usual;
+  if (options.patchValues != usual.patchValues && !isPatches(options))
+    throw ArgumentError("--patch-values", "is for --sky patches");
+  if (options.sunAbove != usual.sunAbove && !wantsSun(options))
+    throw ArgumentError("--sun-above", "is for sun hours: name days, or a table of them");
+  if (!options.svg.empty() || !options.html.empty()) return;
+  const char* const ofDiagram = options.size                             ? "--size"
+                                : options.projection != usual.projection ? "--projection"
+                                : options.colorBy != usual.colorBy       ? "--color-by"
+                                                                         : nullptr;
+  if (ofDiagram != nullptr)
+    throw ArgumentError(ofDiagram, "is that of the diagram: name one with --svg or --html");
+}
+
 void checkArguments(const SunOptions& options) {
   need(options.eye || !options.views.empty(), "--eye", "unless there is a table with --views");
   if (needsPath(options)) needPlace(options.where);
@@ -112,6 +128,7 @@ void checkArguments(const SunOptions& options) {
     throw ArgumentError("--svg", "is of one eye: use --eye in place of --views");
   if (!options.views.empty() && !options.html.empty())
     throw ArgumentError("--html", "is of one eye: use --eye in place of --views");
+  checkEffects(options);
   const double steps = 360.0 / options.horizonStep;
   if (std::abs(steps - std::round(steps)) > 1e-6 * steps)
     throw ArgumentError("--horizon-step", "does not divide 360 degrees");

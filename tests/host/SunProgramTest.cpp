@@ -119,7 +119,8 @@ TEST_F(SunProgram, ManyEyesHaveARowEachAndThoseInsideAreFlagged) {
                             Words{"--day", "2024-06-21", "--totals", folder.path("t.csv"), "--sky",
                                   "patches:145", "--sky-values", folder.path("s.csv")});
   ASSERT_EQ(0, result.status) << result.err;
-  EXPECT_NE(std::string::npos, result.err.find("1 of 2 eyes lie inside a body or under the ground"));
+  EXPECT_NE(std::string::npos,
+            result.err.find("1 of 2 eyes lie inside a body or under the ground"));
   const std::vector<Words> totals = rows(folder.path("t.csv"));
   ASSERT_EQ(3U, totals.size());
   EXPECT_EQ("court", totals[1][0]);
@@ -345,6 +346,11 @@ TEST(SunProgramSky, WrongArgumentsAreNamed) {
   refused(Court + Place + day + Words{"--days", out, "--totals", out},
           "--totals: \"" + out + "\" is already named for another file");
   refused(Court + Words{"--sky", "uniform", "--horizon-step", "5"}, "--horizon");
+  refused(Court + Words{"--sky", "uniform", "--patch-values", "cosine"}, "--patch-values: is for");
+  refused(Court + Words{"--sky", "uniform", "--sun-above", "5"}, "--sun-above: is for sun hours");
+  refused(Court + Words{"--sky", "uniform", "--size", "9x9"}, "--size: is that of the diagram");
+  refused(Court + Words{"--sky", "uniform", "--projection", "fisheye"},
+          "--projection: is that of the diagram");
   refused(Court + Place + Words{"--from", "2024-03-02", "--to", "2024-03-01"}, "--to: is before");
   refused(Court + Words{"--sky", "uniform", "--plane", "0,0,0"}, "--plane: is not a direction");
   refused(Court + Place + day + Words{"--plane", "0,1,0"}, "--plane: gets the light of --sky");
