@@ -376,9 +376,10 @@ class ObjectPass {
   std::size_t projectInThreads(std::size_t first, std::size_t threads) {
     const std::vector<Task> tasks = tasksFrom(first);
     std::size_t next = first;
-    RegionsMade all;  // of the object whose tasks are joined
-    const auto newMaker = [this, &tasks] {
-      auto maker = std::make_unique<RegionMaker>(setting, shift, pass.budgetLeft());
+    RegionsMade all;                              // of the object whose tasks are joined
+    const ShotBudget budget = pass.budgetLeft();  // of which objects are taken meanwhile
+    const auto newMaker = [this, &tasks, &budget] {
+      auto maker = std::make_unique<RegionMaker>(setting, shift, budget);
       return [this, &tasks, maker = std::move(maker)](std::size_t index) {
         return maker->make(*objects[tasks[index].object], tasks[index].range);
       };
