@@ -203,7 +203,7 @@ void addElements(Text& text, const std::vector<Element*>* elements) {
 
 void addElement(Text& text, Shot::Object2d& object2d) {
   ObjectText object(text);
-  const std::string id = object2d.getId();
+  const std::string& id = object2d.getId();
   if (!id.empty()) {
     object.addName(Aliases::ID);
     text.add('"');
