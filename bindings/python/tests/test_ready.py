@@ -99,3 +99,17 @@ def test_files_that_are_no_ready_scenes_are_refused(small, tmp_path):
     file.write_bytes(content)
     with pytest.raises(lumivane.Error, match="scene.lumiscene: "):
         lumivane.Scene.read(file)
+
+
+def test_scenes_made_ready_go_between_the_program_and_python(program, small, scenes, tmp_path):
+    view = ["--eye", "-2.6,0.35,1.9", "--forward", "0,0,1"]
+    program("import", scenes / "small.json", "-o", tmp_path / "program.lumiscene")
+    ready = lumivane.Scene.read(tmp_path / "program.lumiscene")
+    one, other = (s.look((-2.6, 0.35, 1.9), (0, 0, 1)) for s in (small, ready))
+    assert one.to_json() == other.to_json()
+    assert ready.shot((-2.6, 0.35, 1.9)).text() == small.shot((-2.6, 0.35, 1.9)).text()
+
+    small.write(tmp_path / "python.lumiscene")
+    for scene in (scenes / "small.json", tmp_path / "python.lumiscene"):
+        program("view", scene, *view, "--shares", tmp_path / f"{scene.stem}.csv")
+    assert (tmp_path / "python.csv").read_bytes() == (tmp_path / "small.csv").read_bytes()
