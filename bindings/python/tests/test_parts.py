@@ -128,21 +128,34 @@ def test_files_that_are_no_plans_are_refused(small, tmp_path):
     assert "Traceback" not in run_module(tmp_path / "none.plan.npz").stderr
 
 
+MAKER = """
+import sys
+import lumivane.parts
+
+def report(part):
+    if part > 0.2:
+        print("some", flush=True)
+        sys.stdin.readline()  # until it is killed
+
+lumivane.parts.read(sys.argv[1]).make_missing(progress=report)
+"""
+
+
 def test_a_process_that_is_killed_leaves_whole_parts_and_another_one_goes_on(street, tmp_path):
-    eyes = np.concatenate([EYES + (0, 0, 0.1 * i) for i in range(4)])
-    plan = lumivane.parts.plan(street, eyes, chunk=1, folder=tmp_path)
-    path = plan.write(street)
-    process = subprocess.Popen([sys.executable, "-m", "lumivane.parts", str(path)])
-    while len(plan.missing()) == len(plan):
-        assert process.poll() is None
-        time.sleep(0.01)
-    process.send_signal(signal.SIGKILL)
-    process.wait()
+    plan = lumivane.parts.plan(street, EYES, chunk=1, folder=tmp_path)
+    process = subprocess.Popen(
+        [sys.executable, "-c", MAKER, str(plan.write(street))],
+        stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+    )  # fmt: skip
+    with process.stdin, process.stdout:
+        assert process.stdout.readline() == "some\n"
+        process.send_signal(signal.SIGKILL)
+        process.wait()
     made = {file: file.stat().st_mtime_ns for file in tmp_path.glob("*.part.npz")}
     assert 0 < len(made) < len(plan)
     plan.make_missing(street)
     assert made == {file: file.stat().st_mtime_ns for file in made}
-    assert same(street.shares(eyes), plan.result())
+    assert same(street.shares(EYES), plan.result())
 
 
 @pytest.mark.parametrize("damage", [b"", b"PK", None])
