@@ -30,6 +30,8 @@ struct EyePlane {
 /// An eye is in the plane of an outline if it is off it by no more than this part of the distance
 /// of the outline's farthest corner.
 constexpr double EdgeOn = 1e-12;
+/// 1 / offset, in units of the cube, must stay below what stands for nothing.
+constexpr double LeastOffset = 1e-280;
 
 inline double offsetFrom(const ScenePlane& plane, Kernel::Vec3 eye) {
   return Kernel::dot(plane.normal, plane.point - eye);
@@ -65,10 +67,8 @@ inline bool isEdgeOn(const IndexState& state, std::size_t polygon, Kernel::Vec3 
     greatest = std::max({greatest, std::abs(corner.x), std::abs(corner.y), std::abs(corner.z)});
     before = corner;
   }
-  // 1 / offset, in units of the cube, must stay below what stands for nothing.
-  constexpr double Least = 1e-280;
   const double distance = std::abs(offset);
-  if (!(distance > Least)) return true;
+  if (!(distance > LeastOffset)) return true;
   // No corner is farther than sqrt(3) times its greatest coordinate, so lengths are seldom asked
   // for.
   if (distance > 1.8 * EdgeOn * greatest) return false;
@@ -91,7 +91,8 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::V
   const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
   const double layerOffset = offsetFrom(layer, eye);
   result.nearness = nearnessOf(layer, layerOffset);
-  if (!(Kernel::dot(result.nearness, result.ownNearness) > 0.0)) {
+  if (!(std::abs(layerOffset) > LeastOffset) ||
+      !(Kernel::dot(result.nearness, result.ownNearness) > 0.0)) {
     result.nearness = result.ownNearness;
     result.besideItsLayer = true;
   }
