@@ -79,7 +79,7 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
   command
       .add_option(
           "FILE", options.file,
-          "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson); for a "
+          "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson, .city.jsonl); for a "
           ".lumiscene a scene file, too")
       ->required()
       ->type_name("");

@@ -1,15 +1,19 @@
-// CityJSON 1.0, 1.1 and 2.0.
+// CityJSON 1.0, 1.1 and 2.0, and sequences of it: a text in lines, of which the first is a document
+// with all that is common, and each other one a feature with vertices of its own. A feature is read
+// as the document that it makes together with the first line, and the models are put together.
 
 #include "importers/CityColours.h"
 #include "importers/CityGeometry.h"
 #include "importers/ImportError.h"
 #include "importers/JsonDepth.h"
+#include "importers/ModelSum.h"
 #include "importers/Readers.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
@@ -83,9 +87,24 @@ Vec3 mapped(const Matrix& m, Vec3 v) {
 constexpr size_t MostMappedVertices = 200000000;
 constexpr size_t MostRepeatedPolygons = 1000000;
 
+// Geometries of which nothing is taken.
+struct LeftOut {
+  size_t withoutSurfaces = 0;
+  size_t ofLowerLevels = 0;
+
+  void reportTo(SourceModel& model) const {
+    if (withoutSurfaces > 0)
+      model.warnings.push_back(std::to_string(withoutSurfaces) +
+                               " geometries of points or lines are left out");
+    if (ofLowerLevels > 0)
+      model.warnings.push_back(std::to_string(ofLowerLevels) +
+                               " geometries of a lower level of detail are left out");
+  }
+};
+
 class CityJsonReader {
  public:
-  explicit CityJsonReader(const CityNode& document) : root(document) {}
+  CityJsonReader(const CityNode& document, LeftOut& counts) : root(document), leftOut(counts) {}
 
   SourceModel read() {
     checkVersion();
@@ -94,12 +113,6 @@ class CityJsonReader {
     const CityNode* const objects = member(root, "CityObjects");
     if (objects == nullptr || !objects->is_object()) throw ImportError("it has no \"CityObjects\"");
     for (const auto& [id, node] : objects->items()) readObject(id, node);
-    if (skippedGeometries > 0)
-      model.warnings.push_back(std::to_string(skippedGeometries) +
-                               " geometries of points or lines are left out");
-    if (lowerLevels > 0)
-      model.warnings.push_back(std::to_string(lowerLevels) +
-                               " geometries of a lower level of detail are left out");
     return std::move(model);
   }
 
@@ -162,9 +175,9 @@ class CityJsonReader {
     if (!whole.empty()) model.wholes[id] = whole;
     for (const CityNode& geometry : geometries) {
       if (!holdsSurfaces(geometry))
-        ++skippedGeometries;
+        ++leftOut.withoutSurfaces;
       else if (levelWithTemplates(geometry) < highest)
-        ++lowerLevels;
+        ++leftOut.ofLowerLevels;
       else
         addGeometry(geometry, type);
     }
@@ -247,7 +260,7 @@ class CityJsonReader {
     for (const Vec3& v : templateVertices()) model.vertices.push_back(mapped(matrix, v) + origin);
     const size_t firstPolygon = model.polygons.size();
     const CityVertices own{templateVertices().size(), first};
-    if (!addCityGeometry(*node, own, type, object, *palette, model)) ++skippedGeometries;
+    if (!addCityGeometry(*node, own, type, object, *palette, model)) ++leftOut.withoutSurfaces;
     keepUsedVertices(first, firstPolygon);
     repeatedPolygons += model.polygons.size() - firstPolygon;
     if (repeatedPolygons > MostRepeatedPolygons)
@@ -285,30 +298,109 @@ class CityJsonReader {
   }
 
   const CityNode& root;
+  LeftOut& leftOut;
   SourceModel model;
   CityVertices numbers;
   std::vector<Vec3> ownVertices;
   std::unique_ptr<CityPalette> palette;
   size_t mappedVertices = 0;
   size_t repeatedPolygons = 0;
-  size_t skippedGeometries = 0;
-  size_t lowerLevels = 0;
 };
 
-}  // namespace
-
-SourceModel readCityJson(const std::string& bytes) {
+CityNode parsed(const std::string& bytes) {
   checkDepth(bytes);
-  CityNode root;
   try {
-    root = CityNode::parse(bytes);
+    return CityNode::parse(bytes);
   } catch (const CityNode::parse_error& error) {
     throw ImportError("not JSON: damaged at byte " + std::to_string(error.byte) + " of " +
                       std::to_string(bytes.size()));
   } catch (const CityNode::exception& error) {
     throw ImportError(std::string("not JSON: ") + error.what());
   }
-  return CityJsonReader(root).read();
 }
+
+// What a feature has in place of the first line's.
+constexpr std::array<const char*, 3> OfFeatures = {"CityObjects", "vertices", "appearance"};
+
+class CitySequenceReader {
+ public:
+  explicit CitySequenceReader(std::istream& theLines) : lines(theLines) {}
+
+  SourceModel read() {
+    std::string line;
+    while (std::getline(lines, line)) {
+      ++number;
+      if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+      try {
+        isStarted ? readFeature(parsed(line)) : readFirst(parsed(line));
+      } catch (const ImportError& error) {
+        throw ImportError("line " + std::to_string(number) + ": " + error.what());
+      }
+      isStarted = true;
+    }
+    if (!isStarted) throw ImportError("it is empty");
+    SourceModel model = sum.take();
+    model.format += " sequence";
+    leftOut.reportTo(model);
+    return model;
+  }
+
+ private:
+  // A document, mostly without objects and vertices.
+  void readFirst(CityNode node) {
+    if (textOf(member(node, "type")) == "CityJSONFeature")
+      throw ImportError("is a CityJSONFeature, and the first line is to be of the type CityJSON");
+    first = std::move(node);
+    if (!first.is_object()) throw ImportError("is no object");
+    for (const char* const key : {"CityObjects", "vertices"})
+      if (member(first, key) == nullptr)
+        first[key] = std::string(key) == "vertices" ? CityNode::array() : CityNode::object();
+    addObjectsOf(first);
+  }
+
+  void readFeature(CityNode feature) {
+    if (textOf(member(feature, "type")) != "CityJSONFeature")
+      throw ImportError("its \"type\" is not \"CityJSONFeature\"");
+    CityNode document = first;
+    for (const char* const key : OfFeatures) {
+      const auto own = feature.find(key);
+      if (own != feature.end()) document[key] = std::move(*own);
+    }
+    if (!feature.contains("CityObjects")) throw ImportError("it has no \"CityObjects\"");
+    if (!feature.contains("vertices")) throw ImportError("it has no \"vertices\"");
+    addObjectsOf(document);
+  }
+
+  void addObjectsOf(const CityNode& document) {
+    SourceModel model = CityJsonReader(document, leftOut).read();
+    for (const SourceObject& object : model.objects) {
+      const auto [known, isNew] = lineOf.emplace(object.id, number);
+      if (!isNew)
+        throw ImportError("city object \"" + object.id + "\" stands in line " +
+                          std::to_string(known->second) + " as well");
+    }
+    sum.add(std::move(model));
+  }
+
+  std::istream& lines;
+  CityNode first;
+  ModelSum sum;
+  LeftOut leftOut;
+  std::map<std::string, size_t> lineOf;  // of city objects
+  size_t number = 0;
+  bool isStarted = false;
+};
+
+}  // namespace
+
+SourceModel readCityJson(const std::string& bytes) {
+  LeftOut leftOut;
+  const CityNode root = parsed(bytes);
+  SourceModel model = CityJsonReader(root, leftOut).read();
+  leftOut.reportTo(model);
+  return model;
+}
+
+SourceModel readCityJsonSequence(std::istream& lines) { return CitySequenceReader(lines).read(); }
 
 }  // namespace Lumivane::Importers

@@ -23,6 +23,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <new>
@@ -33,7 +34,7 @@
 namespace Lumivane::Importers {
 namespace {
 
-enum class Format { None, Obj, Stl, Ply, Gltf, CityJson };
+enum class Format { None, Obj, Stl, Ply, Gltf, CityJson, CitySequence };
 
 // Edges below this length make their polygon vanish from a shot.
 constexpr double ShortestEdge = 1e-4;
@@ -114,12 +115,23 @@ Format formatByEnding(const std::string& ending) {
   if (ending == ".ply") return Format::Ply;
   if (ending == ".gltf" || ending == ".glb") return Format::Gltf;
   if (ending == ".cityjson") return Format::CityJson;
+  if (ending == ".jsonl") return Format::CitySequence;
   return Format::None;
 }
 
+// Line by line, so that large files are never in memory as a whole.
+SourceModel readSequence(const std::string& path) {
+  Session::checkReadable(path);
+  std::ifstream lines(path, std::ios::binary);
+  SourceModel model = readCityJsonSequence(lines);
+  if (lines.bad()) throw ImportError("cannot be read to its end");
+  return model;
+}
+
 SourceModel readModel(const std::string& path, const ImportOptions& options) {
-  const std::string bytes = readBytes(path);
   const std::string ending = lowerEnding(path);
+  if (formatByEnding(ending) == Format::CitySequence) return readSequence(path);
+  const std::string bytes = readBytes(path);
   switch (formatByEnding(ending)) {
     case Format::Obj:
       return readObj(path, bytes);
@@ -131,13 +143,14 @@ SourceModel readModel(const std::string& path, const ImportOptions& options) {
       return readGltf(path, bytes, options.allowOutside);
     case Format::CityJson:
       return readCityJson(bytes);
+    case Format::CitySequence:
     case Format::None:
       break;
   }
   if (ending == ".json") return readCityJson(bytes);
   throw ImportError("\"" + ending +
                     "\" is not a known kind of file; these are: .obj, "
-                    ".stl, .ply, .gltf, .glb, .city.json, .cityjson");
+                    ".stl, .ply, .gltf, .glb, .city.json, .cityjson, .city.jsonl");
 }
 
 void checkOptions(const ImportOptions& options) {
