@@ -11,6 +11,7 @@
 #include "HostError.h"
 #include "Journal.h"
 #include "Memory.h"
+#include "NpyTable.h"
 #include "Options.h"
 #include "SceneSource.h"
 #include "ShotOutputs.h"
@@ -91,17 +92,14 @@ class Batch {
     if (maps.isAsked()) maps.check(source().place(), source().eyeShift());
   }
 
-  bool isOfShard(size_t index) const {
-    return index % static_cast<size_t>(options.shard.count) ==
-           static_cast<size_t>(options.shard.number - 1);
-  }
+  bool isOfShard(size_t index) const { return options.shard.has(index); }
 
   // The views of the shard that are still to be made.
   std::vector<size_t> open(const Journal::Rows& known) {
     std::vector<size_t> pieces;
     for (size_t i = 0; i < plan.views.size(); ++i) {
       if (!isOfShard(i)) continue;
-      const JournalRow* const row = batchRows.of(plan.views[i], known);
+      const JournalRow* const row = batchRows.of(i, known);
       if (row == nullptr || !row->isDone) pieces.push_back(i);
     }
     return pieces;
@@ -114,8 +112,8 @@ class Batch {
       refuseErrors(options.shot.scene, scenes.scene().scene());
     if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, scenes.scene());
     keepClasses(scenes);
-    for (const size_t piece : pieces)
-      for (const std::string& file : plan.views[piece].files)
+    for (size_t i = 0; plan.views.hasFiles() && i < pieces.size(); ++i)
+      for (const std::string& file : plan.views[pieces[i]].files)
         makeFolder((fs::path(plan.setting.folder) / file).parent_path().string());
     std::fflush(stdout);  // or every process would print it again
     BatchProgress progress(pieces.size());
@@ -126,7 +124,7 @@ class Batch {
       return makeView(scenes, exact, plan.views[piece]);
     };
     const auto keep = [this, &journal, &progress](size_t piece, const JournalRow& row) {
-      journal.append(plan.views[piece].key, row);
+      journal.append(plan.views.key(piece), row);
       batchRows.remember(row);
       progress.count(row.isDone);
     };
@@ -248,10 +246,10 @@ class Batch {
       classes = classNamesOf(options.shot.scene, options.shot.import);
     const std::string heading = summaryHeading(classes, options.shot.csvSafe);
     std::string text = heading + "\n";
-    std::vector<std::pair<std::uint64_t, JournalRow>> kept;
+    std::vector<std::pair<std::uint64_t, const JournalRow*>> kept;
     for (size_t i = 0; i < plan.views.size(); ++i) {
       text += rows[i]->row + "\n";
-      kept.emplace_back(plan.views[i].key, *rows[i]);
+      kept.emplace_back(plan.views.key(i), rows[i]);
     }
     Session::writeFile(summaryFile(), text);
     writeMaps(heading, rows);
@@ -259,10 +257,13 @@ class Batch {
   }
 
   void writeMaps(const std::string& heading, const ViewRows& rows) const {
-    if (!maps.isAsked()) return;
+    if (!maps.isAsked() && options.npy.empty()) return;
     std::vector<std::string> texts;
     for (const JournalRow* const row : rows) texts.push_back(row->row);
-    maps.write(heading, texts);
+    if (maps.isAsked()) maps.write(heading, texts);
+    if (!options.npy.empty())
+      Session::writeFile((fs::path(plan.setting.folder) / options.npy).string(),
+                         npyOfTable(heading, texts));
   }
 
   std::string summaryFile() const { return (fs::path(options.folder) / "summary.csv").string(); }

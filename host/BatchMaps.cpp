@@ -69,7 +69,7 @@ std::optional<double> numberOf(const std::string& text) {
 // The cells of a table's grid among those of a raster: from west to east, from north to south.
 class RasterFrame {
  public:
-  RasterFrame(const std::string& theTable, const std::vector<TableView>& theViews,
+  RasterFrame(const std::string& theTable, const ViewTable& theViews,
               const std::vector<Session::Vector>& theEyes, const FilePlace& place)
       : table(theTable), views(theViews), eyes(theEyes) {
     if (place.isTurned)
@@ -106,7 +106,7 @@ class RasterFrame {
       fail(i,
            "has no row, column and cell: a raster takes a table of a grid, as lumivane grid "
            "writes it over the ground");
-    const GridCell& cell = *views[i].cell;
+    const GridCell cell = *views[i].cell;
     if (cell.side != views[0].cell->side) fail(i, "has a cell of another size than the first view");
     firstRow = std::min(firstRow, cell.row);
     lastRow = std::max(lastRow, cell.row);
@@ -136,7 +136,7 @@ class RasterFrame {
   std::size_t rowOf(std::size_t view) const { return lastRow - views[view].cell->row; }
 
   const std::string& table;
-  const std::vector<TableView>& views;
+  const ViewTable& views;
   const std::vector<Session::Vector>& eyes;
   double side = 0.0;
   std::size_t firstRow = std::numeric_limits<std::size_t>::max();
@@ -196,8 +196,8 @@ Jzon::Node pointNode(const Session::Vector& eye, const std::array<double, 2>& de
 void BatchMaps::check(const FilePlace& thePlace, const Session::Vector& eyeShift) {
   place = thePlace;
   epsg = epsgOf(options, place);
-  for (const TableView& view : plan.views)
-    eyes.push_back(place.inFile(moved(view.options.view.eye, eyeShift)));
+  for (std::size_t i = 0; i < plan.views.size(); ++i)
+    eyes.push_back(place.inFile(moved(plan.views[i].options.view.eye, eyeShift)));
   Geodata::checkCode(epsg);
   if (!options.raster.empty()) RasterFrame(options.views, plan.views, eyes, place).raster();
   if (!options.geojson.empty()) Geodata::inDegrees({}, epsg);

@@ -116,8 +116,8 @@ class OutputCheck {
 void addMaps(const BatchOptions& options, const std::string& folder, OutputCheck& outputs) {
   if (!options.crs.empty() && options.raster.empty() && options.geojson.empty())
     throw ArgumentError("--crs", "is that of --raster and --geojson: name one of them");
-  const std::pair<const char*, const std::string&> files[] = {{"--raster", options.raster},
-                                                              {"--geojson", options.geojson}};
+  const std::pair<const char*, const std::string&> files[] = {
+      {"--raster", options.raster}, {"--geojson", options.geojson}, {"--npy", options.npy}};
   for (const auto& [option, path] : files) {
     if (path.empty()) continue;
     const fs::path normal = fs::path(path).lexically_normal();
@@ -129,10 +129,13 @@ void addMaps(const BatchOptions& options, const std::string& folder, OutputCheck
 }
 
 void refuseShots(const BatchPlan& plan) {
-  for (const TableView& view : plan.views)
+  if (!plan.views.hasFiles()) return;
+  for (std::size_t i = 0; i < plan.views.size(); ++i) {
+    const TableView view = plan.views[i];
     if (view.options.noShots && view.files.size() > (view.options.shares.empty() ? 0U : 1U))
       throw ArgumentError("--no-shots", "makes no shot for the outputs of view \"" + view.name +
                                             "\": of these only --shares needs none");
+  }
 }
 
 }  // namespace
@@ -148,14 +151,18 @@ BatchPlan planBatch(const BatchOptions& options) {
   plan.setting.folder = fs::absolute(options.folder).lexically_normal().string();
   plan.setting.options = options.shotOptions;
   plan.setting.sceneKey = sourcesKey(inputs);
-  plan.views = readViewTable(options.views, plan.setting);
+  plan.views = ViewTable(options.views, plan.setting);
   inputs.push_back(options.views);
   refuseOutwardParts(plan.setting.folder);
   refuseInputsAsOwnFiles(inputs, plan.setting.folder);
   OutputCheck outputs(inputs, plan.setting.folder);
-  for (const TableView& view : plan.views)
+  for (std::size_t i = 0; plan.views.hasFiles() && i < plan.views.size(); ++i) {
+    const TableView view = plan.views[i];
     for (const std::string& file : view.files)
       outputs.add((fs::path(plan.setting.folder) / file).string(), "view \"" + view.name + "\"");
+  }
+  if (options.shard.range && options.shard.range->last > plan.views.size())
+    throw HostError("--views-range", "there are " + std::to_string(plan.views.size()) + " views");
   addMaps(options, plan.setting.folder, outputs);
   refuseShots(plan);
   return plan;

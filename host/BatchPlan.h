@@ -11,7 +11,7 @@ namespace Lumivane::Host {
 /// What a batch is going to make.
 struct BatchPlan {
   TableSetting setting;
-  std::vector<TableView> views;
+  ViewTable views;
 };
 
 /// Reads the table, and the scene as far as its files are concerned.

@@ -30,16 +30,16 @@ std::string orNone(const std::string& options) { return options.empty() ? "none"
 BatchRows::ViewRows BatchRows::of(const Journal::Rows& known) {
   ViewRows rows;
   rows.reserve(plan.views.size());
-  for (const TableView& view : plan.views) rows.push_back(of(view, known));
+  for (std::size_t i = 0; i < plan.views.size(); ++i) rows.push_back(of(i, known));
   return rows;
 }
 
-const JournalRow* BatchRows::of(const TableView& view, const Journal::Rows& known) {
-  const auto found = known.find(view.key);
+const JournalRow* BatchRows::of(std::size_t i, const Journal::Rows& known) {
+  const auto found = known.find(plan.views.key(i));
   if (found == known.end()) return nullptr;
   const JournalRow* failure = nullptr;
   for (auto row = found->second.rbegin(); row != found->second.rend(); ++row) {
-    if (row->isDone && hasOutputs(view, *row)) return &*row;
+    if (row->isDone && hasOutputs(i, *row)) return &*row;
     if (!row->isDone && failure == nullptr) failure = &*row;
   }
   return failure;
@@ -49,8 +49,9 @@ void BatchRows::remember(const JournalRow& row) {
   for (const FileMark& mark : row.files) compared[markKey(mark)] = true;
 }
 
-bool BatchRows::hasOutputs(const TableView& view, const JournalRow& row) {
-  return row.files.size() == view.files.size() &&
+bool BatchRows::hasOutputs(std::size_t i, const JournalRow& row) {
+  const std::size_t count = plan.views.hasFiles() ? plan.views[i].files.size() : 0;
+  return row.files.size() == count &&
          std::all_of(row.files.begin(), row.files.end(),
                      [this](const FileMark& mark) { return isAsWritten(mark); });
 }
@@ -66,6 +67,7 @@ bool BatchRows::isAsWritten(const FileMark& mark) {
 
 void BatchRows::reportRepeats(const std::vector<std::size_t>& pieces,
                               const Journal::Rows& known) const {
+  if (known.empty()) return;
   const Journal::Rows byName = rowsByName(known);
   std::map<std::string, std::size_t> counts;
   for (const std::size_t piece : pieces) {

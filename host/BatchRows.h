@@ -21,7 +21,8 @@ class BatchRows {
   explicit BatchRows(const BatchPlan& thePlan) : plan(thePlan) {}
 
   ViewRows of(const Journal::Rows& known);
-  const JournalRow* of(const TableView& view, const Journal::Rows& known);
+  /// Of the view at a position.
+  const JournalRow* of(std::size_t i, const Journal::Rows& known);
 
   /// Counts the files of a row that has just been made as they were written.
   void remember(const JournalRow& row);
@@ -33,7 +34,7 @@ class BatchRows {
   std::string whyNotMerged(const ViewRows& rows, const Journal::Rows& known) const;
 
  private:
-  bool hasOutputs(const TableView& view, const JournalRow& row);
+  bool hasOutputs(std::size_t i, const JournalRow& row);
   bool isAsWritten(const FileMark& mark);
   std::string reasonToRepeat(const TableView& view, const Journal::Rows& known,
                              const Journal::Rows& byName) const;

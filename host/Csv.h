@@ -7,6 +7,7 @@
 
 namespace Lumivane::Host {
 
+using IO::CsvCursor;
 using IO::CsvRecord;
 using IO::readCsv;
 

@@ -2,27 +2,9 @@
 #include "OptionParts.h"
 #include "ToolParts.h"
 
-#include <charconv>
-
 #include <CLI/CLI.hpp>
 
 namespace Lumivane::Host {
-namespace {
-
-RowRange readRows(const std::string& text) {
-  RowRange rows;
-  const char* const end = text.data() + text.size();
-  const auto first = std::from_chars(text.data(), end, rows.first);
-  if (first.ec == std::errc{} && first.ptr != end && *first.ptr == ':') {
-    const auto last = std::from_chars(first.ptr + 1, end, rows.last);
-    if (last.ec == std::errc{} && last.ptr == end && rows.first >= 1 && rows.first <= rows.last)
-      return rows;
-  }
-  throw CLI::ValidationError("--rows: \"" + text + "\" is not FIRST:LAST, two numbers from 1");
-}
-
-}  // namespace
-
 void setFactorsOptions(CLI::App& command, FactorsOptions& options) {
   addScene(command, options.scene, options.import);
   command.remove_option(command.get_option("--two-sided"));  // backs are elements of their own
@@ -50,7 +32,8 @@ void setFactorsOptions(CLI::App& command, FactorsOptions& options) {
                    "add up to 1");
   command
       .add_option_function<std::string>(
-          "--rows", [&options](const std::string& text) { options.rows = readRows(text); },
+          "--rows",
+          [&options](const std::string& text) { options.rows = readRowRange("--rows", text); },
           "only these rows, from 1")
       ->type_name("FIRST:LAST");
   command.add_option("--threads", options.threads, "threads; 0 for as many as processors")

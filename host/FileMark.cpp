@@ -12,7 +12,7 @@ namespace Lumivane::Host {
 
 namespace fs = std::filesystem;
 
-std::uint64_t textKey(const std::string& text, std::uint64_t start) {
+std::uint64_t textKey(std::string_view text, std::uint64_t start) {
   std::uint64_t key = start;
   for (const char c : text) key = (key ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
   return key;

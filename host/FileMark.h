@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Lumivane::Host {
 
 /// A number that stands for a text: FNV-1a of 64 bits, continued from `start`.
-std::uint64_t textKey(const std::string& text, std::uint64_t start = 14695981039346656037ULL);
+std::uint64_t textKey(std::string_view text, std::uint64_t start = 14695981039346656037ULL);
 
 /// A number in 16 hexadecimal digits.
 std::string keyText(std::uint64_t key);

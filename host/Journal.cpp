@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <ostream>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -172,10 +173,8 @@ std::optional<JournalRow> readJournalText(const std::string& line) {
   return row;
 }
 
-Journal::Journal(const std::string& folder, Shard shard) : descriptor(-1) {
-  const std::string path = (partsFolder(folder) / (std::to_string(shard.number) + "-of-" +
-                                                   std::to_string(shard.count) + ".csv"))
-                               .string();
+Journal::Journal(const std::string& folder, const Shard& shard) : descriptor(-1) {
+  const std::string path = (partsFolder(folder) / (shard.name() + ".csv")).string();
   do {
     if (descriptor >= 0) ::close(descriptor);
     std::error_code error;
@@ -226,10 +225,10 @@ Journal::Rows Journal::rows(const std::string& folder) {
 }
 
 void Journal::close(const std::string& folder,
-                    const std::vector<std::pair<std::uint64_t, JournalRow>>& rows) {
-  std::string text;
-  for (const auto& [key, row] : rows) text += line(key, row);
-  Session::writeFile(journalFile(folder).string(), text);
+                    const std::vector<std::pair<std::uint64_t, const JournalRow*>>& rows) {
+  Session::writeFile(journalFile(folder).string(), [&rows](std::ostream& out) {
+    for (const auto& [key, row] : rows) out << line(key, *row);
+  });
   for (const fs::path& part : parts(folder)) removePart(part);
   std::error_code error;
   fs::remove(partsFolder(folder), error);  // as long as runs are at work in it, it stays

@@ -28,7 +28,8 @@ std::optional<JournalRow> readJournalText(const std::string& line);
 
 /// The record of a run in its folder, by which a killed run goes on and shards come together.
 ///
-/// A row is appended, as one line, to the file "parts/I-of-K.csv" as soon as its view is made. When
+/// A row is appended, as one line, to the file "parts/I-of-K.csv" (of a range of rows
+/// "parts/I-of-K-rows-A-B.csv") as soon as its view is made. When
 /// all views of the table are there, all rows go into "journal.csv", the summary's rows in the
 /// table's order, and the parts are removed. So the folder ends up the same whatever the shards.
 class Journal {
@@ -38,7 +39,7 @@ class Journal {
 
   /// Opens the shard's part to append to.
   /// \throws HostError if it cannot be opened or another run has it open
-  Journal(const std::string& folder, Shard shard);
+  Journal(const std::string& folder, const Shard& shard);
   Journal(const Journal&) = delete;
   Journal& operator=(const Journal&) = delete;
   ~Journal();
@@ -52,7 +53,7 @@ class Journal {
 
   /// Writes the journal of these views and removes all parts but those that a run has open.
   static void close(const std::string& folder,
-                    const std::vector<std::pair<std::uint64_t, JournalRow>>& rows);
+                    const std::vector<std::pair<std::uint64_t, const JournalRow*>>& rows);
 
  private:
   int descriptor;

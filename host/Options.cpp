@@ -187,7 +187,16 @@ Shard readShard(const std::string& text) {
                     static_cast<size_t>(used) == text.size();
   if (!fits || number < 1 || number > count)
     throw CLI::ValidationError("--shard: \"" + text + "\" is not I/K with 1 <= I <= K");
-  return {number, count};
+  return {number, count, std::nullopt};
+}
+
+// The name of a file of some kind to write.
+std::function<std::string(const std::string&)> ending(const std::string& wanted) {
+  return [wanted](const std::string& path) -> std::string {
+    const bool has = path.size() > wanted.size() &&
+                     path.compare(path.size() - wanted.size(), wanted.size(), wanted) == 0;
+    return has ? "" : "\"" + path + "\" does not end in " + wanted;
+  };
 }
 
 std::vector<double> readHeadings(const std::string& text) {
@@ -293,6 +302,18 @@ Vector readVector(const std::string& option, const std::string& text) {
   return result;
 }
 
+RowRange readRowRange(const std::string& option, const std::string& text) {
+  RowRange rows;
+  const char* const end = text.data() + text.size();
+  const auto first = std::from_chars(text.data(), end, rows.first);
+  if (first.ec == std::errc{} && first.ptr != end && *first.ptr == ':') {
+    const auto last = std::from_chars(first.ptr + 1, end, rows.last);
+    if (last.ec == std::errc{} && last.ptr == end && rows.first >= 1 && rows.first <= rows.last)
+      return rows;
+  }
+  throw CLI::ValidationError(option + ": \"" + text + "\" is not FIRST:LAST, two numbers from 1");
+}
+
 namespace {
 
 // What a shot takes wherever it is taken.
@@ -358,10 +379,28 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
       ->capture_default_str();
   command
       .add_option_function<std::string>(
-          "--shard", [&options](const std::string& text) { options.shard = readShard(text); },
+          "--shard",
+          [&options](const std::string& text) {
+            const Shard shard = readShard(text);
+            options.shard.number = shard.number;
+            options.shard.count = shard.count;
+          },
           "make only every K-th view, from the I-th on")
       ->type_name("I/K")
       ->default_str("1/1");
+  command
+      .add_option_function<std::string>(
+          "--views-range",
+          [&options](const std::string& text) {
+            options.shard.range = readRowRange("--views-range", text);
+          },
+          "make only these rows of the table, from 1, both included")
+      ->type_name("FIRST:LAST");
+  command
+      .add_option("--npy", options.npy,
+                  "the summary as an array of records to write into the folder, for numpy.load")
+      ->check(ending(".npy"), "")
+      ->type_name("FILE");
   command.add_flag("--merge", options.merge, "make no view; merge what the shards have made");
   command.footer(
       "Options of shot apply to all views; those of one view are columns of the table. \"{name}\" "

@@ -84,10 +84,30 @@ struct CheckOptions {
   bool json = false;
 };
 
-/// Which of how many shares of a table's rows: row r of 0, 1, ... is of share r mod count + 1.
+/// Rows of a matrix or table from 1, both of them included.
+struct RowRange {
+  size_t first = 1;
+  size_t last = 1;
+};
+
+/// Which of how many shares of a table's rows: row r of 0, 1, ... is of share r mod count + 1. Of a
+/// range only the rows of the share that lie in it.
 struct Shard {
   int number = 1;
   int count = 1;
+  std::optional<RowRange> range;
+
+  bool has(size_t row) const {
+    const bool isInRange = !range || (row + 1 >= range->first && row + 1 <= range->last);
+    return isInRange && row % static_cast<size_t>(count) == static_cast<size_t>(number - 1);
+  }
+  /// For its files: another one for each share and range.
+  std::string name() const {
+    const std::string share = std::to_string(number) + "-of-" + std::to_string(count);
+    return range
+               ? share + "-rows-" + std::to_string(range->first) + "-" + std::to_string(range->last)
+               : share;
+  }
 };
 
 struct BatchOptions {
@@ -100,6 +120,7 @@ struct BatchOptions {
   bool merge = false;   ///< no view is made, parts are merged
   std::string raster;   ///< the summary as a raster to write into the folder, or empty
   std::string geojson;  ///< the summary as points to write into the folder, or empty
+  std::string npy;      ///< the summary as an array to write into the folder, or empty
   std::string crs;      ///< "EPSG:N", or empty for that of the scene's file
 };
 
@@ -120,12 +141,6 @@ struct GridOptions {
   std::string shares;          ///< the table of exact shares of all views to write, or empty
   std::string rows = "total";  ///< how deep it goes
   bool csvSafe = false;        ///< texts in tables are kept from being taken for formulas
-};
-
-/// Rows of a matrix from 1, both of them included.
-struct RowRange {
-  size_t first = 1;
-  size_t last = 1;
 };
 
 struct FactorsOptions {
@@ -172,6 +187,10 @@ std::vector<std::string> givenShotOptions(const CLI::App& command);
 /// The value X,Y,Z of an option; the numbers may be infinite or none.
 /// \throws CLI::ValidationError that names the option
 Vector readVector(const std::string& option, const std::string& text);
+
+/// FIRST:LAST of an option, from 1, both included.
+/// \throws CLI::ValidationError that names the option
+RowRange readRowRange(const std::string& option, const std::string& text);
 
 /// The arguments of a process without its name, with "--eye -1,2,3" turned into "--eye=-1,2,3": a
 /// value that starts with a minus is none to a command line parser.

@@ -6,16 +6,23 @@
 #include <lumivane/session/Files.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <map>
-#include <set>
+#include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 // Tables of views. A column is an option of the command, by any of its names, and a row is read as
 // a command line would be: what `shot` takes, a table can hold, and faults have the same words.
+//
+// A command line takes a tenth of a millisecond, which is too much for millions of rows. So names,
+// vectors and cells of a grid, by which rows of large tables differ, are read as values, and what
+// is left of a row is read as a command line once for all rows that have it in common (a pattern).
+// Whatever does not read as a value at once takes the slow way, which knows all the words.
 namespace Lumivane::Host {
 namespace {
 
@@ -62,22 +69,308 @@ std::map<std::string, ColumnOption> shotOptionNames() {
   return names;
 }
 
-class TableReader {
- public:
-  TableReader(const std::string& theFile, const TableSetting& theSetting)
-      : file(theFile), setting(theSetting), known(shotOptionNames()) {}
+// A number as an option of a vector takes it, if it is written as numbers mostly are.
+bool readPlainNumber(const char*& at, const char* end, double& number) {
+  const std::from_chars_result read = std::from_chars(at, end, number);
+  at = read.ptr;
+  return read.ec == std::errc() && std::isfinite(number);
+}
 
-  std::vector<TableView> views() {
-    const std::vector<CsvRecord> records = readCsv(Session::readBytes(file), file);
-    if (records.empty()) throw HostError(file, "is empty: a heading with the columns is missing");
-    readHeading(records[0]);
-    if (records.size() == 1) throw HostError(file, "has a heading, but no view");
-    for (size_t i = 1; i < records.size(); ++i) addView(records[i], i, records.size() - 1);
-    return std::move(result);
+bool readPlainNumber(const std::string& text, double& number) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  return readPlainNumber(at, end, number) && at == end;
+}
+
+bool readPlainVector(const std::string& text, Vector& vector) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (std::size_t i = 0; i < vector.size(); ++i) {
+    if (i > 0 && (at == end || *at++ != ',')) return false;
+    if (!readPlainNumber(at, end, vector[i])) return false;
+  }
+  return at == end;
+}
+
+}  // namespace
+
+class ViewTable::Reader {
+ public:
+  Reader(const std::string& theFile, const TableSetting& theSetting)
+      : file(theFile),
+        setting(theSetting),
+        known(shotOptionNames()),
+        tableText(Session::readBytes(theFile)) {
+    CsvCursor cursor(tableText, file);
+    CsvRecord record;
+    if (!cursor.next(record))
+      throw HostError(file, "is empty: a heading with the columns is missing");
+    readHeading(record);
+    findSlots();
+    listRows(cursor, record);
+    if (offsets.empty()) throw HostError(file, "has a heading, but no view");
+    checkAll();
+  }
+
+  std::size_t size() const { return offsets.size(); }
+  std::uint64_t key(std::size_t i) const { return keys[i]; }
+  bool hasFiles() const { return filesFound; }
+
+  // Rows have been checked, so the lines that errors would name are not counted.
+  TableView view(std::size_t i) const {
+    CsvCursor cursor(tableText, file);
+    cursor.goTo(offsets[i]);
+    CsvRecord record;
+    cursor.next(record);
+    TableView result;
+    if (!readValues(record, i + 1, &result)) result = slowView(record, i + 1);
+    result.key = keys[i];
+    return result;
   }
 
  private:
   using Cells = std::map<std::string, std::string>;
+
+  // Where an argument of a row stands among its columns.
+  struct Slot {
+    std::string name;           // of the option
+    std::size_t vector = 3;     // position in `Vectors`; 3 for another option
+    std::size_t column = None;  // of the whole; None for a vector of three columns
+    std::array<std::size_t, 3> parts{None, None, None};
+  };
+  static constexpr std::size_t None = static_cast<std::size_t>(-1);
+
+  // What rows with the same other options have in common.
+  struct Pattern {
+    ShotOptions options;
+    bool isGood = false;  // it reads as a command line
+  };
+
+  // In the order of the options' names, as arguments stand.
+  void findSlots() {
+    std::map<std::string, Slot> slots;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      const std::string& column = columns[i];
+      if (column == "name") {
+        nameColumn = i;
+      } else if (std::count(CellColumns.begin(), CellColumns.end(), column) > 0) {
+        cellColumns.push_back(i);
+        cellSlots[static_cast<std::size_t>(
+            std::find(CellColumns.begin(), CellColumns.end(), column) - CellColumns.begin())] = i;
+      } else if (std::count(PassedOver.begin(), PassedOver.end(), column) == 0) {
+        addSlot(column, i, slots);
+      }
+    }
+    for (auto& [name, slot] : slots) arguments.push_back(std::move(slot));
+    for (const std::string& option : setting.options) {
+      const std::string name = option.substr(2, option.find('=') - 2);
+      const auto found = std::find_if(arguments.begin(), arguments.end(),
+                                      [&name](const Slot& slot) { return slot.name == name; });
+      optionSlots.push_back(
+          found == arguments.end() ? None : static_cast<std::size_t>(found - arguments.begin()));
+      isUpForAll = isUpForAll || name == "up";
+      const auto described = known.find(name);
+      hasFileForAll =
+          hasFileForAll || (described != known.end() && described->second.isFileToWrite);
+    }
+  }
+
+  void addSlot(const std::string& column, std::size_t position,
+               std::map<std::string, Slot>& slots) {
+    std::string name = column;
+    std::size_t part = None;
+    if (isCoordinate(column)) {
+      name = column.substr(0, column.size() - 2);
+      part = static_cast<std::size_t>(column.back() - 'x');
+    }
+    Slot& slot = slots[name];
+    slot.name = name;
+    slot.vector =
+        static_cast<std::size_t>(std::find(Vectors.begin(), Vectors.end(), name) - Vectors.begin());
+    if (part == None)
+      slot.column = position;
+    else
+      slot.parts[part] = position;
+  }
+
+  void listRows(CsvCursor& cursor, CsvRecord& record) {
+    while (cursor.next(record)) offsets.push_back(cursor.position());
+  }
+
+  void checkAll() {
+    keys.reserve(offsets.size());
+    std::vector<std::pair<std::uint64_t, std::size_t>> nameKeys;
+    nameKeys.reserve(offsets.size());
+    CsvCursor cursor(tableText, file);
+    CsvRecord record;
+    cursor.next(record);
+    for (std::size_t i = 0; cursor.next(record); ++i) {
+      std::uint64_t key = 0;
+      std::uint64_t nameKey = 0;
+      if (!readValues(record, i + 1, nullptr, &key, &nameKey)) {
+        const TableView view = slowView(record, i + 1);
+        key = view.key;
+        nameKey = textKey(view.name);
+        filesFound = filesFound || !view.files.empty();
+      }
+      keys.push_back(key);
+      nameKeys.emplace_back(nameKey, i);
+    }
+    if (nameColumn != None) checkNames(std::move(nameKeys));
+    isChecked = true;
+    writtenFiles.clear();
+  }
+
+  // Equal names have equal keys, and stand next to each other once keys are sorted.
+  void checkNames(std::vector<std::pair<std::uint64_t, std::size_t>> nameKeys) const {
+    std::sort(nameKeys.begin(), nameKeys.end());
+    std::size_t second = None;
+    std::size_t first = None;
+    for (std::size_t i = 1; i < nameKeys.size(); ++i) {
+      if (nameKeys[i].first != nameKeys[i - 1].first || nameKeys[i].second >= second) continue;
+      for (std::size_t k = i; k-- > 0 && nameKeys[k].first == nameKeys[i].first;)
+        if (view(nameKeys[k].second).name == view(nameKeys[i].second).name) {
+          first = nameKeys[k].second;
+          second = nameKeys[i].second;
+        }
+    }
+    if (second == None) return;
+    const CsvRecord later = numberedRecord(second);
+    fail(later, "column \"name\": \"" + view(second).name + "\" is the name of line " +
+                    std::to_string(numberedRecord(first).line) + " as well");
+  }
+
+  // With its line.
+  CsvRecord numberedRecord(std::size_t i) const {
+    CsvCursor cursor(tableText, file);
+    CsvRecord record;
+    cursor.next(record);
+    for (std::size_t k = 0; k <= i; ++k) cursor.next(record);
+    return record;
+  }
+
+  // Reads what can be read as values: returns whether all of a row can. Fills the view if there is
+  // one, else the keys.
+  bool readValues(const CsvRecord& record, std::size_t number, TableView* view,
+                  std::uint64_t* key = nullptr, std::uint64_t* nameKey = nullptr) const {
+    if (hasFileForAll || record.fields.size() != columns.size()) return false;
+    const std::string name = nameColumn == None ? numberedName(number) : record.fields[nameColumn];
+    if (!isFileName(name)) return false;
+    std::array<Vector, 3> vectors{};
+    std::array<bool, 3> isGiven{};
+    std::string other;
+    std::uint64_t argumentsKey = textKey(name, setting.sceneKey);
+    for (std::size_t i = 0; i < setting.options.size(); ++i)
+      if (optionSlots[i] == None || !isThere(record, arguments[optionSlots[i]]))
+        argumentsKey = textKey("\n", textKey(setting.options[i], argumentsKey));
+    for (const Slot& slot : arguments) {
+      if (!isThere(record, slot)) continue;
+      argumentsKey = textKey("=", textKey(slot.name, textKey("--", argumentsKey)));
+      if (slot.vector < Vectors.size()) {
+        isGiven[slot.vector] = true;
+        if (!readVectorOf(record, slot, vectors[slot.vector], argumentsKey)) return false;
+      } else {
+        if (known.find(slot.name)->second.isFileToWrite) return false;
+        const std::string& value = record.fields[slot.column];
+        argumentsKey = textKey(value, argumentsKey);
+        other += "--" + slot.name + "=" + value + "\n";
+      }
+      argumentsKey = textKey("\n", argumentsKey);
+    }
+    std::optional<GridCell> cell;
+    if (!cellColumns.empty() && !readCell(record, cell)) return false;
+    const Pattern* const pattern = patternOf(record, other);
+    if (pattern == nullptr || !pattern->isGood) return false;
+    if (key != nullptr) *key = argumentsKey;
+    if (nameKey != nullptr) *nameKey = textKey(name);
+    if (view != nullptr) fill(*view, name, cell, *pattern, vectors, isGiven);
+    return true;
+  }
+
+  void fill(TableView& view, const std::string& name, const std::optional<GridCell>& cell,
+            const Pattern& pattern, const std::array<Vector, 3>& vectors,
+            const std::array<bool, 3>& isGiven) const {
+    enum : std::size_t { Eye, Forward, Up };
+    view.name = name;
+    view.cell = cell;
+    view.options = pattern.options;
+    Session::ViewSettings& settings = view.options.view;
+    if (isGiven[Eye]) settings.eye = vectors[Eye];
+    if (isGiven[Forward]) settings.forward = vectors[Forward];
+    if (isGiven[Up])
+      settings.up = vectors[Up];
+    else if (isGiven[Forward] && !isUpForAll)
+      settings.up = Session::usualUp(settings.forward);
+  }
+
+  // Whether a row has the option. A vector of three columns may have some of them, which is a
+  // fault.
+  static bool isThere(const CsvRecord& record, const Slot& slot) {
+    if (slot.column != None) return !record.fields[slot.column].empty();
+    return std::any_of(slot.parts.begin(), slot.parts.end(),
+                       [&record](std::size_t part) { return !record.fields[part].empty(); });
+  }
+
+  static bool readVectorOf(const CsvRecord& record, const Slot& slot, Vector& vector,
+                           std::uint64_t& key) {
+    if (slot.column != None) {
+      key = textKey(record.fields[slot.column], key);
+      return readPlainVector(record.fields[slot.column], vector);
+    }
+    for (std::size_t i = 0; i < vector.size(); ++i) {
+      const std::string& part = record.fields[slot.parts[i]];
+      if (i > 0) key = textKey(",", key);
+      key = textKey(part, key);
+      if (!readPlainNumber(part, vector[i])) return false;
+    }
+    return true;
+  }
+
+  bool readCell(const CsvRecord& record, std::optional<GridCell>& cell) const {
+    const auto isEmpty = [&record](std::size_t column) { return record.fields[column].empty(); };
+    if (std::all_of(cellColumns.begin(), cellColumns.end(), isEmpty)) return true;
+    if (cellColumns.size() < CellColumns.size() ||
+        std::any_of(cellColumns.begin(), cellColumns.end(), isEmpty))
+      return false;
+    cell = cellOf(record, {record.fields[cellSlots[0]], record.fields[cellSlots[1]],
+                           record.fields[cellSlots[2]]});
+    return true;
+  }
+
+  // The pattern of a row; null if there are too many of them to be of use.
+  const Pattern* patternOf(const CsvRecord& record, const std::string& other) const {
+    constexpr std::size_t MostPatterns = 200;
+    const auto found = patterns.find(other);
+    if (found != patterns.end()) return &found->second;
+    if (patterns.size() >= MostPatterns) return nullptr;
+    Pattern& pattern = patterns[other];
+    Cells cells;
+    for (const Slot& slot : arguments)
+      if (slot.vector >= Vectors.size() && isThere(record, slot))
+        cells[slot.name] = record.fields[slot.column];
+    TableView view;
+    try {
+      parse(record, argumentsOf(cells), view);
+      pattern.options = view.options;
+      pattern.isGood = true;
+    } catch (const HostError&) {
+      pattern.isGood = false;  // the slow way says why
+    }
+    return &pattern;
+  }
+
+  std::string numberedName(std::size_t number) const {
+    std::string digits = std::to_string(number);
+    digits.insert(0, std::to_string(offsets.size()).size() - digits.size(), '0');
+    return "view" + digits;
+  }
+
+  static bool isFileName(const std::string& name) {
+    const bool odd = std::any_of(name.begin(), name.end(), [](char c) {
+      return static_cast<unsigned char>(c) < 0x20 || c == '/' || c == 0x7F;
+    });
+    return !name.empty() && !odd && name.front() != '.';
+  }
 
   [[noreturn]] void fail(const CsvRecord& record, const std::string& cause) const {
     throw HostError(file, "line " + std::to_string(record.line) + ": " + cause);
@@ -123,7 +416,7 @@ class TableReader {
       fail(record, "column \"" + vector + "\" is there as one and as three");
   }
 
-  void addView(const CsvRecord& record, size_t number, size_t count) {
+  TableView slowView(const CsvRecord& record, size_t number) const {
     if (record.fields.size() != columns.size())
       fail(record, std::to_string(record.fields.size()) + " fields for " +
                        std::to_string(columns.size()) + " columns");
@@ -135,12 +428,12 @@ class TableReader {
     TableView view;
     view.cell = gridCell(record, cells);
     for (const std::string& column : PassedOver) cells.erase(column);
-    view.name = viewName(record, cells, number, count);
-    const std::vector<std::string> arguments = argumentsOf(cells);
+    view.name = viewName(record, cells, number);
+    const std::vector<std::string> all = argumentsOf(cells);
     view.key = textKey(view.name, setting.sceneKey);
-    for (const std::string& argument : arguments) view.key = textKey(argument + "\n", view.key);
-    parse(record, arguments, view);
-    result.push_back(std::move(view));
+    for (const std::string& argument : all) view.key = textKey(argument + "\n", view.key);
+    parse(record, all, view);
+    return view;
   }
 
   // Takes the cell out of a row, if it is there.
@@ -155,6 +448,10 @@ class TableReader {
     if (texts.empty()) return std::nullopt;
     if (texts.size() < CellColumns.size())
       fail(record, "of \"row\", \"column\" and \"cell\" there must be all or none");
+    return cellOf(record, {texts[0], texts[1], texts[2]});
+  }
+
+  GridCell cellOf(const CsvRecord& record, const std::array<std::string, 3>& texts) const {
     GridCell cell;
     cell.row = wholeNumber(record, "row", texts[0]);
     cell.column = wholeNumber(record, "column", texts[1]);
@@ -195,40 +492,32 @@ class TableReader {
   }
 
   // Names become file names, and one line of a table each.
-  std::string viewName(const CsvRecord& record, Cells& cells, size_t number, size_t count) {
-    const bool named = std::count(columns.begin(), columns.end(), "name") > 0;
-    std::string digits = std::to_string(number);
-    digits.insert(0, std::to_string(count).size() - digits.size(), '0');
-    std::string name = named ? cells["name"] : "view" + digits;
+  std::string viewName(const CsvRecord& record, Cells& cells, size_t number) const {
+    std::string name = nameColumn == None ? numberedName(number) : cells["name"];
     cells.erase("name");
     if (name.empty()) fail(record, "column \"name\": there is none");
-    const bool odd = std::any_of(name.begin(), name.end(), [](char c) {
-      return static_cast<unsigned char>(c) < 0x20 || c == '/' || c == 0x7F;
-    });
-    if (odd || name.front() == '.')
+    if (!isFileName(name))
       fail(record, "column \"name\": \"" + oneLine(name) + "\" cannot be part of a file name");
-    if (!names.insert({name, record.line}).second)
-      fail(record, "column \"name\": \"" + name + "\" is the name of line " +
-                       std::to_string(names[name]) + " as well");
     return name;
   }
 
   // Those for all views, but where the row has its own, and then those of the row.
   std::vector<std::string> argumentsOf(const Cells& cells) const {
-    std::vector<std::string> arguments;
+    std::vector<std::string> words;
     for (const std::string& option : setting.options) {
       const std::string name = option.substr(2, option.find('=') - 2);
-      if (cells.count(name) == 0) arguments.push_back(option);
+      if (cells.count(name) == 0) words.push_back(option);
     }
-    for (const auto& [name, value] : cells) arguments.push_back("--" + name + "=" + value);
-    return arguments;
+    for (const auto& [name, value] : cells) words.push_back("--" + name + "=" + value);
+    return words;
   }
 
-  void parse(const CsvRecord& record, const std::vector<std::string>& arguments, TableView& view) {
+  void parse(const CsvRecord& record, const std::vector<std::string>& words,
+             TableView& view) const {
     CLI::App app;
     setBatchedShotOptions(app, view.options);
     std::vector<std::string> reversed = {setting.scene};
-    for (const std::string& argument : arguments)
+    for (const std::string& argument : words)
       reversed.insert(reversed.begin(), placed(record, argument, view));
     try {
       app.parse(reversed);
@@ -238,7 +527,7 @@ class TableReader {
   }
 
   // An option, its file, if it names one, put into the folder of outputs.
-  std::string placed(const CsvRecord& record, const std::string& argument, TableView& view) {
+  std::string placed(const CsvRecord& record, const std::string& argument, TableView& view) const {
     const size_t equals = argument.find('=');
     const std::string name = argument.substr(2, equals - 2);
     const auto option = known.find(name);
@@ -254,7 +543,8 @@ class TableReader {
     return "--" + name + "=" + (fs::path(setting.folder) / path).string();
   }
 
-  void checkFile(const CsvRecord& record, const std::string& option, const std::string& path) {
+  void checkFile(const CsvRecord& record, const std::string& option,
+                 const std::string& path) const {
     const fs::path normal = fs::path(path).lexically_normal();
     const std::string start = normal.empty() ? ".." : normal.begin()->string();
     const std::string column = "column --" + option + ": \"" + path + "\" ";
@@ -262,24 +552,45 @@ class TableReader {
       fail(record, column + "is not a name inside the folder of outputs");
     if (start == "parts" || normal == "summary.csv" || normal == "journal.csv")
       fail(record, column + "is kept for the run's own files");
-    if (!writtenFiles.insert({normal.string(), record.line}).second)
+    if (!isChecked && !writtenFiles.insert({normal.string(), record.line}).second)
       fail(record, column + "is written by line " + std::to_string(writtenFiles[normal.string()]) +
                        " as well; {name} in it stands for the view's name");
   }
 
-  const std::string& file;
-  const TableSetting& setting;
+  const std::string file;
+  const TableSetting setting;
   const std::map<std::string, ColumnOption> known;
+  const std::string tableText;
   std::vector<std::string> columns;
-  std::map<std::string, size_t> names;         // with their lines
-  std::map<std::string, size_t> writtenFiles;  // with their lines
-  std::vector<TableView> result;
+  std::size_t nameColumn = None;
+  std::vector<std::size_t> cellColumns;                    // those that are there
+  std::array<std::size_t, 3> cellSlots{None, None, None};  // row, column and cell
+  std::vector<Slot> arguments;                             // by their names
+  std::vector<std::size_t> optionSlots;                    // of the setting's options, or None
+  bool isUpForAll = false;
+  bool hasFileForAll = false;
+  bool filesFound = false;
+  std::vector<std::uint64_t> offsets;                  // of rows in the text
+  std::vector<std::uint64_t> keys;                     // of views
+  bool isChecked = false;                              // all rows, once
+  mutable std::map<std::string, Pattern> patterns;     // by their other options
+  mutable std::map<std::string, size_t> writtenFiles;  // with their lines
 };
 
-}  // namespace
+ViewTable::ViewTable(const std::string& file, const TableSetting& setting)
+    : reader(std::make_shared<const Reader>(file, setting)) {}
+
+std::size_t ViewTable::size() const { return reader ? reader->size() : 0; }
+TableView ViewTable::operator[](std::size_t i) const { return reader->view(i); }
+std::uint64_t ViewTable::key(std::size_t i) const { return reader->key(i); }
+bool ViewTable::hasFiles() const { return reader && reader->hasFiles(); }
 
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting) {
-  return TableReader(file, setting).views();
+  const ViewTable table(file, setting);
+  std::vector<TableView> views;
+  views.reserve(table.size());
+  for (std::size_t i = 0; i < table.size(); ++i) views.push_back(table[i]);
+  return views;
 }
 
 }  // namespace Lumivane::Host

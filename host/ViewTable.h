@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,7 +42,30 @@ struct TableSetting {
 /// stand in a grid; `inside`, `object` and `face`, which `grid` writes, are passed over. An empty
 /// cell leaves the option as it is for all views.
 /// "{name}" in an output file is replaced by the view's name; without names, views are numbered.
-/// \throws HostError that names the table's file, line and column
+///
+/// Of a view two numbers are kept, and it is read again when it is asked for: a table may have
+/// millions.
+class ViewTable {
+ public:
+  /// No views.
+  ViewTable() = default;
+  /// Reads and checks all of it. \throws HostError that names the table's file, line and column
+  ViewTable(const std::string& file, const TableSetting& setting);
+
+  std::size_t size() const;
+  /// A view, by its position from 0.
+  TableView operator[](std::size_t i) const;
+  /// Its key alone.
+  std::uint64_t key(std::size_t i) const;
+  /// Whether any view has an output file of its own.
+  bool hasFiles() const;
+
+ private:
+  class Reader;
+  std::shared_ptr<const Reader> reader;
+};
+
+/// All views of a table at once. \throws HostError
 std::vector<TableView> readViewTable(const std::string& file, const TableSetting& setting);
 
 }  // namespace Lumivane::Host

@@ -48,9 +48,7 @@ void WorkFolders::remove() const {
   }
 }
 
-std::string WorkFolders::nameStart() const {
-  return "work-" + std::to_string(shard.number) + "-of-" + std::to_string(shard.count) + "-";
-}
+std::string WorkFolders::nameStart() const { return "work-" + shard.name() + "-"; }
 
 // Files that processes of this work folder were about to write when they were killed.
 void WorkFolders::removeUnfinishedOf(const std::string& workFolder) const {
@@ -64,8 +62,8 @@ void WorkFolders::removeUnfinishedOf(const std::string& workFolder) const {
 
 void WorkFolders::removeUnfinished(const std::string& start) const {
   std::set<fs::path> folders;
-  for (const TableView& view : plan.views)
-    for (const std::string& file : view.files)
+  for (std::size_t i = 0; plan.views.hasFiles() && i < plan.views.size(); ++i)
+    for (const std::string& file : plan.views[i].files)
       folders.insert((fs::path(plan.setting.folder) / file).parent_path());
   std::error_code error;
   for (const fs::path& folder : folders)

@@ -56,7 +56,7 @@ TEST(Journal, RowsOfEveryByteComeBackFromTheFolder) {
   const TempFolder folder;
   const std::string path = folder.path("");
   for (std::uint64_t byte = 0; byte < 256; ++byte) {
-    Journal journal(path, {1, 1});
+    Journal journal(path, {1, 1, {}});
     journal.append(byte, rowOf("a" + std::string(1, static_cast<char>(byte)) + "b"));
   }
   const Journal::Rows rows = Journal::rows(path);
@@ -86,12 +86,13 @@ TEST(Journal, ALineThatIsNoRowCountsAsNone) {
 TEST(Journal, NoRowIsMissedWhileAnotherRunPutsThePartsTogether) {
   const TempFolder folder;
   const std::string path = folder.path("");
-  Journal(path, {1, 2}).append(1, rowOf("a"));
+  Journal(path, {1, 2, {}}).append(1, rowOf("a"));
   std::atomic<bool> isOver = false;
   std::thread other([&path, &isOver] {
     for (int i = 0; i < 300; ++i) {
-      Journal::close(path, {{1, rowOf("a")}});
-      for (int shard = 1; shard <= 5; ++shard) Journal(path, {shard, 5}).append(1, rowOf("a"));
+      const JournalRow row = rowOf("a");
+      Journal::close(path, {{1, &row}});
+      for (int shard = 1; shard <= 5; ++shard) Journal(path, {shard, 5, {}}).append(1, rowOf("a"));
     }
     isOver = true;
   });

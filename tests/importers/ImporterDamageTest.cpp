@@ -239,7 +239,7 @@ TEST(ImporterErrors, DepthOfADocumentIsBounded) {
 TEST(ImporterErrors, UnknownAndUnreadableFilesAreNamed) {
   EXPECT_EQ(
       "\".abc\" is not a known kind of file; these are: .obj, .stl, .ply, .gltf, "
-      ".glb, .city.json, .cityjson",
+      ".glb, .city.json, .cityjson, .city.jsonl",
       importFault("a.abc", "text"));
   try {
     Importer::importFile("/there/is/none.obj");
