@@ -77,10 +77,10 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
 
 void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
   command
-      .add_option(
-          "FILE", options.file,
-          "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson, .city.jsonl); for a "
-          ".lumiscene a scene file, too")
+      .add_option("FILE", options.file,
+                  "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson, "
+                  ".city.jsonl); for a "
+                  ".lumiscene a scene file, too")
       ->required()
       ->type_name("");
   command
