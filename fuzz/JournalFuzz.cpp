@@ -96,14 +96,14 @@ void readFolder(Bytes& bytes) {
   const JournalRow row = anyRow(bytes);
   Lumivane::Fuzz::writeBytes(place / "parts" / "1-of-3.csv", bytes.rest());
   const std::size_t before = countOf(Journal::rows(place.string()));
-  Journal(place.string(), {1, 3}).append(key, row);
+  Journal(place.string(), {1, 3, {}}).append(key, row);
   const Journal::Rows rows = Journal::rows(place.string());
   require(countOf(rows) == before + 1);
   const std::vector<JournalRow>& own = rows.at(key);
   require(std::any_of(own.begin(), own.end(),
                       [&row](const JournalRow& each) { return isSame(each, row); }));
-  std::vector<std::pair<std::uint64_t, JournalRow>> all;
-  for (const auto& [each, of] : rows) all.emplace_back(each, of.front());
+  std::vector<std::pair<std::uint64_t, const JournalRow*>> all;
+  for (const auto& [each, of] : rows) all.emplace_back(each, &of.front());
   Journal::close(place.string(), all);
   require(countOf(Journal::rows(place.string())) == all.size());
   require(!fs::exists(place / "parts"));
