@@ -281,6 +281,19 @@ bool TileOcclusion::isBehind(const ScreenGap& gap, const SeenRange& range,
   return behind(x0, y0) && behind(x0, y1) && behind(x1, y0) && behind(x1, y1);
 }
 
+// What is seen is often seen where the polygon before it was, so that gap is asked first.
+template <class IsBehind>
+bool TileOcclusion::behindAll(const Screen& screen, const Frame& turned, IsBehind behind) const {
+  const auto shows = [&](size_t i) { return frames[i].meets(turned) && !behind(gaps[i]); };
+  if (lastShown >= screen.first && lastShown < screen.end && shows(lastShown)) return false;
+  for (size_t i = screen.first; i < screen.end; ++i) {
+    if (!shows(i)) continue;
+    lastShown = i;
+    return false;
+  }
+  return true;
+}
+
 bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
                           const std::uint32_t* segments) const {
   const LookPolygon& polygon = polygons[entry.polygon];
@@ -302,24 +315,19 @@ bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntr
   const Frame turned = turnedFrame(range);
   const bool isOwn = screen.tile.x0 == tile.x0 && screen.tile.y0 == tile.y0 &&
                      screen.tile.x1 == tile.x1 && screen.tile.y1 == tile.y1;
-  for (size_t i = screen.first; i < screen.end; ++i) {
-    if (!frames[i].meets(turned)) continue;
-    const ScreenGap& gap = gaps[i];
-    if (range.bound < gap.floor || !touches(gap, range)) continue;
-    if (gap.floor > -Infinity && isBehind(gap, range, polygon, face)) continue;
-    if (!isOwn || reaches(gap, tile, entry, segments)) return false;
-  }
-  return true;
+  return behindAll(screen, turned, [&](const ScreenGap& gap) {
+    if (range.bound < gap.floor || !touches(gap, range)) return true;
+    if (gap.floor > -Infinity && isBehind(gap, range, polygon, face)) return true;
+    return isOwn && !reaches(gap, tile, entry, segments);
+  });
 }
 
 bool TileOcclusion::hides(const Screen& screen, const SeenRange& range) const {
   if (screen.isEmpty()) return false;
   if (range.bound < screen.floor) return true;
-  const Frame turned = turnedFrame(range);
-  for (size_t i = screen.first; i < screen.end; ++i)
-    if (frames[i].meets(turned) && !(range.bound < gaps[i].floor) && touches(gaps[i], range))
-      return false;
-  return true;
+  return behindAll(screen, turnedFrame(range), [&](const ScreenGap& gap) {
+    return range.bound < gap.floor || !touches(gap, range);
+  });
 }
 
 }  // namespace Lumivane::Visibility

@@ -92,6 +92,8 @@ class TileOcclusion {
   bool chooseInFront(const Tile& tile, const TileContent& content);
   void sweep(Screen& screen);
   void close(std::size_t gap, const OpenGap& open, double to, Screen& screen);
+  template <class IsBehind>
+  bool behindAll(const Screen& screen, const Frame& turned, IsBehind behind) const;
   static Frame turnedFrame(const SeenRange& range);
   static bool touches(const ScreenGap& gap, const SeenRange& range);
   bool reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
@@ -103,7 +105,8 @@ class TileOcclusion {
   TilePlanes planes;
   TileLines lines;
   std::vector<ScreenGap> gaps;
-  std::vector<Frame> frames;  // of each gap
+  std::vector<Frame> frames;          // of each gap
+  mutable std::size_t lastShown = 0;  // the gap in which something was seen last
   std::vector<OpenGap> open;
   std::vector<TileEntry> chosen;
   std::vector<char> chosenEntries;
