@@ -140,6 +140,18 @@ void checkDrawing(const DrawingOptions& options) {
     require(side > 0.0 && side <= LargestPage, "sides of the page are to be above 0 to 20000 mm");
 }
 
+Visibility::LookOptions drawnLook(const DrawingOptions& options, Visibility::Field field) {
+  Visibility::LookOptions how;
+  how.field = field;
+  how.forward = options.forward;
+  how.up = options.up;
+  how.twoSided = options.twoSided;
+  how.threads = options.threads;
+  how.cancelled = options.cancelled;
+  how.edgeSources = true;
+  return how;
+}
+
 namespace {
 
 FlatMap mapOf(const Visibility::SceneIndex& index, const DrawingOptions& options) {
@@ -155,15 +167,8 @@ FlatMap mapOf(const Visibility::SceneIndex& index, const DrawingOptions& options
   const bool isWhole =
       options.projection == DrawingProjection::Cylindrical ||
       (options.projection == DrawingProjection::Equirectangular && options.isWhole);
-  Visibility::LookOptions how;
-  how.field = isWhole ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
-  how.forward = options.forward;
-  how.up = options.up;
-  how.twoSided = options.twoSided;
-  how.threads = options.threads;
-  how.cancelled = options.cancelled;
-  how.edgeSources = true;
-  return flatMap(index.look(options.eye, how));
+  const auto field = isWhole ? Visibility::Field::Sphere : Visibility::Field::Hemisphere;
+  return flatMap(index.look(options.eye, drawnLook(options, field)));
 }
 
 PlaneBox perspectiveBox(const DrawingOptions& options) {

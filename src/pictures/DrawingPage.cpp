@@ -166,15 +166,7 @@ LinedMap lined(const Visibility::SceneIndex& index, FlatMap flat, const DrawingO
 void addEye(const Visibility::SceneIndex& index, const DrawingColors& colors,
             const DrawingView& view, const std::string& title, HtmlPage& page) {
   const DrawingOptions& options = view.options;
-  Visibility::LookOptions how;
-  how.field = Visibility::Field::Sphere;
-  how.forward = options.forward;
-  how.up = options.up;
-  how.twoSided = options.twoSided;
-  how.threads = options.threads;
-  how.cancelled = options.cancelled;
-  how.edgeSources = true;
-  VisibleMap map = index.look(options.eye, how);
+  VisibleMap map = index.look(options.eye, drawnLook(options, Visibility::Field::Sphere));
   const Visibility::MapShares shares(map);
   const LinedMap drawn = lined(index, flatMap(map), options);
   if (!drawn.showsAnything()) return;

@@ -4,6 +4,7 @@
 #include "pictures/DrawnLines.h"
 
 #include <lumivane/pictures/MapPicture.h>
+#include <lumivane/visibility/LookOptions.h>
 
 #include <map>
 #include <string>
@@ -29,6 +30,8 @@ struct Paper {
 
 /// \throws std::invalid_argument for options out of range
 void checkDrawing(const DrawingOptions& options);
+/// How to look around for a drawing: the edges of the map name those of the scene.
+Visibility::LookOptions drawnLook(const DrawingOptions& options, Visibility::Field field);
 /// Around lines along parallel lines of sight; upside down without any.
 PlaneBox boxOf(const std::vector<DrawnLine>& lines);
 

@@ -28,21 +28,6 @@ using namespace Visibility::Samples;
 
 constexpr double Pi = 3.141592653589793;
 
-void addBox(PolygonBuilder& builder, int object, const Vector& low, const Vector& high) {
-  for (std::size_t axis = 0; axis < 3; ++axis)
-    for (const bool isHigh : {false, true}) {
-      const std::size_t u = (axis + 1) % 3;
-      const std::size_t v = (axis + 2) % 3;
-      Outline outline(4, low);
-      for (Vector& p : outline) p[axis] = isHigh ? high[axis] : low[axis];
-      outline[1][u] = outline[2][u] = high[u];
-      outline[2][v] = outline[3][v] = high[v];
-      // Clockwise as seen from outside.
-      if (isHigh) std::reverse(outline.begin(), outline.end());
-      builder.add(outline, object);
-    }
-}
-
 PolygonScene box() {
   PolygonBuilder builder;
   addBox(builder, 1, {0, 0, 0}, {2, 3, 1});

@@ -2,8 +2,10 @@
 
 #include <lumivane/visibility/PolygonScene.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <utility>
@@ -98,6 +100,23 @@ template <class Place>
 PolygonScene moved(PolygonScene scene, Place place) {
   for (Vector& point : scene.points) point = place(point);
   return scene;
+}
+
+/// The six sides of a box, clockwise as seen from outside.
+inline void addBox(PolygonBuilder& builder, int object, const Vector& low, const Vector& high,
+                   const Axes& axes = Axes()) {
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    for (const bool isHigh : {false, true}) {
+      const std::size_t u = (axis + 1) % 3;
+      const std::size_t v = (axis + 2) % 3;
+      Outline outline(4, low);
+      for (Vector& p : outline) p[axis] = isHigh ? high[axis] : low[axis];
+      outline[1][u] = outline[2][u] = high[u];
+      outline[2][v] = outline[3][v] = high[v];
+      if (isHigh) std::reverse(outline.begin(), outline.end());
+      for (Vector& p : outline) p = axes(p);
+      builder.add(outline, object);
+    }
 }
 
 inline Outline square(double x, double y, double z, double side) {
