@@ -43,11 +43,16 @@ void inParallel(size_t count, Work work) {
   if (failure) std::rethrow_exception(failure);
 }
 
-/// Calls `visit(i)` once for each i below `count`, in any order and from several threads.
+/// Items that take a thread as long as it takes to make one, if each takes a tenth of a
+/// microsecond.
+constexpr size_t ManyQuickItems = 2048;
+
+/// Calls `visit(i)` once for each i below `count`, in any order and from several threads, each for
+/// `worthAThread` of them or more.
 template <class Visit>
-void forEachInParallel(size_t count, size_t threads, Visit visit) {
+void forEachInParallel(size_t count, size_t threads, Visit visit, size_t worthAThread = 256) {
   constexpr size_t Chunk = 256;
-  const size_t useful = std::min(threads, (count + Chunk - 1) / Chunk);
+  const size_t useful = std::min(threads, (count + worthAThread - 1) / worthAThread);
   std::atomic<size_t> next{0};
   inParallel(std::max<size_t>(1, useful), [&](bool) {
     for (;;) {
@@ -56,6 +61,24 @@ void forEachInParallel(size_t count, size_t threads, Visit visit) {
       for (size_t i = from; i < std::min(count, from + Chunk); ++i) visit(i);
     }
   });
+}
+
+/// Sorts by several threads. The order does not depend on them if no two items are equal.
+template <class Item, class Less>
+void sortInParallel(std::vector<Item>& items, size_t threads, Less less) {
+  const size_t runs =
+      std::clamp<size_t>(items.size() / ManyQuickItems, 1, std::max<size_t>(1, threads));
+  const auto at = [&](size_t run) {
+    return items.begin() + static_cast<std::ptrdiff_t>(items.size() * std::min(run, runs) / runs);
+  };
+  std::atomic<size_t> next{0};
+  inParallel(runs, [&](bool) {
+    for (size_t i = next.fetch_add(1); i < runs; i = next.fetch_add(1))
+      std::sort(at(i), at(i + 1), less);
+  });
+  for (size_t width = 1; width < runs; width *= 2)
+    for (size_t i = 0; i + width < runs; i += 2 * width)
+      std::inplace_merge(at(i), at(i + width), at(i + 2 * width), less);
 }
 
 }  // namespace Lumivane::Visibility

@@ -84,6 +84,10 @@ class MapBuilder {
     const int* begin(int key) const { return items.data() + offsets[static_cast<size_t>(key)]; }
     const int* end(int key) const { return items.data() + offsets[static_cast<size_t>(key) + 1]; }
     size_t size(int key) const { return static_cast<size_t>(end(key) - begin(key)); }
+    // Of all keys.
+    size_t size() const { return items.size(); }
+    // Of the first number of a key among those of all keys.
+    size_t placeOf(int key) const { return static_cast<size_t>(offsets[static_cast<size_t>(key)]); }
 
    private:
     std::vector<int> offsets;
@@ -141,7 +145,7 @@ class MapBuilder {
     return setup.state->vertices[static_cast<size_t>(vertex)] - setup.eye;
   }
   void placeVertices();
-  void placeVertex(int vertex, const std::pair<int, Source>* lines, size_t count);
+  void placeVertex(int vertex, const Source* lines, size_t count);
   Kernel::Vec3 normalOf(Source source) const;
   void contractEdges();
 
@@ -165,7 +169,10 @@ class MapBuilder {
   VisibleMap::EdgeKind kindOf(const Link& link) const;
   void orderMap();
   void orderCells(const std::vector<int>& firstVertex);
+  void orderEdges();
   void makeRings();
+  void ringsOf(int cell, const Buckets& halves, const Buckets& leaving, std::vector<char>& taken,
+               std::vector<char>& isFirst);
   int nextHalf(int half, const Buckets& leaving, const std::vector<char>& taken, int first) const;
 
   // ---- measures
@@ -195,8 +202,9 @@ class MapBuilder {
 
   Kernel::Vec3 planeOf(std::int32_t polygon) const;
   void measureDistances();
+  void reachArcs(size_t cell);
   int severalAt(int area);
-  void reach(int cell, std::int32_t polygon, Kernel::Vec3 a, Kernel::Vec3 b);
+  static void reach(VisibleMap::Cell& cell, Kernel::Vec3 plane, Kernel::Vec3 a, Kernel::Vec3 b);
   bool contains(const VisibleMap::Cell& cell, Kernel::Vec3 d) const;
   bool containsAround(const VisibleMap::Cell& cell, Kernel::Vec3 d) const;
   static double quarterTurns(double x, double y);

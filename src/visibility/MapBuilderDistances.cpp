@@ -3,6 +3,7 @@
 // planes, its pieces of border know theirs.
 #include "kernel/Planar.h"
 #include "visibility/EyePlane.h"
+#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
 #include "visibility/WideEdge.h"
@@ -27,11 +28,10 @@ Vec3 MapBuilder::planeOf(std::int32_t polygon) const {
 // its pieces of border know theirs.
 void MapBuilder::measureDistances() {
   if (setup.parallel != nullptr) return;  // there is no eye to be distant from
-  for (const VisibleMap::Edge& edge : map.edges)
-    for (const int cell : {edge.left, edge.right}) {
-      if (cell == NoCell || severalPolygons[static_cast<size_t>(cell)] != 0) continue;
-      reach(cell, cellPolygons[static_cast<size_t>(cell)], vertexAt(edge.from), vertexAt(edge.to));
-    }
+  forEachInParallel(
+      map.cells.size(), options.threads, [this](size_t i) { reachArcs(i); }, ManyQuickItems);
+  if (std::none_of(severalPolygons.begin(), severalPolygons.end(), [](char c) { return c != 0; }))
+    return;
   for (const Piece& piece : parts.pieces)
     for (const int area : {piece.left, piece.right}) {
       const int cell = severalAt(area);
@@ -39,7 +39,9 @@ void MapBuilder::measureDistances() {
       const auto at = [&](int vertex) {
         return directionOf(parts.vertices[static_cast<size_t>(vertex)]);
       };
-      reach(cell, parts.areas[static_cast<size_t>(area)].polygon, at(piece.from), at(piece.to));
+      const std::int32_t polygon = parts.areas[static_cast<size_t>(area)].polygon;
+      if (polygon < 0) continue;
+      reach(map.cells[static_cast<size_t>(cell)], planeOf(polygon), at(piece.from), at(piece.to));
     }
   for (size_t i = 0; i < parts.areas.size(); ++i) {
     const int cell = severalAt(static_cast<int>(i));
@@ -56,15 +58,28 @@ int MapBuilder::severalAt(int area) {
   return cellNumbers[static_cast<size_t>(first)];
 }
 
-void MapBuilder::reach(int cell, std::int32_t polygon, Vec3 a, Vec3 b) {
-  if (polygon < 0) return;
+// The arcs of a cell with one plane, each from its lower vertex, as its other cell has it.
+void MapBuilder::reachArcs(size_t number) {
+  const std::int32_t polygon = cellPolygons[number];
+  if (polygon < 0 || severalPolygons[number] != 0) return;
   const Vec3 plane = planeOf(polygon);
+  VisibleMap::Cell& cell = map.cells[number];
+  for (size_t r = cell.firstRing; r < cell.firstRing + cell.ringCount; ++r) {
+    int before = map.ringVertices[map.ringOffsets[r + 1] - 1];
+    for (size_t i = map.ringOffsets[r]; i < map.ringOffsets[r + 1]; ++i) {
+      const int vertex = map.ringVertices[i];
+      reach(cell, plane, vertexAt(std::min(before, vertex)), vertexAt(std::max(before, vertex)));
+      before = vertex;
+    }
+  }
+}
+
+void MapBuilder::reach(VisibleMap::Cell& c, Vec3 plane, Vec3 a, Vec3 b) {
   const double atA = Kernel::dot(plane, a);
   const double atB = Kernel::dot(plane, b);
   if (!(atA > 0.0) || !(atB > 0.0)) return;
   const double distanceA = 1.0 / atA;
   const double distanceB = 1.0 / atB;
-  VisibleMap::Cell& c = map.cells[static_cast<size_t>(cell)];
   const double least = distanceToSegment(distanceA * a, distanceB * b);
   c.minDistance = c.minDistance == 0.0 ? least : std::min(c.minDistance, least);
   c.maxDistance = std::max({c.maxDistance, distanceA, distanceB});

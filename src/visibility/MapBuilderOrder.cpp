@@ -4,6 +4,7 @@
 // the next one of that cell around their common vertex.
 #include "kernel/Planar.h"
 #include "kernel/Trigonometry.h"
+#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 
 #include <algorithm>
@@ -42,23 +43,26 @@ VisibleMap::EdgeKind MapBuilder::kindOf(const Link& link) const {
 
 // Vertices by their coordinates, cells by region and first vertex, edges by their vertices.
 void MapBuilder::orderMap() {
-  std::vector<int> used;
+  struct Placed {
+    Vec3 at;
+    int vertex;
+  };
+  std::vector<Placed> used;
   vertexNumbers.assign(directions.size(), -1);
   for (const Link& edge : edges)
     for (const int vertex : {edge.from, edge.to}) {
       int& number = vertexNumbers[static_cast<size_t>(vertex)];
-      if (number < 0) used.push_back(vertex);
+      if (number < 0) used.push_back({directions[static_cast<size_t>(vertex)], vertex});
       number = 0;
     }
-  const auto place = [this](int vertex) {
-    const Vec3 d = directions[static_cast<size_t>(vertex)];
-    return std::make_tuple(d.x, d.y, d.z, vertex);
-  };
-  std::sort(used.begin(), used.end(), [&](int a, int b) { return place(a) < place(b); });
-  for (size_t i = 0; i < used.size(); ++i) {
-    vertexNumbers[static_cast<size_t>(used[i])] = static_cast<int>(i);
-    const Vec3 d = directions[static_cast<size_t>(used[i])];
-    map.vertices.push_back({d.x, d.y, d.z});
+  sortInParallel(used, options.threads, [](const Placed& a, const Placed& b) {
+    if (a.at.x != b.at.x) return a.at.x < b.at.x;
+    return std::tie(a.at.y, a.at.z, a.vertex) < std::tie(b.at.y, b.at.z, b.vertex);
+  });
+  map.vertices.reserve(used.size());
+  for (const Placed& placed : used) {
+    vertexNumbers[static_cast<size_t>(placed.vertex)] = static_cast<int>(map.vertices.size());
+    map.vertices.push_back({placed.at.x, placed.at.y, placed.at.z});
   }
   std::vector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
   for (Link& edge : edges) {
@@ -75,15 +79,36 @@ void MapBuilder::orderMap() {
       }
   }
   orderCells(firstVertex);
-  const auto key = [](const Link& e) { return std::make_tuple(e.from, e.to, e.left, e.right); };
-  std::sort(edges.begin(), edges.end(),
-            [&](const Link& a, const Link& b) { return key(a) < key(b); });
+  orderEdges();
+  map.edges.reserve(edges.size());
   for (const Link& edge : edges)
     map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
   if (!options.edgeSources) return;
   for (const Link& edge : edges)
     map.edgeSources.push_back(
         edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
+}
+
+// Few edges leave a vertex, so that sorting those of each is quicker than sorting all.
+void MapBuilder::orderEdges() {
+  Buckets leaving;
+  leaving.fill(map.vertices.size(), [this](auto add) {
+    for (size_t i = 0; i < edges.size(); ++i) add(edges[i].from, static_cast<int>(i));
+  });
+  const auto key = [](const Link& e) { return std::make_tuple(e.to, e.left, e.right); };
+  std::vector<Link> ordered(edges.size());
+  forEachInParallel(
+      map.vertices.size(), options.threads,
+      [&](size_t i) {
+        const int vertex = static_cast<int>(i);
+        const auto first = ordered.begin() + static_cast<std::ptrdiff_t>(leaving.placeOf(vertex));
+        const auto last =
+            std::transform(leaving.begin(vertex), leaving.end(vertex), first,
+                           [this](int edge) { return edges[static_cast<size_t>(edge)]; });
+        std::sort(first, last, [&](const Link& a, const Link& b) { return key(a) < key(b); });
+      },
+      ManyQuickItems);
+  edges = std::move(ordered);
 }
 
 void MapBuilder::orderCells(const std::vector<int>& firstVertex) {
@@ -117,30 +142,48 @@ void MapBuilder::makeRings() {
     for (int h = 0; h < halves; ++h)
       if (cellOfHalf(h) != NoCell) add(startOfHalf(h), h);
   });
-  std::vector<char> taken(static_cast<size_t>(halves), 0);
   Buckets byCell;
   byCell.fill(map.cells.size(), [&](auto add) {
     for (int h = 0; h < halves; ++h)
       if (cellOfHalf(h) != NoCell) add(cellOfHalf(h), h);
   });
-  map.ringOffsets.push_back(0);
-  for (int c = 0; c < static_cast<int>(map.cells.size()); ++c) {
-    VisibleMap::Cell& cell = map.cells[static_cast<size_t>(c)];
-    cell.firstRing = map.ringOffsets.size() - 1;
-    for (const int* h = byCell.begin(c); h != byCell.end(c); ++h) {
-      if (taken[static_cast<size_t>(*h)] != 0) continue;
-      int half = *h;
-      const size_t start = map.ringVertices.size();
-      while (half >= 0 && taken[static_cast<size_t>(half)] == 0) {
-        taken[static_cast<size_t>(half)] = 1;
-        map.ringVertices.push_back(startOfHalf(half));
-        half = nextHalf(half, leaving, taken, *h);
-      }
-      const auto begin = map.ringVertices.begin() + static_cast<std::ptrdiff_t>(start);
-      std::rotate(begin, std::min_element(begin, map.ringVertices.end()), map.ringVertices.end());
-      map.ringOffsets.push_back(map.ringVertices.size());
+  // Every half is in one ring, so the place of each cell's rings is known before they are.
+  map.ringVertices.resize(byCell.size());
+  std::vector<char> taken(static_cast<size_t>(halves), 0);
+  std::vector<char> isFirst(byCell.size(), 0);
+  forEachInParallel(
+      map.cells.size(), options.threads,
+      [&](size_t c) { ringsOf(static_cast<int>(c), byCell, leaving, taken, isFirst); },
+      ManyQuickItems);
+  for (size_t c = 0; c < map.cells.size(); ++c) {
+    VisibleMap::Cell& cell = map.cells[c];
+    cell.firstRing = map.ringOffsets.size();
+    const size_t first = byCell.placeOf(static_cast<int>(c));
+    for (size_t i = first; i < first + byCell.size(static_cast<int>(c)); ++i)
+      if (isFirst[i] != 0) map.ringOffsets.push_back(i);
+    cell.ringCount = map.ringOffsets.size() - cell.firstRing;
+  }
+  map.ringOffsets.push_back(map.ringVertices.size());
+}
+
+// The vertices of a cell's rings, and which of them begin one.
+void MapBuilder::ringsOf(int cell, const Buckets& halves, const Buckets& leaving,
+                         std::vector<char>& taken, std::vector<char>& isFirst) {
+  size_t end = halves.placeOf(cell);
+  for (const int* h = halves.begin(cell); h != halves.end(cell); ++h) {
+    if (taken[static_cast<size_t>(*h)] != 0) continue;
+    int half = *h;
+    const size_t start = end;
+    while (half >= 0 && taken[static_cast<size_t>(half)] == 0) {
+      taken[static_cast<size_t>(half)] = 1;
+      map.ringVertices[end++] = startOfHalf(half);
+      half = nextHalf(half, leaving, taken, *h);
     }
-    cell.ringCount = map.ringOffsets.size() - 1 - cell.firstRing;
+    const auto at = [this](size_t i) {
+      return map.ringVertices.begin() + static_cast<std::ptrdiff_t>(i);
+    };
+    std::rotate(at(start), std::min_element(at(start), at(end)), at(end));
+    isFirst[start] = 1;
   }
 }
 

@@ -1,11 +1,12 @@
 // Places come from the scene, not from tiles or what is hidden: a vertex is a corner of the scene,
 // the middle of a wide edge, or the meeting of two of the lines that end in it.
 #include "visibility/EyePlane.h"
+#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 
 #include <algorithm>
 #include <tuple>
-#include <utility>
+#include <vector>
 
 namespace Lumivane::Visibility {
 namespace {
@@ -21,27 +22,38 @@ using Kernel::Vec3;
 // coordinates follow from these. Where lines meet at too small an angle it stays where the sweep
 // has found it.
 void MapBuilder::placeVertices() {
-  std::vector<std::pair<int, Source>> lines;
-  for (const Link& edge : edges)
-    for (const int vertex : {edge.from, edge.to})
-      if (static_cast<size_t>(vertex) < parts.vertices.size() && edge.source != NoSource)
-        lines.emplace_back(vertex, edge.source);
-  std::sort(lines.begin(), lines.end());
-  lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
-  for (size_t i = 0; i < lines.size();) {
-    size_t end = i + 1;
-    while (end < lines.size() && lines[end].first == lines[i].first) ++end;
-    placeVertex(lines[i].first, lines.data() + i, end - i);
-    i = end;
-  }
+  Buckets edgesAt;
+  edgesAt.fill(parts.vertices.size(), [this](auto add) {
+    for (size_t i = 0; i < edges.size(); ++i)
+      for (const int vertex : {edges[i].from, edges[i].to})
+        if (static_cast<size_t>(vertex) < parts.vertices.size() && edges[i].source != NoSource)
+          add(vertex, static_cast<int>(i));
+  });
+  std::vector<Source> lines(edgesAt.size());
+  forEachInParallel(
+      parts.vertices.size(), options.threads,
+      [&](size_t i) {
+        const int vertex = static_cast<int>(i);
+        const int* const begin = edgesAt.begin(vertex);
+        const int* const end = edgesAt.end(vertex);
+        if (begin == end) return;
+        Source* const first = lines.data() + edgesAt.placeOf(vertex);
+        Source* last = std::transform(begin, end, first, [this](int edge) {
+          return edges[static_cast<size_t>(edge)].source;
+        });
+        std::sort(first, last);
+        last = std::unique(first, last);
+        placeVertex(vertex, first, static_cast<size_t>(last - first));
+      },
+      ManyQuickItems);
 }
 
-void MapBuilder::placeVertex(int vertex, const std::pair<int, Source>* lines, size_t count) {
+void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
   Vec3& place = directions[static_cast<size_t>(vertex)];
   const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
   std::int32_t corner = -1;
   for (size_t i = 0; i < count; ++i) {
-    const Source source = lines[i].second;
+    const Source source = lines[i];
     if (source < 0 || isCrossing(source)) continue;
     for (const size_t k : {size_t{0}, size_t{1}}) {
       const std::int32_t candidate = setup.state->edgeVertices[2 * static_cast<size_t>(source) + k];
@@ -55,7 +67,7 @@ void MapBuilder::placeVertex(int vertex, const std::pair<int, Source>* lines, si
   }
   for (size_t i = 0; i < count; ++i) {
     Vec3 middle;
-    if (!middleOfWide(lines[i].second, middle) || !isClose(middle)) continue;
+    if (!middleOfWide(lines[i], middle) || !isClose(middle)) continue;
     place = middle;
     return;
   }
@@ -63,7 +75,7 @@ void MapBuilder::placeVertex(int vertex, const std::pair<int, Source>* lines, si
   Vec3 meeting{};
   for (size_t i = 0; i < count; ++i)
     for (size_t k = i + 1; k < count; ++k) {
-      const Vec3 d = Kernel::cross(normalOf(lines[i].second), normalOf(lines[k].second));
+      const Vec3 d = Kernel::cross(normalOf(lines[i]), normalOf(lines[k]));
       const double sine = Kernel::length3(d);
       if (sine <= best) continue;
       const double sign = Kernel::dot(d, place) < 0.0 ? -1.0 : 1.0;

@@ -2,6 +2,7 @@
 // become part of a neighbour, before edges are made and once more when vertices are in their
 // places.
 #include "kernel/Planar.h"
+#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
 
@@ -37,28 +38,49 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
     double shared;
   };
   std::vector<Extent> extents(found.size(), Extent{{}, 0.0, 0.0, NoCell, 0.0});
-  const auto forSides = [&](auto visit) {
-    for (const Link& link : borders) {
-      const Vec3 a = directions[static_cast<size_t>(link.from)];
-      const Vec3 b = directions[static_cast<size_t>(link.to)];
-      if (link.left != NoCell) visit(extents[static_cast<size_t>(link.left)], a, b, link.right);
-      if (link.right != NoCell) visit(extents[static_cast<size_t>(link.right)], b, a, link.left);
-    }
-  };
-  forSides([](Extent& e, Vec3 a, Vec3 b, int neighbour) {
-    const double length = Kernel::distance(a, b);
-    if (e.length == 0.0) e.from = a;
+  const auto start = [&](const Link& link) { return directions[static_cast<size_t>(link.from)]; };
+  const auto end = [&](const Link& link) { return directions[static_cast<size_t>(link.to)]; };
+  const auto addBorder = [](Extent& e, Vec3 corner, double length, int neighbour) {
+    if (e.length == 0.0) e.from = corner;
     e.length += length;
     if (length > e.shared) {
       e.shared = length;
       e.neighbour = neighbour;
     }
-  });
+  };
+  for (const Link& link : borders) {
+    const double length = Kernel::distance(start(link), end(link));
+    if (link.left != NoCell)
+      addBorder(extents[static_cast<size_t>(link.left)], start(link), length, link.right);
+    if (link.right != NoCell)
+      addBorder(extents[static_cast<size_t>(link.right)], end(link), length, link.left);
+  }
   // Small cells are measured from one of their corners, so that rounding stays as small; large
   // ones from a direction that is opposite to none of their arcs.
   for (Extent& e : extents)
     if (e.length > 1.0) e.from = unit({0.36, -0.48, 0.81});
-  forSides([](Extent& e, Vec3 a, Vec3 b, int) { e.area += triangleSolidAngle(e.from, a, b); });
+  // Triangles by several threads, their sums in one order.
+  struct Triangles {
+    double left;
+    double right;
+  };
+  std::vector<Triangles> triangles(borders.size(), Triangles{0.0, 0.0});
+  forEachInParallel(
+      borders.size(), options.threads,
+      [&](size_t i) {
+        const Link& link = borders[i];
+        const auto from = [&](int cell) { return extents[static_cast<size_t>(cell)].from; };
+        if (link.left != NoCell)
+          triangles[i].left = triangleSolidAngle(from(link.left), start(link), end(link));
+        if (link.right != NoCell)
+          triangles[i].right = triangleSolidAngle(from(link.right), end(link), start(link));
+      },
+      ManyQuickItems);
+  for (size_t i = 0; i < borders.size(); ++i) {
+    const Link& link = borders[i];
+    if (link.left != NoCell) extents[static_cast<size_t>(link.left)].area += triangles[i].left;
+    if (link.right != NoCell) extents[static_cast<size_t>(link.right)].area += triangles[i].right;
+  }
   std::vector<int> order(found.size());
   std::iota(order.begin(), order.end(), 0);
   std::stable_sort(order.begin(), order.end(), [this](int a, int b) {

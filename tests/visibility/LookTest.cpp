@@ -184,6 +184,26 @@ TEST(LookProperty, AnyNumberOfThreadsGivesTheSameBytes) {
   }
 }
 
+TEST(LookProperty, AnyNumberOfThreadsGivesTheSameBytesOfAMapOfThousandsOfCells) {
+  Samples::PolygonBuilder builder;
+  Random random(12);
+  constexpr int Rows = 60;
+  for (int i = 0; i < Rows * Rows; ++i)
+    builder.add(Samples::square(i % Rows - Rows / 2, i / Rows - Rows / 2,
+                                -10.0 - random.between(0.0, 3.0), 0.9),
+                i + 1);
+  const SceneIndex index(builder.scene);
+  LookOptions options;
+  options.forward = {0, 0, -1};
+  options.twoSided = true;
+  const VisibleMap one = index.look({0.1, 0.2, 0.3}, options);
+  EXPECT_GT(one.cells.size(), size_t{Rows * Rows});
+  for (const int threads : {2, 3, 8}) {
+    options.threads = threads;
+    EXPECT_TRUE(sameBytes(one, index.look({0.1, 0.2, 0.3}, options)));
+  }
+}
+
 // The label that a map has in a direction: that of the side from which the nearest edge on a walk
 // along a great circle is reached. -1 where no edge is met.
 int cellAt(const VisibleMap& map, const Vector& d, double& nearest) {
