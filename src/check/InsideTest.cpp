@@ -1,4 +1,5 @@
-#include "kernel/Planar.h"
+#include "check/RayPolygon.h"
+#include "kernel/RayTree.h"
 #include "kernel/Vec.h"
 
 #include <lumivane/check/InsideTest.h>
@@ -11,8 +12,10 @@
 #include <lumivane/scene/Scene3D.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <mutex>
 #include <utility>
@@ -21,6 +24,14 @@
 // A point is inside a body if the first polygon that a ray from it meets shows its back. Real
 // bodies have gaps and doubled walls, so several rays vote, in directions in which models have no
 // edges.
+//
+// The first points are compared with all polygons, since one alone is not worth a tree; from then
+// on a tree of boxes says which polygons a ray may meet. Both come to the same answer, because the
+// tree leaves out nothing that the arithmetic of RayPolygon.h finds met, with all its rounding.
+// Straight up that is so by the boxes of corners, which are compared there, too. Along other rays a
+// polygon is met where the ray meets its plane, if the outline, seen along an axis, holds that
+// place: so its box has the plane over that outline in it, and is taken wider than rounding can
+// bring the place off the plane. Polygons of such numbers that this does not hold are asked always.
 namespace Lumivane::Check {
 
 using Kernel::Vec2;
@@ -49,207 +60,185 @@ const std::vector<Vec3>& directions() {
 // Polygons on each other differ by rounding alone.
 constexpr double SameDistance = 1e-9;
 
-struct Polygon {
-  std::vector<Vec3> corners;
-  Vec3 normal;  // points to the side from which the corners run counterclockwise: its back
-  Vec3 mean;
-  Vec3 low;
-  Vec3 high;
-  std::size_t object = 0;  // counted from 1
-};
+// So many points are compared with all polygons before a tree is made of them.
+constexpr int PointsWithoutTree = 8;
 
 // What a ray meets first.
 struct FirstMet {
-  bool isBack = false;  // the back of a polygon alone
-  std::size_t object = 0;
+  double front = std::numeric_limits<double>::infinity();
+  double back = std::numeric_limits<double>::infinity();
+  std::size_t polygon = 0;  // the first one at the distance of `back`
+  // The back of a polygon alone.
+  bool isBack() const { return back < front && front - back > SameDistance * back; }
+  // Farther than this, nothing changes what is met.
+  double limit() const { return std::min(front, back) * (1.0 + 1e3 * SameDistance); }
 };
-
-// Newell's normal, and the middle of the corners.
-Polygon polygonOf(std::vector<Vec3> corners) {
-  Polygon polygon;
-  const double infinity = std::numeric_limits<double>::infinity();
-  polygon.low = {infinity, infinity, infinity};
-  polygon.high = -polygon.low;
-  const double share = 1.0 / static_cast<double>(corners.size());
-  // About the first corner, so that coordinates far from the origin lose nothing.
-  const Vec3 origin = corners.front();
-  polygon.normal =
-      Kernel::twiceAreaVector(corners.size(), origin, [&](std::size_t i) { return corners[i]; });
-  for (const Vec3& corner : corners) {
-    polygon.mean = polygon.mean + share * (corner - origin);
-    polygon.low = {std::min(polygon.low.x, corner.x), std::min(polygon.low.y, corner.y),
-                   std::min(polygon.low.z, corner.z)};
-    polygon.high = {std::max(polygon.high.x, corner.x), std::max(polygon.high.y, corner.y),
-                    std::max(polygon.high.z, corner.z)};
-  }
-  polygon.mean = polygon.mean + origin;
-  polygon.corners = std::move(corners);
-  return polygon;
-}
-
-// A vector without one of its coordinates.
-Vec2 without(Vec3 v, int leftOut) { return {leftOut == 0 ? v.y : v.x, leftOut == 2 ? v.y : v.z}; }
-
-int longestAxis(Vec3 v) {
-  const double x = std::abs(v.x);
-  const double y = std::abs(v.y);
-  const double z = std::abs(v.z);
-  if (x >= y && x >= z) return 0;
-  return y >= z ? 1 : 2;
-}
-
-// Seen along the axis that is left out.
-bool contains(const Polygon& polygon, Vec3 point, int leftOut) {
-  return Kernel::isInOutline(polygon.corners.size(), without(point, leftOut),
-                             [&](std::size_t i) { return without(polygon.corners[i], leftOut); });
-}
-
-// How far along a ray a polygon is met; infinity if it is not.
-double distanceTo(const Polygon& polygon, Vec3 from, Vec3 direction) {
-  const double infinity = std::numeric_limits<double>::infinity();
-  const double slope = Kernel::dot(polygon.normal, direction);
-  if (slope == 0.0) return infinity;
-  const double distance = Kernel::dot(polygon.normal, polygon.mean - from) / slope;
-  if (!(distance > 0.0)) return infinity;
-  const Vec3 at = from + distance * direction;
-  return contains(polygon, at, longestAxis(polygon.normal)) ? distance : infinity;
-}
-
-bool mayBeAbove(const Polygon& polygon, Vec3 point) {
-  return polygon.high.z > point.z && polygon.low.x <= point.x && polygon.high.x >= point.x &&
-         polygon.low.y <= point.y && polygon.high.y >= point.y;
-}
 
 }  // namespace
 
-// Arrays stay as they are as long as nothing but the sky is overhead: then a look at their corners
-// is all that it takes.
-struct InsideTest::Polygons {
-  std::vector<Polygon> all;
-  Outlines outlines;  // of which `all` is made when it is asked for
-
-  bool hasOutlines() const { return outlines.points != nullptr; }
-
-  Vec3 corner(std::size_t i) const {
-    const auto& point = outlines.points[outlines.corners[i]];
-    return {point[0], point[1], point[2]};
+class InsideTest::Polygons {
+ public:
+  explicit Polygons(Outlines theOutlines) : outlines(std::move(theOutlines)) {}
+  explicit Polygons(Scene::Scene3D& scene) {
+    auto own = std::make_shared<Arrays>();
+    own->offsets.push_back(0);
+    if (scene.getPoints() != nullptr && scene.getObjects() != nullptr) addAll(scene, *own);
+    outlines.points = own->points.data();
+    outlines.offsets = own->offsets.data();
+    outlines.corners = own->corners.data();
+    outlines.owner = own;
   }
 
-  std::size_t cornerCount(std::size_t i) const {
-    return outlines.offsets[i + 1] - outlines.offsets[i];
+  bool isInside(Vec3 eye) const {
+    if (asked < PointsWithoutTree)
+      ++asked;
+    else
+      needTree();
+    // Nearly every eye is decided by the first ray, and cheaply.
+    const FirstMet above = metAbove(eye);
+    if (!above.isBack()) return false;
+    needTree();
+    // Where bodies touch, as houses of a row do, the wall of the one stands on that of the other,
+    // and both together count as a front: then the body overhead is asked alone.
+    return isEnclosed(eye, 0) || isEnclosed(eye, outlines.objects[above.polygon]);
   }
 
-  Polygon polygonAt(std::size_t i) const {
-    std::vector<Vec3> corners;
-    corners.reserve(cornerCount(i));
-    for (std::size_t k = outlines.offsets[i]; k < outlines.offsets[i + 1]; ++k)
-      corners.push_back(corner(k));
-    Polygon polygon = polygonOf(std::move(corners));
-    polygon.object = static_cast<std::size_t>(outlines.objects[i]);
-    return polygon;
-  }
+ private:
+  struct Arrays {
+    std::vector<std::array<double, 3>> points;
+    std::vector<std::size_t> offsets;
+    std::vector<int> corners;
+  };
 
-  bool mayBeAbove(std::size_t i, Vec3 point) const {
-    bool isHigher = false;
-    bool isLeft = false;
-    bool isRight = false;
-    bool isInFront = false;
-    bool isBehind = false;
-    for (std::size_t k = outlines.offsets[i]; k < outlines.offsets[i + 1]; ++k) {
-      const Vec3 at = corner(k);
-      isHigher |= at.z > point.z;
-      isLeft |= at.x <= point.x;
-      isRight |= at.x >= point.x;
-      isInFront |= at.y <= point.y;
-      isBehind |= at.y >= point.y;
-    }
-    return isHigher && isLeft && isRight && isInFront && isBehind;
-  }
-
-  void makeAll() {
-    for (std::size_t i = 0; i < outlines.objects.size(); ++i)
-      if (cornerCount(i) >= 3) all.push_back(polygonAt(i));
-  }
-
-  // What a ray straight up meets first.
-  FirstMet above(Vec3 from) const {
-    if (!hasOutlines()) return firstMet(from, directions().front(), true, 0);
-    Polygons over;
-    for (std::size_t i = 0; i < outlines.objects.size(); ++i)
-      if (cornerCount(i) >= 3 && mayBeAbove(i, from)) over.all.push_back(polygonAt(i));
-    return over.firstMet(from, directions().front(), true, 0);
-  }
-
-  // Among the polygons of one object, or of all for 0.
-  FirstMet firstMet(Vec3 from, Vec3 direction, bool isUp, std::size_t object) const {
-    double front = std::numeric_limits<double>::infinity();
-    double back = front;
-    FirstMet first;
-    for (const Polygon& polygon : all) {
-      if (object != 0 && polygon.object != object) continue;
-      if (isUp && !Check::mayBeAbove(polygon, from)) continue;
-      const double distance = distanceTo(polygon, from, direction);
-      const bool isFront = Kernel::dot(polygon.normal, direction) > 0.0;
-      if (!isFront && distance < back) first.object = polygon.object;
-      double& nearest = isFront ? front : back;
-      nearest = std::min(nearest, distance);
-    }
-    first.isBack = back < front && front - back > SameDistance * back;
-    return first;
-  }
-
-  // Whether most rays, the one straight up among them, meet backs.
-  bool isEnclosed(Vec3 eye, std::size_t object) const {
-    const std::vector<Vec3>& rays = directions();
-    const auto backs = std::count_if(rays.begin() + 1, rays.end(), [&](Vec3 direction) {
-      return firstMet(eye, direction, false, object).isBack;
-    });
-    return 2 * (static_cast<std::size_t>(backs) + 1) > rays.size();
-  }
-};
-
-InsideTest::InsideTest(Scene::Scene3D& scene) {
-  auto found = std::make_unique<Polygons>();
-  if (scene.getPoints() != nullptr && scene.getObjects() != nullptr) {
+  void addAll(Scene::Scene3D& scene, Arrays& own) {
     const auto& points = *scene.getPoints()->getPoints();
-    std::size_t number = 0;
+    own.points.reserve(points.size());
+    for (const Geometry::Point3d* const point : points)
+      own.points.push_back(
+          point == nullptr ? std::array<double, 3>{}
+                           : std::array<double, 3>{point->getX(), point->getY(), point->getZ()});
+    int number = 0;
     for (const Scene::Object* object : *scene.getObjects()->getObjects()) {
       ++number;
       if (object == nullptr || object->getRegions() == nullptr) continue;
       for (const Geometry::Region* region : *object->getRegions()->getRegions()) {
         if (region == nullptr || region->getPoints() == nullptr) continue;
-        std::vector<Vec3> corners;
-        for (const int corner : *region->getPoints()) {
-          if (corner < 1 || static_cast<std::size_t>(corner) > points.size()) continue;
-          const Geometry::Point3d* point = points[static_cast<std::size_t>(corner) - 1];
-          if (point != nullptr) corners.push_back({point->getX(), point->getY(), point->getZ()});
-        }
-        if (corners.size() < 3) continue;
-        found->all.push_back(polygonOf(std::move(corners)));
-        found->all.back().object = number;
+        for (const int corner : *region->getPoints())
+          if (corner >= 1 && static_cast<std::size_t>(corner) <= points.size() &&
+              points[static_cast<std::size_t>(corner) - 1] != nullptr)
+            own.corners.push_back(corner - 1);
+        own.offsets.push_back(own.corners.size());
+        outlines.objects.push_back(number);
       }
     }
   }
-  polygons = std::move(found);
-}
 
-InsideTest::InsideTest(Outlines outlines) {
-  auto found = std::make_unique<Polygons>();
-  found->outlines = std::move(outlines);
-  polygons = std::move(found);
-}
+  std::size_t size() const { return outlines.objects.size(); }
+
+  Outline outline(std::size_t i) const {
+    return {outlines.points, outlines.corners + outlines.offsets[i],
+            outlines.offsets[i + 1] - outlines.offsets[i]};
+  }
+
+  static bool isPolygon(const Outline& corners) { return corners.count() >= 3; }
+
+  void needTree() const {
+    std::call_once(once, [this] {
+      tree = Kernel::RayTree(size(), [this](std::size_t i) { return boxForTree(i); });
+      for (std::size_t i = 0; i < size(); ++i)
+        if (isAskedAlways(i)) always.push_back(static_cast<std::uint32_t>(i));
+      hasTree = true;
+    });
+  }
+
+  // Empty of what no ray meets, and of what is asked always.
+  Kernel::SpaceBox boxForTree(std::size_t i) const {
+    const Outline corners = outline(i);
+    if (!isPolygon(corners)) return {};
+    const Polygon polygon = polygonOf(corners);
+    return isOrdinary(polygon) ? boxWithPlane(polygon) : Kernel::SpaceBox{};
+  }
+
+  bool isAskedAlways(std::size_t i) const {
+    const Outline corners = outline(i);
+    if (!isPolygon(corners)) return false;
+    const Polygon polygon = polygonOf(corners);
+    return !isOrdinary(polygon) && polygon.normal != Vec3{};  // without a normal none is met
+  }
+
+  void meet(std::size_t i, Vec3 from, Vec3 direction, FirstMet& first) const {
+    const Polygon polygon = polygonOf(outline(i));
+    const double distance = distanceTo(polygon, from, direction);
+    if (Kernel::dot(polygon.normal, direction) > 0.0) {
+      first.front = std::min(first.front, distance);
+    } else if (distance < first.back || (distance == first.back && i < first.polygon)) {
+      first.back = distance;
+      first.polygon = i;
+    }
+  }
+
+  // By a ray straight up.
+  FirstMet metAbove(Vec3 from) const {
+    FirstMet first;
+    const auto meetAbove = [&](std::size_t i) {
+      const Outline corners = outline(i);
+      if (isPolygon(corners) && mayBeAbove(corners, from))
+        meet(i, from, directions().front(), first);
+    };
+    if (hasTree) {
+      tree.visitAbove(from, meetAbove);
+      for (const std::uint32_t i : always) meetAbove(i);
+    } else {
+      for (std::size_t i = 0; i < size(); ++i) meetAbove(i);
+    }
+    return first;
+  }
+
+  // Among the polygons of one object, or of all for 0.
+  FirstMet metAlong(Vec3 from, std::size_t ray, int object) const {
+    FirstMet first;
+    const Vec3 direction = directions()[ray];
+    const auto meetAlong = [&](std::size_t i) {
+      if (object == 0 || outlines.objects[i] == object) meet(i, from, direction, first);
+      return first.limit();
+    };
+    for (const std::uint32_t i : always) meetAlong(i);
+    tree.visitAlong(from, direction, marginFrom(from), meetAlong);
+    return first;
+  }
+
+  double marginFrom(Vec3 from) const {
+    const Kernel::SpaceBox& box = tree.bounds();
+    const double reach = std::max(longest(box.low - from), longest(box.high - from));
+    const double coordinate = std::max({longest(box.low), longest(box.high), longest(from)});
+    return Margin * (reach + coordinate);
+  }
+
+  // Whether most rays, the one straight up among them, meet backs.
+  bool isEnclosed(Vec3 eye, int object) const {
+    std::size_t backs = 1;
+    for (std::size_t ray = 1; ray < directions().size(); ++ray)
+      backs += metAlong(eye, ray, object).isBack() ? 1 : 0;
+    return 2 * backs > directions().size();
+  }
+
+  Outlines outlines;
+  mutable std::atomic<int> asked{0};
+  mutable std::once_flag once;
+  mutable std::atomic<bool> hasTree{false};
+  mutable Kernel::RayTree tree;
+  mutable std::vector<std::uint32_t> always;  // what the tree leaves out, though it may be met
+};
+
+InsideTest::InsideTest(Scene::Scene3D& scene) : polygons(std::make_unique<Polygons>(scene)) {}
+
+InsideTest::InsideTest(Outlines outlines)
+    : polygons(std::make_unique<Polygons>(std::move(outlines))) {}
 
 InsideTest::~InsideTest() = default;
 
 bool InsideTest::isInside(const std::array<double, 3>& point) const {
-  const Vec3 eye{point[0], point[1], point[2]};
-  // Nearly every eye is decided by the first ray, and cheaply.
-  const FirstMet above = polygons->above(eye);
-  if (!above.isBack) return false;
-  if (polygons->hasOutlines()) std::call_once(isMade, [this] { polygons->makeAll(); });
-  // Where bodies touch, as houses of a row do, the wall of the one stands on that of the other, and
-  // both together count as a front: then the body overhead is asked alone.
-  return polygons->isEnclosed(eye, 0) || polygons->isEnclosed(eye, above.object);
+  return polygons->isInside({point[0], point[1], point[2]});
 }
 
 }  // namespace Lumivane::Check

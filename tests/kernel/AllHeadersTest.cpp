@@ -28,6 +28,7 @@
 #include "kernel/Polygon2.h"
 #include "kernel/Polygon3.h"
 #include "kernel/Projection.h"
+#include "kernel/RayTree.h"
 #include "kernel/Rings.h"
 #include "kernel/SamePoint.h"
 #include "kernel/SparseCells.h"
