@@ -7,20 +7,20 @@
 #include "visibility/MapBuilder.h"
 #include "visibility/MapParts.h"
 #include "visibility/TileDescent.h"
+#include "visibility/TileTeam.h"
 
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cmath>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
-// A look divides the faces of the cube into tiles, which are worked on in any order by any number
-// of threads, each into parts of its own. The parts are then joined in the order of the tiles, so
-// that the map does not depend on who did what.
+// A look divides the faces of the cube into tiles. Threads that have nothing to do are given halves
+// of them, each with parts of its own, which are joined in the order of the tiles: so the map does
+// not depend on who did what.
 namespace Lumivane::Visibility {
 
 using Kernel::Vec3;
@@ -70,125 +70,8 @@ void check(const Vector& eye, const LookOptions& options) {
   if (options.threads < 0) throw std::invalid_argument("the number of threads is negative");
 }
 
-// How often each face is halved before the work is given out. It depends on the scene alone.
-int levelsFor(size_t polygons) { return polygons < 200 ? 0 : polygons < 4000 ? 2 : 4; }
-
-bool halvedAlongX(const Tile& tile) { return tile.x1 - tile.x0 >= tile.y1 - tile.y0; }
-
-std::pair<Tile, Tile> halves(const Tile& tile) {
-  Tile low = tile;
-  Tile high = tile;
-  if (halvedAlongX(tile)) {
-    low.x1 = high.x0 = tile.x0 + (tile.x1 - tile.x0) / 2;
-  } else {
-    low.y1 = high.y0 = tile.y0 + (tile.y1 - tile.y0) / 2;
-  }
-  return {low, high};
-}
-
-struct Task {
-  Tile tile{};
-  MapParts parts;
-  Sides sides;
-};
-
-void addTasks(std::vector<Task>& tasks, const Tile& tile, int levels) {
-  if (levels == 0) {
-    tasks.emplace_back();
-    tasks.back().tile = tile;
-    return;
-  }
-  const auto [low, high] = halves(tile);
-  addTasks(tasks, low, levels - 1);
-  addTasks(tasks, high, levels - 1);
-}
-
-// Runs the tasks, and reports from the calling thread.
-class Workers {
- public:
-  Workers(std::vector<Task>& theTasks, const LookSetup& theSetup, const LookOptions& theOptions)
-      : tasks(theTasks), setup(theSetup), options(theOptions) {}
-
-  void run() {
-    if (options.progress) options.progress(0.0);
-    const size_t threads = std::min(threadCount(options.threads), tasks.size());
-    inParallel(threads, [this](bool isCaller) { work(isCaller); });
-  }
-
- private:
-  void work(bool reports) try {
-    LookPolygons polygons(setup);
-    for (;;) {
-      const size_t i = next.fetch_add(1);
-      if (i >= tasks.size() || stopped.load(std::memory_order_relaxed)) return;
-      Task& task = tasks[i];
-      TileDescent descent(polygons, task.parts, options.cancelled);
-      task.sides = descent.run(task.tile);
-      done.fetch_add(1);
-      if (reports) report();
-    }
-  } catch (...) {
-    stopped.store(true);
-    throw;
-  }
-
-  void report() {
-    if (!options.progress) return;
-    const auto now = std::chrono::steady_clock::now();
-    if (now - lastReport < std::chrono::milliseconds(100)) return;
-    lastReport = now;
-    // The last tenth is for making the map of the parts.
-    options.progress(0.9 * static_cast<double>(done.load()) / static_cast<double>(tasks.size()));
-  }
-
-  std::vector<Task>& tasks;
-  const LookSetup& setup;
-  const LookOptions& options;
-  std::atomic<size_t> next{0};
-  std::atomic<size_t> done{0};
-  std::atomic<bool> stopped{false};
-  std::chrono::steady_clock::time_point lastReport = std::chrono::steady_clock::now();
-};
-
-void shiftSides(Sides& sides, int by) {
-  for (SideList& side : sides) {
-    if (side.head >= 0) side.head += by;
-    if (side.tail >= 0) side.tail += by;
-  }
-}
-
-void reserve(MapParts& parts, const std::vector<Task>& tasks) {
-  size_t areas = 0;
-  size_t vertices = 0;
-  size_t pieces = 0;
-  size_t stretches = 0;
-  for (const Task& task : tasks) {
-    areas += task.parts.areas.size();
-    vertices += task.parts.vertices.size();
-    pieces += task.parts.pieces.size();
-    stretches += task.parts.stretches.size();
-  }
-  parts.areas.reserve(areas);
-  parts.areaSets.reserve(areas);
-  parts.vertices.reserve(vertices);
-  parts.vertexSets.reserve(vertices);
-  parts.pieces.reserve(pieces);
-  parts.stretches.reserve(stretches);
-}
-
-Sides joinTasks(MapParts& parts, std::vector<Task>& tasks, size_t& next, const Tile& tile,
-                int levels) {
-  if (levels == 0) {
-    Task& task = tasks[next++];
-    shiftSides(task.sides, append(parts, task.parts));
-    task.parts = MapParts{};
-    return task.sides;
-  }
-  const auto [low, high] = halves(tile);
-  const Sides lowSides = joinTasks(parts, tasks, next, low, levels - 1);
-  const Sides highSides = joinTasks(parts, tasks, next, high, levels - 1);
-  return joinTiles(parts, low, lowSides, highSides, halvedAlongX(tile));
-}
+// Threads for so few polygons take longer to make than they save.
+constexpr size_t PolygonsForThread = 64;
 
 // The side of a face towards a neighbour that lies across an axis.
 Side sideTowards(const CubeFace& f, int axis, int sign) {
@@ -214,23 +97,68 @@ void joinFaces(MapParts& parts, const std::array<Sides, FaceCount>& sides) {
     }
 }
 
-Tile wholeFace(int face) { return {face, -CubeHalf, -CubeHalf, CubeHalf, CubeHalf}; }
+TileStart wholeFace(int face) {
+  TileStart start;
+  start.tile = {face, -CubeHalf, -CubeHalf, CubeHalf, CubeHalf};
+  start.wholeFace = true;
+  return start;
+}
+
+// Looks at all faces. What the calling thread does itself goes straight into the parts.
+class Looker {
+ public:
+  Looker(const LookSetup& theSetup, const LookOptions& options, MapParts& theParts)
+      : setup(theSetup), parts(theParts), team(options.cancelled, options.progress) {
+    const size_t polygons =
+        setup.only != nullptr ? setup.only->size() : setup.state->polygonCount();
+    threads = std::min(threadCount(options.threads), 1 + polygons / PolygonsForThread);
+  }
+
+  std::array<Sides, FaceCount> run() {
+    // The last face first: the calling thread begins at the other end.
+    for (int face = FaceCount - 1; face > 0; --face) offered[face] = &team.offer(wholeFace(face));
+    inParallel(threads, [this](bool isCaller) { work(isCaller); });
+    team.throwFailure();
+    return sides;
+  }
+
+ private:
+  void work(bool isCaller) try {
+    LookPolygons polygons(setup);
+    if (isCaller) {
+      lookAtFaces(polygons);
+      team.end();
+    } else {
+      while (TileJob* const job = team.next()) TileDescent::run(*job, polygons, team);
+    }
+  } catch (const TileTeam::Stopped&) {
+    // By what has failed elsewhere.
+  } catch (...) {
+    team.fail();
+  }
+
+  void lookAtFaces(LookPolygons& polygons) {
+    TileDescent descent(polygons, parts, team);
+    for (int face = 0; face < FaceCount; ++face)
+      sides[static_cast<size_t>(face)] = face == 0 || team.takeBack(*offered[face])
+                                             ? descent.run(wholeFace(face))
+                                             : descent.resultOf(*offered[face]);
+  }
+
+  const LookSetup& setup;
+  MapParts& parts;
+  TileTeam team;
+  size_t threads = 1;
+  TileJob* offered[FaceCount] = {};
+  std::array<Sides, FaceCount> sides;
+};
 
 }  // namespace
 
 void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
-  const size_t polygons = setup.only != nullptr ? setup.only->size() : setup.state->polygonCount();
-  const int levels = levelsFor(polygons);
-  std::vector<Task> tasks;
-  for (int face = 0; face < FaceCount; ++face) addTasks(tasks, wholeFace(face), levels);
-  Workers(tasks, setup, options).run();
+  if (options.progress) options.progress(0.0);
   MapParts parts;
-  reserve(parts, tasks);
-  size_t next = 0;
-  std::array<Sides, FaceCount> sides;
-  for (int face = 0; face < FaceCount; ++face)
-    sides[static_cast<size_t>(face)] = joinTasks(parts, tasks, next, wholeFace(face), levels);
-  joinFaces(parts, sides);
+  joinFaces(parts, Looker(setup, options, parts).run());
   buildMap(parts, setup, {threadCount(options.threads), options.cancelled, options.edgeSources},
            map);
 }

@@ -103,7 +103,7 @@ void stitch(MapParts& parts, SideList first, SideList second, const SharedLine& 
   Stitcher(parts, line).run(first.head, second.head);
 }
 
-int append(MapParts& parts, const MapParts& other) {
+Sides append(MapParts& parts, const MapParts& other, Sides sides) {
   const int areas = static_cast<int>(parts.areas.size());
   const int vertices = static_cast<int>(parts.vertices.size());
   const int stretches = static_cast<int>(parts.stretches.size());
@@ -126,7 +126,8 @@ int append(MapParts& parts, const MapParts& other) {
     stretch.next = moved(stretch.next, stretches);
     parts.stretches.push_back(stretch);
   }
-  return stretches;
+  for (SideList& side : sides) side = {moved(side.head, stretches), moved(side.tail, stretches)};
+  return sides;
 }
 
 }  // namespace Lumivane::Visibility

@@ -153,7 +153,7 @@ struct SharedLine {
 /// Joins what touches along a line: areas of one label become one, between others pieces arise.
 void stitch(MapParts& parts, SideList first, SideList second, const SharedLine& line);
 
-/// Appends other parts and gives by how much the numbers of its stretches have grown.
-int append(MapParts& parts, const MapParts& other);
+/// Appends other parts, along whose sides lies `sides`; gives that with the numbers it has now.
+Sides append(MapParts& parts, const MapParts& other, Sides sides);
 
 }  // namespace Lumivane::Visibility

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 // From a face of the cube down to tiles so small that few edges are left in them. On the way down,
 // what may be seen in a tile is narrowed: boxes of the hierarchy outside it are dropped, near ones
@@ -29,6 +30,9 @@ constexpr size_t MostScreened = 300;
 constexpr int UnscreenedLevels = 3;
 constexpr size_t FewestScreened = 6;  // polygons
 constexpr int StalledLevels = 8;
+// A tile with less in it is not offered to other threads.
+constexpr size_t SegmentsToGive = 250;
+constexpr size_t PolygonsToGive = 250;
 
 // The greatest (or with a negated vector the least) of n.x over a box.
 double support(const SeenBox& box, Vec3 n) {
@@ -52,21 +56,33 @@ bool crossesWalk(const Segment& s, const Tile& tile, const Tile& part) {
 
 }  // namespace
 
-TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts,
-                         const std::atomic<bool>* cancelFlag)
+TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, TileTeam& tileTeam)
     : polygons(lookPolygons),
       parts(mapParts),
       sweep(lookPolygons, mapParts),
       occlusion(lookPolygons),
       state(*lookPolygons.setup().state),
-      cancelled(cancelFlag) {}
+      team(tileTeam) {}
 
-Sides TileDescent::run(const Tile& tile) {
-  entries.clear();
-  nodes.clear();
-  covers.clear();
-  segments.clear();
+Sides TileDescent::run(const TileStart& start) {
+  truncate(Content{});
   occlusion.truncate(0);
+  const Content content = start.wholeFace ? wholeFace(start.tile) : contentOf(start);
+  return descend(start.tile, content, start.progress, start.newSides);
+}
+
+void TileDescent::run(TileJob& job, LookPolygons& lookPolygons, TileTeam& tileTeam) {
+  job.sides = TileDescent(lookPolygons, job.parts, tileTeam).run(job.start);
+  tileTeam.finish(job);
+}
+
+Sides TileDescent::resultOf(TileJob& job) {
+  while (TileJob* const other = team.waitFor(job)) run(*other, polygons, team);
+  const MapParts done = std::move(job.parts);
+  return append(parts, done, job.sides);
+}
+
+TileDescent::Content TileDescent::wholeFace(const Tile& tile) {
   Content content{};
   pyramid = pyramidOf(tile);
   if (polygons.setup().hemisphere) {
@@ -79,7 +95,50 @@ Sides TileDescent::run(const Tile& tile) {
     nodes.push_back({0, boxFromEye(0)});
     content.nodesEnd = 1;
   }
-  return descend(tile, content, {0, ~size_t{0}, 0, 0}, AllSides);
+  return content;
+}
+
+TileDescent::Content TileDescent::contentOf(const TileStart& start) {
+  Content content{};
+  nodes = start.nodes;
+  const auto positionOf = [this](std::int32_t number) {
+    return number < 0 ? LookPolygons::Beyond : polygons.find(number);
+  };
+  for (const std::int32_t number : start.covers) covers.push_back(positionOf(number));
+  segments = start.segments;
+  for (TileEntry entry : start.entries) {
+    entry.polygon = positionOf(entry.polygon);
+    const std::uint32_t first = polygons[entry.polygon].firstSegment[start.tile.face];
+    for (std::uint32_t k = 0; k < entry.segmentCount; ++k)
+      segments[entry.firstSegment + k] += first;
+    entries.push_back(entry);
+  }
+  content.entriesEnd = entries.size();
+  content.nodesEnd = nodes.size();
+  content.coversEnd = covers.size();
+  content.screen = occlusion.add(start.screen);
+  return content;
+}
+
+TileStart TileDescent::startOf(const Tile& tile, const Content& content) const {
+  TileStart start;
+  start.tile = tile;
+  for (size_t i = content.entries; i < content.entriesEnd; ++i) {
+    TileEntry entry = entries[i];
+    const LookPolygon& polygon = polygons[entry.polygon];
+    const std::uint32_t* const from = segments.data() + entry.firstSegment;
+    entry.polygon = polygon.number;
+    entry.firstSegment = static_cast<std::uint32_t>(start.segments.size());
+    for (std::uint32_t k = 0; k < entry.segmentCount; ++k)
+      start.segments.push_back(from[k] - polygon.firstSegment[tile.face]);
+    start.entries.push_back(entry);
+  }
+  for (size_t i = content.covers; i < content.coversEnd; ++i)
+    start.covers.push_back(polygons[covers[i]].number);
+  const auto node = [this](size_t i) { return nodes.begin() + static_cast<std::ptrdiff_t>(i); };
+  start.nodes.assign(node(content.nodes), node(content.nodesEnd));
+  start.screen = occlusion.copyOf(content.screen);
+  return start;
 }
 
 TileDescent::Pyramid TileDescent::pyramidOf(const Tile& tile) const {
@@ -378,7 +437,7 @@ bool TileDescent::isBundle(const Tile& tile, const Content& content) const {
 
 Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
                            SideRange newSides) {
-  if (cancelled != nullptr && cancelled->load(std::memory_order_relaxed)) throw Cancelled();
+  team.check();
   pyramid = pyramidOf(tile);
   const Coordinate width = std::max(tile.x1 - tile.x0, tile.y1 - tile.y0);
   const bool smallest = width <= SmallestTile;
@@ -399,8 +458,10 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
     count = segments.size() - content.segments;
   }
   if (content.nodes == content.nodesEnd) {
-    if (count == 0 && content.coversEnd - content.covers <= 1)
+    if (count == 0 && content.coversEnd - content.covers <= 1) {
+      team.countTile(progress.level);
       return uniformTile(tile, content.covers < content.coversEnd ? covers[content.covers] : -1);
+    }
     const size_t covering = content.coversEnd - content.covers;
     // Planes that run through each other in a tile cost as edges do.
     count += covering > FewCovers ? FewSegments / FewCovers * covering : 0;
@@ -413,8 +474,10 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
     // Hundreds of edges on one line never part, so the limit grows with every level.
     const int doublings = std::min(progress.stalled - StalledLevels, 32);
     const bool stalled = doublings >= 0 && count <= MostSegments << doublings;
-    if (count <= FewSegments || stalled || smallest || isBundle(tile, content))
+    if (count <= FewSegments || stalled || smallest || isBundle(tile, content)) {
+      team.countTile(progress.level);
       return sweepTile(tile, content);
+    }
   }
   ++progress.level;
   return split(tile, content, progress);
@@ -483,25 +546,53 @@ Sides TileDescent::split(const Tile& tile, const Content& content, Progress prog
   } else {
     low.y1 = high.y0 = tile.y0 + (tile.y1 - tile.y0) / 2;
   }
-  Sides halves[2];
-  const Tile* tiles[2] = {&low, &high};
-  for (int i = 0; i < 2; ++i) {
-    const size_t entryMark = entries.size();
-    const size_t nodeMark = nodes.size();
-    const size_t coverMark = covers.size();
-    const size_t segmentMark = segments.size();
-    const size_t screenMark = occlusion.size();
-    const Content narrow = narrowed(tile, *tiles[i], content);
-    // The low half has a new right or upper side, the high one a new left or lower side.
-    const int newSide = alongX ? RightSide - i : UpperSide - i;
-    halves[i] = descend(*tiles[i], narrow, progress, {newSide, newSide + 1});
-    entries.resize(entryMark);
-    nodes.resize(nodeMark);
-    covers.resize(coverMark);
-    segments.resize(segmentMark);
-    occlusion.truncate(screenMark);
-  }
-  return joinTiles(parts, low, halves[0], halves[1], alongX);
+  const int side = alongX ? RightSide : UpperSide;
+  HighHalf half{
+      tile, content, segments.size() - content.segments, progress, high, {side - 1, side}, nullptr};
+  waitingHalves.push_back(&half);
+  offerLargestHalf();
+  const Sides lowSides = descendHalf(half, low, {side, side + 1});
+  waitingHalves.pop_back();
+  offeredHalves = std::min(offeredHalves, waitingHalves.size());
+  const bool isTaken = half.job != nullptr && !team.takeBack(*half.job);
+  const Sides highSides =
+      isTaken ? resultOf(*half.job) : descendHalf(half, half.tile, half.newSides);
+  return joinTiles(parts, low, lowSides, highSides, alongX);
+}
+
+Sides TileDescent::descendHalf(const HighHalf& half, const Tile& tile, SideRange newSides) {
+  const size_t screenMark = occlusion.size();
+  const Content narrow = narrowed(half.parent, tile, half.content);
+  const Sides sides = descend(tile, narrow, half.progress, newSides);
+  truncate(narrow);
+  occlusion.truncate(screenMark);
+  return sides;
+}
+
+// To a thread that has nothing to do.
+void TileDescent::offerLargestHalf() {
+  if (!team.wantsWork() || offeredHalves == waitingHalves.size()) return;
+  HighHalf& half = *waitingHalves[offeredHalves];
+  if (!isWorthGiving(half)) return;
+  const Content narrow = narrowed(half.parent, half.tile, half.content);
+  TileStart start = startOf(half.tile, narrow);
+  start.progress = half.progress;
+  start.newSides = half.newSides;
+  truncate(narrow);
+  half.job = &team.offer(std::move(start));
+  ++offeredHalves;
+}
+
+bool TileDescent::isWorthGiving(const HighHalf& half) {
+  return half.segments >= SegmentsToGive ||
+         polygonsIn(half.content, PolygonsToGive) > PolygonsToGive;
+}
+
+void TileDescent::truncate(const Content& content) {
+  entries.resize(content.entries);
+  nodes.resize(content.nodes);
+  covers.resize(content.covers);
+  segments.resize(content.segments);
 }
 
 Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,

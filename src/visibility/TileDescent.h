@@ -3,9 +3,10 @@
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
 #include "visibility/TileOcclusion.h"
+#include "visibility/TileStart.h"
 #include "visibility/TileSweep.h"
+#include "visibility/TileTeam.h"
 
-#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -20,22 +21,17 @@ namespace Lumivane::Visibility {
 Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,
                 bool alongX);
 
-/// A box of the hierarchy from the eye.
-struct SeenBox {
-  double low[3];
-  double high[3];
-  double reach;           // greatest magnitude of a coordinate
-  double squareDistance;  // of its nearest point; along parallel lines, from in front of all
-  double squareSize;      // of its diagonal, in units of its distance, or as wide as it looks
-};
-
 class TileDescent {
  public:
-  /// `cancelled` may be null.
-  TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, const std::atomic<bool>* cancelled);
+  TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, TileTeam& tileTeam);
 
-  /// Appends the map of a tile, and gives what lies along its sides. Throws Cancelled.
-  Sides run(const Tile& tile);
+  /// Appends the map of a tile, and gives what lies along its sides. Throws Cancelled and
+  /// TileTeam::Stopped.
+  Sides run(const TileStart& start);
+  /// Appends the map of a tile that another thread has taken. Does other tiles while that is busy.
+  Sides resultOf(TileJob& job);
+  /// Does a job of the team.
+  static void run(TileJob& job, LookPolygons& lookPolygons, TileTeam& tileTeam);
 
  private:
   // Ranges of the stacks below: what may be seen in a tile.
@@ -53,37 +49,37 @@ class TileDescent {
   };
   // What is seen in a tile lies in all of these: before the eye, and within the tile's sides.
   struct Pyramid {
-    HalfSpace sides[5];    // before the eye, then left, right, lower and upper
+    HalfSpace sides[5];    // see SideRange
     Kernel::Vec3 axes[3];  // of the face: u, v and forward, in the scene's
     double size;           // of the tile, in units of the distance to the face
   };
-  // Sides of a pyramid by number.
-  struct SideRange {
-    int from;
-    int to;
-  };
-  static constexpr SideRange AllSides{0, 5};
-  static constexpr SideRange NoSides{0, 0};
-  static constexpr int RightSide = 2;  // the left one before it
-  static constexpr int UpperSide = 4;  // the lower one before it
-  struct SeenNode {
-    std::int32_t number;
-    SeenBox box;
-  };
   // Whether the screen of the content is new, or all has been compared with it already.
   enum class Screening { Known, New };
-  struct Progress {
-    int level;
-    size_t segments;  // in the last tile above that had twice as many
-    int stalled;      // levels since
-    int unscreened;   // levels since the last screen
+  using Progress = DescentProgress;
+  // The half of a tile that waits while the other one is looked at.
+  struct HighHalf {
+    const Tile& parent;
+    const Content& content;  // of the parent
+    size_t segments;         // in the parent
+    Progress progress;
+    Tile tile;
+    SideRange newSides;
+    TileJob* job;  // null while it has not been offered to other threads
   };
 
   // Boxes of the content lie within all sides but the new ones.
   Sides descend(const Tile& tile, Content content, Progress progress, SideRange newSides);
   Sides split(const Tile& tile, const Content& content, Progress progress);
+  Sides highHalf(HighHalf& half);
+  Sides descendHalf(const HighHalf& half, const Tile& tile, SideRange newSides);
+  void offerLargestHalf();
+  bool isWorthGiving(const HighHalf& half);
   Sides sweepTile(const Tile& tile, const Content& content);
   Sides uniformTile(const Tile& tile, std::int32_t cover);
+  Content wholeFace(const Tile& tile);
+  Content contentOf(const TileStart& start);
+  TileStart startOf(const Tile& tile, const Content& content) const;
+  void truncate(const Content& content);  // what came after the beginning of the content
   Content narrowed(const Tile& parent, const Tile& tile, const Content& content);
   void refineNodes(const Tile& tile, Content& content, double limit, SideRange sides);
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
@@ -107,7 +103,9 @@ class TileDescent {
   TileSweep sweep;
   TileOcclusion occlusion;
   const IndexState& state;
-  const std::atomic<bool>* cancelled;
+  TileTeam& team;
+  std::vector<HighHalf*> waitingHalves;  // the largest first
+  size_t offeredHalves = 0;              // of those, from the front
   std::vector<TileEntry> entries;
   std::vector<SeenNode> nodes;
   std::vector<std::int32_t> covers;

@@ -142,6 +142,25 @@ TileOcclusion::Screen TileOcclusion::screenOf(const Tile& tile, const TileConten
   return screen;
 }
 
+TileOcclusion::LoneScreen TileOcclusion::copyOf(const Screen& screen) const {
+  LoneScreen copy;
+  copy.screen = screen;
+  const auto from = static_cast<std::ptrdiff_t>(screen.first);
+  const auto to = static_cast<std::ptrdiff_t>(screen.end);
+  copy.gaps.assign(gaps.begin() + from, gaps.begin() + to);
+  copy.frames.assign(frames.begin() + from, frames.begin() + to);
+  return copy;
+}
+
+TileOcclusion::Screen TileOcclusion::add(const LoneScreen& other) {
+  Screen screen = other.screen;
+  screen.first = gaps.size();
+  gaps.insert(gaps.end(), other.gaps.begin(), other.gaps.end());
+  frames.insert(frames.end(), other.frames.begin(), other.frames.end());
+  screen.end = gaps.size();
+  return screen;
+}
+
 void TileOcclusion::sweep(Screen& screen) {
   lines.start();
   open.clear();

@@ -27,36 +27,6 @@ struct SeenRange {
 };
 
 class TileOcclusion {
- public:
-  /// Some gaps, by number. Those of a tile hold for every part of it.
-  struct Screen {
-    std::size_t first = 0;
-    std::size_t end = 0;
-    double floor = -std::numeric_limits<double>::infinity();  // what is less is hidden
-    Tile tile{};
-
-    bool isEmpty() const { return first == end; }
-  };
-
-  explicit TileOcclusion(const LookPolygons& lookPolygons)
-      : polygons(lookPolygons), planes(lookPolygons), lines(lookPolygons) {}
-
-  /// The gaps of what is in front at some places of the tile; none if that hides nothing.
-  Screen screenOf(const Tile& tile, const TileContent& content);
-  std::size_t size() const { return gaps.size(); }
-  /// Forgets all gaps from `count` on.
-  void truncate(std::size_t count) {
-    gaps.resize(count);
-    frames.resize(count);
-  }
-
-  /// Whether an entry of the tile, by its number, is in front at one of the places.
-  bool isChosen(std::size_t entry) const { return chosenEntries[entry] != 0; }
-  bool hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
-             const std::uint32_t* segments) const;
-  bool hides(const Screen& screen, const SeenRange& range) const;
-
- private:
   /// What is in front between two lines from x0 to x1.
   struct ScreenGap {
     double x0, x1;
@@ -84,6 +54,48 @@ class TileOcclusion {
              (least[2] <= turned.least[2]) & (least[3] <= turned.least[3]);
     }
   };
+
+ public:
+  /// Some gaps, by number. Those of a tile hold for every part of it.
+  struct Screen {
+    std::size_t first = 0;
+    std::size_t end = 0;
+    double floor = -std::numeric_limits<double>::infinity();  // what is less is hidden
+    Tile tile{};
+
+    bool isEmpty() const { return first == end; }
+  };
+  /// A screen with its gaps, for another thread.
+  class LoneScreen {
+    friend class TileOcclusion;
+    Screen screen;
+    std::vector<ScreenGap> gaps;
+    std::vector<Frame> frames;
+  };
+
+  explicit TileOcclusion(const LookPolygons& lookPolygons)
+      : polygons(lookPolygons), planes(lookPolygons), lines(lookPolygons) {}
+
+  /// The gaps of what is in front at some places of the tile; none if that hides nothing.
+  Screen screenOf(const Tile& tile, const TileContent& content);
+  std::size_t size() const { return gaps.size(); }
+  /// Forgets all gaps from `count` on.
+  void truncate(std::size_t count) {
+    gaps.resize(count);
+    frames.resize(count);
+  }
+
+  LoneScreen copyOf(const Screen& screen) const;
+  /// Adds the gaps of a screen.
+  Screen add(const LoneScreen& other);
+
+  /// Whether an entry of the tile, by its number, is in front at one of the places.
+  bool isChosen(std::size_t entry) const { return chosenEntries[entry] != 0; }
+  bool hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
+             const std::uint32_t* segments) const;
+  bool hides(const Screen& screen, const SeenRange& range) const;
+
+ private:
   struct OpenGap {
     double since;
     std::int32_t slot;
