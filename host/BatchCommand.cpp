@@ -57,11 +57,9 @@ class Batch {
     checkMaps();
     makeFolder(plan.setting.folder);
     Session::checkWritable(summaryFile());
-    const Journal::Rows known = Journal::rows(plan.setting.folder);
     {
       Journal journal(plan.setting.folder, options.shard);
-      const std::vector<size_t> pieces = open(known);
-      batchRows.reportRepeats(pieces, known);
+      const std::vector<size_t> pieces = open();
       if (!pieces.empty()) makeViews(pieces, journal);
       workFolders.remove();
     }
@@ -92,16 +90,24 @@ class Batch {
     if (maps.isAsked()) maps.check(source().place(), source().eyeShift());
   }
 
-  bool isOfShard(size_t index) const { return options.shard.has(index); }
-
-  // The views of the shard that are still to be made.
-  std::vector<size_t> open(const Journal::Rows& known) {
+  std::vector<size_t> piecesOfShard() const {
     std::vector<size_t> pieces;
-    for (size_t i = 0; i < plan.views.size(); ++i) {
-      if (!isOfShard(i)) continue;
+    for (size_t i = 0; i < plan.views.size(); ++i)
+      if (options.shard.has(i)) pieces.push_back(i);
+    return pieces;
+  }
+
+  // The views of the shard that are still to be made. Of the journal its part alone is held, and
+  // that not while views are made.
+  std::vector<size_t> open() {
+    const std::vector<size_t> own = piecesOfShard();
+    const Journal::Rows known = batchRows.known(own);
+    std::vector<size_t> pieces;
+    for (const size_t i : own) {
       const JournalRow* const row = batchRows.of(i, known);
       if (row == nullptr || !row->isDone) pieces.push_back(i);
     }
+    batchRows.reportRepeats(pieces, known);
     return pieces;
   }
 
@@ -227,10 +233,19 @@ class Batch {
     return static_cast<size_t>(std::count(rows.begin(), rows.end(), nullptr));
   }
 
+  // Only the shard that comes last brings all rows together.
   void finish() {
+    if (const size_t missing = batchRows.countMissing(); missing > 0) {
+      reportShard(missing);
+      return;
+    }
     const Journal::Rows known = Journal::rows(plan.setting.folder);
     const ViewRows rows = batchRows.of(known);
-    if (countMissing(rows) == 0) writeSummary(rows);
+    if (countMissing(rows) > 0) {  // an output has gone meanwhile
+      reportShard(countMissing(rows));
+      return;
+    }
+    writeSummary(rows);
     report(rows);
   }
 
@@ -270,22 +285,29 @@ class Batch {
 
   // A failed view of any shard counts once the summary is there, before that only one's own.
   void report(const ViewRows& rows) const {
-    const size_t missing = countMissing(rows);
-    size_t failed = 0;
-    size_t own = 0;
-    for (size_t i = 0; i < plan.views.size(); ++i) {
-      if (missing > 0 && !isOfShard(i)) continue;
-      ++own;
-      if (rows[i] == nullptr || !rows[i]->isDone) ++failed;
-    }
-    const std::string count = std::to_string(failed) + " of " + std::to_string(own) + " views";
-    if (missing > 0)
-      std::printf("%zu of %zu views made, %zu of other shards are missing for the summary\n",
-                  own - failed, own, missing);
-    else
-      std::printf("%zu of %zu views made: %s\n", own - failed, own, summaryFile().c_str());
+    const auto failed = static_cast<size_t>(std::count_if(
+        rows.begin(), rows.end(), [](const JournalRow* row) { return !row->isDone; }));
+    std::printf("%zu of %zu views made: %s\n", rows.size() - failed, rows.size(),
+                summaryFile().c_str());
+    throwIfFailed(failed, rows.size(), summaryFile());
+  }
+
+  void reportShard(size_t missing) {
+    const std::vector<size_t> own = piecesOfShard();
+    const Journal::Rows known = batchRows.known(own);
+    const auto failed = static_cast<size_t>(std::count_if(own.begin(), own.end(), [&](size_t i) {
+      const JournalRow* const row = batchRows.of(i, known);
+      return row == nullptr || !row->isDone;
+    }));
+    std::printf("%zu of %zu views made, %zu of other shards are missing for the summary\n",
+                own.size() - failed, own.size(), missing);
+    throwIfFailed(failed, own.size(), options.folder);
+  }
+
+  static void throwIfFailed(size_t failed, size_t all, const std::string& where) {
     if (failed > 0)
-      throw HostError(missing > 0 ? options.folder : summaryFile(), count + " failed");
+      throw HostError(where,
+                      std::to_string(failed) + " of " + std::to_string(all) + " views failed");
   }
 
   const BatchOptions& options;

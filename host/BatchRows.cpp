@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 namespace Lumivane::Host {
 namespace {
@@ -23,9 +24,51 @@ Journal::Rows rowsByName(const Journal::Rows& known) {
   return result;
 }
 
+// Whether a sorted list has a key.
+bool has(const std::vector<std::uint64_t>& keys, std::uint64_t key) {
+  return std::binary_search(keys.begin(), keys.end(), key);
+}
+
+template <class KeyOf>
+std::vector<std::uint64_t> sortedKeys(const std::vector<std::size_t>& positions, KeyOf keyOf) {
+  std::vector<std::uint64_t> keys;
+  keys.reserve(positions.size());
+  for (const std::size_t i : positions) keys.push_back(keyOf(i));
+  std::sort(keys.begin(), keys.end());
+  return keys;
+}
+
 std::string orNone(const std::string& options) { return options.empty() ? "none" : options; }
 
 }  // namespace
+
+// Names are read from the table only where a row has the key of none of the views.
+Journal::Rows BatchRows::known(const std::vector<std::size_t>& positions) const {
+  const auto keys = sortedKeys(positions, [this](std::size_t i) { return plan.views.key(i); });
+  std::vector<std::uint64_t> names;
+  return Journal::rows(plan.setting.folder, [&](std::uint64_t key, const JournalRow& row) {
+    if (has(keys, key)) return true;
+    if (names.empty())
+      names = sortedKeys(positions, [this](std::size_t i) { return textKey(plan.views[i].name); });
+    return has(names, textKey(row.name));
+  });
+}
+
+std::size_t BatchRows::countMissing() {
+  std::vector<std::pair<std::uint64_t, std::size_t>> positions;
+  positions.reserve(plan.views.size());
+  for (std::size_t i = 0; i < plan.views.size(); ++i) positions.emplace_back(plan.views.key(i), i);
+  std::sort(positions.begin(), positions.end());
+  std::vector<bool> isThere(plan.views.size(), false);
+  Journal::rows(plan.setting.folder, [&](std::uint64_t key, const JournalRow& row) {
+    const auto found =
+        std::lower_bound(positions.begin(), positions.end(), std::make_pair(key, std::size_t{0}));
+    if (found == positions.end() || found->first != key) return false;
+    if (!row.isDone || hasOutputs(found->second, row)) isThere[found->second] = true;
+    return false;
+  });
+  return static_cast<std::size_t>(std::count(isThere.begin(), isThere.end(), false));
+}
 
 BatchRows::ViewRows BatchRows::of(const Journal::Rows& known) {
   ViewRows rows;

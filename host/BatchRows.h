@@ -20,6 +20,12 @@ class BatchRows {
   /// The plan is borrowed.
   explicit BatchRows(const BatchPlan& thePlan) : plan(thePlan) {}
 
+  /// The rows of the folder by which the views at these positions count as made, or for what
+  /// reason they do not: those with their keys or, of views that were others, their names.
+  Journal::Rows known(const std::vector<std::size_t>& positions) const;
+  /// How many views have no row, without holding any.
+  std::size_t countMissing();
+
   ViewRows of(const Journal::Rows& known);
   /// Of the view at a position.
   const JournalRow* of(std::size_t i, const Journal::Rows& known);

@@ -10,7 +10,10 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <ostream>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -102,17 +105,20 @@ std::string line(std::uint64_t key, const JournalRow& row) {
 }
 
 // A line that is no row, as of another program, counts as none.
-void readLine(const std::string& text, Journal::Rows& rows) {
+void readLine(const std::string& text, const Journal::Wanted& wanted, Journal::Rows& rows) {
   const size_t comma = text.find(',');
   if (comma == std::string::npos) return;
   const auto key = readKey(text.substr(0, comma));
-  const auto row = readJournalText(text.substr(comma + 1));
-  if (key && row) rows[*key].push_back(*row);
+  auto row = readJournalText(text.substr(comma + 1));
+  if (key && row && wanted(*key, *row)) rows[*key].push_back(std::move(*row));
 }
 
-void readRows(const std::string& text, Journal::Rows& rows) {
-  for (size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1)
-    readLine(text.substr(at, end - at), rows);
+void readRows(const std::string& path, const Journal::Wanted& wanted, Journal::Rows& rows) {
+  Session::checkReadable(path);
+  std::ifstream file(path, std::ios::binary);
+  std::string text;
+  while (std::getline(file, text) && !file.eof()) readLine(text, wanted, rows);
+  if (file.bad() || !file.eof()) throw HostError(path, "cannot be read");
 }
 
 std::vector<fs::path> parts(const std::string& folder) {
@@ -132,12 +138,30 @@ bool bearsName(int descriptor, const std::string& path) {
          open.st_ino == named.st_ino && open.st_dev == named.st_dev;
 }
 
+// Where the last line end is followed, looked for from the end.
+off_t endOfWholeLines(std::ifstream& file, off_t size) {
+  constexpr off_t BlockSize = 1 << 16;
+  std::string block;
+  for (off_t end = size; end > 0;) {
+    const off_t start = std::max<off_t>(0, end - BlockSize);
+    block.resize(static_cast<size_t>(end - start));
+    file.seekg(start);
+    file.read(block.data(), end - start);
+    const size_t last = block.rfind('\n');
+    if (last != std::string::npos) return start + static_cast<off_t>(last) + 1;
+    end = start;
+  }
+  return 0;
+}
+
 // A killed run leaves a line without an end, to which nothing may be appended.
 void cutTornLine(int descriptor, const std::string& path) {
-  const std::string text = Session::readBytes(path);
-  const size_t end = text.rfind('\n');
-  const size_t whole = end == std::string::npos ? 0 : end + 1;
-  if (whole < text.size() && ftruncate(descriptor, static_cast<off_t>(whole)) != 0)
+  Session::checkReadable(path);
+  std::ifstream file(path, std::ios::binary);
+  const auto size = static_cast<off_t>(fs::file_size(path));
+  const off_t whole = endOfWholeLines(file, size);
+  if (!file) throw HostError(path, "cannot be read");
+  if (whole < size && ftruncate(descriptor, whole) != 0)
     throw HostError(path, std::string("cannot be written: ") + std::strerror(errno));
 }
 
@@ -206,22 +230,29 @@ void Journal::append(std::uint64_t key, const JournalRow& row) {
 
 // A run that ends puts the rows of all parts into the journal and then removes the parts. So the
 // parts are read before the journal, and if one cannot be read, all is listed and read again.
-Journal::Rows Journal::rows(const std::string& folder) {
+Journal::Rows Journal::rows(const std::string& folder, const Wanted& wanted) {
   constexpr int MostTries = 100;
   for (int i = 1;; ++i) {
     const std::vector<fs::path> listed = parts(folder);
     try {
-      std::vector<std::string> texts;
-      for (const fs::path& part : listed) texts.push_back(Session::readBytes(part.string()));
+      Rows later;
+      for (const fs::path& part : listed) readRows(part.string(), wanted, later);
       Rows result;
-      if (fs::exists(journalFile(folder)))
-        readRows(Session::readBytes(journalFile(folder).string()), result);
-      for (const std::string& text : texts) readRows(text, result);
+      if (fs::exists(journalFile(folder))) readRows(journalFile(folder).string(), wanted, result);
+      for (auto& [key, rows] : later) {
+        std::vector<JournalRow>& all = result[key];
+        all.insert(all.end(), std::make_move_iterator(rows.begin()),
+                   std::make_move_iterator(rows.end()));
+      }
       return result;
     } catch (const HostError&) {
       if (i == MostTries) throw;
     }
   }
+}
+
+Journal::Rows Journal::rows(const std::string& folder) {
+  return rows(folder, [](std::uint64_t, const JournalRow&) { return true; });
 }
 
 void Journal::close(const std::string& folder,

@@ -4,6 +4,7 @@
 #include "Options.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -47,8 +48,13 @@ class Journal {
   /// \throws HostError
   void append(std::uint64_t key, const JournalRow& row);
 
-  /// All rows that the folder's journal and parts hold. A last line without an end, as a killed run
-  /// leaves it, is passed over.
+  /// Whether a row is wanted. It may be asked of a row twice, when parts vanish meanwhile.
+  using Wanted = std::function<bool(std::uint64_t key, const JournalRow& row)>;
+
+  /// All wanted rows that the folder's journal and parts hold, which are read line by line. A last
+  /// line without an end, as a killed run leaves it, is passed over.
+  static Rows rows(const std::string& folder, const Wanted& wanted);
+  /// All rows.
   static Rows rows(const std::string& folder);
 
   /// Writes the journal of these views and removes all parts but those that a run has open.

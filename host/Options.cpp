@@ -369,7 +369,9 @@ void setBatchOptions(CLI::App& command, BatchOptions& options) {
   command.callback({});  // what must stand together may stand in the table
   command.remove_option(command.get_option("--stats"));  // times are never the same twice
   Tools::addBatchOptions(command, options);
-  command.add_option("VIEWS", options.views, "table of views (CSV)")->required()->type_name("");
+  command.add_option("VIEWS", options.views, "table of views: CSV, or an array (.npy) of eyes")
+      ->required()
+      ->type_name("");
   command.add_option("--out-dir", options.folder, "folder of all outputs; made if it is missing")
       ->required()
       ->type_name("DIR");

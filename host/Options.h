@@ -113,7 +113,7 @@ struct Shard {
 struct BatchOptions {
   ShotOptions shot;                      ///< the scene; the rest of it stands in `shotOptions`
   std::vector<std::string> shotOptions;  ///< those given for all views, as "--name=value"
-  std::string views;                     ///< the table of views (CSV)
+  std::string views;                     ///< the table of views
   std::string folder;                    ///< of the outputs
   int jobs = 0;                          ///< processes; 0 for as many as processors
   Shard shard;

@@ -2,6 +2,7 @@
 
 #include "Csv.h"
 #include "HostError.h"
+#include "NpyRows.h"
 
 #include <lumivane/session/Files.h>
 
@@ -92,6 +93,39 @@ bool readPlainVector(const std::string& text, Vector& vector) {
   return at == end;
 }
 
+// Reads the heading of a table and then its rows, of text or of an array.
+class RowCursor {
+ public:
+  RowCursor(const std::string& text, const std::string& file, const NpyRows* theArray)
+      : csv(text, file), array(theArray) {}
+
+  bool next(CsvRecord& record) {
+    if (array == nullptr) return csv.next(record);
+    if (at > array->size()) return false;
+    record.line = 0;
+    if (at == 0)
+      record.fields = array->heading();
+    else
+      array->read(at - 1, record);
+    ++at;
+    return true;
+  }
+
+  // Of the record that was read last, and back to it.
+  std::size_t position() const { return array == nullptr ? csv.position() : at - 1; }
+  void goTo(std::size_t position) {
+    if (array == nullptr)
+      csv.goTo(position);
+    else
+      at = position;
+  }
+
+ private:
+  CsvCursor csv;
+  const NpyRows* array;
+  std::size_t at = 0;
+};
+
 }  // namespace
 
 class ViewTable::Reader {
@@ -101,7 +135,8 @@ class ViewTable::Reader {
         setting(theSetting),
         known(shotOptionNames()),
         tableText(Session::readBytes(theFile)) {
-    CsvCursor cursor(tableText, file);
+    if (NpyRows::isNpy(tableText, file)) array.emplace(tableText, file);
+    RowCursor cursor = rowCursor();
     CsvRecord record;
     if (!cursor.next(record))
       throw HostError(file, "is empty: a heading with the columns is missing");
@@ -118,7 +153,7 @@ class ViewTable::Reader {
 
   // Rows have been checked, so the lines that errors would name are not counted.
   TableView view(std::size_t i) const {
-    CsvCursor cursor(tableText, file);
+    RowCursor cursor = rowCursor();
     cursor.goTo(offsets[i]);
     CsvRecord record;
     cursor.next(record);
@@ -145,6 +180,8 @@ class ViewTable::Reader {
     ShotOptions options;
     bool isGood = false;  // it reads as a command line
   };
+
+  RowCursor rowCursor() const { return {tableText, file, array ? &*array : nullptr}; }
 
   // In the order of the options' names, as arguments stand.
   void findSlots() {
@@ -193,7 +230,7 @@ class ViewTable::Reader {
       slot.parts[part] = position;
   }
 
-  void listRows(CsvCursor& cursor, CsvRecord& record) {
+  void listRows(RowCursor& cursor, CsvRecord& record) {
     while (cursor.next(record)) offsets.push_back(cursor.position());
   }
 
@@ -201,7 +238,7 @@ class ViewTable::Reader {
     keys.reserve(offsets.size());
     std::vector<std::pair<std::uint64_t, std::size_t>> nameKeys;
     nameKeys.reserve(offsets.size());
-    CsvCursor cursor(tableText, file);
+    RowCursor cursor = rowCursor();
     CsvRecord record;
     cursor.next(record);
     for (std::size_t i = 0; cursor.next(record); ++i) {
@@ -242,7 +279,7 @@ class ViewTable::Reader {
 
   // With its line.
   CsvRecord numberedRecord(std::size_t i) const {
-    CsvCursor cursor(tableText, file);
+    RowCursor cursor = rowCursor();
     CsvRecord record;
     cursor.next(record);
     for (std::size_t k = 0; k <= i; ++k) cursor.next(record);
@@ -372,8 +409,12 @@ class ViewTable::Reader {
     return !name.empty() && !odd && name.front() != '.';
   }
 
+  std::string lineName(std::size_t number) const {
+    return (array ? "row " : "line ") + std::to_string(number);
+  }
+
   [[noreturn]] void fail(const CsvRecord& record, const std::string& cause) const {
-    throw HostError(file, "line " + std::to_string(record.line) + ": " + cause);
+    throw HostError(file, lineName(record.line) + ": " + cause);
   }
 
   static bool isCoordinate(const std::string& column) {
@@ -553,7 +594,7 @@ class ViewTable::Reader {
     if (start == "parts" || normal == "summary.csv" || normal == "journal.csv")
       fail(record, column + "is kept for the run's own files");
     if (!isChecked && !writtenFiles.insert({normal.string(), record.line}).second)
-      fail(record, column + "is written by line " + std::to_string(writtenFiles[normal.string()]) +
+      fail(record, column + "is written by " + lineName(writtenFiles[normal.string()]) +
                        " as well; {name} in it stands for the view's name");
   }
 
@@ -561,6 +602,7 @@ class ViewTable::Reader {
   const TableSetting setting;
   const std::map<std::string, ColumnOption> known;
   const std::string tableText;
+  std::optional<NpyRows> array;  // if it is one
   std::vector<std::string> columns;
   std::size_t nameColumn = None;
   std::vector<std::size_t> cellColumns;                    // those that are there

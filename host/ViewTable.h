@@ -41,6 +41,8 @@ struct TableSetting {
 /// three columns `eye_x`, `eye_y`, `eye_z`. Columns `row`, `column` and `cell` say where the views
 /// stand in a grid; `inside`, `object` and `face`, which `grid` writes, are passed over. An empty
 /// cell leaves the option as it is for all views.
+/// A table may also be an array (NpyRows.h), which stands for one with the columns `eye_x` and so
+/// on.
 /// "{name}" in an output file is replaced by the view's name; without names, views are numbered.
 ///
 /// Of a view two numbers are kept, and it is read again when it is asked for: a table may have

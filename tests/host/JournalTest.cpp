@@ -5,6 +5,7 @@
 #include "support/TempFolder.h"
 
 #include <atomic>
+#include <fstream>
 #include <map>
 #include <numeric>
 #include <string>
@@ -80,6 +81,44 @@ TEST(Journal, ALineThatIsNoRowCountsAsNone) {
         "done,a,0123456789abcdef,,\"row", "done,a,0123456789abcdef,,r\"w",
         "done,a,0123456789abcdef,,row\ndone,b,0123456789abcdef,,row"})
     EXPECT_FALSE(readJournalText(line)) << line;
+}
+
+TEST(Journal, OnlyWantedRowsAreHeldTheOldestFirst) {
+  const TempFolder folder;
+  const std::string path = folder.path("");
+  const JournalRow first = rowOf("first");
+  const JournalRow other = rowOf("other");
+  Journal::close(path, {{1, &first}, {2, &other}});
+  Journal(path, {1, 2, {}}).append(1, rowOf("second"));
+  Journal(path, {2, 2, {}}).append(2, rowOf("third"));
+  const Journal::Rows rows = Journal::rows(path, [](std::uint64_t key, const JournalRow& row) {
+    return key == 1 || row.name == "third";
+  });
+  ASSERT_EQ(2U, rows.size());
+  ASSERT_EQ(2U, rows.at(1).size());
+  EXPECT_EQ("first", rows.at(1)[0].name);
+  EXPECT_EQ("second", rows.at(1)[1].name);
+  ASSERT_EQ(1U, rows.at(2).size());
+  EXPECT_EQ("third", rows.at(2)[0].name);
+}
+
+// Cut anywhere, also far from its end, and where there is no whole line.
+TEST(Journal, TornLineIsCutOffBeforeTheNextIsAppended) {
+  for (const std::size_t length :
+       {std::size_t{1}, std::size_t{65535}, std::size_t{65536}, std::size_t{200000}})
+    for (const bool hasWholeLine : {false, true}) {
+      const TempFolder folder;
+      const std::string path = folder.path("");
+      const Shard shard{1, 1, {}};
+      Journal(path, shard).append(1, rowOf("a"));
+      const std::string file = path + "/parts/" + shard.name() + ".csv";
+      const std::string whole = hasWholeLine ? Lumivane::Test::fileBytes(file) : "";
+      std::ofstream(file, std::ios::binary) << whole << std::string(length, 'x');
+      Journal(path, shard).append(2, rowOf("b"));
+      const Journal::Rows rows = Journal::rows(path);
+      EXPECT_EQ(hasWholeLine ? 2U : 1U, rows.size()) << length;
+      EXPECT_EQ(1U, rows.count(2)) << length;
+    }
 }
 
 // As when one shard of many ends while another one reads.
