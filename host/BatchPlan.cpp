@@ -138,13 +138,20 @@ void refuseShots(const BatchPlan& plan) {
   }
 }
 
+void refusePipes(const ShotOptions& options) {
+  std::vector<std::string> files = options.import.also;
+  files.insert(files.begin(), options.scene);
+  for (const std::string& file : files)
+    if (!fs::is_regular_file(file))
+      throw HostError(file, "is read more than once and must be a plain file");
+}
+
 }  // namespace
 
 BatchPlan planBatch(const BatchOptions& options) {
   Session::checkReadable(options.shot.scene);
   Session::checkReadable(options.views);
-  if (!fs::is_regular_file(options.shot.scene))
-    throw HostError(options.shot.scene, "is read more than once and must be a plain file");
+  refusePipes(options.shot);
   std::vector<std::string> inputs = sourceFiles(options.shot.scene, options.shot.import);
   BatchPlan plan;
   plan.setting.scene = options.shot.scene;

@@ -27,9 +27,7 @@ bool isPlainFile(const std::string& path) {
 }
 
 void checkOutputs(const ImportCommandOptions& options) {
-  std::vector<std::string> inputs = Importers::Importer::inputFiles(options.file);
-  if (!options.settings.classes.empty()) inputs.push_back(options.settings.classes);
-  OutputNames names(std::move(inputs));
+  OutputNames names(sourceFiles(options.file, options.settings));
   if (options.out.empty()) Session::checkWritable(options.out);
   names.add("--output", options.out);
   names.add("--stats", options.stats);

@@ -14,6 +14,7 @@ namespace Lumivane::Host {
 namespace {
 
 constexpr double RightAngle = 90.0;
+constexpr const char* ModelGroup = "Options for meshes and city models";
 
 std::string refusedNumber(const std::string& text, const char* wanted,
                           bool (*fits)(double number)) {
@@ -75,14 +76,24 @@ void addSettings(CLI::App& command, ImportSettings& settings, const std::string&
 
 }  // namespace
 
-void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
+void addFiles(CLI::App& command, const std::string& name, std::string& file,
+              ImportSettings& settings, const std::string& help) {
   command
-      .add_option("FILE", options.file,
-                  "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson, "
-                  ".city.jsonl); for a "
-                  ".lumiscene a scene file, too")
+      .add_option_function<std::vector<std::string>>(
+          name,
+          [&file, &settings](const std::vector<std::string>& files) {
+            file = files.front();
+            settings.also.assign(files.begin() + 1, files.end());
+          },
+          help)
       ->required()
       ->type_name("");
+}
+
+void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
+  addFiles(command, "FILE", options.file, options.settings,
+           "mesh or city model (.obj, .stl, .ply, .gltf, .glb, .city.json, .cityjson, "
+           ".city.jsonl), or several that are one scene; for a .lumiscene a scene file, too");
   command
       .add_option("-o,--output", options.out,
                   "scene file to write (JSON), or a scene made ready for view, batch and other "
@@ -105,8 +116,18 @@ void setImportOptions(CLI::App& command, ImportCommandOptions& options) {
   command.add_option("--stats", options.stats, "statistics to write (JSON)")->type_name("FILE");
 }
 
+void addOtherFiles(CLI::App& command, ImportSettings& settings) {
+  command
+      .add_option("--also", settings.also,
+                  "another mesh or city model that is one scene with SCENE; once for each")
+      ->allow_extra_args(false)
+      ->take_all()
+      ->type_name("MODEL")
+      ->group(ModelGroup);
+}
+
 void addImportSettings(CLI::App& command, ImportSettings& settings) {
-  addSettings(command, settings, "--import-scale", "Options for meshes and city models");
+  addSettings(command, settings, "--import-scale", ModelGroup);
 }
 
 }  // namespace Lumivane::Host

@@ -3,12 +3,15 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Lumivane::Host {
 
 /// How a mesh or a city model is turned into a scene, and what its surfaces are, as the command
 /// line says.
 struct ImportSettings {
+  /// Other files of the same scene, such as tiles of a city: meshes and city models as the first.
+  std::vector<std::string> also;
   bool twoSided = false;
   bool flip = false;
   bool yUp = false;

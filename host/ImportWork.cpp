@@ -3,9 +3,11 @@
 
 #include "ImportWork.h"
 
+#include "HostError.h"
 #include "StatsNumbers.h"
 
 #include <lumivane/session/Error.h>
+#include <lumivane/session/Files.h>
 
 #include <algorithm>
 #include <array>
@@ -63,12 +65,30 @@ Importers::ImportOptions importOptions(const ImportSettings& settings) {
 }
 
 Importers::ImportedScene importFile(const std::string& path, const ImportSettings& settings) {
-  return Importers::Importer::importFile(path, importOptions(settings));
+  return Importers::Importer::importFiles(modelFiles(path, settings), importOptions(settings));
+}
+
+std::vector<std::string> modelFiles(const std::string& path, const ImportSettings& settings) {
+  std::vector<std::string> files = {path};
+  files.insert(files.end(), settings.also.begin(), settings.also.end());
+  if (files.size() == 1) return files;
+  for (const std::string& file : files) {
+    Session::checkReadable(file);
+    if (!Importers::Importer::isImportable(file))
+      throw ArgumentError(file,
+                          "is no mesh and no city model: of several files of one scene each must "
+                          "be one (.obj, .stl, .ply, .gltf, .glb, .city.json, .city.jsonl); of a "
+                          "scene give the files that it was made of");
+  }
+  return files;
 }
 
 std::string reportText(const Importers::ImportReport& report) {
   std::ostringstream stream;
-  stream << "Imported " << report.format << ": " << report.sourcePolygons << " polygons as "
+  const bool isSum = report.files.size() > 1;
+  stream << "Imported ";
+  if (isSum) stream << report.files.size() << " files (";
+  stream << report.format << (isSum ? "): " : ": ") << report.sourcePolygons << " polygons as "
          << report.objects << " objects, " << report.faces << " faces, " << report.regions
          << " regions\n";
   stream << "Bounds: " << text(report.lower) << " to " << text(report.upper) << "\n";
@@ -85,6 +105,11 @@ std::string reportText(const Importers::ImportReport& report) {
 Jzon::Node reportNode(const Importers::ImportReport& report) {
   Jzon::Node root = Jzon::object();
   root.add("format", Session::oneLine(report.format));
+  if (report.files.size() > 1) {
+    Jzon::Node files = Jzon::array();
+    for (const std::string& file : report.files) files.add(Session::oneLine(file));
+    root.add("files", files);
+  }
   root.add("shift", node(report.shift));
   if (!report.referenceSystem.empty())
     root.add("reference_system", Session::oneLine(report.referenceSystem));

@@ -6,13 +6,18 @@
 #include <lumivane/jzon/Node.h>
 
 #include <string>
+#include <vector>
 
 namespace Lumivane::Host {
 
 /// How to import, as the command line asks for.
 Importers::ImportOptions importOptions(const ImportSettings& settings);
 
-/// Imports a file as the command line asks for.
+/// All files of a scene, itself first. \throws ArgumentError if there are several and one of them
+/// is no mesh and no city model
+std::vector<std::string> modelFiles(const std::string& path, const ImportSettings& settings);
+
+/// Imports a file, and those that are one scene with it, as the command line asks for.
 /// \throws Session::Error
 Importers::ImportedScene importFile(const std::string& path, const ImportSettings& settings);
 

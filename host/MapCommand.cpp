@@ -294,7 +294,7 @@ void runMap(const MapOptions& options) {
     throw ArgumentError("--svg", "or --pdf or --png is needed");
   Session::checkReadable(options.scene);
   Session::checkReadable(options.table);
-  std::vector<std::string> inputs = sourceFiles(options.scene);
+  std::vector<std::string> inputs = sourceFiles(options.scene, options.import);
   inputs.push_back(options.table);
   if (!options.views.empty()) inputs.push_back(options.views);
   OutputNames names(inputs);

@@ -4,6 +4,7 @@
 
 #include "DrawOptions.h"
 #include "OptionParts.h"
+#include "Tools.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -79,7 +80,7 @@ void addValues(CLI::App& command, MapOptions& options) {
 }  // namespace
 
 void setMapOptions(CLI::App& command, MapOptions& options) {
-  addScene(command, options.scene, options.import);
+  Tools::addSceneBeforeOthers(command, options.scene, options.import);
   command
       .add_option("TABLE", options.table,
                   "values where eyes stand (CSV), as summary.csv of a batch or --shares of grid")

@@ -8,6 +8,8 @@
 
 #include <lumivane/check/InsideTest.h>
 
+#include <CLI/CLI.hpp>
+
 namespace Lumivane::Host {
 
 struct ExactBatch::State {};
@@ -31,8 +33,12 @@ void BatchMaps::write(const std::string&, const std::vector<std::string>&) const
 
 namespace Tools {
 
-const char* sceneHelp() { return "scene file (JSON)"; }
-void addSceneOptions(CLI::App&, ImportSettings&) {}
+void addScene(CLI::App& command, std::string& scene, ImportSettings&) {
+  command.add_option("SCENE", scene, "scene file (JSON)")->required()->type_name("");
+}
+void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings& import) {
+  addScene(command, scene, import);
+}
 void addShotOptions(CLI::App&, ShotOptions&) {}
 void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
 void addBatchOptions(CLI::App&, BatchOptions&) {}

@@ -283,8 +283,7 @@ void addSize(CLI::App& command, std::optional<Size>& target, const std::string& 
 }
 
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
-  command.add_option("SCENE", scene, Tools::sceneHelp())->required()->type_name("");
-  Tools::addSceneOptions(command, import);
+  Tools::addScene(command, scene, import);
 }
 
 Vector readVector(const std::string& option, const std::string& text) {
@@ -318,7 +317,6 @@ namespace {
 
 // What a shot takes wherever it is taken.
 void addShotOptions(CLI::App& command, ShotOptions& options) {
-  addScene(command, options.scene, options.import);
   addViewOptions(command, options.view);
   addLimits(command, options.view);
   command.add_option("-o,--output", options.shot, "shot file to write (JSON)")->type_name("FILE");
@@ -343,6 +341,7 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
 
 // A batch has processes in place of threads.
 void setShotOptions(CLI::App& command, ShotOptions& options) {
+  addScene(command, options.scene, options.import);
   addShotOptions(command, options);
   options.view.threads = 0;
   command.add_option("--threads", options.view.threads, "threads; 0 for as many as processors")
@@ -352,12 +351,13 @@ void setShotOptions(CLI::App& command, ShotOptions& options) {
 }
 
 void setBatchedShotOptions(CLI::App& command, ShotOptions& options) {
+  Tools::addSceneBeforeOthers(command, options.scene, options.import);
   addShotOptions(command, options);
   Tools::addBatchedShotOptions(command, options);
 }
 
 void setShowOptions(CLI::App& command, ShowOptions& options) {
-  addScene(command, options.scene, options.import);
+  Tools::addSceneBeforeOthers(command, options.scene, options.import);
   command.add_option("SHOT", options.shot, "shot file (JSON); without it the shot is made first")
       ->type_name("");
   addViewOptions(command, options.view);
@@ -472,7 +472,10 @@ std::vector<std::string> givenShotOptions(const CLI::App& command) {
     if (option->count() == 0 || option->get_lnames().empty()) continue;
     const std::string name = "--" + option->get_lnames()[0];
     if (name == "--help" || shot.get_option_no_throw(name) == nullptr) continue;
-    given.push_back(name + "=" + option->results().back());
+    const bool isList = option->get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+    const std::vector<std::string> values = option->results();
+    for (auto value = isList ? values.begin() : values.end() - 1; value != values.end(); ++value)
+      given.push_back(name + "=" + *value);
   }
   return given;
 }

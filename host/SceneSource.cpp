@@ -163,10 +163,10 @@ Session::Vector moved(const Session::Vector& point, const Session::Vector& shift
   return {point[0] + shift[0], point[1] + shift[1], point[2] + shift[2]};
 }
 
-std::vector<std::string> sourceFiles(const std::string& path) { return Tools::sourceFiles(path); }
-
 std::vector<std::string> sourceFiles(const std::string& path, const ImportSettings& settings) {
-  std::vector<std::string> files = sourceFiles(path);
+  std::vector<std::string> files = Tools::sourceFiles(path);
+  for (const std::string& other : settings.also)
+    for (std::string& file : Tools::sourceFiles(other)) files.push_back(std::move(file));
   const std::string beside = Session::classFileBeside(path);
   std::error_code ignored;
   if (settings.asksForClasses && isSceneFile(path) &&

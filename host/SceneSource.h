@@ -65,10 +65,9 @@ std::unique_ptr<const Check::InsideTest> insideTestOf(const SourcedScene& source
 
 Session::Vector moved(const Session::Vector& point, const Session::Vector& shift);
 
-/// All files that `loadScene` reads of a path: itself first, then those that it names.
+/// All files that `loadScene` reads of a path: itself first, then those that it names, the other
+/// files of the scene with theirs, and the tables of classes.
 /// \throws Session::Error
-std::vector<std::string> sourceFiles(const std::string& path);
-/// The same, with the tables of classes that are read.
 std::vector<std::string> sourceFiles(const std::string& path, const ImportSettings& settings);
 
 /// Whether a path is read as a scene file, and not as a mesh or a city model.

@@ -29,7 +29,7 @@ using Session::LoadedScene;
 using Session::TakenShot;
 
 void checkOutputs(const ShotOptions& options) {
-  OutputNames names(sourceFiles(options.scene));
+  OutputNames names(sourceFiles(options.scene, options.import));
   names.add("--output", options.shot);
   names.add("--png", options.png);
   names.add("--stats", options.stats);

@@ -44,10 +44,13 @@ void addVisible(CLI::App& command, std::string& visible) {
 const std::vector<std::string> RowDepths = {"total",  "class", "building",
                                             "object", "face",  "region"};
 
+constexpr const char* SceneHelp =
+    "scene file (JSON), mesh, city model, or a scene made ready (.lumiscene)";
+
 class ImportedFile : public Tools::Model {
  public:
   ImportedFile(const std::string& path, const ImportSettings& settings)
-      : file(path, importOptions(settings)), scale(settings.scale) {}
+      : file(modelFiles(path, settings), importOptions(settings)), scale(settings.scale) {}
 
   Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye) override {
     Importers::ImportedScene imported = file.sceneFor(eye);
@@ -119,11 +122,15 @@ void addPlaces(CLI::App& command, GridOptions& options) {
 
 namespace Tools {
 
-const char* sceneHelp() {
-  return "scene file (JSON), mesh, city model, or a scene made ready (.lumiscene)";
+void addScene(CLI::App& command, std::string& scene, ImportSettings& import) {
+  addFiles(command, "SCENE", scene, import,
+           std::string(SceneHelp) + "; several meshes and city models are one scene");
+  addImportSettings(command, import);
 }
 
-void addSceneOptions(CLI::App& command, ImportSettings& import) {
+void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings& import) {
+  command.add_option("SCENE", scene, SceneHelp)->required()->type_name("");
+  addOtherFiles(command, import);
   addImportSettings(command, import);
 }
 
@@ -256,6 +263,7 @@ const std::vector<std::string>& classNamesOf(const Visibility::SceneFile& file) 
 }
 
 std::unique_ptr<Model> modelOf(const std::string& path, const ImportSettings& settings) {
+  if (!settings.also.empty()) return std::make_unique<ImportedFile>(path, settings);
   if (Visibility::SceneFile::hasEnding(path)) return std::make_unique<ReadyScene>(path);
   if (!isImportable(path)) return nullptr;
   return std::make_unique<ImportedFile>(path, settings);

@@ -39,10 +39,10 @@ class ShotShares;
 /// they are built, NoTools.cpp where they are not; nothing else asks whether they are.
 namespace Tools {
 
-/// What the argument SCENE may be.
-const char* sceneHelp();
-/// How a command that reads a scene imports a file that is none.
-void addSceneOptions(CLI::App& command, ImportSettings& import);
+/// The argument SCENE, of one or more files, and how files that are no scenes are imported.
+void addScene(CLI::App& command, std::string& scene, ImportSettings& import);
+/// The same for a command with other arguments behind SCENE: further files are an option.
+void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings& import);
 /// What `shot` measures and draws without a display.
 void addShotOptions(CLI::App& command, ShotOptions& options);
 /// What views of a batch have besides.

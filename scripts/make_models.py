@@ -234,6 +234,56 @@ def city():
     }, indent=1) + "\n"
 
 
+# The head of both tiles of a town, whose coordinates are centimetres in a national grid.
+TILE = {
+    "type": "CityJSON", "version": "2.0",
+    "metadata": {"referenceSystem": "https://www.opengis.net/def/crs/EPSG/0/7415"},
+    "transform": {"scale": [0.01, 0.01, 0.01], "translate": [84600.0, 447400.0, 0.0]},
+}
+
+
+def block(x, y, width, depth, height):
+    """A building without a roof of its own, and its vertices."""
+    ring = [(x, y), (x + width, y), (x + width, y + depth), (x, y + depth)]
+    shell = [[[0, 3, 2, 1]], [[4, 5, 6, 7]]]
+    shell += [[[i, (i + 1) % 4, (i + 1) % 4 + 4, i + 4]] for i in range(4)]
+    kinds = ["GroundSurface", "RoofSurface", "WallSurface"]
+    building = {"type": "Building", "geometry": [{
+        "type": "Solid", "lod": "1", "boundaries": [shell],
+        "semantics": {"surfaces": [{"type": kind} for kind in kinds],
+                      "values": [[0, 1, 2, 2, 2, 2]]}}]}
+    return building, [[*corner, z] for z in (0, height) for corner in ring]
+
+
+def land(x, first):
+    """The ground of a tile, whose vertices are numbered from the first."""
+    square = [first, first + 1, first + 2, first + 3]
+    ground = {"type": "LandUse", "geometry": [
+        {"type": "MultiSurface", "lod": "1", "boundaries": [[square]]}]}
+    return ground, [[x, 0, 0], [x + 2000, 0, 0], [x + 2000, 2000, 0], [x, 2000, 0]]
+
+
+def compact(document):
+    return json.dumps(document, separators=(",", ":")) + "\n"
+
+
+def western_tile():
+    tower, corners = block(500, 500, 800, 900, 1800)
+    ground, more = land(0, len(corners))
+    return compact({**TILE, "CityObjects": {"tower": tower, "ground": ground},
+                    "vertices": corners + more})
+
+
+def eastern_tile():
+    """A sequence: the head, then a feature a line. Its ground has the name of the other tile's."""
+    lines = [{**TILE, "CityObjects": {}, "vertices": []}]
+    for name, (thing, vertices) in {"hall": block(2600, 700, 900, 700, 1200),
+                                    "ground": land(2000, 0)}.items():
+        lines.append({"type": "CityJSONFeature", "id": name, "CityObjects": {name: thing},
+                      "vertices": vertices})
+    return "".join(compact(line) for line in lines)
+
+
 def main():
     here = os.path.dirname(os.path.abspath(__file__))
     folder = sys.argv[1] if len(sys.argv) > 1 else os.path.join(here, "..", "tests/data/models")
@@ -246,6 +296,7 @@ def main():
         "pyramid-big.ply": ply_binary("binary_big_endian", ">"),
         "boxes.gltf": gltf(), "boxes.glb": glb(),
         "house.city.json": city(),
+        "tile-west.city.json": western_tile(), "tile-east.city.jsonl": eastern_tile(),
     }
     for name, content in files.items():
         with open(os.path.join(folder, name), "wb") as file:

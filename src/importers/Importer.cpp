@@ -1,6 +1,8 @@
 // What the formats share: the reader by the file's ending, placement, faces, the scene and the
-// report. The file is read once; the order of objects and faces is made anew for each eye.
+// report. Files are read once; the order of objects and faces is made anew for each eye. Several
+// files are one model before it is placed, so that all are moved alike.
 
+#include "importers/FileSum.h"
 #include "importers/ImportError.h"
 #include "importers/ListOrder.h"
 #include "importers/OpenBodies.h"
@@ -211,6 +213,23 @@ auto namingTheFile(const std::string& path, const Work& work) {
   }
 }
 
+SourceModel readModels(const std::vector<std::string>& paths, const ImportOptions& options) {
+  if (paths.size() == 1) return readModel(paths.front(), options);
+  FileSum sum(paths);
+  for (const std::string& path : paths)
+    namingTheFile(path, [&] { sum.add(readModel(path, options)); });
+  return sum.take(options.yUp);
+}
+
+// As errors name them.
+std::string nameOf(const std::vector<std::string>& paths) {
+  if (paths.empty()) throw Session::Error("import", "no file is named");
+  const std::size_t more = paths.size() - 1;
+  if (more == 0) return paths.front();
+  return paths.front() + " and " + std::to_string(more) +
+         (more == 1 ? " more file" : " more files");
+}
+
 Jzon::Node number(double value) {
   char text[32];
   const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
@@ -245,9 +264,12 @@ bool Importer::isImportable(const std::string& path) {
 }
 
 struct ImportedModel::State {
-  State(const std::string& file, const ImportOptions& options) : path(file), sides(options.sides) {
+  State(const std::string& theName, const std::vector<std::string>& paths,
+        const ImportOptions& options)
+      : name(theName), sides(options.sides) {
     checkOptions(options);
-    model = readModel(path, options);
+    model = readModels(paths, options);
+    report.files = paths;
     report.format = model.format;
     report.referenceSystem = model.referenceSystem;
     report.wholes = model.wholes;
@@ -268,26 +290,30 @@ struct ImportedModel::State {
     warnOfShortEdges(model, report);
   }
 
-  std::string path;
+  std::string name;  // of the files
   ImportSides sides;
   SourceModel model;
-  std::vector<ObjectSurfaces> surfaces;  // in the order of the file
+  std::vector<ObjectSurfaces> surfaces;  // in the order of the files
   ImportReport report;                   // without the counts of a scene
 };
 
 ImportedModel::ImportedModel(const std::string& path, const ImportOptions& options)
-    : state(namingTheFile(path, [&] { return std::make_unique<const State>(path, options); })) {}
+    : ImportedModel(std::vector<std::string>{path}, options) {}
+ImportedModel::ImportedModel(const std::vector<std::string>& paths, const ImportOptions& options)
+    : state(namingTheFile(nameOf(paths), [&] {
+        return std::make_unique<const State>(nameOf(paths), paths, options);
+      })) {}
 ImportedModel::ImportedModel(ImportedModel&&) noexcept = default;
 ImportedModel& ImportedModel::operator=(ImportedModel&&) noexcept = default;
 ImportedModel::~ImportedModel() = default;
 
 ImportedScene ImportedModel::sceneFor(const std::optional<std::array<double, 3>>& eye) const {
-  return namingTheFile(state->path, [&] {
+  return namingTheFile(state->name, [&] {
     std::vector<ObjectSurfaces> surfaces = state->surfaces;
     const std::vector<std::size_t> order = listOrder(state->model, surfaces, eyeOf(eye));
     ImportReport report = state->report;
     BuiltScene built = buildScene(state->model, surfaces, order, state->sides, report);
-    Session::LoadedScene scene = Session::LoadedScene::adopt(built.scene.release(), state->path);
+    Session::LoadedScene scene = Session::LoadedScene::adopt(built.scene.release(), state->name);
     scene.setClasses(Session::SurfaceClasses::ofNames(built.classNames));
     return ImportedScene{std::move(scene), std::move(report)};
   });
@@ -295,6 +321,11 @@ ImportedScene ImportedModel::sceneFor(const std::optional<std::array<double, 3>>
 
 ImportedScene Importer::importFile(const std::string& path, const ImportOptions& options) {
   return ImportedModel(path, options).sceneFor(options.eye);
+}
+
+ImportedScene Importer::importFiles(const std::vector<std::string>& paths,
+                                    const ImportOptions& options) {
+  return ImportedModel(paths, options).sceneFor(options.eye);
 }
 
 std::string Importer::sceneText(Scene::Scene3D& scene) {

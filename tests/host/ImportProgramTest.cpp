@@ -82,6 +82,85 @@ TEST(ImportProgram, EyeOnAnEdgeIsNamedInTheError) {
           "off the edge");
 }
 
+const std::string West = LUMIVANE_MODELS "/tile-west.city.json";
+const std::string East = LUMIVANE_MODELS "/tile-east.city.jsonl";
+
+TEST(ImportProgram, SeveralFilesAreOneScene) {
+  const TempFolder folder;
+  const Result result =
+      run({"import", West, East, "-o", folder.path("town.json"), "--stats", folder.path("stats")});
+  ASSERT_EQ(0, result.status) << result.err;
+  EXPECT_EQ(0U, result.out.find("Imported 2 files (CityJSON 2.0 + CityJSON 2.0 sequence): "));
+  EXPECT_NE(
+      std::string::npos,
+      fileBytes(folder.path("town.classes.csv")).find("tile-east.city.jsonl#ground,,LandUse\n"));
+  EXPECT_EQ(Json({West, East}), Json::parse(fileBytes(folder.path("stats"))).at("files"));
+
+  const auto shares = [&](std::vector<std::string> scene) {
+    scene.insert(scene.begin(), "view");
+    for (const char* word : {"--eye", "1,-4,2", "--rows", "face", "--shares"})
+      scene.push_back(word);
+    scene.push_back(folder.path("shares.csv"));
+    const Result look = run(scene);
+    EXPECT_EQ(0, look.status) << look.err;
+    return fileBytes(folder.path("shares.csv"));
+  };
+  const std::string expected = shares({folder.path("town.json")});
+  EXPECT_NE(std::string::npos, expected.find("hall"));
+  EXPECT_EQ(expected, shares({West, East}));
+  ASSERT_EQ(0, run({"import", West, East, "-o", folder.path("town.lumiscene")}).status);
+  EXPECT_EQ(expected, shares({folder.path("town.lumiscene")}));
+}
+
+TEST(ImportProgram, SeveralFilesAreOneSceneOfEachCommand) {
+  const TempFolder folder;
+  const auto done = [&](std::vector<std::string> arguments) {
+    const Result result = run(arguments);
+    EXPECT_EQ(0, result.status) << arguments[0] << ": " << result.err;
+    EXPECT_EQ(arguments[0] == "check" ? std::string::npos : 0U,
+              result.out.find("Imported 2 files ("))
+        << arguments[0];
+  };
+  const std::string views = folder.path("views.csv");
+  const std::string many = folder.path("many");
+  done({"shot", West, East, "--eye", "1,-8,7", "-o", folder.path("shot")});
+  done({"draw", West, East, "--eye", "1,-8,7", "--svg", folder.path("drawing.svg")});
+  done({"check", West, East});
+  done({"factors", West, East, "-o", folder.path("factors.csv")});
+  done({"sun", West, East, "--eye", "1,-4,2", "--north", "90", "--latitude", "52", "--longitude",
+        "4.36", "--time-zone", "1", "--day", "2024-06-21", "--intervals", folder.path("sun.csv")});
+  done({"grid", West, East, "--spacing", "9", "--height", "1.6", "-o", views});
+  done({"batch", West, views, "--also", East, "--out-dir", many, "--no-shots"});
+  done({"map", West, many + "/summary.csv", "--also", East, "--svg", folder.path("map.svg")});
+  // Other files are other views, although the table is the same.
+  const Result other = run({"batch", West, views, "--out-dir", many, "--no-shots", "--merge"});
+  EXPECT_EQ(1, other.status);
+}
+
+TEST(ImportProgram, FilesThatAreNoOneSceneAreRefused) {
+  const TempFolder folder;
+  const std::string kinds =
+      ": is no mesh and no city model: of several files of one scene each must be one (.obj, .stl, "
+      ".ply, .gltf, .glb, .city.json, .city.jsonl); of a scene give the files that it was made of";
+  ASSERT_EQ(0, run({"import", West, "-o", folder.path("west.json")}).status);
+  ASSERT_EQ(0, run({"import", West, "-o", folder.path("west.lumiscene")}).status);
+  for (const char* scene : {"west.json", "west.lumiscene"}) {
+    const std::string path = folder.path(scene);
+    expectFailure(run({"view", East, path, "--eye", "1,2,3"}), 2, "lumivane: " + path + kinds);
+    expectFailure(run({"view", path, East, "--eye", "1,2,3"}), 2, "lumivane: " + path + kinds);
+  }
+  expectFailure(
+      run({"shot", East, folder.path("nothing.obj")}), 1,
+      "lumivane: " + folder.path("nothing.obj") + ": cannot be read: No such file or directory");
+  expectFailure(
+      run({"import", West, East, West, "-o", folder.path("scene")}), 1,
+      "lumivane: " + West + ": is named twice among the files of one scene: leave it out once");
+  expectFailure(run({"import", West, East, "-o", East}), 2,
+                "lumivane: --output: \"" + East + "\" is already named for another file");
+  expectFailure(run({"view", West, "--also", East, "--eye", "1,2,3"}), 2,
+                "lumivane: The following argument was not expected: --also (see --help)");
+}
+
 TEST(ImportProgram, StatisticsOfAShotTellOfTheImport) {
   const TempFolder folder;
   const Result result = run({"shot", House, "--eye", "0.3,-20.1,9", "--forward", "0,1,-0.3",
@@ -209,7 +288,7 @@ TEST(ImportProgram, TestModelsAreThoseOfTheirScript) {
     EXPECT_EQ(fileBytes(folder.path(name)), fileBytes(entry.path().string())) << name;
     ++count;
   }
-  EXPECT_EQ(10u, count);
+  EXPECT_EQ(12u, count);
 }
 
 TEST(ImportProgram, HelpTellsOfTheCommandAndOfFilesForShots) {

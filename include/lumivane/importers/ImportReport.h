@@ -18,14 +18,18 @@ struct OpenBody {
 
 /// What an import found and did.
 struct ImportReport {
-  std::string format;  ///< "OBJ", "STL", "PLY", "glTF" or "CityJSON" with its version
+  std::vector<std::string> files;  ///< that were read, by the paths that were given
+
+  /// "OBJ", "STL", "PLY", "glTF" or "CityJSON" with its version; of files of several formats all
+  /// of them, joined by " + ".
+  std::string format;
 
   /// Was added to every point, after turning and scaling, in scene units: a scene point minus the
   /// shift is the file's point.
   std::array<double, 3> shift{0.0, 0.0, 0.0};
 
   /// Whether points were turned, so that y, which points up in the file, is z: (x, y, z) became
-  /// (x, -z, y).
+  /// (x, -z, y). Of several files, whether all were: glTF files beside others are turned to these.
   bool turned = false;
 
   /// The coordinate reference system of the file's coordinates as the file names it: a CityJSON

@@ -26,14 +26,17 @@ struct ImportedScene {
   ImportReport report;  ///< what became of the file
 };
 
-/// A file of another program, read once, of which scenes for several eyes are made: the order of a
-/// scene's objects and faces depends on the eye (`ImportOptions::eye`). To be used from one thread
-/// at a time.
+/// A file of another program, or several that are one scene, read once, of which scenes for several
+/// eyes are made: the order of a scene's objects and faces depends on the eye
+/// (`ImportOptions::eye`). To be used from one thread at a time.
 class LUMIVANE_IMPORTERS_EXPORT ImportedModel {
  public:
   /// Reads the file; the eye of the options is not used.
   /// \throws Session::Error as `Importer::importFile`
   explicit ImportedModel(const std::string& path, const ImportOptions& options = {});
+  /// Reads several files as one.
+  /// \throws Session::Error as `Importer::importFiles`
+  explicit ImportedModel(const std::vector<std::string>& paths, const ImportOptions& options = {});
   ImportedModel(ImportedModel&& other) noexcept;             ///< Takes all of the other.
   ImportedModel& operator=(ImportedModel&& other) noexcept;  ///< Drops its own for the other's.
   ImportedModel(const ImportedModel&) = delete;
@@ -73,6 +76,18 @@ class LUMIVANE_IMPORTERS_EXPORT Importer {
   ///                        no polygon; it says what is wrong and, if it is known, at which
   ///                        line, vertex or object
   static ImportedScene importFile(const std::string& path, const ImportOptions& options = {});
+
+  /// Reads several files as one scene, such as the tiles of a city, of one format or of several.
+  ///
+  /// All are turned, scaled and moved alike: the report's shift is that of the whole. An object
+  /// whose name stands in several files gets that of its file in front, "tile7.city.json#roof".
+  /// Coordinates are taken to lie in one system; files that name none lie in that of the others. A
+  /// file may be without polygons if another has some.
+  ///
+  /// \throws Session::Error as `importFile`, naming the file; and if a file is named twice, or two
+  ///                        files name different coordinate reference systems
+  static ImportedScene importFiles(const std::vector<std::string>& paths,
+                                   const ImportOptions& options = {});
 
   /// The scene as a scene file, with all digits of its coordinates instead of 6, so that the file
   /// gives the same shots as the scene, to the bit.
