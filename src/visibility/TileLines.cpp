@@ -15,7 +15,6 @@
 namespace Lumivane::Visibility {
 namespace {
 
-constexpr double SteepestTolerance = 65536.0;
 constexpr double Infinity = std::numeric_limits<double>::infinity();
 
 enum class Place { Below, Within, Above };
@@ -54,8 +53,9 @@ Coordinate crossingOf(const Segment& s, Coordinate y) {
 }
 
 Coordinate toleranceOf(double slope) {
+  constexpr auto Steepest = static_cast<double>(TileLines::SteepestTolerance);
   return nearestWhole(static_cast<double>(Snap) *
-                      std::min(std::sqrt(1.0 + slope * slope), SteepestTolerance));
+                      std::min(std::sqrt(1.0 + slope * slope), Steepest));
 }
 
 }  // namespace
@@ -192,8 +192,9 @@ void TileLines::addCrossingLine(const TilePlanes& planes, std::int32_t slotA, st
   const auto x1 = static_cast<double>(tile.x1);
   const auto y0 = static_cast<double>(tile.y0);
   const auto y1 = static_cast<double>(tile.y1);
-  const bool steep = std::fabs(a) > std::fabs(b) * SteepestTolerance;
-  if (steep) {
+  // All of it within two units.
+  const bool upright = 2.0 * std::fabs(a) > std::fabs(b) * (y1 - y0);
+  if (upright) {
     const double x = -(b * 0.5 * (y0 + y1) + c) / a;
     if (x > x0 && x < x1) breaks.push_back(nearestWhole(x));
     return;
@@ -268,6 +269,13 @@ Coordinate TileLines::heightAt(int number, Coordinate x) const {
   if (x == line.xb) return line.yb;
   const Coordinate y = line.y0 + nearestWhole(line.slope * static_cast<double>(x - line.x0));
   return std::clamp(y, std::min(line.ya, line.yb), std::max(line.ya, line.yb));
+}
+
+TileLines::Heights TileLines::wayAround(int line, Coordinate x) const {
+  const auto place = static_cast<double>(x);
+  const Coordinate before = nearestWhole(exactHeightAt(line, place - 1.0));
+  const Coordinate behind = nearestWhole(exactHeightAt(line, place + 1.0));
+  return {std::min(before, behind), std::max(before, behind)};
 }
 
 Coordinate TileLines::nextStop() const {

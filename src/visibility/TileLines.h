@@ -21,6 +21,9 @@ class TileLines {
  public:
   static constexpr int LowerBorder = -1;
   static constexpr int UpperBorder = -2;
+  /// Of heights on one line: that of the slope SteepestTolerance and of all steeper lines.
+  static constexpr Coordinate SteepestTolerance = 65536;
+  static constexpr Coordinate GreatestTolerance = Snap * SteepestTolerance;
 
   /// An edge of one polygon on a line.
   struct Owner {
@@ -47,6 +50,8 @@ class TileLines {
     size_t gapCount() const { return empty.size(); }
     bool isEmpty(size_t gap) const { return empty[gap] != 0; }
     int below(size_t gap) const { return gap == 0 ? LowerBorder : lines[gap - 1]; }
+    /// The line or border below a gap, or above the last.
+    int border(size_t number) const { return number < gapCount() ? below(number) : UpperBorder; }
     int above(size_t gap) const { return gap == lines.size() ? UpperBorder : lines[gap]; }
     void clear();
   };
@@ -91,6 +96,16 @@ class TileLines {
     return owners.data() + static_cast<size_t>(line.firstOwner);
   }
   Coordinate heightAt(int line, Coordinate x) const;
+  /// Whether the heights of a line or border at whole numbers say little about where it is: it may
+  /// pass many others between two of them.
+  bool isSteep(int line) const { return line >= 0 && (*this)[line].tolerance >= GreatestTolerance; }
+  /// Heights from the lowest to the highest.
+  struct Heights {
+    Coordinate low;
+    Coordinate high;
+  };
+  /// Those of a line from one unit before a place up to one behind it.
+  Heights wayAround(int line, Coordinate x) const;
   /// Of a line or a border, without rounding.
   double exactHeightAt(int line, double x) const { return courseOf(line).at(x); }
 

@@ -172,11 +172,39 @@ TileSweep::Mark TileSweep::markAt(const TileLines::Order& order, size_t border,
 
 // None lower than the one before.
 void TileSweep::addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x) {
-  Coordinate least = tile.y0;
+  const size_t first = marks.size();
+  bool anySteep = false;
   for (size_t border = from; border <= to; ++border) {
     marks.push_back(markAt(order, border, x));
-    least = std::max(least, marks.back().y);
-    marks.back().y = least;
+    anySteep = anySteep || lines.isSteep(order.border(border));
+  }
+  if (anySteep) placeSteepMarks(order, first, from, x);
+  Coordinate least = tile.y0;
+  for (size_t i = first; i < marks.size(); ++i) {
+    least = std::max(least, marks[i].y);
+    marks[i].y = least;
+  }
+}
+
+// A line so steep that it passes others between a whole number and the next is known by these: its
+// mark is at that height of the line's way around the stop that is nearest to its own between the
+// marks of its neighbours.
+void TileSweep::placeSteepMarks(const TileLines::Order& order, size_t firstMark, size_t firstBorder,
+                                Coordinate x) {
+  const size_t count = marks.size() - firstMark;
+  heights.clear();
+  for (size_t i = 0; i < count; ++i) {
+    const Coordinate y = marks[firstMark + i].y;
+    const int line = order.border(firstBorder + i);
+    heights.push_back(lines.isSteep(line) ? lines.wayAround(line, x) : TileLines::Heights{y, y});
+  }
+  for (size_t i = 1; i < count; ++i) heights[i].low = std::max(heights[i].low, heights[i - 1].low);
+  for (size_t i = count - 1; i-- > 0;)
+    heights[i].high = std::min(heights[i].high, heights[i + 1].high);
+  for (size_t i = 0; i < count; ++i) {
+    const auto [low, high] = std::minmax(heights[i].low, heights[i].high);
+    Coordinate& y = marks[firstMark + i].y;
+    y = std::clamp(y, low, high);
   }
 }
 

@@ -79,6 +79,8 @@ class TileSweep {
   void placeMarks(const Change& change);
   Mark markAt(const TileLines::Order& order, size_t border, Coordinate x) const;
   void addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x);
+  void placeSteepMarks(const TileLines::Order& order, size_t firstMark, size_t firstBorder,
+                       Coordinate x);
   void joinMarks(size_t oldCount);
   void joinAcross(const Change& change);
   void sideStretches(SideList& side, const std::vector<Gap>& gaps, const std::vector<int>& borders,
@@ -113,6 +115,7 @@ class TileSweep {
   std::vector<Gap> gaps;     // behind the stop
   std::vector<Gap> oldGaps;  // of those before it that change
   std::vector<Mark> marks;
+  std::vector<TileLines::Heights> heights;  // scratch
   std::vector<Point> points;
   std::vector<int> oldPoints;  // of the borders of the changed gaps, from below
   std::vector<int> newPoints;
