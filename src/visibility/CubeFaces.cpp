@@ -66,14 +66,18 @@ double beforeBorder(const CubeFace& f, int axis, int sign, const FrameVector& d)
   return f.sign * d[f.axis] - sign * d[axis];
 }
 
-Exit firstExit(int face, const FrameVector& a, const FrameVector& b) {
+// Faces are convex, so that an arc never comes back to one; rounding might lead it back along a
+// border. What is before the border at the end of the chord may be 0, or below it, for the same
+// reason only.
+Exit firstExit(int face, unsigned visited, const FrameVector& a, const FrameVector& b) {
   const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
   Exit first;
   for (const int axis : {f.u, f.v})
     for (const int sign : {1, -1}) {
-      const double atA = beforeBorder(f, axis, sign, a);
+      if ((visited >> faceOf(axis, sign) & 1U) != 0) continue;
+      const double atA = std::max(0.0, beforeBorder(f, axis, sign, a));
       const double atB = beforeBorder(f, axis, sign, b);
-      if (!(atB < 0.0) || atA < 0.0) continue;
+      if (!(atB < 0.0)) continue;
       const double at = atA / (atA - atB);
       if (at < first.at) first = {axis, sign, at};
     }
@@ -83,7 +87,7 @@ Exit firstExit(int face, const FrameVector& a, const FrameVector& b) {
 FacePoint borderPoint(int face, const Exit& exit, const FrameVector& a, const FrameVector& b) {
   const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
   const int third = 3 - f.axis - exit.axis;
-  const double atA = beforeBorder(f, exit.axis, exit.sign, a);
+  const double atA = std::max(0.0, beforeBorder(f, exit.axis, exit.sign, a));
   const double atB = beforeBorder(f, exit.axis, exit.sign, b);
   const double along = atA * b[third] - atB * a[third];
   const double depth = std::fabs(atA * b[f.axis] - atB * a[f.axis]);
@@ -94,11 +98,10 @@ FacePoint borderPoint(int face, const Exit& exit, const FrameVector& a, const Fr
   return p;
 }
 
-// The border that two neighbouring faces share, as the exit from the first; without it the point b
-// lies on the border to within rounding.
-Exit sharedBorder(int to) {
-  const CubeFace& f = CubeFaces[static_cast<size_t>(to)];
-  return {f.axis, f.sign, 1.0};
+// An end of an arc may lie on faces beside its own.
+bool isOn(int face, const FacePoint& p) {
+  const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
+  return p.c[f.axis] == f.sign * CubeHalf;
 }
 
 }  // namespace
@@ -154,22 +157,20 @@ void appendArc(std::vector<Segment>& segments, const FrameVector& a, const ArcEn
     return;
   }
   int face = endA.face;
-  const int last = endB.face;
   FacePoint from = pointOf(endA);
+  const FacePoint end = pointOf(endB);
+  unsigned visited = 1U << face;
   // An arc of less than half a circle visits at most five faces.
-  for (int step = 0; face != last && step < 6; ++step) {
-    Exit exit = firstExit(face, a, b);
-    const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
-    if (exit.axis < 0) {
-      exit = sharedBorder(last);
-      if (exit.axis == f.axis) break;
-    }
+  for (int step = 0; !isOn(face, end) && step < FaceCount; ++step) {
+    const Exit exit = firstExit(face, visited, a, b);
+    if (exit.axis < 0) break;
     const FacePoint to = borderPoint(face, exit, a, b);
     appendPart(segments, face, from, to, edge, inner);
     face = faceOf(exit.axis, exit.sign);
+    visited |= 1U << face;
     from = to;
   }
-  if (face == last) appendPart(segments, face, from, pointOf(endB), edge, inner);
+  if (isOn(face, end)) appendPart(segments, face, from, end, edge, inner);
 }
 
 int exactSideOf(const Segment& s, Coordinate x, Coordinate y) {

@@ -287,9 +287,15 @@ void TileSweep::emitUpright(int from, int to, Coordinate x, int left, int right)
   const Coordinate high = points[static_cast<size_t>(to)].y;
   Piece piece{start, end, left, right, NoSource, false, false};
   int best = 0;
-  for (const TileLines::Line& line : lines.all()) {
+  for (size_t i = 0; i < lines.all().size(); ++i) {
+    const TileLines::Line& line = lines.all()[i];
     const bool upright = line.xb - line.xa <= 2 && line.xa - Snap <= x && x <= line.xb + Snap;
-    if (!upright || std::max(line.ya, line.yb) < low || std::min(line.ya, line.yb) > high) continue;
+    TileLines::Heights way{std::min(line.ya, line.yb), std::max(line.ya, line.yb)};
+    if (!upright) {
+      if (!lines.isSteep(static_cast<int>(i)) || x < line.xa || x > line.xb) continue;
+      way = lines.wayAround(static_cast<int>(i), x);
+    }
+    if (way.high < low || way.low > high) continue;
     chooseSource(line, parts.regionOf(left), parts.regionOf(right), piece, best);
   }
   parts.pieces.push_back(piece);
@@ -386,6 +392,10 @@ bool TileSweep::keepWall(size_t below, size_t above) {
            parts.areaSets.find(a.area) == parts.areaSets.find(b.area);
   };
   if (!sameArea(gapBefore(i), gaps[below]) || !sameArea(gapBefore(k), gaps[above])) return false;
+  // Among other neighbours a steep line may have another height.
+  const size_t oldBorder = std::max(i + 1, change.from);
+  const size_t newBorder = std::max(below + 1, change.from);
+  if (oldPoints[oldBorder - change.from] != newPoints[newBorder - change.from]) return false;
   if (below >= change.from) gaps[below].wallVertex = gapBefore(i).wallVertex;
   kept.push_back(line);
   return true;
