@@ -246,9 +246,10 @@ void LookPolygons::sortByFace(LookPolygon& polygon, std::uint32_t first) {
 }
 
 // A polygon is seen within less than a hemisphere, so one that touches a single face covers none of
-// its corners.
+// its corners, unless its outline runs through the lower left one.
 void LookPolygons::findCornerParity(LookPolygon& polygon) const {
-  if (polygon.onlyFace != LookPolygon::NoFace) return;
+  const bool hasCorner = polygon.box[0] <= -CubeHalf && polygon.box[1] <= -CubeHalf;
+  if (polygon.onlyFace != LookPolygon::NoFace && !hasCorner) return;
   for (int face = 0; face < FaceCount; ++face)
     if (parityOfCorner(polygon, face)) polygon.cornerParity |= static_cast<std::uint8_t>(1 << face);
 }

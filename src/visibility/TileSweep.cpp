@@ -206,6 +206,17 @@ void TileSweep::placeSteepMarks(const TileLines::Order& order, size_t firstMark,
     Coordinate& y = marks[firstMark + i].y;
     y = std::clamp(y, low, high);
   }
+  // What it passes around the stop it passes at the stop.
+  const auto join = [&](size_t i, size_t neighbour) {
+    const int line = order.border(firstBorder + i);
+    if (!lines.isSteep(line) || lines.isSteep(order.border(firstBorder + neighbour))) return;
+    if (lines[line].xa == x || lines[line].xb == x) return;
+    const TileLines::Heights way = lines.wayAround(line, x);
+    const Coordinate y = marks[firstMark + neighbour].y;
+    if (way.low <= y && y <= way.high) marks[firstMark + i].y = y;
+  };
+  for (size_t i = 1; i < count; ++i) join(i, i - 1);
+  for (size_t i = count - 1; i-- > 0;) join(i, i + 1);
 }
 
 // The heights of all borders of changed gaps at a stop.
@@ -227,6 +238,9 @@ void TileSweep::joinMarks(size_t oldCount) {
   size_t nextNew = oldCount;
   Mark before{};
   int rank = 0;
+  // Of the mark whose height the point has; of steep lines heights are known less well.
+  Coordinate tolerance = 0;
+  constexpr Coordinate MuchSteeper = 4;
   while (nextOld < oldCount || nextNew < count) {
     const bool isOld =
         nextOld < oldCount && (nextNew == count || marks[nextOld].y <= marks[nextNew].y);
@@ -234,9 +248,12 @@ void TileSweep::joinMarks(size_t oldCount) {
     if (points.empty() || mark.y - before.y > std::max(before.tolerance, mark.tolerance)) {
       points.push_back({mark.y, -1});
       rank = mark.rank;
-    } else if (mark.rank > rank) {
+      tolerance = mark.tolerance;
+    } else if (mark.rank > rank ||
+               (mark.rank == rank && MuchSteeper * mark.tolerance < tolerance)) {
       points.back().y = mark.y;
       rank = mark.rank;
+      tolerance = mark.tolerance;
     }
     before = mark;
     const int point = static_cast<int>(points.size()) - 1;
@@ -316,7 +333,8 @@ void TileSweep::sideStretches(SideList& side, const std::vector<Gap>& allGaps,
   for (size_t i = 0; i < allGaps.size(); ++i) {
     if (allGaps[i].area < 0 || borders[i] >= borders[i + 1]) continue;
     const int here = allGaps[i].area;
-    if (area < 0 || parts.regionOf(area) != parts.regionOf(here)) {
+    // Areas of one region may meet in a single point of the side.
+    if (area < 0 || parts.areaSets.find(area) != parts.areaSets.find(here)) {
       if (area >= 0) add(begin, end, area);
       begin = borders[i];
       area = here;
