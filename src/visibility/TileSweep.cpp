@@ -206,17 +206,26 @@ void TileSweep::placeSteepMarks(const TileLines::Order& order, size_t firstMark,
     Coordinate& y = marks[firstMark + i].y;
     y = std::clamp(y, low, high);
   }
-  // What it passes around the stop it passes at the stop.
-  const auto join = [&](size_t i, size_t neighbour) {
+  // What a line passes around the stop it passes at the stop.
+  const auto isSteep = [&](size_t i) { return lines.isSteep(order.border(firstBorder + i)); };
+  const auto passes = [&](size_t i, Coordinate y) {
     const int line = order.border(firstBorder + i);
-    if (!lines.isSteep(line) || lines.isSteep(order.border(firstBorder + neighbour))) return;
-    if (lines[line].xa == x || lines[line].xb == x) return;
+    if (lines[line].xa == x || lines[line].xb == x) return false;
     const TileLines::Heights way = lines.wayAround(line, x);
-    const Coordinate y = marks[firstMark + neighbour].y;
-    if (way.low <= y && y <= way.high) marks[firstMark + i].y = y;
+    return way.low <= y && y <= way.high;
   };
-  for (size_t i = 1; i < count; ++i) join(i, i - 1);
-  for (size_t i = count - 1; i-- > 0;) join(i, i + 1);
+  size_t known = count;  // the last one that is not steep
+  for (size_t i = 0; i < count; ++i) {
+    if (!isSteep(i)) known = i;
+    if (known < i && passes(i, marks[firstMark + known].y))
+      for (size_t k = known; k < i; ++k) marks[firstMark + k + 1].y = marks[firstMark + known].y;
+  }
+  known = count;
+  for (size_t i = count; i-- > 0;) {
+    if (!isSteep(i)) known = i;
+    if (known < count && i < known && passes(i, marks[firstMark + known].y))
+      for (size_t k = i; k < known; ++k) marks[firstMark + k].y = marks[firstMark + known].y;
+  }
 }
 
 // The heights of all borders of changed gaps at a stop.

@@ -1,0 +1,238 @@
+// Scenes whose edges run along the faces, borders and tiles of the cube on which the engine lays
+// directions, or all but along them. It is turned against the scene's axes so that this does not
+// happen to houses and rooms; what is seen must be right all the same.
+#include "truth/Builder.h"
+#include "truth/Invariants.h"
+#include "truth/MapCheck.h"
+
+#include <lumivane/visibility/SceneIndex.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace Lumivane::Truth {
+namespace {
+
+using Visibility::LookOptions;
+using Visibility::SceneIndex;
+using Visibility::Vector;
+using Visibility::VisibleMap;
+
+constexpr Vector Eye{0.0, 0.0, 0.0};
+
+/// From the axes of the cube to those of the scene.
+Vector fromCube(const Vector& v) {
+  constexpr std::array<Vector, 3> Axes{{
+      {0.28877634118604695, -0.4555842614920781, 0.8420517831178302},
+      {0.9485137722244249, 0.01661011542877444, -0.3163000600158563},
+      {0.13011475193763145, 0.8900376872617026, 0.43692455479412934},
+  }};
+  Vector result{};
+  for (std::size_t i = 0; i < 3; ++i)
+    result[i] = Axes[0][i] * v[0] + Axes[1][i] * v[1] + Axes[2][i] * v[2];
+  return result;
+}
+
+/// What is seen at (x, y) of a face, at a depth.
+class Face {
+ public:
+  explicit Face(Random& random) : axis(static_cast<std::size_t>(random.below(3))) {
+    if (random.below(2) == 0) sign = -1.0;
+    if (random.below(2) == 0) std::swap(u, v);
+  }
+  Vector operator()(double x, double y, double depth) const {
+    Vector result{};
+    result[axis] = sign * depth;
+    result[(axis + u) % 3] = x * depth;
+    result[(axis + v) % 3] = y * depth;
+    return fromCube(result);
+  }
+
+ private:
+  std::size_t axis;
+  std::size_t u = 1;
+  std::size_t v = 2;
+  double sign = 1.0;
+};
+
+/// A border of tiles.
+double border(Random& random) {
+  const int parts = 1 << random.below(7);
+  return static_cast<double>(2 * random.below(parts + 1) - parts) / parts;
+}
+
+double powerOfTen(Random& random, double low, double high) {
+  return std::pow(10.0, random.between(low, high));
+}
+
+Vector gridPoint(Random& random, int most, double step) {
+  const auto one = [&] { return step * (random.below(2 * most + 1) - most); };
+  const double x = one();
+  const double y = one();
+  return fromCube({x, y, one()});
+}
+
+void triangles(Random& random, SceneBuilder& builder) {
+  const int most = 1 + random.below(3);
+  const double step = random.below(2) == 0 ? 1.0 : 0.5;
+  for (int i = 3 + random.below(50); i > 0; --i) {
+    const Vector a = gridPoint(random, most, step);
+    const Vector b = gridPoint(random, most, step);
+    builder.object().add({a, b, gridPoint(random, most, step)});
+  }
+}
+
+/// Walls with or without slits between them, and much that they hide.
+void screens(Random& random, SceneBuilder& builder) {
+  const Face at(random);
+  std::vector<double> ends{-1.2, 1.2};
+  for (int i = 1 + random.below(4); i > 0; --i) ends.push_back(border(random));
+  std::sort(ends.begin(), ends.end());
+  const double slit = random.below(3) == 0 ? 0.0 : powerOfTen(random, -12.0, -2.0);
+  for (std::size_t i = 0; i + 1 < ends.size(); ++i) {
+    const double from = ends[i] + slit;
+    const double to = ends[i + 1];
+    if (!(from < to)) continue;
+    const double depth = 1.0 + 0.1 * random.below(5);
+    builder.object().addFacing(
+        {at(from, -1.1, depth), at(to, -1.1, depth), at(to, 1.1, depth), at(from, 1.1, depth)},
+        Eye);
+  }
+  for (int i = 10 + random.below(80); i > 0; --i) {
+    const double depth = 2.0 + 0.01 * i;
+    const double x0 = border(random);
+    const double y0 = border(random);
+    const double x1 = border(random);
+    const double y1 = border(random);
+    if (x0 == x1 || y0 == y1) continue;
+    if (random.below(2) == 0)
+      builder.object().addFacing(
+          {at(x0, y0, depth), at(x1, y0, depth), at(x1, y1, depth), at(x0, y1, depth)}, Eye);
+    else
+      builder.object().addFacing(
+          {at(x0, y0, depth), at(x1, y1, depth), at(border(random), y0, depth + 1.0)}, Eye);
+  }
+}
+
+/// Strips whose long sides are off the upright or level line by some units of the cube.
+void strips(Random& random, SceneBuilder& builder) {
+  const Face at(random);
+  const auto tiny = [&] {
+    return (random.below(9) - 4) * 0x1p-50 *
+           (random.below(3) > 0 ? 1.0 : powerOfTen(random, 0.0, 5.0));
+  };
+  for (int i = 10 + random.below(50); i > 0; --i) {
+    const double depth = random.between(0.8, 3.0);
+    const double x = random.below(2) == 0 ? border(random) : random.between(-1.0, 1.0);
+    const double end = x + powerOfTen(random, -9.0, -0.5);
+    const double before = x + tiny();
+    const double behind = end + tiny();
+    if (random.below(2) == 0)
+      builder.object().addFacing({at(x, -0.9, depth), at(behind, -0.9, depth), at(end, 0.9, depth),
+                                  at(before, 0.9, depth)},
+                                 Eye);
+    else
+      builder.object().addFacing({at(-0.9, before, depth), at(0.9, x, depth), at(0.9, end, depth),
+                                  at(-0.9, behind, depth)},
+                                 Eye);
+  }
+}
+
+/// Planes that run through each other along lines of any slope, and edges of any slope.
+void steepLines(Random& random, SceneBuilder& builder) {
+  const Face at(random);
+  const auto slope = [&] {
+    return (random.below(2) == 0 ? 1.0 : -1.0) * powerOfTen(random, 2.0, 16.0);
+  };
+  for (int i = 2 + random.below(5); i > 0; --i) {
+    const double run = 1.0 / slope();
+    const double shift = random.between(-0.5, 0.5);
+    const double lean = random.between(-0.3, 0.3);
+    const auto corner = [&](double x, double y) {
+      return at(x, y, 1.0 / (1.0 + lean * (x - y * run - shift)));
+    };
+    const double reach = random.between(0.8, 0.95);
+    builder.object().addFacing({corner(-reach, -reach), corner(reach, -reach), corner(reach, reach),
+                                corner(-reach, reach)},
+                               Eye);
+  }
+  for (int i = 0; i < 10; ++i) {
+    const double x = random.between(-0.9, 0.9);
+    const double depth = random.between(0.7, 2.0);
+    const Vector top = at(x + 1.0 / slope(), random.between(0.0, 0.8), depth);
+    const double y = random.between(-0.9, 0.9);
+    builder.object().addFacing({at(x, -0.8, depth), top, at(random.between(-0.9, 0.9), y, depth)},
+                               Eye);
+  }
+}
+
+void expectRight(const Visibility::PolygonScene& scene) {
+  LookOptions options;
+  options.twoSided = true;
+  options.field = Visibility::Field::Sphere;
+  const VisibleMap map = SceneIndex(scene).look(Eye, options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  EXPECT_EQ(faultText(map), "");
+  const RayReport report = checkByRays(Judge(scene), map, 600, 3);
+  EXPECT_TRUE(report.wrong.empty()) << report.text();
+}
+
+using Make = void (*)(Random&, SceneBuilder&);
+
+class AlignedSceneProperty : public ::testing::TestWithParam<Make> {};
+
+TEST_P(AlignedSceneProperty, IsSeenAsWellAsAnyOther) {
+  for (std::uint64_t seed = 1; seed <= 15; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Random random(seed);
+    SceneBuilder builder;
+    GetParam()(random, builder);
+    expectRight(builder.scene());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, AlignedSceneProperty,
+                         ::testing::Values(triangles, screens, strips, steepLines));
+
+TEST(AlignedScene, ATriangleIsSeenBesideAWallWithAnUprightEdge) {
+  Random random(1);
+  const Face at(random);
+  SceneBuilder builder;
+  builder.object().addFacing(
+      {at(0.6, -0.9, 1.5), at(0.95, -0.9, 1.5), at(0.95, 0.9, 1.5), at(0.6, 0.9, 1.5)}, Eye);
+  builder.object().addFacing({at(0.2, -0.05, 2.2), at(0.93, 0.85, 2.2), at(0.9, -0.8, 2.2)}, Eye);
+  expectRight(builder.scene());
+}
+
+TEST(AlignedScene, PlanesThatCrossAlongAnUprightLineAreTurnedAgainstEachOtherThereAlone) {
+  Random random(1);
+  const Face at(random);
+  // A line that is off the upright by 1e-5, and was taken for upright over the whole face.
+  const auto depth = [](double x, double y, double lean) {
+    return 1.0 / (1.0 + lean * (x - 1e-5 * y - 0.1));
+  };
+  SceneBuilder builder;
+  for (const double lean : {0.2, -0.2}) {
+    const auto corner = [&](double x, double y) { return at(x, y, depth(x, y, lean)); };
+    builder.object().addFacing(
+        {corner(-0.9, -0.9), corner(0.9, -0.9), corner(0.9, 0.9), corner(-0.9, 0.9)}, Eye);
+  }
+  const Visibility::PolygonScene scene = builder.scene();
+  LookOptions options;
+  options.field = Visibility::Field::Sphere;
+  const VisibleMap map = SceneIndex(scene).look(Eye, options);
+  const Judge judge(scene);
+  for (const double y : {-0.8, -0.5, -0.1, 0.2, 0.6, 0.85})
+    for (const double off : {-6e-6, -3e-6, 3e-6, 6e-6})
+      EXPECT_TRUE(checkDirection(judge, map, at(0.1 + 1e-5 * y + off, y, 1.0))) << y << ' ' << off;
+}
+
+}  // namespace
+}  // namespace Lumivane::Truth
