@@ -62,7 +62,7 @@ def map_views(
         run = _Run(client, scene, None if folder is None else Store(folder))
         plan = parts.plan(
             scene, eyes, columns, chunk, forward=forward, up=up, by=by, field=field,
-            two_sided=two_sided, sparse=sparse, folder=folder, processes=run.slots(),
+            two_sided=two_sided, sparse=sparse, folder=folder, processes=run.slots(), even=False,
             measure=run.seconds_of,
         )  # fmt: skip
         if run.store is not None:

@@ -43,8 +43,9 @@ SECONDS = 40.0  #: of work of one thread that a part should take
 LEAST_SECONDS = 20.0  #: below which parts are too many, unless processors would be idle
 PARTS_EACH = 4  #: that a processor makes at least, so that all end at about the same time
 
-_SAMPLE_SECONDS = 3.0
-_SAMPLE_EYES = 64
+_SAMPLE_SECONDS = 1.0
+_SAMPLE_EYES = 16
+_LEAST_SHARE = 16  # of a part that the smallest ones at the end have
 _PLAN = ".plan.npz"
 
 Progress = Callable[[float], object]
@@ -100,26 +101,28 @@ class Plan:
     """Eyes cut into parts. Made by `plan` and `read`."""
 
     def __init__(
-        self, whole: Part, order: npt.NDArray[np.intp], width: int, chunk: int,
-        name: str, folder: Optional[Path],
+        self, whole: Part, order: npt.NDArray[np.intp], width: int,
+        starts: npt.NDArray[np.intp], name: str, folder: Optional[Path],
     ) -> None:  # fmt: skip
         self.whole = whole  #: all eyes in their new order, as one part
         self.order = order  #: where each of them stood in what was given
         self.width = width  #: how many columns a row for all objects or classes has
-        self.chunk = chunk  #: how many eyes a part has
+        self.starts = starts  #: where in the new order each part starts
         self.name = name  #: the name of the content
         self.store = None if folder is None else Store(folder)
 
     def __len__(self) -> int:
         """How many parts there are."""
-        return -(-len(self.order) // self.chunk)
+        return len(self.starts)
 
     def __repr__(self) -> str:
         return f"<lumivane.parts.Plan: {len(self.order)} eyes in {len(self)} parts>"
 
     def span(self, number: int) -> slice:
         """Which eyes of the new order are those of the part at a position."""
-        return slice(number * self.chunk, min((number + 1) * self.chunk, len(self.order)))
+        is_last = number + 1 == len(self.starts)
+        end = len(self.order) if is_last else int(self.starts[number + 1])
+        return slice(int(self.starts[number]), end)
 
     def part(self, number: int) -> Part:
         """The part at a position."""
@@ -143,13 +146,14 @@ class Plan:
         keep_scene(scene, store.folder)
         if not path.exists():
             about = {"version": _core.__version__, "scene": self.whole.scene, "width": self.width,
-                     "chunk": self.chunk, "wanted": asdict(self.whole.wanted)}  # fmt: skip
+                     "wanted": asdict(self.whole.wanted)}  # fmt: skip
             arrays: Arrays = {
                 "about": np.frombuffer(json.dumps(about).encode(), np.uint8),
                 "eyes": self.whole.eyes,
                 "forwards": self.whole.forwards,
                 "ups": self.whole.ups,
                 "order": self.order,
+                "starts": self.starts,
             }
             write_whole(path, lambda file: np.savez(file, **arrays))
         return path
@@ -263,6 +267,7 @@ def plan(
     sparse: bool = False,
     folder: Optional[PathLike] = None,
     processes: int = 1,
+    even: bool = True,
     measure: Optional[Callable[[Part], float]] = None,
 ) -> Plan:
     """Cuts eyes into parts.
@@ -274,6 +279,9 @@ def plan(
     `folder`: where parts are kept. A plan that is in it already, of the same eyes and options, is
         taken as it is, so that its parts are found.
     `processes`: how many will make the parts, about.
+    `even`: whether parts of "auto" all have as many eyes, as fixed shares of parts need. If not,
+        the last ones are smaller and smaller, so that processes that take the next part when they
+        are free all end at about the same time.
     `measure`: what is called with a part of a few eyes, and returns how many seconds it took; by
         default `seconds_of`, in this process.
 
@@ -288,15 +296,17 @@ def plan(
 
     order = curve_order(rows)
     whole = _some(Part(scene.content_name, rows, forwards, ups, wanted), order)
-    name = _short(content_name("plan", whole.name, order, str(chunk)))
+    name = _short(content_name("plan", whole.name, order, str(chunk), even))
     if folder is not None and (path := Store(folder, _PLAN).path(name)).exists():
         return read(path)
     if chunk == "auto":
         size = _measured(whole, processes, measure or (lambda part: seconds_of(part, scene)))
     else:
         size = int(chunk)
+    shrinks = chunk == "auto" and not even
+    starts = _starts(len(rows), size, max(1, processes) if shrinks else 0)
     width = len(scene.classes) + 1 if by == "class" else len(scene.objects)
-    return Plan(whole, order, width, size, name, None if folder is None else Store(folder).folder)
+    return Plan(whole, order, width, starts, name, None if folder is None else Store(folder).folder)
 
 
 def read(path: PathLike) -> Plan:
@@ -307,7 +317,7 @@ def read(path: PathLike) -> Plan:
     store, name = Store(file.parent, _PLAN), file.name[: -len(_PLAN)]
     arrays = store.load(name)
     about = json.loads(arrays["about"].tobytes())
-    if about["version"] != _core.__version__:
+    if about["version"] != _core.__version__ or "starts" not in arrays:
         raise _core.Error(
             f"{file}: the plan is of version {about['version']}, but this is "
             f"{_core.__version__}: plan it again"
@@ -317,7 +327,7 @@ def read(path: PathLike) -> Plan:
     whole = Part(
         about["scene"], arrays["eyes"], arrays["forwards"], arrays["ups"], Wanted(**wanted)
     )
-    return Plan(whole, arrays["order"], about["width"], about["chunk"], name, store.folder)
+    return Plan(whole, arrays["order"], about["width"], arrays["starts"], name, store.folder)
 
 
 def seconds_of(part: Part, scene: Scene) -> float:
@@ -379,6 +389,19 @@ def _measured(whole: Part, processes: int, seconds: Callable[[Part], float]) -> 
     if each * most < LEAST_SECONDS:
         return most
     return max(1, round(SECONDS / each))
+
+
+def _starts(count: int, size: int, processes: int) -> npt.NDArray[np.intp]:
+    """Where parts of a size start; for some processes, with half of a fair share of what is left
+    as soon as that is less (guided self-scheduling: C. Polychronopoulos, D. Kuck, 1987)."""
+    if processes == 0:
+        return np.arange(0, count, size, dtype=np.intp)
+    starts, start = [], 0
+    while start < count:
+        starts.append(start)
+        half = -(-(count - start) // (2 * processes))
+        start += max(1, size // _LEAST_SHARE, min(size, half))
+    return np.array(starts, np.intp)
 
 
 def _some(part: Part, positions: Union[slice, npt.NDArray[np.intp]]) -> Part:

@@ -238,7 +238,26 @@ def test_parts_take_20_to_60_seconds_unless_processes_would_be_idle(
     plan = lumivane.parts.plan(
         small, eyes, processes=processes, measure=lambda part: seconds_each * len(part.eyes)
     )
-    assert plan.chunk == expected
+    sizes = [plan.span(i).stop - plan.span(i).start for i in range(len(plan))]
+    assert set(sizes[:-1]) <= {expected} and sizes[-1] <= expected and sum(sizes) == count
+
+
+def test_parts_that_are_not_even_shrink_at_the_end_alone(small, tmp_path):
+    eyes = np.random.default_rng(2).uniform(-3, 3, (10_000, 3))
+    plan = lumivane.parts.plan(
+        small, eyes, processes=3, even=False, folder=tmp_path, measure=lambda part: len(part.eyes)
+    )
+    sizes = [plan.span(i).stop - plan.span(i).start for i in range(len(plan))]
+    assert sizes == sorted(sizes, reverse=True) and sum(sizes) == len(eyes)
+    assert sizes[0] == 40 and sizes.count(40) > 200 and sizes[-3:] == [2, 2, 2]
+    # What is left never is more than a few parts for each process.
+    assert all(size <= 40 and left < 3 * 2 * (size + 1)
+               for size, left in zip(sizes, np.cumsum(sizes[::-1])[::-1]) if size < 40)  # fmt: skip
+    read = lumivane.parts.read(plan.write(small))
+    assert [read.span(i) for i in range(len(read))] == [plan.span(i) for i in range(len(plan))]
+    same_size = lumivane.parts.plan(small, eyes, chunk=77, processes=3, even=False)
+    assert {same_size.span(i).stop - same_size.span(i).start for i in range(9)} == {77}
+    assert same_size.name != lumivane.parts.plan(small, eyes, chunk=77).name
 
 
 def test_measuring_looks_at_a_few_eyes_that_are_spread_over_all(small):
@@ -252,7 +271,7 @@ def test_measuring_looks_at_a_few_eyes_that_are_spread_over_all(small):
     lumivane.parts.plan(small, eyes, measure=measure)
     lumivane.parts.plan(small, eyes[:500], measure=measure)
     lumivane.parts.plan(small, eyes[:40], measure=measure)
-    assert [len(sample) for sample in sampled] == [64, 10]
+    assert [len(sample) for sample in sampled] == [16, 10]
     assert (np.ptp(sampled[0], axis=0) > 4).all()
 
 
