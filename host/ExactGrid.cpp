@@ -110,7 +110,8 @@ ExactGrid::~ExactGrid() = default;
 std::optional<GridFoot> ExactGrid::footAt(double x, double y) const {
   const std::optional<GroundSearch::Hit> hit = state->ground->at(x, y);
   if (!hit) return std::nullopt;
-  return GridFoot{hit->z, state->surfaces.idOf(hit->label.object), hit->label.face};
+  return GridFoot{hit->z, state->surfaces.idOf(hit->label.object), hit->label.face,
+                  state->surfaces.classOf(hit->label)};
 }
 
 bool ExactGrid::isUnderGround(const Vector& eye) const { return state->underGround.isUnder(eye); }

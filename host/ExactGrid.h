@@ -23,6 +23,7 @@ struct GridView {
   bool isInside = false;   ///< whether the eye stands inside a body
   std::string object;      ///< id of the object on which the eye stands; empty over a level
   int face = 0;            ///< its face, from 1; -1 for a region of no face, 0 over a level
+  std::string className{};  ///< what it is; empty for nothing, and over a level
 };
 
 /// Where a vertical line meets the surface that eyes stand on.
@@ -30,6 +31,7 @@ struct GridFoot {
   double z = 0.0;
   std::string object;  ///< its id
   int face = 0;        ///< from 1; -1 for a region of no face
+  std::string className{};  ///< what it is; may be empty
 };
 
 /// A place on a face, a little off it.
@@ -40,6 +42,7 @@ struct FacePlace {
   int objectNumber = 0;  ///< from 1
   std::string object;    ///< its id
   int face = 0;          ///< from 1; -1 for a region of no face
+  std::string className{};  ///< what it is; may be empty
 };
 
 /// Places eyes on the surfaces of one scene, and looks exactly from them. A program without the

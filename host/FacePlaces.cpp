@@ -34,6 +34,7 @@ struct Piece {
   std::vector<Vector> corners;
   Vector normal{};
   double area = 0.0;
+  std::string className{};
 };
 
 // The side from which the corners run clockwise is seen, so the sum of cross products points away.
@@ -176,6 +177,7 @@ class FaceLattice {
     place.eye = sum(sum(at, scaled(off, largest.normal)), scaled(clearance, piece.normal));
     place.forward = piece.normal;
     place.up = Axes(piece.normal).up;
+    place.className = piece.className;
     return place;
   }
 
@@ -221,6 +223,7 @@ std::map<FaceKey, std::vector<Piece>> piecesByFace(const SceneSurfaces& surfaces
     const Label& label = scene.labels[i];
     std::optional<Piece> piece = pieceOf(scene, i);
     if (!piece || !choice.takes(label, piece->normal)) continue;
+    piece->className = surfaces.classOf(label);
     const int region = label.face > 0 ? 0 : label.region;
     faces[{label.object, {label.face, region}}].push_back(std::move(*piece));
   }

@@ -212,6 +212,7 @@ void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid*
         z = foot->z;
         view.object = foot->object;
         view.face = foot->face;
+        view.className = foot->className;
       }
       view.name = "r" + number(row + 1, rows.size()) + "c" + number(column + 1, columns.size());
       view.eye = tidy({columns[column], rows[row], z + options.height.value_or(0.0)});
@@ -238,6 +239,7 @@ void addFaceViews(const ExactGrid& exact, ViewMaker& maker) {
     view.up = tidy(at.up);
     view.object = at.object;
     view.face = at.face;
+    view.className = at.className;
     ++maker.counts.all;
     maker.addFace(std::move(view));
   }
@@ -254,12 +256,16 @@ void report(const GridOptions& options, const PlaceCounts& counts) {
                                      : ": 1 in the column inside; --skip-inside leaves them out\n");
 }
 
+std::string textCell(const std::string& text, const GridOptions& options) {
+  return options.csvSafe ? Session::csvSafe(text) : text;
+}
+
 std::string table(const GridOptions& options, const std::vector<GridView>& views) {
   const bool isOnFaces = !options.on.empty();
   const bool hasObjects = isOnSurfaces(options);
   std::string result = "name,eye,forward,up";
   result += isOnFaces ? "" : ",row,column,cell";
-  result += hasObjects ? ",inside,object,face\n" : "\n";
+  result += hasObjects ? ",inside,object,face,class\n" : "\n";
   for (const GridView& view : views) {
     std::vector<std::string> fields = {view.name, text(view.eye), text(view.forward),
                                        text(view.up)};
@@ -270,8 +276,9 @@ std::string table(const GridOptions& options, const std::vector<GridView>& views
     }
     if (hasObjects) {
       fields.push_back(view.isInside ? "1" : "0");
-      fields.push_back(options.csvSafe ? Session::csvSafe(view.object) : view.object);
+      fields.push_back(textCell(view.object, options));
       fields.push_back(view.face > 0 ? std::to_string(view.face) : "");
+      fields.push_back(textCell(Session::utf8Text(view.className), options));
     }
     result += csvRecord(fields) + "\n";
   }

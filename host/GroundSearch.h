@@ -4,6 +4,7 @@
 
 #include <lumivane/visibility/SceneIndex.h>
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,8 +31,10 @@ class GroundSearch {
 
   /// The surface at x and y; nothing if there is none.
   std::optional<Hit> at(double x, double y) const;
-  /// Whether a point is clearly below that surface.
-  bool isBelow(const Visibility::Vector& point) const;
+  /// Whether a point is clearly below a height.
+  bool isBelow(const Visibility::Vector& point, double z) const { return point[2] < z - step; }
+  /// The lowest surface at x and y that is seen from below; nothing if there is none.
+  std::optional<Hit> lowestUnderside(double x, double y) const { return next(x, y, low, 1.0); }
 
  private:
   std::optional<Hit> next(double x, double y, double from, double upwards) const;
@@ -48,18 +51,28 @@ class GroundSearch {
 };
 
 /// Whether eyes are under the ground of a scene, as `ground` of `GroundSearch` finds it: from there
-/// it is seen from behind, and so not at all.
+/// it is seen from behind, and so not at all. At a place without such ground an eye is under it if
+/// the lowest surface there is terrain above the eye that looks down, as the ground surface of a
+/// house does, or if the eye is lower than all ground of the scene.
 class UnderGroundTest {
  public:
   /// The index is borrowed.
   explicit UnderGroundTest(const Visibility::SceneIndex& index);
   UnderGroundTest(const UnderGroundTest&) = delete;
   UnderGroundTest& operator=(const UnderGroundTest&) = delete;
+  /// Any number of threads may ask.
   bool isUnder(const Visibility::Vector& eye) const;
 
  private:
+  bool isBelowAllGround(double z) const;
+  bool hasGround() const;
+
   SceneSurfaces surfaces;
   GroundSearch search;
+  double lowestTerrain = 0.0;  // of what is terrain by its class; infinite without any
+  double lowest = 0.0;         // of the scene; infinite without points
+  mutable std::once_flag isSearched;
+  mutable bool isGroundFound = false;
 };
 
 }  // namespace Lumivane::Host

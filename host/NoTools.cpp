@@ -40,11 +40,12 @@ void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings&
   addScene(command, scene, import);
 }
 void addShotOptions(CLI::App&, ShotOptions&) {}
+void addShotSceneOptions(CLI::App&, ShotOptions&) {}
 void addBatchedShotOptions(CLI::App&, ShotOptions&) {}
 void addBatchOptions(CLI::App&, BatchOptions&) {}
 void addGridOptions(CLI::App&, GridOptions&) {}
 std::vector<Command> commands() { return {}; }
-void writeVisible(const ShotOptions&, ShotShares&, Seconds&) {}
+void writeVisible(const ShotOptions&, const Session::LoadedScene&, ShotShares&, Seconds&) {}
 void writeVectorPictures(const ShotOptions&, Session::LoadedScene&, const Session::TakenShot&,
                          ShotShares&, Seconds&) {}
 Jzon::Node audit(const ShotOptions&, const Session::TakenShot&, const Session::LoadedScene&,

@@ -343,6 +343,7 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
 void setShotOptions(CLI::App& command, ShotOptions& options) {
   addScene(command, options.scene, options.import);
   addShotOptions(command, options);
+  Tools::addShotSceneOptions(command, options);
   options.view.threads = 0;
   command.add_option("--threads", options.view.threads, "threads; 0 for as many as processors")
       ->type_name("N")

@@ -136,11 +136,10 @@ SourcedScene readyScene(const std::shared_ptr<Tools::Model>& model) {
   return source;
 }
 
-SourcedScene importedScene(Tools::Model& model, const ImportSettings& settings,
+SourcedScene importedScene(Tools::Model& model,
                            const std::optional<std::array<double, 3>>& eye) {
   SourcedScene source;
   source.lazy = std::make_shared<LazyScene>(model.scene(eye));
-  addGivenClasses(source.scene(), settings);
   std::cout << model.reportText() << std::flush;
   source.import = model.reportNode();
   source.place = model.place();
@@ -152,7 +151,7 @@ SourcedScene sourced(const std::shared_ptr<Tools::Model>& model, const std::stri
                      const ImportSettings& settings,
                      const std::optional<std::array<double, 3>>& eye) {
   if (model == nullptr) return sceneFile(path, settings);
-  if (model->ready() == nullptr) return importedScene(*model, settings, eye);
+  if (model->ready() == nullptr) return importedScene(*model, eye);
   checkReadySettings(path, settings);
   return readyScene(model);
 }
@@ -195,9 +194,7 @@ std::vector<std::string> classNamesOf(const std::string& path, const ImportSetti
   const std::unique_ptr<Tools::Model> model = Tools::modelOf(path, settings);
   if (model == nullptr) return fileWithClasses(path, settings).classes().names;
   if (model->ready()) return Tools::classNamesOf(*model->ready());
-  Session::LoadedScene scene = model->scene({});
-  addGivenClasses(scene, settings);
-  return scene.classes().names;
+  return model->scene({}).classes().names;
 }
 
 SceneForEyes::SceneForEyes(const std::string& path, const ImportSettings& settings)

@@ -51,9 +51,16 @@ bool SceneSurfaces::isOf(const Visibility::Label& label,
 }
 
 bool SceneSurfaces::hasAny(const std::vector<std::string>& names) const {
-  return std::any_of(all.classes.begin(), all.classes.end(), [&](int number) {
-    return number >= 0 && isAmong(all.classNames[static_cast<std::size_t>(number)], names);
+  const std::vector<bool> are = areClasses(names);
+  return std::any_of(all.classes.begin(), all.classes.end(), [&are](int number) {
+    return number >= 0 && are[static_cast<std::size_t>(number)];
   });
+}
+
+std::vector<bool> SceneSurfaces::areClasses(const std::vector<std::string>& names) const {
+  std::vector<bool> result;
+  for (const std::string& name : all.classNames) result.push_back(isAmong(name, names));
+  return result;
 }
 
 std::string SceneSurfaces::classList() const {

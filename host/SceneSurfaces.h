@@ -24,6 +24,8 @@ class SceneSurfaces {
   bool isOf(const Visibility::Label& label, const std::vector<std::string>& names) const;
   /// Whether any surface is of one of these classes.
   bool hasAny(const std::vector<std::string>& names) const;
+  /// Which of the scene's classes are some of these, by their numbers.
+  std::vector<bool> areClasses(const std::vector<std::string>& names) const;
   /// The classes there are, for messages.
   std::string classList() const;
 

@@ -29,7 +29,9 @@ using Session::LoadedScene;
 using Session::TakenShot;
 
 void checkOutputs(const ShotOptions& options) {
-  OutputNames names(sourceFiles(options.scene, options.import));
+  ImportSettings import = options.import;
+  import.asksForClasses = !options.visible.empty();
+  OutputNames names(sourceFiles(options.scene, import));
   names.add("--output", options.shot);
   names.add("--png", options.png);
   names.add("--stats", options.stats);
@@ -41,6 +43,7 @@ SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {
   const Timer timer(seconds.read);
   ImportSettings import = options.import;
   import.eye = options.view.eye;
+  import.asksForClasses = !options.visible.empty();
   return loadScene(options.scene, import);
 }
 
@@ -74,7 +77,7 @@ void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenSho
                   Seconds& seconds) {
   ShotShares shares(shot);
   writeShot(options, shot, seconds);
-  Tools::writeVisible(options, shares, seconds);
+  Tools::writeVisible(options, scene, shares, seconds);
   Tools::writeVectorPictures(options, scene, shot, shares, seconds);
   writePicture(options, shot, seconds);
 }

@@ -20,6 +20,8 @@
 #include "VisibleFile.h"
 
 #include <lumivane/check/InsideTest.h>
+#include <lumivane/measure/ShareClasses.h>
+#include <lumivane/session/ClassFile.h>
 #include <lumivane/visibility/SceneFile.h>
 
 #include <algorithm>
@@ -50,7 +52,13 @@ constexpr const char* SceneHelp =
 class ImportedFile : public Tools::Model {
  public:
   ImportedFile(const std::string& path, const ImportSettings& settings)
-      : file(modelFiles(path, settings), importOptions(settings)), scale(settings.scale) {}
+      : file(modelFiles(path, settings), importOptions(settings)), scale(settings.scale) {
+    if (settings.classes.empty()) return;
+    // Numbers in the table are those of the scene without an eye.
+    Session::LoadedScene classed = file.sceneFor({}).scene;
+    Session::readClasses(classed, settings.classes);
+    file.setClasses(classed.classes());
+  }
 
   Session::LoadedScene scene(const std::optional<std::array<double, 3>>& eye) override {
     Importers::ImportedScene imported = file.sceneFor(eye);
@@ -142,6 +150,11 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
   setVectorOptions(command, options.vector);
 }
 
+void addShotSceneOptions(CLI::App& command, ShotOptions& options) {
+  addClasses(command, options.import);
+  command.get_option("--classes")->needs("--visible");
+}
+
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options) {
   addShares(command, options.shares, options.rows,
             "what the eye really sees of each object, and the sky, to write (.csv or .json)");
@@ -226,10 +239,11 @@ std::vector<Command> commands() {
                                     setImportOptions, runImport)};
 }
 
-void writeVisible(const ShotOptions& options, ShotShares& shares, Seconds& seconds) {
+void writeVisible(const ShotOptions& options, const Session::LoadedScene& scene, ShotShares& shares,
+                  Seconds& seconds) {
   if (options.visible.empty()) return;
   const Timer timer(seconds.visible);
-  writeVisibleFile(options.visible, shares.get(), options.csvSafe);
+  writeVisibleFile(options.visible, shares.get(), Measure::ShareClasses(scene), options.csvSafe);
 }
 
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,

@@ -45,6 +45,8 @@ void addScene(CLI::App& command, std::string& scene, ImportSettings& import);
 void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings& import);
 /// What `shot` measures and draws without a display.
 void addShotOptions(CLI::App& command, ShotOptions& options);
+/// What the scene of a single shot has besides.
+void addShotSceneOptions(CLI::App& command, ShotOptions& options);
 /// What views of a batch have besides.
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options);
 /// What the batch as a whole has besides, and does not have.
@@ -54,7 +56,8 @@ void addGridOptions(CLI::App& command, GridOptions& options);
 /// The commands that need components.
 std::vector<Command> commands();
 
-void writeVisible(const ShotOptions& options, ShotShares& shares, Seconds& seconds);
+void writeVisible(const ShotOptions& options, const Session::LoadedScene& scene, ShotShares& shares,
+                  Seconds& seconds);
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
                          const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds);
 /// What statistics report of the audit; an invalid node if it was not asked for.

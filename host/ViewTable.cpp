@@ -34,7 +34,7 @@ const std::vector<std::string> Vectors = {"eye", "forward", "up"};
 
 // What `grid` says of its eyes beside their views. The cell is read, the others are for readers.
 const std::vector<std::string> CellColumns = {"row", "column", "cell"};
-const std::vector<std::string> PassedOver = {"inside", "object", "face"};
+const std::vector<std::string> PassedOver = {"inside", "object", "face", "class"};
 
 // How a scene is read is a matter of all views.
 constexpr const char* ImportGroup = "Options for meshes and city models";

@@ -39,8 +39,8 @@ struct TableSetting {
 /// The views of a table with one heading and one row for each view. A column is named `name` or
 /// after an option of `shot`, with or without its dashes; `eye`, `forward` and `up` may also be
 /// three columns `eye_x`, `eye_y`, `eye_z`. Columns `row`, `column` and `cell` say where the views
-/// stand in a grid; `inside`, `object` and `face`, which `grid` writes, are passed over. An empty
-/// cell leaves the option as it is for all views.
+/// stand in a grid; `inside`, `object`, `face` and `class`, which `grid` writes, are passed
+/// over. An empty cell leaves the option as it is for all views.
 /// A table may also be an array (NpyRows.h), which stands for one with the columns `eye_x` and so
 /// on.
 /// "{name}" in an output file is replaced by the view's name; without names, views are numbered.

@@ -20,9 +20,11 @@ std::string visibleFileFault(const std::string& path) {
   return "\"" + path + "\" ends neither in .csv nor in .json";
 }
 
-void writeVisibleFile(const std::string& path, const Measure::VisibleShares& shares, bool isSafe) {
-  Session::writeFile(path, ending(path) == ".json" ? Measure::ShareText::json(shares)
-                                                   : Measure::ShareText::csv(shares, isSafe));
+void writeVisibleFile(const std::string& path, const Measure::VisibleShares& shares,
+                      const Measure::ShareClasses& classes, bool isSafe) {
+  Session::writeFile(path, ending(path) == ".json"
+                               ? Measure::ShareText::json(shares, classes)
+                               : Measure::ShareText::csv(shares, classes, isSafe));
 }
 
 }  // namespace Lumivane::Host

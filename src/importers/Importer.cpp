@@ -294,15 +294,15 @@ struct ImportedModel::State {
   ImportSides sides;
   SourceModel model;
   std::vector<ObjectSurfaces> surfaces;  // in the order of the files
-  ImportReport report;                   // without the counts of a scene
+  std::vector<std::string> givenClasses;
+  ImportReport report;  // without the counts of a scene
 };
 
 ImportedModel::ImportedModel(const std::string& path, const ImportOptions& options)
     : ImportedModel(std::vector<std::string>{path}, options) {}
 ImportedModel::ImportedModel(const std::vector<std::string>& paths, const ImportOptions& options)
-    : state(namingTheFile(nameOf(paths), [&] {
-        return std::make_unique<const State>(nameOf(paths), paths, options);
-      })) {}
+    : state(namingTheFile(
+          nameOf(paths), [&] { return std::make_unique<State>(nameOf(paths), paths, options); })) {}
 ImportedModel::ImportedModel(ImportedModel&&) noexcept = default;
 ImportedModel& ImportedModel::operator=(ImportedModel&&) noexcept = default;
 ImportedModel::~ImportedModel() = default;
@@ -312,11 +312,27 @@ ImportedScene ImportedModel::sceneFor(const std::optional<std::array<double, 3>>
     std::vector<ObjectSurfaces> surfaces = state->surfaces;
     const std::vector<std::size_t> order = listOrder(state->model, surfaces, eyeOf(eye));
     ImportReport report = state->report;
-    BuiltScene built = buildScene(state->model, surfaces, order, state->sides, report);
+    BuiltScene built =
+        buildScene(state->model, surfaces, order, state->givenClasses, state->sides, report);
     Session::LoadedScene scene = Session::LoadedScene::adopt(built.scene.release(), state->name);
     scene.setClasses(Session::SurfaceClasses::ofNames(built.classNames));
     return ImportedScene{std::move(scene), std::move(report)};
   });
+}
+
+void ImportedModel::setClasses(const Session::SurfaceClasses& classes) {
+  const auto copies = static_cast<size_t>(regionsOfEach(state->sides));
+  std::vector<SurfaceRegion*> regions;
+  for (const std::size_t i : listOrder(state->model, state->surfaces, {}))
+    for (SurfaceFace& face : state->surfaces[i])
+      for (SurfaceRegion& region : face.regions) regions.push_back(&region);
+  const size_t count = classes.regions.empty() ? 0 : copies * regions.size();
+  if (classes.regions.size() != count)
+    throw Session::Error(state->name, "has " + std::to_string(count) + " regions, but there are " +
+                                          std::to_string(classes.regions.size()) + " classes");
+  for (size_t i = 0; i < regions.size(); ++i)
+    regions[i]->givenClass = count == 0 ? -1 : classes.regions[copies * i];
+  state->givenClasses = classes.names;
 }
 
 ImportedScene Importer::importFile(const std::string& path, const ImportOptions& options) {

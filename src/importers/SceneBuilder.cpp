@@ -53,8 +53,12 @@ SurfaceRegion turnedRound(const SurfaceRegion& region) {
 
 class SceneBuilder {
  public:
-  SceneBuilder(const SourceModel& source, ImportSides seen)
-      : model(source), sides(seen), pointNumbers(source.vertices.size(), 0) {
+  SceneBuilder(const SourceModel& source, const std::vector<std::string>& givenClasses,
+               ImportSides seen)
+      : model(source),
+        given(givenClasses),
+        sides(seen),
+        pointNumbers(source.vertices.size(), 0) {
     scene->setBrushes(new Base::Brushes());
     scene->setPens(new Base::Pens());
     scene->setPoints(new Geometry::Points3d());
@@ -123,8 +127,15 @@ class SceneBuilder {
     for (const int vertex : source.loop) region->addPoint(pointNumber(vertex));
     for (const int edge : source.hiddenEdges) region->addDockingEdge(edge);
     face.addRegion(countOf(object.getRegions()->getRegions()));
+    classNames.push_back(classOf(source));
+  }
+
+  const std::string& classOf(const SurfaceRegion& source) const {
+    static const std::string none;
+    if (source.givenClass)
+      return *source.givenClass < 0 ? none : given[static_cast<size_t>(*source.givenClass)];
     const std::string& own = model.materials[static_cast<size_t>(source.material)].className;
-    classNames.push_back(own.empty() ? objectClass : own);
+    return own.empty() ? objectClass : own;
   }
 
   int pointNumber(int vertex) {
@@ -148,6 +159,7 @@ class SceneBuilder {
   }
 
   const SourceModel& model;
+  const std::vector<std::string>& given;
   ImportSides sides;
   std::unique_ptr<Scene::Scene3D> scene = std::make_unique<Scene::Scene3D>();
   std::vector<int> pointNumbers;
@@ -163,9 +175,10 @@ class SceneBuilder {
 }  // namespace
 
 BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
-                      const std::vector<std::size_t>& order, ImportSides sides,
+                      const std::vector<std::size_t>& order,
+                      const std::vector<std::string>& given, ImportSides sides,
                       ImportReport& report) {
-  SceneBuilder builder(model, sides);
+  SceneBuilder builder(model, given, sides);
   bool isEmpty = true;
   for (const std::size_t i : order) {
     if (surfaces[i].empty()) continue;
@@ -175,5 +188,7 @@ BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces
   if (isEmpty) throw ImportError("none of its polygons has an area that can be shown");
   return builder.finish(report);
 }
+
+int regionsOfEach(ImportSides sides) { return sides == ImportSides::Both ? 2 : 1; }
 
 }  // namespace Lumivane::Importers

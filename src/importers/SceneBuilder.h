@@ -28,9 +28,14 @@ struct BuiltScene {
 ///
 /// \param surfaces  the faces of each object of the model
 /// \param order     the objects in the order of the scene's list
+/// \param given     names of the classes that `SurfaceRegion::givenClass` points at
 /// \throws ImportError if nothing is left
 BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
-                      const std::vector<std::size_t>& order, ImportSides sides,
+                      const std::vector<std::size_t>& order,
+                      const std::vector<std::string>& given, ImportSides sides,
                       ImportReport& report);
+
+/// How many regions of a scene each `SurfaceRegion` becomes, one behind the other.
+int regionsOfEach(ImportSides sides);
 
 }  // namespace Lumivane::Importers

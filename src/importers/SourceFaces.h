@@ -6,6 +6,7 @@
 #include <lumivane/importers/ImportOptions.h>
 #include <lumivane/importers/ImportReport.h>
 
+#include <optional>
 #include <vector>
 
 namespace Lumivane::Importers {
@@ -16,6 +17,9 @@ struct SurfaceRegion {
   int material = 0;
   std::vector<int> hiddenEdges;  ///< from 1: edge e runs from corner e to the next
   int polygon = -1;              ///< which of the model's polygons it is, or was cut out of
+  /// What a host says that it is: a position in `BuiltScene`'s given names, -1 for nothing. Without
+  /// it the model's material and object say what it is.
+  std::optional<int> givenClass{};
 };
 
 /// Regions in one plane that hang together.

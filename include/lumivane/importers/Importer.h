@@ -4,6 +4,7 @@
 #include <lumivane/importers/ImportReport.h>
 #include <lumivane/importers/export.h>
 #include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/SurfaceClasses.h>
 
 #include <array>
 #include <memory>
@@ -48,9 +49,17 @@ class LUMIVANE_IMPORTERS_EXPORT ImportedModel {
   /// \throws Session::Error if no polygon has an area
   ImportedScene sceneFor(const std::optional<std::array<double, 3>>& eye) const;
 
+  /// What the surfaces are in all scenes made from now on, in whatever order those list them.
+  ///
+  /// \param classes  of the regions of the scene without an eye, as `LoadedScene::classes` has
+  /// them;
+  ///                 where each polygon is seen from both sides, that of its first region counts
+  /// \throws Session::Error if that scene has another number of regions
+  void setClasses(const Session::SurfaceClasses& classes);
+
  private:
   struct State;
-  std::unique_ptr<const State> state;
+  std::unique_ptr<State> state;
 };
 
 /// Reads meshes (OBJ, STL, PLY, glTF) and city models (CityJSON) as scenes. Has no state.
