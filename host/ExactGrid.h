@@ -18,19 +18,19 @@ struct GridView {
   Vector eye{};
   Vector forward{};
   Vector up{};
-  std::size_t row = 0;     ///< of the grid's cells, from 1, towards greater y; 0 on faces
-  std::size_t column = 0;  ///< from 1, towards greater x; 0 on faces
-  bool isInside = false;   ///< whether the eye stands inside a body
-  std::string object;      ///< id of the object on which the eye stands; empty over a level
-  int face = 0;            ///< its face, from 1; -1 for a region of no face, 0 over a level
+  std::size_t row = 0;      ///< of the grid's cells, from 1, towards greater y; 0 on faces
+  std::size_t column = 0;   ///< from 1, towards greater x; 0 on faces
+  bool isInside = false;    ///< whether the eye stands inside a body or under the ground
+  std::string object;       ///< id of the object on which the eye stands; empty over a level
+  int face = 0;             ///< its face, from 1; -1 for a region of no face, 0 over a level
   std::string className{};  ///< what it is; empty for nothing, and over a level
 };
 
 /// Where a vertical line meets the surface that eyes stand on.
 struct GridFoot {
   double z = 0.0;
-  std::string object;  ///< its id
-  int face = 0;        ///< from 1; -1 for a region of no face
+  std::string object;       ///< its id
+  int face = 0;             ///< from 1; -1 for a region of no face
   std::string className{};  ///< what it is; may be empty
 };
 
@@ -39,9 +39,9 @@ struct FacePlace {
   Vector eye{};
   Vector forward{};  ///< the way that the face is seen from: its outward normal
   Vector up{};
-  int objectNumber = 0;  ///< from 1
-  std::string object;    ///< its id
-  int face = 0;          ///< from 1; -1 for a region of no face
+  int objectNumber = 0;     ///< from 1
+  std::string object;       ///< its id
+  int face = 0;             ///< from 1; -1 for a region of no face
   std::string className{};  ///< what it is; may be empty
 };
 

@@ -148,16 +148,13 @@ bool isOnSurfaces(const GridOptions& options) {
 // The views from one place, one for each heading.
 class ViewMaker {
  public:
-  // Millions of eyes over one level are not asked for what they need not say.
-  ViewMaker(const GridOptions& theOptions, const SourcedScene& source, const ExactGrid* theExact)
-      : options(theOptions), exact(theExact) {
-    if (options.skipInside || isOnSurfaces(options)) inside = insideTestOf(source);
-  }
+  ViewMaker(const GridOptions& theOptions, const SourcedScene& source, const ExactGrid& theExact)
+      : options(theOptions), exact(theExact), inside(insideTestOf(source)) {}
 
   // Whether an eye stands inside a body or under the ground; counts it.
   bool isInside(const Vector& eye) {
-    const bool is =
-        inside && (inside->isInside(eye) || (asksForGround() && exact->isUnderGround(eye)));
+    // Eyes on faces stand where the faces are.
+    const bool is = inside->isInside(eye) || (options.on.empty() && exact.isUnderGround(eye));
     if (is) ++counts.inside;
     return is;
   }
@@ -184,15 +181,12 @@ class ViewMaker {
   std::vector<GridView> views;
 
  private:
-  // Eyes on faces stand where the faces are.
-  bool asksForGround() const { return exact != nullptr && !options.above.empty(); }
-
   const GridOptions& options;
-  const ExactGrid* exact;
+  const ExactGrid& exact;
   std::unique_ptr<const Check::InsideTest> inside;
 };
 
-void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid* exact,
+void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid& exact,
                     ViewMaker& maker) {
   const std::vector<double> columns = places(box.x, options.spacing);
   const std::vector<double> rows = places(box.y, options.spacing);
@@ -204,7 +198,7 @@ void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid*
       double z = level;
       if (!options.above.empty()) {
         // At the place that stands in the table.
-        const auto foot = exact->footAt(tidy(columns[column]), tidy(rows[row]));
+        const auto foot = exact.footAt(tidy(columns[column]), tidy(rows[row]));
         if (!foot) {
           ++maker.counts.footless;
           continue;
@@ -265,7 +259,7 @@ std::string table(const GridOptions& options, const std::vector<GridView>& views
   const bool hasObjects = isOnSurfaces(options);
   std::string result = "name,eye,forward,up";
   result += isOnFaces ? "" : ",row,column,cell";
-  result += hasObjects ? ",inside,object,face,class\n" : "\n";
+  result += hasObjects ? ",inside,object,face,class\n" : ",inside\n";
   for (const GridView& view : views) {
     std::vector<std::string> fields = {view.name, text(view.eye), text(view.forward),
                                        text(view.up)};
@@ -274,8 +268,8 @@ std::string table(const GridOptions& options, const std::vector<GridView>& views
       fields.push_back(std::to_string(view.column));
       fields.push_back(text(options.spacing));
     }
+    fields.push_back(view.isInside ? "1" : "0");
     if (hasObjects) {
-      fields.push_back(view.isInside ? "1" : "0");
       fields.push_back(textCell(view.object, options));
       fields.push_back(view.face > 0 ? std::to_string(view.face) : "");
       fields.push_back(textCell(Session::utf8Text(view.className), options));
@@ -319,13 +313,12 @@ void runGrid(const GridOptions& options) {
   const SourcedScene source = readScene(options);
   const Box box = boundsOf(polygons(source.scene().scene()));
   checkGrid(options, box);
-  std::optional<ExactGrid> exact;
-  if (isOnSurfaces(options) || !options.shares.empty()) exact.emplace(options, source);
-  ViewMaker maker(options, source, exact ? &*exact : nullptr);
+  ExactGrid exact(options, source);
+  ViewMaker maker(options, source, exact);
   if (options.on.empty())
-    addGroundViews(options, box, exact ? &*exact : nullptr, maker);
+    addGroundViews(options, box, exact, maker);
   else
-    addFaceViews(*exact, maker);
+    addFaceViews(exact, maker);
   report(options, maker.counts);
   if (maker.views.empty())
     throw HostError(options.scene,
@@ -333,14 +326,14 @@ void runGrid(const GridOptions& options) {
                     "inside a body");
   const std::string result = table(options, maker.views);
   std::string shares;
-  if (!options.shares.empty()) shares = exact->shares(maker.views);
+  if (!options.shares.empty()) shares = exact.shares(maker.views);
   if (options.out.empty())
     std::cout << result;
   else
     Session::writeFile(options.out, result);
   if (options.shares.empty()) return;
   Session::writeFile(options.shares, shares);
-  exact->removeJournal();
+  exact.removeJournal();
 }
 
 }  // namespace Lumivane::Host

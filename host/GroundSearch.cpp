@@ -1,3 +1,5 @@
+// Vertical lines meet surfaces one by one: each search begins a little behind what was met before.
+// The index answers with what is seen along a line, so surfaces are met from the side that is seen.
 #include "GroundSearch.h"
 
 #include "HostError.h"

@@ -136,8 +136,7 @@ SourcedScene readyScene(const std::shared_ptr<Tools::Model>& model) {
   return source;
 }
 
-SourcedScene importedScene(Tools::Model& model,
-                           const std::optional<std::array<double, 3>>& eye) {
+SourcedScene importedScene(Tools::Model& model, const std::optional<std::array<double, 3>>& eye) {
   SourcedScene source;
   source.lazy = std::make_shared<LazyScene>(model.scene(eye));
   std::cout << model.reportText() << std::flush;

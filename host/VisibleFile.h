@@ -5,7 +5,7 @@
 namespace Lumivane::Measure {
 class ShareClasses;
 class VisibleShares;
-}
+}  // namespace Lumivane::Measure
 
 namespace Lumivane::Host {
 

@@ -55,10 +55,7 @@ class SceneBuilder {
  public:
   SceneBuilder(const SourceModel& source, const std::vector<std::string>& givenClasses,
                ImportSides seen)
-      : model(source),
-        given(givenClasses),
-        sides(seen),
-        pointNumbers(source.vertices.size(), 0) {
+      : model(source), given(givenClasses), sides(seen), pointNumbers(source.vertices.size(), 0) {
     scene->setBrushes(new Base::Brushes());
     scene->setPens(new Base::Pens());
     scene->setPoints(new Geometry::Points3d());
@@ -175,9 +172,8 @@ class SceneBuilder {
 }  // namespace
 
 BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
-                      const std::vector<std::size_t>& order,
-                      const std::vector<std::string>& given, ImportSides sides,
-                      ImportReport& report) {
+                      const std::vector<std::size_t>& order, const std::vector<std::string>& given,
+                      ImportSides sides, ImportReport& report) {
   SceneBuilder builder(model, given, sides);
   bool isEmpty = true;
   for (const std::size_t i : order) {

@@ -31,9 +31,8 @@ struct BuiltScene {
 /// \param given     names of the classes that `SurfaceRegion::givenClass` points at
 /// \throws ImportError if nothing is left
 BuiltScene buildScene(const SourceModel& model, const std::vector<ObjectSurfaces>& surfaces,
-                      const std::vector<std::size_t>& order,
-                      const std::vector<std::string>& given, ImportSides sides,
-                      ImportReport& report);
+                      const std::vector<std::size_t>& order, const std::vector<std::string>& given,
+                      ImportSides sides, ImportReport& report);
 
 /// How many regions of a scene each `SurfaceRegion` becomes, one behind the other.
 int regionsOfEach(ImportSides sides);

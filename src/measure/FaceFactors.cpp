@@ -6,6 +6,8 @@
 //   Else that is multiplied by the part that is seen, the quotient of both sums over the leaves.
 // - Where the estimates are too large, the leaves at fault are divided: clusters in two, triangles
 //   in four, of which the middle one keeps its parent's point.
+// - One point may see all of a room that is not convex. If it sees next to no silhouettes, but
+//   corners of the piece lie behind what it sees, there is a look from near the corners, too.
 #include "kernel/EarClipping.h"
 #include "kernel/Planar.h"
 #include "measure/PairFactor.h"
@@ -47,6 +49,10 @@ constexpr double PartialBlame = 0.3;
 // estimates are at least the error in rooms full of things.
 constexpr double UnseenBlame = 4.0;
 constexpr double LeastUnseenBlame = 0.05;
+// Of a piece, what silhouettes may sweep over if its first point is said to see next to none.
+constexpr double CleanPart = 0.02;
+// How far from a corner, of the way to the middle of its triangle, there is a look.
+constexpr double CornerInset = 0.02;
 // A difference of factors from a point that is rounding's.
 constexpr double SameFactor = 1e-9;
 constexpr double SameFactorPart = 1e-7;
@@ -342,6 +348,10 @@ class PieceRow {
       for (Triangle& t : leaf.triangles) std::swap(t[1], t[2]);
     lookFrom(leaf);
     place(leaf);
+    if (mayHideMore(leaf)) {
+      probeCorners(leaf.triangles);
+      place(leaf);
+    }
     leaves.push_back(std::move(leaf));
     estimateAlone(leaves[0]);
   }
@@ -372,9 +382,52 @@ class PieceRow {
   void place(Leaf& leaf) const {
     const double leafArea = areaOf(leaf.triangles);
     const Sample& sample = samples[leaf.sample];
+    double swing = sample.allSwing;
+    for (const size_t probe : probes)
+      if (std::any_of(leaf.triangles.begin(), leaf.triangles.end(), [&](const Triangle& t) {
+            return contains(t, samples[probe].point, source.normal);
+          }))
+        swing = std::max(swing, samples[probe].allSwing);
     leaf.weight = leafArea / area;
-    leaf.unseen =
-        leafArea * std::min(1.0, sample.allSwing * spreadAround(leaf.triangles, sample.point));
+    leaf.unseen = leafArea * std::min(1.0, swing * spreadAround(leaf.triangles, sample.point));
+  }
+
+  // A point without silhouettes around it sees all of what encloses it; so do the points in front
+  // of all planes of that. Whether some of the piece are not. What is small anyway is left at that.
+  bool mayHideMore(const Leaf& leaf) const {
+    if (leaf.unseen > CleanPart * area) return false;
+    if (!(area > state.options.tolerance * SmallPart * state.area)) return false;
+    const double margin = 1e-7 * std::sqrt(area);
+    for (const Column& column : columns)
+      for (const FlatPolygon& receiver : column.receivers)
+        for (const Vec3 corner : source.corners)
+          if (Kernel::dot(receiver.normal, corner - receiver.point) < -margin) return true;
+    return false;
+  }
+
+  // From near the corners that lie outermost in eight directions.
+  void probeCorners(const std::vector<Triangle>& triangles) {
+    const Vec3 side = triangles[0][1] - triangles[0][0];
+    const Vec3 u = (1.0 / Kernel::length3(side)) * side;
+    const Vec3 v = Kernel::cross(source.normal, u);
+    const double half = std::sqrt(0.5);
+    std::vector<Vec3> corners;
+    for (const Vec3 direction :
+         {u, half * (u + v), v, half * (v - u), -u, -half * (u + v), -v, half * (u - v)}) {
+      Vec3 corner = triangles[0][0];
+      const Triangle* of = &triangles[0];
+      for (const Triangle& t : triangles)
+        for (const Vec3 p : t)
+          if (Kernel::dot(direction, p - corner) > 0.0) {
+            corner = p;
+            of = &t;
+          }
+      if (std::any_of(corners.begin(), corners.end(),
+                      [&](Vec3 other) { return Kernel::distance(other, corner) == 0.0; }))
+        continue;
+      corners.push_back(corner);
+      probes.push_back(look(corner + CornerInset * (centroidOf(*of) - corner)));
+    }
   }
 
   size_t look(Vec3 point) {
@@ -540,6 +593,8 @@ class PieceRow {
     if (knownContacts != contacts.size())
       for (Leaf& leaf : leaves) findContact(leaf);
     knownContacts = contacts.size();
+    for (const size_t probe : probes)
+      for (size_t c = 0; c < count; ++c) compareAlone(samples[probe], c);
     for (const Leaf& leaf : leaves) {
       const Sample& sample = samples[leaf.sample];
       sky += leaf.weight * sample.sky;
@@ -549,9 +604,8 @@ class PieceRow {
         const double free = sample.alone[c];
         seen[c] += leaf.weight * here + Extrapolation * at(leaf.seenGain, c);
         alone[c] += leaf.weight * free + Extrapolation * at(leaf.aloneGain, c);
-        const double margin = SameFactor + SameFactorPart * free;
-        if (here < free - margin || leaf.contact != nullptr) columns[c].isPartial = true;
-        if (here > free + margin) columns[c].isIrregular = true;
+        compareAlone(sample, c);
+        if (leaf.contact != nullptr) columns[c].isPartial = true;
       }
       for (size_t c = 0; c < leaf.errors.size(); ++c) errors[c] += leaf.errors[c];
       for (size_t c = 0; c < count && leaf.contact != nullptr; ++c)
@@ -559,6 +613,14 @@ class PieceRow {
     }
     for (size_t c = 0; c < count; ++c)
       if (!columns[c].isPartial && !columns[c].isIrregular) errors[c] = 0.0;
+  }
+
+  // Whether a point sees all of a column, or less, or more.
+  void compareAlone(const Sample& sample, size_t c) {
+    const double here = at(sample.seen, c);
+    const double margin = SameFactor + SameFactorPart * sample.alone[c];
+    if (here < sample.alone[c] - margin) columns[c].isPartial = true;
+    if (here > sample.alone[c] + margin) columns[c].isIrregular = true;
   }
 
   // Both sides of a contact have what the point has, or nothing.
@@ -868,6 +930,7 @@ class PieceRow {
   double area;
   std::vector<Leaf> leaves;
   std::vector<Sample> samples;
+  std::vector<size_t> probes;  // positions of samples that no leaf stands for
   std::vector<Column> columns;
   std::deque<Contact> contacts;                // that leaves point at
   size_t knownContacts = 0;                    // how many of them the leaves have been held against

@@ -1,3 +1,5 @@
+// Shares as CSV and JSON. Rows and records of both have the same order, and classes stand last,
+// where readers of older tables do not miss them.
 #include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/CsvText.h"
 #include "kernel/DisplayText.h"
@@ -69,12 +71,12 @@ std::string ShareText::csv(const VisibleShares& shares, const ShareClasses& clas
     result += withShare(start("face", face.objectNumber).number(face.faceNumber).empty().empty(),
                         face.share, classes.ofFace(face.objectNumber, face.faceNumber));
   for (const RegionShare& region : shares.regions())
-    result += withShare(start("region", region.objectNumber)
-                            .number(region.faceNumber)
-                            .number(region.regionNumber)
-                            .number(region.sourceRegionNumber),
-                        region.share,
-                        classes.ofRegion(region.objectNumber, region.sourceRegionNumber));
+    result +=
+        withShare(start("region", region.objectNumber)
+                      .number(region.faceNumber)
+                      .number(region.regionNumber)
+                      .number(region.sourceRegionNumber),
+                  region.share, classes.ofRegion(region.objectNumber, region.sourceRegionNumber));
   row.text("sky").empty().empty().empty().empty().empty();
   return result + withShare(row, shares.open(), "");
 }

@@ -65,6 +65,12 @@ class Naming {
                                                        : "";
   }
 
+  // The class of a region; empty for none.
+  std::string classOf(const Label& label) const {
+    const auto at = static_cast<std::size_t>(sceneNumber(label)) - 1;
+    return at < names.classes.size() ? className(names.classes[at]) : "";
+  }
+
   // Counted from 1 through all objects of the scene; 0 for one that it does not have.
   int sceneNumber(const Label& label) const {
     const auto found = std::lower_bound(
@@ -234,10 +240,13 @@ void addList(JsonWriter& json, const char* key, std::size_t count, const Add& ad
   json.endArray();
 }
 
-void addCell(JsonWriter& json, const VisibleMap& map, std::size_t number) {
+void addCell(JsonWriter& json, const VisibleMap& map, const Naming& naming, std::size_t number) {
   const VisibleMap::Cell& cell = map.cells[number];
   json.beginObject().key("object").number(cell.label.object).key("face").number(cell.label.face);
-  json.key("region").number(cell.label.region).key("solid_angle").longNumber(cell.solidAngle);
+  json.key("region").number(cell.label.region);
+  const std::string className = naming.classOf(cell.label);
+  if (!className.empty()) json.key("class").text(className);
+  json.key("solid_angle").longNumber(cell.solidAngle);
   json.key("view_factor").longNumber(cell.viewFactor);
   json.key("min_distance").longNumber(cell.minDistance);
   json.key("max_distance").longNumber(cell.maxDistance).key("rings").beginArray();
@@ -305,11 +314,12 @@ std::string MapText::json(const VisibleMap& map, const std::vector<ShareRow>& ro
 }
 
 std::string MapText::mapJson(const VisibleMap& map) {
+  const Naming naming(map);
   JsonWriter json;
   addView(json.beginObject(), map);
   addList(json, "vertices", map.vertices.size(),
           [&](std::size_t i) { addVector(json, map.vertices[i]); });
-  addList(json, "cells", map.cells.size(), [&](std::size_t i) { addCell(json, map, i); });
+  addList(json, "cells", map.cells.size(), [&](std::size_t i) { addCell(json, map, naming, i); });
   addList(json, "edges", map.edges.size(), [&](std::size_t i) { addEdge(json, map.edges[i]); });
   return json.endObject().take();
 }

@@ -96,6 +96,61 @@ TEST(ClassesProgram, ImportedScenesKeepTheClassesOfTheirModelInATableBesideThem)
   EXPECT_EQ((Names{"CityFurniture", "Road", "Roof", "Shed", "Wall", "Window"}), seenClasses(House));
 }
 
+// A shot lists objects and faces from far to near, so their numbers are others than in the table.
+TEST(ClassesProgram, SharesOfAShotNameTheClassesOfItsSurfaces) {
+  const TempFolder folder;
+  const auto visible = [&folder](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {"shot",       House,       HouseEye,
+                                          HouseForward, "--visible", folder.path("v.csv")};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Result result = run(arguments);
+    EXPECT_EQ(0, result.status) << result.err;
+    return tableOf(folder.path("v.csv"));
+  };
+  // By the areas of seen regions, which shot and map measure alike to within its chords.
+  const auto factors = [&](const std::vector<std::string>& more) {
+    std::map<std::string, double> sums;
+    for (const auto& row : visible(more))
+      if (row.at("kind") == "region") sums[row.at("class")] += std::stod(row.at("view_factor"));
+    return sums;
+  };
+  const auto expectAlike = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> exact = {"--rows=class", "--shares", folder.path("exact.csv")};
+    exact.insert(exact.end(), more.begin(), more.end());
+    ASSERT_EQ(0, view(House, exact).status);
+    std::map<std::string, double> seen = factors(more);
+    for (const auto& row : tableOf(folder.path("exact.csv"))) {
+      if (row.at("kind") != "class") continue;
+      EXPECT_NEAR(std::stod(row.at("view_factor")), seen[row.at("class")], 1e-3) << row.at("class");
+    }
+  };
+  expectAlike({});
+  EXPECT_GT(factors({}).at("Roof"), 0.005);
+  // The same table as import writes it, and one by numbers.
+  ASSERT_EQ(0, run({"import", House, "-o", folder.path("house.json")}).status);
+  expectAlike({"--classes", folder.path("house.classes.csv")});
+  const std::string numbers =
+      folder.file("n.csv", "object,face,class\n1,,first\n2,1,second\n2,2,third\n");
+  expectAlike({"--classes", numbers});
+  EXPECT_GT(factors({"--classes", numbers}).count("first"), 0U);
+  // Rows of objects and faces, and of a scene file whose table lies beside it.
+  std::map<std::string, std::string> objects;
+  for (const auto& row : visible({}))
+    if (row.at("kind") == "object") objects[row.at("id")] = row.at("class");
+  EXPECT_EQ("Road", objects.at("road"));
+  ASSERT_EQ(0, run({"shot", folder.path("house.json"), HouseEye, HouseForward, "--visible",
+                    folder.path("v.json")})
+                   .status);
+  std::map<std::string, int> classes;
+  const Json shares = Json::parse(fileBytes(folder.path("v.json")));
+  for (const Json& face : shares.at("faces")) ++classes[face.value("class", "none")];
+  EXPECT_GT(classes["Wall"], 0);
+  EXPECT_EQ(0, classes["none"]);
+  const Result useless = run({"shot", House, HouseEye, "--classes", numbers});
+  EXPECT_EQ(2, useless.status);
+  EXPECT_EQ("lumivane: --classes requires --visible (see --help)\n", useless.err);
+}
+
 TEST(ClassesProgram, TheSceneFileItselfHoldsNothingOfThem) {
   const TempFolder folder;
   ASSERT_EQ(0, run({"import", House, "-o", folder.path("house.json")}).status);

@@ -95,6 +95,7 @@ TEST_F(GridPlaces, SurfaceIsTheHighestOneSoEyesStandOnRoofsToo) {
     EXPECT_EQ("0", row.at("inside"));
     const std::string part = eye[0] < 4.0 ? "house-1" : "house-2";
     EXPECT_EQ(isHouse ? part : (isShed ? "shed" : "terrain"), row.at("object"));
+    EXPECT_EQ(isHouse || isShed ? "Building" : "TINRelief", row.at("class"));
   }
 }
 
@@ -135,6 +136,49 @@ TEST_F(GridPlaces, AnEyeUnderTheGroundIsNamedByEachCommand) {
   EXPECT_NE(std::string::npos, sky.err.find("1 of 2 eyes lie inside a body or under the ground"))
       << sky.err;
   EXPECT_EQ("1", rowsOf(Lumivane::Test::fileBytes(folder.path("s.csv"))).at(0).at("inside"));
+}
+
+// Beside the terrain, whose height is 1, there is no ground at the place.
+TEST_F(GridPlaces, AnEyeBelowAllGroundIsUnderIt) {
+  const auto isUnder = [this](const std::string& eye) {
+    const Result result = Lumivane::Test::runProcess(
+        {LUMIVANE_PROGRAM, "view", model, "--eye=" + eye, "--forward=0,0,1"}, {{"DISPLAY", {}}});
+    EXPECT_EQ(0, result.status) << result.err;
+    return result.err.find("warning: the eye is under the ground") != std::string::npos;
+  };
+  EXPECT_TRUE(isUnder("8,4,0.4"));
+  EXPECT_FALSE(isUnder("8,4,1.4"));
+  EXPECT_TRUE(isUnder("7,-2,0.4"));  // and under the shed
+  for (const Row& row : rows({"--ground", "0", "--height", "0.5"}))
+    EXPECT_EQ("1", row.at("inside"));
+}
+
+TEST_F(GridPlaces, AnEyeUnderTheGroundSurfaceOfAHouseIsUnderTheGround) {
+  // Terrain at 0, and the underside of a house at 5 where there is none.
+  const std::string scene =
+      folder.file("slope.json", R"({"Brushes":[[9,9,9,255]],"Pens":[[0,0,0,255,1]],
+"Points":[[0,0,0],[0,10,0],[10,10,0],[10,0,0],[20,0,5],[24,0,5],[24,4,5],[20,4,5]],
+"Objects":[{"Id":"land","Pen":1,"Faces":[{"Regions":[1]}],"Regions":[{"Brush":1,"Face":1,"Points":[1,2,3,4]}]},
+{"Id":"house","Pen":1,"Faces":[{"Regions":[1]}],"Regions":[{"Brush":1,"Face":1,"Points":[5,6,7,8]}]}]})");
+  folder.file("slope.classes.csv", "id,class\nland,TINRelief\nhouse,Ground\n");
+  const std::string views =
+      folder.file("v.csv",
+                  "name,eye\nunder,\"22,2,3\"\nover,\"22,2,6\"\nbeside,\"30,2,3\"\n"
+                  "below,\"30,2,-1\"\non land,\"5,5,1\"\nunder land,\"5,5,-1\"\n");
+  const Result result =
+      Lumivane::Test::runProcess({LUMIVANE_PROGRAM, "batch", scene, views, "--out-dir",
+                                  folder.path("out"), "--no-shots", "--jobs", "1"});
+  ASSERT_EQ(0, result.status) << result.err;
+  std::map<std::string, std::string> inside;
+  for (const Row& row : rowsOf(Lumivane::Test::fileBytes(folder.path("out/summary.csv"))))
+    inside[row.at("name")] = row.at("inside");
+  EXPECT_EQ((std::map<std::string, std::string>{{"under", "1"},
+                                                {"over", "0"},
+                                                {"beside", "0"},
+                                                {"below", "1"},
+                                                {"on land", "0"},
+                                                {"under land", "1"}}),
+            inside);
 }
 
 TEST_F(GridPlaces, SharesOfAnEndedRunAreTakenFromItsJournal) {

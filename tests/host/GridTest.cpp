@@ -36,9 +36,9 @@ std::vector<std::string> rows(const Result& result) {
 TEST(GridProgram, EyesStandInTheMiddleOfTheGroundWithTheSpacingGiven) {
   const std::vector<std::string> table = rows(grid({"--spacing", "3", "--height", "1.5"}));
   ASSERT_EQ(5U, table.size());
-  EXPECT_EQ("name,eye,forward,up,row,column,cell", table[0]);
-  EXPECT_EQ("r1c1,\"-1.5,-1.5,1.5\",\"0,0,1\",\"1,0,0\",1,1,3", table[1]);
-  EXPECT_EQ("r2c1,\"-1.5,1.5,1.5\",\"0,0,1\",\"1,0,0\",2,1,3", table[3]);
+  EXPECT_EQ("name,eye,forward,up,row,column,cell,inside", table[0]);
+  EXPECT_EQ("r1c1,\"-1.5,-1.5,1.5\",\"0,0,1\",\"1,0,0\",1,1,3,0", table[1]);
+  EXPECT_EQ("r2c1,\"-1.5,1.5,1.5\",\"0,0,1\",\"1,0,0\",2,1,3,0", table[3]);
 }
 
 TEST(GridProgram, HorizontalViewsTurnByTheirHeadings) {
@@ -46,8 +46,8 @@ TEST(GridProgram, HorizontalViewsTurnByTheirHeadings) {
       rows(grid({"--spacing", "100", "--height", "1", "--ground", "2", "--look", "horizontal",
                  "--heading", "0,90"}));
   ASSERT_EQ(3U, table.size());
-  EXPECT_EQ("r1c1h0,\"0,0,3\",\"1,0,0\",\"0,0,1\",1,1,100", table[1]);
-  EXPECT_EQ("r1c1h90,\"0,0,3\",\"0,1,0\",\"0,0,1\",1,1,100", table[2]);
+  EXPECT_EQ("r1c1h0,\"0,0,3\",\"1,0,0\",\"0,0,1\",1,1,100,0", table[1]);
+  EXPECT_EQ("r1c1h90,\"0,0,3\",\"0,1,0\",\"0,0,1\",1,1,100,0", table[2]);
 }
 
 TEST(GridProgram, EyesInsideBodiesAreLeftOutOnRequest) {
@@ -56,6 +56,21 @@ TEST(GridProgram, EyesInsideBodiesAreLeftOutOnRequest) {
       rows(grid({"--spacing", "0.25", "--height", "0.1", "--skip-inside"})).size();
   EXPECT_LT(outside, all);
   EXPECT_GT(outside, all / 2);
+}
+
+TEST(GridProgram, EyesOverALevelThatAreInsideBodiesOrUnderTheGroundAreFlagged) {
+  const auto flagged = [](const std::string& height) {
+    const std::vector<std::string> table = rows(grid({"--spacing", "0.25", "--height", height}));
+    size_t count = 0;
+    for (const std::string& row : table) count += row.substr(row.size() - 2) == ",1" ? 1 : 0;
+    return std::make_pair(count, table.size() - 1);
+  };
+  const auto [inside, all] = flagged("0.1");
+  EXPECT_EQ(inside,
+            all + 1 - rows(grid({"--spacing", "0.25", "--height", "0.1", "--skip-inside"})).size());
+  EXPECT_GT(inside, 0U);
+  const auto [under, places] = flagged("-0.1");
+  EXPECT_EQ(places, under);
 }
 
 TEST(GridProgram, TheTableSuitsTheBatch) {
@@ -74,7 +89,7 @@ TEST(GridProgram, NonsenseIsReported) {
   EXPECT_EQ("lumivane: --spacing: must be greater than 0\n", zero.err);
   EXPECT_EQ(2, grid({"--spacing", "inf", "--height", "1"}).status);
   EXPECT_NE(std::string::npos,
-            grid({"--spacing", "1e300", "--height", "1"}).out.find(",1,1,1e+300\n"));
+            grid({"--spacing", "1e300", "--height", "1"}).out.find(",1,1,1e+300,0\n"));
   const Result many = grid({"--spacing", "1e-4", "--height", "1"});
   EXPECT_EQ(1, many.status);
   EXPECT_EQ("lumivane: --spacing: 1e-04 makes more than 1e+07 eyes over the scene\n", many.err);

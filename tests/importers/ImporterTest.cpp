@@ -1,13 +1,21 @@
 #include "importers/ImportedRegions.h"
 #include "support/TempFolder.h"
 
+#include <lumivane/geometry/Point3d.h>
+#include <lumivane/geometry/Points3d.h>
+#include <lumivane/geometry/Region.h>
 #include <lumivane/geometry/Region2d.h>
+#include <lumivane/geometry/Regions.h>
 #include <lumivane/geometry/Regions2dInDrawingOrder.h>
+#include <lumivane/scene/Object.h>
+#include <lumivane/scene/Objects.h>
+#include <lumivane/scene/Scene3D.h>
 #include <lumivane/shot/Shot2d.h>
 
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -446,6 +454,43 @@ TEST(ImportedModel, ItsSceneForAnEyeIsThatOfAnImportForTheEyeWhateverCameBefore)
     texts.insert(expected);
   }
   EXPECT_GT(texts.size(), 2U);
+}
+
+TEST(ImportedModel, ClassesThatAreSetGoWithTheirRegionsIntoEachOrder) {
+  Importers::ImportedModel model(LUMIVANE_MODELS "/house.city.json");
+  // By the coordinates of its corners, each region is known again.
+  const auto classes = [&model](const std::optional<std::array<double, 3>>& eye) {
+    const ImportedScene imported = model.sceneFor(eye);
+    const std::vector<std::string> names = imported.scene.classes().namesOfRegions();
+    std::map<std::string, std::string> result;
+    std::size_t next = 0;
+    const auto& points = *imported.scene.scene().getPoints()->getPoints();
+    for (const Scene::Object* object : *imported.scene.scene().getObjects()->getObjects())
+      for (const Geometry::Region* region : *object->getRegions()->getRegions()) {
+        std::string key;
+        for (const int number : *region->getPoints()) {
+          const Geometry::Point3d& p = *points[static_cast<std::size_t>(number) - 1];
+          key += std::to_string(p.getX()) + " " + std::to_string(p.getY()) + " " +
+                 std::to_string(p.getZ()) + ";";
+        }
+        result[key] = names.at(next++);
+      }
+    return result;
+  };
+  const std::size_t count = model.sceneFor({}).scene.classes().regions.size();
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < count; ++i) names.push_back(i % 3 == 0 ? "" : std::to_string(i));
+  const std::map<std::string, std::string> before = classes({});
+  model.setClasses(Session::SurfaceClasses::ofNames(names));
+  const std::map<std::string, std::string> plain = classes({});
+  EXPECT_NE(before, plain);
+  EXPECT_EQ(names, model.sceneFor({}).scene.classes().namesOfRegions());
+  EXPECT_EQ(plain, classes({{-90.0, -80.0, 5.0}}));
+  EXPECT_EQ(plain, classes({{90.0, 80.0, 5.0}}));
+  names.pop_back();
+  EXPECT_THROW(model.setClasses(Session::SurfaceClasses::ofNames(names)), Session::Error);
+  model.setClasses({});
+  EXPECT_TRUE(model.sceneFor({}).scene.classes().regions.empty());
 }
 
 TEST(ImportedModel, AnEyeThatIsNotFiniteIsNone) {

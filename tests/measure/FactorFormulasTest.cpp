@@ -1,5 +1,5 @@
 // View factors between faces at the default tolerance against closed forms: rectangles apart and
-// with a common edge, canyons, rooms that a wall divides, and a cube inside a cube.
+// with a common edge, canyons, rooms that a wall divides, L-shaped ones, and a cube inside a cube.
 
 #include "measure/FactorScenes.h"
 
@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -206,6 +207,53 @@ TEST(FactorFormulas, ACubeInTheMiddleOfACubeTakesItsShare) {
   }
   EXPECT_NEAR(1.0 - share, toOuter, Relative * (1.0 - share));
   EXPECT_NEAR(0.0, fromOuter.sky, 1e-6);
+}
+
+// Floor and ceiling are concave. The walls at the inner corner see one leg each, and nothing stands
+// in it; the two long walls see each other up to the line through the corner.
+TEST(FactorFormulas, AnLShapedRoomIsClosedAndReciprocalAndHasTheFactorsOfItsLegs) {
+  constexpr double Height = 0.8;
+  const double corners[6][2] = {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
+  Faces faces;
+  Outline floor;
+  Outline ceiling;
+  for (const auto& corner : corners) {
+    floor.push_back({corner[0], corner[1], 0.0});
+    ceiling.push_back({corner[0], corner[1], Height});
+  }
+  faces.add(floor, {0.5, 0.5, 10.0});
+  faces.add(ceiling, {0.5, 0.5, -10.0});
+  const Vector before[6] = {{1, 0.5, 0.4},   {1.5, 0.5, 0.4}, {1.5, 0.5, 0.4},
+                            {0.5, 1.5, 0.4}, {0.5, 1.5, 0.4}, {0.5, 1, 0.4}};
+  for (std::size_t i = 0; i < 6; ++i) {
+    const std::size_t next = (i + 1) % 6;
+    faces.add({floor[i], floor[next], ceiling[next], ceiling[i]}, before[i]);
+  }
+  const FaceFactors factors{SceneIndex(faces.scene)};
+  const std::vector<FactorRow> rows = factorRows(factors);
+  const std::vector<FactorElement>& elements = factors.elements();
+  for (const FactorRow& row : rows) {
+    EXPECT_NEAR(1.0, sumOf(row), 1e-12);
+    EXPECT_NEAR(0.0, row.sky, 1e-5);
+    EXPECT_NEAR(0.0, row.residual, 5e-5);
+  }
+  EXPECT_LT(reciprocityOf(elements, rows).greatest, 1e-4);
+  // Walls stand on the edges of the floor in their order, from the element 2 on.
+  ASSERT_EQ(8U, elements.size());
+  const FactorRow& inner = rows[5];
+  const Rectangle wall = {{0, 1}, {Height, 2}};
+  const Rectangle leg = {{0, 0}, {1, 2}};
+  const Rectangle square = {{0, 0}, {1, Height}};
+  const double toFloor = perpendicularFactor(leg, wall) * leg.area() / wall.area();
+  expectFactor(toFloor, inner, 0, "to the floor");
+  expectFactor(toFloor, inner, 1, "to the ceiling");
+  expectFactor(perpendicularFactor(square, {{1, 0}, {2, Height}}), inner, 2, "to the far end");
+  expectFactor(perpendicularFactor(square, square), inner, 6, "to the near end");
+  expectFactor(parallelFactor(wall, {{0, 0}, {Height, 2}}, 1.0), inner, 7, "across");
+  EXPECT_EQ(0.0, entry(inner, 3));
+  EXPECT_EQ(0.0, entry(inner, 4));
+  const Rectangle whole = {{0, 0}, {2, Height}};
+  expectFactor(perpendicularFactor(whole, whole), rows[7], 2, "past the corner");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "measure/HandShot.h"
 
+#include <lumivane/measure/ShareClasses.h>
 #include <lumivane/measure/ShareText.h>
+#include <lumivane/session/LoadedScene.h>
 
 #include <sstream>
 #include <string>
@@ -29,9 +31,10 @@ TEST(ShareText, CsvHasARowForEachObjectFaceRegionAndTheSky) {
   const std::vector<std::string> rows = lines(ShareText::csv(hand.square()));
   ASSERT_EQ(6U, rows.size());
   EXPECT_EQ(
-      "kind,object,id,face,region,source_region,area,view_factor,solid_angle,hemisphere_share",
+      "kind,object,id,face,region,source_region,area,view_factor,solid_angle,hemisphere_share,"
+      "class",
       rows[0]);
-  EXPECT_EQ("object,1,first,,,,0,0,0,0", rows[1]);
+  EXPECT_EQ("object,1,first,,,,0,0,0,0,", rows[1]);
   EXPECT_EQ(0U, rows[2].find("object,2,\"a \"\"b\"\", c\",,,,0.5")) << rows[2];
   EXPECT_EQ(0U, rows[3].find("face,2,\"a \"\"b\"\", c\",1,,,0.5")) << rows[3];
   EXPECT_EQ(0U, rows[4].find("region,2,\"a \"\"b\"\", c\",1,1,1,0.5")) << rows[4];
@@ -51,6 +54,42 @@ TEST(ShareText, JsonHoldsTheSameNumbers) {
   EXPECT_EQ(shares.open().viewFactor, json.at("sky").at("viewFactor"));
   EXPECT_EQ(1.0, json.at("whole").at("hemisphereShare"));
   EXPECT_EQ("square", nlohmann::json::parse(ShareText::json(hand.square())).at("projection"));
+}
+
+TEST(ShareText, ClassesStandInTheLastColumnAndInJsonWhereThereAreAny) {
+  // Two objects; the second one has a face of two regions.
+  Session::LoadedScene scene = Session::LoadedScene::fromText(
+      R"({"Points":[[0,0,0],[0,1,0],[1,1,0]],"Objects":[
+{"Id":"first","Faces":[{"Regions":[1]}],"Regions":[{"Face":1,"Points":[1,2,3]}]},
+{"Id":"second","Faces":[{"Regions":[1,2]},{"Regions":[3]}],"Regions":[{"Face":1,"Points":[1,2,3]},
+{"Face":1,"Points":[1,2,3]},{"Face":2,"Points":[1,2,3]}]}]})",
+      "scene");
+  EXPECT_TRUE(ShareClasses(scene).isEmpty());
+  scene.setClasses({{"=door", "wall"}, {1, 1, 0, 1}});
+  const ShareClasses classes(scene);
+  EXPECT_FALSE(classes.isEmpty());
+  EXPECT_EQ("wall", classes.ofObject(1));
+  EXPECT_EQ("", classes.ofObject(2));
+  EXPECT_EQ("", classes.ofFace(2, 1));
+  EXPECT_EQ("wall", classes.ofFace(2, 2));
+  EXPECT_EQ("=door", classes.ofRegion(2, 2));
+  EXPECT_EQ("", classes.ofRegion(7, 1));
+  EXPECT_EQ("", classes.ofFace(1, 9));
+  HandShot hand;
+  hand.addObject("second");
+  hand.add(box(0, 0, 1, 0.5), 2);
+  const std::vector<std::string> rows = lines(ShareText::csv(hand.square(), classes, false));
+  const auto last = [](const std::string& row) { return row.substr(row.rfind(',') + 1); };
+  EXPECT_EQ("wall", last(rows.at(1)));
+  EXPECT_EQ("", last(rows.at(2)));
+  EXPECT_EQ("", last(rows.at(3)));
+  EXPECT_EQ("wall", last(rows.at(4)));
+  EXPECT_EQ("", last(rows.at(5)));
+  const auto json = nlohmann::json::parse(ShareText::json(hand.square(), classes));
+  EXPECT_EQ("wall", json.at("objects").at(0).at("class"));
+  EXPECT_FALSE(json.at("objects").at(1).contains("class"));
+  EXPECT_FALSE(json.at("faces").at(0).contains("class"));
+  EXPECT_EQ("wall", json.at("regions").at(0).at("class"));
 }
 
 TEST(ShareText, AnIdThatIsNoUtf8IsReplacedInCsvAndJson) {

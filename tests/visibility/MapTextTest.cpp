@@ -179,6 +179,19 @@ TEST(MapText, MapIsWrittenAsTheFormatSays) {
   EXPECT_EQ(-1, document.at("edges").at(7).at("cells").at(1));
 }
 
+TEST(MapText, CellsOfRegionsWithAClassNameIt) {
+  HandMap hand = squareInTheSky();
+  const Visibility::Label seen = hand.map.cells.at(0).label;
+  hand.names().regions = {{seen.object, seen.face, 1}, seen};
+  hand.names().classNames = {"Door", "Wall"};
+  hand.names().classes = {0, 1};
+  const json cells = json::parse(MapText::mapJson(hand.map)).at("cells");
+  EXPECT_EQ("Wall", cells.at(0).at("class"));
+  EXPECT_FALSE(cells.at(1).contains("class"));
+  hand.names().classes = {0, -1};
+  EXPECT_FALSE(json::parse(MapText::mapJson(hand.map)).at("cells").at(0).contains("class"));
+}
+
 TEST(MapText, NumbersHaveSeventeenDigitsAndNoNegativeZero) {
   VisibleMap map = plainMap();
   map.eye = {0.1, -0.0, 1.0 / 3.0};

@@ -18,7 +18,8 @@ class LUMIVANE_MEASURE_EXPORT ShareText {
   /// stand as `Session::idText` shows them.
   ///
   /// \param classes  what the last column names
-  /// \param isSafe  an id or class that a spreadsheet would take for a formula, since it starts with
+  /// \param isSafe  an id or class that a spreadsheet would take for a formula, since it starts
+  /// with
   ///                = + - @, a tab or a carriage return, gets an apostrophe in front
   static std::string csv(const VisibleShares& shares, const ShareClasses& classes, bool isSafe);
   static std::string csv(const VisibleShares& shares, bool isSafe);  ///< Without classes.
