@@ -1,5 +1,6 @@
 // A mesh or a city model to a scene and a shot. The first byte is the format, the second how the
-// scene is made, the rest is the file.
+// scene is made, the rest is the file, or two files that are one scene with a form feed between
+// them.
 
 #include "Bounded.h"
 #include "Bytes.h"
@@ -16,6 +17,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -37,6 +39,8 @@ std::string ending(char letter) {
       return ".gltf";
     case 'b':
       return ".glb";
+    case 'l':
+      return ".city.jsonl";
     default:
       return ".city.json";
   }
@@ -64,6 +68,13 @@ class File {
 
   const std::string path;
 };
+
+// The files of an input; a second one has another name, so that it may hold the same.
+std::vector<std::string> contents(const std::string& bytes, bool isSplit) {
+  const std::size_t feed = isSplit ? bytes.find('\f') : std::string::npos;
+  if (feed == std::string::npos) return {bytes};
+  return {bytes.substr(0, feed), bytes.substr(feed + 1)};
+}
 
 bool hasErrors(Lumivane::Scene::Scene3D& scene) {
   return !Lumivane::Check::SceneChecker::errors(scene).empty();
@@ -101,10 +112,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Lumivane::Fuzz::silence();
   Bytes bytes(data, size);
   const auto format = bytes.take<char>(), making = bytes.take<char>();
-  const File file("model" + ending(format), bytes.rest());
-  Importers::Importer::isImportable(file.path);
+  const bool mayBeTwo = ((making - '0') & 16) != 0;
+  std::vector<std::unique_ptr<const File>> files;
+  std::vector<std::string> paths;
+  for (const std::string& content : contents(bytes.rest(), mayBeTwo)) {
+    const std::string name = files.empty() ? "model" : "other";
+    files.push_back(std::make_unique<const File>(name + ending(format), content));
+    paths.push_back(files.back()->path);
+    Importers::Importer::isImportable(paths.back());
+  }
   try {
-    Importers::ImportedScene imported = Importers::Importer::importFile(file.path, options(making));
+    Importers::ImportedScene imported = Importers::Importer::importFiles(paths, options(making));
     checkScene(imported);
   } catch (const Session::Error& error) {
     require(!error.cause().empty());

@@ -46,6 +46,7 @@ model_seeds() {
       *.gltf) letter=g ;;
       *.glb) letter=b ;;
       *.json) letter=c ;;
+      *.jsonl) letter=l ;;
       *) continue ;;
     esac
     { printf '%s0' "$letter"; cat "$file"; } >"$1/$(basename "$file")"
