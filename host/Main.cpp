@@ -122,7 +122,11 @@ int run(const std::vector<std::string>& arguments) {
   app.set_version_flag("--version", "lumivane " LUMIVANE_VERSION);
   app.require_subcommand(1);
   const std::vector<Command> commands = allCommands();
-  for (const Command& entry : commands) entry.declare(*app.add_subcommand(entry.name, entry.help));
+  for (const Command& entry : commands) {
+    CLI::App& command = *app.add_subcommand(entry.name, entry.help);
+    // Options of commands that are not named take milliseconds of each start.
+    if (std::count(arguments.begin(), arguments.end(), entry.name) > 0) entry.declare(command);
+  }
 
   for (size_t i = 0; i < arguments.size(); ++i)
     if (arguments[i].empty() && (i == 0 || arguments[i - 1] != "--title"))
