@@ -2,6 +2,8 @@
 // town of boxes, each size in a process of its own.
 //
 // Usage: bench_visibility [FACES...]     (10000 100000 1000000)
+//        bench_visibility --write FILE FACES     the index as a file that looks start with
+//        (.lumiscene)
 
 #include "scene/City.h"
 
@@ -56,7 +58,7 @@ double peakMegabytes() {
   return static_cast<double>(usage.ru_maxrss) / 1024.0;
 }
 
-void measure(int faces) {
+void measure(int faces, const std::string& file) {
   PolygonScene scene = town(faces);
   const std::size_t count = scene.labels.size();
   const double before = peakMegabytes();
@@ -65,13 +67,14 @@ void measure(int faces) {
   const double taken = seconds() - start;
   std::cout << "| " << count << " | " << taken << " | " << peakMegabytes() << " | " << before
             << " | " << index.layerCount() << " |" << std::endl;
+  if (!file.empty()) index.write(file);
 }
 
 /// In a process of its own, so that memory is not that of another size.
-void measureApart(int faces) {
+void measureApart(int faces, const std::string& file) {
   const pid_t child = fork();
   if (child == 0) {
-    measure(faces);
+    measure(faces, file);
     _exit(EXIT_SUCCESS);
   }
   int status = 0;
@@ -79,14 +82,19 @@ void measureApart(int faces) {
     throw std::runtime_error("a run of " + std::to_string(faces) + " faces failed");
 }
 
-void run(const std::vector<std::string>& words) {
+void run(std::vector<std::string> words) {
+  std::string file;
+  if (words.size() == 3 && words[0] == "--write") {
+    file = words[1];
+    words.erase(words.begin(), words.begin() + 2);
+  }
   std::vector<int> sizes;
   for (const std::string& word : words) sizes.push_back(std::stoi(word));
   if (sizes.empty()) sizes = {10000, 100000, 1000000};
   std::cout
       << "| faces | index s | peak MB | of it before MB | layers |\n|---:|---:|---:|---:|---:|"
       << std::endl;
-  for (const int size : sizes) measureApart(size);
+  for (const int size : sizes) measureApart(size, file);
 }
 
 }  // namespace
@@ -96,7 +104,8 @@ int main(int argc, char** argv) {
     run({argv + 1, argv + argc});
     return EXIT_SUCCESS;
   } catch (const std::exception& error) {
-    std::cerr << "Usage: bench_visibility [FACES...]\nError: " << error.what() << '\n';
+    std::cerr << "Usage: bench_visibility [--write FILE] [FACES...]\nError: " << error.what()
+              << '\n';
     return EXIT_FAILURE;
   }
 }
