@@ -50,7 +50,8 @@ std::optional<ExactSummary> ExactBatch::look(const ShotOptions& view) const {
   options.up = view.view.up;
   options.alone = !view.shares.empty() && hasFractions(view.rows);
   const Visibility::VisibleMap map = state->scene.look(view.view.eye, options);
-  const Visibility::MapShares shares(map);
+  const Visibility::MapShares shares(
+      map, view.shares.empty() ? Visibility::MapShares::Objects::Seen : objectsOf(view.rows));
   if (!view.shares.empty())
     Session::writeFile(view.shares,
                        state->scene.sharesText(view.shares, view.rows, view.csvSafe, map, shares));

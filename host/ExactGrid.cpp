@@ -90,8 +90,8 @@ struct ExactGrid::State {
     look.alone = hasFractions(options.rows);
     const Visibility::VisibleMap map = exact.look(view.eye, look);
     return Visibility::MapText::csvRows(
-        exact.shareRows(options.rows, map, Visibility::MapShares(map)), map.field,
-        Session::csvField(view.name) + ",", options.csvSafe);
+        exact.shareRows(options.rows, map, Visibility::MapShares(map, objectsOf(options.rows))),
+        map.field, Session::csvField(view.name) + ",", options.csvSafe);
   }
 
   const GridOptions& options;

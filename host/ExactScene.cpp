@@ -90,4 +90,9 @@ bool hasFractions(const std::string& rows) {
   return rows != BuildingDepth && depthOf(rows) >= ShareDepth::Object;
 }
 
+Visibility::MapShares::Objects objectsOf(const std::string& rows) {
+  using Objects = Visibility::MapShares::Objects;
+  return rows == BuildingDepth || hasFractions(rows) ? Objects::All : Objects::Seen;
+}
+
 }  // namespace Lumivane::Host

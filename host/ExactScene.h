@@ -58,4 +58,7 @@ Visibility::SceneIndex sceneIndexOf(const std::string& name, const SourcedScene&
 /// Whether a table of these rows shows how much of each object is seen, which takes another look.
 bool hasFractions(const std::string& rows);
 
+/// Which objects such a table needs sums of.
+Visibility::MapShares::Objects objectsOf(const std::string& rows);
+
 }  // namespace Lumivane::Host

@@ -249,7 +249,8 @@ class Work {
       return;
     }
     const Measure::SkyType type = skyOf(options);
-    eye.values.push_back(Visibility::MapShares(map).sky().solidAngle);
+    eye.values.push_back(
+        Visibility::MapShares(map, Visibility::MapShares::Objects::Seen).sky().solidAngle);
     eye.values.push_back(skyComponent(map, type, {0.0, 0.0, 1.0}, sun));
     if (options.plane) eye.values.push_back(skyComponent(map, type, *options.plane, sun));
   }

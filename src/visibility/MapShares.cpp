@@ -85,18 +85,35 @@ class Classes {
     return found == regions.end() ? -1 : ofPosition(found - regions.begin());
   }
 
-  // Of all regions, seen or not.
-  std::map<int, CommonClass> ofObjects() const {
-    std::map<int, CommonClass> result;
-    for (std::size_t i = 0; i < count(); ++i)
-      result[names->regions[i].object].add(ofPosition(static_cast<std::ptrdiff_t>(i)));
+  // Of all regions, seen or not, of each object that has a name.
+  std::vector<CommonClass> ofObjects() const {
+    std::vector<CommonClass> result(static_cast<std::size_t>(objectCount()));
+    for (std::size_t i = 0; i < count(); ++i) {
+      const int object = names->regions[i].object;
+      if (object >= 1 && object <= objectCount())
+        result[static_cast<std::size_t>(object) - 1].add(
+            ofPosition(static_cast<std::ptrdiff_t>(i)));
+    }
     return result;
   }
+  CommonClass ofObject(int object) const {
+    CommonClass result;
+    for (std::size_t i = firstOf(object); i < count() && names->regions[i].object == object; ++i)
+      result.add(ofPosition(static_cast<std::ptrdiff_t>(i)));
+    return result;
+  }
+  // Of faces that are seen, by all their regions.
   std::map<Numbers, CommonClass> ofFaces(const std::map<Numbers, ShareSum>& seen) const {
     std::map<Numbers, CommonClass> result;
-    for (std::size_t i = 0; i < count(); ++i) {
-      const Numbers face(names->regions[i].object, names->regions[i].face);
-      if (seen.count(face) != 0) result[face].add(ofPosition(static_cast<std::ptrdiff_t>(i)));
+    for (auto face = seen.begin(); face != seen.end();) {
+      const int object = face->first.first;
+      for (std::size_t i = firstOf(object); i < count() && names->regions[i].object == object;
+           ++i) {
+        const Numbers numbers(object, names->regions[i].face);
+        if (seen.count(numbers) != 0)
+          result[numbers].add(ofPosition(static_cast<std::ptrdiff_t>(i)));
+      }
+      while (face != seen.end() && face->first.first == object) ++face;
     }
     return result;
   }
@@ -108,6 +125,15 @@ class Classes {
   }
 
  private:
+  // Where the regions of an object start, which stand in the order of objects.
+  std::size_t firstOf(int object) const {
+    if (names == nullptr) return 0;
+    const auto& regions = names->regions;
+    const auto found =
+        std::lower_bound(regions.begin(), regions.end(), object,
+                         [](const Label& label, int number) { return label.object < number; });
+    return static_cast<std::size_t>(found - regions.begin());
+  }
   std::size_t count() const { return names == nullptr ? 0 : names->regions.size(); }
   int ofPosition(std::ptrdiff_t i) const {
     const auto position = static_cast<std::size_t>(i);
@@ -118,7 +144,7 @@ class Classes {
 };
 
 struct Sums {
-  std::map<int, ShareSum> objects;
+  std::map<int, ShareSum> objects;  // seen ones
   std::map<Numbers, ShareSum> faces;
   std::map<Numbers, ShareSum> regions;
   std::map<Numbers, int> faceOfRegion;
@@ -129,7 +155,6 @@ struct Sums {
 
 Sums sumsOf(const VisibleMap& map, const Classes& classes) {
   Sums sums;
-  for (int i = 1; i <= classes.objectCount(); ++i) sums.objects[i];
   for (int i = -1; i < classes.nameCount(); ++i) sums.classes[i];
   for (const VisibleMap::Cell& cell : map.cells) {
     const Label& label = cell.label;
@@ -156,15 +181,26 @@ double fractionOf(double visible, double alone) {
 double ViewShare::area() const { return Pi * viewFactor; }
 double ViewShare::hemisphereShare() const { return solidAngle / (2.0 * Pi); }
 
-MapShares::MapShares(const VisibleMap& map) {
+MapShares::MapShares(const VisibleMap& map, Objects which) {
   const Classes classes(map);
   Sums sums = sumsOf(map, classes);
-  const auto objectClasses = classes.ofObjects();
-  for (const auto& [number, sum] : sums.objects) {
-    const auto found = objectClasses.find(number);
-    const int common = found == objectClasses.end() ? -1 : found->second.number();
-    theObjects.push_back({{number, 0, 0}, sum.share(), common});
+  const std::vector<CommonClass> common =
+      which == Objects::All ? classes.ofObjects() : std::vector<CommonClass>();
+  // A map made by hand may show objects that have no names.
+  const auto addSeen = [&](const std::pair<const int, ShareSum>& seen) {
+    theObjects.push_back(
+        {{seen.first, 0, 0}, seen.second.share(), classes.ofObject(seen.first).number()});
+  };
+  theObjects.reserve(common.size() + sums.objects.size());
+  auto seen = sums.objects.begin();
+  for (; seen != sums.objects.end() && seen->first < 1; ++seen) addSeen(*seen);
+  for (std::size_t i = 0; i < common.size(); ++i) {
+    const int number = static_cast<int>(i) + 1;
+    const bool isSeen = seen != sums.objects.end() && seen->first == number;
+    theObjects.push_back(
+        {{number, 0, 0}, isSeen ? (seen++)->second.share() : ViewShare(), common[i].number()});
   }
+  for (; seen != sums.objects.end(); ++seen) addSeen(*seen);
   auto faceClasses = classes.ofFaces(sums.faces);
   for (const auto& [face, sum] : sums.faces)
     theFaces.push_back({{face.first, face.second, 0}, sum.share(), faceClasses[face].number()});

@@ -1,5 +1,6 @@
 #include <lumivane/visibility/MapShares.h>
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -54,6 +55,45 @@ TEST(MapShares, ListAllObjectsInTheScenesOrder) {
   expectShare(1.875, 0.36, 2.0, 9.0, shares.objects()[0].share);
   expectShare(0.0, 0.0, 0.0, 0.0, shares.objects()[1].share);
   expectShare(0.5, 0.04, 8.0, 20.0, shares.objects()[2].share);
+}
+
+TEST(MapShares, ListSeenObjectsAloneWhereThoseAreAskedFor) {
+  const VisibleMap map = handMade();
+  const MapShares all(map);
+  const MapShares seen(map, MapShares::Objects::Seen);
+  ASSERT_EQ(2U, seen.objects().size());
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}}) {
+    const MapShares::Row& expected = all.objects()[2 * i];
+    EXPECT_EQ(expected.label, seen.objects()[i].label);
+    EXPECT_EQ(expected.classNumber, seen.objects()[i].classNumber);
+    expectShare(expected.share.solidAngle, expected.share.viewFactor, expected.share.minDistance,
+                expected.share.maxDistance, seen.objects()[i].share);
+  }
+  EXPECT_EQ((std::vector<double>{0.75, 1.0}), seen.visibleFractions());
+  EXPECT_EQ(all.faces().size(), seen.faces().size());
+  EXPECT_EQ(all.sky().viewFactor, seen.sky().viewFactor);
+}
+
+// As a map made by hand may; the second object has regions, but no name.
+TEST(MapShares, ListObjectsWithoutNamesThatAreSeenInOrder) {
+  auto names = std::make_shared<VisibleMap::Names>();
+  names->objectIds = {"house"};
+  names->classNames = {"roof"};
+  names->regions = {{1, 1, 1}, {2, 1, 1}, {2, 1, 2}};
+  names->classes = {-1, 0, 0};
+  VisibleMap map;
+  map.names = names;
+  map.cells = {cell({4, 1, 1}, 0.5, 0.1, 3.0, 4.0), cell({2, 1, 2}, 0.25, 0.05, 2.0, 3.0),
+               cell({-1, 1, 1}, 0.125, 0.05, 2.0, 3.0)};
+  const MapShares shares(map);
+  ASSERT_EQ(4U, shares.objects().size());
+  const int numbers[] = {-1, 1, 2, 4};
+  const int classes[] = {-1, -1, 0, -1};
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(numbers[i], shares.objects()[i].label.object);
+    EXPECT_EQ(classes[i], shares.objects()[i].classNumber);
+  }
+  EXPECT_EQ(0.25, shares.objects()[2].share.solidAngle);
 }
 
 TEST(MapShares, ListSeenFacesAndRegionsOnly) {

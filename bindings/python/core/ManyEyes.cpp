@@ -96,7 +96,7 @@ class Looks {
     how.alone = isAloneAsked;
     how.threads = 1;
     how.cancelled = &cancelled;
-    keep(i, MapShares(scene.index().look(many.eyes[i], how)));
+    keep(i, MapShares(scene.index().look(many.eyes[i], how), MapShares::Objects::Seen));
   }
 
   py::dict result() {
@@ -120,7 +120,8 @@ class Looks {
         keep(i, k, shares.classes()[k].share, 0.0);
     else
       for (std::size_t k = 0; k < shares.objects().size(); ++k)
-        keep(i, k, shares.objects()[k].share, isAloneAsked ? shares.visibleFractions()[k] : 0.0);
+        keep(i, static_cast<std::size_t>(shares.objects()[k].label.object) - 1,
+             shares.objects()[k].share, isAloneAsked ? shares.visibleFractions()[k] : 0.0);
   }
 
   void keep(std::size_t i, std::size_t position, const ViewShare& share, double fraction) {

@@ -36,12 +36,17 @@ class LUMIVANE_VISIBILITY_EXPORT MapShares {
     ViewShare share;       ///< what is seen of it
   };
 
-  /// Sums up a map.
-  explicit MapShares(const VisibleMap& map);
+  /// Which objects have a row.
+  enum class Objects {
+    All,  ///< of the scene
+    Seen  ///< those of which the map has a cell: where a scene has many, this takes far less
+  };
 
-  const std::vector<Row>& objects() const {
-    return theObjects;
-  }  ///< All of the scene, in its order.
+  /// Sums up a map.
+  explicit MapShares(const VisibleMap& map, Objects which = Objects::All);
+
+  /// All of the scene or seen ones, in its order.
+  const std::vector<Row>& objects() const { return theObjects; }
   /// Seen ones, by object and face; face -1 stands for the object's regions of no face.
   const std::vector<Row>& faces() const { return theFaces; }
   const std::vector<Row>& regions() const {
@@ -52,8 +57,8 @@ class LUMIVANE_VISIBILITY_EXPORT MapShares {
   const ViewShare& whole() const {
     return theWhole;
   }  ///< All of the field; the distances are those of all that is seen.
-  /// For each object the part of it that is seen of what it would take if nothing stood in front of
-  /// it, 0 to 1; 0 for one that would take nothing. Empty unless the map was asked for it.
+  /// For each of `objects` the part of it that is seen of what it would take if nothing stood in
+  /// front of it, 0 to 1; 0 for one that would take nothing. Empty unless the map was asked for it.
   const std::vector<double>& visibleFractions() const { return theFractions; }
 
  private:
