@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -124,12 +125,11 @@ class Looker {
 
  private:
   void work(bool isCaller) try {
-    LookPolygons polygons(setup);
     if (isCaller) {
-      lookAtFaces(polygons);
+      lookAtFaces();
       team.end();
     } else {
-      while (TileJob* const job = team.next()) TileDescent::run(*job, polygons, team);
+      doJobs();
     }
   } catch (const TileTeam::Stopped&) {
     // By what has failed elsewhere.
@@ -137,12 +137,25 @@ class Looker {
     team.fail();
   }
 
-  void lookAtFaces(LookPolygons& polygons) {
-    TileDescent descent(polygons, parts, team);
-    for (int face = 0; face < FaceCount; ++face)
+  // Few polygons are seen on several faces, so that those of each are forgotten with it.
+  void lookAtFaces() {
+    for (int face = 0; face < FaceCount; ++face) {
+      LookPolygons polygons(setup);
+      TileDescent descent(polygons, parts, team);
       sides[static_cast<size_t>(face)] = face == 0 || team.takeBack(*offered[face])
                                              ? descent.run(wholeFace(face))
                                              : descent.resultOf(*offered[face]);
+    }
+  }
+
+  void doJobs() {
+    std::optional<LookPolygons> polygons;
+    int face = -1;
+    while (TileJob* const job = team.next()) {
+      if (job->start.tile.face != face) polygons.emplace(setup);
+      face = job->start.tile.face;
+      TileDescent::run(*job, *polygons, team);
+    }
   }
 
   const LookSetup& setup;
@@ -159,6 +172,7 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   if (options.progress) options.progress(0.0);
   MapParts parts;
   joinFaces(parts, Looker(setup, options, parts).run());
+  std::vector<Stretch>().swap(parts.stretches);
   buildMap(parts, setup, {threadCount(options.threads), options.cancelled, options.edgeSources},
            map);
 }

@@ -3,6 +3,8 @@
 
 #include <lumivane/visibility/SceneIndex.h>
 
+#include <algorithm>
+
 namespace Lumivane::Visibility {
 
 void MapBuilder::run() {
@@ -10,11 +12,20 @@ void MapBuilder::run() {
        {&MapBuilder::joinVertices, &MapBuilder::makeLinks, &MapBuilder::numberCells,
         &MapBuilder::closeRings, &MapBuilder::dropSliverLinks, &MapBuilder::chainLinks,
         &MapBuilder::placeVertices, &MapBuilder::contractEdges, &MapBuilder::dropSliverEdges,
-        &MapBuilder::orderMap, &MapBuilder::makeRings, &MapBuilder::measureDistances,
-        &MapBuilder::measureCells, &MapBuilder::settleWholeSpheres}) {
+        &MapBuilder::forgetParts, &MapBuilder::orderMap, &MapBuilder::makeRings,
+        &MapBuilder::measureDistances, &MapBuilder::measureCells,
+        &MapBuilder::settleWholeSpheres}) {
     if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
     (this->*step)();
   }
+}
+
+// What is left of the parts is asked for once more where cells have several planes.
+void MapBuilder::forgetParts() {
+  if (std::any_of(found.begin(), found.end(), [](const Found& f) { return f.several; })) return;
+  release(parts.areas);
+  release(parts.pieces);
+  release(parts.vertices);
 }
 
 void buildMap(MapParts& parts, const LookSetup& setup, const BuildOptions& options,

@@ -41,6 +41,13 @@ class MapBuilder {
   void run();
 
  private:
+  // Gives its memory back: of millions of cells every list takes as much as the map.
+  template <class List>
+  static void release(List& list) {
+    List().swap(list);
+  }
+  void forgetParts();
+
   static constexpr int NoCell = -1;
   // Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
   static constexpr double PlaceTolerance = 3e-13;

@@ -65,6 +65,8 @@ void MapBuilder::chainLinks() {
   }
   for (size_t i = 0; i < links.size(); ++i)
     if (!links[i].used) follow(static_cast<int>(i), links[i].from);
+  release(links);
+  atVertex = Buckets();
 }
 
 // From a vertex along a link to the end of its edge.

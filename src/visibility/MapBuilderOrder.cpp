@@ -83,10 +83,13 @@ void MapBuilder::orderMap() {
   map.edges.reserve(edges.size());
   for (const Link& edge : edges)
     map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
-  if (!options.edgeSources) return;
-  for (const Link& edge : edges)
-    map.edgeSources.push_back(
-        edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
+  if (options.edgeSources)
+    for (const Link& edge : edges)
+      map.edgeSources.push_back(
+          edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
+  release(edges);
+  release(directions);
+  release(vertexNumbers);
 }
 
 // Few edges leave a vertex, so that sorting those of each is quicker than sorting all.

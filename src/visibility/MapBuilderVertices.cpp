@@ -76,6 +76,7 @@ void MapBuilder::joinVertices() {
 }
 
 void MapBuilder::makeLinks() {
+  links.reserve(parts.pieces.size());
   for (const Piece& piece : parts.pieces) {
     const int from = parts.vertexSets.find(piece.from);
     const int to = parts.vertexSets.find(piece.to);
