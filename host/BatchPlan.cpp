@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -138,6 +139,29 @@ void refuseShots(const BatchPlan& plan) {
   }
 }
 
+// The value of an option that was given for all views; nothing if it was not.
+std::optional<std::string> given(const BatchOptions& options, const std::string& name) {
+  for (const std::string& option : options.shotOptions)
+    if (option.rfind("--" + name + "=", 0) == 0) return option.substr(name.size() + 3);
+  return std::nullopt;
+}
+
+// Options for all views that would change nothing are mistakes. Those in a table may be meant for
+// another run with it.
+void refuseUseless(const BatchOptions& options, const BatchPlan& plan) {
+  for (const char* const ofShots :
+       {"camera", "segments", "max-length", "merge-distance", "limit-points", "limit-memory",
+        "eye-clearance", "grazing-angle", "style", "size"})
+    if (options.shot.noShots && given(options, ofShots))
+      throw ArgumentError(std::string("--") + ofShots, "is for shots, which --no-shots leaves out");
+  const std::optional<std::string> rows = given(options, "rows");
+  if (!rows || *rows == "class") return;  // those are columns of the summary, too
+  for (std::size_t i = 0; plan.views.hasFiles() && i < plan.views.size(); ++i)
+    if (!plan.views[i].options.shares.empty()) return;
+  throw ArgumentError("--rows",
+                      "is for --shares; rows of classes alone are columns of the summary");
+}
+
 void refusePipes(const ShotOptions& options) {
   std::vector<std::string> files = options.import.also;
   files.insert(files.begin(), options.scene);
@@ -172,6 +196,7 @@ BatchPlan planBatch(const BatchOptions& options) {
     throw HostError("--views-range", "there are " + std::to_string(plan.views.size()) + " views");
   addMaps(options, plan.setting.folder, outputs);
   refuseShots(plan);
+  refuseUseless(options, plan);
   return plan;
 }
 

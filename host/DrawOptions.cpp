@@ -349,6 +349,7 @@ void setDrawOptions(CLI::App& command, DrawOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(1, 4800))
       ->default_str("150")
+      ->needs("--png")
       ->group(FileGroup);
   command.callback([&command, &options] {
     options.eyeGiven = command.count("--eye") > 0;

@@ -134,6 +134,11 @@ void runFactors(const FactorsOptions& options) {
   names.add("the journal", journalPath);
   if (options.reciprocal && options.rows)
     throw ArgumentError("--reciprocal", "needs all rows: leave out --rows");
+  if (!options.import.classes.empty() && options.elements.empty() &&
+      endingOf(options.out) == ".csv")
+    throw ArgumentError("--classes",
+                        "is for the column class of the elements: name their table with "
+                        "--elements, or write .json or .npz");
   const SourcedScene source = loadScene(options.scene, options.import);
   const FaceFactors factors = factorsOf(options, source);
   FactorTable table;

@@ -292,6 +292,8 @@ Drawing drawn(const MapOptions& options, const SourcedScene& source, const Drawi
 void runMap(const MapOptions& options) {
   if (options.svg.empty() && options.pdf.empty() && options.png.empty())
     throw ArgumentError("--svg", "or --pdf or --png is needed");
+  if (options.cell.value_or(0.0) > 0.0 && options.dot != MapOptions().dot)
+    throw ArgumentError("--dot", "is the width of dots, but --cell asks for squares");
   Session::checkReadable(options.scene);
   Session::checkReadable(options.table);
   std::vector<std::string> inputs = sourceFiles(options.scene, options.import);

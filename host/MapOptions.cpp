@@ -111,6 +111,7 @@ void setMapOptions(CLI::App& command, MapOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(1, 4800))
       ->capture_default_str()
+      ->needs("--png")
       ->group(FileGroup);
 }
 

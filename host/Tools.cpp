@@ -214,6 +214,7 @@ void addGridOptions(CLI::App& command, GridOptions& options) {
       ->type_name("FILE");
   addPlaces(command, options);
   addNames(command, "--rows", options.rows, "how deep the shares go", RowDepths);
+  command.get_option("--rows")->needs("--shares");
   addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
 }

@@ -72,6 +72,22 @@ void checkOutputs(const ViewOptions& options) {
   for (const auto& [option, path] : outputsOf(options)) names.add(option, path);
 }
 
+// Options that would change nothing are mistakes.
+void checkEffects(const ViewOptions& options) {
+  for (const std::string& picture :
+       {options.svg, options.pdf, options.png, options.html, options.report})
+    if (!picture.empty()) return;
+  const ViewOptions usual;
+  const char* const ofPicture = options.size                             ? "--size"
+                                : options.projection != usual.projection ? "--projection"
+                                : options.colorBy != usual.colorBy       ? "--color-by"
+                                                                         : nullptr;
+  if (ofPicture != nullptr)
+    throw ArgumentError(ofPicture,
+                        "is that of pictures: name one with --svg, --pdf, --png-vector, "
+                        "--html or --report");
+}
+
 bool isUnderGround(const ExactScene& scene, const Visibility::Vector& eye) {
   return UnderGroundTest(scene.sceneIndex()).isUnder(eye);
 }
@@ -201,6 +217,7 @@ void report(const ViewOptions& options, const VisibleMap& map, const MapShares& 
 }  // namespace
 
 void runView(const ViewOptions& options) {
+  checkEffects(options);
   checkReport(options);
   Session::checkReadable(options.scene);
   checkOutputs(options);

@@ -61,6 +61,7 @@ void setViewOptions(CLI::App& command, ViewOptions& options) {
   command.add_flag("--two-sided", options.twoSided, "polygons are seen from behind, too");
   addShares(command, options.shares, options.rows,
             "what is seen of each object, and the sky, to write (.csv or .json)");
+  command.get_option("--rows")->needs("--shares");
   addCsvSafe(command, options.csvSafe);
   addFile(command, "--map", options.map, "the map itself to write (JSON)");
   addFile(command, "--stats", options.stats, "statistics to write (JSON)");

@@ -196,7 +196,7 @@ TEST(ClassesProgram, TablesThatDoNotFitAreRefusedInOneLine) {
   const std::vector<std::vector<std::string>> commands = {
       {"view", scene, "--eye=-4,0.35,1.9"},
       {"grid", scene, "--spacing=1", "--height=1.6", "-o", folder.path("v.csv")},
-      {"factors", scene, "-o", folder.path("f.csv")},
+      {"factors", scene, "-o", folder.path("f.json")},
       {"draw", scene, "--parallel=top", "--svg", folder.path("d.svg")},
       {"batch", scene, folder.file("views.csv", "name,eye\na,\"-4,0.35,1.9\"\n"), "--out-dir",
        folder.path("out"), "--jobs=1"},

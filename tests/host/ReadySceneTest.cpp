@@ -116,8 +116,9 @@ TEST(ReadyScene, GivesABatchTheSameSummary) {
                      "name,eye,forward\na,\"-9,-11,7\",\"1,1,-0.5\"\nb,\"1,2,30\",\"0,0,-1\"\n");
   for (const std::string rows : {"object", "class", "building"}) {
     const auto summary = [&](const std::string& scene, const std::string& to) {
-      const Result result = run({"batch", scene, folder.path("views.csv"), "--no-shots", "--rows",
-                                 rows, "--out-dir", folder.path(to + rows), "--jobs", "1"});
+      const Result result =
+          run({"batch", scene, folder.path("views.csv"), "--no-shots", "--rows", rows, "--shares",
+               "{name}.csv", "--out-dir", folder.path(to + rows), "--jobs", "1"});
       EXPECT_EQ(0, result.status) << result.err;
       return fileBytes(folder.path(to + rows + "/summary.csv"));
     };
