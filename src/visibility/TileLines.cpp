@@ -259,7 +259,6 @@ void TileLines::start() {
   now.clear();
   masks.clear();
   narrowFrom.clear();
-  openGaps = 0;
   here = {tile.x0, tile.x0, true, false, 0, 0, 0};
 }
 
@@ -307,12 +306,12 @@ bool TileLines::finish() {
 }
 
 void TileLines::enterStop(Coordinate x) {
+  followChange();
   here.first = now.empty.empty();
   here.x = x;
-  old.lines = now.lines;
-  old.empty = now.empty;
   touched = here.first;
   sameBelow = sameAbove = here.first ? 0 : old.lines.size();
+  spansFrom = spansTo = 0;
   const bool sameLower = !toggleLower(x);
   removeLines(x);
   insertLines(x);
@@ -322,6 +321,29 @@ void TileLines::enterStop(Coordinate x) {
   here.next = nextStop();
   if (!findChange(sameLower)) return;
   replaceGaps();
+}
+
+// Makes room in a list for what changes: `unit` items for each gap, behind the first `shift`.
+template <class List>
+void TileLines::fitChange(List& list, size_t unit, size_t shift) const {
+  const auto at = [&](size_t gap) {
+    return list.begin() + static_cast<std::ptrdiff_t>((gap - shift) * unit);
+  };
+  if (here.newTo > here.oldTo) list.insert(at(here.oldTo), (here.newTo - here.oldTo) * unit, 0);
+  if (here.newTo < here.oldTo) list.erase(at(here.newTo), at(here.oldTo));
+}
+
+// The order behind the last stop is the one before the next.
+void TileLines::followChange() {
+  if (old.gapCount() == 0) {
+    old = now;
+    return;
+  }
+  if (here.from == here.oldTo && here.from == here.newTo) return;
+  fitChange(old.lines, 1, 1);
+  fitChange(old.empty, 1, 0);
+  for (size_t i = here.from; i < here.newTo; ++i) old.empty[i] = now.empty[i];
+  for (size_t i = here.from; i + 1 < here.newTo; ++i) old.lines[i] = now.lines[i];
 }
 
 // \return whether what covers the lowest gap has changed
@@ -396,43 +418,45 @@ void TileLines::crossLines(Coordinate x) {
   }
 }
 
+TileLines::Span TileLines::spanBetween(int below, int above, double x) const {
+  const Course& c = courseOf(below);
+  const Course& d = courseOf(above);
+  const double end = std::min(c.end, d.end);
+  return {std::max(c.tolerance, d.tolerance), end, d.at(x) - c.at(x), d.at(end) - c.at(end)};
+}
+
 // Looks at the neighbours among what was touched: where they meet, and whether their order is the
 // one behind the stop. Of two lines at most one order is wrong, so this comes to an end.
 void TileLines::checkOrder(Coordinate x) {
   const std::vector<int>& order = now.lines;
+  if (spans.size() <= order.size()) spans.resize(order.size() + 1);
+  const auto position = static_cast<double>(x);
   size_t at = sameBelow > 0 ? sameBelow - 1 : 0;
   while (at + 1 < order.size() && at + sameAbove < order.size()) {
-    if (mustSwap(order[at], order[at + 1], x)) {
+    Span& span = spans[at + 1];
+    span = spanBetween(order[at], order[at + 1], position);
+    if (mustSwap(span)) {
       swapLines(at);
       if (at > 0) --at;
     } else {
       ++at;
     }
   }
-  const size_t from = sameBelow > 0 ? sameBelow - 1 : 0;
-  for (at = from; at + 1 < order.size() && at + sameAbove < order.size(); ++at)
-    addMeeting(order[at], order[at + 1], x);
+  spansFrom = sameBelow > 0 ? sameBelow : 1;
+  spansTo = std::max(spansFrom, at + 1);
+  for (size_t gap = spansFrom; gap < spansTo; ++gap)
+    if (spans[gap].last < -spans[gap].tolerance) addMeeting(order[gap - 1], order[gap], x);
 }
 
 // Whether a line goes below the one that is below it. Within the tolerance either may be the upper
 // one, and where they part decides.
-bool TileLines::mustSwap(int below, int above, Coordinate x) {
-  const Course& c = courseOf(below);
-  const Course& d = courseOf(above);
-  const double tolerance = std::max(c.tolerance, d.tolerance);
-  const auto position = static_cast<double>(x);
-  const double apart = d.at(position) - c.at(position);
-  if (apart > tolerance) return false;
-  if (apart < -tolerance) return true;
-  const double end = std::min(c.end, d.end);
-  return d.at(end) - c.at(end) < -tolerance;
+bool TileLines::mustSwap(const Span& span) {
+  if (span.width > span.tolerance) return false;
+  return span.width < -span.tolerance || span.last < -span.tolerance;
 }
 
+// Of two lines that are in the other order at their end.
 void TileLines::addMeeting(int below, int above, Coordinate x) {
-  const Course& c = courseOf(below);
-  const Course& d = courseOf(above);
-  const double end = std::min(c.end, d.end);
-  if (!(d.at(end) - c.at(end) < -std::max(c.tolerance, d.tolerance))) return;
   const Line& s = (*this)[below];
   const Line& t = (*this)[above];
   const Coordinate from = std::max(s.xa, t.xa);
@@ -472,9 +496,18 @@ void TileLines::extendUpwards() {
   here.newTo = now.lines.size() + 1;
 }
 
-// Gaps that have become wide enough, or too narrow, change, too.
+// How many gaps before the stop are to be looked at.
+size_t TileLines::countNarrow(size_t from, size_t to, double x) const {
+  const double* const narrowings = narrowFrom.data();
+  size_t count = 0;
+  for (size_t i = from; i < to; ++i) count += narrowings[i] <= x ? 1 : 0;
+  return count;
+}
+
+// Gaps that have become wide enough, or too narrow, change, too. As a rule those change already.
 void TileLines::changeWidths() {
   const auto x = static_cast<double>(here.x);
+  if (countNarrow(0, old.gapCount(), x) == countNarrow(here.from, here.oldTo, x)) return;
   for (size_t i = 0; i < old.gapCount(); ++i) {
     if (x < narrowFrom[i]) continue;
     const char state = old.empty[i];
@@ -508,24 +541,28 @@ char TileLines::stateOfGap(size_t gap) const {
 // The state of a gap behind the stop, and from where on it may be another: an open gap becomes too
 // narrow, one that is opening may be wide enough at any stop, and an empty one stays empty.
 void TileLines::addState(size_t gap) {
-  const Course& c = courseOf(now.below(gap));
-  const Course& d = courseOf(now.above(gap));
-  const auto widthAt = [&](double x) { return d.at(x) - c.at(x); };
-  const double largest = std::max(c.tolerance, d.tolerance);
-  const double end = std::min(c.end, d.end);
   const auto x = static_cast<double>(here.x);
-  const double width = widthAt(x);
-  const double last = widthAt(end);
-  if (width > largest || widthAt(static_cast<double>(here.next)) > largest) {
+  const bool isKnown = gap >= spansFrom && gap < spansTo;
+  const Span span = isKnown ? spans[gap] : spanBetween(now.below(gap), now.above(gap), x);
+  const double largest = span.tolerance;
+  const auto widthAt = [&](double position) {
+    return courseOf(now.above(gap)).at(position) - courseOf(now.below(gap)).at(position);
+  };
+  if (span.width > largest || widthAt(static_cast<double>(here.next)) > largest) {
     newStates.push_back(0);
-    newNarrowings.push_back(last > largest || width <= largest
-                                ? Infinity
-                                : x + (width - largest) / (width - last) * (end - x));
+    newNarrowings.push_back(narrowingOf(span));
     return;
   }
-  const bool opens = last > largest;
+  const bool opens = span.last > largest;
   newStates.push_back(opens ? Opening : Empty);
   newNarrowings.push_back(opens ? -Infinity : Infinity);
+}
+
+// From where on an open gap may be too narrow before it ends.
+double TileLines::narrowingOf(const Span& span) const {
+  if (span.last > span.tolerance || span.width <= span.tolerance) return Infinity;
+  const auto x = static_cast<double>(here.x);
+  return x + (span.width - span.tolerance) / (span.width - span.last) * (span.end - x);
 }
 
 void TileLines::replaceGaps() {
@@ -534,20 +571,17 @@ void TileLines::replaceGaps() {
     placeMasks();
     placeGaps();
   }
-  const auto splice = [this](auto& list, const auto& replacement, size_t unit) {
-    const size_t from = here.from * unit;
-    const size_t oldTo = here.oldTo * unit;
-    const size_t newTo = here.newTo * unit;
-    const auto at = [&](size_t i) { return list.begin() + static_cast<std::ptrdiff_t>(i); };
-    if (newTo > oldTo) list.insert(at(oldTo), newTo - oldTo, 0);
-    if (newTo < oldTo) list.erase(at(newTo), at(oldTo));
-    std::copy_n(replacement.begin(), newTo - from, at(from));
-  };
-  oldMasks.assign(masks.begin() + static_cast<std::ptrdiff_t>(here.from * wordCount),
-                  masks.begin() + static_cast<std::ptrdiff_t>(here.oldTo * wordCount));
-  splice(masks, newMasks, wordCount);
-  splice(now.empty, newStates, 1);
-  splice(narrowFrom, newNarrowings, 1);
+  oldMasks.resize((here.oldTo - here.from) * wordCount);
+  std::copy_n(masks.data() + here.from * wordCount, oldMasks.size(), oldMasks.data());
+  fitChange(masks, wordCount, 0);
+  fitChange(now.empty, 1, 0);
+  fitChange(narrowFrom, 1, 0);
+  const size_t count = here.newTo - here.from;
+  std::copy_n(newMasks.data(), count * wordCount, masks.data() + here.from * wordCount);
+  char* const states = now.empty.data() + here.from;
+  double* const narrowings = narrowFrom.data() + here.from;
+  for (size_t i = 0; i < count; ++i) narrowings[i] = newNarrowings[i];
+  for (size_t i = 0; i < count; ++i) states[i] = newStates[i];
 }
 
 // \return false if what covers the gaps above has changed, too
@@ -557,6 +591,10 @@ bool TileLines::placeMasks() {
   newMasks.resize((gaps + 1) * wordCount);
   const auto cross = [this](const MaskWord* mask, size_t line, MaskWord* result) {
     const MaskWord* toggle = &toggles[static_cast<size_t>(now.lines[line]) * wordCount];
+    if (wordCount == 1) {
+      *result = *mask ^ *toggle;
+      return;
+    }
     for (size_t w = 0; w < wordCount; ++w) result[w] = mask[w] ^ toggle[w];
   };
   if (here.from == 0) {
@@ -577,19 +615,17 @@ bool TileLines::placeGaps() {
   newStates.clear();
   newNarrowings.clear();
   for (size_t gap = here.from; gap < here.newTo; ++gap) addState(gap);
-  const auto count = [](auto from, auto to, char state) {
-    return static_cast<size_t>(std::count(from, to, state));
-  };
+  const auto isOpen = [](char state) { return state == 0; };
   const auto oldFrom = old.empty.begin() + static_cast<std::ptrdiff_t>(here.from);
   const auto oldTo = old.empty.begin() + static_cast<std::ptrdiff_t>(here.oldTo);
-  const size_t left = openGaps - count(oldFrom, oldTo, 0);
-  if (left + count(newStates.begin(), newStates.end(), 0) == 0) {
-    // A tile so low that nothing has a height in it.
-    if (here.newTo < now.lines.size() + 1) return false;
-    newStates.back() = 0;
-    newNarrowings.back() = Infinity;
-  }
-  openGaps = left + count(newStates.begin(), newStates.end(), 0);
+  if (std::any_of(newStates.begin(), newStates.end(), isOpen) ||
+      std::any_of(old.empty.begin(), oldFrom, isOpen) ||
+      std::any_of(oldTo, old.empty.end(), isOpen))
+    return true;
+  // A tile so low that nothing has a height in it.
+  if (here.newTo < now.lines.size() + 1) return false;
+  newStates.back() = 0;
+  newNarrowings.back() = Infinity;
   return true;
 }
 

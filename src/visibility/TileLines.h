@@ -124,6 +124,13 @@ class TileLines {
 
     double at(double x) const { return std::max(least, std::min(most, y0 + slope * (x - x0))); }
   };
+  // How far a line or border lies above another one.
+  struct Span {
+    double tolerance;  // heights within it are one
+    double end;        // where the first of the two ends
+    double width;      // at the stop
+    double last;       // at the end
+  };
   struct Meeting {
     Coordinate x;
     int below;
@@ -139,23 +146,29 @@ class TileLines {
   bool clipLine(const Segment& s, Line& line) const;
   Coordinate nextStop() const;
   void enterStop(Coordinate x);
+  template <class List>
+  void fitChange(List& list, size_t unit, size_t shift) const;
+  void followChange();
   bool toggleLower(Coordinate x);
   void removeLines(Coordinate x);
   void insertLines(Coordinate x);
   void crossLines(Coordinate x);
   void checkOrder(Coordinate x);
   bool goesAbove(int line, int other, double x) const;
-  bool mustSwap(int below, int above, Coordinate x);
+  Span spanBetween(int below, int above, double x) const;
+  static bool mustSwap(const Span& span);
   void addMeeting(int below, int above, Coordinate x);
   void swapLines(size_t below);
   void touch(size_t below, size_t above);
   bool findChange(bool sameLower);
+  size_t countNarrow(size_t from, size_t to, double x) const;
   void changeWidths();
   void extendUpwards();
   bool placeMasks();
   bool placeGaps();
   char stateOfGap(size_t gap) const;
   void addState(size_t gap);
+  double narrowingOf(const Span& span) const;
   void replaceGaps();
   bool finish();
   const Course& courseOf(int line) const { return courses.data()[line + FirstCourse]; }
@@ -193,7 +206,10 @@ class TileLines {
   std::vector<char> newStates;
   std::vector<double> narrowFrom;  // for each gap: from there on its state is to be looked at
   std::vector<double> newNarrowings;
-  size_t openGaps = 0;
+  // Of the gaps between lines that checkOrder has looked at, by gap.
+  std::vector<Span> spans;
+  size_t spansFrom = 0;
+  size_t spansTo = 0;
 };
 
 }  // namespace Lumivane::Visibility

@@ -37,13 +37,30 @@ class TilePlanes {
   std::size_t count() const { return slots.size(); }
   std::int32_t slotOfEntry(std::size_t entry) const { return entrySlots[entry]; }
   /// Words of a mask.
-  std::size_t words() const { return (slots.size() + 63) / 64 + (slots.empty() ? 1 : 0); }
+  std::size_t words() const { return cornerMask.size(); }
   /// What covers the lower left corner.
   const std::vector<MaskWord>& atCorner() const { return cornerMask; }
 
   /// The slot of a mask that is seen at a point; -1 for none.
   std::int32_t seenAt(const MaskWord* mask, double x, double y) const;
+  /// The slot of a mask that is seen wherever in the tile the mask covers; -1 for none. `Unclear`
+  /// if that is not known at once: ask at a point.
+  static constexpr std::int32_t Unclear = -2;
+  std::int32_t seenEverywhere(const MaskWord* mask) const {
+    if (words() == 1 && mask[0] != 0) {
+      // As a rule what comes nearest in the tile, and has been compared with the others before.
+      const std::int32_t nearest = bitAt(0, mask[0]);
+      if (knownBehind(nearest, 0, mask[0])) return nearest;
+    }
+    return compareEverywhere(mask);
+  }
 
+  /// Whether all others of a mask are known to lie behind a slot of it in the whole tile.
+  bool isClear(const MaskWord* mask, std::int32_t seen) const {
+    for (std::size_t w = 0; w < words(); ++w)
+      if (!knownBehind(seen, w, mask[w]) && notBehind(seen, w, mask[w]) != 0) return false;
+    return true;
+  }
   /// Calls `visit(slot)` for all of a mask that may be in front of the slot `seen` in one of some
   /// points, which are known to within a few units.
   template <class Visit>
@@ -56,16 +73,44 @@ class TilePlanes {
   }
 
  private:
+  struct Box {
+    double x0, y0, x1, y1;
+  };
+
+  Box boxOf(const Tile& tile, const LookPolygon& polygon) const;
   bool isInFront(const Slot& s, const Slot& t, double x, double y) const;
+  bool knownBehind(std::int32_t slot, std::size_t word, MaskWord others) const {
+    return (others & ~compared[static_cast<std::size_t>(slot) * words() + word].behind) == 0;
+  }
+  // Those of a word of a mask that are not known to lie behind a slot in the whole tile.
+  MaskWord notBehind(std::int32_t slot, std::size_t word, MaskWord others) const {
+    const Compared& c = compared[static_cast<std::size_t>(slot) * words() + word];
+    if ((others & ~c.known) != 0) compare(slot, word, others & ~c.known);
+    return others & ~c.behind;
+  }
+  std::int32_t compareEverywhere(const MaskWord* mask) const;
+  void compare(std::int32_t slot, std::size_t word, MaskWord others) const;
+  bool isBehind(std::int32_t slot, std::int32_t other) const;
+  bool isBelow(const Slot& slot, double a, double b, double c, double most) const;
+  bool isBehindInTile(std::int32_t slot, std::int32_t other) const;
   static double valueAt(const Slot& s, double x, double y) { return s.a * x + s.b * y + s.c; }
 
   const LookPolygons& polygons;
+  int faceNumber = 0;
   CubeFace face{};
   std::vector<Slot> slots;
+  std::vector<Box> boxes;           // in which each lies
   std::vector<std::int32_t> order;  // of what is gathered
   std::vector<double> bounds;
   std::vector<std::int32_t> entrySlots;
   std::vector<MaskWord> cornerMask;
+  // Pairs of words, as many as masks have, for each slot: with what it has been compared, itself
+  // included, and what of that lies behind it in the whole tile. Filled as slots are asked for.
+  struct Compared {
+    MaskWord known;
+    MaskWord behind;
+  };
+  mutable std::vector<Compared> compared;
 };
 
 template <class Visit>
@@ -81,11 +126,11 @@ void TilePlanes::forCrossing(const MaskWord* mask, std::int32_t seen, const doub
   }
   const double behind = least - 4.0 * s.error;
   for (std::size_t w = 0; w < words(); ++w)
-    for (MaskWord rest = mask[w]; rest != 0; rest &= rest - 1) {
+    for (MaskWord rest = notBehind(seen, w, mask[w]); rest != 0; rest &= rest - 1) {
       const std::int32_t i = bitAt(w, rest);
       const Slot& other = (*this)[i];
       if (other.bound < behind) return;
-      if (i == seen || other.layer == s.layer) continue;
+      if (other.layer == s.layer) continue;
       const double a = other.a - s.a;
       const double b = other.b - s.b;
       const double c = other.c - s.c;

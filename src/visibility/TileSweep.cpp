@@ -70,34 +70,31 @@ void TileSweep::stopAt(const Change& change) {
 // The gaps behind a stop, as yet without what is seen in them.
 void TileSweep::replaceGaps(const Change& change) {
   const auto at = [this](size_t i) { return gaps.begin() + static_cast<std::ptrdiff_t>(i); };
-  oldGaps.assign(at(change.from), at(change.oldTo));
+  oldGaps.clear();
+  for (size_t i = change.from; i < change.oldTo; ++i) oldGaps.push_back(gaps[i]);
   if (change.newTo > change.oldTo) gaps.insert(at(change.oldTo), change.newTo - change.oldTo, {});
   if (change.newTo < change.oldTo) gaps.erase(at(change.newTo), at(change.oldTo));
   std::fill(at(change.from), at(change.newTo), Gap{-1, -1, change.x, -1});
 }
 
-// In the middle between a stop and the next one.
+// In the middle between a stop and the next one, where the place matters.
 void TileSweep::findSeen(const Change& change) {
   const TileLines::Order& order = lines.behind();
   const double x = 0.5 * (static_cast<double>(change.x) + static_cast<double>(change.next));
   for (size_t k = change.from; k < change.newTo; ++k) {
     if (order.isEmpty(k)) continue;
+    const MaskWord* const mask = lines.maskBehind(k);
+    std::int32_t& slot = gaps[k].slot;
+    slot = planes.seenEverywhere(mask);
+    if (slot != TilePlanes::Unclear) continue;
     const double below = lines.exactHeightAt(order.below(k), x);
     const double above = lines.exactHeightAt(order.above(k), x);
-    gaps[k].slot = planes.seenAt(lines.maskBehind(k), x, 0.5 * (below + above));
+    slot = planes.seenAt(mask, x, 0.5 * (below + above));
   }
 }
 
-bool TileSweep::showsSlot(int area, std::int32_t slot) const {
-  const Area& shown = parts.areas[static_cast<size_t>(area)];
-  if (slot < 0) return shown.region == SkyRegion;
-  const TilePlanes::Slot& s = planes[slot];
-  const bool beyond = s.position == LookPolygons::Beyond;
-  return shown.polygon == s.number && shown.region == (beyond ? BeyondRegion : s.region);
-}
-
-// Where one area is seen in all gaps on both sides of a stop, what changes there is hidden: the
-// area goes on, and so do the walls around it.
+// Where the same areas are seen in the gaps on both sides of a stop, with the same lines between
+// them, what changes there is hidden: the areas go on, and so do the walls around them.
 bool TileSweep::passHidden(const Change& change) {
   if (change.first || change.last) return false;
   const size_t from = change.from;
@@ -107,34 +104,62 @@ bool TileSweep::passHidden(const Change& change) {
   if (before.isEmpty(from) || before.isEmpty(change.oldTo - 1) || behind.isEmpty(from) ||
       behind.isEmpty(change.newTo - 1))
     return false;
-  const int area = oldGaps.front().area;
-  for (const Gap& gap : oldGaps)
-    if (gap.area >= 0 && gap.area != area) return false;
-  for (size_t k = from; k < change.newTo; ++k)
-    if (!behind.isEmpty(k) && !showsSlot(area, gaps[k].slot)) return false;
-  for (size_t k = from; k < change.newTo; ++k)
-    if (!behind.isEmpty(k)) gaps[k].area = area;
+  size_t i = from;
+  const Gap* shown = &oldGaps.front();
+  for (size_t k = from; k < change.newTo; ++k) {
+    Gap& gap = gaps[k];
+    if (behind.isEmpty(k)) continue;
+    if (gap.slot != shown->slot) {
+      i = endOfArea(change, i);
+      if (k == from || i == change.oldTo || before.below(i) != behind.below(k)) return false;
+      // What a steep line passes around the stop moves the marks of others.
+      if (anySteep(before, from, change.oldTo) || anySteep(behind, from, change.newTo))
+        return false;
+      if (before.isEmpty(i) || before.isEmpty(i - 1) || behind.isEmpty(k - 1)) return false;
+      shown = &oldGaps[i - from];
+      if (gap.slot != shown->slot) return false;
+      gaps[k - 1].wallVertex = oldGaps[i - 1 - from].wallVertex;
+    }
+    gap.area = shown->area;
+  }
+  if (endOfArea(change, i) != change.oldTo) return false;
   gaps[change.newTo - 1].wallVertex = oldGaps.back().wallVertex;
   return true;
 }
 
+bool TileSweep::anySteep(const TileLines::Order& order, size_t from, size_t to) const {
+  for (size_t border = from; border <= to; ++border)
+    if (lines.isSteep(order.border(border))) return true;
+  return false;
+}
+
+// The first of the changed gaps before the stop, above one that is not empty, that shows another
+// area.
+size_t TileSweep::endOfArea(const Change& change, size_t gap) const {
+  const int area = oldGaps[gap - change.from].area;
+  while (gap < change.oldTo &&
+         (oldGaps[gap - change.from].area < 0 || oldGaps[gap - change.from].area == area))
+    ++gap;
+  return gap;
+}
+
 // Neighbours with one label are one area.
 void TileSweep::openAreas(const Change& change) {
-  int below = -1;
-  for (size_t k = change.from; k > 0 && below < 0; --k) below = gaps[k - 1].area;
+  const Gap* below = nullptr;
+  for (size_t k = change.from; k > 0 && below == nullptr; --k)
+    if (gaps[k - 1].area >= 0) below = &gaps[k - 1];
   for (size_t k = change.from; k < change.newTo; ++k) {
     if (lines.behind().isEmpty(k)) continue;
     Gap& gap = gaps[k];
-    if (below < 0 || !showsSlot(below, gap.slot)) {
-      Area area{SkyRegion, -1};
-      if (gap.slot >= 0) {
-        const TilePlanes::Slot& slot = planes[gap.slot];
-        area = {slot.position == LookPolygons::Beyond ? BeyondRegion : slot.region, slot.number};
-      }
-      below = parts.addArea(area.region, area.polygon);
-    }
-    gap.area = below;
+    gap.area = below != nullptr && below->slot == gap.slot ? below->area : addArea(gap.slot);
+    below = &gap;
   }
+}
+
+int TileSweep::addArea(std::int32_t slot) {
+  if (slot < 0) return parts.addArea(SkyRegion, -1);
+  const TilePlanes::Slot& s = planes[slot];
+  return parts.addArea(s.position == LookPolygons::Beyond ? BeyondRegion : s.region, s.number);
 }
 
 // What lies along the lower and the upper side of the tile.
@@ -173,12 +198,8 @@ TileSweep::Mark TileSweep::markAt(const TileLines::Order& order, size_t border,
 // None lower than the one before.
 void TileSweep::addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x) {
   const size_t first = marks.size();
-  bool anySteep = false;
-  for (size_t border = from; border <= to; ++border) {
-    marks.push_back(markAt(order, border, x));
-    anySteep = anySteep || lines.isSteep(order.border(border));
-  }
-  if (anySteep) placeSteepMarks(order, first, from, x);
+  for (size_t border = from; border <= to; ++border) marks.push_back(markAt(order, border, x));
+  if (anySteep(order, from, to)) placeSteepMarks(order, first, from, x);
   Coordinate least = tile.y0;
   for (size_t i = first; i < marks.size(); ++i) {
     least = std::max(least, marks[i].y);
@@ -414,9 +435,7 @@ bool TileSweep::keepWall(size_t below, size_t above) {
   for (size_t n = 1; n < above - below; ++n)
     if (!before.isEmpty(i + n) || before.above(i + n) != behind.above(below + n)) return false;
   const auto sameArea = [this](const Gap& a, const Gap& b) {
-    return parts.areas[static_cast<size_t>(a.area)].polygon ==
-               parts.areas[static_cast<size_t>(b.area)].polygon &&
-           parts.areaSets.find(a.area) == parts.areaSets.find(b.area);
+    return a.slot == b.slot && parts.areaSets.find(a.area) == parts.areaSets.find(b.area);
   };
   if (!sameArea(gapBefore(i), gaps[below]) || !sameArea(gapBefore(k), gaps[above])) return false;
   // Among other neighbours a steep line may have another height.
@@ -489,6 +508,7 @@ void TileSweep::closeGap(size_t gap) {
   const Gap& closed = gapBefore(gap);
   const std::int32_t seen = closed.slot;
   if (seen < 0 || planes[seen].position == LookPolygons::Beyond) return;
+  if (planes.isClear(lines.maskBefore(gap), seen)) return;
   const TileLines::Order& order = lines.before();
   double corners[4][2];
   int count = 0;

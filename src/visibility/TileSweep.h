@@ -75,7 +75,10 @@ class TileSweep {
                                 : gaps[gap - change.oldTo + change.newTo];
   }
   bool passHidden(const Change& change);
+  bool anySteep(const TileLines::Order& order, size_t from, size_t to) const;
+  size_t endOfArea(const Change& change, size_t gap) const;
   void openAreas(const Change& change);
+  int addArea(std::int32_t slot);
   void placeMarks(const Change& change);
   Mark markAt(const TileLines::Order& order, size_t border, Coordinate x) const;
   void addMarks(const TileLines::Order& order, size_t from, size_t to, Coordinate x);
@@ -93,7 +96,6 @@ class TileSweep {
     return parts.regionOf(below.area) != parts.regionOf(above.area);
   }
   bool keepWall(size_t below, size_t above);
-  bool showsSlot(int area, std::int32_t slot) const;
   void extendBorders(const Change& change);
   void closeGap(size_t gap);
   void addCut(std::int32_t slotA, std::int32_t slotB);

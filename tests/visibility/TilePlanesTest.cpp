@@ -1,6 +1,11 @@
 #include "visibility/TilePlanes.h"
 #include "visibility/TileScene.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace Lumivane::Visibility {
@@ -27,13 +32,17 @@ class Planes {
         return static_cast<std::int32_t>(i);
     return -1;
   }
-  // The region that is seen at a point of some regions; -1 for none.
-  std::int32_t seenOf(const std::vector<std::int32_t>& regions, double x, double y) const {
+  std::vector<MaskWord> maskOf(const std::vector<std::int32_t>& regions) const {
     std::vector<MaskWord> mask(planes.words(), 0);
     for (const std::int32_t region : regions) {
       const auto slot = static_cast<std::size_t>(slotOf(region));
       mask[slot / 64] |= MaskWord{1} << (slot % 64);
     }
+    return mask;
+  }
+  // The region that is seen at a point of some regions; -1 for none.
+  std::int32_t seenOf(const std::vector<std::int32_t>& regions, double x, double y) const {
+    const std::vector<MaskWord> mask = maskOf(regions);
     const std::int32_t seen = planes.seenAt(mask.data(), x * Half, y * Half);
     return seen < 0 ? -1 : planes[seen].region;
   }
@@ -94,6 +103,73 @@ TEST(TilePlanes, OfTwoThatRunThroughEachOtherTheNearerIsSeenOnEitherSide) {
   const Planes tile(builder.scene);
   EXPECT_EQ(0, tile.seenOf({0, 1}, -0.2, 0.0));
   EXPECT_EQ(1, tile.seenOf({0, 1}, 0.2, 0.0));
+}
+
+// The region that is seen wherever some regions are; -1 for none, -2 if that is not known at once.
+std::int32_t seenEverywhere(const Planes& tile, const std::vector<std::int32_t>& regions) {
+  const std::vector<MaskWord> mask = tile.maskOf(regions);
+  const std::int32_t seen = tile.planes.seenEverywhere(mask.data());
+  return seen < 0 ? seen : tile.planes[seen].region;
+}
+
+TEST(TilePlanes, WhatIsInFrontInTheWholeTileIsSeenEverywhere) {
+  const Planes tile(walls());
+  EXPECT_EQ(1, seenEverywhere(tile, {0, 1, 2}));
+  EXPECT_EQ(2, seenEverywhere(tile, {0, 2}));
+  EXPECT_EQ(0, seenEverywhere(tile, {0}));
+  EXPECT_EQ(-1, seenEverywhere(tile, {}));
+  EXPECT_TRUE(tile.planes.isClear(tile.maskOf({0, 1, 2}).data(), tile.slotOf(1)));
+  EXPECT_FALSE(tile.planes.isClear(tile.maskOf({0, 1, 2}).data(), tile.slotOf(2)));
+}
+
+TEST(TilePlanes, OfTwoThatRunThroughEachOtherNoneIsSeenEverywhere) {
+  PolygonBuilder builder;
+  builder.add(rectangle(-0.5, -0.5, 0.5, 0.1, 1.0, 3.0));
+  builder.add(rectangle(-0.5, -0.1, 0.5, 0.5, 3.0, 1.0));
+  builder.add(rectangle(-0.5, -0.5, 0.5, 0.5, 9.0));
+  const Planes tile(builder.scene);
+  EXPECT_EQ(TilePlanes::Unclear, seenEverywhere(tile, {0, 1, 2}));
+  EXPECT_FALSE(tile.planes.isClear(tile.maskOf({0, 1}).data(), tile.slotOf(0)));
+  EXPECT_FALSE(tile.planes.isClear(tile.maskOf({0, 1}).data(), tile.slotOf(1)));
+  EXPECT_EQ(0, seenEverywhere(tile, {0, 2}));
+  EXPECT_EQ(1, seenEverywhere(tile, {1, 2}));
+}
+
+TEST(TilePlanes, PlanesThatMeetBesideTheirPolygonsDoNotMatter) {
+  PolygonBuilder builder;
+  builder.add(rectangle(-0.1, -0.5, 0.1, 0.5, 1.0, 1.5));
+  builder.add(rectangle(-0.1, -0.5, 0.1, 0.5, 4.0, 2.5));
+  // Farther than both here, and nearer than the first where that is not.
+  const Planes tile(builder.scene,
+                    Tile{0, unitsOf(-0.9), unitsOf(-0.9), unitsOf(0.9), unitsOf(0.9)});
+  EXPECT_EQ(0, seenEverywhere(tile, {0, 1}));
+}
+
+TEST(TilePlanes, OfMoreThanAWordOfPolygonsWhatIsSeenEverywhereIsSeenAtEachPoint) {
+  std::mt19937 engine(5);
+  const auto between = [&](double from, double to) {
+    return from + (to - from) * static_cast<double>(engine()) / 4294967296.0;
+  };
+  PolygonBuilder builder;
+  constexpr std::int32_t Count = 90;
+  for (std::int32_t i = 0; i < Count; ++i)
+    builder.add(rectangle(-0.5, -0.5, 0.5, 0.5, between(1.0, 9.0), between(1.0, 9.0)));
+  const Planes tile(builder.scene);
+  ASSERT_EQ(2u, tile.planes.words());
+  int known = 0;
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<std::int32_t> regions;
+    for (int i = 0; i < 4; ++i) regions.push_back(static_cast<std::int32_t>(engine() % Count));
+    std::sort(regions.begin(), regions.end());
+    regions.erase(std::unique(regions.begin(), regions.end()), regions.end());
+    const std::int32_t seen = seenEverywhere(tile, regions);
+    if (seen == TilePlanes::Unclear) continue;
+    ++known;
+    for (int i = 0; i < 5; ++i)
+      EXPECT_EQ(seen, tile.seenOf(regions, between(-0.25, 0.25), between(-0.25, 0.25)));
+  }
+  EXPECT_GT(known, 100);
+  EXPECT_LT(known, 2000);
 }
 
 // How many of all slots may be in front of a region in two corners of a gap, or in four.
