@@ -240,12 +240,15 @@ bool TileOcclusion::touches(const ScreenGap& gap, const SeenRange& range) {
 }
 
 // Whether a part of the polygon lies in a gap, by more than rounding. Where no edge goes through
-// the gap all of it is covered, or nothing.
+// the gap all of it is covered, or nothing: a walk from the tile's corner to the middle of the gap
+// counts edges. Of those that pass its ends or its corner as near as rounding it cannot be said
+// whether they count, and then a part may lie in the gap.
 bool TileOcclusion::reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
                             const std::uint32_t* segments) const {
   const double middleX = 0.5 * (gap.x0 + gap.x1);
   const double middleY = 0.5 * (gap.belowAt(middleX) + gap.aboveAt(middleX));
   bool covers = entry.coversCorner;
+  const auto isDoubtful = [](double apart) { return std::fabs(apart) <= Touching; };
   const auto lower = static_cast<double>(tile.y0);
   for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
     const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
@@ -268,10 +271,13 @@ bool TileOcclusion::reaches(const ScreenGap& gap, const Tile& tile, const TileEn
     }
     if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
       const double crossing = x0 + (x1 - x0) * ((lower - y0) / (y1 - y0));
+      if (isDoubtful(crossing - static_cast<double>(tile.x0)) || isDoubtful(crossing - middleX))
+        return true;
       covers ^= crossing > static_cast<double>(tile.x0) && crossing < middleX;
     }
     if (x0 <= middleX && middleX < x1) {
       const double height = heightAt(middleX);
+      if (isDoubtful(height - lower)) return true;
       covers ^= height > lower && height < middleY;
     }
   }

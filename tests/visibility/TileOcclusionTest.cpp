@@ -1,6 +1,7 @@
 #include "visibility/TileOcclusion.h"
 #include "visibility/TileScene.h"
 
+#include <cmath>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -63,6 +64,36 @@ TEST(TileOcclusion, WallsThatMeetHideWhatNoneOfThemHidesAlone) {
 
 TEST(TileOcclusion, ThroughASlitEverythingBehindItIsSeen) {
   EXPECT_TRUE(Occlusion(wallsWithSlit(1e-9).scene).hidden().empty());
+}
+
+// Which side of the corner such an edge passes is said by whole numbers, and doubles do not agree.
+TEST(TileOcclusion, AnEdgeThroughTheTilesCornerHidesNothingOfWhatCoversTheSlit) {
+  // How far both ends are from the corner, in steps of two lengths.
+  struct Ends {
+    double before, behind, right, up;
+  };
+  const Ends some[] = {{996, 84, 1049240013, 575181935}, {991, 83, 1064134853, 212356795},
+                       {969, 90, 1069493913, 263542646}, {978, 80, 1048486365, 516836214},
+                       {998, 63, 1057818765, 751316852}, {984, 77, 1059537608, 116386454},
+                       {988, 83, 1072852962, 652665163}, {994, 85, 1055941786, 293462669}};
+  int covering = 0;
+  for (const Ends& ends : some) {
+    const double right = ends.right * 0x1p-42;
+    const double up = ends.up * 0x1p-42;
+    PolygonBuilder builder = wallsWithSlit(1e-3);
+    builder.add({onFace(-0.25 - ends.before * right, -0.25 - ends.before * up, 2.5),
+                 onFace(-0.25 + ends.behind * right, -0.25 + ends.behind * up, 2.5),
+                 onFace(-0.2, 0.6, 2.5), onFace(0.6, 0.6, 2.5), onFace(0.6, -0.6, 2.5)});
+    const Occlusion tile(builder.scene);
+    for (const TileEntry& entry : tile.content.entries) {
+      const std::int32_t region = (*tile.content.polygons)[entry.polygon].region;
+      if (region != 6 || !tile.content.holds(entry.polygon, unitsOf(0.0305), unitsOf(-0.2)))
+        continue;
+      ++covering;
+      EXPECT_FALSE(tile.hides(entry)) << ends.right;
+    }
+  }
+  EXPECT_GT(covering, 0);
 }
 
 TEST(TileOcclusion, WhatEndsBesideTheSlitIsHiddenAllTheSame) {
