@@ -98,6 +98,13 @@ FacePoint borderPoint(int face, const Exit& exit, const FrameVector& a, const Fr
   return p;
 }
 
+// The same direction, its greatest coordinate between 1 and 2: the chord of an arc says where along
+// it a border is only if its ends are about as long as each other.
+FrameVector evenEnd(const FrameVector& d, int face) {
+  const int scale = -std::ilogb(d[CubeFaces[static_cast<size_t>(face)].axis]);
+  return {{std::scalbn(d[0], scale), std::scalbn(d[1], scale), std::scalbn(d[2], scale)}};
+}
+
 // An end of an arc may lie on faces beside its own.
 bool isOn(int face, const FacePoint& p) {
   const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
@@ -149,13 +156,15 @@ void appendArc(std::vector<Segment>& segments, const FrameVector& a, const Frame
   appendArc(segments, a, arcEnd(a), b, arcEnd(b), edge, inner);
 }
 
-void appendArc(std::vector<Segment>& segments, const FrameVector& a, const ArcEnd& endA,
-               const FrameVector& b, const ArcEnd& endB, std::int32_t edge, bool inner) {
+void appendArc(std::vector<Segment>& segments, const FrameVector& directionA, const ArcEnd& endA,
+               const FrameVector& directionB, const ArcEnd& endB, std::int32_t edge, bool inner) {
   if (endA.face == endB.face) {
     if (endA.x != endB.x || endA.y != endB.y)
       segments.push_back(makeSegment(endA.face, endA.x, endA.y, endB.x, endB.y, edge, inner));
     return;
   }
+  const FrameVector a = evenEnd(directionA, endA.face);
+  const FrameVector b = evenEnd(directionB, endB.face);
   int face = endA.face;
   FacePoint from = pointOf(endA);
   const FacePoint end = pointOf(endB);

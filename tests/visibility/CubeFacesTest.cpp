@@ -1,7 +1,11 @@
 #include "visibility/CubeFaces.h"
 #include "visibility/Polygons.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <map>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -139,6 +143,95 @@ TEST(CubeFacesProperty, ArcsAreUnbrokenFromFaceToFace) {
     }
     EXPECT_EQ(2, loose);
   }
+}
+
+// A point of a face in the axes of the cube.
+std::array<Coordinate, 3> cubePointOf(const Segment& s, bool first) {
+  const CubeFace& f = CubeFaces[s.face];
+  std::array<Coordinate, 3> point{};
+  point[static_cast<std::size_t>(f.axis)] = f.sign * CubeHalf;
+  point[static_cast<std::size_t>(f.u)] = first ? s.x0 : s.x1;
+  point[static_cast<std::size_t>(f.v)] = first ? s.y0 : s.y1;
+  return point;
+}
+
+// How far the farthest point of some segments is from the arc between two directions, of those in
+// between by the sine of the angle.
+double farthestFromArc(const std::vector<Segment>& segments, Kernel::Vec3 a, Kernel::Vec3 b) {
+  const Kernel::Vec3 normal = Kernel::normalise(Kernel::cross(a, b)).direction;
+  double farthest = 0.0;
+  for (const Segment& s : segments)
+    for (const bool first : {true, false}) {
+      const auto p = cubePointOf(s, first);
+      const Kernel::Vec3 d =
+          Kernel::normalise(
+              {static_cast<double>(p[0]), static_cast<double>(p[1]), static_cast<double>(p[2])})
+              .direction;
+      farthest = std::max({farthest, std::fabs(Kernel::dot(normal, d)),
+                           -Kernel::dot(Kernel::cross(a, d), normal),
+                           -Kernel::dot(Kernel::cross(d, b), normal)});
+    }
+  return farthest;
+}
+
+Kernel::Vec3 onGrid(Random& random, int most) {
+  const auto one = [&] { return static_cast<double>(random.below(2 * most + 1) - most); };
+  const double x = one();
+  const double y = one();
+  return {x, y, one()};
+}
+
+// They ran to places that rounding chose, beside the arc or beyond its end.
+TEST(CubeFacesProperty, ArcsAlongBordersAndThroughCornersOfFacesStayBetweenTheirEnds) {
+  Random random(5);
+  int count = 0;
+  for (int i = 0; i < 40000; ++i) {
+    const int most = 1 + random.below(4);
+    const Kernel::Vec3 a = onGrid(random, most);
+    const Kernel::Vec3 b = onGrid(random, most);
+    const double lengths = Kernel::length3(a) * Kernel::length3(b);
+    if (Kernel::length3(Kernel::cross(a, b)) == 0.0 || Kernel::dot(a, b) < -0.93 * lengths)
+      continue;
+    // By way of the scene's axes, which leaves rounding.
+    const FrameVector from = toFrame(random.between(0.3, 3.0) * toScene({{a.x, a.y, a.z}}));
+    const FrameVector to = toFrame(random.between(0.3, 3.0) * toScene({{b.x, b.y, b.z}}));
+    std::vector<Segment> segments;
+    appendArc(segments, from, to, 1, false);
+    std::map<std::array<Coordinate, 3>, int> ends;
+    for (const Segment& s : segments)
+      for (const bool first : {true, false}) ++ends[cubePointOf(s, first)];
+    int open = 0;
+    for (const auto& end : ends) open += end.second % 2;
+    EXPECT_EQ(2, open) << i;
+    EXPECT_LT(farthestFromArc(segments, a, b), 1e-14) << i;
+    ++count;
+  }
+  EXPECT_GT(count, 30000);
+}
+
+// Where it left a face it was as good as at its far end.
+TEST(CubeFacesProperty, AnArcIsTheSameHoweverLongItsEndsAre) {
+  Random random(6);
+  int severalFaces = 0;
+  for (int i = 0; i < 2000; ++i) {
+    const Vector a = random.vector(1.0);
+    const Vector b = random.vector(1.0);
+    const FrameVector from{{a[0], a[1], a[2]}};
+    const FrameVector to{{b[0], b[1], b[2]}};
+    constexpr double Short = 0x1p-200;
+    const FrameVector near{{Short * b[0], Short * b[1], Short * b[2]}};
+    std::vector<Segment> segments;
+    std::vector<Segment> same;
+    appendArc(segments, from, to, 1, false);
+    appendArc(same, from, near, 1, false);
+    ASSERT_EQ(segments.size(), same.size());
+    severalFaces += segments.size() > 2 ? 1 : 0;
+    for (std::size_t k = 0; k < segments.size(); ++k) {
+      EXPECT_EQ(cubePointOf(segments[k], true), cubePointOf(same[k], true));
+      EXPECT_EQ(cubePointOf(segments[k], false), cubePointOf(same[k], false));
+    }
+  }
+  EXPECT_GT(severalFaces, 100);
 }
 
 }  // namespace
