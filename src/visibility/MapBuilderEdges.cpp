@@ -4,6 +4,7 @@
 // do.
 #include "kernel/Planar.h"
 #include "kernel/Trigonometry.h"
+#include "visibility/EdgeOrder.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/WideEdge.h"
 
@@ -32,9 +33,9 @@ bool MapBuilder::isMiddleOfWide(Source source, Vec3 direction) const {
 
 bool MapBuilder::middleOfWide(Source source, Vec3& middle) const {
   if (source < 0 || isCrossing(source)) return false;
-  const auto edge = 2 * static_cast<size_t>(source);
-  const Vec3 a = fromEye(setup.state->edgeVertices[edge]);
-  const Vec3 b = fromEye(setup.state->edgeVertices[edge + 1]);
+  const auto [first, second] = orderedEnds(*setup.state, source);
+  const Vec3 a = fromEye(first);
+  const Vec3 b = fromEye(second);
   if (!isWide(a, b)) return false;
   middle = unit(nearestOfWide(a, b));
   return true;

@@ -1,5 +1,6 @@
 // Places come from the scene, not from tiles or what is hidden: a vertex is a corner of the scene,
 // the middle of a wide edge, or the meeting of two of the lines that end in it.
+#include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
@@ -43,6 +44,8 @@ void MapBuilder::placeVertices() {
         });
         std::sort(first, last);
         last = std::unique(first, last);
+        // Which of two comes first makes no difference.
+        if (last - first > 2) std::sort(first, last, SourceOrder(*setup.state));
         placeVertex(vertex, first, static_cast<size_t>(last - first));
       },
       ManyQuickItems);
@@ -51,13 +54,17 @@ void MapBuilder::placeVertices() {
 void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
   Vec3& place = directions[static_cast<size_t>(vertex)];
   const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
+  const auto point = [this](std::int32_t i) {
+    return setup.state->vertices[static_cast<size_t>(i)];
+  };
   std::int32_t corner = -1;
   for (size_t i = 0; i < count; ++i) {
     const Source source = lines[i];
     if (source < 0 || isCrossing(source)) continue;
     for (const size_t k : {size_t{0}, size_t{1}}) {
       const std::int32_t candidate = setup.state->edgeVertices[2 * static_cast<size_t>(source) + k];
-      if ((corner < 0 || candidate < corner) && isClose(unit(fromEye(candidate))))
+      if ((corner < 0 || isBefore(point(candidate), point(corner))) &&
+          isClose(unit(fromEye(candidate))))
         corner = candidate;
     }
   }
@@ -101,10 +108,10 @@ Vec3 MapBuilder::normalOf(Source source) const {
     };
     return unit(nearness(source >> 31 & Low) - nearness(source & Low));
   }
-  const auto edge = 2 * static_cast<size_t>(source);
-  const Vec3 a = unit(fromEye(setup.state->edgeVertices[edge]));
+  const auto [first, second] = orderedEnds(*setup.state, source);
+  const Vec3 a = unit(fromEye(first));
   Vec3 b;
-  if (!middleOfWide(source, b)) b = unit(fromEye(setup.state->edgeVertices[edge + 1]));
+  if (!middleOfWide(source, b)) b = unit(fromEye(second));
   return unit(Kernel::cross(a, b));
 }
 

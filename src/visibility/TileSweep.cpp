@@ -342,7 +342,9 @@ void TileSweep::emitUpright(int from, int to, Coordinate x, int left, int right)
       if (!lines.isSteep(static_cast<int>(i)) || x < line.xa || x > line.xb) continue;
       way = lines.wayAround(static_cast<int>(i), x);
     }
-    if (way.high < low || way.low > high) continue;
+    // An edge that only ends beside the piece is another one.
+    const Coordinate common = std::min(way.high, high) - std::max(way.low, low);
+    if (common < 0 || (common == 0 && high - low > Snap)) continue;
     chooseSource(line, parts.regionOf(left), parts.regionOf(right), piece, best);
   }
   parts.pieces.push_back(piece);
@@ -463,8 +465,11 @@ void TileSweep::emitWall(int vertexFrom, int vertexTo, size_t below, size_t abov
 // else the line where the two run through each other.
 void TileSweep::chooseSource(const TileLines::Line& line, std::int32_t regionA,
                              std::int32_t regionB, Piece& piece, int& best) const {
+  // Of edges that coincide the same one is taken in all tiles.
   const auto offer = [&](int rank, Source source, bool inner, bool shared) {
-    if (rank <= best) return;
+    // It is a docking edge if it is one of all polygons at it.
+    if (rank == best && source == piece.source) piece.inner = piece.inner && inner;
+    if (rank < best || (rank == best && !sources(source, piece.source))) return;
     best = rank;
     piece.source = source;
     piece.inner = inner;

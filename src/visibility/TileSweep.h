@@ -1,5 +1,6 @@
 #pragma once
 
+#include "visibility/EdgeOrder.h"
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
 #include "visibility/TileContent.h"
@@ -28,7 +29,10 @@ namespace Lumivane::Visibility {
 class TileSweep {
  public:
   TileSweep(const LookPolygons& lookPolygons, MapParts& mapParts)
-      : parts(mapParts), planes(lookPolygons), lines(lookPolygons) {}
+      : parts(mapParts),
+        sources(*lookPolygons.setup().state),
+        planes(lookPolygons),
+        lines(lookPolygons) {}
 
   /// Appends the tile's areas and pieces, and gives what lies along its sides.
   Sides run(const Tile& sweptTile, const TileContent& content);
@@ -110,6 +114,7 @@ class TileSweep {
                     Piece& piece, int& best) const;
 
   MapParts& parts;
+  SourceOrder sources;
   TilePlanes planes;
   TileLines lines;
   Tile tile{};
