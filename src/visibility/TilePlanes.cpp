@@ -5,6 +5,10 @@
 #include <limits>
 #include <numeric>
 
+// What covers a point is sorted by how near it comes in the tile. Of two polygons it is found out
+// once whether one lies behind the other wherever both are: at the corners of the box that they
+// share, or at the corners of one of them. Where that is known of all that covers a gap, no point
+// of it need be asked; elsewhere planes are compared at a point, in doubles and then exactly.
 namespace Lumivane::Visibility {
 namespace {
 
