@@ -2,7 +2,7 @@
 """Kills a random process of a cluster of Dask at a random moment, again and again, and asks for the
 same bytes after a restart.
 
-Usage: kill_at_random.py [--rounds 20] [--seed 1] [--eyes 400]
+Usage: kill_at_random.py [--rounds 20] [--seed 1] [--eyes 400] [--within SECONDS]
 
 Too long for the tests; to be run by hand, with PYTHONPATH naming the built package and LUMIVANE_ROOT
 the project. A round starts a scheduler, two nannies with a worker each and a client, waits for a moment
@@ -12,6 +12,7 @@ result of a round has other bytes than those of one process.
 """
 
 import argparse
+import contextlib
 import os
 import random
 import shutil
@@ -85,6 +86,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=20)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--eyes", type=int, default=400)
+    parser.add_argument("--within", type=float, help="seconds; default: as long as it takes once")
     given = parser.parse_args()
     dice = random.Random(given.seed)
     scene = ROOT / "scenes/street.json"
@@ -112,13 +114,14 @@ def main():
         for number in range(given.rounds):
             one = Round(folder / f"round-{number}", scene, folder / "eyes.npy", 10)
             one.start()
-            moment = dice.uniform(0, usual)
+            moment = dice.uniform(0, given.within or usual)
             time.sleep(moment)
             victim, pid = dice.choice(sorted(one.processes().items()))
             parts = one.parts()
             if one.client.poll() is not None:
                 victim += " (all was done)"
-            os.kill(pid, 9)
+            with contextlib.suppress(ProcessLookupError):  # it has just ended
+                os.kill(pid, 9)
             is_over = one.has_ended_well(10 * usual + 60)
             one.stop()
             if not is_over:
