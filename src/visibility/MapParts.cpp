@@ -103,15 +103,19 @@ void stitch(MapParts& parts, SideList first, SideList second, const SharedLine& 
   Stitcher(parts, line).run(first.head, second.head);
 }
 
-Sides append(MapParts& parts, const MapParts& other, Sides sides) {
+Sides append(MapParts& parts, MapParts other, Sides sides) {
   const int areas = static_cast<int>(parts.areas.size());
   const int vertices = static_cast<int>(parts.vertices.size());
   const int stretches = static_cast<int>(parts.stretches.size());
   const auto moved = [](int number, int by) { return number < 0 ? number : number + by; };
   parts.areas.insert(parts.areas.end(), other.areas.begin(), other.areas.end());
+  std::vector<Area>().swap(other.areas);
   parts.areaSets.append(other.areaSets);
+  other.areaSets = JoinedSets();
   parts.vertices.insert(parts.vertices.end(), other.vertices.begin(), other.vertices.end());
+  std::vector<CubePoint>().swap(other.vertices);
   parts.vertexSets.append(other.vertexSets);
+  other.vertexSets = JoinedSets();
   for (Piece piece : other.pieces) {
     piece.from += vertices;
     piece.to += vertices;
@@ -119,6 +123,7 @@ Sides append(MapParts& parts, const MapParts& other, Sides sides) {
     piece.right += areas;
     parts.pieces.push_back(piece);
   }
+  std::vector<Piece>().swap(other.pieces);
   for (Stretch stretch : other.stretches) {
     stretch.fromVertex = moved(stretch.fromVertex, vertices);
     stretch.toVertex = moved(stretch.toVertex, vertices);

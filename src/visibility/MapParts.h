@@ -154,6 +154,7 @@ struct SharedLine {
 void stitch(MapParts& parts, SideList first, SideList second, const SharedLine& line);
 
 /// Appends other parts, along whose sides lies `sides`; gives that with the numbers it has now.
-Sides append(MapParts& parts, const MapParts& other, Sides sides);
+/// Each list of the other parts gives its memory back as soon as it is appended.
+Sides append(MapParts& parts, MapParts other, Sides sides);
 
 }  // namespace Lumivane::Visibility

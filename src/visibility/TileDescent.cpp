@@ -78,8 +78,7 @@ void TileDescent::run(TileJob& job, LookPolygons& lookPolygons, TileTeam& tileTe
 
 Sides TileDescent::resultOf(TileJob& job) {
   while (TileJob* const other = team.waitFor(job)) run(*other, polygons, team);
-  const MapParts done = std::move(job.parts);
-  return append(parts, done, job.sides);
+  return append(parts, std::move(job.parts), job.sides);
 }
 
 TileDescent::Content TileDescent::wholeFace(const Tile& tile) {
