@@ -1,7 +1,7 @@
-// What happens at the end of memory, and where memory comes from. A reserve of addresses is given up
-// when nothing is left, so that there is room to report it; an error while that happens ends the
-// process cleanly. The C library's allocator is set up for runs that take many small pieces and keep
-// them: without its bins for these, and with one large piece of heap in huge pages.
+// What happens at the end of memory, and where memory comes from. A reserve of addresses is given
+// up when nothing is left, so that there is room to report it; an error while that happens ends the
+// process cleanly. The C library's allocator is set up for runs that take many small pieces and
+// keep them: without its bins for these, and with one large piece of heap in huge pages.
 
 #include "Memory.h"
 
