@@ -106,8 +106,8 @@ class LUMIVANE_VISIBILITY_EXPORT SceneIndex {
   /// in one layer have none, nor has a region with itself. Where an edge of one polygon lies in
   /// another one there may be one, too, which then lies along that edge.
   /// \param threads  as `LookOptions::threads`
-  /// 	hrows std::invalid_argument for a negative number of threads
-  /// 	hrows Cancelled  if `cancelled` became true
+  /// \throws std::invalid_argument for a negative number of threads
+  /// \throws Cancelled  if `cancelled` became true
   std::vector<SceneCrossing> crossings(int threads = 1,
                                        const std::atomic<bool>* cancelled = nullptr) const;
 
