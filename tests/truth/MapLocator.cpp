@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace Lumivane::Truth {
 namespace {
@@ -11,6 +12,40 @@ using Visibility::VisibleMap;
 
 constexpr std::size_t FewEdges = 6;
 constexpr int DeepestSquare = 14;
+// By how much a map's vertices may lie beside where its edges meet. Edges that are nearer to each
+// other than that may stand in the wrong order.
+constexpr Real VertexRoom = 4e-12L;
+
+/// Where a path goes from one cell into another.
+struct Crossing {
+  Real where;   // 0 at its beginning, 1 at its end
+  Real across;  // how far the path goes across the edge
+  int near;
+  int far;
+};
+
+/// The cell in which a path begins. Of crossings of edges that may stand in any order, a path comes
+/// from the cell that it leaves more often than it enters; if there is none it is in the same cell
+/// behind them.
+int cellBefore(std::vector<Crossing> crossings, int otherwise) {
+  const auto together = [](const Crossing& a, const Crossing& b) {
+    return (b.where - a.where) * std::min(a.across, b.across) <= VertexRoom;
+  };
+  std::sort(crossings.begin(), crossings.end(),
+            [](const Crossing& a, const Crossing& b) { return a.where < b.where; });
+  for (auto first = crossings.begin(); first != crossings.end();) {
+    auto last = first + 1;
+    while (last != crossings.end() && together(*(last - 1), *last)) ++last;
+    for (auto crossing = first; crossing != last; ++crossing) {
+      const int cell = crossing->near;
+      const auto leaves = std::count_if(first, last, [&](auto& c) { return c.near == cell; });
+      const auto enters = std::count_if(first, last, [&](auto& c) { return c.far == cell; });
+      if (leaves > enters) return cell;
+    }
+    first = last;
+  }
+  return otherwise;
+}
 
 /// Axes that are in line with nothing, so that no arc between middles runs along an edge.
 std::array<LongVector, 3> crookedAxes() {
@@ -60,8 +95,7 @@ LongVector MapLocator::onFace(int face, double u, double v) const {
 int MapLocator::firstCrossed(const LongVector& from, const LongVector& to,
                              const std::vector<int>& among, int otherwise) const {
   const LongVector pole = cross(from, to);
-  Real nearest = 2.0L;
-  int cell = otherwise;
+  std::vector<Crossing> crossings;
   for (const int number : among) {
     const Arc& arc = arcs[static_cast<std::size_t>(number)];
     const Real start = dot(arc.pole, from);
@@ -74,13 +108,13 @@ int MapLocator::firstCrossed(const LongVector& from, const LongVector& to,
     const LongVector onPath = from * std::fabs(end) + to * std::fabs(start);
     const LongVector onArc = arc.from * std::fabs(b) + arc.to * std::fabs(a);
     if (dot(onPath, onArc) <= 0.0L) continue;
-    const Real where = std::fabs(start) / (std::fabs(start) + std::fabs(end));
-    if (where >= nearest) continue;
-    nearest = where;
     const VisibleMap::Edge& edge = map.edges[static_cast<std::size_t>(number)];
-    cell = start < 0.0L ? edge.left : edge.right;
+    const bool fromLeft = start < 0.0L;
+    const Real across = std::fabs(start) + std::fabs(end);
+    crossings.push_back({std::fabs(start) / across, across, fromLeft ? edge.left : edge.right,
+                         fromLeft ? edge.right : edge.left});
   }
-  return cell;
+  return cellBefore(std::move(crossings), otherwise);
 }
 
 bool MapLocator::mayMeet(const Square& square, const Arc& arc) const {
@@ -143,7 +177,7 @@ void MapLocator::divide(std::size_t number, int depth) {
 
 int MapLocator::cellOf(const Vector& direction) const {
   if (arcs.empty()) return onlyCell;
-  const LongVector d = wide(direction);
+  const LongVector d = unit(wide(direction));
   const std::array<Real, 3> parts{dot(axes[0], d), dot(axes[1], d), dot(axes[2], d)};
   std::size_t axis = 0;
   for (std::size_t i = 1; i < 3; ++i)

@@ -45,6 +45,28 @@ TEST(MapLocator, KnowsWhatLiesInAHoleAndWhatOutsideTheField) {
   }
 }
 
+// A sliver between two cells, turned inside out where its vertices are rounded.
+TEST(MapLocator, IsNotMisledByEdgesInTheWrongOrder) {
+  for (const double beside : {-1e-13, 0.0, 1e-13}) {
+    const std::vector<Vector> vertices{{1, 0, -1}, {1, 0, 1},      {1, 1, 0},
+                                       {1, -1, 0}, {1, beside, 0}, {1, -beside, 0}};
+    const VisibleMap map = handMadeMap(Visibility::Field::Sphere, vertices,
+                                       {{{1, 1, 1}, {{0, 4, 1, 2}}},
+                                        {{2, 1, 1}, {{0, 5, 1, 4}}},
+                                        {{3, 1, 1}, {{0, 3, 1, 5}}},
+                                        {{0, 0, 0}, {{0, 2, 1, 3}}}});
+    const MapLocator locator(map);
+    Random random(3);
+    for (int i = 0; i < 2000; ++i) {
+      const double side = random.between(-0.2, 0.2);
+      const Vector d{1, side, random.between(-0.5, 0.5)};
+      if (std::fabs(side) < 1e-6) continue;
+      ASSERT_EQ(locator.cellOf(d), side > 0.0 ? 0 : 2) << beside << ' ' << side;
+      ASSERT_EQ(locator.cellOfAll(d), side > 0.0 ? 0 : 2) << beside << ' ' << side;
+    }
+  }
+}
+
 TEST(MapLocator, AMapWithoutAnEdgeHasOneCell) {
   const VisibleMap map = handMadeMap(Visibility::Field::Sphere, {}, {{{0, 0, 0}, {}}});
   EXPECT_EQ(MapLocator(map).cellOf({1, 0, 0}), 0);
