@@ -44,6 +44,8 @@ int cellBefore(std::vector<Crossing> crossings, int otherwise) {
     }
     first = last;
   }
+  // Towards an edge of a speck of no more than that room.
+  if (otherwise < 0 && !crossings.empty()) return crossings.front().near;
   return otherwise;
 }
 
