@@ -319,11 +319,12 @@ void runGrid(const GridOptions& options) {
     addGroundViews(options, box, exact, maker);
   else
     addFaceViews(exact, maker);
-  report(options, maker.counts);
-  if (maker.views.empty())
+  if (maker.views.empty()) {
+    report(options, maker.counts);
     throw HostError(options.scene,
                     "no eye is left: every place is without a surface below, or "
                     "inside a body");
+  }
   const std::string result = table(options, maker.views);
   std::string shares;
   if (!options.shares.empty()) shares = exact.shares(maker.views);
@@ -331,9 +332,12 @@ void runGrid(const GridOptions& options) {
     std::cout << result;
   else
     Session::writeFile(options.out, result);
-  if (options.shares.empty()) return;
-  Session::writeFile(options.shares, shares);
-  exact.removeJournal();
+  if (!options.shares.empty()) {
+    Session::writeFile(options.shares, shares);
+    exact.removeJournal();
+  }
+  // Last, since after an error there is no table that this could be about.
+  report(options, maker.counts);
 }
 
 }  // namespace Lumivane::Host

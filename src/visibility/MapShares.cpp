@@ -181,6 +181,8 @@ double fractionOf(double visible, double alone) {
 double ViewShare::area() const { return Pi * viewFactor; }
 double ViewShare::hemisphereShare() const { return solidAngle / (2.0 * Pi); }
 
+MapShares::MapShares(const VisibleMap& map) : MapShares(map, Objects::All) {}
+
 MapShares::MapShares(const VisibleMap& map, Objects which) {
   const Classes classes(map);
   Sums sums = sumsOf(map, classes);

@@ -42,8 +42,10 @@ class LUMIVANE_VISIBILITY_EXPORT MapShares {
     Seen  ///< those of which the map has a cell: where a scene has many, this takes far less
   };
 
+  /// Sums up a map, with a row for all objects of the scene.
+  explicit MapShares(const VisibleMap& map);
   /// Sums up a map.
-  explicit MapShares(const VisibleMap& map, Objects which = Objects::All);
+  MapShares(const VisibleMap& map, Objects which);
 
   /// All of the scene or seen ones, in its order.
   const std::vector<Row>& objects() const { return theObjects; }
