@@ -121,10 +121,10 @@ TEST(FaultyOutput, OldFileOutlivesAFullDisk) {
   fs::create_directory(disk);
   const std::string old = disk + "/old";
   const std::string street = LUMIVANE_SCENES "/street.json";
-  for (const Arguments& command : std::vector<Arguments>{
-           {"shot", street, "--eye=-5.3,-1.37,3.4", "-o", old},
-           {"json5", folder.file("big.json5", bigJson5()), "-o", old},
-           {"grid", street, "--spacing", "0.5", "--height", "1.5", "-o", old}}) {
+  for (const Arguments& command :
+       std::vector<Arguments>{{"shot", street, "--eye=-5.3,-1.37,3.4", "-o", old},
+                              {"json5", folder.file("big.json5", bigJson5()), "-o", old},
+                              {"grid", street, "--spacing", "0.5", "--height", "1.5", "-o", old}}) {
     SCOPED_TRACE(command[0]);
     const Result result = lumivaneBy(OnSmallDisk + ("'" + disk + "' \"$@\""), command);
     if (result.out.find("on the disk: ") == std::string::npos) {
