@@ -255,6 +255,14 @@ void TileSweep::placeMarks(const Change& change) {
   if (!change.first) addMarks(lines.before(), change.from, change.oldTo, change.x);
   const size_t oldCount = marks.size();
   if (!change.last) addMarks(lines.behind(), change.from, change.newTo, change.x);
+  if (!change.first && !change.last) {
+    // The borders of what changes go on. A steep one has other neighbours before the stop than
+    // behind it, and would be at two heights.
+    Mark& lowest = marks[oldCount];
+    Mark& highest = marks[oldCount - 1];
+    lowest.y = marks.front().y = std::min(lowest.y, marks.front().y);
+    highest.y = marks.back().y = std::max(highest.y, marks.back().y);
+  }
   joinMarks(oldCount);
 }
 

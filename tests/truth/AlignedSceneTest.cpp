@@ -234,5 +234,27 @@ TEST(AlignedScene, PlanesThatCrossAlongAnUprightLineAreTurnedAgainstEachOtherThe
       EXPECT_TRUE(checkDirection(judge, map, at(0.1 + 1e-5 * y + off, y, 1.0))) << y << ' ' << off;
 }
 
+// It lost the edge between what the line passes before that corner and behind it.
+TEST(AlignedScene, ASteepLineThatPassesACornerBetweenTwoWholeNumbersGoesOn) {
+  const Vector eye{-0.137251, -0.331123, -0.428975};
+  SceneBuilder builder;
+  builder.object().add({{-0.539314, -0.453324, -0.060312},
+                        {0.4092, -0.436714, -0.376612},
+                        {0.683702, 0.225532, 0.481338}});
+  builder.object().add({{-0.209446, -0.217227, -0.639488},
+                        {-0.474257, -0.008305, 0.15815},
+                        {0.553588, -0.664506, 0.044414}});
+  for (const auto field : {Visibility::Field::Sphere, Visibility::Field::Hemisphere}) {
+    LookOptions options;
+    options.field = field;
+    options.forward = {0.685267, 0.412499, -0.600211};
+    const SceneIndex index(builder.scene());
+    const VisibleMap map = index.look(eye, options);
+    EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+    EXPECT_EQ(faultText(map), "");
+    EXPECT_EQ(differencesFromSingle(index, map, 600, 3), 0U);
+  }
+}
+
 }  // namespace
 }  // namespace Lumivane::Truth
