@@ -2,7 +2,8 @@
 """Measures many eyes of Python: two plain processes beside a cluster of Dask with two workers, the
 planning of a million eyes, one eye over a large scene, and Python beside the command line.
 
-Usage: bench/many_eyes.py [--scene FILE] [--eyes 1000] [cluster|plan|eye|program|call ...]
+Usage: bench/many_eyes.py [--scene FILE] [--eyes 1000] [--anywhere] [WHAT ...], where WHAT is
+cluster, plan, eye, program or call.
 
 With PYTHONPATH naming the built package (build/release/python). The program `lumivane` is taken from
 beside it. What is compared runs one after the other; processor time hardly depends on what else a
@@ -33,11 +34,12 @@ np.savez(sys.argv[4], **scene.shares(rows, (0, 0, 1), columns="sky_view_factor",
 """
 
 
-def eyes_over(scene, count):
-    """At random places, 1.6 above the lowest point."""
+def eyes_over(scene, count, anywhere=False):
+    """At random places, 1.6 above the lowest point, or at any height up to the highest."""
     low, high = scene.bounds
     eyes = np.random.default_rng(1).uniform(low, high, (count, 3))
-    eyes[:, 2] = low[2] + 1.6
+    if not anywhere:
+        eyes[:, 2] = low[2] + 1.6
     return eyes
 
 
@@ -179,10 +181,13 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--scene", default=str(ROOT / "scenes/models/delft.city.json"))
     parser.add_argument("--eyes", type=int, default=1000)
+    parser.add_argument("--anywhere", action="store_true", help="at any height, not near the ground")
     parser.add_argument("what", nargs="*", default=[], choices=[*what, []])
     given = parser.parse_args()
+    # Workers start in other folders: a relative path of the package would not reach them.
+    os.environ["PYTHONPATH"] = str(Path(lumivane.__file__).resolve().parents[1])
     scene = lumivane.Scene.read(given.scene)
-    eyes = eyes_over(scene, given.eyes)
+    eyes = eyes_over(scene, given.eyes, given.anywhere)
     for name in given.what or what:
         what[name](given, scene, eyes)
 
