@@ -464,7 +464,9 @@ void TileLines::addMeeting(int below, int above, Coordinate x) {
   const Coordinate apart = heightAt(above, from) - heightAt(below, from);
   const Coordinate after = heightAt(above, to) - heightAt(below, to);
   Coordinate at = x + 1;
-  if (apart > 0 && after < 0) {
+  if (isSteep(below) || isSteep(above)) {
+    at = steepMeeting(below, above, x);
+  } else if (apart > 0 && after < 0) {
     const double part = static_cast<double>(apart) / static_cast<double>(apart - after);
     at = from + nearestWhole(part * static_cast<double>(to - from));
   }
@@ -473,6 +475,21 @@ void TileLines::addMeeting(int below, int above, Coordinate x) {
   std::push_heap(meetings.begin(), meetings.end(), [](const Meeting& a, const Meeting& b) {
     return a.x != b.x ? a.x > b.x : a.below != b.below ? a.below > b.below : a.above > b.above;
   });
+}
+
+// Where two lines meet of which one is steep at least, by their courses: heights at the ends of a
+// steep one are those of places up to a unit beside them, and what lies between them as far off.
+Coordinate TileLines::steepMeeting(int below, int above, Coordinate x) const {
+  const Course& c = courseOf(below);
+  const Course& d = courseOf(above);
+  Coordinate before = x;
+  auto behind = static_cast<Coordinate>(std::min(c.end, d.end));
+  while (behind - before > 1) {
+    const Coordinate middle = before + (behind - before) / 2;
+    const auto at = static_cast<double>(middle);
+    (d.at(at) > c.at(at) ? before : behind) = middle;
+  }
+  return behind;
 }
 
 // \return false if nothing has changed

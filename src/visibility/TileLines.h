@@ -158,6 +158,7 @@ class TileLines {
   Span spanBetween(int below, int above, double x) const;
   static bool mustSwap(const Span& span);
   void addMeeting(int below, int above, Coordinate x);
+  Coordinate steepMeeting(int below, int above, Coordinate x) const;
   void swapLines(size_t below);
   void touch(size_t below, size_t above);
   bool findChange(bool sameLower);

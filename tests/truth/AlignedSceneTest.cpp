@@ -256,5 +256,29 @@ TEST(AlignedScene, ASteepLineThatPassesACornerBetweenTwoWholeNumbersGoesOn) {
   }
 }
 
+// They were found to meet a unit beside where they do, farther off than the line passes around it.
+TEST(AlignedScene, ASteepLineMeetsTheEndOfTheFieldWhereItIs) {
+  SceneBuilder builder;
+  builder.object().add(
+      {{-5.1234792495488961e-07, 5.1391023558842323e-07, 1.634833118420355e-06},
+       {1.0225864534613461e-06, 4.0697129140799774e-07, 7.4831159490136833e-07},
+       {5.9519390376602499e-07, 1.081241622282175e-06, -4.9793543864751406e-07},
+       {-1.0867418377896013e-06, 1.4200953666471896e-06, -4.0059694917516151e-08}});
+  builder.object().add(
+      {{-3.7189025116995265e-07, 3.7302426199660212e-07, 1.1866516275709186e-06},
+       {1.5741028071075971e-06, 6.2646502899497756e-07, 1.1519020011836413e-06},
+       {9.1620262670232235e-07, 1.6643927435524194e-06, -7.6648929690040112e-07},
+       {-7.8881688658752262e-07, 1.0307831785094832e-06, -2.9077525796516678e-08}});
+  LookOptions options;
+  options.twoSided = true;
+  options.forward = {-0.56470754435707649, 0.77744069268080107, -0.2769320470985559};
+  const Visibility::PolygonScene scene = builder.scene();
+  const VisibleMap map = SceneIndex(scene).look(Eye, options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  EXPECT_EQ(faultText(map), "");
+  const RayReport report = checkByRays(Judge(scene), map, 600, 3);
+  EXPECT_TRUE(report.wrong.empty()) << report.text();
+}
+
 }  // namespace
 }  // namespace Lumivane::Truth
