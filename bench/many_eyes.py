@@ -11,6 +11,7 @@ machine does, time by the clock does.
 """
 
 import argparse
+import contextlib
 import os
 import resource
 import subprocess
@@ -63,7 +64,7 @@ def cluster(given, scene, eyes):
 
     import lumivane.dask
 
-    with tempfile.TemporaryDirectory() as scratch:
+    with tempfile.TemporaryDirectory() as scratch, contextlib.ExitStack() as ends:
         np.save(f"{scratch}/eyes.npy", eyes)
         began, used = time.perf_counter(), children_seconds()
         processes = [subprocess.Popen([sys.executable, "-c", PLAIN, given.scene,
@@ -73,7 +74,7 @@ def cluster(given, scene, eyes):
         plain, plain_cpu = time.perf_counter() - began, children_seconds() - used
         print(f"two plain processes: {plain:.1f} s, processor {plain_cpu:.1f} s")
 
-        running = Cluster(Path(scratch) / "cluster")
+        running = ends.enter_context(contextlib.closing(Cluster(Path(scratch) / "cluster")))
         workers = [worker.pid for worker in running.workers]
         others = [os.getpid(), running.scheduler.pid]
         began, used = time.perf_counter(), processor_seconds(workers)
@@ -90,7 +91,6 @@ def cluster(given, scene, eyes):
         memory = [int(line.split()[1]) for worker in running.workers
                   for line in Path(f"/proc/{worker.pid}/status").read_text().splitlines()
                   if line.startswith("VmHWM")]  # fmt: skip
-        running.close()
         expected = np.empty(len(eyes))
         for i in range(2):
             expected[i::2] = np.load(f"{scratch}/{i}.npz")["sky_view_factor"]
