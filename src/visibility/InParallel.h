@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -63,7 +64,8 @@ void forEachInParallel(size_t count, size_t threads, Visit visit, size_t worthAT
   });
 }
 
-/// Sorts by several threads. The order does not depend on them if no two items are equal.
+/// Sorts by several threads, each with a copy of the order, which may count what it is asked. The
+/// result does not depend on them if no two items are equal.
 template <class Item, class Less>
 void sortInParallel(std::vector<Item>& items, size_t threads, Less less) {
   const size_t runs =
@@ -73,12 +75,13 @@ void sortInParallel(std::vector<Item>& items, size_t threads, Less less) {
   };
   std::atomic<size_t> next{0};
   inParallel(runs, [&](bool) {
+    Less own = less;
     for (size_t i = next.fetch_add(1); i < runs; i = next.fetch_add(1))
-      std::sort(at(i), at(i + 1), less);
+      std::sort(at(i), at(i + 1), std::ref(own));
   });
   for (size_t width = 1; width < runs; width *= 2)
     for (size_t i = 0; i + width < runs; i += 2 * width)
-      std::inplace_merge(at(i), at(i + width), at(i + 2 * width), less);
+      std::inplace_merge(at(i), at(i + width), at(i + 2 * width), std::ref(less));
 }
 
 }  // namespace Lumivane::Visibility

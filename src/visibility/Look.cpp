@@ -8,12 +8,14 @@
 #include "visibility/MapParts.h"
 #include "visibility/TileDescent.h"
 #include "visibility/TileTeam.h"
+#include "visibility/Watch.h"
 
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -173,8 +175,7 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   MapParts parts;
   joinFaces(parts, Looker(setup, options, parts).run());
   std::vector<Stretch>().swap(parts.stretches);
-  buildMap(parts, setup, {threadCount(options.threads), options.cancelled, options.edgeSources},
-           map);
+  buildMap(parts, setup, options, map);
 }
 
 namespace {
@@ -203,18 +204,34 @@ double aloneSolidAngle(const LookSetup& whole, const LookOptions& options, const
   return sum;
 }
 
+// How much of a look that measures objects alone, too, the view itself is reported to be.
+constexpr double ViewShare = 0.5;
+
+// \return what reports the progress of the view itself
+std::function<void(double)> progressOfView(const LookOptions& options) {
+  if (!options.progress || !options.alone) return options.progress;
+  return [&options](double part) { options.progress(ViewShare * part); };
+}
+
 std::vector<double> aloneSolidAngles(const LookSetup& setup, const LookOptions& options,
                                      const VisibleMap& view) {
   const size_t offsets = setup.state->objectOffsets.size();
   const size_t objects = offsets == 0 ? 0 : offsets - 1;
   std::vector<double> angles(std::max(objects, setup.state->names->objectIds.size()), 0.0);
-  LookOptions quiet = options;
-  quiet.progress = nullptr;
-  quiet.threads = 1;
+  ProgressReport report(options.progress);
   std::atomic<size_t> next{0};
   inParallel(std::min(threadCount(options.threads), std::max<size_t>(1, objects)), [&](bool) {
-    for (size_t i = next.fetch_add(1); i < objects; i = next.fetch_add(1))
-      angles[i] = aloneSolidAngle(setup, quiet, view, i);
+    LookOptions own = options;
+    own.threads = 1;
+    size_t i = 0;
+    const auto reported = [&](double part) {
+      report.at(ViewShare +
+                (1.0 - ViewShare) * (static_cast<double>(i) + part) / static_cast<double>(objects));
+    };
+    own.progress = nullptr;
+    if (options.progress) own.progress = reported;
+    for (i = next.fetch_add(1); i < objects; i = next.fetch_add(1))
+      angles[i] = aloneSolidAngle(setup, own, view, i);
   });
   return angles;
 }
@@ -239,7 +256,9 @@ VisibleMap SceneIndex::look(const Vector& eye, const LookOptions& options) const
   map.twoSided = options.twoSided;
   map.names = state->names;
   const VisibleMap view = map;
-  lookAround(setup, options, map);
+  LookOptions itself = options;
+  itself.progress = progressOfView(options);
+  lookAround(setup, itself, map);
   if (options.alone) map.alone = aloneSolidAngles(setup, options, view);
   if (options.progress) options.progress(1.0);
   return map;

@@ -1,22 +1,25 @@
 // From pieces to the map: the order of the steps, each of which stands in a chapter of its own.
 #include "visibility/MapBuilder.h"
 
-#include <lumivane/visibility/SceneIndex.h>
-
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 namespace Lumivane::Visibility {
 
 void MapBuilder::run() {
-  for (const auto step :
-       {&MapBuilder::joinVertices, &MapBuilder::makeLinks, &MapBuilder::numberCells,
-        &MapBuilder::closeRings, &MapBuilder::dropSliverLinks, &MapBuilder::chainLinks,
-        &MapBuilder::placeVertices, &MapBuilder::contractEdges, &MapBuilder::dropSliverEdges,
-        &MapBuilder::forgetParts, &MapBuilder::orderMap, &MapBuilder::makeRings,
-        &MapBuilder::measureDistances, &MapBuilder::measureCells,
-        &MapBuilder::settleWholeSpheres}) {
-    if (options.cancelled != nullptr && options.cancelled->load()) throw Cancelled();
+  constexpr void (MapBuilder::*Steps[])() = {
+      &MapBuilder::joinVertices,     &MapBuilder::makeLinks,       &MapBuilder::numberCells,
+      &MapBuilder::closeRings,       &MapBuilder::dropSliverLinks, &MapBuilder::chainLinks,
+      &MapBuilder::placeVertices,    &MapBuilder::contractEdges,   &MapBuilder::dropSliverEdges,
+      &MapBuilder::forgetParts,      &MapBuilder::orderMap,        &MapBuilder::makeRings,
+      &MapBuilder::measureDistances, &MapBuilder::measureCells,    &MapBuilder::settleWholeSpheres};
+  double done = 0.0;
+  for (const auto step : Steps) {
+    watch.setPart(PartsShare + (1.0 - PartsShare) * done / static_cast<double>(std::size(Steps)));
+    watch.check();
     (this->*step)();
+    ++done;
   }
 }
 
@@ -28,7 +31,7 @@ void MapBuilder::forgetParts() {
   release(parts.vertices);
 }
 
-void buildMap(MapParts& parts, const LookSetup& setup, const BuildOptions& options,
+void buildMap(MapParts& parts, const LookSetup& setup, const LookOptions& options,
               VisibleMap& map) {
   MapBuilder(parts, setup, options, map).run();
 }

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "kernel/Vec.h"
+#include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
+#include "visibility/Watch.h"
 #include "visibility/WideEdge.h"
 
+#include <lumivane/visibility/LookOptions.h>
 #include <lumivane/visibility/VisibleMap.h>
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -17,26 +19,23 @@
 
 namespace Lumivane::Visibility {
 
-/// How a map is made.
-struct BuildOptions {
-  size_t threads;                      ///< what is made does not depend on it
-  const std::atomic<bool>* cancelled;  ///< may be null
-  bool edgeSources = false;            ///< whether to say on which edges of the scene edges lie
-};
-
 /// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures
 /// cells. Fills all but the map's view and names. \throws Cancelled
-void buildMap(MapParts& parts, const LookSetup& setup, const BuildOptions& options,
-              VisibleMap& map);
+void buildMap(MapParts& parts, const LookSetup& setup, const LookOptions& options, VisibleMap& map);
 
 /// Makes a map, step by step: pieces that follow each other on one edge of the scene, with the same
 /// cells on both sides, become one edge, so that neither the tiles nor what is hidden leaves a
 /// trace. Each chapter of it is a file, MapBuilderVertices.cpp and so on.
 class MapBuilder {
  public:
-  MapBuilder(MapParts& theParts, const LookSetup& theSetup, const BuildOptions& theOptions,
+  MapBuilder(MapParts& theParts, const LookSetup& theSetup, const LookOptions& theOptions,
              VisibleMap& theMap)
-      : parts(theParts), setup(theSetup), options(theOptions), map(theMap) {}
+      : parts(theParts),
+        setup(theSetup),
+        options(theOptions),
+        threads(threadCount(theOptions.threads)),
+        watch(theOptions.cancelled, theOptions.progress),
+        map(theMap) {}
 
   void run();
 
@@ -47,6 +46,20 @@ class MapBuilder {
     List().swap(list);
   }
   void forgetParts();
+
+  // Calls `visit(i)` once for each i below `count`, by several threads, each for
+  // `worthAThread` of them or more.
+  template <class Visit>
+  void forEach(size_t count, Visit visit, size_t worthAThread = ManyQuickItems) {
+    constexpr size_t Items = 256;
+    forEachInParallel(
+        count, threads,
+        [&](size_t i) {
+          if (i % Items == 0) watch.check();
+          visit(i);
+        },
+        worthAThread);
+  }
 
   static constexpr int NoCell = -1;
   // Distance within which a corner or a meeting of lines is the vertex that the sweep has found.
@@ -221,7 +234,9 @@ class MapBuilder {
 
   MapParts& parts;
   const LookSetup& setup;
-  BuildOptions options;
+  const LookOptions& options;
+  const size_t threads;
+  Watch watch;
   VisibleMap& map;
   std::vector<Link> links;
   std::vector<Found> found;

@@ -3,7 +3,6 @@
 // planes, its pieces of border know theirs.
 #include "kernel/Planar.h"
 #include "visibility/EyePlane.h"
-#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
 #include "visibility/WideEdge.h"
@@ -28,11 +27,10 @@ Vec3 MapBuilder::planeOf(std::int32_t polygon) const {
 // its pieces of border know theirs.
 void MapBuilder::measureDistances() {
   if (setup.parallel != nullptr) return;  // there is no eye to be distant from
-  forEachInParallel(
-      map.cells.size(), options.threads, [this](size_t i) { reachArcs(i); }, ManyQuickItems);
+  forEach(map.cells.size(), [this](size_t i) { reachArcs(i); });
   if (std::none_of(severalPolygons.begin(), severalPolygons.end(), [](char c) { return c != 0; }))
     return;
-  for (const Piece& piece : parts.pieces)
+  for (const Piece& piece : watch.over(parts.pieces))
     for (const int area : {piece.left, piece.right}) {
       const int cell = severalAt(area);
       if (cell == NoCell) continue;
@@ -43,7 +41,7 @@ void MapBuilder::measureDistances() {
       if (polygon < 0) continue;
       reach(map.cells[static_cast<size_t>(cell)], planeOf(polygon), at(piece.from), at(piece.to));
     }
-  for (size_t i = 0; i < parts.areas.size(); ++i) {
+  for (const size_t i : watch.upTo(parts.areas.size())) {
     const int cell = severalAt(static_cast<int>(i));
     if (cell != NoCell) morePolygons.emplace_back(cell, parts.areas[i].polygon);
   }

@@ -51,12 +51,12 @@ bool MapBuilder::passes(int vertex) const {
 
 void MapBuilder::chainLinks() {
   atVertex.fill(parts.vertices.size(), [this](auto add) {
-    for (size_t i = 0; i < links.size(); ++i) {
+    for (const size_t i : watch.upTo(links.size())) {
       add(links[i].from, static_cast<int>(i));
       add(links[i].to, static_cast<int>(i));
     }
   });
-  for (size_t i = 0; i < links.size(); ++i) {
+  for (const size_t i : watch.upTo(links.size())) {
     if (links[i].used) continue;
     if (!passes(links[i].from)) {
       follow(static_cast<int>(i), links[i].from);
@@ -64,7 +64,7 @@ void MapBuilder::chainLinks() {
       follow(static_cast<int>(i), links[i].to);
     }
   }
-  for (size_t i = 0; i < links.size(); ++i)
+  for (const size_t i : watch.upTo(links.size()))
     if (!links[i].used) follow(static_cast<int>(i), links[i].from);
   release(links);
   atVertex = Buckets();

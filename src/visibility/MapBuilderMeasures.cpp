@@ -1,7 +1,6 @@
 // Solid angles and view factors of cells, from their arcs. Angles are known up to whole spheres;
 // which of the possible ones is meant follows from what a cell can be.
 #include "kernel/Planar.h"
-#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
 
@@ -128,7 +127,7 @@ void MapBuilder::outerRingFirst(VisibleMap::Cell& cell) {
 void MapBuilder::measureCells() {
   const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
   turns.assign(map.cells.size(), 0.0);
-  forEachInParallel(map.cells.size(), options.threads, [&](size_t i) {
+  const auto measure = [&](size_t i) {
     VisibleMap::Cell& cell = map.cells[i];
     outerRingFirst(cell);
     turns[i] = turnOf(cell);
@@ -139,8 +138,10 @@ void MapBuilder::measureCells() {
       cell.viewFactor = std::max(0.0, sum);
     }
     if (cellPolygons[i] >= 0 && setup.parallel == nullptr) lookAtFoot(cell, cellPolygons[i]);
-  });
-  for (const auto& [cell, polygon] : morePolygons) {
+  };
+  constexpr size_t WorthAThread = 256;
+  forEach(map.cells.size(), measure, WorthAThread);
+  for (const auto& [cell, polygon] : watch.over(morePolygons)) {
     lookAtFoot(map.cells[static_cast<size_t>(cell)], polygon);
     lookAtEdges(map.cells[static_cast<size_t>(cell)], polygon);
   }

@@ -4,11 +4,11 @@
 // the next one of that cell around their common vertex.
 #include "kernel/Planar.h"
 #include "kernel/Trigonometry.h"
-#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -49,23 +49,23 @@ void MapBuilder::orderMap() {
   };
   std::vector<Placed> used;
   vertexNumbers.assign(directions.size(), -1);
-  for (const Link& edge : edges)
+  for (const Link& edge : watch.over(edges))
     for (const int vertex : {edge.from, edge.to}) {
       int& number = vertexNumbers[static_cast<size_t>(vertex)];
       if (number < 0) used.push_back({directions[static_cast<size_t>(vertex)], vertex});
       number = 0;
     }
-  sortInParallel(used, options.threads, [](const Placed& a, const Placed& b) {
+  sortInParallel(used, threads, watch.order([](const Placed& a, const Placed& b) {
     if (a.at.x != b.at.x) return a.at.x < b.at.x;
     return std::tie(a.at.y, a.at.z, a.vertex) < std::tie(b.at.y, b.at.z, b.vertex);
-  });
+  }));
   map.vertices.reserve(used.size());
-  for (const Placed& placed : used) {
+  for (const Placed& placed : watch.over(used)) {
     vertexNumbers[static_cast<size_t>(placed.vertex)] = static_cast<int>(map.vertices.size());
     map.vertices.push_back({placed.at.x, placed.at.y, placed.at.z});
   }
   std::vector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
-  for (Link& edge : edges) {
+  for (Link& edge : watch.over(edges)) {
     edge.from = vertexNumbers[static_cast<size_t>(edge.from)];
     edge.to = vertexNumbers[static_cast<size_t>(edge.to)];
     if (edge.to < edge.from) {
@@ -81,10 +81,10 @@ void MapBuilder::orderMap() {
   orderCells(firstVertex);
   orderEdges();
   map.edges.reserve(edges.size());
-  for (const Link& edge : edges)
+  for (const Link& edge : watch.over(edges))
     map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
   if (options.edgeSources)
-    for (const Link& edge : edges)
+    for (const Link& edge : watch.over(edges))
       map.edgeSources.push_back(
           edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
   release(edges);
@@ -96,21 +96,17 @@ void MapBuilder::orderMap() {
 void MapBuilder::orderEdges() {
   Buckets leaving;
   leaving.fill(map.vertices.size(), [this](auto add) {
-    for (size_t i = 0; i < edges.size(); ++i) add(edges[i].from, static_cast<int>(i));
+    for (const size_t i : watch.upTo(edges.size())) add(edges[i].from, static_cast<int>(i));
   });
   const auto key = [](const Link& e) { return std::make_tuple(e.to, e.left, e.right); };
   std::vector<Link> ordered(edges.size());
-  forEachInParallel(
-      map.vertices.size(), options.threads,
-      [&](size_t i) {
-        const int vertex = static_cast<int>(i);
-        const auto first = ordered.begin() + static_cast<std::ptrdiff_t>(leaving.placeOf(vertex));
-        const auto last =
-            std::transform(leaving.begin(vertex), leaving.end(vertex), first,
-                           [this](int edge) { return edges[static_cast<size_t>(edge)]; });
-        std::sort(first, last, [&](const Link& a, const Link& b) { return key(a) < key(b); });
-      },
-      ManyQuickItems);
+  forEach(map.vertices.size(), [&](size_t i) {
+    const int vertex = static_cast<int>(i);
+    const auto first = ordered.begin() + static_cast<std::ptrdiff_t>(leaving.placeOf(vertex));
+    const auto last = std::transform(leaving.begin(vertex), leaving.end(vertex), first,
+                                     [this](int edge) { return edges[static_cast<size_t>(edge)]; });
+    std::sort(first, last, [&](const Link& a, const Link& b) { return key(a) < key(b); });
+  });
   edges = std::move(ordered);
 }
 
@@ -118,12 +114,13 @@ void MapBuilder::orderCells(const std::vector<int>& firstVertex) {
   // A cell without edges is the whole sphere, or was nothing.
   const bool whole = edges.empty() && map.field == Field::Sphere;
   std::vector<std::tuple<std::int32_t, int, int>> order;
-  for (size_t i = 0; i < found.size(); ++i)
+  for (const size_t i : watch.upTo(found.size()))
     if (firstVertex[i] != std::numeric_limits<int>::max() || (whole && order.empty()))
       order.emplace_back(orderOf(found[i].region), firstVertex[i], static_cast<int>(i));
-  std::sort(order.begin(), order.end());
+  auto ascending = watch.order(std::less<>());
+  std::sort(order.begin(), order.end(), std::ref(ascending));
   cellNumbers.assign(found.size(), NoCell);
-  for (const auto& [region, first, number] : order) {
+  for (const auto& [region, first, number] : watch.over(order)) {
     cellNumbers[static_cast<size_t>(number)] = static_cast<int>(map.cells.size());
     const Found& f = found[static_cast<size_t>(number)];
     VisibleMap::Cell cell;
@@ -133,32 +130,34 @@ void MapBuilder::orderCells(const std::vector<int>& firstVertex) {
     cellPolygons.push_back(f.polygon);
     severalPolygons.push_back(f.several ? 1 : 0);
   }
-  for (Link& edge : edges)
+  for (Link& edge : watch.over(edges))
     for (int* cell : {&edge.left, &edge.right})
       if (*cell != NoCell) *cell = cellNumbers[static_cast<size_t>(*cell)];
 }
 
 void MapBuilder::makeRings() {
-  const int halves = static_cast<int>(2 * map.edges.size());
+  const size_t halves = 2 * map.edges.size();
   Buckets leaving;
   leaving.fill(map.vertices.size(), [&](auto add) {
-    for (int h = 0; h < halves; ++h)
+    for (const size_t i : watch.upTo(halves)) {
+      const int h = static_cast<int>(i);
       if (cellOfHalf(h) != NoCell) add(startOfHalf(h), h);
+    }
   });
   Buckets byCell;
   byCell.fill(map.cells.size(), [&](auto add) {
-    for (int h = 0; h < halves; ++h)
+    for (const size_t i : watch.upTo(halves)) {
+      const int h = static_cast<int>(i);
       if (cellOfHalf(h) != NoCell) add(cellOfHalf(h), h);
+    }
   });
   // Every half is in one ring, so the place of each cell's rings is known before they are.
   map.ringVertices.resize(byCell.size());
-  std::vector<char> taken(static_cast<size_t>(halves), 0);
+  std::vector<char> taken(halves, 0);
   std::vector<char> isFirst(byCell.size(), 0);
-  forEachInParallel(
-      map.cells.size(), options.threads,
-      [&](size_t c) { ringsOf(static_cast<int>(c), byCell, leaving, taken, isFirst); },
-      ManyQuickItems);
-  for (size_t c = 0; c < map.cells.size(); ++c) {
+  forEach(map.cells.size(),
+          [&](size_t c) { ringsOf(static_cast<int>(c), byCell, leaving, taken, isFirst); });
+  for (const size_t c : watch.upTo(map.cells.size())) {
     VisibleMap::Cell& cell = map.cells[c];
     cell.firstRing = map.ringOffsets.size();
     const size_t first = byCell.placeOf(static_cast<int>(c));

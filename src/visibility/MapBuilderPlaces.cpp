@@ -2,7 +2,6 @@
 // the middle of a wide edge, or the meeting of two of the lines that end in it.
 #include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
-#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 
 #include <algorithm>
@@ -25,30 +24,26 @@ using Kernel::Vec3;
 void MapBuilder::placeVertices() {
   Buckets edgesAt;
   edgesAt.fill(parts.vertices.size(), [this](auto add) {
-    for (size_t i = 0; i < edges.size(); ++i)
+    for (const size_t i : watch.upTo(edges.size()))
       for (const int vertex : {edges[i].from, edges[i].to})
         if (static_cast<size_t>(vertex) < parts.vertices.size() && edges[i].source != NoSource)
           add(vertex, static_cast<int>(i));
   });
   std::vector<Source> lines(edgesAt.size());
-  forEachInParallel(
-      parts.vertices.size(), options.threads,
-      [&](size_t i) {
-        const int vertex = static_cast<int>(i);
-        const int* const begin = edgesAt.begin(vertex);
-        const int* const end = edgesAt.end(vertex);
-        if (begin == end) return;
-        Source* const first = lines.data() + edgesAt.placeOf(vertex);
-        Source* last = std::transform(begin, end, first, [this](int edge) {
-          return edges[static_cast<size_t>(edge)].source;
-        });
-        std::sort(first, last);
-        last = std::unique(first, last);
-        // Which of two comes first makes no difference.
-        if (last - first > 2) std::sort(first, last, SourceOrder(*setup.state));
-        placeVertex(vertex, first, static_cast<size_t>(last - first));
-      },
-      ManyQuickItems);
+  forEach(parts.vertices.size(), [&](size_t i) {
+    const int vertex = static_cast<int>(i);
+    const int* const begin = edgesAt.begin(vertex);
+    const int* const end = edgesAt.end(vertex);
+    if (begin == end) return;
+    Source* const first = lines.data() + edgesAt.placeOf(vertex);
+    Source* last = std::transform(
+        begin, end, first, [this](int edge) { return edges[static_cast<size_t>(edge)].source; });
+    std::sort(first, last);
+    last = std::unique(first, last);
+    // Which of two comes first makes no difference.
+    if (last - first > 2) std::sort(first, last, SourceOrder(*setup.state));
+    placeVertex(vertex, first, static_cast<size_t>(last - first));
+  });
 }
 
 void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
@@ -119,7 +114,7 @@ Vec3 MapBuilder::normalOf(Source source) const {
 void MapBuilder::contractEdges() {
   JoinedSets sets;
   bool any = false;
-  for (const Link& edge : edges) {
+  for (const Link& edge : watch.over(edges)) {
     if (Kernel::distance(directions[static_cast<size_t>(edge.from)],
                          directions[static_cast<size_t>(edge.to)]) > SamePlace)
       continue;
@@ -130,12 +125,12 @@ void MapBuilder::contractEdges() {
   }
   if (!any) return;
   const auto coordinates = [](Vec3 d) { return std::make_tuple(d.x, d.y, d.z); };
-  for (size_t i = 0; i < directions.size(); ++i) {
+  for (const size_t i : watch.upTo(directions.size())) {
     Vec3& place = directions[static_cast<size_t>(sets.find(static_cast<int>(i)))];
     if (coordinates(directions[i]) < coordinates(place)) place = directions[i];
   }
   size_t kept = 0;
-  for (Link edge : edges) {
+  for (Link edge : watch.over(edges)) {
     edge.from = sets.find(edge.from);
     edge.to = sets.find(edge.to);
     if (edge.from != edge.to) edges[kept++] = edge;

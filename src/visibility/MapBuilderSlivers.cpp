@@ -2,12 +2,12 @@
 // become part of a neighbour, before edges are made and once more when vertices are in their
 // places.
 #include "kernel/Planar.h"
-#include "visibility/InParallel.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numeric>
 
 namespace Lumivane::Visibility {
@@ -48,7 +48,7 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
       e.neighbour = neighbour;
     }
   };
-  for (const Link& link : borders) {
+  for (const Link& link : watch.over(borders)) {
     const double length = Kernel::distance(start(link), end(link));
     if (link.left != NoCell)
       addBorder(extents[static_cast<size_t>(link.left)], start(link), length, link.right);
@@ -65,32 +65,30 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
     double right;
   };
   std::vector<Triangles> triangles(borders.size(), Triangles{0.0, 0.0});
-  forEachInParallel(
-      borders.size(), options.threads,
-      [&](size_t i) {
-        const Link& link = borders[i];
-        const auto from = [&](int cell) { return extents[static_cast<size_t>(cell)].from; };
-        if (link.left != NoCell)
-          triangles[i].left = triangleSolidAngle(from(link.left), start(link), end(link));
-        if (link.right != NoCell)
-          triangles[i].right = triangleSolidAngle(from(link.right), end(link), start(link));
-      },
-      ManyQuickItems);
-  for (size_t i = 0; i < borders.size(); ++i) {
+  forEach(borders.size(), [&](size_t i) {
+    const Link& link = borders[i];
+    const auto from = [&](int cell) { return extents[static_cast<size_t>(cell)].from; };
+    if (link.left != NoCell)
+      triangles[i].left = triangleSolidAngle(from(link.left), start(link), end(link));
+    if (link.right != NoCell)
+      triangles[i].right = triangleSolidAngle(from(link.right), end(link), start(link));
+  });
+  for (const size_t i : watch.upTo(borders.size())) {
     const Link& link = borders[i];
     if (link.left != NoCell) extents[static_cast<size_t>(link.left)].area += triangles[i].left;
     if (link.right != NoCell) extents[static_cast<size_t>(link.right)].area += triangles[i].right;
   }
   std::vector<int> order(found.size());
   std::iota(order.begin(), order.end(), 0);
-  std::stable_sort(order.begin(), order.end(), [this](int a, int b) {
+  auto byRegion = watch.order([this](int a, int b) {
     return orderOf(found[static_cast<size_t>(a)].region) <
            orderOf(found[static_cast<size_t>(b)].region);
   });
+  std::stable_sort(order.begin(), order.end(), std::ref(byRegion));
   bool any = false;
   bool isLeft = false;
   std::vector<char> grown(found.size(), 0);
-  for (const int cell : order) {
+  for (const int cell : watch.over(order)) {
     const Extent& e = extents[static_cast<size_t>(cell)];
     const double area = std::remainder(e.area, 4.0 * Pi);
     // What has been turned inside out by placing its vertices was narrower still. The sky, and
@@ -111,7 +109,7 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
   if (!any) return false;
   joinAlike(borders);
   size_t kept = 0;
-  for (Link link : borders) {
+  for (Link link : watch.over(borders)) {
     const int left = settled(link.left);
     const int right = settled(link.right);
     link.shared = link.shared && left == link.left && right == link.right;
@@ -125,7 +123,7 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
 
 // What a sliver of another region has parted is one cell without it.
 void MapBuilder::joinAlike(const std::vector<Link>& borders) {
-  for (const Link& link : borders) {
+  for (const Link& link : watch.over(borders)) {
     const int left = settled(link.left);
     const int right = settled(link.right);
     if (left == right || left == NoCell || right == NoCell) continue;

@@ -61,11 +61,11 @@ void MapBuilder::joinVertices() {
     asked[i] = 1;
     parts.vertexSets.join(known.first(vertex), vertex);
   };
-  for (const Piece& piece : parts.pieces) {
+  for (const Piece& piece : watch.over(parts.pieces)) {
     ask(piece.from);
     ask(piece.to);
   }
-  for (const Piece& piece : parts.pieces) {
+  for (const Piece& piece : watch.over(parts.pieces)) {
     if (piece.source != NoSource) continue;
     const CubePoint& a = parts.vertices[static_cast<size_t>(piece.from)];
     const CubePoint& b = parts.vertices[static_cast<size_t>(piece.to)];
@@ -77,7 +77,7 @@ void MapBuilder::joinVertices() {
 
 void MapBuilder::makeLinks() {
   links.reserve(parts.pieces.size());
-  for (const Piece& piece : parts.pieces) {
+  for (const Piece& piece : watch.over(parts.pieces)) {
     const int from = parts.vertexSets.find(piece.from);
     const int to = parts.vertexSets.find(piece.to);
     const int left = parts.areaSets.find(piece.left);
@@ -90,7 +90,7 @@ void MapBuilder::makeLinks() {
 // By region, the sky last; `orderMap` gives the final numbers.
 void MapBuilder::numberCells() {
   cellOfArea.assign(parts.areas.size(), NoCell);
-  for (size_t i = 0; i < parts.areas.size(); ++i) {
+  for (const size_t i : watch.upTo(parts.areas.size())) {
     const int root = parts.areaSets.find(static_cast<int>(i));
     const Area& area = parts.areas[i];
     if (area.region == BeyondRegion) continue;
@@ -102,12 +102,12 @@ void MapBuilder::numberCells() {
     Found& f = found[static_cast<size_t>(cell)];
     if (area.polygon != f.polygon) f.several = true;
   }
-  for (Link& link : links) {
+  for (Link& link : watch.over(links)) {
     link.left = cellOfArea[static_cast<size_t>(link.left)];
     link.right = cellOfArea[static_cast<size_t>(link.right)];
   }
   directions.resize(parts.vertices.size());
-  for (const Link& link : links)
+  for (const Link& link : watch.over(links))
     for (const int vertex : {link.from, link.to}) {
       Vec3& d = directions[static_cast<size_t>(vertex)];
       if (d == Vec3{}) d = directionOf(parts.vertices[static_cast<size_t>(vertex)]);
@@ -125,7 +125,7 @@ void MapBuilder::closeRings() {
     h = (h ^ h >> 29) * 0xBF58476D1CE4E5B9ull;
     return h ^ h >> 32;
   };
-  for (const Link& link : links) {
+  for (const Link& link : watch.over(links)) {
     const std::uint64_t turn = weight(link.left) - weight(link.right);
     balance[static_cast<size_t>(link.from)] += turn;
     balance[static_cast<size_t>(link.to)] -= turn;
@@ -139,7 +139,7 @@ void MapBuilder::closeRings() {
   });
   // First what fits together, then what is left over and close.
   for (const bool fitting : {true, false})
-    for (size_t i = 0; i < open.size(); ++i)
+    for (const size_t i : watch.upTo(open.size()))
       for (size_t k = i + 1; k < open.size(); ++k) {
         const auto a = static_cast<size_t>(open[i]);
         const auto b = static_cast<size_t>(open[k]);
@@ -152,7 +152,7 @@ void MapBuilder::closeRings() {
         if (fitting) balance[a] = balance[b] = 0;
       }
   size_t kept = 0;
-  for (Link link : links) {
+  for (Link link : watch.over(links)) {
     link.from = parts.vertexSets.find(link.from);
     link.to = parts.vertexSets.find(link.to);
     if (link.from != link.to) links[kept++] = link;

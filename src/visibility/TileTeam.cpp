@@ -94,12 +94,7 @@ void TileTeam::throwFailure() const {
 void TileTeam::countTile(int level) {
   const std::uint64_t now =
       done.fetch_add(level <= 40 ? WholeFace >> level : 0, std::memory_order_relaxed);
-  if (!report || std::this_thread::get_id() != maker) return;
-  const auto time = std::chrono::steady_clock::now();
-  if (time - lastReport < std::chrono::milliseconds(100)) return;
-  lastReport = time;
-  // The last tenth is for making the map of the parts.
-  report(0.9 * static_cast<double>(now) / static_cast<double>(FaceCount * WholeFace));
+  report.at(PartsShare * static_cast<double>(now) / static_cast<double>(FaceCount * WholeFace));
 }
 
 }  // namespace Lumivane::Visibility

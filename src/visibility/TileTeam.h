@@ -2,9 +2,9 @@
 
 #include "visibility/MapParts.h"
 #include "visibility/TileStart.h"
+#include "visibility/Watch.h"
 
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,6 @@
 #include <exception>
 #include <functional>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 namespace Lumivane::Visibility {
@@ -71,7 +70,7 @@ class TileTeam {
   TileJob* wait(IsOver isOver);
 
   const std::atomic<bool>* cancelled;
-  const std::function<void(double)>& report;
+  ProgressReport report;
   std::mutex mutex;
   std::condition_variable changed;
   std::deque<TileJob> jobs;     // stay where they are
@@ -83,8 +82,6 @@ class TileTeam {
   alignas(64) std::atomic<std::uint64_t> done{0};
   bool over = false;
   std::exception_ptr failure;
-  const std::thread::id maker = std::this_thread::get_id();
-  std::chrono::steady_clock::time_point lastReport = std::chrono::steady_clock::now();
 };
 
 }  // namespace Lumivane::Visibility

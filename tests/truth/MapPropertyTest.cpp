@@ -399,9 +399,15 @@ TEST(Look, ReportsProgressThatNeverFalls) {
     last = part;
     ++calls;
   };
-  index.look({0, 0, 0}, options);
-  EXPECT_FALSE(fell);
-  EXPECT_GT(calls, 0);
+  for (const bool alone : {false, true}) {
+    options.alone = alone;
+    last = 0.0;
+    calls = 0;
+    index.look({0, 0, 0}, options);
+    EXPECT_FALSE(fell);
+    EXPECT_GT(calls, 1);
+    EXPECT_EQ(last, 1.0);
+  }
 }
 
 TEST(Look, LetsAnExceptionOfProgressThrough) {
