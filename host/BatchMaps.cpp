@@ -3,6 +3,7 @@
 
 #include "BatchMaps.h"
 
+#include "BatchSummary.h"
 #include "Csv.h"
 #include "Geodata.h"
 #include "HostError.h"
@@ -247,9 +248,7 @@ std::string BatchMaps::pointsText(const std::string& heading,
     const Fields fields = fieldsOf(rows[i], columns);
     for (const std::string& name : columns) {
       const std::string& value = fields.at(name);
-      const bool isText =
-          name == "name" || name == "status" || name == "error" || name == "largest_object";
-      const std::optional<double> number = isText ? std::nullopt : numberOf(value);
+      const std::optional<double> number = isTextOfSummary(name) ? std::nullopt : numberOf(value);
       if (value.empty()) continue;
       properties.add(keyText(name), number ? numberNode(*number) : textNode(value));
     }

@@ -41,6 +41,8 @@ const std::vector<std::string> Columns = {
     "true_x",
     "true_y",
     "true_z",
+    "largest_class",
+    "largest_class_view_factor",
 };
 
 // As few digits as read back to the same double.
@@ -74,8 +76,11 @@ std::vector<std::string> measureFields(const std::optional<ExactSummary>& seen, 
 std::size_t countOf(const SummaryClasses& classes) { return classes ? classes->size() + 1 : 0; }
 
 void addPlaceAndClasses(const std::optional<ExactSummary>& seen, const Session::Vector& trueEye,
-                        const SummaryClasses& classes, std::vector<std::string>& fields) {
+                        const SummaryClasses& classes, bool isSafe,
+                        std::vector<std::string>& fields) {
   for (const double coordinate : trueEye) fields.push_back(text(coordinate));
+  fields.push_back(seen ? cell(seen->largestClass, isSafe) : "");
+  fields.push_back(seen && seen->largestClassViewFactor ? text(*seen->largestClassViewFactor) : "");
   for (std::size_t i = 0; i < countOf(classes); ++i)
     fields.push_back(seen && i < seen->classViewFactors.size() ? text(seen->classViewFactors[i])
                                                                : "");
@@ -93,6 +98,12 @@ std::string summaryHeading(const SummaryClasses& classes, bool isSafe) {
   return csvRecord(columns);
 }
 
+bool isTextOfSummary(const std::string& column) {
+  static const std::vector<std::string> texts = {"name", "status", "error", "largest_object",
+                                                 "largest_class"};
+  return std::find(texts.begin(), texts.end(), column) != texts.end();
+}
+
 std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
                        const std::optional<ExactSummary>& seen, const Session::Vector& trueEye,
                        const SummaryClasses& classes, bool isSafe) {
@@ -105,7 +116,7 @@ std::string summaryRow(const std::string& name, const Session::TakenShot& shot,
   fields.push_back(shot.hasCycle() ? "1" : "0");
   fields.push_back(shot.isInside() || (seen && seen->isInside) ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
-  addPlaceAndClasses(seen, trueEye, classes, fields);
+  addPlaceAndClasses(seen, trueEye, classes, isSafe, fields);
   return csvRecord(fields);
 }
 
@@ -117,7 +128,7 @@ std::string exactSummaryRow(const std::string& name, const Session::Vector& eye,
   fields.insert(fields.end(), 5, "");  // of shots alone
   fields.push_back(seen.isInside ? "1" : "0");
   for (const std::string& field : measureFields(seen, isSafe)) fields.push_back(field);
-  addPlaceAndClasses(seen, trueEye, classes, fields);
+  addPlaceAndClasses(seen, trueEye, classes, isSafe, fields);
   return csvRecord(fields);
 }
 

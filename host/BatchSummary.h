@@ -21,6 +21,10 @@ using SummaryClasses = std::optional<std::vector<std::string>>;
 /// The heading of a summary, without a line end.
 std::string summaryHeading(const SummaryClasses& classes, bool isSafe);
 
+/// Whether a column of summaries holds texts, also where names or ids are digits: so a column has
+/// one type in all files.
+bool isTextOfSummary(const std::string& column);
+
 /// The row of a view that was made, and of one that was not.
 ///
 /// \param trueEye  the eye of the table, in the coordinates of the scene's file

@@ -1,15 +1,27 @@
 #include "ExactBatch.h"
 
 #include "ExactScene.h"
-#include "GroundSearch.h"
 #include "Options.h"
 #include "SceneSource.h"
+#include "UnderGroundTest.h"
 
 #include <lumivane/check/InsideTest.h>
 #include <lumivane/session/Files.h>
 
 namespace Lumivane::Host {
 namespace {
+
+void addClasses(const Visibility::VisibleMap& map, const Visibility::MapShares& shares,
+                ExactSummary& summary) {
+  for (const Visibility::MapShares::ClassRow& row : shares.classes()) {
+    summary.classViewFactors.push_back(row.share.viewFactor);
+    if (row.classNumber < 0 || !(row.share.solidAngle > 0.0)) continue;
+    if (summary.largestClassViewFactor && row.share.viewFactor <= *summary.largestClassViewFactor)
+      continue;
+    summary.largestClassViewFactor = row.share.viewFactor;
+    summary.largestClass = map.names->classNames.at(static_cast<size_t>(row.classNumber));
+  }
+}
 
 ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapShares& shares) {
   ExactSummary summary;
@@ -23,8 +35,7 @@ ExactSummary summaryOf(const Visibility::VisibleMap& map, const Visibility::MapS
     summary.largestViewFactor = object.share.viewFactor;
     summary.largestId = map.names->objectIds.at(static_cast<size_t>(object.label.object) - 1);
   }
-  for (const Visibility::MapShares::ClassRow& row : shares.classes())
-    summary.classViewFactors.push_back(row.share.viewFactor);
+  addClasses(map, shares, summary);
   return summary;
 }
 

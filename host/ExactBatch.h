@@ -19,6 +19,8 @@ struct ExactSummary {
   std::string largestId;  ///< of the object with the largest view factor; as the scene gave it
   std::optional<double> largestViewFactor;  ///< none if no object is seen
   std::vector<double> classViewFactors;     ///< of all classes, and last of what has none
+  std::string largestClass;  ///< the class with the largest view factor; empty if none is seen
+  std::optional<double> largestClassViewFactor;  ///< none if no class is seen
   /// Under the ground, or inside a body; the latter only of a view without a shot, which says it
   /// otherwise.
   bool isInside = false;

@@ -7,6 +7,7 @@
 #include "FileMark.h"
 #include "GroundSearch.h"
 #include "RowJournal.h"
+#include "UnderGroundTest.h"
 
 #include <lumivane/session/Text.h>
 

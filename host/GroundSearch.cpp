@@ -52,55 +52,15 @@ std::optional<GroundSearch::Hit> GroundSearch::at(double x, double y) const {
   return hit;
 }
 
-UnderGroundTest::UnderGroundTest(const Visibility::SceneIndex& index)
-    : surfaces(index), search(index, surfaces, "ground", "") {
-  lowest = std::numeric_limits<double>::infinity();
-  lowestTerrain = lowest;
-  const Visibility::PolygonScene& all = surfaces.pieces();
-  const std::vector<bool> isOfTerrain = surfaces.areClasses(terrainClasses());
-  for (std::size_t i = 0; i < all.labels.size(); ++i) {
-    const int number = i < all.classes.size() ? all.classes[i] : -1;
-    const bool isTerrain = number >= 0 && isOfTerrain[static_cast<std::size_t>(number)];
-    for (std::size_t c = all.offsets[i]; c < all.offsets[i + 1]; ++c) {
-      const double z = all.points[static_cast<std::size_t>(all.corners[c])][2];
-      lowest = std::min(lowest, z);
-      if (isTerrain) lowestTerrain = std::min(lowestTerrain, z);
-    }
-  }
-}
-
-bool UnderGroundTest::isUnder(const Visibility::Vector& eye) const {
-  if (!std::isfinite(eye[0]) || !std::isfinite(eye[1]) || !std::isfinite(eye[2])) return false;
-  if (const auto ground = search.at(eye[0], eye[1])) return search.isBelow(eye, ground->z);
-  const auto underside = search.lowestUnderside(eye[0], eye[1]);
-  if (underside && search.isBelow(eye, underside->z) &&
-      surfaces.isOf(underside->label, terrainClasses()))
-    return true;
-  return isBelowAllGround(eye[2]);
-}
-
-// What is ground is known of classes. Without them it would have to be looked for under each
-// surface; so there the eye must be lower than all of the scene.
-bool UnderGroundTest::isBelowAllGround(double z) const {
-  if (std::isfinite(lowestTerrain)) return z < lowestTerrain;
-  return z < lowest && hasGround();
-}
-
-// Whether any surface is the ground at its middle. Searched for when it is first asked for, since
-// few eyes are that low.
-bool UnderGroundTest::hasGround() const {
-  std::call_once(isSearched, [this] {
-    const Visibility::PolygonScene& all = surfaces.pieces();
-    for (std::size_t i = 0; i < all.labels.size() && !isGroundFound; ++i) {
-      Visibility::Vector middle{};
-      for (std::size_t c = all.offsets[i]; c < all.offsets[i + 1]; ++c)
-        for (std::size_t axis = 0; axis < 2; ++axis)
-          middle[axis] += all.points[static_cast<std::size_t>(all.corners[c])][axis] /
-                          static_cast<double>(all.offsets[i + 1] - all.offsets[i]);
-      isGroundFound = search.at(middle[0], middle[1]).has_value();
-    }
-  });
-  return isGroundFound;
+std::optional<GroundSearch::Hit> GroundSearch::backAbove(const Visibility::Vector& point) const {
+  const double x = point[0];
+  const double y = point[1];
+  std::optional<Hit> lowest;
+  for (std::optional<Hit> hit = next(x, y, high, -1.0); hit && isBelow(point, hit->z);
+       hit = next(x, y, hit->z - step, -1.0))
+    lowest = hit;
+  const std::optional<Hit> front = next(x, y, point[2], 1.0);
+  return lowest && front && front->z <= lowest->z + step ? std::nullopt : lowest;
 }
 
 // The first surface from a height on that looks back: one seen from above on the way down, one seen

@@ -4,7 +4,6 @@
 
 #include <lumivane/visibility/SceneIndex.h>
 
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,6 +34,9 @@ class GroundSearch {
   bool isBelow(const Visibility::Vector& point, double z) const { return point[2] < z - step; }
   /// The lowest surface at x and y that is seen from below; nothing if there is none.
   std::optional<Hit> lowestUnderside(double x, double y) const { return next(x, y, low, 1.0); }
+  /// The surface straight above a point that is met first, if its upper side alone is seen, so that
+  /// the point is behind it; nothing otherwise.
+  std::optional<Hit> backAbove(const Visibility::Vector& point) const;
 
  private:
   std::optional<Hit> next(double x, double y, double from, double upwards) const;
@@ -48,31 +50,6 @@ class GroundSearch {
   double low = 0.0;                  // under the whole scene
   double high = 0.0;                 // over it
   double step = 0.0;  // surfaces closer than this to one above them are not looked for
-};
-
-/// Whether eyes are under the ground of a scene, as `ground` of `GroundSearch` finds it: from there
-/// it is seen from behind, and so not at all. At a place without such ground an eye is under it if
-/// the lowest surface there is terrain above the eye that looks down, as the ground surface of a
-/// house does, or if the eye is lower than all ground of the scene.
-class UnderGroundTest {
- public:
-  /// The index is borrowed.
-  explicit UnderGroundTest(const Visibility::SceneIndex& index);
-  UnderGroundTest(const UnderGroundTest&) = delete;
-  UnderGroundTest& operator=(const UnderGroundTest&) = delete;
-  /// Any number of threads may ask.
-  bool isUnder(const Visibility::Vector& eye) const;
-
- private:
-  bool isBelowAllGround(double z) const;
-  bool hasGround() const;
-
-  SceneSurfaces surfaces;
-  GroundSearch search;
-  double lowestTerrain = 0.0;  // of what is terrain by its class; infinite without any
-  double lowest = 0.0;         // of the scene; infinite without points
-  mutable std::once_flag isSearched;
-  mutable bool isGroundFound = false;
 };
 
 }  // namespace Lumivane::Host

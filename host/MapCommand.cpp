@@ -276,6 +276,15 @@ void reportBeside(const std::string& table, const std::vector<DrawingValues::Val
               << values.size() << " eyes lie beside the scene, and not on its plan\n";
 }
 
+// Of eyes above each other, as on walls, a plan shows the highest.
+void reportHidden(const std::string& table, const std::vector<DrawingValues::Value>& values) {
+  std::set<std::array<double, 2>> places;
+  for (const DrawingValues::Value& value : values) places.insert({value.place[0], value.place[1]});
+  if (places.size() < values.size())
+    std::cerr << "lumivane: " << oneLine(table) << ": " << values.size() - places.size()
+              << " eyes stand straight below others, which are drawn over them\n";
+}
+
 Drawing drawn(const MapOptions& options, const SourcedScene& source, const DrawingOptions& plan) {
   try {
     return Pictures::drawScene(sceneIndexOf(options.scene, source),
@@ -306,6 +315,7 @@ void runMap(const MapOptions& options) {
   const SourcedScene source = loadScene(options.scene, options.import);
   const DrawingOptions plan = planOf(options, source.eyeShift);
   reportBeside(options.table, plan.values->values, plan.values->side, source.scene().scene());
+  reportHidden(options.table, plan.values->values);
   const Drawing drawing = drawn(options, source, plan);
   std::vector<std::pair<std::string, std::string>> outputs;
   if (!options.svg.empty()) outputs.emplace_back(options.svg, DrawingWriter::svg(drawing));

@@ -1,5 +1,6 @@
 #include "NpyTable.h"
 
+#include "BatchSummary.h"
 #include "Csv.h"
 #include "HostError.h"
 
@@ -127,14 +128,9 @@ class Table {
     for (std::size_t i = 0; i < fields.size(); ++i) {
       double ignored = 0.0;
       columns[i].isText =
-          columns[i].isText || isTextColumn(columns[i].name) || !readNumber(fields[i], ignored);
+          columns[i].isText || isTextOfSummary(columns[i].name) || !readNumber(fields[i], ignored);
       columns[i].longest = std::max(columns[i].longest, charactersOf(fields[i]).size());
     }
-  }
-
-  // Also where names or ids are digits, so that a column has one type in all tables.
-  static bool isTextColumn(const std::string& name) {
-    return name == "name" || name == "status" || name == "error" || name == "largest_object";
   }
 
   void addRow(const std::vector<std::string>& fields, std::string& text) const {

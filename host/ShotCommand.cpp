@@ -28,9 +28,18 @@ namespace {
 using Session::LoadedScene;
 using Session::TakenShot;
 
+// Tables and pages have a column of classes.
+bool showsClasses(const ShotOptions& options) {
+  return !options.visible.empty() || !options.vector.html.empty();
+}
+
 void checkOutputs(const ShotOptions& options) {
+  if (!options.import.classes.empty() && !showsClasses(options))
+    throw ArgumentError("--classes",
+                        "is for a column of classes: name an output that has one with --visible "
+                        "or --html");
   ImportSettings import = options.import;
-  import.asksForClasses = !options.visible.empty();
+  import.asksForClasses = showsClasses(options);
   OutputNames names(sourceFiles(options.scene, import));
   names.add("--output", options.shot);
   names.add("--png", options.png);
@@ -43,7 +52,7 @@ SourcedScene readScene(const ShotOptions& options, Seconds& seconds) {
   const Timer timer(seconds.read);
   ImportSettings import = options.import;
   import.eye = options.view.eye;
-  import.asksForClasses = !options.visible.empty();
+  import.asksForClasses = showsClasses(options);
   return loadScene(options.scene, import);
 }
 

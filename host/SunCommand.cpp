@@ -6,13 +6,13 @@
 #include "ExactScene.h"
 #include "EyeThreads.h"
 #include "FileMark.h"
-#include "GroundSearch.h"
 #include "HostError.h"
 #include "OutputNames.h"
 #include "SceneSource.h"
 #include "SunJournal.h"
 #include "SunOptions.h"
 #include "SunPlace.h"
+#include "UnderGroundTest.h"
 #include "ViewTable.h"
 
 #include <lumivane/check/InsideTest.h>

@@ -152,7 +152,6 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
 
 void addShotSceneOptions(CLI::App& command, ShotOptions& options) {
   addClasses(command, options.import);
-  command.get_option("--classes")->needs("--visible");
 }
 
 void addBatchedShotOptions(CLI::App& command, ShotOptions& options) {

@@ -7,6 +7,7 @@
 #include "HostError.h"
 #include "ShotShares.h"
 
+#include <lumivane/measure/ShareClasses.h>
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/SvgWriter.h>
@@ -61,9 +62,10 @@ std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
 }
 
 void addToPage(Pictures::HtmlPage& page, const Session::TakenShot& shot, ShotShares& shares,
-               Pictures::VectorOptions options, const Visibility::MapShares& exact) {
+               Pictures::VectorOptions options, const Visibility::MapShares& exact,
+               const Measure::ShareClasses& classes) {
   options.extent = std::max(options.extent, PageExtent);
-  page.add(VectorPicture(shot.shot(), options), shares.get(), &exact);
+  page.add(VectorPicture(shot.shot(), options), shares.get(), &exact, classes);
 }
 
 // From where the shot was taken, which may be a little off from where it was to be taken: so the
@@ -153,11 +155,12 @@ void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
     if (!files.html.empty()) {
       Pictures::HtmlPage page(options.title);
       const Visibility::MapShares exact = exactShares(scene, view, shot);
-      addToPage(page, shot, shares, options, exact);
+      const Measure::ShareClasses classes(scene);
+      addToPage(page, shot, shares, options, exact, classes);
       if (files.htmlBoth) {
         const Session::TakenShot other = otherShot(scene, view);
         ShotShares othersShares(other);
-        addToPage(page, other, othersShares, options, exact);
+        addToPage(page, other, othersShares, options, exact, classes);
       }
       pictures.push_back({files.html, page.text()});
     }

@@ -2,7 +2,6 @@
 
 #include "Commands.h"
 #include "ExactScene.h"
-#include "GroundSearch.h"
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
@@ -10,6 +9,7 @@
 #include "SceneSource.h"
 #include "Stats.h"
 #include "StatsNumbers.h"
+#include "UnderGroundTest.h"
 #include "ViewReport.h"
 #include "Warnings.h"
 

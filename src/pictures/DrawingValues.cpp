@@ -8,6 +8,8 @@
 #include <charconv>
 #include <cmath>
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace Lumivane::Pictures {
 namespace {
@@ -68,6 +70,51 @@ Drawing::Line dotAt(const DrawnScene& scene, const Visibility::Vector& at, doubl
 
 bool isInBox(const Vec2& p, const PlaneBox& box) {
   return p.x >= box.low.x && p.x <= box.high.x && p.y >= box.low.y && p.y <= box.high.y;
+}
+
+// The nearest last, which is drawn over the others.
+std::vector<DrawingValues::Value> fromFarToNear(const DrawnScene& scene,
+                                                const DrawingValues& values) {
+  std::vector<DrawingValues::Value> sorted = values.values;
+  const auto depth = [&scene](const DrawingValues::Value& value) {
+    return Kernel::dot({value.place[0], value.place[1], value.place[2]}, scene.map.forward);
+  };
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [&](const DrawingValues::Value& a, const DrawingValues::Value& b) {
+                     return depth(a) > depth(b);
+                   });
+  return sorted;
+}
+
+// Whether no two squares overlap, so that those of one shade may be one path: where the outlines of
+// a path overlap, it is not filled.
+bool areApart(const DrawingValues& values) {
+  const double least = values.side * (1.0 - 1e-6);
+  std::map<std::array<double, 2>, std::vector<std::array<double, 2>>> buckets;
+  for (const DrawingValues::Value& value : values.values) {
+    const std::array<double, 2> at = {value.place[0], value.place[1]};
+    const std::array<double, 2> own = {std::floor(at[0] / values.side),
+                                       std::floor(at[1] / values.side)};
+    for (const double x : {own[0] - 1.0, own[0], own[0] + 1.0})
+      for (const double y : {own[1] - 1.0, own[1], own[1] + 1.0}) {
+        const auto found = buckets.find({x, y});
+        if (found == buckets.end()) continue;
+        for (const std::array<double, 2>& other : found->second)
+          if (std::abs(other[0] - at[0]) < least && std::abs(other[1] - at[1]) < least)
+            return false;
+      }
+    buckets[own].push_back(at);
+  }
+  return true;
+}
+
+Drawing::Path shadePath(int shade, const DrawingValues& values) {
+  Drawing::Path path;
+  path.closed = true;
+  path.fill = scaleColor(static_cast<double>(shade) / (Shades - 1));
+  path.color = values.side > 0.0 ? *path.fill : Black;
+  path.width = values.side > 0.0 ? SeamWidth : ThinLine;
+  return path;
 }
 
 Drawing::Path boxPath(double left, double top, double width, double height) {
@@ -134,25 +181,30 @@ Color scaleColor(double part) {
 void addValues(const DrawnScene& scene, Drawing& drawing) {
   if (!scene.options.values || scene.options.strokes) return;
   const DrawingValues& values = *scene.options.values;
+  const bool isTogether = values.side > 0.0 && areApart(values);
   std::map<int, Drawing::Path> shades;
-  for (const DrawingValues::Value& value : values.values) {
+  Group layer;
+  layer.id = layer.name = "values";
+  layer.isLayer = true;
+  for (const DrawingValues::Value& value : fromFarToNear(scene, values)) {
     Drawing::Line line;
     if (values.side > 0.0)
       line = scene.paper(squareAt(scene, value.place, values.side));
     else if (isInBox(onPlane(scene, value.place), scene.plane.box()))
       line = dotAt(scene, value.place, 0.5 * values.dot);
-    if (line.size() > 2) shades[shadeOf(value.value, values)].lines.push_back(std::move(line));
+    if (line.size() <= 2) continue;
+    const int shade = shadeOf(value.value, values);
+    if (isTogether) {
+      shades[shade].lines.push_back(std::move(line));
+      continue;
+    }
+    layer.paths.push_back(shadePath(shade, values));
+    layer.paths.back().lines.push_back(std::move(line));
   }
-  Group layer;
-  layer.id = layer.name = "values";
-  layer.isLayer = true;
   for (auto& shade : shades) {
-    Drawing::Path& path = shade.second;
+    Drawing::Path path = shadePath(shade.first, values);
     path.id = "value-" + std::to_string(shade.first);
-    path.closed = true;
-    path.fill = scaleColor(static_cast<double>(shade.first) / (Shades - 1));
-    path.color = values.side > 0.0 ? *path.fill : Black;
-    path.width = values.side > 0.0 ? SeamWidth : ThinLine;
+    path.lines = std::move(shade.second.lines);
     layer.paths.push_back(std::move(path));
   }
   drawing.layers.push_back(std::move(layer));

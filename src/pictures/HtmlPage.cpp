@@ -1,12 +1,15 @@
 // A page is one file: the template with the pictures' SVG and a table of values in it. Texts are
-// escaped for the place where they stand, in HTML or in a script.
+// escaped for the place where they stand, in HTML or in a script. Classes stand beside the rows of
+// a table, and only where something has one: pages of other scenes have no column of them.
 
 #include "algorithm/pipeline/TypeProjection.h"
 #include "kernel/DisplayText.h"
 #include "pictures/MapPlane.h"
 #include "pictures/PageSource.h"
+#include "pictures/SeenClasses.h"
 #include "pictures/SvgText.h"
 
+#include <lumivane/measure/ShareClasses.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/SvgWriter.h>
@@ -64,16 +67,21 @@ std::vector<double> valuesOf(const Measure::Share& share, const Visibility::View
   return values;
 }
 
-Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* exact) {
+Json tableOf(const Measure::VisibleShares& shares, const Visibility::MapShares* exact,
+             const Measure::ShareClasses& classes) {
   std::vector<std::string> columns = {"viewFactor", "solidAngle", "share"};
   if (exact != nullptr) columns.insert(columns.end(), {"exactFactor", "exactAngle"});
   Json result = table(Algorithm::tableNameOf(shares.projection()), "hemisphere", columns);
   const Visibility::ViewShare none;
+  const SeenClasses seen(shares, classes);
   for (const Measure::ObjectShare& object : shares.objects()) {
     const auto at = static_cast<std::size_t>(object.objectNumber) - 1;
     const Visibility::ViewShare* share = exact == nullptr ? nullptr : &none;
     if (exact != nullptr && at < exact->objects().size()) share = &exact->objects()[at].share;
     result["rows"].push_back(row(object.objectNumber, object.id, valuesOf(object.share, share)));
+    if (!classes.isEmpty())
+      result["classes"].push_back(
+          xmlText(seen.text(object.objectNumber, classes.ofObject(object.objectNumber))));
   }
   const Visibility::ViewShare* sky = exact == nullptr ? nullptr : &exact->sky();
   result["rows"].push_back(row(0, "", valuesOf(shares.open(), sky)));
@@ -91,10 +99,15 @@ Json tableOf(const Visibility::VisibleMap& map, const Visibility::MapShares& sha
     if (isHemisphere) values.insert(values.begin(), share.viewFactor);
     result["rows"].push_back(row(number, id, values));
   };
+  const SeenClasses seen(map, shares);
+  const bool hasClasses = map.names && !map.names->classNames.empty();
   for (std::size_t i = 0; i < shares.objects().size(); ++i) {
+    const Visibility::MapShares::Row& object = shares.objects()[i];
     const bool hasId = map.names && i < map.names->objectIds.size();
-    add(shares.objects()[i].label.object, hasId ? map.names->objectIds[i] : "",
-        shares.objects()[i].share);
+    add(object.label.object, hasId ? map.names->objectIds[i] : "", object.share);
+    if (hasClasses)
+      result["classes"].push_back(
+          xmlText(seen.text(object.label.object, SeenClasses::nameOf(map, object.classNumber))));
   }
   add(0, "", shares.sky());
   return result;
@@ -112,10 +125,14 @@ Json tableOf(const Visibility::ParallelMap& map, const std::string& name) {
     sum += cell.area;
   }
   Json result = table(name, "picture", {"area", "share"});
-  for (std::size_t i = 0; i < areas.size(); ++i)
-    result["rows"].push_back(row(static_cast<int>(i) + 1,
+  const SeenClasses seen(map);
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    const int number = static_cast<int>(i) + 1;
+    result["rows"].push_back(row(number,
                                  i < map.names->objectIds.size() ? map.names->objectIds[i] : "",
                                  {areas[i], sum > 0.0 ? areas[i] / sum : 0.0}));
+    if (!map.names->classNames.empty()) result["classes"].push_back(xmlText(seen.text(number, "")));
+  }
   return result;
 }
 
@@ -188,9 +205,14 @@ std::string filled(const std::string& text, const std::map<std::string, std::str
 HtmlPage::HtmlPage(std::string title) : pageTitle(std::move(title)) {}
 
 void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares,
-                   const Visibility::MapShares* exact) {
+                   const Visibility::MapShares* exact, const Measure::ShareClasses& classes) {
   addSvg(picture);
-  tables.push_back(scriptJson(tableOf(shares, exact)));
+  tables.push_back(scriptJson(tableOf(shares, exact, classes)));
+}
+
+void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+                   const Visibility::MapShares* exact) {
+  add(picture, shares, exact, Measure::ShareClasses());
 }
 
 void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& shares) {

@@ -3,6 +3,7 @@
 
 #include "kernel/DisplayText.h"
 #include "pictures/ClassColor.h"
+#include "pictures/SeenClasses.h"
 #include "pictures/SunTables.h"
 #include "pictures/SvgText.h"
 
@@ -141,6 +142,7 @@ Table objectTable(const VisibleMap& map, const MapShares& shares) {
   const bool hasFractions = !shares.visibleFractions().empty();
   Table table;
   const std::vector<ShareRow> rows = seenRows(map, shares, ShareDepth::Object);
+  const SeenClasses classes(map, shares);
   table.title = "By object";
   table.note = std::to_string(rows.empty() ? 0 : rows.size() - 1) + " of " +
                std::to_string(shares.objects().size()) + " objects are seen";
@@ -152,7 +154,8 @@ Table objectTable(const VisibleMap& map, const MapShares& shares) {
   for (const ShareRow& row : rows) {
     std::vector<std::string> cells = cellsOf(map, row, row.kind == "sky" ? "sky" : row.id);
     cells.pop_back();
-    cells.insert(cells.begin() + 1, row.className);
+    cells.insert(cells.begin() + 1,
+                 row.kind == "sky" ? "" : classes.text(row.object, row.className));
     if (hasFractions)
       cells.push_back(row.visibleFraction ? fixed(*row.visibleFraction, LengthDecimals) : "");
     addDistances(row, cells);

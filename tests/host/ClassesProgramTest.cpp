@@ -148,7 +148,10 @@ TEST(ClassesProgram, SharesOfAShotNameTheClassesOfItsSurfaces) {
   EXPECT_EQ(0, classes["none"]);
   const Result useless = run({"shot", House, HouseEye, "--classes", numbers});
   EXPECT_EQ(2, useless.status);
-  EXPECT_EQ("lumivane: --classes requires --visible (see --help)\n", useless.err);
+  EXPECT_EQ(
+      "lumivane: --classes: is for a column of classes: name an output that has one with "
+      "--visible or --html\n",
+      useless.err);
 }
 
 TEST(ClassesProgram, TheSceneFileItselfHoldsNothingOfThem) {

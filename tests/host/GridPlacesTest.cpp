@@ -7,12 +7,14 @@
 #include "support/Vectors.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -179,6 +181,155 @@ TEST_F(GridPlaces, AnEyeUnderTheGroundSurfaceOfAHouseIsUnderTheGround) {
                                                 {"on land", "0"},
                                                 {"under land", "1"}}),
             inside);
+}
+
+// Polygons as a scene file, each seen from where its corners run clockwise, and its table of
+// classes.
+class HandScene {
+ public:
+  using Corner = std::array<double, 3>;
+
+  void add(const std::string& id, const std::string& className,
+           const std::vector<Corner>& corners) {
+    std::string numbers;
+    for (const Corner& c : corners) {
+      points += (points.empty() ? "[" : ",[") + std::to_string(c[0]) + "," + std::to_string(c[1]) +
+                "," + std::to_string(c[2]) + "]";
+      numbers += (numbers.empty() ? "" : ",") + std::to_string(++pointCount);
+    }
+    auto& own = regions[id];
+    own.push_back(numbers);
+    classes += id + "," + std::to_string(own.size()) + "," + className + "\n";
+  }
+  // Seen from outside, without a floor.
+  void addHouse(const std::string& id, Corner low, Corner high) {
+    const auto [x, y, z] = low;
+    const auto [a, b, c] = high;
+    add(id, "Wall", {{x, y, z}, {x, y, c}, {a, y, c}, {a, y, z}});
+    add(id, "Wall", {{a, y, z}, {a, y, c}, {a, b, c}, {a, b, z}});
+    add(id, "Wall", {{a, b, z}, {a, b, c}, {x, b, c}, {x, b, z}});
+    add(id, "Wall", {{x, b, z}, {x, b, c}, {x, y, c}, {x, y, z}});
+    addRoof(id, {x, y, c}, {a, b, c});
+  }
+  // Seen from above alone.
+  void addRoof(const std::string& id, Corner low, Corner high) { addSheet(id, "Roof", low, high); }
+  void addSheet(const std::string& id, const std::string& className, Corner low, Corner high) {
+    const double z = low[2];
+    add(id, className,
+        {{low[0], low[1], z}, {low[0], high[1], z}, {high[0], high[1], z}, {high[0], low[1], z}});
+  }
+
+  std::string text() const {
+    std::string objects;
+    for (const auto& [id, list] : regions) {
+      std::string faces;
+      std::string own;
+      for (std::size_t i = 0; i < list.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        faces += (i == 0 ? "" : ",") + (R"({"Regions":[)" + number + "]}");
+        own += (i == 0 ? "" : ",") +
+               (R"({"Brush":1,"Face":)" + number + R"(,"Points":[)" + list[i] + "]}");
+      }
+      objects += (objects.empty() ? "" : ",") + (R"({"Id":")" + id + R"(","Pen":1,"Faces":[)" +
+                                                 faces + R"(],"Regions":[)" + own + "]}");
+    }
+    return R"({"Brushes":[[9,9,9,255]],"Pens":[[0,0,0,255,1]],"Points":[)" + points +
+           R"(],"Objects":[)" + objects + "]}";
+  }
+  std::string classTable() const { return "id,face,class\n" + classes; }
+
+ private:
+  int pointCount = 0;
+  std::string points;
+  std::map<std::string, std::vector<std::string>> regions;
+  std::string classes;
+};
+
+// The column "inside" by the names of eyes.
+using Insides = std::map<std::string, std::string>;
+
+Insides insidesOf(const TempFolder& folder, const HandScene& scene, const std::string& views,
+                  bool hasClasses) {
+  const std::string name = hasClasses ? "classed" : "plain";
+  const std::string file = folder.file(name + ".json", scene.text());
+  if (hasClasses) folder.file(name + ".classes.csv", scene.classTable());
+  const std::string table = folder.file("eyes.csv", "name,eye\n" + views);
+  const Result result =
+      Lumivane::Test::runProcess({LUMIVANE_PROGRAM, "batch", file, table, "--out-dir",
+                                  folder.path(name), "--no-shots", "--jobs", "1"});
+  EXPECT_EQ(0, result.status) << result.err;
+  Insides inside;
+  for (const Row& row : rowsOf(Lumivane::Test::fileBytes(folder.path(name + "/summary.csv"))))
+    inside[row.at("name")] = row.at("inside");
+  return inside;
+}
+
+TEST(GridPlacesWithoutGround, AnEyeUnderAHouseWithoutAFloorIsUnderTheGround) {
+  const TempFolder folder;
+  HandScene scene;
+  scene.addHouse("house", {0, 0, 5}, {4, 6, 9});
+  const std::string views =
+      "just under,\"1,2,4.9\"\nunder,\"1,2,3\"\nfar under,\"1,2,-50\"\nin it,\"1,2,6\"\n"
+      "beside,\"7,2,3\"\nover,\"1,2,10\"\n";
+  const Insides expected = {{"just under", "1"}, {"under", "1"},  {"far under", "1"},
+                            {"in it", "1"},      {"beside", "0"}, {"over", "0"}};
+  EXPECT_EQ(expected, insidesOf(folder, scene, views, true));
+  // What no class says is built may be the ground: then the eye beside it is lower than all ground.
+  Insides plain = expected;
+  plain["beside"] = "1";
+  EXPECT_EQ(plain, insidesOf(folder, scene, views, false));
+}
+
+// The ground has a hole where the house stands, on a slope: what counts is the ground around it.
+TEST(GridPlacesWithoutGround, AnEyeUnderAHouseInAHoleOfTheTerrainIsUnderTheGround) {
+  const TempFolder folder;
+  HandScene scene;
+  scene.addHouse("house", {0, 0, 5}, {4, 6, 9});
+  scene.addSheet("land", "TINRelief", {-20, -20, 5}, {0, 20, 5});
+  scene.addSheet("land", "TINRelief", {4, -20, 5}, {20, 20, 5});
+  scene.addSheet("valley", "TINRelief", {50, -20, 0}, {90, 20, 0});
+  EXPECT_EQ((Insides{{"under", "1"}, {"in it", "1"}, {"on land", "0"}, {"between", "0"}}),
+            insidesOf(folder, scene,
+                      "under,\"1,2,3\"\nin it,\"1,2,6\"\non land,\"-3,2,6\"\n"
+                      "between,\"40,2,3\"\n",
+                      true));
+}
+
+TEST(GridPlacesWithoutGround, FreePlacesUnderSomethingAreNotUnderTheGround) {
+  const TempFolder folder;
+  HandScene scene;
+  // A house without a floor whose roof hangs over, and one around a court.
+  scene.addHouse("eaves", {0, 0, 0}, {6, 6, 5});
+  scene.addRoof("eaves", {-1, -1, 5.5}, {7, 7, 5.5});
+  for (const auto& [low, high] :
+       {std::pair(HandScene::Corner{20, 0, 0}, HandScene::Corner{30, 2, 4}),
+        {{20, 8, 0}, {30, 10, 4}},
+        {{20, 2, 0}, {22, 8, 4}},
+        {{28, 2, 0}, {30, 8, 4}}})
+    scene.addHouse("court", low, high);
+  // A roof on posts, and a bridge of one sheet on a pier.
+  scene.addRoof("carport", {40, 0, 3}, {46, 5, 3});
+  for (const double x : {40.0, 45.8})
+    for (const double y : {0.0, 4.8}) scene.addHouse("carport", {x, y, 0}, {x + 0.2, y + 0.2, 3});
+  scene.addSheet("bridge", "Bridge", {60, 0, 6}, {90, 4, 6});
+  scene.addHouse("bridge", {74, 1, 0}, {76, 3, 5.9});
+  const std::string views =
+      "eaves,\"-0.5,3,1.6\"\ncourt,\"25,5,1.6\"\ncarport,\"43,2.2,1.6\"\n"
+      "low carport,\"43,2.2,0.1\"\nbridge,\"66,2,1.6\"\nstreet,\"15,3,1.6\"\n";
+  const Insides expected = {{"eaves", "0"},       {"court", "0"},  {"carport", "0"},
+                            {"low carport", "0"}, {"bridge", "0"}, {"street", "0"}};
+  EXPECT_EQ(expected, insidesOf(folder, scene, views, true));
+  EXPECT_EQ(expected, insidesOf(folder, scene, views, false));
+}
+
+TEST(GridPlacesWithoutGround, APassageUnderAnUpperStoreyIsNotUnderTheGround) {
+  const TempFolder folder;
+  HandScene scene;
+  scene.addHouse("left", {0, 0, 0}, {6, 6, 8});
+  scene.addHouse("right", {10, 0, 0}, {16, 6, 8});
+  scene.addHouse("over the street", {6, 0, 4}, {10, 6, 8});
+  EXPECT_EQ((Insides{{"passage", "0"}, {"storey", "1"}}),
+            insidesOf(folder, scene, "passage,\"8,3,1.6\"\nstorey,\"8,3,6\"\n", true));
 }
 
 TEST_F(GridPlaces, SharesOfAnEndedRunAreTakenFromItsJournal) {

@@ -83,6 +83,23 @@ TEST_F(MapProgram, SquaresOfAGridAreItsCells) {
   EXPECT_NE(std::string::npos, dots.find("stroke=\"#000\"")) << dots;
 }
 
+// As on walls: where outlines of one path overlap, it would not be filled.
+TEST_F(MapProgram, DotsOverEachOtherAreAllFilledAndTheHighestIsOnTop) {
+  const std::string table =
+      "eye_x,eye_y,eye_z,v\n-9.5,-5.5,3,1\n-9.5,-5.5,6,0\n-9.5,-5.5,4,1\n-7.25,-5.5,3,0.5\n";
+  const std::string layer = values(table, {"--column", "v", "--cell", "0"});
+  EXPECT_EQ(4U, count(layer, "<path")) << layer;
+  EXPECT_EQ(2U, count(layer, "fill=\"#fde725\"")) << layer;
+  EXPECT_LT(layer.rfind("fill=\"#fde725\""), layer.find("fill=\"#440154\"")) << layer;
+  const Result result =
+      map(table, {"--column", "v", "--cell", "0", "--svg", folder.path("map.svg")});
+  EXPECT_NE(std::string::npos,
+            result.err.find("2 eyes stand straight below others, which are drawn over them"))
+      << result.err;
+  // Squares that overlap, too.
+  EXPECT_EQ(4U, count(values(table, {"--column", "v", "--cell", "3"}), "<path"));
+}
+
 TEST_F(MapProgram, EyesMayStandInATableOfTheirOwn) {
   const std::string views = folder.file("views.csv", "name,eye\na,\"-9.5,-5.5,3\"\n");
   const std::string shares = "name,kind,view_factor\na,total,0.25\na,sky,0.75\n";

@@ -1,16 +1,24 @@
 #include "pictures/PictureModels.h"
 #include "support/HandMap.h"
 
+#include <lumivane/measure/ShareClasses.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/MapPicture.h>
 #include <lumivane/pictures/SvgWriter.h>
 #include <lumivane/pictures/VectorPicture.h>
+#include <lumivane/session/LoadedScene.h>
+#include <lumivane/session/ScenePolygons.h>
+#include <lumivane/session/SurfaceClasses.h>
+#include <lumivane/session/TakenShot.h>
 #include <lumivane/visibility/MapShares.h>
+#include <lumivane/visibility/ParallelMap.h>
+#include <lumivane/visibility/SceneIndex.h>
 
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -162,6 +170,63 @@ TEST(HtmlPage, HoldsAMapAsDirectionsToBeDrawnInOtherProjections) {
   for (const char* const lines : {"underlay", "lines"})
     for (const Json& path : map.at(lines)) ends += path.size();
   EXPECT_EQ(2 * hand.map.edges.size(), ends);
+}
+
+// From x = 0: object 1, a small front in front of a large back, and object 2 hidden behind both.
+Session::LoadedScene frontBackAndHidden() {
+  Session::ScenePolygons polygons;
+  polygons.objectIds = {"house", "shed"};
+  const auto addSquare = [&polygons](double x, double half, int object) {
+    const int first = static_cast<int>(polygons.points.size());
+    for (const auto& [y, z] : {std::pair(-half, -half), {-half, half}, {half, half}, {half, -half}})
+      polygons.points.push_back({x, y, z});
+    polygons.add({first + 3, first + 2, first + 1, first}, object);
+  };
+  addSquare(4, 1, 0);
+  addSquare(5, 3, 0);
+  addSquare(6, 1, 1);
+  return Session::LoadedScene::fromPolygons(polygons, "squares");
+}
+
+TEST(HtmlPage, ClassesOfWhatIsSeenStandBesideTheRowsOfAMap) {
+  Session::LoadedScene scene = frontBackAndHidden();
+  scene.setClasses(Session::SurfaceClasses::ofNames({"Wall", "Roof </script>", "Door"}));
+  const Visibility::SceneIndex index(scene);
+  const Visibility::VisibleMap map = index.look({0, 0, 0});
+  HtmlPage page("classes");
+  page.add(VectorPicture(map, Pictures::MapColors(), {}), map, Visibility::MapShares(map));
+  const Json seen = {"Roof </script>, Wall", "Door"};  // the large back first; all of the hidden
+  EXPECT_EQ(seen, dataOf(page.text()).at("pictures").at(0).at("classes"));
+
+  HtmlPage plan("plan");
+  Visibility::ParallelOptions along;
+  along.direction = {1, 0, 0};
+  const Visibility::ParallelMap parallel = index.lookAlong(along);
+  plan.add(VectorPicture(map, Pictures::MapColors(), {}), parallel, "front");
+  EXPECT_EQ((Json{"Roof </script>, Wall", ""}),
+            dataOf(plan.text()).at("pictures").at(0).at("classes"));
+}
+
+TEST(HtmlPage, ClassesOfWhatIsSeenStandBesideTheRowsOfAShot) {
+  Session::LoadedScene scene = frontBackAndHidden();
+  scene.setClasses(Session::SurfaceClasses::ofNames({"Wall", "Roof", "Door"}));
+  const Session::TakenShot shot = scene.take({});
+  const Measure::VisibleShares shares(shot.shot());
+  HtmlPage page("classes");
+  page.add(VectorPicture(shot.shot()), shares, nullptr, Measure::ShareClasses(scene));
+  const Json picture = dataOf(page.text()).at("pictures").at(0);
+  EXPECT_EQ((Json{"Roof, Wall", "Door"}), picture.at("classes"));
+  EXPECT_EQ("house", picture.at("rows").at(0).at(1));
+}
+
+TEST(HtmlPage, SceneWithoutClassesHasNoColumnOfThem) {
+  const FourPieces model;
+  EXPECT_FALSE(dataOf(pageOf(model)).at("pictures").at(0).contains("classes"));
+  const HandMap hand = cubeAroundTheEye();
+  HtmlPage page("map");
+  page.add(VectorPicture(hand.map, Pictures::MapColors(), {}), hand.map,
+           Visibility::MapShares(hand.map));
+  EXPECT_FALSE(dataOf(page.text()).at("pictures").at(0).contains("classes"));
 }
 
 TEST(HtmlPage, MapOfASphereHasNoViewFactors) {

@@ -7,6 +7,7 @@
 #include <lumivane/visibility/MapShares.h>
 #include <lumivane/visibility/SceneIndex.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -124,6 +125,19 @@ TEST(ReportPage, ListsWhatIsSeenByObjectWithItsVisiblePart) {
   EXPECT_GT(1.0, std::stod(rows[1][5]));
   EXPECT_STREQ("2 of 3 objects are seen",
                document.select_node("//section[h2='By object']/p").node().text().get());
+}
+
+TEST(ReportPage, ObjectOfSeveralClassesHasThoseOfWhatIsSeen) {
+  Looked looked(true);
+  // The canopy, in front, and the roof behind it as one object.
+  auto names = std::make_shared<VisibleMap::Names>(*looked.map.names);
+  for (Visibility::Label& label : names->regions)
+    if (label.object == 2) label = {1, label.face, 2};
+  for (VisibleMap::Cell& cell : looked.map.cells)
+    if (cell.label.object == 2) cell.label = {1, cell.label.face, 2};
+  looked.map.names = names;
+  const auto rows = table(parsed(looked.page().text()), "By object");
+  EXPECT_EQ("Roof, Canopy", rows.at(1).at(1));
 }
 
 TEST(ReportPage, LeavesOutWhatTheMapDoesNotKnow) {

@@ -3,7 +3,7 @@
 
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, test } from "node:test";
@@ -602,6 +602,43 @@ test("the page of drawings shows the map in every projection, with hidden lines"
     assert.ok((await dashed.getAttribute("d")).length > 1000);
     await page.screenshot({ path: picture(`drawing-room-${name}`) });
   }
+});
+
+// What some objects of the room are.
+const classNames = { "chair one": "Seat", "chair two": "Seat", rug: "Floor" };
+const classTable = ["id,class", ...Object.entries(classNames).map((row) => row.join()), ""].join("\n");
+
+for (const command of ["shot", "view"]) {
+  test(`the page of ${command} has a column of classes, which sorts and is searched`, async (t) => {
+    const name = `classes-${command}.html`;
+    writeFileSync(inFolder("room.classes.csv"), classTable);
+    lumivane(command, join(LUMIVANE_SCENES, "room.json"), "--eye=0.35,2.137,1.6",
+             "--classes", inFolder("room.classes.csv"), "--html", inFolder(name));
+    const page = await open(t, name);
+    const cells = () => page.locator("#shown tr").evaluateAll((rows) =>
+      rows.map((row) => [row.cells[0].textContent, row.cells[1].textContent]));
+    for (const [id, text] of await cells())
+      assert.equal(text, classNames[id] ?? "", id);
+    const header = page.locator("th[data-column=class]");
+    await header.click();
+    assert.equal(await header.getAttribute("aria-sort"), "ascending");
+    const sorted = (await cells()).map(([, text]) => text);
+    assert.deepEqual(sorted, sorted.slice().sort());
+    await page.locator("#search").fill("seat");
+    assert.deepEqual((await rowNames(page)).sort(), ["chair one", "chair two"]);
+    await page.locator("#shown tr").first().hover();
+    await page.locator("#shown tr.hovered").waitFor();
+    assert.match(await status(page), /^chair (one|two): Seat, view factor/);
+    await page.locator("#search").fill("");
+    await page.screenshot({ path: picture(`classes-${command}`) });
+  });
+}
+
+test("the page of a scene without classes has no column of them", async (t) => {
+  const page = await open(t, "room.html");
+  assert.equal(await page.locator("th[data-column=class]").isVisible(), false);
+  const shown = await page.locator("th:visible").count();
+  assert.equal(await page.locator("#shown tr").first().locator("td").count(), shown);
 });
 
 test("the page of a shot offers no projections", async (t) => {

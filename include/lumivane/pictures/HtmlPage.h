@@ -7,8 +7,9 @@
 #include <vector>
 
 namespace Lumivane::Measure {
+class ShareClasses;
 class VisibleShares;
-}
+}  // namespace Lumivane::Measure
 
 namespace Lumivane::Visibility {
 class MapShares;
@@ -34,13 +35,16 @@ class LUMIVANE_PICTURES_EXPORT HtmlPage {
   /// \param picture  how it looks
   /// \param shares   what is visible of its objects, measured on the same shot
   /// \param exact    if not null, the shares of a map of the same hemisphere, whose objects have
-  /// the
-  ///                 same numbers: shown beside those of the picture
+  ///                 the same numbers: shown beside those of the picture
+  /// \param classes  what the surfaces of the scene are: a column, unless there are none
   void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
-           const Visibility::MapShares* exact);
-  void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without them.
+           const Visibility::MapShares* exact, const Measure::ShareClasses& classes);
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
+           const Visibility::MapShares* exact);  ///< Without classes.
+  void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without both.
   /// Adds a map. Between maps of one scene the page switches too, and it shows each in any
-  /// projection. Of cells that the picture leaves out nothing is shown in others, either
+  /// projection. What the map knows of classes is a column. Of cells that the picture leaves out
+  /// nothing is shown in others, either
   /// (`MapPictureOptions::allCells`).
   ///
   /// \param picture  how it looks at first

@@ -37,8 +37,9 @@
     share: (value) => (100 * value).toFixed(2),
   };
 
-  // The rows of a picture as objects with names for their columns.
-  const pictures = data.pictures.map(({ name, field, columns, rows, map }, i) => ({
+  // The rows of a picture as objects with names for their columns. Of scenes with classes a page has
+  // a class for each row but that of the sky.
+  const pictures = data.pictures.map(({ name, field, columns, rows, classes, map }, i) => ({
     name,
     field,
     map,
@@ -49,11 +50,13 @@
     columns: Object.keys(texts).filter((column) =>
       columns.includes(column) && column !== "exactAngle"),
     main: columns[0],
-    rows: rows.map(([number, id, ...values]) => ({
+    hasClasses: Boolean(classes),
+    rows: rows.map(([number, id, ...values], i) => ({
       number, id,
-      ...Object.fromEntries(columns.map((column, i) => [column, values[i]])),
+      ...Object.fromEntries(columns.map((column, k) => [column, values[k]])),
+      class: classes?.[i] ?? "",
       label: number === 0 ? "open (sky)" : id === "" ? `object ${number}` : id,
-      key: id.toLowerCase(),
+      keys: { id: id.toLowerCase(), class: (classes?.[i] ?? "").toLowerCase() },
     })),
   }));
   for (const picture of pictures) {
@@ -115,6 +118,8 @@
     return values.map((column) => parts[column](texts[column](row[column]))).join(", ");
   };
 
+  const described = (row) => row.class === "" ? figures(row) : `${row.class}, ${figures(row)}`;
+
   function tell(path) {
     const row = rowOf(state.hovered ?? state.selected);
     if (!row) {
@@ -122,7 +127,7 @@
       return;
     }
     const place = path ? `, face ${path.dataset.face}, region ${path.dataset.region}` : "";
-    byId("status").textContent = `${row.label}${place}: ${figures(row)}`;
+    byId("status").textContent = `${row.label}${place}: ${described(row)}`;
   }
 
   function hover(number, path) {
@@ -142,19 +147,25 @@
     mark();
     tell();
     const row = rowOf(number);
-    byId("announced").textContent = row ? `${row.label}: ${figures(row)}` : "";
+    byId("announced").textContent = row ? `${row.label}: ${described(row)}` : "";
   }
 
   // Table ------------------------------------------------------------------------------------------
 
+  const isText = (column) => column === "id" || column === "class";
+  const isShown = ({ columns, hasClasses }, column) =>
+    column === "id" || (column === "class" ? hasClasses : columns.includes(column));
+
   function listRows() {
     const query = byId("search").value.trim().toLowerCase();
     const all = pictures[state.picture].rows;
-    const rows = query === "" ? all.slice() : all.filter((row) => row.key.includes(query));
+    const rows = query === "" ? all.slice()
+      : all.filter(({ keys }) => keys.id.includes(query) || keys.class.includes(query));
     const sign = state.ascending ? 1 : -1;
     const column = state.column;
-    rows.sort(column === "id"
-      ? (a, b) => sign * (a.key < b.key ? -1 : a.key > b.key ? 1 : 0) || a.number - b.number
+    rows.sort(isText(column)
+      ? ({ keys: a, number }, { keys: b, number: other }) =>
+        sign * (a[column] < b[column] ? -1 : a[column] > b[column] ? 1 : 0) || number - other
       : (a, b) => sign * (a[column] - b[column]) || a.number - b.number);
     state.rows = rows;
     const count = all.filter((row) => row.number !== 0).length;
@@ -184,7 +195,8 @@
     row.setAttribute("aria-rowindex", String(index + 2));
     if (entry.number === 0) row.classList.add("open");
     cell(row, entry.label).title = entry.label;
-    const { columns, main, most } = pictures[state.picture];
+    const { columns, hasClasses, main, most } = pictures[state.picture];
+    if (hasClasses) cell(row, entry.class, "text").title = entry.class;
     for (const column of columns) {
       const value = cell(row, texts[column](entry[column]), column === main ? "factor" : "");
       if (column === main)
@@ -359,7 +371,7 @@
     if (row) select(Number(row.dataset.number), { scroll: false });
     if (!header) return;
     const column = header.dataset.column;
-    state.ascending = column === state.column ? !state.ascending : column === "id";
+    state.ascending = column === state.column ? !state.ascending : isText(column);
     state.column = column;
     grid.scrollTop = 0;
     listRows();
@@ -463,18 +475,19 @@
     state.hovered = null;
     svgs.forEach((svg, i) => svg.toggleAttribute("hidden", i !== picture));
     const { rows, columns } = pictures[picture];
+    let shown = 0;
     for (const header of grid.querySelectorAll("th")) {
-      const { column } = header.dataset;
-      header.hidden = column !== "id" && !columns.includes(column);
+      header.hidden = !isShown(pictures[picture], header.dataset.column);
+      shown += header.hidden ? 0 : 1;
     }
-    for (const space of ["before", "after"]) byId(space).rows[0].cells[0].colSpan = columns.length + 1;
+    for (const space of ["before", "after"]) byId(space).rows[0].cells[0].colSpan = shown;
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
     const factor = columns.includes("viewFactor")
       ? `view factor ${texts.viewFactor(sum("viewFactor"))}, ` : "";
     byId("sum").textContent = columns.includes("area")
       ? `All objects together: area ${texts.area(sum("area"))}.`
       : `All objects and the open share together: ${factor}${texts.solidAngle(sum("solidAngle"))} sr.`;
-    if (!columns.includes(state.column) && state.column !== "id")
+    if (!isShown(pictures[picture], state.column))
       state.column = pictures[picture].main;
     listProjections();
     listRows();
