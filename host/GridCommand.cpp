@@ -4,6 +4,7 @@
 #include "HostError.h"
 #include "Options.h"
 #include "OutputNames.h"
+#include "ProgressBar.h"
 #include "SceneSource.h"
 
 #include <lumivane/check/InsideTest.h>
@@ -191,7 +192,10 @@ void addGroundViews(const GridOptions& options, const Box& box, const ExactGrid&
   const std::vector<double> columns = places(box.x, options.spacing);
   const std::vector<double> rows = places(box.y, options.spacing);
   const double level = options.groundGiven ? options.ground : box.z.low;
+  const ProgressBar bar;
+  const Session::Progress show = bar.progress();
   for (size_t row = 0; row < rows.size(); ++row) {
+    if (show) show(100.0 * static_cast<double>(row) / static_cast<double>(rows.size()));
     for (size_t column = 0; column < columns.size(); ++column) {
       ++maker.counts.all;
       GridView view;
@@ -322,8 +326,12 @@ void runGrid(const GridOptions& options) {
   if (maker.views.empty()) {
     report(options, maker.counts);
     throw HostError(options.scene,
-                    "no eye is left: every place is without a surface below, or "
-                    "inside a body");
+                    std::string("no eye is left: every place is without a surface below, or inside "
+                                "a body") +
+                        (maker.counts.footless > 0
+                             ? "; --ground Z puts eyes over one level, --above surface over roofs, "
+                               "too"
+                             : ""));
   }
   const std::string result = table(options, maker.views);
   std::string shares;

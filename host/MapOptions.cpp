@@ -43,7 +43,7 @@ void readWhere(const std::string& text, MapOptions& options) {
 void addLength(CLI::App& command, const std::string& name, double& target, const std::string& help,
                double low, double high, const char* group) {
   command.add_option(name, target, help)
-      ->check(CLI::Range(low, high))
+      ->check(numberRange(low, high), "")
       ->type_name("MM")
       ->capture_default_str()
       ->group(group);
@@ -72,7 +72,7 @@ void addValues(CLI::App& command, MapOptions& options) {
       .add_option("--cell", options.cell,
                   "side of the squares that are filled, in scene units, or 0 for dots; without it "
                   "squares where the eyes stand in a grid")
-      ->check(CLI::Range(0.0, 1e9))
+      ->check(numberRange(0.0, 1e9), "")
       ->type_name("L");
   addLength(command, "--dot", options.dot, "width of dots", 0.01, 100.0, "Options");
 }

@@ -26,6 +26,9 @@ void addNames(CLI::App& command, const std::string& name, std::string& target,
 /// Takes other names of a value for the value: names of the field's, or older ones.
 std::function<std::string(std::string)> otherNames(std::map<std::string, std::string> valueOf);
 
+/// A check that a value is a number in a range, both ends included.
+std::function<std::string(const std::string&)> numberRange(double low, double high);
+
 void addCsvSafe(CLI::App& command, bool& isSafe);
 
 /// "WxH" in pixels. \throws CLI::ValidationError

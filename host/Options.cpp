@@ -239,6 +239,17 @@ void readSize(const std::string& text, int& width, int& height) {
   height = side(text.substr(x + 1));
 }
 
+std::function<std::string(const std::string&)> numberRange(double low, double high) {
+  return [low, high](const std::string& text) -> std::string {
+    char* end = nullptr;
+    const double number = std::strtod(text.c_str(), &end);
+    if (!text.empty() && *end == '\0' && number >= low && number <= high) return "";
+    char range[80];
+    std::snprintf(range, sizeof range, "%.12g to %.12g", low, high);
+    return "\"" + text + "\" is not a number from " + range;
+  };
+}
+
 void addCsvSafe(CLI::App& command, bool& isSafe) {
   command.add_flag(
       "--csv-safe", isSafe,

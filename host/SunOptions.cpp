@@ -52,7 +52,7 @@ void addSun(CLI::App& command, SunOptions& options) {
   command
       .add_option("--sun-above", options.sunAbove,
                   "the elevation of the sun's centre below which it is not up")
-      ->check(CLI::Range(0.0, 90.0))
+      ->check(numberRange(0.0, 90.0), "")
       ->type_name("DEGREES")
       ->group(SunGroup)
       ->capture_default_str();
@@ -86,7 +86,7 @@ void addSky(CLI::App& command, SunOptions& options) {
       ->group(SkyGroup);
   command.add_option("--horizon-step", options.horizonStep, "between two azimuths; it divides 360")
       ->needs("--horizon")
-      ->check(CLI::Range(0.001, 360.0))
+      ->check(numberRange(0.001, 360.0), "")
       ->type_name("DEGREES")
       ->group(SkyGroup)
       ->capture_default_str();

@@ -120,7 +120,7 @@ void addPlaces(CLI::App& command, GridOptions& options) {
   for (const char* other : {"--height", "--look", "--heading"})
     on->excludes(command.get_option(other));
   command.add_option("--clearance", options.clearance, "distance of eyes on faces from their face")
-      ->check(CLI::Range(1e-9, 1e9))
+      ->check(numberRange(1e-9, 1e9), "")
       ->type_name("L")
       ->capture_default_str()
       ->needs(on);

@@ -93,9 +93,12 @@ UnderGroundTest::~UnderGroundTest() = default;
 
 bool UnderGroundTest::isUnder(const Visibility::Vector& eye) const {
   if (!std::isfinite(eye[0]) || !std::isfinite(eye[1]) || !std::isfinite(eye[2])) return false;
-  if (const auto ground = search.at(eye[0], eye[1]))
-    return search.isBelow(eye, ground->z) && !surfaces.isOf(ground->label, bridgeClasses()) &&
-           !seesFrontOf(ground->label.object, eye);
+  if (const auto ground = search.at(eye[0], eye[1])) {
+    if (!search.isBelow(eye, ground->z)) return false;
+    const bool isFree =
+        surfaces.isOf(ground->label, bridgeClasses()) || seesFrontOf(ground->label.object, eye);
+    return !isFree || isBelowAllGround(eye[2]);
+  }
   const auto underside = search.lowestUnderside(eye[0], eye[1]);
   if (underside && search.isBelow(eye, underside->z) &&
       surfaces.isOf(underside->label, terrainClasses()))

@@ -42,7 +42,8 @@ class ShareSum {
     isAny = true;
   }
   ViewShare share() const {
-    return {solidAngle.value(), viewFactor.value(), minDistance, maxDistance};
+    // What takes all of the hemisphere may come out a rounding above 1, which no view factor is.
+    return {solidAngle.value(), std::min(viewFactor.value(), 1.0), minDistance, maxDistance};
   }
 
  private:

@@ -254,6 +254,11 @@ TEST(ClassesProgram, TheSummaryOfABatchHasAColumnForEachClass) {
     }
   }
 
+  // The class that takes most stands in every summary.
+  EXPECT_EQ("Top", rows[0].at("largest_class"));
+  EXPECT_EQ(rows[0].at("view_factor_of_Top"), rows[0].at("largest_class_view_factor"));
+  EXPECT_EQ("", rows[1].at("largest_class"));
+
   // The same summary from the journal alone, and another one once the table has changed.
   fs::remove(out + "/summary.csv");
   run({"batch", scene, views, "--out-dir", out, "--rows=class", "--shares", "{name}.csv",

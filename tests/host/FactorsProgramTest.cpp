@@ -47,6 +47,17 @@ std::vector<std::vector<double>> numbers(const std::string& path) {
   return rows;
 }
 
+TEST(FactorsProgram, AToleranceThatIsNoneIsRefusedWithItsRange) {
+  for (const char* const wrong : {"0", "-1", "2", "nan", "small"}) {
+    const Result result = Lumivane::Test::runProcess(
+        {LUMIVANE_PROGRAM, "factors", Small, "-o", "f.csv", "--tolerance", wrong});
+    EXPECT_EQ(2, result.status) << wrong;
+    EXPECT_EQ(std::string("lumivane: --tolerance: \"") + wrong +
+                  "\" is not a number from 1e-12 to 1 (see --help)\n",
+              result.err);
+  }
+}
+
 TEST(FactorsProgram, RowsOfTheTableAddUpToOneWithTheSky) {
   const TempFolder folder;
   const Result result = factors({"-o", folder.path("f.csv")});

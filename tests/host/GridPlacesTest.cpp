@@ -315,9 +315,15 @@ TEST(GridPlacesWithoutGround, FreePlacesUnderSomethingAreNotUnderTheGround) {
   scene.addHouse("bridge", {74, 1, 0}, {76, 3, 5.9});
   const std::string views =
       "eaves,\"-0.5,3,1.6\"\ncourt,\"25,5,1.6\"\ncarport,\"43,2.2,1.6\"\n"
-      "low carport,\"43,2.2,0.1\"\nbridge,\"66,2,1.6\"\nstreet,\"15,3,1.6\"\n";
-  const Insides expected = {{"eaves", "0"},       {"court", "0"},  {"carport", "0"},
-                            {"low carport", "0"}, {"bridge", "0"}, {"street", "0"}};
+      "low carport,\"43,2.2,0.1\"\nfar under the "
+      "bridge,\"66,2,-3\"\nbridge,\"66,2,1.6\"\nstreet,\"15,3,1.6\"\n";
+  const Insides expected = {{"eaves", "0"},
+                            {"court", "0"},
+                            {"carport", "0"},
+                            {"low carport", "0"},
+                            {"bridge", "0"},
+                            {"street", "0"},
+                            {"far under the bridge", "1"}};
   EXPECT_EQ(expected, insidesOf(folder, scene, views, true));
   EXPECT_EQ(expected, insidesOf(folder, scene, views, false));
 }

@@ -124,6 +124,22 @@ TEST(FaceFactors, ASquareHalfwayBetweenTwoPlatesTakesWhatTheIntegralSays) {
   }
 }
 
+// A small plate and a large one behind it, both centred over a small face: differences of the closed
+// form of a parallel rectangle over its centre.
+TEST(FaceFactors, ASmallFaceSeesAPlateAndWhatItLeavesOfTheOneBehind) {
+  const auto square = [](double half, double z) {
+    return Outline{{-half, -half, z}, {half, -half, z}, {half, half, z}, {-half, half, z}};
+  };
+  Faces faces;
+  faces.add(square(5e-5, 0.0), {0, 0, 1});
+  faces.add(square(0.4, 0.8), {0, 0, 0});
+  faces.add(square(2.0, 2.0), {0, 0, 0});
+  const FactorRow row = FaceFactors{SceneIndex(faces.scene)}.row(0);
+  EXPECT_NEAR(0.239456470461, entry(row, 1), 1e-8);
+  EXPECT_NEAR(0.314669953519, entry(row, 2), 1e-8);
+  EXPECT_NEAR(1.0 - 0.239456470461 - 0.314669953519, row.sky, 1e-8);
+}
+
 struct Enclosure {
   const char* name;
   std::vector<Outline> outlines;

@@ -158,6 +158,19 @@ TEST(MapShares, AShareKnowsItsAreaAndItsPartOfTheHemisphere) {
   EXPECT_DOUBLE_EQ(0.5, share.hemisphereShare());
 }
 
+TEST(MapShares, NoViewFactorIsAboveOneByRounding) {
+  Visibility::VisibleMap map;
+  map.cells.resize(2);
+  map.cells[0].label = {1, 1, 1};
+  for (Visibility::VisibleMap::Cell& cell : map.cells) {
+    cell.solidAngle = map.fieldSolidAngle();
+    cell.viewFactor = 1.0000000000000002;
+  }
+  const Visibility::MapShares shares(map);
+  EXPECT_EQ(1.0, shares.sky().viewFactor);
+  EXPECT_EQ(1.0, shares.regions().at(0).share.viewFactor);
+}
+
 TEST(MapShares, AMapWithoutNamesHasTheObjectsThatAreSeen) {
   VisibleMap map = handMade();
   map.names = nullptr;
