@@ -130,6 +130,24 @@ class MapBuilder {
   void numberCells();
   void closeRings();
 
+  // ---- sources
+
+  // A source that a piece may have.
+  struct Candidate {
+    int rank;  // 0 for none
+    Source source;
+    bool inner;
+    bool shared;
+  };
+  void findSources();
+  Candidate sourceOf(const Area& left, const Area& right, Kernel::Vec3 from, Kernel::Vec3 to) const;
+  void findSourceAnew(Link& link) const;
+  void offerEdges(std::int32_t polygon, std::int32_t other, Kernel::Vec3 from, Kernel::Vec3 to,
+                  Candidate& best) const;
+  bool hasEdge(std::int32_t polygon, Source edge) const;
+  bool isOnLine(Source source, Kernel::Vec3 from, Kernel::Vec3 to) const;
+  bool isOnEdge(Source edge, Kernel::Vec3 from, Kernel::Vec3 to) const;
+
   // ---- slivers
 
   // Cells narrower than what rounding does to two lines that should coincide become part of the
@@ -153,6 +171,7 @@ class MapBuilder {
   bool passes(int vertex) const;
   void chainLinks();
   void follow(int first, int start);
+  bool isLongOfField(double turned, int start, int end) const;
   void addEdge(int from, int to, Link link);
   void addFieldArc(int start, int end, double turned, bool forwards, const Link& link);
 

@@ -95,11 +95,20 @@ void MapBuilder::follow(int first, int start) {
     number = both[0] == number ? both[1] : both[0];
     if (links[static_cast<size_t>(number)].used) break;
   }
-  if (head.source == FieldSource && (at == start || std::fabs(turned) > 1.5)) {
+  if (head.source == FieldSource && (at == start || isLongOfField(turned, start, at))) {
     addFieldArc(start, at, turned, forwards, head);
   } else if (at != start) {
     addEdge(forwards ? start : at, forwards ? at : start, head);
   }
+}
+
+// Whether an arc of the end of the field is longer than 1.5. Its pieces' chords add up to less than
+// that if it is not, and to no more than the arc.
+bool MapBuilder::isLongOfField(double turned, int start, int end) const {
+  constexpr double ChordOfLongest = 1.3632775200466682;  // 2 sin 0.75
+  return std::fabs(turned) > 1.5 ||
+         Kernel::distance(directions[static_cast<size_t>(start)],
+                          directions[static_cast<size_t>(end)]) > ChordOfLongest;
 }
 
 void MapBuilder::addEdge(int from, int to, Link link) {

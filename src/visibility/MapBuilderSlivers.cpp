@@ -112,10 +112,13 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
   for (Link link : watch.over(borders)) {
     const int left = settled(link.left);
     const int right = settled(link.right);
-    link.shared = link.shared && left == link.left && right == link.right;
+    const bool isOther = left != link.left || right != link.right;
+    link.shared = link.shared && !isOther;
     link.left = left;
     link.right = right;
-    if (link.left != link.right) borders[kept++] = link;
+    if (link.left == link.right) continue;
+    if (isOther) findSourceAnew(link);
+    borders[kept++] = link;
   }
   borders.resize(kept);
   return isLeft;

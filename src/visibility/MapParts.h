@@ -93,8 +93,9 @@ struct Piece {
   int left;
   int right;
   Source source;
-  bool inner;   // the source is a docking edge or a diagonal
-  bool shared;  // the source is an edge of the polygons on both sides
+  bool inner;            // the source is a docking edge or a diagonal
+  bool shared;           // the source is an edge of the polygons on both sides
+  bool foreign = false;  // the source is an edge of neither, which runs there, too
 };
 
 /// A stretch of a side of a tile and the area that lies there. Stretches follow each other.

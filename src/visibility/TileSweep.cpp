@@ -482,6 +482,7 @@ void TileSweep::chooseSource(const TileLines::Line& line, std::int32_t regionA,
     piece.source = source;
     piece.inner = inner;
     piece.shared = shared;
+    piece.foreign = rank == 1;
   };
   if (line.crossed[0] >= 0) {
     const TilePlanes::Slot& s = planes[line.crossed[0]];
