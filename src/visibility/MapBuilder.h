@@ -184,8 +184,12 @@ class MapBuilder {
     return setup.state->vertices[static_cast<size_t>(vertex)] - setup.eye;
   }
   void placeVertices();
+  template <class Chosen>
+  void placeVertices(Chosen isChosen);
   void placeVertex(int vertex, const Source* lines, size_t count);
   Kernel::Vec3 normalOf(Source source) const;
+  double doubtOf(Source source) const;
+  Kernel::Vec3 comparedNearness(Source polygon) const;
   void contractEdges();
 
   // ---- kinds, order and rings

@@ -13,6 +13,10 @@ namespace {
 
 // Distance at which two vertices of the map are one.
 constexpr double SamePlace = 1e-13;
+// How far off its place the sweep may have taken a line to be, in rad.
+constexpr double LineDoubt = 4e-15;
+// Where lines meet at a small angle the sweep may have found that as far off as this.
+constexpr double MostDoubt = 1e-7;
 
 }  // namespace
 
@@ -22,6 +26,11 @@ using Kernel::Vec3;
 // coordinates follow from these. Where lines meet at too small an angle it stays where the sweep
 // has found it.
 void MapBuilder::placeVertices() {
+  placeVertices([](size_t) { return true; });
+}
+
+template <class Chosen>
+void MapBuilder::placeVertices(Chosen isChosen) {
   Buckets edgesAt;
   edgesAt.fill(parts.vertices.size(), [this](auto add) {
     for (const size_t i : watch.upTo(edges.size()))
@@ -31,6 +40,7 @@ void MapBuilder::placeVertices() {
   });
   std::vector<Source> lines(edgesAt.size());
   forEach(parts.vertices.size(), [&](size_t i) {
+    if (!isChosen(i)) return;
     const int vertex = static_cast<int>(i);
     const int* const begin = edgesAt.begin(vertex);
     const int* const end = edgesAt.end(vertex);
@@ -73,7 +83,7 @@ void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
     place = middle;
     return;
   }
-  double best = 1e-6;
+  double best = LineDoubt / MostDoubt;
   Vec3 meeting{};
   for (size_t i = 0; i < count; ++i)
     for (size_t k = i + 1; k < count; ++k) {
@@ -81,12 +91,32 @@ void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
       const double sine = Kernel::length3(d);
       if (sine <= best) continue;
       const double sign = Kernel::dot(d, place) < 0.0 ? -1.0 : 1.0;
-      const Vec3 candidate = {sign * d.x / sine, sign * d.y / sine, sign * d.z / sine};
-      if (!isClose(candidate)) continue;
+      // Zeros have one sign, whichever line comes first.
+      const Vec3 candidate = {sign * d.x / sine + 0.0, sign * d.y / sine + 0.0,
+                              sign * d.z / sine + 0.0};
+      const double doubt = LineDoubt + doubtOf(lines[i]) + doubtOf(lines[k]);
+      if (Kernel::distance(candidate, place) > std::min(PlaceTolerance + doubt / sine, MostDoubt))
+        continue;
       best = sine;
       meeting = candidate;
     }
   if (!(meeting == Vec3{})) place = meeting;
+}
+
+// How far rounding may put the line in which two planes meet off its place, in rad.
+double MapBuilder::doubtOf(Source source) const {
+  if (!isCrossing(source)) return 0.0;
+  constexpr Source Low = (Source{1} << 31) - 1;
+  const Vec3 a = comparedNearness(source >> 31 & Low);
+  const Vec3 b = comparedNearness(source & Low);
+  return 1e-15 * (Kernel::length3(a) + Kernel::length3(b)) / Kernel::length3(a - b);
+}
+
+Vec3 MapBuilder::comparedNearness(Source polygon) const {
+  const auto i = static_cast<size_t>(polygon);
+  return (setup.parallel == nullptr ? eyePlane(*setup.state, i, setup.eye, setup.twoSided)
+                                    : eyePlane(*setup.state, i, *setup.parallel, setup.twoSided))
+      .nearness;
 }
 
 // The normal of the plane through the eye and a line, up to its sign.
@@ -94,14 +124,7 @@ Vec3 MapBuilder::normalOf(Source source) const {
   if (source == FieldSource) return {map.forward[0], map.forward[1], map.forward[2]};
   if (isCrossing(source)) {
     constexpr Source Low = (Source{1} << 31) - 1;
-    const auto nearness = [this](Source polygon) {
-      const auto i = static_cast<size_t>(polygon);
-      return (setup.parallel == nullptr
-                  ? eyePlane(*setup.state, i, setup.eye, setup.twoSided)
-                  : eyePlane(*setup.state, i, *setup.parallel, setup.twoSided))
-          .nearness;
-    };
-    return unit(nearness(source >> 31 & Low) - nearness(source & Low));
+    return unit(comparedNearness(source >> 31 & Low) - comparedNearness(source & Low));
   }
   const auto [first, second] = orderedEnds(*setup.state, source);
   const Vec3 a = unit(fromEye(first));
@@ -110,7 +133,7 @@ Vec3 MapBuilder::normalOf(Source source) const {
   return unit(Kernel::cross(a, b));
 }
 
-// Vertices that have come to lie in one place are one.
+// Vertices that have come to lie in one place are one, which has the lines of all.
 void MapBuilder::contractEdges() {
   JoinedSets sets;
   bool any = false;
@@ -125,8 +148,12 @@ void MapBuilder::contractEdges() {
   }
   if (!any) return;
   const auto coordinates = [](Vec3 d) { return std::make_tuple(d.x, d.y, d.z); };
+  std::vector<char> joined(directions.size(), 0);
   for (const size_t i : watch.upTo(directions.size())) {
-    Vec3& place = directions[static_cast<size_t>(sets.find(static_cast<int>(i)))];
+    const auto first = static_cast<size_t>(sets.find(static_cast<int>(i)));
+    if (first == i) continue;
+    joined[first] = 1;
+    Vec3& place = directions[first];
     if (coordinates(directions[i]) < coordinates(place)) place = directions[i];
   }
   size_t kept = 0;
@@ -136,6 +163,7 @@ void MapBuilder::contractEdges() {
     if (edge.from != edge.to) edges[kept++] = edge;
   }
   edges.resize(kept);
+  placeVertices([&](size_t i) { return joined[i] != 0; });
 }
 
 }  // namespace Lumivane::Visibility

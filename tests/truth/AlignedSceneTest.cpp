@@ -280,5 +280,37 @@ TEST(AlignedScene, ASteepLineMeetsTheEndOfTheFieldWhereItIs) {
   EXPECT_TRUE(report.wrong.empty()) << report.text();
 }
 
+int countOf(const VisibleMap& map, VisibleMap::EdgeKind kind) {
+  return static_cast<int>(
+      std::count_if(map.edges.begin(), map.edges.end(),
+                    [kind](const VisibleMap::Edge& edge) { return edge.kind == kind; }));
+}
+
+// They were silhouettes, in as many pieces as there were tiles beside them.
+TEST(AlignedScene, EdgesAlongTheBordersOfTheCubeAreCreases) {
+  const Vector low = fromCube({1.0, -0.5, 1.0});
+  const Vector high = fromCube({1.0, 0.6, 1.0});
+  SceneBuilder builder;
+  builder.object().addFacing({low, high, fromCube({0.2, 0.1, 1.2})}, Eye);
+  builder.addFacing({low, high, fromCube({1.3, 0.05, 0.3})}, Eye);
+  LookOptions options;
+  options.field = Visibility::Field::Sphere;
+  const VisibleMap map = SceneIndex(builder.scene()).look(Eye, options);
+  EXPECT_EQ(map.vertices.size(), 4U);
+  EXPECT_EQ(countOf(map, VisibleMap::EdgeKind::Crease), 1);
+  EXPECT_EQ(countOf(map, VisibleMap::EdgeKind::Silhouette), 4);
+  // So do edges behind them, in the same directions.
+  for (int i = 0; i < 60; ++i) {
+    const double size = 0.3 + 0.004 * i;
+    builder.object().addFacing({fromCube({3.0, -size, 3.0}), fromCube({3.0, size, 3.0}),
+                                fromCube({3.4 - size, 0.1 * size, 3.0})},
+                               Eye);
+  }
+  const VisibleMap more = SceneIndex(builder.scene()).look(Eye, options);
+  EXPECT_EQ(more.vertices, map.vertices);
+  EXPECT_EQ(more.edges.size(), map.edges.size());
+  EXPECT_EQ(countOf(more, VisibleMap::EdgeKind::Crease), 1);
+}
+
 }  // namespace
 }  // namespace Lumivane::Truth

@@ -265,37 +265,29 @@ TEST_P(MapProperty, TheOrderOfObjectsChangesNoShareWhereNothingTies) {
   });
 }
 
-/// A small triangle behind what is seen somewhere; false if all is sky.
-bool hiddenTriangle(const VisibleMap& map, Random& random, Outline& triangle) {
+/// Small triangles behind what is seen somewhere, seen from either side; none if all is sky.
+std::vector<Outline> hiddenTriangles(const VisibleMap& map, Random& random, std::size_t count) {
   const MapLocator locator(map);
-  for (int i = 0; i < 2000; ++i) {
+  std::vector<Outline> triangles;
+  for (int i = 0; i < 2000 && triangles.size() < count; ++i) {
     const Vector d = random.direction();
     const int cell = locator.cellOf(d);
     if (cell < 0 || map.cells[static_cast<std::size_t>(cell)].label.object == 0) continue;
     if (locator.angleToEdge(d) < 0.02) continue;
     const double far = 2.0 * map.cells[static_cast<std::size_t>(cell)].maxDistance;
     const Vector centre{map.eye[0] + far * d[0], map.eye[1] + far * d[1], map.eye[2] + far * d[2]};
-    triangle = regularPolygon(centre, d, 0.005 * far, 3);
-    return true;
+    Outline triangle = regularPolygon(centre, d, 0.005 * far, 3);
+    triangles.emplace_back(triangle.rbegin(), triangle.rend());
+    triangles.push_back(std::move(triangle));
   }
-  return false;
+  return triangles;
 }
 
-/// The same cells, with the numbers of objects raised, and measures that differ
-/// by rounding at most.
-void expectNearlySame(const VisibleMap& map, const VisibleMap& other, int raised) {
-  ASSERT_EQ(map.cells.size(), other.cells.size());
-  for (std::size_t i = 0; i < map.cells.size(); ++i) {
-    Label label = map.cells[i].label;
-    if (label.object > 0) label.object += raised;
-    EXPECT_EQ(label, other.cells[i].label);
-    EXPECT_NEAR(map.cells[i].solidAngle, other.cells[i].solidAngle, 1e-12);
-    EXPECT_NEAR(map.cells[i].viewFactor, other.cells[i].viewFactor, 1e-12);
-  }
-}
-
-PolygonScene withFirstObject(const PolygonScene& scene, const Outline& outline) {
-  PolygonScene result = SceneBuilder().object().add(outline).scene();
+PolygonScene withFirstObject(const PolygonScene& scene, const std::vector<Outline>& outlines) {
+  SceneBuilder builder;
+  builder.object();
+  for (const Outline& outline : outlines) builder.add(outline);
+  PolygonScene result = builder.scene();
   const int first = static_cast<int>(result.points.size());
   result.points.insert(result.points.end(), scene.points.begin(), scene.points.end());
   for (std::size_t i = 0; i + 1 < scene.offsets.size(); ++i) {
@@ -307,22 +299,40 @@ PolygonScene withFirstObject(const PolygonScene& scene, const Outline& outline) 
     result.labels.push_back(label);
   }
   if (!scene.docking.empty()) {
-    result.docking.resize(outline.size());
+    result.docking.resize(static_cast<std::size_t>(first));
     result.docking.insert(result.docking.end(), scene.docking.begin(), scene.docking.end());
   }
   return result;
 }
 
-TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbersAndLastBits) {
-  each([](const HardScene& hard) {
+/// The same cells, with the numbers of objects raised, and measures that differ by rounding at
+/// most.
+void expectNearlySame(const VisibleMap& map, const VisibleMap& other, int raised) {
+  ASSERT_EQ(map.cells.size(), other.cells.size());
+  for (std::size_t i = 0; i < map.cells.size(); ++i) {
+    Label label = map.cells[i].label;
+    if (label.object > 0) label.object += raised;
+    EXPECT_EQ(label, other.cells[i].label);
+    EXPECT_NEAR(map.cells[i].solidAngle, other.cells[i].solidAngle, 1e-12);
+    EXPECT_NEAR(map.cells[i].viewFactor, other.cells[i].viewFactor, 1e-12);
+  }
+}
+
+TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbers) {
+  // Distances of regions that are bent, and places where edges of 1e-6 rad meet, differ in their
+  // last digits.
+  const bool inLastDigits = GetParam() == BentOrTwoSided || GetParam() == FarAway;
+  each([&](const HardScene& hard) {
     const VisibleMap map = lookAt(hard);
-    Random random(17);
-    Outline triangle;
-    if (!hiddenTriangle(map, random, triangle)) return;
-    for (const Outline& side : {triangle, Outline(triangle.rbegin(), triangle.rend())}) {
+    for (const std::size_t count : {2U, 120U}) {
+      Random random(17);
+      const std::vector<Outline> triangles = hiddenTriangles(map, random, count);
+      if (triangles.empty()) return;
       HardScene more = hard;
-      more.scene = withFirstObject(hard.scene, side);
-      expectNearlySame(map, lookAt(more), 1);
+      more.scene = withFirstObject(hard.scene, triangles);
+      const VisibleMap other = lookAt(more);
+      expectNearlySame(map, other, 1);
+      EXPECT_TRUE(inLastDigits || sameMap(map, other, 1)) << count << " triangles";
     }
   });
 }
