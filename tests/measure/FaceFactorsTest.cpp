@@ -124,8 +124,8 @@ TEST(FaceFactors, ASquareHalfwayBetweenTwoPlatesTakesWhatTheIntegralSays) {
   }
 }
 
-// A small plate and a large one behind it, both centred over a small face: differences of the closed
-// form of a parallel rectangle over its centre.
+// A small plate and a large one behind it, both centred over a small face: differences of the
+// closed form of a parallel rectangle over its centre.
 TEST(FaceFactors, ASmallFaceSeesAPlateAndWhatItLeavesOfTheOneBehind) {
   const auto square = [](double half, double z) {
     return Outline{{-half, -half, z}, {half, -half, z}, {half, half, z}, {-half, half, z}};
