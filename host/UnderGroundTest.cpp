@@ -81,9 +81,13 @@ UnderGroundTest::UnderGroundTest(const Visibility::SceneIndex& theIndex)
   for (std::size_t i = 0; i < all.labels.size(); ++i) {
     const int number = i < all.classes.size() ? all.classes[i] : -1;
     const bool isTerrain = number >= 0 && isOfTerrain[static_cast<std::size_t>(number)];
+    const auto object = static_cast<std::size_t>(std::max(all.labels[i].object, 0));
+    if (object >= bottoms.size())
+      bottoms.resize(object + 1, std::numeric_limits<double>::infinity());
     for (std::size_t c = all.offsets[i]; c < all.offsets[i + 1]; ++c) {
       const double z = all.points[static_cast<std::size_t>(all.corners[c])][2];
       lowest = std::min(lowest, z);
+      bottoms[object] = std::min(bottoms[object], z);
       if (isTerrain) lowestTerrain = std::min(lowestTerrain, z);
     }
   }
@@ -123,9 +127,14 @@ bool UnderGroundTest::seesFrontOf(int object, const Visibility::Vector& eye) con
 bool UnderGroundTest::isUnderBodyWithoutFloor(const Visibility::Vector& eye) const {
   const std::optional<GroundSearch::Hit> top = search.backAbove(eye);
   if (!top) return false;
-  const Foot& foot = footOf(top->label.object);
-  return search.isBelow(eye, foot.bottom) && search.isBelow(eye, foot.level) &&
-         isInBody({eye[0], eye[1], 0.5 * (foot.bottom + top->z)});
+  const int object = top->label.object;
+  const double bottom = bottomOf(object);
+  return search.isBelow(eye, bottom) && isInBody({eye[0], eye[1], 0.5 * (bottom + top->z)}) &&
+         search.isBelow(eye, levelOf(object));
+}
+
+double UnderGroundTest::bottomOf(int object) const {
+  return bottoms.at(static_cast<std::size_t>(std::max(object, 0)));
 }
 
 bool UnderGroundTest::isInBody(const Visibility::Vector& point) const {
@@ -141,45 +150,45 @@ bool UnderGroundTest::isInBody(const Visibility::Vector& point) const {
   return bodies->isInside(point);
 }
 
-const UnderGroundTest::Foot& UnderGroundTest::footOf(int object) const {
-  const std::lock_guard<std::mutex> lock(feetMutex);
-  const auto found = feet.find(object);
-  return found != feet.end() ? found->second : feet.emplace(object, findFoot(object)).first->second;
+double UnderGroundTest::levelOf(int object) const {
+  const std::lock_guard<std::mutex> lock(levelsMutex);
+  const auto found = levels.find(object);
+  return found != levels.end() ? found->second
+                               : levels.emplace(object, findLevel(object)).first->second;
 }
 
-// The ground around is looked for a little outside of each corner.
-UnderGroundTest::Foot UnderGroundTest::findFoot(int object) const {
-  constexpr double Infinity = std::numeric_limits<double>::infinity();
+// The lowest ground around an object, a little outside of each corner, or what stands lowest near
+// it. All that is of it counts as near, too.
+double UnderGroundTest::findLevel(int object) const {
   constexpr double Outside = 1.02;
   const Visibility::PolygonScene& all = surfaces.pieces();
-  Foot foot{Infinity, Infinity};
   PlanBox own;
   std::vector<Visibility::Vector> corners;
   for (std::size_t i = 0; i < all.labels.size(); ++i) {
     if (all.labels[i].object != object) continue;
     for (const Visibility::Vector& corner : cornersOf(all, i)) {
       own.include(corner);
-      foot.bottom = std::min(foot.bottom, corner[2]);
       corners.push_back(corner);
     }
   }
+  double level = std::numeric_limits<double>::infinity();
   const std::array<double, 2> middle = own.middle();
   for (const Visibility::Vector& corner : corners) {
     const auto ground = search.at(middle[0] + Outside * (corner[0] - middle[0]),
                                   middle[1] + Outside * (corner[1] - middle[1]));
-    if (ground) foot.level = std::min(foot.level, ground->z);
+    if (ground) level = std::min(level, ground->z);
   }
-  if (std::isfinite(foot.level)) return foot;
+  if (std::isfinite(level)) return level;
   for (std::size_t i = 0; i < all.labels.size(); ++i) {
     PlanBox box;
-    double bottom = Infinity;
+    double bottom = level;
     for (const Visibility::Vector& corner : cornersOf(all, i)) {
       box.include(corner);
       bottom = std::min(bottom, corner[2]);
     }
-    if (box.isWithin(own, own.width())) foot.level = std::min(foot.level, bottom);
+    if (box.isWithin(own, own.width())) level = std::min(level, bottom);
   }
-  return foot;
+  return level;
 }
 
 // What is ground is known of classes. Without them it would have to be looked for under each

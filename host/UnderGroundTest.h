@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace Lumivane::Check {
 class InsideTest;
@@ -35,22 +36,16 @@ class UnderGroundTest {
   bool isUnder(const Visibility::Vector& eye) const;
 
  private:
-  // Of an object that may have no floor.
-  struct Foot {
-    double bottom = 0.0;  // its lowest corner
-    double level = 0.0;   // of the ground that it stands on, as far as it is known
-  };
-
   bool seesFrontOf(int object, const Visibility::Vector& eye) const;
   bool isUnderBodyWithoutFloor(const Visibility::Vector& eye) const;
   bool isBelowAllGround(double z) const;
   bool hasGround() const;
   bool isInBody(const Visibility::Vector& point) const;
-  const Foot& footOf(int object) const;
-  Foot findFoot(int object) const;
+  double bottomOf(int object) const;
+  double levelOf(int object) const;
+  double findLevel(int object) const;
 
   const Visibility::SceneIndex& index;
-
   SceneSurfaces surfaces;
   GroundSearch search;
   double lowestTerrain = 0.0;  // of what is terrain by its class; infinite without any
@@ -59,8 +54,9 @@ class UnderGroundTest {
   mutable bool isGroundFound = false;
   mutable std::once_flag isMade;
   mutable std::unique_ptr<const Check::InsideTest> bodies;
-  mutable std::mutex feetMutex;
-  mutable std::map<int, Foot> feet;  // of objects that were asked for
+  std::vector<double> bottoms;  // the lowest corner of each object
+  mutable std::mutex levelsMutex;
+  mutable std::map<int, double> levels;  // that objects stand on, of those that were asked for
 };
 
 }  // namespace Lumivane::Host
