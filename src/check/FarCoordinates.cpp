@@ -62,9 +62,11 @@ void takeEdge(Reach& reach, Vec3 a, Vec3 b) {
   if (reach.shortest == 0.0 || length < reach.shortest) reach.shortest = length;
 }
 
-Reach reachOf(const Geometry::Region& region, const Geometry::Points3d::Vector& points) {
+// The corners are gathered in a list that is kept for its memory.
+Reach reachOf(const Geometry::Region& region, const Geometry::Points3d::Vector& points,
+              std::vector<Vec3>& corners) {
   Reach reach;
-  std::vector<Vec3> corners;
+  corners.clear();
   for (const int number : itemsOf(region.getPoints())) {
     if (!isNumberOf(number, points.size())) continue;
     const Geometry::Point3d* const point = points[static_cast<size_t>(number) - 1];
@@ -86,6 +88,7 @@ std::optional<Finding> findFarCoordinates(Scene::Scene3D& scene) {
   size_t regionCount = 0;
   size_t farCount = 0;
   Reach worst;
+  std::vector<Vec3> corners;
   Finding finding{Severity::Warning,
                   "far-coordinates",
                   "",
@@ -99,7 +102,7 @@ std::optional<Finding> findFarCoordinates(Scene::Scene3D& scene) {
     for (size_t r = 0; r < regions.size(); ++r) {
       if (regions[r] == nullptr) continue;
       ++regionCount;
-      const Reach reach = reachOf(*regions[r], points);
+      const Reach reach = reachOf(*regions[r], points, corners);
       if (!(reach.largest <= SceneChecker::LargestCoordinate)) continue;  // an error
       if (!(reach.loss() > SceneChecker::Rounding)) continue;
       ++farCount;

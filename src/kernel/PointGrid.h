@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace Lumivane::Kernel {
@@ -16,7 +17,7 @@ namespace Lumivane::Kernel {
 /// that neighbours in the picture are neighbours in memory.
 class CellTiles {
  public:
-  /// The position of the point that a cell's chain starts with, or None.
+  /// The position of what a cell's chain starts with, or None.
   using Position = std::uint32_t;
   static constexpr Position None = static_cast<Position>(-1);
 
@@ -75,13 +76,64 @@ class CellTiles {
   std::vector<Tile> tiles;
 };
 
+/// Seven points of one cell, a cache line: how far each is from the low border of the cell in whole
+/// steps, which is enough to pass over most that do not agree, all seven at once.
+struct alignas(64) PointBlock {
+  static constexpr std::size_t Count = 7;
+  static constexpr double StepsPerCell = 8192.0;
+
+  using Position = CellTiles::Position;
+  /// Eight whole numbers, of which the last one is not used.
+  using Steps = std::int16_t __attribute__((vector_size(16)));
+
+  explicit PointBlock(Position nextBlock)
+      : x(Steps{} + NoPoint), y(Steps{} + NoPoint), next(nextBlock) {
+    positions.fill(CellTiles::None);
+  }
+
+  bool isFull() const { return positions.back() != CellTiles::None; }
+
+  void add(Position position, std::int16_t stepX, std::int16_t stepY) {
+    const auto place = static_cast<std::size_t>(
+        std::find(positions.begin(), positions.end(), CellTiles::None) - positions.begin());
+    x[place] = stepX;
+    y[place] = stepY;
+    positions[place] = position;
+  }
+
+  /// Calls `visit(position)` for each point that is at most `reach` steps away on both axes.
+  template <class Visit>
+  void forEachWithin(std::int16_t reach, std::int16_t stepX, std::int16_t stepY,
+                     Visit visit) const {
+    const Steps isWithin = (x >= static_cast<std::int16_t>(stepX - reach)) &
+                           (x <= static_cast<std::int16_t>(stepX + reach)) &
+                           (y >= static_cast<std::int16_t>(stepY - reach)) &
+                           (y <= static_cast<std::int16_t>(stepY + reach));
+    std::array<std::uint64_t, 2> all{};
+    std::memcpy(all.data(), &isWithin, sizeof all);
+    if ((all[0] | all[1]) == 0) return;
+    for (std::size_t i = 0; i < Count; ++i)
+      if (isWithin[i] != 0) visit(positions[i]);
+  }
+
+  Steps x;
+  Steps y;
+  std::array<Position, Count> positions{};
+  Position next;  ///< of the blocks of the cell, or None
+
+ private:
+  static constexpr std::int16_t NoPoint = 20000;  // further than anything is looked for
+};
+
 /// Plane points, found by a tolerance per axis. NaN and infinities agree with nothing.
 ///
-/// How: a grid of square cells, each with the chain of its points. What agrees with a point lies in
-/// the cells between its coordinates less and more a margin a little above the tolerance.
-/// Subtraction, multiplication by a positive number and floor are monotone, rounding included, so
-/// no cell is missed. Points beyond the grid's range stand in a list of their own. A tolerance far
-/// below the size of the picture does not make the cells smaller, or most of it would lie there.
+/// How: a grid of square cells, each with the chain of its points in blocks. What agrees with a
+/// point lies in the cells between its coordinates less and more a margin a little above the
+/// tolerance. Subtraction, multiplication by a positive number and floor are monotone, rounding
+/// included, so no cell is missed. What is passed over within a cell is further away than the
+/// tolerance by a step at least, and all that rounds adds up to less than a thousandth of a step.
+/// Points beyond the grid's range stand in a list of their own. A tolerance far below the size of
+/// the picture does not make the cells smaller, or most of it would lie there.
 class PointGrid {
  public:
   explicit PointGrid(double agreement)
@@ -89,6 +141,7 @@ class PointGrid {
         margin(agreement * 1.01),
         cellsPerLength(1.0 / cellSide(agreement)),
         range(cellSide(agreement) * 1e8),
+        reach(reachOf(agreement)),
         hasGrid(agreement > 0.0 && agreement < 1e100) {}
 
   std::size_t size() const { return points.size(); }
@@ -96,11 +149,11 @@ class PointGrid {
   /// Appends a point and returns its position.
   std::size_t add(Vec2 point) {
     const auto position = static_cast<Position>(points.size());
-    points.push_back({point, CellTiles::None});
+    points.push_back(point);
     if (isInGrid(point)) {
-      Position& first = cells(cellOf(point.x), cellOf(point.y));
-      points.back().nextInCell = first;
-      first = position;
+      const std::int32_t x = cellOf(point.x);
+      const std::int32_t y = cellOf(point.y);
+      blockOf(cells(x, y)).add(position, stepOf(point.x, x), stepOf(point.y, y));
     } else if (std::isfinite(point.x) && std::isfinite(point.y)) {
       outside.push_back(position);
     }
@@ -120,8 +173,9 @@ class PointGrid {
     const std::int32_t highY = cellOf(point.y + margin);
     for (std::int32_t x = cellOf(point.x - margin); x <= highX; ++x)
       for (std::int32_t y = cellOf(point.y - margin); y <= highY; ++y)
-        for (Position i = cells.at(x, y); i != CellTiles::None; i = points[i].nextInCell)
-          visitIfNear(point, i, visit);
+        for (Position i = cells.at(x, y); i != CellTiles::None; i = blocks[i].next)
+          blocks[i].forEachWithin(reach, stepOf(point.x, x), stepOf(point.y, y),
+                                  [&](Position found) { visitIfNear(point, found, visit); });
   }
 
  private:
@@ -131,10 +185,12 @@ class PointGrid {
 
   static double cellSide(double agreement) { return std::max(agreement * CellSide, SmallestCell); }
 
-  struct GridPoint {
-    Vec2 at;
-    Position nextInCell;
-  };
+  // Of the steps in a block: the tolerance, and two for what is cut off of two points.
+  static std::int16_t reachOf(double agreement) {
+    if (!(agreement > 0.0 && agreement < 1e100)) return 0;  // there is no grid
+    const double steps = agreement / cellSide(agreement) * PointBlock::StepsPerCell;
+    return static_cast<std::int16_t>(steps + 3.0);
+  }
 
   // Whether some point may agree at all.
   bool isAnythingNear(Vec2 point) const {
@@ -152,17 +208,34 @@ class PointGrid {
     return position < towardsZero ? towardsZero - 1 : towardsZero;
   }
 
+  // Steps from the low border of a cell to a coordinate in it or near it.
+  std::int16_t stepOf(double coordinate, std::int32_t cell) const {
+    const double inCell = coordinate * cellsPerLength - cell;
+    return static_cast<std::int16_t>(static_cast<int>(inCell * PointBlock::StepsPerCell));
+  }
+
+  // A block with room, which the chain starts with.
+  PointBlock& blockOf(Position& first) {
+    if (first == CellTiles::None || blocks[first].isFull()) {
+      blocks.emplace_back(first);
+      first = static_cast<Position>(blocks.size() - 1);
+    }
+    return blocks[first];
+  }
+
   template <class Visit>
   void visitIfNear(Vec2 point, std::size_t position, Visit& visit) const {
-    if (samePoint(point, points[position].at, tolerance)) visit(position);
+    if (samePoint(point, points[position], tolerance)) visit(position);
   }
 
   double tolerance;
   double margin;
   double cellsPerLength;
   double range;
+  std::int16_t reach;
   bool hasGrid;
-  std::vector<GridPoint> points;
+  std::vector<Vec2> points;
+  std::vector<PointBlock> blocks;
   std::vector<Position> outside;  // finite, but beyond the grid
   CellTiles cells;
 };

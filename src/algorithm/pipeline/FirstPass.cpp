@@ -81,19 +81,19 @@ std::optional<Vec3> shiftedEye(const NormalCell& cell, Vec3 eye, Vec3 forward, d
 }
 
 // What is kept of a region: the cells whose normals point away from the eye.
-PlainPolygons keptPolygons(const std::vector<NormalCell>& cells, Vec3 eye) {
+PlainPolygons keptPolygons(std::vector<NormalCell>&& cells, Vec3 eye) {
   PlainPolygons result;
   result.reserve(cells.size());
-  for (const NormalCell& cell : cells) {
+  for (NormalCell& cell : cells) {
     const Vec3 toCell = cell.polygon.front() - eye;
     if (Kernel::length3(toCell) == 0.0) {
-      result.push_back(cell.polygon);
+      result.push_back(std::move(cell.polygon));
       continue;
     }
     const double angle = Kernel::roundD(Kernel::angleDegrees(toVec3(cell.normal), toCell), 2);
     // An angle that is not a number is neither: nothing is appended then.
     if (angle >= 90.0) result.emplace_back();
-    if (angle < 90.0) result.push_back(cell.polygon);
+    if (angle < 90.0) result.push_back(std::move(cell.polygon));
   }
   return result;
 }
@@ -166,10 +166,10 @@ class RegionMaker {
     clipper.setPlane(eye, forward);
     made.visible.reserve(made.shapes.size());
     for (std::size_t k = 0; k < made.shapes.size(); ++k) {
-      const auto& cells = clipper.clip(made.shapes.polygon(k), made.shapes.pointCount(k));
+      auto& cells = clipper.clip(made.shapes.polygon(k), made.shapes.pointCount(k));
       for (const NormalCell& cell : cells)
         if (shiftedEye(cell, eye, forward, shift.reach, shift.tilt)) made.mayShift = true;
-      made.visible.push_back(keptPolygons(cells, eye));
+      made.visible.push_back(keptPolygons(std::move(cells), eye));
     }
   }
 
@@ -259,17 +259,17 @@ class FirstPass {
     std::vector<PlainPolygons> visible;
     visible.reserve(shapes->size());
     for (std::size_t k = 0; k < shapes->size(); ++k) {
-      const auto& cells = clipper.clip(shapes->polygon(k), shapes->pointCount(k));
-      visible.push_back(analysed(object, k, cells, eye, forward));
+      auto& cells = clipper.clip(shapes->polygon(k), shapes->pointCount(k));
+      visible.push_back(analysed(object, k, std::move(cells), eye, forward));
     }
     return visible;
   }
 
   // What is kept of the cells of a region, once the eye has been shifted off them.
-  PlainPolygons analysed(Scene::Object& object, std::size_t region,
-                         const std::vector<NormalCell>& cells, Vec3 eye, Vec3 forward) {
+  PlainPolygons analysed(Scene::Object& object, std::size_t region, std::vector<NormalCell>&& cells,
+                         Vec3 eye, Vec3 forward) {
     for (const NormalCell& cell : cells) shift(object, region, cell, eye, forward);
-    return keptPolygons(cells, eyeOf(*setting.view));
+    return keptPolygons(std::move(cells), eyeOf(*setting.view));
   }
 
   // Steps the eye off a cell that it stands on; of several, the last one wins.

@@ -42,9 +42,9 @@ constexpr std::int64_t CameraRegionFactor = 300;
 std::vector<Vec3> regionPointsOf(Geometry::Region* region, Geometry::Points3d* points) {
   std::vector<Vec3> result;
   if (region == nullptr) return result;
-  for (const int number : numbersOf(region->getPoints())) {
-    result.push_back(scenePoint(points, number));
-  }
+  const std::vector<int>& numbers = numbersOf(region->getPoints());
+  result.reserve(numbers.size());
+  for (const int number : numbers) result.push_back(scenePoint(points, number));
   return result;
 }
 

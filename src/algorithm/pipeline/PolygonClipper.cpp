@@ -131,7 +131,7 @@ void PolygonClipper::measure(const SinglePoint* polygon, std::size_t count) {
   }
 }
 
-const std::vector<NormalCell>& PolygonClipper::clip(const SinglePoint* polygon, std::size_t count) {
+std::vector<NormalCell>& PolygonClipper::clip(const SinglePoint* polygon, std::size_t count) {
   result.clear();
   if (count < 3) return result;
   measure(polygon, count);

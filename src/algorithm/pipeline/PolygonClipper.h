@@ -40,8 +40,8 @@ class PolygonClipper {
   /// The plane through `origin`; what lies on the side of `normal`, of any length, is kept.
   void setPlane(Kernel::Vec3 origin, Kernel::Vec3 normal);
 
-  /// The cells of one polygon. They last until the next call.
-  const std::vector<NormalCell>& clip(const SinglePoint* polygon, std::size_t count);
+  /// The cells of one polygon, which the caller may take. They last until the next call.
+  std::vector<NormalCell>& clip(const SinglePoint* polygon, std::size_t count);
 
  private:
   struct Filter;

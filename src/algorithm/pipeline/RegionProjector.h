@@ -150,6 +150,8 @@ class RegionProjector {
                                std::int64_t mostPoints = AnyPoints) {
     Trials all{maxLength, mostPoints, cornersOf(polygons), 0};
     Result result;
+    result.polygons.reserve(polygons.size());
+    result.pieceCounts.reserve(polygons.size());
     for (const std::vector<Kernel::Vec3>& polygon : polygons) {
       std::int64_t pieceCount = firstCount;
       std::optional<PlanePolygon> projected = trials(polygon, pieceCount, all);
@@ -185,6 +187,8 @@ class RegionProjector {
     }
   };
 
+  static constexpr std::size_t UsualPoints = 64;  // of a polygon that was split
+
   Kernel::Vec2 planePoint(Kernel::Vec3 camera) const {
     switch (region.type) {
       case ProjectionType::Radial:
@@ -216,6 +220,7 @@ class RegionProjector {
   // Nothing if a piece is longer than `longest`: then the rest is not looked at.
   std::optional<PlanePolygon> projectWithin(const std::vector<Kernel::Vec3>& polygon,
                                             std::int64_t pieceCount, double longest) {
+    split.reserve(UsualPoints);
     Kernel::splitPolygon(polygon, pieceCount, split);
     // Made at the first call and not before: without a polygon, wrong numbers harm nobody.
     if (!segments) segments = dockingSegments(region.dockingEdges, region.regionPoints);

@@ -50,6 +50,7 @@ namespace {
 
 // Appends each number once, in the order of first appearance, to those that are there.
 void appendOnce(std::vector<int>& numbers, const std::vector<int>& more, std::size_t edgeCount) {
+  if (more.empty()) return;  // as for nearly all regions
   std::vector<bool> isThere(edgeCount + 1, false);
   for (const int number : numbers) isThere[static_cast<std::size_t>(number)] = true;
   for (const int number : more) {
@@ -102,7 +103,7 @@ class ShotBuilder {
 
   void buildRegions(Scene::Object& object, int objectNumber, int regionIndex,
                     std::vector<PlanePolygon>& polygons, Faces2d& faces2d) {
-    Kernel::DockingNumbers docking(polygons.size());
+    Kernel::DockingNumbers docking;  // of each polygon, if there are several
     if (polygons.size() > 1) {
       const Utils::StageScope stage(Utils::Stage::Docking);
       docking = Kernel::dockingEdges(closedOutlines(polygons), dockingPrecision);
@@ -120,9 +121,9 @@ class ShotBuilder {
       region2d->setFaceNumber(region.getFaceNumber());
       region2d->setSourceRegionNumber(regionIndex + 1);
       if (colour) region2d->setOverrideColor(*colour);
-      fillPoints(*region2d, polygons[p], docking[p]);
+      fillPoints(*region2d, polygons[p], docking.empty() ? std::vector<int>() : docking[p]);
       polygons[p] = PlanePolygon();
-      docking[p] = std::vector<int>();
+      if (!docking.empty()) docking[p] = std::vector<int>();
       if (region.getFaceNumber() < 0) {
         // Unreachable as long as the face is looked up above.
         Cmd::logMessage("Scene::Object \"%s\" has region \"%d\" with undefined face number\n",
