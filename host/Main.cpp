@@ -2,6 +2,7 @@
 // command declares its arguments before the parse and runs after it, so nothing here knows their
 // options.
 
+#include "Allocator.h"
 #include "Command.h"
 #include "Commands.h"
 #include "HostError.h"
@@ -158,6 +159,7 @@ int main(int argc, char** argv) {
   using namespace Lumivane::Host;
   openStandardStreams();
   prepareMemory();
+  prepareAllocator();
   endCleanlyOnSignals();
   try {
     return run({argv + (argc > 0 ? 1 : 0), argv + argc});

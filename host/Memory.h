@@ -2,8 +2,7 @@
 
 namespace Lumivane::Host {
 
-/// Sets the allocator up for what the programs do: to build and free trees of millions of small
-/// pieces on one thread. Called once, before any other work.
+/// Says what happens at the end of memory. Called once, before any other work.
 ///
 /// When memory ends, a reserve is freed before the error is thrown, so that what has been built can
 /// be taken apart, which needs memory of its own in places. If even that does not do, the process

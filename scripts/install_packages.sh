@@ -11,6 +11,7 @@ packages=(
   libarchive-dev                         # view factors as archives of arrays
   libxxhash-dev                          # the hashes of files of scenes
   libnova-dev tzdata                     # where the sun stands, and what clocks show
+  libmimalloc-dev                        # the program's memory; without it that of the C library
   libgdal-dev gdal-bin                   # maps of geographic information systems, and to look at them
   libgtest-dev libgmock-dev valgrind     # the tests
   xvfb xauth libgl1-mesa-dri             # to draw without a screen
