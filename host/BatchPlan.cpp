@@ -193,7 +193,9 @@ BatchPlan planBatch(const BatchOptions& options) {
       outputs.add((fs::path(plan.setting.folder) / file).string(), "view \"" + view.name + "\"");
   }
   if (options.shard.range && options.shard.range->last > plan.views.size())
-    throw HostError("--views-range", "there are " + std::to_string(plan.views.size()) + " views");
+    throw HostError("--views-range", "ends at " + std::to_string(options.shard.range->last) +
+                                         ", but there are " + std::to_string(plan.views.size()) +
+                                         " views");
   addMaps(options, plan.setting.folder, outputs);
   refuseShots(plan);
   refuseUseless(options, plan);

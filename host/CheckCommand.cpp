@@ -74,6 +74,7 @@ void printJson(const std::string& scene, const Findings& findings) {
 Findings findingsOf(const CheckOptions& options) {
   if (const auto model = Tools::modelOf(options.scene, options.import))
     return Check::SceneChecker::check(model->scene(options.import.eye).scene());
+  refuseModelOptions(options.scene, options.import);
   if (options.import.center)
     throw ArgumentError(options.scene,
                         "is a scene file, which is checked where it is: leave out "

@@ -33,6 +33,7 @@ Vector readEye(const std::string& text) {
 
 void addSettings(CLI::App& command, ImportSettings& settings, const std::string& scaleName,
                  const std::string& group) {
+  settings.scaleOption = scaleName;
   CLI::Option* const twoSided =
       command.add_flag("--two-sided", settings.twoSided, "surfaces are seen from both sides")
           ->group(group);

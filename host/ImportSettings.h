@@ -19,6 +19,7 @@ struct ImportSettings {
   bool allowOutside = false;
   double scale = 1.0;
   double crease = -1.0;                      ///< below 0: as the importer thinks best
+  std::string scaleOption;                   ///< what the command line calls `scale`
   std::optional<std::array<double, 3>> eye;  ///< from where the scene will be seen
   bool asksForClasses = false;  ///< whether a table of classes beside a scene file is read
   std::string classes;          ///< another table of classes to read, or empty

@@ -321,7 +321,8 @@ RowRange readRowRange(const std::string& option, const std::string& text) {
     if (last.ec == std::errc{} && last.ptr == end && rows.first >= 1 && rows.first <= rows.last)
       return rows;
   }
-  throw CLI::ValidationError(option + ": \"" + text + "\" is not FIRST:LAST, two numbers from 1");
+  throw CLI::ValidationError(option + ": \"" + text +
+                             "\" is not FIRST:LAST, two row numbers from 1 in rising order");
 }
 
 namespace {

@@ -99,7 +99,18 @@ Session::LoadedScene fileWithClasses(const std::string& path, const ImportSettin
   return scene;
 }
 
+// What only models take: an option of those that is given, or empty.
+std::string modelOption(const ImportSettings& settings, const std::string& scaleOption) {
+  if (settings.twoSided) return "--two-sided";
+  if (settings.flip) return "--flip";
+  if (settings.yUp) return "--y-up";
+  if (settings.scale != 1.0) return scaleOption;
+  if (settings.crease >= 0.0) return "--crease";
+  return "";
+}
+
 SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) {
+  refuseModelOptions(path, settings);
   SourcedScene source;
   source.lazy = std::make_shared<LazyScene>(fileWithClasses(path, settings));
   source.isSceneFile = true;
@@ -113,16 +124,12 @@ SourcedScene sceneFile(const std::string& path, const ImportSettings& settings) 
 
 // A scene that has been made ready is as it is.
 void checkReadySettings(const std::string& path, const ImportSettings& settings) {
-  const char* option = nullptr;
+  std::string option = modelOption(settings, "--scale");  // its name there
   if (settings.center) option = "--center";
   if (!settings.classes.empty()) option = "--classes";
-  if (settings.flip) option = "--flip";
-  if (settings.yUp) option = "--y-up";
-  if (settings.scale != 1.0) option = "--import-scale";
-  if (settings.crease >= 0.0) option = "--crease";
-  if (option != nullptr)
-    throw ArgumentError(path, std::string("is a scene made ready, which stays as it is: give ") +
-                                  option + " to lumivane import when it is made");
+  if (!option.empty())
+    throw ArgumentError(path, "is a scene made ready, which stays as it is: give " + option +
+                                  " to lumivane import when it is made");
 }
 
 // The model is kept as long as the scene may still be made of it.
@@ -156,6 +163,13 @@ SourcedScene sourced(const std::shared_ptr<Tools::Model>& model, const std::stri
 }
 
 }  // namespace
+
+void refuseModelOptions(const std::string& path, const ImportSettings& settings) {
+  const std::string option = modelOption(settings, settings.scaleOption);
+  if (!option.empty())
+    throw ArgumentError(path, "is a scene file, whose polygons stay as they are: leave out " +
+                                  option + ", which is for meshes and city models");
+}
 
 Session::Vector moved(const Session::Vector& point, const Session::Vector& shift) {
   return {point[0] + shift[0], point[1] + shift[1], point[2] + shift[2]};

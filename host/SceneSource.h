@@ -73,6 +73,9 @@ std::vector<std::string> sourceFiles(const std::string& path, const ImportSettin
 /// Whether a path is read as a scene file, and not as a mesh or a city model.
 bool isSceneFile(const std::string& path);
 
+/// For a scene file. \throws ArgumentError that names an option that only models take
+void refuseModelOptions(const std::string& path, const ImportSettings& settings);
+
 /// Reads a scene file; where the program is built with importers, also a mesh or a city model,
 /// printing on standard output what became of it.
 ///

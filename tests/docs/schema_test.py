@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """Checks every sample and expected document against the schemas, and the schemas against faults.
 
-Usage: schema_test.py ROOT
+Usage: schema_test.py ROOT [PROGRAM]
+
+With the program lumivane the maps that it writes are checked, too.
 """
 
 import json
+import subprocess
 import sys
+import tempfile
 from pathlib import Path
 
 from jsonschema import Draft202012Validator
@@ -17,6 +21,26 @@ def validator(kind):
     schema = json.loads((ROOT / f"docs/schema/{kind}.schema.json").read_text())
     Draft202012Validator.check_schema(schema)
     return Draft202012Validator(schema)
+
+
+# What looks differ in: fields, classes, regions of no face, holes, nothing at all to see.
+VIEWS = [
+    ["scenes/street.json", "--eye=-5.3,-1.37,3.4"],
+    ["scenes/room.json", "--eye=0.35,2.137,1.6", "--field", "sphere", "--two-sided"],
+    ["scenes/docking.json", "--eye=-3,0.2,0.3"],
+    ["tests/data/models/house.city.json", "--eye=-8.3,-15.1,7.7", "--forward=0.5,1,-0.3"],
+    ["scenes/small.json", "--eye=0,0,-9", "--forward=0,0,-1"],
+    ["scenes/small.json", "--eye=0,0,-9e9", "--field", "sphere"],
+]
+
+
+def written_maps(program):
+    with tempfile.TemporaryDirectory() as folder:
+        for number, view in enumerate(VIEWS):
+            path = Path(folder) / f"{number} {Path(view[0]).name}"
+            subprocess.run([program, "view", *view, "--map", path], cwd=ROOT, check=True,
+                           stdout=subprocess.DEVNULL)
+            yield path
 
 
 def documents(kind):
@@ -89,6 +113,10 @@ def main():
                 faults += found
             elif not found:
                 faults.append(f"{path.name} should be refused")
+        if kind == "map" and len(sys.argv) > 2 and sys.argv[2]:
+            for path in written_maps(sys.argv[2]):
+                faults += faults_found(check, json.loads(path.read_text()), path)
+            print(f"map: {len(VIEWS)} written ones")
         good = ROOT / "tests/data" / GOOD[kind]
         for number, breaks in enumerate(BROKEN[kind]):
             document = json.loads(good.read_text())

@@ -179,6 +179,15 @@ TEST(ReadyScene, TakesNoOptionsOfAnImport) {
                 ": is a scene made ready, which stays as it is: give --center to lumivane import "
                 "when it is made\n",
             result.err);
+  for (const std::vector<std::string>& option :
+       {std::vector<std::string>{"--two-sided"}, {"--import-scale", "2"}}) {
+    std::vector<std::string> shot = {"shot", ready, "--eye", "1,2,30"};
+    shot.insert(shot.end(), option.begin(), option.end());
+    const std::string name = option.front() == "--import-scale" ? "--scale" : option.front();
+    EXPECT_EQ("lumivane: " + ready + ": is a scene made ready, which stays as it is: give " + name +
+                  " to lumivane import when it is made\n",
+              run(shot).err);
+  }
   EXPECT_EQ(2, run({"import", ready, "-o", folder.path("b.lumiscene")}).status);
 }
 

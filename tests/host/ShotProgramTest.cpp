@@ -559,7 +559,7 @@ TEST(ShotProgram, AnAuditIsJsonWhateverAnIdHolds) {
 }
 
 TEST(ShotProgram, AnAuditWarnsOfAPictureThatIsWrong) {
-  // In a cyclic overlap one bar is painted over what is before it, whatever the order.
+  // In a cyclic overlap one bar is painted over what is in front of it, whatever the order.
   const Lumivane::Test::WorkingFolder folder;  // for the report of the overlap
   const std::string ring = LUMIVANE_SCENES "/ring.json";
   const Result result = run({"shot", ring, "--eye=-4,0,0", "--audit"});

@@ -48,6 +48,28 @@ TEST(UselessOptions, OfViewAreRefused) {
       run(view({"--size", "30x30", "--color-by", "object", "--svg", folder.path("a.svg")})).status);
 }
 
+TEST(UselessOptions, OfModelsAreRefusedForSceneFiles) {
+  const auto expectNamed = [](std::vector<std::string> command, const std::string& option) {
+    command.push_back(option);
+    if (option == "--import-scale" || option == "--scale" || option == "--crease")
+      command.emplace_back("2");
+    expectRefused(command, Small +
+                               ": is a scene file, whose polygons stay as they are: leave out " +
+                               option + ", which is for meshes and city models");
+  };
+  for (const char* const option : {"--flip", "--y-up", "--import-scale", "--crease"}) {
+    expectNamed({"view", Small, "--eye=-4,0.35,1.9"}, option);
+    expectNamed({"check", Small}, option);
+  }
+  expectNamed({"shot", Small, "--eye=-4,0.35,1.9"}, "--two-sided");
+  expectNamed({"grid", Small, "--spacing", "1", "--height", "1"}, "--flip");
+  const TempFolder folder;
+  const std::string views = folder.file("v.csv", "name,eye\na,\"-4,0.35,1.9\"\n");
+  expectNamed({"batch", Small, views, "--out-dir", folder.path("out")}, "--y-up");
+  expectNamed({"import", Small, "-o", folder.path("a.lumiscene")}, "--scale");
+  EXPECT_EQ(0, run({"view", Small, "--eye=-4,0.35,1.9", "--import-scale", "1", "--center"}).status);
+}
+
 TEST(UselessOptions, OfGridAndFactorsAreRefused) {
   const TempFolder folder;
   expectRefused({"grid", Small, "--spacing", "1", "--height", "1", "--rows", "class"},

@@ -149,7 +149,7 @@ TEST(ViewsRange, RangesComeTogetherAsTheWhole) {
   EXPECT_EQ(0, last.status) << last.err;
   for (const char* file : {"/summary.csv", "/journal.csv", "/v4.json"})
     EXPECT_EQ(fileBytes(folder.path("whole") + file), fileBytes(folder.path("parts") + file));
-  EXPECT_EQ("lumivane: --views-range: there are 5 views\n",
+  EXPECT_EQ("lumivane: --views-range: ends at 6, but there are 5 views\n",
             batch("parts", {"--views-range", "5:6"}).err);
   EXPECT_EQ(2, batch("parts", {"--views-range", "0:2"}).status);
 }

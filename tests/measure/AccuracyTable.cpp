@@ -24,7 +24,7 @@ const std::vector<std::pair<std::string, std::string>> RowNames = {
     {"disc_shift", "disc, shifted"},
     {"strip", "strip without end"},
     {"triangle", "triangle"},
-    {"shadow, front", "small plate before a large one"},
+    {"shadow, front", "small plate in front of a large one"},
     {"shadow, back", "what it leaves of the large one"},
     {"cube, top", "top of a cube from its middle"},
     {"cube, right", "side of a cube from its middle"}};

@@ -127,7 +127,7 @@ TEST(ShotAudit, APictureOfTheRightOrderIsWrongByItsChordsOnly) {
   }
 }
 
-TEST(ShotAudit, AWallPaintedOverTheOneBeforeItIsWrongByTheHiddenOnesArea) {
+TEST(ShotAudit, AWallPaintedOverTheOneInFrontOfItIsWrongByTheHiddenOnesArea) {
   LoadedScene scene = sceneOf({wall(4.0, 2.0), wall(2.0, 0.5)});
   const SceneIndex index(scene);
   const TakenShot shot = take(scene, fineView(ViewCameraKind::Spherical));
@@ -180,7 +180,7 @@ TEST(ShotAudit, WhatAPictureLacksIsMissingAndWhatASceneLacksIsShownWrongly) {
   EXPECT_EQ(0.0, nothing.wrongShare());
 }
 
-TEST(ShotAudit, OfThreeTrianglesInACyclicOverlapOneIsPaintedOverWhatIsBeforeIt) {
+TEST(ShotAudit, OfThreeTrianglesInACyclicOverlapOneIsPaintedOverWhatIsInFrontOfIt) {
   std::vector<Polygon> triangles;
   for (const double degrees : {10.0, 130.0, 250.0}) {
     const auto corner = [degrees](double turn, double depth, double radius) -> Vector {

@@ -47,7 +47,7 @@ constexpr const char* Usage =
     "  --rays N         rays for each eye (1000000)\n"
     "  --eyes N         eyes for each file (51 for city models, 9 for others)\n"
     "  --street N       in place of these, N eyes of walkers in the streets of a city model\n"
-    "  --facade N       and N eyes just before its walls\n"
+    "  --facade N       and N eyes just in front of its walls\n"
     "  --reduce FOLDER  writes the smallest part of each scene that fails there\n"
     "\n"
     "Shares that are off by more than 4 standard deviations, as some are of many, are measured "
@@ -143,7 +143,7 @@ class EyeChooser {
     }
   }
 
-  /// A tenth of a metre before an upright wall, looking away from it.
+  /// A tenth of a metre in front of an upright wall, looking away from it.
   Eye facade() {
     for (;;) {
       const Eye walker = street();

@@ -45,16 +45,15 @@ struct ObjectAudit {
 /// Regions are compared by the numbers of object and region that shot and map have in common.
 class LUMIVANE_MEASURE_EXPORT ShotAudit {
  public:
-  /// Looks from where the shot was really taken, into the hemisphere before it, and compares.
+  /// Looks from where the shot was really taken, into the hemisphere in front of it, and compares.
   /// \param index  of the scene that the shot was taken of
   /// \param threads  how many of them look; 0 for all processors. Results do not depend on it.
   /// \throws std::invalid_argument if the eye or a direction is not one to look from
   ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index, int threads = 1);
 
-  /// Compares with a map that was made from the shot's eye, of the hemisphere before it and with
-  /// its direction upwards. The shot's lists may be null.
-  /// \throws std::invalid_argument for a map of the whole sphere
-  /// \throws std::out_of_range for a point number that is not in the shot
+  /// Compares with a map that was made from the shot's eye, of the hemisphere in front of it and
+  /// with its direction upwards. The shot's lists may be null. \throws std::invalid_argument for a
+  /// map of the whole sphere \throws std::out_of_range for a point number that is not in the shot
   ShotAudit(const Shot::Shot2d& shot, Algorithm::ProjectionType projection,
             const Visibility::VisibleMap& map);
 

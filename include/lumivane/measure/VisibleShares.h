@@ -12,7 +12,7 @@ class Shot2d;
 
 namespace Lumivane::Measure {
 
-/// How much of the hemisphere before the eye something takes.
+/// How much of the hemisphere in front of the eye something takes.
 struct LUMIVANE_MEASURE_EXPORT Share {
   double area = 0.0;        ///< in the picture: the whole disc is pi, the whole square is 4
   double viewFactor = 0.0;  ///< share of the hemisphere weighted by the cosine to forward, 0 to 1
