@@ -619,6 +619,9 @@ for (const command of ["shot", "view"]) {
       rows.map((row) => [row.cells[0].textContent, row.cells[1].textContent]));
     for (const [id, text] of await cells())
       assert.equal(text, classNames[id] ?? "", id);
+    const cut = await page.locator("#shown td:not(:first-child):not(.text)").evaluateAll((all) =>
+      all.filter((cell) => cell.scrollWidth > cell.clientWidth).map((cell) => cell.textContent));
+    assert.deepEqual(cut, [], "numbers have room");
     const header = page.locator("th[data-column=class]");
     await header.click();
     assert.equal(await header.getAttribute("aria-sort"), "ascending");

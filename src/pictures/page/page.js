@@ -480,6 +480,7 @@
       header.hidden = !isShown(pictures[picture], header.dataset.column);
       shown += header.hidden ? 0 : 1;
     }
+    byId("objects").classList.toggle("wide", shown > 5);
     for (const space of ["before", "after"]) byId(space).rows[0].cells[0].colSpan = shown;
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
     const factor = columns.includes("viewFactor")
