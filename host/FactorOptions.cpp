@@ -17,7 +17,7 @@ void setFactorsOptions(CLI::App& command, FactorsOptions& options) {
   command
       .add_option("--tolerance", options.tolerance,
                   "error of an exchange area, by itself or by a twentieth of the area of all faces")
-      ->check(numberRange(1e-12, 1.0), "")
+      ->check(numberRange(1e-7, 1.0), "")
       ->type_name("NUMBER")
       ->capture_default_str();
   command

@@ -991,6 +991,8 @@ FactorRow FaceFactors::row(size_t element) const {
   for (const size_t piece : state->piecesOf[element / state->sides()])
     add(result, PieceRow<State>(*state, element, piece).run(),
         state->pieces[piece].area / emitter.area);
+  // No smaller error is known even of pairs with nothing between them.
+  if (state->options.tolerance < SameFactorPart) result.isWithinTolerance = false;
   // What is seen of nothing but rounding is no entry.
   result.entries.erase(
       std::remove_if(result.entries.begin(), result.entries.end(),

@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <numeric>
 #include <random>
 #include <string>
 #include <utility>
@@ -167,6 +168,35 @@ TEST(FaceFactors, ConvexEnclosuresAgreeWithIntegralsOfTheFactorFromAPoint) {
         EXPECT_NEAR(expected, entry(row, j), 1e-4 * expected) << i << " " << j;
       }
     }
+  }
+}
+
+// What docs/view-factors.md has of these enclosures. Of convex bodies every row adds up to 1, so a
+// row checks itself.
+TEST(FaceFactors, ConvexEnclosuresHaveTheFactorsOfTheTable) {
+  using Numbers = std::vector<double>;  // of the first face, greatest first
+  const std::pair<Enclosure, Numbers> expected[] = {
+      {{"cube", boxOutlines({0, 0, 0}, {1, 1, 1})},
+       {0.200043776, 0.200043776, 0.200043776, 0.200043776, 0.199824896}},
+      {{"box", boxOutlines({0, 0, 0}, {1, 2, 3})},
+       {0.308140293, 0.308140293, 0.161694014, 0.161694014, 0.060331385}},
+      {{"tetrahedron", tetrahedronOutlines()}, {1.0 / 3.0, 1.0 / 3.0, 1.0 / 3.0}},
+      {{"octahedron", octahedronOutlines()},
+       {0.148941118, 0.148941118, 0.148941118, 0.142613727, 0.136854306, 0.136854306, 0.136854306}},
+      {{"triangular prism", prismOutlines(3, 1.0, 1.5)},
+       {0.289522662, 0.289522662, 0.289522662, 0.131432015}},
+      {{"hexagonal prism", prismOutlines(6, 1.0, 0.7)},
+       {0.469605839, 0.088399027, 0.088399027, 0.088399027, 0.088399027, 0.088399027,
+        0.088399027}}};
+  for (const auto& [enclosure, numbers] : expected) {
+    SCOPED_TRACE(enclosure.name);
+    const FactorRow row = FaceFactors{SceneIndex(inside(enclosure.outlines).scene)}.row(0);
+    Numbers factors;
+    for (const FactorEntry& e : row.entries) factors.push_back(e.factor);
+    std::sort(factors.rbegin(), factors.rend());
+    ASSERT_EQ(numbers.size(), factors.size());
+    for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_NEAR(numbers[i], factors[i], 1e-8);
+    EXPECT_NEAR(1.0, std::accumulate(numbers.begin(), numbers.end(), 0.0), 2e-8);
   }
 }
 
@@ -390,6 +420,14 @@ TEST(FaceFactors, FewPointsAreReportedAsNotWithinTheTolerance) {
   options.mostPoints = 10;
   const FaceFactors factors{SceneIndex(furnishedRoom().scene), options};
   EXPECT_FALSE(factors.row(0).isWithinTolerance);
+}
+
+TEST(FaceFactors, NoRowIsSaidToBeWithinWhatCannotBeKnown) {
+  const SceneIndex index(inside(prismOutlines(3, 1.0, 1.5)).scene);
+  EXPECT_TRUE(FaceFactors(index, tolerance(1e-7)).row(0).isWithinTolerance);
+  EXPECT_FALSE(FaceFactors(index, tolerance(9e-8)).row(0).isWithinTolerance);
+  for (const FactorEntry& each : FaceFactors(index, tolerance(1e-12)).row(0).entries)
+    EXPECT_NEAR(1e-7 * each.factor, each.estimate, 1e-10 * each.factor);
 }
 
 TEST(FaceFactors, OptionsThatMeanNothingAreRefused) {

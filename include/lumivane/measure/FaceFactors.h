@@ -16,7 +16,8 @@ namespace Lumivane::Measure {
 struct FactorOptions {
   /// The error of an exchange area A_i F_ij is brought below this part of the exchange area itself,
   /// or of a twentieth of the area of all elements, whichever is greater: what is small beside the
-  /// scene needs no more than a few points.
+  /// scene needs no more than a few points. Below 1e-7 no row is said to be within it, since of
+  /// pairs with nothing between them no smaller error is known.
   double tolerance = 1e-4;
   bool twoSided = false;  ///< whether the backs of faces are elements of their own, too
   /// From how many points of a flat piece of a face is looked before its last division, at most.
@@ -52,7 +53,8 @@ struct FactorRow {
   double skyEstimate = 0.0;          ///< of the error of `sky`
   double residual = 0.0;  ///< the sum of all factors less 1, before it was distributed over them
   std::size_t looks = 0;  ///< how many points were looked from
-  bool isWithinTolerance = true;  ///< false if `mostPoints` was not enough
+  /// False if `mostPoints` was not enough, or the tolerance is below what can be known.
+  bool isWithinTolerance = true;
 };
 
 /// View factors from face to face, with all that stands between them.
