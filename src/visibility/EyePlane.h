@@ -37,6 +37,24 @@ inline double offsetFrom(const ScenePlane& plane, Kernel::Vec3 eye) {
   return Kernel::dot(plane.normal, plane.point - eye);
 }
 
+/// The same for a polygon's own plane. Far from the origin its point, the mean of the corners, is
+/// rounded by more than an eye near the plane is off it: there the corners are asked, whose
+/// distances from the eye are as exact as they are short.
+inline double offsetFrom(const IndexState& state, std::size_t polygon, Kernel::Vec3 eye) {
+  constexpr double Rounded = 0x1p-33;  // a million times what rounding takes of a coordinate
+  const ScenePlane& plane = state.planes[polygon];
+  const double offset = offsetFrom(plane, eye);
+  const Kernel::Vec3 p = plane.point;
+  if (std::abs(offset) > Rounded * (std::abs(p.x) + std::abs(p.y) + std::abs(p.z))) return offset;
+  const auto begin = static_cast<std::size_t>(state.cornerOffsets[polygon]);
+  const auto end = static_cast<std::size_t>(state.cornerOffsets[polygon + 1]);
+  double sum = 0.0;
+  for (std::size_t c = begin; c < end; ++c)
+    sum += Kernel::dot(plane.normal,
+                       state.vertices[static_cast<std::size_t>(state.cornerVertices[c])] - eye);
+  return sum / static_cast<double>(end - begin);
+}
+
 inline Kernel::Vec3 nearnessOf(const ScenePlane& plane, double offset) {
   return {plane.normal.x / offset, plane.normal.y / offset, plane.normal.z / offset};
 }
@@ -83,13 +101,14 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::V
                          bool twoSided) {
   EyePlane result;
   const ScenePlane& own = state.planes[polygon];
-  result.offset = offsetFrom(own, eye);
+  result.offset = offsetFrom(state, polygon, eye);
   if (!(result.offset > 0.0) && !twoSided) return result;
   if (isEdgeOn(state, polygon, eye, result.offset)) return result;
   result.isSeen = true;
   result.ownNearness = nearnessOf(own, result.offset);
   const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
-  const double layerOffset = offsetFrom(layer, eye);
+  const bool isOwn = layer.point == own.point && layer.normal == own.normal;
+  const double layerOffset = isOwn ? result.offset : offsetFrom(layer, eye);
   result.nearness = nearnessOf(layer, layerOffset);
   if (!(std::abs(layerOffset) > LeastOffset) ||
       !(Kernel::dot(result.nearness, result.ownNearness) > 0.0)) {

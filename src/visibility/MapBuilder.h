@@ -209,6 +209,7 @@ class MapBuilder {
     return {v[0], v[1], v[2]};
   }
   bool isDocked(const Link& link) const;
+  bool isOfCells(const Link& crossing) const;
   VisibleMap::EdgeKind kindOf(const Link& link) const;
   void orderMap();
   void orderCells(const std::vector<int>& firstVertex);

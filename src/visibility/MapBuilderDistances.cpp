@@ -18,8 +18,8 @@ using Kernel::Vec3;
 
 // 1 / distance along a direction d is plane.d.
 Vec3 MapBuilder::planeOf(std::int32_t polygon) const {
-  const ScenePlane& plane = setup.state->planes[static_cast<size_t>(polygon)];
-  return nearnessOf(plane, offsetFrom(plane, setup.eye));
+  const auto i = static_cast<size_t>(polygon);
+  return nearnessOf(setup.state->planes[i], offsetFrom(*setup.state, i, setup.eye));
 }
 
 // The greatest distance of a flat cell is at a corner, the least at a corner, on an edge, or at

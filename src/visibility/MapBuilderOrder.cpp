@@ -29,13 +29,28 @@ bool MapBuilder::isDocked(const Link& link) const {
   return link.inner && (link.shared || layerOf(link.left) == layerOf(link.right));
 }
 
+// Whether the regions that cross are those of the cells: of a sliver that has become a part of
+// another cell they are not.
+bool MapBuilder::isOfCells(const Link& crossing) const {
+  constexpr Source Low = (Source{1} << 31) - 1;
+  const auto regionOf = [this](Source polygon) {
+    return setup.state->regions[static_cast<size_t>(polygon)];
+  };
+  const auto regionOfCell = [&](int cell) {
+    return regionOf(cellPolygons[static_cast<size_t>(cell)]);
+  };
+  const auto sorted = [](std::int32_t a, std::int32_t b) { return std::minmax({a, b}); };
+  return sorted(regionOf(crossing.source >> 31 & Low), regionOf(crossing.source & Low)) ==
+         sorted(regionOfCell(crossing.left), regionOfCell(crossing.right));
+}
+
 VisibleMap::EdgeKind MapBuilder::kindOf(const Link& link) const {
   using Kind = VisibleMap::EdgeKind;
   if (link.left == NoCell || link.right == NoCell) return Kind::Field;
   const Label& a = map.cells[static_cast<size_t>(link.left)].label;
   const Label& b = map.cells[static_cast<size_t>(link.right)].label;
   if (a.object == 0 || b.object == 0) return Kind::Silhouette;
-  if (isCrossing(link.source)) return Kind::Crossing;
+  if (isCrossing(link.source) && isOfCells(link)) return Kind::Crossing;
   const bool oneFace = a.face == b.face && a.face > 0;
   if (a.object == b.object && (oneFace || isDocked(link))) return Kind::Inner;
   return link.shared ? Kind::Crease : Kind::Silhouette;

@@ -5,6 +5,7 @@
 #include "visibility/MapBuilder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 #include <vector>
 
@@ -81,6 +82,12 @@ void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
     Vec3 middle;
     if (!middleOfWide(lines[i], middle) || !isClose(middle)) continue;
     place = middle;
+    return;
+  }
+  if (count == 1) {
+    const Vec3 normal = normalOf(lines[0]);
+    const double off = Kernel::dot(normal, place);
+    if (std::fabs(off) < MostDoubt) place = unit(place - off * normal);
     return;
   }
   double best = LineDoubt / MostDoubt;

@@ -43,7 +43,8 @@ bool MapBuilder::dropSliversOnce(std::vector<Link>& borders) {
   const auto addBorder = [](Extent& e, Vec3 corner, double length, int neighbour) {
     if (e.length == 0.0) e.from = corner;
     e.length += length;
-    if (length > e.shared) {
+    // What lies beyond the field takes nothing up: its border is where the field ends.
+    if (neighbour != NoCell && length > e.shared) {
       e.shared = length;
       e.neighbour = neighbour;
     }

@@ -108,7 +108,7 @@ class RayQuery {
   }
 
   void ask(std::size_t polygon) {
-    const double offset = offsetFrom(state.planes[polygon], eye);
+    const double offset = offsetFrom(state, polygon, eye);
     if (!(offset > 0.0) && !twoSided) return;
     const int forward = Kernel::signOfDot(state.planes[polygon].normal, direction);
     if (forward == 0 || (forward > 0) != (offset > 0.0)) return;

@@ -125,5 +125,69 @@ TEST(Look, SeesNothingOfAnOutlineThatTheEyeIsOn) {
   }
 }
 
+// It was taken to be as far off the plane as rounding is off the place, and saw most of the sphere
+// full of the triangle.
+TEST(Look, SeesNothingOfATriangleInWhosePlaneItIsFarFromTheOrigin) {
+  const SceneIndex index(
+      SceneBuilder()
+          .object()
+          .add({{85051, 446074.625, -2}, {85055, 446073.625, 3}, {85049, 446071.625, -1}})
+          .scene());
+  const Vector eye{85051, 446072.625, 0};
+  Visibility::LookOptions options;
+  options.twoSided = true;
+  options.field = Visibility::Field::Sphere;
+  const VisibleMap map = index.look(eye, options);
+  ASSERT_EQ(map.cells.size(), 1U);
+  EXPECT_EQ(map.cells[0].label.object, 0);
+  EXPECT_EQ(index.seenIn(eye, {{-0.13, 0.74, 0.66}}, true)[0].label.object, 0);
+  // A millionth of a millimetre above it half of the sphere is.
+  const Vector above{85051, 446072.625, 1e-9};
+  const VisibleMap half = index.look(above, options);
+  ASSERT_EQ(half.cells.size(), 2U);
+  EXPECT_EQ(
+      sceneFaultText(
+          Judge(SceneBuilder()
+                    .object()
+                    .add({{85051, 446074.625, -2}, {85055, 446073.625, 3}, {85049, 446071.625, -1}})
+                    .scene()),
+          half),
+      "");
+}
+
+// It became a part of what lies beyond, and left the field's border off its place.
+TEST(Look, ASliverAtTheEndOfTheFieldIsTakenUpWithinIt) {
+  HardScene scene;
+  SceneBuilder builder;
+  builder.object().add({{85078.625, 446090, 0}, {85085.625, 446090, 0}, {85083.625, 446087, 1}});
+  builder.object().add({{85085.625, 446090, 0}, {85079.625, 446094, 4}, {85079.625, 446090, -3}});
+  scene.scene = builder.scene();
+  scene.eye = {85082.625, 446091, 0};
+  scene.options.forward = {0, 0, 1};
+  expectRight(scene);
+}
+
+// The tip of the triangle is a sliver beside the wall in front, and the line in which it crosses
+// the wall behind stayed as their border.
+TEST(Look, ACrossingIsOneOfTheRegionsBesideIt) {
+  HardScene scene;
+  SceneBuilder builder;
+  builder.object().add({{85096, 446030.25, -2},
+                        {85096, 446031.25, -2},
+                        {85096, 446031.25, 1},
+                        {85096, 446030.25, 1}});
+  builder.object().add(
+      {{85095.5, 446029.25, -1}, {85098.5, 446029.25, -1}, {85097, 446029.75, 0.5}});
+  builder.add({{85097, 446029.25, -1},
+               {85097, 446030.25, -1},
+               {85097, 446030.25, 2},
+               {85097, 446029.25, 2}});
+  scene.scene = builder.scene();
+  scene.eye = {85094, 446034.25, -3};
+  scene.options.forward = {0.45354571158451118, -0.55349562520341145, -0.69852622025517708};
+  scene.options.twoSided = true;
+  expectRight(scene);
+}
+
 }  // namespace
 }  // namespace Lumivane::Truth
