@@ -4,12 +4,17 @@
 #include "scene/City.h"
 #include "scene/Sphere.h"
 
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -28,11 +33,15 @@ constexpr const char* Usage =
 
 constexpr int LargestCount = 10000000;
 
-int countOf(const std::string& text) {
-  std::size_t used = 0;
-  const int count = std::stoi(text, &used);
-  if (used != text.size() || count < 1 || count > LargestCount) throw std::invalid_argument(text);
-  return count;
+template <class Number>
+Number numberOf(const std::string& what, const std::string& text, Number least, Number most) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  if (read.ec != std::errc{} || read.ptr != end || number < least || number > most)
+    throw std::invalid_argument(what + ": \"" + text + "\" is not a whole number from " +
+                                std::to_string(least) + " to " + std::to_string(most));
+  return number;
 }
 
 struct Order {
@@ -43,16 +52,19 @@ struct Order {
 };
 
 Order orderOf(const std::vector<std::string>& words) {
+  if (words.size() < 2) throw std::invalid_argument("city or sphere is needed, and a COUNT");
   Order order;
-  order.kind = words.at(0);
-  order.count = countOf(words.at(1));
+  order.kind = words[0];
+  order.count = numberOf("COUNT", words[1], 1, LargestCount);
   for (std::size_t i = 2; i < words.size(); i += 2) {
+    if (words[i] != "-o" && words[i] != "--seed")
+      throw std::invalid_argument("\"" + words[i] + "\" is neither -o nor --seed");
+    if (i + 1 == words.size()) throw std::invalid_argument(words[i] + " needs a value");
     if (words[i] == "-o")
-      order.file = words.at(i + 1);
-    else if (words[i] == "--seed")
-      order.seed = std::stoull(words.at(i + 1));
+      order.file = words[i + 1];
     else
-      throw std::invalid_argument(words[i]);
+      order.seed = numberOf("--seed", words[i + 1], std::uint64_t{0},
+                            std::numeric_limits<std::uint64_t>::max());
   }
   return order;
 }
@@ -60,7 +72,7 @@ Order orderOf(const std::vector<std::string>& words) {
 BenchScene sceneOf(const Order& order) {
   if (order.kind == "city") return Lumivane::Bench::city(order.count, order.seed);
   if (order.kind == "sphere") return Lumivane::Bench::sphere(order.count);
-  throw std::invalid_argument(order.kind);
+  throw std::invalid_argument("\"" + order.kind + "\" is neither city nor sphere");
 }
 
 std::ostream& operator<<(std::ostream& out, const Point& point) {

@@ -16,6 +16,7 @@
 #include <lumivane/visibility/SceneIndex.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -24,6 +25,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -424,16 +426,30 @@ std::vector<std::string> filesOf(const std::string& word) {
 Order orderOf(const std::vector<std::string>& words) {
   Order order;
   for (std::size_t i = 0; i < words.size(); ++i) {
-    if (words[i] == "--rays") {
-      order.rays = std::stoul(words.at(++i));
-    } else if (words[i] == "--eyes") {
-      order.eyes = std::stoi(words.at(++i));
-    } else if (words[i] == "--street") {
-      order.street = std::stoi(words.at(++i));
-    } else if (words[i] == "--facade") {
-      order.facade = std::stoi(words.at(++i));
-    } else if (words[i] == "--reduce") {
-      order.reduceTo = words.at(++i);
+    const std::string& option = words[i];
+    const auto value = [&] {
+      if (++i == words.size()) throw std::invalid_argument(option + " needs a value");
+      return words[i];
+    };
+    const auto count = [&] {
+      const std::string text = value();
+      int number = 0;
+      const char* const end = text.data() + text.size();
+      const auto read = std::from_chars(text.data(), end, number);
+      if (read.ec != std::errc{} || read.ptr != end || number < 0)
+        throw std::invalid_argument(option + ": \"" + text + "\" is not a whole number");
+      return number;
+    };
+    if (option == "--rays") {
+      order.rays = static_cast<std::size_t>(count());
+    } else if (option == "--eyes") {
+      order.eyes = count();
+    } else if (option == "--street") {
+      order.street = count();
+    } else if (option == "--facade") {
+      order.facade = count();
+    } else if (option == "--reduce") {
+      order.reduceTo = value();
     } else {
       for (const std::string& file : filesOf(words[i])) order.files.push_back(file);
     }
@@ -445,6 +461,10 @@ Order orderOf(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && std::string(argv[1]) == "--help") {
+    std::cout << Usage;
+    return EXIT_SUCCESS;
+  }
   try {
     return Campaign(orderOf({argv + 1, argv + argc})).run() ? EXIT_SUCCESS : EXIT_FAILURE;
   } catch (const std::exception& error) {
