@@ -1,5 +1,5 @@
-// The inner steps of a shot, on random input of a fixed seed. Steps with a plain form stand beside
-// it, so that what a faster form gains is the ratio of two lines of one run.
+// The inner steps of a shot, on random input of a fixed seed. Steps with a reference implementation
+// stand beside it, so that what a faster form gains is the ratio of two lines of one run.
 
 #include "jzon/Json5.h"
 #include "jzon/JsonNumber.h"

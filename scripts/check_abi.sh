@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Tells whether programs built against an earlier Lumivane still run with this one.
+# Reports whether programs built against an earlier Lumivane still run with this one.
 #
 # scripts/check_abi.sh [BUILD_DIR]        fails if a symbol listed in cmake/abi/ is gone (quick)
 # scripts/check_abi.sh --adopt [BUILD_DIR]  takes this build's symbols as the list: with a new

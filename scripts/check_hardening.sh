@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Tells whether built libraries and programs are hardened: addresses bound when they are loaded and
+# Reports whether built libraries and programs are hardened: addresses bound when they are loaded and
 # read-only from then on, no executable stack, programs at random addresses, checked stacks, checked
 # buffers, and nothing of the private kernel visible.
 #

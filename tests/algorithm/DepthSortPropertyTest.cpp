@@ -259,23 +259,23 @@ void expectPlainRuns(std::uint64_t seed, int scenes, AnyPiece anyPiece, std::siz
   EXPECT_GT(cycles, leastCycles);
 }
 
-TEST(DepthSortProperty, WholeSortsOfFreeFacesAreThoseOfThePlainForm) {
+TEST(DepthSortProperty, WholeSortsOfFreeFacesAreThoseOfTheReferenceImplementation) {
   expectPlainRuns(20261124, 100, anyFreePiece, 100, 0);
 }
 
-TEST(DepthSortProperty, WholeSortsOnALatticeAreThoseOfThePlainForm) {
+TEST(DepthSortProperty, WholeSortsOnALatticeAreThoseOfTheReferenceImplementation) {
   expectPlainRuns(20261125, 300, anyLatticePiece, 300, 20);
 }
 
-TEST(DepthSortProperty, WholeSortsWhereMostIsHiddenAreThoseOfThePlainForm) {
+TEST(DepthSortProperty, WholeSortsWhereMostIsHiddenAreThoseOfTheReferenceImplementation) {
   expectPlainRuns(20261126, 400, anyPieceOfManyHidden, 3000, 10);
 }
 
-TEST(DepthSortProperty, ScenesOfFreeFacesAreSortedAsInThePlainForm) {
+TEST(DepthSortProperty, ScenesOfFreeFacesAreSortedAsInTheReferenceImplementation) {
   expectPlainSorts(20261122, 100, anyFreePiece);
 }
 
-TEST(DepthSortProperty, ScenesOnALatticeAreSortedAsInThePlainForm) {
+TEST(DepthSortProperty, ScenesOnALatticeAreSortedAsInTheReferenceImplementation) {
   EXPECT_GT(expectPlainSorts(20261123, 300, anyLatticePiece), 20);
 }
 

@@ -59,7 +59,8 @@ std::string textOf(const Polygon& polygon, const Plane& plane) {
   return text;
 }
 
-void expectCellsOfPlainForm(PolygonClipper& clipper, const Polygon& polygon, const Plane& plane) {
+void expectCellsOfReferenceImplementation(PolygonClipper& clipper, const Polygon& polygon,
+                                          const Plane& plane) {
   clipper.setPlane(plane.origin, plane.normal);
   const auto& cells = clipper.clip(polygon.data(), polygon.size());
   const auto expected =
@@ -107,7 +108,7 @@ void expectSamePolygonData(vtkPolyData* expected, vtkPolyData* data, const std::
   ASSERT_EQ(expected->GetPoints()->GetDataType(), data->GetPoints()->GetDataType());
 }
 
-void expectDataOfPlainForm(const Polygon& polygon, const Plane& plane) {
+void expectDataOfReferenceImplementation(const Polygon& polygon, const Plane& plane) {
   const auto [o, n] = plane;
   expectSamePolygonData(Plain::clip(dataOf(polygon), o, n),
                         Utils::VtkUtils::clip(dataOf(polygon), {o.x, o.y, o.z}, {n.x, n.y, n.z}),
@@ -213,7 +214,8 @@ TEST(PolygonClipperProperty, CellsAndNormalsAreThoseOfTheFilters) {
   for (int i = 0; i < 10000; ++i) {
     const Plane plane = make.plane();
     const Polygon polygon = make.polygon(plane);
-    ASSERT_NO_FATAL_FAILURE(expectCellsOfPlainForm(clipper, polygon, plane)) << "case " << i;
+    ASSERT_NO_FATAL_FAILURE(expectCellsOfReferenceImplementation(clipper, polygon, plane))
+        << "case " << i;
   }
 }
 
@@ -221,7 +223,8 @@ TEST(PolygonClipperProperty, FewPointsAreMergedAsInBuckets) {
   RandomPolygons make(4711);
   for (int i = 0; i < 3000; ++i) {
     const Plane plane = make.plane();
-    ASSERT_NO_FATAL_FAILURE(expectDataOfPlainForm(make.polygon(plane), plane)) << "case " << i;
+    ASSERT_NO_FATAL_FAILURE(expectDataOfReferenceImplementation(make.polygon(plane), plane))
+        << "case " << i;
   }
 }
 
@@ -231,8 +234,8 @@ TEST(PolygonClipper, PointsThatAreOneInSinglePrecisionStayTwoAcrossABucketsBorde
   const Plane plane{{1.0 - t, 0, 0}, {1, 0, 0}};
   const Polygon polygon = {{0, 0, 0}, {1, -1, 0}, {2, 0, 0}, {1, 1, 0}};
   PolygonClipper clipper;
-  expectCellsOfPlainForm(clipper, polygon, plane);
-  expectDataOfPlainForm(polygon, plane);
+  expectCellsOfReferenceImplementation(clipper, polygon, plane);
+  expectDataOfReferenceImplementation(polygon, plane);
 }
 
 TEST(PolygonClipper, CoordinatesThatAreNoNumbersGiveTheCellsOfTheFilters) {
@@ -244,9 +247,9 @@ TEST(PolygonClipper, CoordinatesThatAreNoNumbersGiveTheCellsOfTheFilters) {
     for (std::size_t at = 0; at < 4; ++at) {
       Polygon polygon = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
       polygon[at].x = odd;
-      expectCellsOfPlainForm(clipper, polygon, plane);
+      expectCellsOfReferenceImplementation(clipper, polygon, plane);
       polygon[at] = {1, odd, 0};
-      expectCellsOfPlainForm(clipper, polygon, plane);
+      expectCellsOfReferenceImplementation(clipper, polygon, plane);
     }
   }
 }
@@ -256,7 +259,7 @@ TEST(PolygonClipper, PlaneWithoutADirectionKeepsNothing) {
   PolygonClipper clipper;
   clipper.setPlane({}, {});
   EXPECT_TRUE(clipper.clip(polygon.data(), polygon.size()).empty());
-  expectCellsOfPlainForm(clipper, polygon, {});
+  expectCellsOfReferenceImplementation(clipper, polygon, {});
 }
 
 // Many points: the buckets themselves do the work.
@@ -267,7 +270,7 @@ TEST(Clip, LargePolygonsAreThoseOfTheFilterToo) {
       const double angle = 6.283185307179586 * i / corners;
       polygon.push_back(Algorithm::toSingle({std::cos(angle), std::sin(angle), 0.0}));
     }
-    expectDataOfPlainForm(polygon, {{0.25, 0, 0}, {1, 0.1, 0}});
+    expectDataOfReferenceImplementation(polygon, {{0.25, 0, 0}, {1, 0.1, 0}});
   }
 }
 

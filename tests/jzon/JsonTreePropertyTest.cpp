@@ -206,7 +206,7 @@ void expectParsedAsPlain(const std::string& text) {
   ASSERT_EQ(plainStream.rdstate(), stream.rdstate()) << text;
 }
 
-TEST(ParserProperty, BrokenTextsGiveTheTreeTheErrorAndTheStreamOfThePlainForm) {
+TEST(ParserProperty, BrokenTextsGiveTheTreeTheErrorAndTheStreamOfTheReferenceImplementation) {
   Random random(20240701);
   for (int i = 0; i < 12000; ++i) {
     const std::string text = anyDocument(random, 12);
@@ -215,17 +215,18 @@ TEST(ParserProperty, BrokenTextsGiveTheTreeTheErrorAndTheStreamOfThePlainForm) {
   }
 }
 
-TEST(ParserProperty, LongBrokenTextsGiveTheTreeAndTheErrorOfThePlainForm) {
+TEST(ParserProperty, LongBrokenTextsGiveTheTreeAndTheErrorOfTheReferenceImplementation) {
   Random random(20240702);
   for (int i = 0; i < 4000; ++i) expectParsedAsPlain("[" + anyDocument(random, 150));
 }
 
-TEST(ParserProperty, WellFormedTextsGiveTheTreeOfThePlainForm) {
+TEST(ParserProperty, WellFormedTextsGiveTheTreeOfTheReferenceImplementation) {
   Random random(20240703);
   for (int i = 0; i < 4000; ++i) expectParsedAsPlain("[" + anyValueText(random, 5) + "]");
 }
 
-TEST(ParserProperty, WellFormedTextsWithOneWrongByteGiveTheTreeAndTheErrorOfThePlainForm) {
+TEST(ParserProperty,
+     WellFormedTextsWithOneWrongByteGiveTheTreeAndTheErrorOfTheReferenceImplementation) {
   Random random(20240704);
   for (int i = 0; i < 10000; ++i) {
     std::string text = "[" + anyValueText(random, 4) + "]";
@@ -234,7 +235,7 @@ TEST(ParserProperty, WellFormedTextsWithOneWrongByteGiveTheTreeAndTheErrorOfTheP
   }
 }
 
-TEST(ParserProperty, CutTextsGiveTheTreeAndTheErrorOfThePlainForm) {
+TEST(ParserProperty, CutTextsGiveTheTreeAndTheErrorOfTheReferenceImplementation) {
   Random random(20240705);
   for (int i = 0; i < 100; ++i) {
     const std::string text = "{\"a\":" + anyValueText(random, 3) + "} /* end */ ";
@@ -412,7 +413,7 @@ class TwinHandles {
   std::vector<Node> nodes;
 };
 
-TEST(NodeProperty, AnyRowOfOperationsLeavesTheHandlesOfThePlainForm) {
+TEST(NodeProperty, AnyRowOfOperationsLeavesTheHandlesOfTheReferenceImplementation) {
   Random random(20240706);
   for (int i = 0; i < 100; ++i) {
     TwinHandles handles(random);

@@ -51,7 +51,7 @@ TEST(Progress, IsReportedByOneThreadThatIsNotTheCallers) {
   EXPECT_EQ(0u, threads.count(std::this_thread::get_id()));
 }
 
-TEST(Progress, FailedShotNeverTells100AndEndsItsCalls) {
+TEST(Progress, FailedShotNeverReports100AndEndsItsCalls) {
   std::vector<double> reported;
   LoadedScene scene = squareScene();
   scene.scene().getObjects()->getObject(0)->getRegions()->getRegion(0)->addPoint(9);

@@ -345,7 +345,7 @@ TEST(DegreesAndRadians, FollowTheOrderOfTheirOperations) {
   EXPECT_EQ(0.1 * 3.141592653589793 / 180.0, Geometry::toRadians(0.1));
 }
 
-TEST(VectorsProperty, KernelsAndOperationsGiveTheBitsOfThePlainForm) {
+TEST(VectorsProperty, KernelsAndOperationsGiveTheBitsOfTheReferenceImplementation) {
   std::mt19937_64 random(20250302);
   std::string due;
   const std::string printed = capturedStdout([&] {
@@ -379,7 +379,7 @@ TEST(VectorsProperty, KernelsAndOperationsGiveTheBitsOfThePlainForm) {
   EXPECT_NE("", due) << "no case had a vector of length 0";
 }
 
-TEST(VectorsProperty, PlanarKernelsGiveTheBitsOfThePlainForm) {
+TEST(VectorsProperty, PlanarKernelsGiveTheBitsOfTheReferenceImplementation) {
   std::mt19937_64 random(20250303);
   for (int i = 0; i < 10000; ++i) {
     const Vec2 a = anyVec2(random);
@@ -392,7 +392,7 @@ TEST(VectorsProperty, PlanarKernelsGiveTheBitsOfThePlainForm) {
   }
 }
 
-TEST(PlaneProperty, KernelsAndOperationsGiveTheBitsOfThePlainForm) {
+TEST(PlaneProperty, KernelsAndOperationsGiveTheBitsOfTheReferenceImplementation) {
   std::mt19937_64 random(20250304);
   std::string due;
   const std::string printed = capturedStdout([&] {

@@ -201,7 +201,7 @@ Matrix rowsOf(const Kernel::Matrix3& m) {
   return rows;
 }
 
-TEST(MatrixProperty, KernelAndOperationsGiveTheBitsOfThePlainForm) {
+TEST(MatrixProperty, KernelAndOperationsGiveTheBitsOfTheReferenceImplementation) {
   std::mt19937_64 random(20250301);
   for (int i = 0; i < 10000; ++i) {
     const Matrix m = anyMatrix(random);
