@@ -107,8 +107,9 @@ inline EyePlane eyePlane(const IndexState& state, std::size_t polygon, Kernel::V
   result.isSeen = true;
   result.ownNearness = nearnessOf(own, result.offset);
   const ScenePlane& layer = state.layerPlanes[static_cast<std::size_t>(state.layers[polygon])];
-  const bool isOwn = layer.point == own.point && layer.normal == own.normal;
-  const double layerOffset = isOwn ? result.offset : offsetFrom(layer, eye);
+  double layerOffset = offsetFrom(layer, eye);
+  if (layerOffset != result.offset && layer.point == own.point && layer.normal == own.normal)
+    layerOffset = result.offset;
   result.nearness = nearnessOf(layer, layerOffset);
   if (!(std::abs(layerOffset) > LeastOffset) ||
       !(Kernel::dot(result.nearness, result.ownNearness) > 0.0)) {
