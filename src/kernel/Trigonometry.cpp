@@ -38,15 +38,41 @@ constexpr TwoDoubles Nothing = {0.0, 0.0};
 constexpr TwoDoubles Half = {3.141592653589793, 1.2246467991473532e-16};     // of a turn
 constexpr TwoDoubles Quarter = {1.5707963267948966, 6.123233995736766e-17};  // of a turn
 
+// Between these nothing over- or underflows that counts, and a power of two in both numbers changes
+// no digit of the result.
+constexpr double LeastPlain = 0x1p-300;
+constexpr double MostPlain = 0x1p300;
+
+double seriesOf(double t) {
+  const double z = t * t;
+  return t * z *
+         (-1.0 / 3 +
+          z * (1.0 / 5 + z * (-1.0 / 7 + z * (1.0 / 9 + z * (-1.0 / 11 + z * (1.0 / 13))))));
+}
+
+// base + sign * (atan of num / den), with num / den below 1 / 32: the same as below, without what
+// is zero there.
+double smallAngleFrom(TwoDoubles base, double sign, double num, double den, double quotient) {
+  const TwoDoubles product = twoProduct(quotient, den);
+  const double low = ((num - product.high) - product.low) / den;
+  const TwoDoubles two = twoSum(base.high, sign * quotient);
+  return two.high + (two.low + base.low + sign * (low + seriesOf(quotient)));
+}
+
 // base + sign * (atan of least / most), with 0 <= least <= most, both finite, and most above 0.
 double angleFrom(TwoDoubles base, double sign, double least, double most) {
   const double quotient = least / most;
   // The next term of the series is a third of the cube.
   if (quotient < 0x1p-40) return base.high + (sign * quotient + base.low);
-  const int scale = -std::ilogb(most);
-  const double num = std::scalbn(least, scale);
-  const double den = std::scalbn(most, scale);
+  double num = least;
+  double den = most;
+  if (!(most >= LeastPlain && most <= MostPlain)) {
+    const int scale = -std::ilogb(most);
+    num = std::scalbn(least, scale);
+    den = std::scalbn(most, scale);
+  }
   const int step = static_cast<int>(quotient * Steps + 0.5);
+  if (step == 0) return smallAngleFrom(base, sign, num, den, num / den);
   const double c = static_cast<double>(step) / Steps;
   const TwoDoubles cd = twoProduct(c, den);
   const TwoDoubles cn = twoProduct(c, num);
@@ -57,15 +83,10 @@ double angleFrom(TwoDoubles base, double sign, double least, double most) {
   const double t = a.high / b.high;
   const TwoDoubles tb = twoProduct(t, b.high);
   const double low = (((a.high - tb.high) - tb.low) + a.low - t * b.low) / b.high;
-  const double z = t * t;
-  const double series =
-      t * z *
-      (-1.0 / 3 +
-       z * (1.0 / 5 + z * (-1.0 / 7 + z * (1.0 / 9 + z * (-1.0 / 11 + z * (1.0 / 13))))));
   const TwoDoubles known = ArcTangents[step];
   const TwoDoubles one = twoSum(base.high, sign * known.high);
   const TwoDoubles two = twoSum(one.high, sign * t);
-  return two.high + (one.low + two.low + base.low + sign * (known.low + low + series));
+  return two.high + (one.low + two.low + base.low + sign * (known.low + low + seriesOf(t)));
 }
 
 struct Reduced {

@@ -48,26 +48,35 @@ void inParallel(size_t count, Work work) {
 /// microsecond.
 constexpr size_t ManyQuickItems = 2048;
 
-/// Calls `visit(i)` once for each i below `count`, in any order and from several threads, each for
-/// `worthAThread` of them or more.
-template <class Visit>
-void forEachInParallel(size_t count, size_t threads, Visit visit, size_t worthAThread = 256) {
+/// Calls `visit(i, scratch)` once for each i below `count`, in any order and from several threads,
+/// each for `worthAThread` of them or more and with a Scratch of its own.
+template <class Scratch, class Visit>
+void forEachInParallelWith(size_t count, size_t threads, Visit visit, size_t worthAThread = 256) {
   constexpr size_t Chunk = 256;
   const size_t useful = std::min(threads, (count + worthAThread - 1) / worthAThread);
   std::atomic<size_t> next{0};
   inParallel(std::max<size_t>(1, useful), [&](bool) {
+    Scratch scratch;
     for (;;) {
       const size_t from = next.fetch_add(Chunk);
       if (from >= count) return;
-      for (size_t i = from; i < std::min(count, from + Chunk); ++i) visit(i);
+      for (size_t i = from; i < std::min(count, from + Chunk); ++i) visit(i, scratch);
     }
   });
 }
 
+/// The same without anything of a thread's own.
+template <class Visit>
+void forEachInParallel(size_t count, size_t threads, Visit visit, size_t worthAThread = 256) {
+  struct Nothing {};
+  forEachInParallelWith<Nothing>(
+      count, threads, [&](size_t i, Nothing) { visit(i); }, worthAThread);
+}
+
 /// Sorts by several threads, each with a copy of the order, which may count what it is asked. The
 /// result does not depend on them if no two items are equal.
-template <class Item, class Less>
-void sortInParallel(std::vector<Item>& items, size_t threads, Less less) {
+template <class Items, class Less>
+void sortInParallel(Items& items, size_t threads, Less less) {
   const size_t runs =
       std::clamp<size_t>(items.size() / ManyQuickItems, 1, std::max<size_t>(1, threads));
   const auto at = [&](size_t run) {

@@ -6,6 +6,7 @@
 #include "visibility/LookPolygons.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/MapParts.h"
+#include "visibility/PageMemory.h"
 #include "visibility/TileDescent.h"
 #include "visibility/TileTeam.h"
 #include "visibility/Watch.h"
@@ -72,6 +73,9 @@ void check(const Vector& eye, const LookOptions& options) {
   if (options.forward == Vector{0.0, 0.0, 0.0}) throw std::invalid_argument("forward is zero");
   if (options.threads < 0) throw std::invalid_argument("the number of threads is negative");
 }
+
+// So many take more memory than looking at tiles.
+constexpr size_t ManyPieces = 500000;
 
 // Threads for so few polygons take longer to make than they save.
 constexpr size_t PolygonsForThread = 64;
@@ -174,7 +178,9 @@ void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& 
   if (options.progress) options.progress(0.0);
   MapParts parts;
   joinFaces(parts, Looker(setup, options, parts).run());
-  std::vector<Stretch>().swap(parts.stretches);
+  parts.forgetAllStretches();
+  // What the looks at the tiles needed, which the map has no use for.
+  if (parts.pieces.size() > ManyPieces) trimHeap();
   buildMap(parts, setup, options, map);
 }
 

@@ -92,6 +92,46 @@ void LookPolygons::growSlots() {
   slots = std::move(larger);
 }
 
+void LookPolygons::forgetUnused() {
+  std::vector<std::int32_t> needed = {Beyond};
+  for (const PolygonUser* user : users) user->addPositions(needed);
+  std::sort(needed.begin(), needed.end());
+  needed.erase(std::unique(needed.begin(), needed.end()), needed.end());
+  std::vector<std::uint32_t> moved;
+  for (const std::int32_t position : needed) moved.push_back((*this)[position].firstSegment[0]);
+  keepOnly(needed);
+  for (size_t i = 0; i < moved.size(); ++i) moved[i] -= polygons[i].firstSegment[0];
+  const MovedPolygons movedPolygons(needed, moved);
+  for (PolygonUser* const user : users) user->follow(movedPolygons);
+  // What is needed still may be most of them.
+  mostPolygons = std::max(FewPolygons, 2 * polygons.size());
+}
+
+// Polygon `positions[i]` comes to position i, and its segments to those of the polygons before it.
+void LookPolygons::keepOnly(const std::vector<std::int32_t>& positions) {
+  std::uint32_t keptSegments = 0;
+  for (size_t i = 0; i < positions.size(); ++i) {
+    LookPolygon polygon = polygons[static_cast<size_t>(positions[i])];
+    const std::uint32_t first = polygon.firstSegment[0];
+    const std::uint32_t count = polygon.firstSegment[FaceCount] - first;
+    std::copy_n(segments.begin() + first, count, segments.begin() + keptSegments);
+    for (std::uint32_t& segment : polygon.firstSegment) segment = segment - first + keptSegments;
+    keptSegments += count;
+    polygons[i] = polygon;
+  }
+  polygons.resize(positions.size());
+  segments.resize(keptSegments);
+  std::fill(slots.begin(), slots.end(), Slot{});
+  known = 0;
+  for (size_t i = 1; i < polygons.size(); ++i) {
+    const size_t mask = slots.size() - 1;
+    size_t slot = slotOf(polygons[i].number, mask);
+    while (slots[slot].number >= 0) slot = (slot + 1) & mask;
+    slots[slot] = {polygons[i].number, static_cast<std::int32_t>(i)};
+    ++known;
+  }
+}
+
 // What lies beyond the field is a polygon in front of all others: its outline is the great circle
 // at right angles to forward.
 void LookPolygons::addBeyond() {

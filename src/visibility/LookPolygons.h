@@ -4,6 +4,7 @@
 #include "visibility/IndexState.h"
 #include "visibility/ParallelSight.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -67,6 +68,42 @@ inline double depthError(const LookPolygon& a, const LookPolygon& b) {
 /// 1 where polygon a is in front of b at a point of a face, -1 where b is; 0 only for one polygon.
 int inFront(const LookPolygon& a, const LookPolygon& b, const CubeFace& f, double x, double y);
 
+/// Where polygons and their segments are after others have been forgotten.
+class MovedPolygons {
+ public:
+  /// \param keptPositions those before, ascending; their places here are those after
+  /// \param keptSegments by how much the segments of each lie further in front
+  MovedPolygons(const std::vector<std::int32_t>& keptPositions,
+                const std::vector<std::uint32_t>& keptSegments)
+      : positions(keptPositions), segments(keptSegments) {}
+
+  std::int32_t positionOf(std::int32_t before) const {
+    return static_cast<std::int32_t>(std::lower_bound(positions.begin(), positions.end(), before) -
+                                     positions.begin());
+  }
+  /// \param position as it is now
+  std::uint32_t segmentsMoved(std::int32_t position) const {
+    return segments[static_cast<size_t>(position)];
+  }
+
+ private:
+  const std::vector<std::int32_t>& positions;
+  const std::vector<std::uint32_t>& segments;
+};
+
+/// Who holds positions of polygons and of their segments while others are found.
+class PolygonUser {
+ public:
+  virtual void addPositions(std::vector<std::int32_t>& positions) const = 0;
+  virtual void follow(const MovedPolygons& moved) = 0;
+
+ protected:
+  PolygonUser() = default;
+  PolygonUser(const PolygonUser&) = default;
+  PolygonUser& operator=(const PolygonUser&) = default;
+  ~PolygonUser() = default;
+};
+
 /// All polygons that have been asked for, with their segments. One for each thread.
 class LookPolygons {
  public:
@@ -85,7 +122,20 @@ class LookPolygons {
   const Segment& segment(std::uint32_t position) const { return segments[position]; }
   const LookSetup& setup() const { return theSetup; }
 
+  /// Whether there are so many that those which are not needed any more should be forgotten.
+  bool isFull() const {
+    return polygons.size() > mostPolygons || segments.size() > SegmentsForPolygon * mostPolygons;
+  }
+  /// Forgets the polygons that none of the users needs.
+  void forgetUnused();
+  void addUser(PolygonUser& user) { users.push_back(&user); }
+  /// Takes away the user that was added last.
+  void removeUser() { users.pop_back(); }
+
  private:
+  // About 16 MB, and what two looks at a street take.
+  static constexpr std::size_t FewPolygons = 40000;
+  static constexpr std::size_t SegmentsForPolygon = 5;
   // A place in the table of polygons that have been asked for.
   struct Slot {
     std::int32_t number = -1;  // -1 where free
@@ -98,6 +148,7 @@ class LookPolygons {
     ArcEnd end;
   };
 
+  void keepOnly(const std::vector<std::int32_t>& positions);
   void addBeyond();
   std::int32_t add(std::int32_t number);
   void growSlots();
@@ -115,6 +166,8 @@ class LookPolygons {
   std::vector<Segment> segments;
   std::vector<Slot> slots;  // open addressing
   std::size_t known = 0;    // polygons in it
+  std::size_t mostPolygons = FewPolygons;
+  std::vector<PolygonUser*> users;
   // Scratch: of the polygon that is being added.
   std::vector<Corner> cornerEnds;
   std::vector<FrameVector> corners;  // with points in the middle of wide edges

@@ -1,7 +1,6 @@
 // From pieces to the map: the order of the steps, each of which stands in a chapter of its own.
 #include "visibility/MapBuilder.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <iterator>
 
@@ -9,11 +8,11 @@ namespace Lumivane::Visibility {
 
 void MapBuilder::run() {
   constexpr void (MapBuilder::*Steps[])() = {
-      &MapBuilder::joinVertices,      &MapBuilder::findSources,      &MapBuilder::makeLinks,
-      &MapBuilder::numberCells,       &MapBuilder::closeRings,       &MapBuilder::dropSliverLinks,
-      &MapBuilder::chainLinks,        &MapBuilder::placeVertices,    &MapBuilder::contractEdges,
-      &MapBuilder::dropSliverEdges,   &MapBuilder::forgetParts,      &MapBuilder::orderMap,
-      &MapBuilder::makeRings,         &MapBuilder::measureDistances, &MapBuilder::measureCells,
+      &MapBuilder::joinVertices,      &MapBuilder::findSources,     &MapBuilder::numberCells,
+      &MapBuilder::findBentCells,     &MapBuilder::makeLinks,       &MapBuilder::numberVertices,
+      &MapBuilder::closeRings,        &MapBuilder::dropSliverLinks, &MapBuilder::chainLinks,
+      &MapBuilder::placeVertices,     &MapBuilder::contractEdges,   &MapBuilder::dropSliverEdges,
+      &MapBuilder::orderMap,          &MapBuilder::makeRings,       &MapBuilder::measureCells,
       &MapBuilder::settleWholeSpheres};
   double done = 0.0;
   for (const auto step : Steps) {
@@ -22,14 +21,6 @@ void MapBuilder::run() {
     (this->*step)();
     ++done;
   }
-}
-
-// What is left of the parts is asked for once more where cells have several planes.
-void MapBuilder::forgetParts() {
-  if (std::any_of(found.begin(), found.end(), [](const Found& f) { return f.several; })) return;
-  release(parts.areas);
-  release(parts.pieces);
-  release(parts.vertices);
 }
 
 void buildMap(MapParts& parts, const LookSetup& setup, const LookOptions& options,

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "kernel/Vec.h"
+#include "visibility/BlockList.h"
 #include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
 #include "visibility/LookPolygons.h"
 #include "visibility/MapParts.h"
+#include "visibility/PageMemory.h"
 #include "visibility/Watch.h"
 #include "visibility/WideEdge.h"
 
@@ -14,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -43,22 +46,27 @@ class MapBuilder {
   // Gives its memory back: of millions of cells every list takes as much as the map.
   template <class List>
   static void release(List& list) {
-    List().swap(list);
+    list = List();
   }
-  void forgetParts();
 
-  // Calls `visit(i)` once for each i below `count`, by several threads, each for
-  // `worthAThread` of them or more.
-  template <class Visit>
-  void forEach(size_t count, Visit visit, size_t worthAThread = ManyQuickItems) {
+  // Calls `visit(i, scratch)` once for each i below `count`, by several threads, each for
+  // `worthAThread` of them or more and with a Scratch of its own.
+  template <class Scratch, class Visit>
+  void forEachWith(size_t count, Visit visit, size_t worthAThread = ManyQuickItems) {
     constexpr size_t Items = 256;
-    forEachInParallel(
+    forEachInParallelWith<Scratch>(
         count, threads,
-        [&](size_t i) {
+        [&](size_t i, Scratch& scratch) {
           if (i % Items == 0) watch.check();
-          visit(i);
+          visit(i, scratch);
         },
         worthAThread);
+  }
+  // The same without anything of a thread's own.
+  template <class Visit>
+  void forEach(size_t count, Visit visit) {
+    struct Nothing {};
+    forEachWith<Nothing>(count, [&](size_t i, Nothing) { visit(i); });
   }
 
   static constexpr int NoCell = -1;
@@ -66,18 +74,6 @@ class MapBuilder {
   static constexpr double PlaceTolerance = 3e-13;
   // Solid angle, in steradian, below which the sky may be all of a sphere or nothing of it.
   static constexpr double NearlyNothing = 1e-6;
-
-  // A piece after joining, or an edge of the map that pieces have made.
-  struct Link {
-    int from;
-    int to;
-    int left;
-    int right;
-    Source source;
-    bool inner;
-    bool shared;
-    bool used;
-  };
 
   // A cell as its areas have made it.
   struct Found {
@@ -87,32 +83,37 @@ class MapBuilder {
     int mergedInto;        // itself, or the cell that it has become a part of
   };
 
-  // Lists of numbers by key, in one array.
-  class Buckets {
+  // Lists of items by key, in one array.
+  template <class Item, class Items = LargeVector<Item>>
+  class BasicBuckets {
    public:
     template <class Visit>
     void fill(size_t keys, Visit visit) {
-      offsets.assign(keys + 1, 0);
-      visit([this](int key, int) { ++offsets[static_cast<size_t>(key) + 1]; });
-      for (size_t i = 0; i < keys; ++i) offsets[i + 1] += offsets[i];
-      items.resize(static_cast<size_t>(offsets[keys]));
-      std::vector<int> next(offsets.begin(), offsets.end() - 1);
-      visit([&](int key, int item) {
-        items[static_cast<size_t>(next[static_cast<size_t>(key)]++)] = item;
+      // Two places further than they end up, so that each offset can move along while items come.
+      offsets.assign(keys + 2, 0);
+      visit([this](int key, const Item&) { ++offsets[static_cast<size_t>(key) + 2]; });
+      for (size_t i = 2; i < offsets.size(); ++i) offsets[i] += offsets[i - 1];
+      items.resize(static_cast<size_t>(offsets.back()));
+      visit([this](int key, const Item& item) {
+        items[static_cast<size_t>(offsets[static_cast<size_t>(key) + 1]++)] = item;
       });
     }
-    const int* begin(int key) const { return items.data() + offsets[static_cast<size_t>(key)]; }
-    const int* end(int key) const { return items.data() + offsets[static_cast<size_t>(key) + 1]; }
-    size_t size(int key) const { return static_cast<size_t>(end(key) - begin(key)); }
+    Item* begin(int key) { return items.data() + placeOf(key); }
+    const Item* begin(int key) const { return items.data() + placeOf(key); }
+    const Item* end(int key) const { return items.data() + placeOf(key + 1); }
+    size_t size(int key) const { return placeOf(key + 1) - placeOf(key); }
     // Of all keys.
     size_t size() const { return items.size(); }
-    // Of the first number of a key among those of all keys.
+    // Of the first item of a key among those of all keys.
     size_t placeOf(int key) const { return static_cast<size_t>(offsets[static_cast<size_t>(key)]); }
+    // Takes all items away; their places remain.
+    Items takeItems() { return std::move(items); }
 
    private:
-    std::vector<int> offsets;
-    std::vector<int> items;
+    LargeVector<int> offsets;
+    Items items;
   };
+  using Buckets = BasicBuckets<int>;
 
   static Kernel::Vec3 unit(Kernel::Vec3 v) {
     const double length = Kernel::length3(v);
@@ -126,9 +127,12 @@ class MapBuilder {
   // ---- vertices and cells
 
   void joinVertices();
-  void makeLinks();
   void numberCells();
+  void findBentCells();
+  void makeLinks();
+  void numberVertices();
   void closeRings();
+  void joinOpen(LargeVector<int>& open, LargeVector<std::uint64_t>& balance);
 
   // ---- sources
 
@@ -158,22 +162,56 @@ class MapBuilder {
   static std::int32_t orderOf(std::int32_t region) {
     return region == SkyRegion ? std::numeric_limits<std::int32_t>::max() : region;
   }
-  void dropSlivers(std::vector<Link>& borders);
-  bool dropSliversOnce(std::vector<Link>& borders);
-  void joinAlike(const std::vector<Link>& borders);
+  // What the links around a cell say of it.
+  struct Extent {
+    double area = 0.0;
+    double length = 0.0;
+    double shared = 0.0;     // the longest link
+    int neighbour = NoCell;  // across that
+    int from = -1;           // a corner; -1 for cells that are measured from elsewhere
+  };
+  void dropSlivers(BlockList<Link>& borders);
+  bool dropSliversOnce(BlockList<Link>& borders);
+  LargeVector<Extent> extentsOf(const BlockList<Link>& borders);
+  template <class IsAsked, class Measure, class Add>
+  void forTriangles(const BlockList<Link>& borders, const LargeVector<Extent>& extents,
+                    IsAsked isAsked, Measure measure, Add add);
+  LargeVector<char> thosePerhapsThin(const BlockList<Link>& borders,
+                                     const LargeVector<Extent>& extents);
+  bool isSliver(int cell, const Extent& extent) const;
+  void joinAlike(const BlockList<Link>& borders);
   int settled(int cell) const;
 
   // ---- edges
 
-  bool continues(int vertex, const Link& a, const Link& b) const;
+  // The links at each vertex, if there are no more than two.
+  class LinkPairs {
+   public:
+    LinkPairs(size_t vertices, const BlockList<Link>& links, Watch& watch);
+    bool isPair(int vertex) const { return pairs[static_cast<size_t>(vertex)].second >= 0; }
+    int first(int vertex) const { return pairs[static_cast<size_t>(vertex)].first; }
+    int second(int vertex) const { return pairs[static_cast<size_t>(vertex)].second; }
+
+   private:
+    static constexpr int None = -1;
+    static constexpr int More = -2;
+    void add(int vertex, int link);
+    LargeVector<std::pair<int, int>> pairs;
+  };
+  // What has become of a link: the edge that it begins, by its other end and its direction, or one
+  // of these.
+  static constexpr int NotFollowed = -1;
+  static constexpr int Followed = -2;
+
+  static bool continues(int vertex, const Link& a, const Link& b);
   bool isMiddleOfWide(Source source, Kernel::Vec3 direction) const;
   bool middleOfWide(Source source, Kernel::Vec3& middle) const;
   bool passes(int vertex) const;
   void chainLinks();
   void follow(int first, int start);
   bool isLongOfField(double turned, int start, int end) const;
-  void addEdge(int from, int to, Link link);
-  void addFieldArc(int start, int end, double turned, bool forwards, const Link& link);
+  void addEdges(const std::vector<int>& rings);
+  void addFieldArc(int start, int end, double turned, int head);
 
   // ---- places
 
@@ -186,13 +224,20 @@ class MapBuilder {
   void placeVertices();
   template <class Chosen>
   void placeVertices(Chosen isChosen);
-  void placeVertex(int vertex, const Source* lines, size_t count);
+  void placeVertex(int vertex, const std::vector<Source>& lines);
   Kernel::Vec3 normalOf(Source source) const;
   double doubtOf(Source source) const;
   Kernel::Vec3 comparedNearness(Source polygon) const;
   void contractEdges();
 
   // ---- kinds, order and rings
+
+  // A half of an edge and the cell on its left.
+  struct Half {
+    int number;
+    int cell;
+  };
+  using HalvesAt = BasicBuckets<Half>;
 
   // Half 2 e runs along edge e, half 2 e + 1 back.
   int cellOfHalf(int half) const {
@@ -212,49 +257,58 @@ class MapBuilder {
   bool isOfCells(const Link& crossing) const;
   VisibleMap::EdgeKind kindOf(const Link& link) const;
   void orderMap();
-  void orderCells(const std::vector<int>& firstVertex);
+  void orderVertices();
+  LargeVector<int> firstVertices();
+  void orderCells(const LargeVector<int>& firstVertex);
   void orderEdges();
   void makeRings();
-  void ringsOf(int cell, const Buckets& halves, const Buckets& leaving, std::vector<char>& taken,
-               std::vector<char>& isFirst);
-  int nextHalf(int half, const Buckets& leaving, const std::vector<char>& taken, int first) const;
+  void placeEdge(const Link& edge, size_t place);
+  void ringsOf(size_t place, const std::vector<int>& halves, const HalvesAt& leaving,
+               LargeVector<char>& taken, LargeVector<char>& isFirst);
+  int nextHalf(int half, const HalvesAt& leaving, const LargeVector<char>& taken, int first) const;
 
   // ---- measures
 
-  template <class Visit>
-  void forArcs(size_t ring, Visit visit) const {
-    const size_t from = map.ringOffsets[ring];
-    const size_t to = map.ringOffsets[ring + 1];
-    for (size_t i = from; i < to; ++i)
-      visit(vertexAt(map.ringVertices[i]), vertexAt(map.ringVertices[i + 1 == to ? from : i + 1]));
-  }
-  template <class Visit>
-  void forArcs(const VisibleMap::Cell& cell, Visit visit) const {
-    for (size_t r = 0; r < cell.ringCount; ++r) forArcs(cell.firstRing + r, visit);
-  }
-  Kernel::Vec3 farFromArcs(const VisibleMap::Cell& cell) const;
+  // The arcs of some rings.
+  struct Arc {
+    Kernel::Vec3 from;
+    Kernel::Vec3 to;
+  };
+  using Arcs = std::vector<Arc>;
+  void addArcs(size_t ring, Arcs& arcs) const;
+  void arcsOf(const VisibleMap::Cell& cell, Arcs& arcs) const;
+  static Kernel::Vec3 farFromArcs(const Arcs& arcs);
   static double cosineToArc(Kernel::Vec3 d, Kernel::Vec3 a, Kernel::Vec3 b);
-  double turnOf(const VisibleMap::Cell& cell) const;
+  static double turnOf(const Arcs& arcs);
   bool mayBeLarge(size_t cell) const;
   double solidAngleOf(size_t cell, double turn) const;
   double insideOfRing(size_t ring) const;
   void settleWholeSpheres();
   void outerRingFirst(VisibleMap::Cell& cell);
   void measureCells();
+  void measureCell(size_t cell, Arcs& arcs);
 
   // ---- distances
 
+  // How far away a cell is, from the least to the greatest.
+  struct Reach {
+    double least = 0.0;
+    double greatest = 0.0;
+  };
+  // A cell of a region of which several polygons are seen, before cells are in their order.
+  struct Bent {
+    Reach reach;
+    std::vector<std::int32_t> polygons;  // in ascending order
+  };
   Kernel::Vec3 planeOf(std::int32_t polygon) const;
-  void measureDistances();
-  void reachArcs(size_t cell);
-  int severalAt(int area);
-  static void reach(VisibleMap::Cell& cell, Kernel::Vec3 plane, Kernel::Vec3 a, Kernel::Vec3 b);
-  bool contains(const VisibleMap::Cell& cell, Kernel::Vec3 d) const;
-  bool containsAround(const VisibleMap::Cell& cell, Kernel::Vec3 d) const;
+  void measureDistances(size_t cell, const Arcs& arcs);
+  static void reach(Reach& r, Kernel::Vec3 plane, Kernel::Vec3 a, Kernel::Vec3 b);
+  static bool contains(const Arcs& arcs, Kernel::Vec3 d);
+  bool containsAround(const VisibleMap::Cell& cell, const Arcs& arcs, Kernel::Vec3 d) const;
   static double quarterTurns(double x, double y);
-  bool isIn(const VisibleMap::Cell& cell, Kernel::Vec3 d) const;
-  void lookAtFoot(VisibleMap::Cell& cell, std::int32_t polygon) const;
-  void lookAtEdges(VisibleMap::Cell& cell, std::int32_t polygon) const;
+  bool isIn(const VisibleMap::Cell& cell, const Arcs& arcs, Kernel::Vec3 d) const;
+  void lookAtFoot(VisibleMap::Cell& cell, const Arcs& arcs, std::int32_t polygon) const;
+  void lookAtEdges(VisibleMap::Cell& cell, const Arcs& arcs, std::int32_t polygon) const;
 
   MapParts& parts;
   const LookSetup& setup;
@@ -262,18 +316,22 @@ class MapBuilder {
   const size_t threads;
   Watch watch;
   VisibleMap& map;
-  std::vector<Link> links;
-  std::vector<Found> found;
-  std::vector<int> cellOfArea;           // positions in `found`, of areas that stand for their set
-  std::vector<Kernel::Vec3> directions;  // of vertices
-  Buckets atVertex;
-  std::vector<Link> edges;
-  std::vector<int> vertexNumbers;
-  std::vector<int> cellNumbers;  // of `found`, in the map
-  std::vector<std::int32_t> cellPolygons;
-  std::vector<char> severalPolygons;
-  std::vector<double> turns;  // of cells
-  std::vector<std::pair<int, std::int32_t>> morePolygons;
+  LargeVector<int> cellOfArea;  // positions in `found`, of areas that stand for their set
+  BlockList<Link> links;        // pieces after joining, between cells
+  LargeVector<Found> found;
+  std::vector<Bent> bent;
+  LargeVector<int> bentCells;            // of `found`, positions in `bent`; empty if there are none
+  LargeVector<Kernel::Vec3> directions;  // of vertices
+  size_t foundVertices = 0;              // that pieces have; the others divide the end of the field
+  LargeVector<int> outcomes;             // of links
+  std::unique_ptr<const LinkPairs> atVertex;
+  std::vector<std::pair<int, Link>> fieldArcs;  // by the link that begins them
+  BlockList<Link> edges;
+  LargeVector<int> vertexNumbers;
+  LargeVector<int> bentNumbers;  // of cells of the map, positions in `bent`; empty as above
+  LargeVector<std::int32_t> cellPolygons;
+  LargeVector<char> severalPolygons;
+  LargeVector<double> turns;  // of cells
 };
 
 }  // namespace Lumivane::Visibility

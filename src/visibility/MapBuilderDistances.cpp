@@ -2,6 +2,7 @@
 // least at a corner, on an edge, or at the foot of the perpendicular. Where a cell has several
 // planes, its pieces of border know theirs.
 #include "kernel/Planar.h"
+#include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
 #include "visibility/MapBuilder.h"
 #include "visibility/SphereMeasure.h"
@@ -9,7 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <unordered_map>
 
 namespace Lumivane::Visibility {
 
@@ -22,68 +23,85 @@ Vec3 MapBuilder::planeOf(std::int32_t polygon) const {
   return nearnessOf(setup.state->planes[i], offsetFrom(*setup.state, i, setup.eye));
 }
 
-// The greatest distance of a flat cell is at a corner, the least at a corner, on an edge, or at
-// the foot of the perpendicular, which `measureCells` looks at. Where a cell has several planes,
-// its pieces of border know theirs.
-void MapBuilder::measureDistances() {
-  if (setup.parallel != nullptr) return;  // there is no eye to be distant from
-  forEach(map.cells.size(), [this](size_t i) { reachArcs(i); });
-  if (std::none_of(severalPolygons.begin(), severalPolygons.end(), [](char c) { return c != 0; }))
-    return;
-  for (const Piece& piece : watch.over(parts.pieces))
-    for (const int area : {piece.left, piece.right}) {
-      const int cell = severalAt(area);
-      if (cell == NoCell) continue;
-      const auto at = [&](int vertex) {
-        return directionOf(parts.vertices[static_cast<size_t>(vertex)]);
-      };
+// Of the cells of regions of which several polygons are seen: which these are, and how far away
+// their pieces of border are, which know their planes.
+void MapBuilder::findBentCells() {
+  if (setup.parallel != nullptr || setup.state->triangulatedRegions == 0) return;
+  std::unordered_map<std::int32_t, std::int32_t> polygonOfRegion;
+  constexpr std::int32_t Several = -2;
+  for (const Found& f : found) {
+    std::int32_t& polygon = polygonOfRegion.emplace(f.region, f.polygon).first->second;
+    if (f.several || polygon != f.polygon) polygon = Several;
+  }
+  bentCells.assign(found.size(), NoCell);
+  for (const size_t i : watch.upTo(found.size()))
+    if (polygonOfRegion[found[i].region] == Several) {
+      bentCells[i] = static_cast<int>(bent.size());
+      bent.emplace_back();
+    }
+  const auto bentOf = [this](int area) -> Bent* {
+    const int cell = cellOfArea[static_cast<size_t>(parts.areaSets.find(area))];
+    const int number = cell == NoCell ? NoCell : bentCells[static_cast<size_t>(cell)];
+    return number == NoCell ? nullptr : &bent[static_cast<size_t>(number)];
+  };
+  for (const size_t i : watch.upTo(parts.areas.size()))
+    if (Bent* const b = bentOf(static_cast<int>(i))) b->polygons.push_back(parts.areas[i].polygon);
+  for (Bent& b : bent) {
+    std::sort(b.polygons.begin(), b.polygons.end());
+    b.polygons.erase(std::unique(b.polygons.begin(), b.polygons.end()), b.polygons.end());
+  }
+  const auto at = [this](int vertex) {
+    return directionOf(parts.vertices[static_cast<size_t>(vertex)]);
+  };
+  for (const size_t i : watch.upTo(parts.pieces.size()))
+    for (const int area : {parts.pieces[i].left, parts.pieces[i].right}) {
+      Bent* const b = bentOf(area);
       const std::int32_t polygon = parts.areas[static_cast<size_t>(area)].polygon;
-      if (polygon < 0) continue;
-      reach(map.cells[static_cast<size_t>(cell)], planeOf(polygon), at(piece.from), at(piece.to));
+      if (b == nullptr || polygon < 0) continue;
+      reach(b->reach, planeOf(polygon), at(parts.pieces[i].from), at(parts.pieces[i].to));
     }
-  for (const size_t i : watch.upTo(parts.areas.size())) {
-    const int cell = severalAt(static_cast<int>(i));
-    if (cell != NoCell) morePolygons.emplace_back(cell, parts.areas[i].polygon);
-  }
-  std::sort(morePolygons.begin(), morePolygons.end());
-  morePolygons.erase(std::unique(morePolygons.begin(), morePolygons.end()), morePolygons.end());
 }
 
-// The cell of an area, if the cell has several planes and the area is of its region.
-int MapBuilder::severalAt(int area) {
-  const int first = cellOfArea[static_cast<size_t>(parts.areaSets.find(area))];
-  if (first == NoCell || !found[static_cast<size_t>(first)].several) return NoCell;
-  return cellNumbers[static_cast<size_t>(first)];
-}
-
-// The arcs of a cell with one plane, each from its lower vertex, as its other cell has it.
-void MapBuilder::reachArcs(size_t number) {
-  const std::int32_t polygon = cellPolygons[number];
-  if (polygon < 0 || severalPolygons[number] != 0) return;
-  const Vec3 plane = planeOf(polygon);
+// The greatest distance of a flat cell is at a corner, the least at a corner, on an edge, or at
+// the foot of the perpendicular. Arcs are taken from their lower vertex, as the other cell has
+// them.
+void MapBuilder::measureDistances(size_t number, const Arcs& arcs) {
   VisibleMap::Cell& cell = map.cells[number];
-  for (size_t r = cell.firstRing; r < cell.firstRing + cell.ringCount; ++r) {
-    int before = map.ringVertices[map.ringOffsets[r + 1] - 1];
-    for (size_t i = map.ringOffsets[r]; i < map.ringOffsets[r + 1]; ++i) {
-      const int vertex = map.ringVertices[i];
-      reach(cell, plane, vertexAt(std::min(before, vertex)), vertexAt(std::max(before, vertex)));
-      before = vertex;
+  const std::int32_t polygon = cellPolygons[number];
+  const bool several = severalPolygons[number] != 0;
+  const Bent* const ofSeveral = several ? &bent[static_cast<size_t>(bentNumbers[number])] : nullptr;
+  Reach reached;
+  if (several) {
+    reached = ofSeveral->reach;
+  } else if (polygon >= 0) {
+    const Vec3 plane = planeOf(polygon);
+    for (const Arc& arc : arcs) {
+      const bool turned = isBefore(arc.to, arc.from);
+      reach(reached, plane, turned ? arc.to : arc.from, turned ? arc.from : arc.to);
     }
+  }
+  cell.minDistance = reached.least;
+  cell.maxDistance = reached.greatest;
+  if (polygon >= 0) lookAtFoot(cell, arcs, polygon);
+  if (!several) return;
+  for (const std::int32_t other : ofSeveral->polygons) {
+    lookAtFoot(cell, arcs, other);
+    lookAtEdges(cell, arcs, other);
   }
 }
 
-void MapBuilder::reach(VisibleMap::Cell& c, Vec3 plane, Vec3 a, Vec3 b) {
+void MapBuilder::reach(Reach& r, Vec3 plane, Vec3 a, Vec3 b) {
   const double atA = Kernel::dot(plane, a);
   const double atB = Kernel::dot(plane, b);
   if (!(atA > 0.0) || !(atB > 0.0)) return;
   const double distanceA = 1.0 / atA;
   const double distanceB = 1.0 / atB;
   const double least = distanceToSegment(distanceA * a, distanceB * b);
-  c.minDistance = c.minDistance == 0.0 ? least : std::min(c.minDistance, least);
-  c.maxDistance = std::max({c.maxDistance, distanceA, distanceB});
+  r.least = r.least == 0.0 ? least : std::min(r.least, least);
+  r.greatest = std::max({r.greatest, distanceA, distanceB});
 }
 
-bool MapBuilder::contains(const VisibleMap::Cell& cell, Vec3 d) const {
+bool MapBuilder::contains(const Arcs& arcs, Vec3 d) {
   // The half circle from d over the axis u to -d, which lies behind the cell's plane.
   const double x = std::fabs(d.x);
   const double y = std::fabs(d.y);
@@ -92,32 +110,32 @@ bool MapBuilder::contains(const VisibleMap::Cell& cell, Vec3 d) const {
                  : y <= z         ? Vec3{-d.z, 0.0, d.x}
                                   : Vec3{d.y, -d.x, 0.0};
   bool inside = false;
-  forArcs(cell, [&](Vec3 a, Vec3 b) {
+  for (const auto& [a, b] : arcs) {
     const bool above = Kernel::dot(m, a) >= 0.0;
-    if (above == (Kernel::dot(m, b) >= 0.0)) return;
+    if (above == (Kernel::dot(m, b) >= 0.0)) continue;
     if ((Kernel::dot(Kernel::cross(a, b), d) < 0.0) == above) inside = !inside;
-  });
+  }
   return inside;
 }
 
 // The same for a cell of any size: the first arc on the great circle from d by u has d on its
 // left or on its right.
-bool MapBuilder::containsAround(const VisibleMap::Cell& cell, Vec3 d) const {
+bool MapBuilder::containsAround(const VisibleMap::Cell& cell, const Arcs& arcs, Vec3 d) const {
   for (const Vec3 axis : {Vec3{1.0, 0.0, 0.0}, Vec3{0.0, 1.0, 0.0}, Vec3{0.0, 0.0, 1.0}}) {
     const Vec3 m = Kernel::cross(d, axis);
     const Vec3 u = Kernel::cross(m, d);
     double first = 4.0;
     bool inside = false;
-    forArcs(cell, [&](Vec3 a, Vec3 b) {
+    for (const auto& [a, b] : arcs) {
       const double atA = Kernel::dot(m, a);
       const double atB = Kernel::dot(m, b);
-      if ((atA >= 0.0) == (atB >= 0.0)) return;
+      if ((atA >= 0.0) == (atB >= 0.0)) continue;
       const Vec3 met = std::fabs(atB) * a + std::fabs(atA) * b;
       const double turn = quarterTurns(Kernel::dot(met, d), Kernel::dot(met, u));
-      if (turn >= first) return;
+      if (turn >= first) continue;
       first = turn;
       inside = atA >= 0.0;
-    });
+    }
     if (first < 4.0) return inside;
   }
   return cell.solidAngle > 2.0 * Pi;
@@ -129,20 +147,20 @@ double MapBuilder::quarterTurns(double x, double y) {
   return y >= 0.0 ? 1.0 - part : 3.0 + part;
 }
 
-bool MapBuilder::isIn(const VisibleMap::Cell& cell, Vec3 d) const {
+bool MapBuilder::isIn(const VisibleMap::Cell& cell, const Arcs& arcs, Vec3 d) const {
   const auto number = static_cast<size_t>(&cell - map.cells.data());
-  return severalPolygons[number] != 0 ? containsAround(cell, d) : contains(cell, d);
+  return severalPolygons[number] != 0 ? containsAround(cell, arcs, d) : contains(arcs, d);
 }
 
-void MapBuilder::lookAtFoot(VisibleMap::Cell& cell, std::int32_t polygon) const {
+void MapBuilder::lookAtFoot(VisibleMap::Cell& cell, const Arcs& arcs, std::int32_t polygon) const {
   const Vec3 plane = planeOf(polygon);
   const double distance = 1.0 / lengthInRange(plane);
-  if (!(distance < cell.minDistance) || !isIn(cell, unit(inRange(plane)))) return;
+  if (!(distance < cell.minDistance) || !isIn(cell, arcs, unit(inRange(plane)))) return;
   cell.minDistance = distance;
 }
 
 // The nearest points of the edges between the pieces of a region that is not flat.
-void MapBuilder::lookAtEdges(VisibleMap::Cell& cell, std::int32_t polygon) const {
+void MapBuilder::lookAtEdges(VisibleMap::Cell& cell, const Arcs& arcs, std::int32_t polygon) const {
   const IndexState& state = *setup.state;
   const auto begin = state.cornerOffsets[static_cast<size_t>(polygon)];
   const auto end = state.cornerOffsets[static_cast<size_t>(polygon) + 1];
@@ -152,7 +170,7 @@ void MapBuilder::lookAtEdges(VisibleMap::Cell& cell, std::int32_t polygon) const
         nearestOfSegment(offsetFromEye(state.cornerVertices[static_cast<size_t>(i)]),
                          offsetFromEye(state.cornerVertices[static_cast<size_t>(next)]));
     const double distance = lengthInRange(nearest);
-    if (distance < cell.minDistance && distance > 0.0 && isIn(cell, unit(inRange(nearest))))
+    if (distance < cell.minDistance && distance > 0.0 && isIn(cell, arcs, unit(inRange(nearest))))
       cell.minDistance = distance;
   }
 }

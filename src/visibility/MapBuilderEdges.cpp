@@ -18,8 +18,8 @@ using Kernel::Pi;
 using Kernel::Vec3;
 
 // Whether the two links at a vertex continue each other there.
-bool MapBuilder::continues(int vertex, const Link& a, const Link& b) const {
-  if (a.source != b.source || a.source == NoSource) return false;
+bool MapBuilder::continues(int vertex, const Link& a, const Link& b) {
+  if (a.source() != b.source() || a.source() == NoSource) return false;
   const bool sameWay = (a.to == vertex) == (b.from == vertex);
   return sameWay ? a.left == b.left && a.right == b.right : a.left == b.right && a.right == b.left;
 }
@@ -41,38 +41,56 @@ bool MapBuilder::middleOfWide(Source source, Vec3& middle) const {
   return true;
 }
 
-bool MapBuilder::passes(int vertex) const {
-  if (atVertex.size(vertex) != 2) return false;
-  const int* at = atVertex.begin(vertex);
-  const Link& first = links[static_cast<size_t>(at[0])];
-  return at[0] != at[1] && continues(vertex, first, links[static_cast<size_t>(at[1])]) &&
-         !isMiddleOfWide(first.source, directions[static_cast<size_t>(vertex)]);
+MapBuilder::LinkPairs::LinkPairs(size_t vertices, const BlockList<Link>& links, Watch& watch)
+    : pairs(vertices, std::pair(None, None)) {
+  for (const size_t i : watch.upTo(links.size())) {
+    add(links[i].from, static_cast<int>(i));
+    add(links[i].to, static_cast<int>(i));
+  }
 }
 
+void MapBuilder::LinkPairs::add(int vertex, int link) {
+  auto& [first, second] = pairs[static_cast<size_t>(vertex)];
+  if (first == None)
+    first = link;
+  else
+    second = second == None ? link : More;
+}
+
+bool MapBuilder::passes(int vertex) const {
+  if (!atVertex->isPair(vertex)) return false;
+  const Link& first = links[static_cast<size_t>(atVertex->first(vertex))];
+  return continues(vertex, first, links[static_cast<size_t>(atVertex->second(vertex))]) &&
+         !isMiddleOfWide(first.source(), directions[static_cast<size_t>(vertex)]);
+}
+
+// First it is found out for each link which edge it begins. Then edges take the place of links.
 void MapBuilder::chainLinks() {
-  atVertex.fill(parts.vertices.size(), [this](auto add) {
-    for (const size_t i : watch.upTo(links.size())) {
-      add(links[i].from, static_cast<int>(i));
-      add(links[i].to, static_cast<int>(i));
-    }
-  });
+  atVertex = std::make_unique<LinkPairs>(foundVertices, links, watch);
+  outcomes.assign(links.size(), NotFollowed);
   for (const size_t i : watch.upTo(links.size())) {
-    if (links[i].used) continue;
+    if (outcomes[i] != NotFollowed) continue;
     if (!passes(links[i].from)) {
       follow(static_cast<int>(i), links[i].from);
     } else if (!passes(links[i].to)) {
       follow(static_cast<int>(i), links[i].to);
     }
   }
-  for (const size_t i : watch.upTo(links.size()))
-    if (!links[i].used) follow(static_cast<int>(i), links[i].from);
-  release(links);
-  atVertex = Buckets();
+  std::vector<int> rings;  // links of rings that nothing else meets
+  for (const size_t i : watch.upTo(links.size())) {
+    if (outcomes[i] != NotFollowed) continue;
+    follow(static_cast<int>(i), links[i].from);
+    rings.push_back(static_cast<int>(i));
+  }
+  atVertex.reset();
+  addEdges(rings);
+  release(outcomes);
+  release(fieldArcs);
 }
 
 // From a vertex along a link to the end of its edge.
 void MapBuilder::follow(int first, int start) {
-  const Link head = links[static_cast<size_t>(first)];
+  const Link& head = links[static_cast<size_t>(first)];
   const bool forwards = head.from == start;
   int at = start;
   int number = first;
@@ -80,10 +98,10 @@ void MapBuilder::follow(int first, int start) {
   double turned = 0.0;
   const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
   for (;;) {
-    Link& link = links[static_cast<size_t>(number)];
-    link.used = true;
+    const Link& link = links[static_cast<size_t>(number)];
+    outcomes[static_cast<size_t>(number)] = Followed;
     const int next = link.from == at ? link.to : link.from;
-    if (link.source == FieldSource) {
+    if (link.source() == FieldSource) {
       const Vec3 a = directions[static_cast<size_t>(at)];
       const Vec3 b = directions[static_cast<size_t>(next)];
       const double sine = Kernel::dot(Kernel::cross(a, b), forward);
@@ -91,14 +109,13 @@ void MapBuilder::follow(int first, int start) {
     }
     at = next;
     if (at == start || !passes(at)) break;
-    const int* both = atVertex.begin(at);
-    number = both[0] == number ? both[1] : both[0];
-    if (links[static_cast<size_t>(number)].used) break;
+    number = atVertex->first(at) == number ? atVertex->second(at) : atVertex->first(at);
+    if (outcomes[static_cast<size_t>(number)] != NotFollowed) break;
   }
-  if (head.source == FieldSource && (at == start || isLongOfField(turned, start, at))) {
-    addFieldArc(start, at, turned, forwards, head);
+  if (head.source() == FieldSource && (at == start || isLongOfField(turned, start, at))) {
+    addFieldArc(start, at, turned, first);
   } else if (at != start) {
-    addEdge(forwards ? start : at, forwards ? at : start, head);
+    outcomes[static_cast<size_t>(first)] = 2 * at + (forwards ? 1 : 0);
   }
 }
 
@@ -111,15 +128,40 @@ bool MapBuilder::isLongOfField(double turned, int start, int end) const {
                           directions[static_cast<size_t>(end)]) > ChordOfLongest;
 }
 
-void MapBuilder::addEdge(int from, int to, Link link) {
-  link.from = from;
-  link.to = to;
-  edges.push_back(link);
+// Those of rings last.
+void MapBuilder::addEdges(const std::vector<int>& rings) {
+  std::stable_sort(fieldArcs.begin(), fieldArcs.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<Link> last;
+  auto ring = rings.begin();
+  auto arc = fieldArcs.begin();
+  for (const size_t i : watch.upTo(links.size())) {
+    links.releaseBefore(i);
+    const int number = static_cast<int>(i);
+    const bool ofRing = ring != rings.end() && *ring == number;
+    if (ofRing) ++ring;
+    const auto add = [&](const Link& edge) {
+      if (ofRing)
+        last.push_back(edge);
+      else
+        edges.push_back(edge);
+    };
+    if (outcomes[i] >= 0) {
+      Link edge = links[i];
+      (outcomes[i] % 2 != 0 ? edge.to : edge.from) = outcomes[i] / 2;
+      add(edge);
+    }
+    for (; arc != fieldArcs.end() && arc->first == number; ++arc) add(arc->second);
+  }
+  for (const Link& edge : last) edges.push_back(edge);
+  release(links);
 }
 
 // The end of the field is a great circle, of which arcs must be less than half: long ones are
 // divided at the directions right, up, left and down.
-void MapBuilder::addFieldArc(int start, int end, double turned, bool forwards, const Link& link) {
+void MapBuilder::addFieldArc(int start, int end, double turned, int head) {
+  const Link& link = links[static_cast<size_t>(head)];
+  const bool forwards = link.from == start;
   const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
   const Vec3 up = {map.up[0], map.up[1], map.up[2]};
   const Vec3 right = Kernel::cross(forward, up);
@@ -146,8 +188,12 @@ void MapBuilder::addFieldArc(int start, int end, double turned, bool forwards, c
     directions.push_back(station.second);
   }
   route.push_back(start != end ? end : route.front());
-  for (size_t i = 0; i + 1 < route.size(); ++i)
-    addEdge(route[forwards ? i : i + 1], route[forwards ? i + 1 : i], link);
+  for (size_t i = 0; i + 1 < route.size(); ++i) {
+    Link arc = link;
+    arc.from = route[forwards ? i : i + 1];
+    arc.to = route[forwards ? i + 1 : i];
+    fieldArcs.emplace_back(head, arc);
+  }
 }
 
 }  // namespace Lumivane::Visibility

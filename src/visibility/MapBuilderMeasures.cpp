@@ -12,9 +12,27 @@ namespace Lumivane::Visibility {
 using Kernel::Pi;
 using Kernel::Vec3;
 
+void MapBuilder::addArcs(size_t ring, Arcs& arcs) const {
+  const size_t begin = map.ringOffsets[ring];
+  const size_t end = map.ringOffsets[ring + 1];
+  const Vec3 first = vertexAt(map.ringVertices[begin]);
+  Vec3 from = first;
+  for (size_t i = begin + 1; i < end; ++i) {
+    const Vec3 to = vertexAt(map.ringVertices[i]);
+    arcs.push_back({from, to});
+    from = to;
+  }
+  arcs.push_back({from, first});
+}
+
+void MapBuilder::arcsOf(const VisibleMap::Cell& cell, Arcs& arcs) const {
+  arcs.clear();
+  for (size_t r = 0; r < cell.ringCount; ++r) addArcs(cell.firstRing + r, arcs);
+}
+
 // Fans of triangles from one direction give the solid angle up to whole spheres; the direction
 // opposite to it must be far from all arcs.
-Vec3 MapBuilder::farFromArcs(const VisibleMap::Cell& cell) const {
+Vec3 MapBuilder::farFromArcs(const Arcs& arcs) {
   Vec3 best{};
   double bestCosine = 2.0;
   for (int i = 0; i < 27; ++i) {
@@ -25,8 +43,8 @@ Vec3 MapBuilder::farFromArcs(const VisibleMap::Cell& cell) const {
     const Vec3 candidate = {x + 0.013, y + 0.027, z - 0.011};
     const Vec3 opposite = -unit(candidate);
     double nearest = -1.0;
-    forArcs(cell,
-            [&](Vec3 a, Vec3 b) { nearest = std::max(nearest, cosineToArc(opposite, a, b)); });
+    for (const Arc& arc : arcs)
+      nearest = std::max(nearest, cosineToArc(opposite, arc.from, arc.to));
     if (nearest < bestCosine) {
       bestCosine = nearest;
       best = -opposite;
@@ -48,19 +66,19 @@ double MapBuilder::cosineToArc(Vec3 d, Vec3 a, Vec3 b) {
 }
 
 // The solid angle on the left of some rings, up to whole spheres: from -2 pi to 2 pi.
-double MapBuilder::turnOf(const VisibleMap::Cell& cell) const {
+double MapBuilder::turnOf(const Arcs& arcs) {
   Vec3 middle{};
-  forArcs(cell, [&](Vec3 a, Vec3) { middle = middle + a; });
+  for (const Arc& arc : arcs) middle = middle + arc.from;
   double least = -1.0;
   if (Kernel::length3(middle) > 0.0) {
     middle = unit(middle);
     least = 1.0;
-    forArcs(cell, [&](Vec3 a, Vec3) { least = std::min(least, Kernel::dot(a, middle)); });
+    for (const Arc& arc : arcs) least = std::min(least, Kernel::dot(arc.from, middle));
   }
   // Within less than a hemisphere no triangle comes near the direction opposite to the first.
-  const Vec3 from = least > 0.1 ? middle : farFromArcs(cell);
+  const Vec3 from = least > 0.1 ? middle : farFromArcs(arcs);
   double sum = 0.0;
-  forArcs(cell, [&](Vec3 a, Vec3 b) { sum += triangleSolidAngle(from, a, b); });
+  for (const Arc& arc : arcs) sum += triangleSolidAngle(from, arc.from, arc.to);
   return std::remainder(sum, 4.0 * Pi);
 }
 
@@ -80,10 +98,9 @@ double MapBuilder::solidAngleOf(size_t cell, double turn) const {
 
 // The solid angle on the left of one ring.
 double MapBuilder::insideOfRing(size_t ring) const {
-  VisibleMap::Cell alone;
-  alone.firstRing = ring;
-  alone.ringCount = 1;
-  const double turn = turnOf(alone);
+  Arcs arcs;
+  addArcs(ring, arcs);
+  const double turn = turnOf(arcs);
   return turn < 0.0 ? turn + 4.0 * Pi : turn;
 }
 
@@ -125,26 +142,25 @@ void MapBuilder::outerRingFirst(VisibleMap::Cell& cell) {
 }
 
 void MapBuilder::measureCells() {
-  const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
   turns.assign(map.cells.size(), 0.0);
-  const auto measure = [&](size_t i) {
-    VisibleMap::Cell& cell = map.cells[i];
-    outerRingFirst(cell);
-    turns[i] = turnOf(cell);
-    cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(i, turns[i]);
-    if (map.field == Field::Hemisphere) {
-      double sum = 0.0;
-      forArcs(cell, [&](Vec3 a, Vec3 b) { sum += arcViewFactor(a, b, forward); });
-      cell.viewFactor = std::max(0.0, sum);
-    }
-    if (cellPolygons[i] >= 0 && setup.parallel == nullptr) lookAtFoot(cell, cellPolygons[i]);
-  };
   constexpr size_t WorthAThread = 256;
-  forEach(map.cells.size(), measure, WorthAThread);
-  for (const auto& [cell, polygon] : watch.over(morePolygons)) {
-    lookAtFoot(map.cells[static_cast<size_t>(cell)], polygon);
-    lookAtEdges(map.cells[static_cast<size_t>(cell)], polygon);
+  forEachWith<Arcs>(
+      map.cells.size(), [this](size_t i, Arcs& arcs) { measureCell(i, arcs); }, WorthAThread);
+}
+
+void MapBuilder::measureCell(size_t number, Arcs& arcs) {
+  const Vec3 forward = {map.forward[0], map.forward[1], map.forward[2]};
+  VisibleMap::Cell& cell = map.cells[number];
+  outerRingFirst(cell);
+  arcsOf(cell, arcs);
+  turns[number] = turnOf(arcs);
+  cell.solidAngle = cell.ringCount == 0 ? 4.0 * Pi : solidAngleOf(number, turns[number]);
+  if (map.field == Field::Hemisphere) {
+    double sum = 0.0;
+    for (const Arc& arc : arcs) sum += arcViewFactor(arc.from, arc.to, forward);
+    cell.viewFactor = std::max(0.0, sum);
   }
+  if (setup.parallel == nullptr) measureDistances(number, arcs);
 }
 
 }  // namespace Lumivane::Visibility

@@ -26,7 +26,7 @@ bool MapBuilder::isDocked(const Link& link) const {
     const std::int32_t polygon = cellPolygons[static_cast<size_t>(cell)];
     return setup.state->layers[static_cast<size_t>(polygon)];
   };
-  return link.inner && (link.shared || layerOf(link.left) == layerOf(link.right));
+  return link.inner() && (link.shared() || layerOf(link.left) == layerOf(link.right));
 }
 
 // Whether the regions that cross are those of the cells: of a sliver that has become a part of
@@ -40,7 +40,7 @@ bool MapBuilder::isOfCells(const Link& crossing) const {
     return regionOf(cellPolygons[static_cast<size_t>(cell)]);
   };
   const auto sorted = [](std::int32_t a, std::int32_t b) { return std::minmax({a, b}); };
-  return sorted(regionOf(crossing.source >> 31 & Low), regionOf(crossing.source & Low)) ==
+  return sorted(regionOf(crossing.source() >> 31 & Low), regionOf(crossing.source() & Low)) ==
          sorted(regionOfCell(crossing.left), regionOfCell(crossing.right));
 }
 
@@ -50,26 +50,37 @@ VisibleMap::EdgeKind MapBuilder::kindOf(const Link& link) const {
   const Label& a = map.cells[static_cast<size_t>(link.left)].label;
   const Label& b = map.cells[static_cast<size_t>(link.right)].label;
   if (a.object == 0 || b.object == 0) return Kind::Silhouette;
-  if (isCrossing(link.source) && isOfCells(link)) return Kind::Crossing;
+  if (isCrossing(link.source()) && isOfCells(link)) return Kind::Crossing;
   const bool oneFace = a.face == b.face && a.face > 0;
   if (a.object == b.object && (oneFace || isDocked(link))) return Kind::Inner;
-  return link.shared ? Kind::Crease : Kind::Silhouette;
+  return link.shared() ? Kind::Crease : Kind::Silhouette;
 }
 
 // Vertices by their coordinates, cells by region and first vertex, edges by their vertices.
 void MapBuilder::orderMap() {
+  orderVertices();
+  orderCells(firstVertices());
+  orderEdges();
+}
+
+void MapBuilder::orderVertices() {
   struct Placed {
     Vec3 at;
     int vertex;
   };
-  std::vector<Placed> used;
   vertexNumbers.assign(directions.size(), -1);
-  for (const Link& edge : watch.over(edges))
-    for (const int vertex : {edge.from, edge.to}) {
+  size_t count = 0;
+  for (const size_t i : watch.upTo(edges.size()))
+    for (const int vertex : {edges[i].from, edges[i].to}) {
       int& number = vertexNumbers[static_cast<size_t>(vertex)];
-      if (number < 0) used.push_back({directions[static_cast<size_t>(vertex)], vertex});
+      if (number < 0) ++count;
       number = 0;
     }
+  LargeVector<Placed> used;
+  used.reserve(count);
+  for (const size_t i : watch.upTo(directions.size()))
+    if (vertexNumbers[i] >= 0) used.push_back({directions[i], static_cast<int>(i)});
+  release(directions);
   sortInParallel(used, threads, watch.order([](const Placed& a, const Placed& b) {
     if (a.at.x != b.at.x) return a.at.x < b.at.x;
     return std::tie(a.at.y, a.at.z, a.vertex) < std::tie(b.at.y, b.at.z, b.vertex);
@@ -79,8 +90,14 @@ void MapBuilder::orderMap() {
     vertexNumbers[static_cast<size_t>(placed.vertex)] = static_cast<int>(map.vertices.size());
     map.vertices.push_back({placed.at.x, placed.at.y, placed.at.z});
   }
-  std::vector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
-  for (Link& edge : watch.over(edges)) {
+}
+
+// Gives edges the numbers of the map's vertices, the lower one first. \return the first vertex of
+// each cell
+LargeVector<int> MapBuilder::firstVertices() {
+  LargeVector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
+  for (const size_t i : watch.upTo(edges.size())) {
+    Link& edge = edges[i];
     edge.from = vertexNumbers[static_cast<size_t>(edge.from)];
     edge.to = vertexNumbers[static_cast<size_t>(edge.to)];
     if (edge.to < edge.from) {
@@ -93,18 +110,8 @@ void MapBuilder::orderMap() {
         first = std::min(first, edge.from);
       }
   }
-  orderCells(firstVertex);
-  orderEdges();
-  map.edges.reserve(edges.size());
-  for (const Link& edge : watch.over(edges))
-    map.edges.push_back({edge.from, edge.to, edge.left, edge.right, kindOf(edge)});
-  if (options.edgeSources)
-    for (const Link& edge : watch.over(edges))
-      map.edgeSources.push_back(
-          edge.source < 0 || isCrossing(edge.source) ? -1 : static_cast<int>(edge.source));
-  release(edges);
-  release(directions);
   release(vertexNumbers);
+  return firstVertex;
 }
 
 // Few edges leave a vertex, so that sorting those of each is quicker than sorting all.
@@ -113,28 +120,44 @@ void MapBuilder::orderEdges() {
   leaving.fill(map.vertices.size(), [this](auto add) {
     for (const size_t i : watch.upTo(edges.size())) add(edges[i].from, static_cast<int>(i));
   });
-  const auto key = [](const Link& e) { return std::make_tuple(e.to, e.left, e.right); };
-  std::vector<Link> ordered(edges.size());
+  const auto key = [this](int number) {
+    const Link& e = edges[static_cast<size_t>(number)];
+    return std::make_tuple(e.to, e.left, e.right);
+  };
+  map.edges.resize(edges.size());
+  if (options.edgeSources) map.edgeSources.resize(edges.size());
   forEach(map.vertices.size(), [&](size_t i) {
     const int vertex = static_cast<int>(i);
-    const auto first = ordered.begin() + static_cast<std::ptrdiff_t>(leaving.placeOf(vertex));
-    const auto last = std::transform(leaving.begin(vertex), leaving.end(vertex), first,
-                                     [this](int edge) { return edges[static_cast<size_t>(edge)]; });
-    std::sort(first, last, [&](const Link& a, const Link& b) { return key(a) < key(b); });
+    int* const first = leaving.begin(vertex);
+    int* const last = first + leaving.size(vertex);
+    std::sort(first, last, [&](int a, int b) { return key(a) < key(b); });
+    size_t place = leaving.placeOf(vertex);
+    for (const int* number = first; number != last; ++number, ++place)
+      placeEdge(edges[static_cast<size_t>(*number)], place);
   });
-  edges = std::move(ordered);
+  release(edges);
 }
 
-void MapBuilder::orderCells(const std::vector<int>& firstVertex) {
+void MapBuilder::placeEdge(const Link& edge, size_t place) {
+  map.edges[place] = {edge.from, edge.to, edge.left, edge.right, kindOf(edge)};
+  if (!options.edgeSources) return;
+  const Source source = edge.source();
+  map.edgeSources[place] = source < 0 || isCrossing(source) ? -1 : static_cast<int>(source);
+}
+
+void MapBuilder::orderCells(const LargeVector<int>& firstVertex) {
   // A cell without edges is the whole sphere, or was nothing.
   const bool whole = edges.empty() && map.field == Field::Sphere;
-  std::vector<std::tuple<std::int32_t, int, int>> order;
+  LargeVector<std::tuple<std::int32_t, int, int>> order;
   for (const size_t i : watch.upTo(found.size()))
     if (firstVertex[i] != std::numeric_limits<int>::max() || (whole && order.empty()))
       order.emplace_back(orderOf(found[i].region), firstVertex[i], static_cast<int>(i));
   auto ascending = watch.order(std::less<>());
   std::sort(order.begin(), order.end(), std::ref(ascending));
-  cellNumbers.assign(found.size(), NoCell);
+  LargeVector<int> cellNumbers(found.size(), NoCell);
+  map.cells.reserve(order.size());
+  cellPolygons.reserve(order.size());
+  severalPolygons.reserve(order.size());
   for (const auto& [region, first, number] : watch.over(order)) {
     cellNumbers[static_cast<size_t>(number)] = static_cast<int>(map.cells.size());
     const Found& f = found[static_cast<size_t>(number)];
@@ -144,34 +167,42 @@ void MapBuilder::orderCells(const std::vector<int>& firstVertex) {
     map.cells.push_back(cell);
     cellPolygons.push_back(f.polygon);
     severalPolygons.push_back(f.several ? 1 : 0);
+    if (!bentCells.empty()) bentNumbers.push_back(bentCells[static_cast<size_t>(number)]);
   }
-  for (Link& edge : watch.over(edges))
-    for (int* cell : {&edge.left, &edge.right})
+  release(found);
+  for (const size_t i : watch.upTo(edges.size()))
+    for (int* cell : {&edges[i].left, &edges[i].right})
       if (*cell != NoCell) *cell = cellNumbers[static_cast<size_t>(*cell)];
 }
 
 void MapBuilder::makeRings() {
   const size_t halves = 2 * map.edges.size();
-  Buckets leaving;
+  HalvesAt leaving;
   leaving.fill(map.vertices.size(), [&](auto add) {
     for (const size_t i : watch.upTo(halves)) {
       const int h = static_cast<int>(i);
-      if (cellOfHalf(h) != NoCell) add(startOfHalf(h), h);
+      if (const int cell = cellOfHalf(h); cell != NoCell) add(startOfHalf(h), Half{h, cell});
     }
   });
-  Buckets byCell;
+  BasicBuckets<int, std::vector<int>> byCell;
   byCell.fill(map.cells.size(), [&](auto add) {
     for (const size_t i : watch.upTo(halves)) {
       const int h = static_cast<int>(i);
-      if (cellOfHalf(h) != NoCell) add(cellOfHalf(h), h);
+      if (const int cell = cellOfHalf(h); cell != NoCell) add(cell, h);
     }
   });
-  // Every half is in one ring, so the place of each cell's rings is known before they are.
-  map.ringVertices.resize(byCell.size());
-  std::vector<char> taken(halves, 0);
-  std::vector<char> isFirst(byCell.size(), 0);
-  forEach(map.cells.size(),
-          [&](size_t c) { ringsOf(static_cast<int>(c), byCell, leaving, taken, isFirst); });
+  // Every half is in one ring, so the place of each cell's rings is known before they are: that of
+  // its halves.
+  map.ringVertices = byCell.takeItems();
+  LargeVector<char> taken(halves, 0);
+  LargeVector<char> isFirst(map.ringVertices.size(), 0);
+  forEachWith<std::vector<int>>(map.cells.size(), [&](size_t c, std::vector<int>& ofCell) {
+    const int cell = static_cast<int>(c);
+    const auto first = map.ringVertices.begin() + static_cast<std::ptrdiff_t>(byCell.placeOf(cell));
+    ofCell.assign(first, first + static_cast<std::ptrdiff_t>(byCell.size(cell)));
+    ringsOf(byCell.placeOf(cell), ofCell, leaving, taken, isFirst);
+  });
+  map.ringOffsets.reserve(1 + static_cast<size_t>(std::count(isFirst.begin(), isFirst.end(), 1)));
   for (const size_t c : watch.upTo(map.cells.size())) {
     VisibleMap::Cell& cell = map.cells[c];
     cell.firstRing = map.ringOffsets.size();
@@ -184,17 +215,17 @@ void MapBuilder::makeRings() {
 }
 
 // The vertices of a cell's rings, and which of them begin one.
-void MapBuilder::ringsOf(int cell, const Buckets& halves, const Buckets& leaving,
-                         std::vector<char>& taken, std::vector<char>& isFirst) {
-  size_t end = halves.placeOf(cell);
-  for (const int* h = halves.begin(cell); h != halves.end(cell); ++h) {
-    if (taken[static_cast<size_t>(*h)] != 0) continue;
-    int half = *h;
+void MapBuilder::ringsOf(size_t place, const std::vector<int>& halves, const HalvesAt& leaving,
+                         LargeVector<char>& taken, LargeVector<char>& isFirst) {
+  size_t end = place;
+  for (const int first : halves) {
+    if (taken[static_cast<size_t>(first)] != 0) continue;
+    int half = first;
     const size_t start = end;
     while (half >= 0 && taken[static_cast<size_t>(half)] == 0) {
       taken[static_cast<size_t>(half)] = 1;
       map.ringVertices[end++] = startOfHalf(half);
-      half = nextHalf(half, leaving, taken, *h);
+      half = nextHalf(half, leaving, taken, first);
     }
     const auto at = [this](size_t i) {
       return map.ringVertices.begin() + static_cast<std::ptrdiff_t>(i);
@@ -206,15 +237,19 @@ void MapBuilder::ringsOf(int cell, const Buckets& halves, const Buckets& leaving
 
 // The half of the same cell that leaves where another ends; where the cell meets itself in the
 // vertex, the first one clockwise from the way back.
-int MapBuilder::nextHalf(int half, const Buckets& leaving, const std::vector<char>& taken,
+int MapBuilder::nextHalf(int half, const HalvesAt& leaving, const LargeVector<char>& taken,
                          int first) const {
   const int vertex = endOfHalf(half);
   const int cell = cellOfHalf(half);
+  const auto mayFollow = [&](const Half& other) {
+    return other.cell == cell &&
+           (taken[static_cast<size_t>(other.number)] == 0 || other.number == first);
+  };
   int best = -1;
   int count = 0;
-  for (const int* h = leaving.begin(vertex); h != leaving.end(vertex); ++h) {
-    if (cellOfHalf(*h) != cell || (taken[static_cast<size_t>(*h)] != 0 && *h != first)) continue;
-    best = *h;
+  for (const Half* h = leaving.begin(vertex); h != leaving.end(vertex); ++h) {
+    if (!mayFollow(*h)) continue;
+    best = h->number;
     ++count;
   }
   if (count <= 1) return best;
@@ -228,13 +263,13 @@ int MapBuilder::nextHalf(int half, const Buckets& leaving, const std::vector<cha
   };
   const double back = angle(startOfHalf(half));
   double least = 1e9;
-  for (const int* h = leaving.begin(vertex); h != leaving.end(vertex); ++h) {
-    if (cellOfHalf(*h) != cell || (taken[static_cast<size_t>(*h)] != 0 && *h != first)) continue;
-    double turn = back - angle(endOfHalf(*h));
+  for (const Half* h = leaving.begin(vertex); h != leaving.end(vertex); ++h) {
+    if (!mayFollow(*h)) continue;
+    double turn = back - angle(endOfHalf(h->number));
     if (turn <= 0.0) turn += 2.0 * Pi;
     if (turn < least) {
       least = turn;
-      best = *h;
+      best = h->number;
     }
   }
   return best;

@@ -33,39 +33,34 @@ void MapBuilder::placeVertices() {
 template <class Chosen>
 void MapBuilder::placeVertices(Chosen isChosen) {
   Buckets edgesAt;
-  edgesAt.fill(parts.vertices.size(), [this](auto add) {
+  edgesAt.fill(foundVertices, [this](auto add) {
     for (const size_t i : watch.upTo(edges.size()))
       for (const int vertex : {edges[i].from, edges[i].to})
-        if (static_cast<size_t>(vertex) < parts.vertices.size() && edges[i].source != NoSource)
+        if (static_cast<size_t>(vertex) < foundVertices && edges[i].source() != NoSource)
           add(vertex, static_cast<int>(i));
   });
-  std::vector<Source> lines(edgesAt.size());
-  forEach(parts.vertices.size(), [&](size_t i) {
+  forEachWith<std::vector<Source>>(foundVertices, [&](size_t i, std::vector<Source>& lines) {
     if (!isChosen(i)) return;
     const int vertex = static_cast<int>(i);
-    const int* const begin = edgesAt.begin(vertex);
-    const int* const end = edgesAt.end(vertex);
-    if (begin == end) return;
-    Source* const first = lines.data() + edgesAt.placeOf(vertex);
-    Source* last = std::transform(
-        begin, end, first, [this](int edge) { return edges[static_cast<size_t>(edge)].source; });
-    std::sort(first, last);
-    last = std::unique(first, last);
+    lines.clear();
+    for (const int* edge = edgesAt.begin(vertex); edge != edgesAt.end(vertex); ++edge)
+      lines.push_back(edges[static_cast<size_t>(*edge)].source());
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     // Which of two comes first makes no difference.
-    if (last - first > 2) std::sort(first, last, SourceOrder(*setup.state));
-    placeVertex(vertex, first, static_cast<size_t>(last - first));
+    if (lines.size() > 2) std::sort(lines.begin(), lines.end(), SourceOrder(*setup.state));
+    if (!lines.empty()) placeVertex(vertex, lines);
   });
 }
 
-void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
+void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
   Vec3& place = directions[static_cast<size_t>(vertex)];
   const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
   const auto point = [this](std::int32_t i) {
     return setup.state->vertices[static_cast<size_t>(i)];
   };
   std::int32_t corner = -1;
-  for (size_t i = 0; i < count; ++i) {
-    const Source source = lines[i];
+  for (const Source source : lines) {
     if (source < 0 || isCrossing(source)) continue;
     for (const size_t k : {size_t{0}, size_t{1}}) {
       const std::int32_t candidate = setup.state->edgeVertices[2 * static_cast<size_t>(source) + k];
@@ -78,13 +73,13 @@ void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
     place = unit(fromEye(corner));
     return;
   }
-  for (size_t i = 0; i < count; ++i) {
+  for (const Source source : lines) {
     Vec3 middle;
-    if (!middleOfWide(lines[i], middle) || !isClose(middle)) continue;
+    if (!middleOfWide(source, middle) || !isClose(middle)) continue;
     place = middle;
     return;
   }
-  if (count == 1) {
+  if (lines.size() == 1) {
     const Vec3 normal = normalOf(lines[0]);
     const double off = Kernel::dot(normal, place);
     if (std::fabs(off) < MostDoubt) place = unit(place - off * normal);
@@ -92,8 +87,8 @@ void MapBuilder::placeVertex(int vertex, const Source* lines, size_t count) {
   }
   double best = LineDoubt / MostDoubt;
   Vec3 meeting{};
-  for (size_t i = 0; i < count; ++i)
-    for (size_t k = i + 1; k < count; ++k) {
+  for (size_t i = 0; i < lines.size(); ++i)
+    for (size_t k = i + 1; k < lines.size(); ++k) {
       const Vec3 d = Kernel::cross(normalOf(lines[i]), normalOf(lines[k]));
       const double sine = Kernel::length3(d);
       if (sine <= best) continue;
@@ -144,7 +139,8 @@ Vec3 MapBuilder::normalOf(Source source) const {
 void MapBuilder::contractEdges() {
   JoinedSets sets;
   bool any = false;
-  for (const Link& edge : watch.over(edges)) {
+  for (const size_t k : watch.upTo(edges.size())) {
+    const Link& edge = edges[k];
     if (Kernel::distance(directions[static_cast<size_t>(edge.from)],
                          directions[static_cast<size_t>(edge.to)]) > SamePlace)
       continue;
@@ -155,7 +151,7 @@ void MapBuilder::contractEdges() {
   }
   if (!any) return;
   const auto coordinates = [](Vec3 d) { return std::make_tuple(d.x, d.y, d.z); };
-  std::vector<char> joined(directions.size(), 0);
+  LargeVector<char> joined(directions.size(), 0);
   for (const size_t i : watch.upTo(directions.size())) {
     const auto first = static_cast<size_t>(sets.find(static_cast<int>(i)));
     if (first == i) continue;
@@ -164,12 +160,13 @@ void MapBuilder::contractEdges() {
     if (coordinates(directions[i]) < coordinates(place)) place = directions[i];
   }
   size_t kept = 0;
-  for (Link edge : watch.over(edges)) {
+  for (const size_t i : watch.upTo(edges.size())) {
+    Link edge = edges[i];
     edge.from = sets.find(edge.from);
     edge.to = sets.find(edge.to);
     if (edge.from != edge.to) edges[kept++] = edge;
   }
-  edges.resize(kept);
+  edges.truncate(kept);
   placeVertices([&](size_t i) { return joined[i] != 0; });
 }
 

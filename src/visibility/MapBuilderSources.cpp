@@ -13,18 +13,15 @@ namespace Lumivane::Visibility {
 using Kernel::Vec3;
 
 void MapBuilder::findSources() {
-  for (Piece& piece : watch.over(parts.pieces)) {
-    if (piece.source != NoSource && !piece.foreign) continue;
+  for (const size_t i : watch.upTo(parts.pieces.size())) {
+    Link& piece = parts.pieces[i];
+    if (piece.source() != NoSource && !piece.foreign()) continue;
     if (parts.vertexSets.find(piece.from) == parts.vertexSets.find(piece.to)) continue;
     const Candidate best = sourceOf(parts.areas[static_cast<size_t>(piece.left)],
                                     parts.areas[static_cast<size_t>(piece.right)],
                                     directionOf(parts.vertices[static_cast<size_t>(piece.from)]),
                                     directionOf(parts.vertices[static_cast<size_t>(piece.to)]));
-    if (best.rank == 0) continue;
-    piece.source = best.source;
-    piece.inner = best.inner;
-    piece.shared = best.shared;
-    piece.foreign = false;
+    if (best.rank > 0) piece.setSource(best.source, best.inner, best.shared);
   }
 }
 
@@ -38,10 +35,7 @@ void MapBuilder::findSourceAnew(Link& link) const {
   const Candidate best =
       sourceOf(areaOf(link.left), areaOf(link.right), directions[static_cast<size_t>(link.from)],
                directions[static_cast<size_t>(link.to)]);
-  if (best.rank == 0) return;
-  link.source = best.source;
-  link.inner = best.inner;
-  link.shared = best.shared;
+  if (best.rank > 0) link.setSource(best.source, best.inner, best.shared);
 }
 
 // The end of the field, or an edge that both polygons have, or else one of either, or the line in

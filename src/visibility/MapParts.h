@@ -1,10 +1,11 @@
 #pragma once
 
+#include "visibility/BlockList.h"
 #include "visibility/CubeFaces.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -27,12 +28,14 @@ constexpr Source crossingSource(std::int32_t lower, std::int32_t higher) {
 }
 constexpr bool isCrossing(Source source) { return source >= (Source{1} << 62); }
 
-/// Sets that are joined. The lowest member stands for its set.
-class JoinedSets {
+/// Sets that are joined, in a list of numbers. The lowest member stands for its set.
+template <class Numbers>
+class BasicJoinedSets {
  public:
   int add() {
-    parents.push_back(static_cast<int>(parents.size()));
-    return parents.back();
+    const int number = static_cast<int>(parents.size());
+    parents.push_back(number);
+    return number;
   }
   int find(int i) {
     while (parents[static_cast<size_t>(i)] != i) {
@@ -50,18 +53,19 @@ class JoinedSets {
     parents[static_cast<size_t>(b)] = a;
   }
   size_t size() const { return parents.size(); }
-  void reserve(size_t count) { parents.reserve(count); }
-  /// Forgets all members from `count` on, which are joined with each other only.
-  void truncate(size_t count) { parents.resize(count); }
+  void clear() { parents.clear(); }
   /// Appends the sets of another, whose members follow.
-  void append(const JoinedSets& other) {
+  void append(const BasicJoinedSets& other) {
     const int offset = static_cast<int>(parents.size());
-    for (const int parent : other.parents) parents.push_back(parent + offset);
+    for (size_t i = 0; i < other.size(); ++i) parents.push_back(other.parents[i] + offset);
   }
 
  private:
-  std::vector<int> parents;
+  Numbers parents;
 };
+using JoinedSets = BasicJoinedSets<std::vector<int>>;
+/// Of as many members as a map has parts.
+using ManyJoinedSets = BasicJoinedSets<BlockList<int>>;
 
 /// An area in which one label is seen.
 struct Area {
@@ -98,6 +102,44 @@ struct Piece {
   bool foreign = false;  // the source is an edge of neither, which runs there, too
 };
 
+/// A piece in as little memory as it takes, since millions of them are what a large map is made of:
+/// first between areas, then between cells.
+class Link {
+ public:
+  int from;
+  int to;
+  int left;
+  int right;
+
+  Link() = default;
+  explicit Link(const Piece& piece)
+      : from(piece.from), to(piece.to), left(piece.left), right(piece.right), packed(piece.source) {
+    // Only edges of the scene are any of these.
+    if (piece.inner) packed |= Inner;
+    if (piece.shared) packed |= Shared;
+    if (piece.foreign) packed |= Foreign;
+  }
+  Source source() const { return isEdge() ? packed & EdgeMask : packed; }
+  bool inner() const { return isEdge() && (packed & Inner) != 0; }
+  bool shared() const { return isEdge() && (packed & Shared) != 0; }
+  bool foreign() const { return isEdge() && (packed & Foreign) != 0; }
+  void setUnshared() {
+    if (isEdge()) packed &= ~Shared;
+  }
+  void setSource(Source source, bool inner, bool shared) {
+    *this = Link({from, to, left, right, source, inner, shared});
+  }
+
+ private:
+  static constexpr Source Inner = Source{1} << 40;
+  static constexpr Source Shared = Source{1} << 41;
+  static constexpr Source Foreign = Source{1} << 42;
+  static constexpr Source EdgeMask = (Source{1} << 32) - 1;
+  bool isEdge() const { return packed >= 0 && !isCrossing(packed); }
+
+  Source packed;
+};
+
 /// A stretch of a side of a tile and the area that lies there. Stretches follow each other.
 struct Stretch {
   Coordinate from;
@@ -117,27 +159,57 @@ struct SideList {
 enum Side { Left, Right, Bottom, Top };
 using Sides = std::array<SideList, 4>;
 
-/// The parts of some tiles.
-struct MapParts {
+/// The parts of one tile, while it is swept.
+struct TileParts {
   std::vector<Area> areas;
   JoinedSets areaSets;
   std::vector<CubePoint> vertices;
-  JoinedSets vertexSets;
   std::vector<Piece> pieces;
   std::vector<Stretch> stretches;
+  std::vector<int> numbers;  // scratch of `append`
 
+  void clear();
   int addArea(std::int32_t region, std::int32_t polygon) {
     areas.push_back({region, polygon});
     return areaSets.add();
   }
   int addVertex(int face, Coordinate x, Coordinate y) {
     vertices.push_back(cubePoint(face, x, y));
-    return vertexSets.add();
+    return static_cast<int>(vertices.size()) - 1;
   }
   std::int32_t regionOf(int area) const { return areas[static_cast<size_t>(area)].region; }
   void addStretch(SideList& side, Coordinate from, Coordinate to, int fromVertex, int toVertex,
                   int area);
+};
+
+/// The parts of some tiles.
+struct MapParts {
+  BlockList<Area> areas;
+  ManyJoinedSets areaSets;
+  BlockList<CubePoint> vertices;
+  ManyJoinedSets vertexSets;
+  BlockList<Link> pieces;
+
+  int addArea(std::int32_t region, std::int32_t polygon) {
+    areas.push_back({region, polygon});
+    return areaSets.add();
+  }
+  int addVertex(const CubePoint& point) {
+    vertices.push_back(point);
+    return vertexSets.add();
+  }
+  std::int32_t regionOf(int area) const { return areas[static_cast<size_t>(area)].region; }
+
+  const Stretch& stretch(int number) const { return stretches[static_cast<size_t>(number)]; }
+  void addStretch(SideList& side, const Stretch& stretch);
   void concatenate(SideList& side, const SideList& after);
+  /// Forgets what lies along a side; its stretches are used again.
+  void forget(const SideList& side);
+  void forgetAllStretches();
+
+ private:
+  BlockList<Stretch> stretches;
+  SideList unused;
 };
 
 /// Points closer than this are one; units of the cube, 6e-14 rad.
@@ -152,10 +224,14 @@ struct SharedLine {
 };
 
 /// Joins what touches along a line: areas of one label become one, between others pieces arise.
+/// What lies along the two sides is forgotten.
 void stitch(MapParts& parts, SideList first, SideList second, const SharedLine& line);
 
-/// Appends other parts, along whose sides lies `sides`; gives that with the numbers it has now.
-/// Each list of the other parts gives its memory back as soon as it is appended.
-Sides append(MapParts& parts, MapParts other, Sides sides);
+/// Appends the parts of a tile, along whose sides lies `sides`; gives that with the numbers it has
+/// now. Of the areas that are one already, those of one polygon become one.
+Sides append(MapParts& parts, TileParts& tile, const Sides& sides);
+
+/// Appends other parts. They give their memory back while they are appended.
+Sides append(MapParts& parts, MapParts other, const Sides& sides);
 
 }  // namespace Lumivane::Visibility

@@ -62,7 +62,9 @@ TileDescent::TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, TileTea
       sweep(lookPolygons, mapParts),
       occlusion(lookPolygons),
       state(*lookPolygons.setup().state),
-      team(tileTeam) {}
+      team(tileTeam) {
+  polygons.addUser(*this);
+}
 
 Sides TileDescent::run(const TileStart& start) {
   truncate(Content{});
@@ -488,10 +490,10 @@ Sides TileDescent::uniformTile(const Tile& tile, std::int32_t cover) {
                    : beyond  ? parts.addArea(BeyondRegion, -1)
                              : parts.addArea(polygons[cover].region, polygons[cover].number);
   Sides sides;
-  parts.addStretch(sides[Left], tile.y0, tile.y1, -1, -1, area);
-  parts.addStretch(sides[Right], tile.y0, tile.y1, -1, -1, area);
-  parts.addStretch(sides[Bottom], tile.x0, tile.x1, -1, -1, area);
-  parts.addStretch(sides[Top], tile.x0, tile.x1, -1, -1, area);
+  for (const Side side : {Left, Right})
+    parts.addStretch(sides[side], {tile.y0, tile.y1, -1, -1, area, -1});
+  for (const Side side : {Bottom, Top})
+    parts.addStretch(sides[side], {tile.x0, tile.x1, -1, -1, area, -1});
   return sides;
 }
 
@@ -560,6 +562,7 @@ Sides TileDescent::split(const Tile& tile, const Content& content, Progress prog
 }
 
 Sides TileDescent::descendHalf(const HighHalf& half, const Tile& tile, SideRange newSides) {
+  if (polygons.isFull()) polygons.forgetUnused();
   const size_t screenMark = occlusion.size();
   const Content narrow = narrowed(half.parent, tile, half.content);
   const Sides sides = descend(tile, narrow, half.progress, newSides);
@@ -585,6 +588,22 @@ void TileDescent::offerLargestHalf() {
 bool TileDescent::isWorthGiving(const HighHalf& half) {
   return half.segments >= SegmentsToGive ||
          polygonsIn(half.content, PolygonsToGive) > PolygonsToGive;
+}
+
+// What is not in the stacks has been seen in tiles that are done.
+void TileDescent::addPositions(std::vector<std::int32_t>& positions) const {
+  positions.insert(positions.end(), covers.begin(), covers.end());
+  for (const TileEntry& entry : entries) positions.push_back(entry.polygon);
+}
+
+void TileDescent::follow(const MovedPolygons& moved) {
+  for (std::int32_t& cover : covers) cover = moved.positionOf(cover);
+  for (TileEntry& entry : entries) {
+    entry.polygon = moved.positionOf(entry.polygon);
+    const std::uint32_t before = moved.segmentsMoved(entry.polygon);
+    for (std::uint32_t k = 0; k < entry.segmentCount; ++k)
+      segments[entry.firstSegment + k] -= before;
+  }
 }
 
 void TileDescent::truncate(const Content& content) {

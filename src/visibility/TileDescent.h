@@ -21,9 +21,12 @@ namespace Lumivane::Visibility {
 Sides joinTiles(MapParts& parts, const Tile& low, const Sides& lowSides, const Sides& highSides,
                 bool alongX);
 
-class TileDescent {
+class TileDescent final : private PolygonUser {
  public:
   TileDescent(LookPolygons& lookPolygons, MapParts& mapParts, TileTeam& tileTeam);
+  TileDescent(const TileDescent&) = delete;
+  TileDescent& operator=(const TileDescent&) = delete;
+  ~TileDescent() { polygons.removeUser(); }
 
   /// Appends the map of a tile, and gives what lies along its sides. Throws Cancelled and
   /// TileTeam::Stopped.
@@ -79,6 +82,8 @@ class TileDescent {
   Content wholeFace(const Tile& tile);
   Content contentOf(const TileStart& start);
   TileStart startOf(const Tile& tile, const Content& content) const;
+  void addPositions(std::vector<std::int32_t>& positions) const override;
+  void follow(const MovedPolygons& moved) override;
   void truncate(const Content& content);  // what came after the beginning of the content
   Content narrowed(const Tile& parent, const Tile& tile, const Content& content);
   void refineNodes(const Tile& tile, Content& content, double limit, SideRange sides);

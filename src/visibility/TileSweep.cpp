@@ -15,23 +15,14 @@ Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {
   planes.gather(tile, content);
   lines.gather(tile, content, planes);
   cuts.clear();
-  const size_t areas = parts.areas.size();
-  const size_t vertices = parts.vertices.size();
-  const size_t pieces = parts.pieces.size();
-  const size_t stretches = parts.stretches.size();
   size_t knownCuts = 0;
   for (;;) {
+    parts.clear();
     sweep();
     std::sort(
         cuts.begin() + static_cast<std::ptrdiff_t>(knownCuts), cuts.end(),
         [](const PlanePair& a, const PlanePair& b) { return a.a != b.a ? a.a < b.a : a.b < b.b; });
-    if (!planesCross) return sides;
-    parts.areas.resize(areas);
-    parts.areaSets.truncate(areas);
-    parts.vertices.resize(vertices);
-    parts.vertexSets.truncate(vertices);
-    parts.pieces.resize(pieces);
-    parts.stretches.resize(stretches);
+    if (!planesCross) return append(allParts, parts, sides);
     lines.dropCrossingLines();
     for (const PlanePair& pair : cuts) lines.addCrossingLine(planes, pair.a, pair.b);
     knownCuts = cuts.size();

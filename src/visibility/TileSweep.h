@@ -29,7 +29,7 @@ namespace Lumivane::Visibility {
 class TileSweep {
  public:
   TileSweep(const LookPolygons& lookPolygons, MapParts& mapParts)
-      : parts(mapParts),
+      : allParts(mapParts),
         sources(*lookPolygons.setup().state),
         planes(lookPolygons),
         lines(lookPolygons) {}
@@ -113,7 +113,8 @@ class TileSweep {
   void chooseSource(const TileLines::Line& line, std::int32_t regionA, std::int32_t regionB,
                     Piece& piece, int& best) const;
 
-  MapParts& parts;
+  MapParts& allParts;
+  TileParts parts;
   SourceOrder sources;
   TilePlanes planes;
   TileLines lines;

@@ -67,6 +67,46 @@ LookOptions wholeSphere() {
   return options;
 }
 
+// Squares beside each other at two heights by turns, each an object of its own, seen from above.
+PolygonScene field(int side) {
+  PolygonBuilder builder;
+  for (int i = 0; i < side * side; ++i) {
+    const double x = i % side - 0.5 * side;
+    const double y = i / side - 0.5 * side;
+    const double z = (i % side + i / side) % 2 == 0 ? 0.0 : -0.25;
+    builder.add({{x, y, z}, {x, y + 0.9, z}, {x + 0.9, y + 0.9, z}, {x + 0.9, y, z}}, i + 1);
+  }
+  return builder.scene;
+}
+
+// More polygons than a look keeps at a time, and more pieces than fit into one block of a list.
+TEST(Look, OfManyThousandsSeenEachIsThereOnce) {
+  constexpr int Side = 210;
+  const SceneIndex index(field(Side));
+  LookOptions options;
+  options.forward = {0.01, 0.02, -1.0};
+  options.threads = 1;
+  const Vector eye{3.3, -2.1, 200.0};
+  const VisibleMap map = index.look(eye, options);
+  ASSERT_EQ(map.cells.size(), static_cast<std::size_t>(Side) * Side + 1);
+  std::size_t wrong = 0;
+  for (std::size_t i = 0; i + 1 < map.cells.size(); ++i) {
+    const VisibleMap::Cell& cell = map.cells[i];
+    if (cell.label.object != static_cast<int>(i) + 1 || cell.ringCount != 1) ++wrong;
+  }
+  EXPECT_EQ(wrong, 0u);
+  const auto ends = std::count_if(map.edges.begin(), map.edges.end(),
+                                  [](const auto& edge) { return edge.kind == Kind::Field; });
+  EXPECT_GT(map.edges.size(), 4u * Side * Side);
+  EXPECT_EQ(map.ringVertices.size() + static_cast<std::size_t>(ends), 2 * map.edges.size());
+  EXPECT_NEAR(solidAngles(map), 2.0 * Pi, 1e-9);
+  options.threads = 3;
+  const VisibleMap other = index.look(eye, options);
+  EXPECT_EQ(map.vertices, other.vertices);
+  EXPECT_EQ(map.ringVertices, other.ringVertices);
+  EXPECT_EQ(map.ringOffsets, other.ringOffsets);
+}
+
 TEST(Look, ARoomSeenFromItsMiddleIsSixEqualCells) {
   const VisibleMap map = SceneIndex(room(-1.0, 1.0)).look({0, 0, 0}, wholeSphere());
   ASSERT_EQ(6U, map.cells.size());
