@@ -3,7 +3,8 @@
 planning of a million eyes, one eye over a large scene, and Python beside the command line.
 
 Usage: bench/many_eyes.py [--scene FILE] [--eyes 1000] [--anywhere] [WHAT ...], where WHAT is
-cluster, plan, eye, program or call.
+cluster, usual, plan, eye, program or call. `cluster` starts scheduler and workers with
+lumivane.dask_lean, `usual` without.
 
 With PYTHONPATH naming the built package (build/release/python). The program `lumivane` is taken from
 beside it. What is compared runs one after the other; processor time hardly depends on what else a
@@ -58,7 +59,29 @@ def children_seconds():
     return used.ru_utime + used.ru_stime
 
 
+def megabytes(pid, scene):
+    """The memory of a process besides the pages of a mapped scene: resident, its share of what
+    processes have in common (PSS), and what it has alone."""
+    sums = dict.fromkeys(("Rss", "Pss", "Private_Clean", "Private_Dirty"), 0)
+    is_counted = True
+    for line in Path(f"/proc/{pid}/smaps").read_text().splitlines():
+        first, *rest = line.split()
+        if not first.endswith(":"):
+            is_counted = not line.endswith(scene)
+        elif is_counted and first[:-1] in sums:
+            sums[first[:-1]] += int(rest[0]) / 1024
+    return sums["Rss"], sums["Pss"], sums["Private_Clean"] + sums["Private_Dirty"]
+
+
 def cluster(given, scene, eyes):
+    compare(given, eyes, lean=True)
+
+
+def usual(given, scene, eyes):
+    compare(given, eyes, lean=False)
+
+
+def compare(given, eyes, lean):
     sys.path.insert(0, str(ROOT / "bindings/python/tests"))
     from clusters import Cluster
 
@@ -72,34 +95,37 @@ def cluster(given, scene, eyes):
                      for i in range(2)]  # fmt: skip
         assert [process.wait() for process in processes] == [0, 0]
         plain, plain_cpu = time.perf_counter() - began, children_seconds() - used
-        print(f"two plain processes: {plain:.1f} s, processor {plain_cpu:.1f} s")
+        print(f"two plain processes: {plain:.1f} s, processor {plain_cpu:.1f} s", flush=True)
 
-        running = ends.enter_context(contextlib.closing(Cluster(Path(scratch) / "cluster")))
+        running = ends.enter_context(
+            contextlib.closing(Cluster(Path(scratch) / "cluster", lean=lean))
+        )
         workers = [worker.pid for worker in running.workers]
-        others = [os.getpid(), running.scheduler.pid]
-        began, used = time.perf_counter(), processor_seconds(workers)
-        used_by_others = processor_seconds(others)
+        scheduler, client = [running.scheduler.pid], [os.getpid()]
+        began = time.perf_counter()
+        before = [processor_seconds(some) for some in (workers, scheduler, client)]
         parts = []
         many = lumivane.dask.map_views(
             running.client, lumivane.Scene.read(given.scene), eyes, "sky_view_factor", forward=UP,
             folder=f"{scratch}/parts", progress=parts.append,
         )  # fmt: skip
-        spread, workers_cpu = time.perf_counter() - began, processor_seconds(workers) - used
-        others_cpu = processor_seconds(others) - used_by_others
-        spread_cpu = workers_cpu + others_cpu
+        spread = time.perf_counter() - began
+        after = [processor_seconds(some) for some in (workers, scheduler, client)]
+        seconds = [end - start for start, end in zip(before, after)]
         count = len(list(Path(scratch, "parts").glob("*.part.npz")))
-        memory = [int(line.split()[1]) for worker in running.workers
-                  for line in Path(f"/proc/{worker.pid}/status").read_text().splitlines()
-                  if line.startswith("VmHWM")]  # fmt: skip
+        memory = [megabytes(pid, ".lumiscene") for pid in workers]
         expected = np.empty(len(eyes))
         for i in range(2):
             expected[i::2] = np.load(f"{scratch}/{i}.npz")["sky_view_factor"]
         assert np.array_equal(many["sky_view_factor"], expected)
-        print(f"Dask, two workers: {spread:.1f} s, processor {workers_cpu:.1f} s of workers and "
-              f"{others_cpu:.1f} s of scheduler and client, {count} parts, "
-              f"at most {max(memory) / 1024:.0f} MB a worker")  # fmt: skip
+        print(f"Dask, two {'lean' if lean else 'usual'} workers: {spread:.1f} s, processor "
+              f"{seconds[0]:.1f} s of workers, {seconds[1]:.1f} s of the scheduler and "
+              f"{seconds[2]:.1f} s of the client, {count} parts")  # fmt: skip
+        for resident, share, alone in memory:
+            print(f"a worker besides the mapped scene: {resident:.0f} MB resident, {share:.0f} MB "
+                  f"its share (PSS), {alone:.0f} MB its own")  # fmt: skip
         print(f"more than the plain processes: {100 * (spread / plain - 1):.1f} % by the clock, "
-              f"{100 * (spread_cpu / plain_cpu - 1):.1f} % of processor time")  # fmt: skip
+              f"{100 * (sum(seconds) / plain_cpu - 1):.1f} % of processor time")  # fmt: skip
 
 
 def plan(given, scene, eyes):
@@ -177,7 +203,8 @@ def _timed(work):
 
 
 def main():
-    what = {"cluster": cluster, "plan": plan, "eye": eye, "program": program, "call": call}
+    what = {"cluster": cluster, "usual": usual, "plan": plan, "eye": eye, "program": program,
+            "call": call}  # fmt: skip
     parser = argparse.ArgumentParser()
     parser.add_argument("--scene", default=str(ROOT / "scenes/models/delft.city.json"))
     parser.add_argument("--eyes", type=int, default=1000)

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <utility>
@@ -185,13 +186,13 @@ py::dict sharesOf(const SceneData& scene, const ManyEyes& many, const py::object
   Looks looks(scene, many);
   std::atomic<bool> cancelled{false};
   std::atomic<std::size_t> done{0};
-  const auto report = [&] {
-    if (progress.is_none()) return;
+  const auto call = [&] {
     const std::size_t count = std::max<std::size_t>(1, many.eyes.size());
     progress(many.eyes.empty() ? 1.0
                                : static_cast<double>(done.load()) / static_cast<double>(count));
   };
-  report();
+  const std::function<void()> report = progress.is_none() ? std::function<void()>() : call;
+  if (report) report();
   runInterruptibly(
       cancelled,
       [&] {
@@ -201,7 +202,7 @@ py::dict sharesOf(const SceneData& scene, const ManyEyes& many, const py::object
         });
       },
       report);
-  if (!many.eyes.empty()) report();
+  if (report && !many.eyes.empty()) report();
   return looks.result();
 }
 

@@ -73,9 +73,9 @@ Importers::ImportOptions importOptions(const std::string& sides, double scale, b
   return options;
 }
 
-ScenePointer read(const std::string& path, const std::string& sides, double scale, bool yUp,
-                  bool center, bool allowOutside) {
-  return SceneData::read(path, importOptions(sides, scale, yUp, center, allowOutside));
+ScenePointer read(const std::vector<std::string>& paths, const std::string& sides, double scale,
+                  bool yUp, bool center, bool allowOutside) {
+  return SceneData::read(paths, importOptions(sides, scale, yUp, center, allowOutside));
 }
 
 ScenePointer ofArrays(const Array<double>& points, const Array<std::int32_t>& corners,
@@ -371,7 +371,7 @@ void bindScene(py::module_& module) {
   const py::call_guard<py::gil_scoped_release> unlocked;
   bindRows(module);
   py::class_<SceneData, ScenePointer>(module, "Scene")
-      .def_static("read", &read, py::arg("path"), py::arg("sides"), py::arg("scale"),
+      .def_static("read", &read, py::arg("paths"), py::arg("sides"), py::arg("scale"),
                   py::arg("y_up"), py::arg("center"), py::arg("allow_outside"), unlocked)
       .def_static("of_text", &SceneData::ofText, py::arg("text"), py::arg("name"),
                   py::arg("classes"), unlocked)

@@ -3,6 +3,7 @@
 #include <lumivane/cmd/MessageScope.h>
 #include <lumivane/session/ClassFile.h>
 #include <lumivane/session/Error.h>
+#include <lumivane/session/Files.h>
 #include <lumivane/session/ScenePolygons.h>
 
 #include <algorithm>
@@ -44,18 +45,32 @@ constexpr const char* SceneText = "scene";
 constexpr const char* PlacesText = "places";
 constexpr const char* NameText = "content_name";
 
+bool areModels(const std::vector<std::string>& paths) {
+  if (paths.size() == 1) return Importers::Importer::isImportable(paths.front());
+  for (const std::string& path : paths) {
+    Session::checkReadable(path);
+    if (!Importers::Importer::isImportable(path))
+      throw Session::Error(path,
+                           "is no mesh and no city model, as each of several files of one scene "
+                           "must be; of a scene give the files that it was made of");
+  }
+  return true;
+}
+
 bool comesBefore(const Label& a, const Label& b) {
   return std::pair(a.object, a.region) < std::pair(b.object, b.region);
 }
 
 }  // namespace
 
-std::shared_ptr<SceneData> SceneData::read(const std::string& path,
+std::shared_ptr<SceneData> SceneData::read(const std::vector<std::string>& paths,
                                            const Importers::ImportOptions& options) {
-  if (Visibility::SceneFile::hasEnding(path)) return ofFile(path);
+  if (paths.empty()) throw std::invalid_argument("paths: there is none");
+  const std::string& path = paths.front();
+  if (paths.size() == 1 && Visibility::SceneFile::hasEnding(path)) return ofFile(path);
   auto data = std::make_shared<SceneData>();
-  if (Importers::Importer::isImportable(path)) {
-    data->model.emplace(path, options);
+  if (areModels(paths)) {
+    data->model.emplace(paths, options);
     Importers::ImportedScene imported = data->model->sceneFor({});
     data->report = std::move(imported.report);
     data->loaded = std::move(imported.scene);

@@ -22,8 +22,9 @@ namespace Lumivane::Python {
 /// which shots are taken. Used by any number of threads at once; the session's part is locked.
 class SceneData {
  public:
-  /// A scene file, a mesh or a city model. \throws Session::Error
-  static std::shared_ptr<SceneData> read(const std::string& path,
+  /// A scene file, a mesh or a city model, or several meshes and city models as one scene.
+  /// \throws Session::Error
+  static std::shared_ptr<SceneData> read(const std::vector<std::string>& paths,
                                          const Importers::ImportOptions& options);
   /// The text of a scene file, and of the table of its classes, which may be empty.
   /// \throws Session::Error

@@ -14,7 +14,8 @@
 namespace py = pybind11;
 
 // Work in a thread of its own, while the thread that called lets Python handle signals every 20 ms:
-// so Ctrl+C ends long work, which is asked to stop by the progress it reports.
+// so Ctrl+C ends long work, which is asked to stop by the progress it reports. In a thread that
+// gets no signals, such as a worker's, nobody needs to wait.
 namespace Lumivane::Python {
 namespace {
 
@@ -53,6 +54,13 @@ class Running {
   std::thread thread;  // last, so that all it uses is there when it starts
 };
 
+// Python handles signals in its main thread alone.
+bool isMainThread() {
+  const py::module_ threading = py::module_::import("threading");
+  const py::object mainThread = threading.attr("main_thread")().attr("ident");
+  return mainThread.equal(threading.attr("get_ident")());
+}
+
 // What Python has to say while others work: a signal's exception, or that of the callback.
 std::exception_ptr interruption(const std::function<void()>& tick) {
   const py::gil_scoped_acquire held;
@@ -69,6 +77,11 @@ std::exception_ptr interruption(const std::function<void()>& tick) {
 
 void runInterruptibly(std::atomic<bool>& cancelled, const std::function<void()>& work,
                       const std::function<void()>& tick) {
+  if (!tick && !isMainThread()) {
+    const py::gil_scoped_release released;
+    work();
+    return;
+  }
   std::exception_ptr interrupted;
   std::exception_ptr failed;
   {

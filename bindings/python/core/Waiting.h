@@ -8,7 +8,8 @@ namespace Lumivane::Python {
 /// Runs `work` in a thread of its own, without Python's lock. Meanwhile the calling thread, which
 /// holds that lock, lets Python handle signals fifty times a second and calls `tick`, with the
 /// lock held. What a signal or `tick` raises sets `cancelled`, and is thrown when `work` has ended;
-/// so is what `work` throws, which may call nothing of Python.
+/// so is what `work` throws, which may call nothing of Python. Where no signal is handled and
+/// there is no `tick`, the calling thread does the work itself.
 void runInterruptibly(std::atomic<bool>& cancelled, const std::function<void()>& work,
                       const std::function<void()>& tick = {});
 

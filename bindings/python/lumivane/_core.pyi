@@ -63,7 +63,7 @@ class Shot:
 class Scene:
     @staticmethod
     def read(
-        path: bytes, sides: str, scale: float, y_up: bool, center: bool, allow_outside: bool
+        paths: list[bytes], sides: str, scale: float, y_up: bool, center: bool, allow_outside: bool
     ) -> Scene: ...
     @staticmethod
     def of_text(text: bytes, name: bytes, classes: bytes) -> Scene: ...

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import itertools
 import os
 import tempfile
 from functools import cached_property
@@ -73,7 +74,7 @@ class Scene:
     def read(
         cls,
         path: PathLike,
-        *,
+        *others: PathLike,
         sides: str = "outside",
         scale: float = 1.0,
         y_up: bool = False,
@@ -83,6 +84,10 @@ class Scene:
         """Reads a scene file (JSON), a mesh (OBJ, STL, PLY, glTF) or a city model (CityJSON).
 
         Or a scene that is ready (*.lumiscene), as `write` and `lumivane import` write it.
+
+        `others`: more meshes and city models, such as the tiles of a city, that are one scene with
+            the first: in one system of coordinates, all turned, scaled and moved alike. An object
+            whose name stands in several files gets that of its file in front.
 
         Classes come from a city model or mesh, and of a scene file from the table NAME.classes.csv
         beside it.
@@ -95,16 +100,20 @@ class Scene:
             `center`: {{ImportOptions.center}}
             `allow_outside`: {{ImportOptions.allowOutside}}
 
-        Raises `Error` if the file cannot be read, with its name and the cause.
+        Raises `Error` if a file cannot be read, with its name and the cause; of several also if one
+        is neither mesh nor city model or is named twice, and if two name different coordinate
+        reference systems.
         """
-        name = path_bytes(path)
+        paths = [path_bytes(one) for one in (path, *others)]
         options = (sides, scale, y_up, center, allow_outside)
-        scene = _core.Scene.read(name, *options)
-        if os.fsdecode(name).endswith(_READY):
+        scene = _core.Scene.read(paths, *options)
+        if others:
+            return cls(scene, ("models", _files_of_all(paths), options))
+        if os.fsdecode(paths[0]).endswith(_READY):
             return cls(scene, ("ready",))
         if scene.import_report() is None:
-            return cls(scene, ("text", name))
-        return cls(scene, ("files", _files_of(name), options))
+            return cls(scene, ("text", paths[0]))
+        return cls(scene, ("files", _files_of(paths[0]), options))
 
     @classmethod
     def from_arrays(
@@ -522,6 +531,11 @@ class Scene:
             raise TypeError(
                 "the scene cannot be pickled: its model reads files outside the model's folder"
             )
+        elif kind == "models" and content[0] is None:
+            raise TypeError(
+                "the scene cannot be pickled: a model reads files outside its folder, or two models"
+                " have one name"
+            )
         return _unpickled, (kind, *content)
 
 
@@ -534,13 +548,14 @@ def _unpickled(kind: str, *content: Any) -> Scene:
     if kind == "arrays":
         return Scene(_core.Scene.of_arrays(*content[0]), ("arrays", content[0]))
     files, options = content
+    models = files if kind == "models" else [files]
     with tempfile.TemporaryDirectory() as folder:
-        for name, text in files:
+        for name, text in itertools.chain(*models):
             file = Path(os.path.join(folder, os.fsdecode(name)))
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_bytes(text)
-        first = os.path.join(folder, os.fsdecode(files[0][0]))
-        return Scene(_core.Scene.read(path_bytes(first), *options), ("files", files, options))
+        paths = [path_bytes(os.path.join(folder, os.fsdecode(model[0][0]))) for model in models]
+        return Scene(_core.Scene.read(paths, *options), (kind, files, options))
 
 
 def ready_bytes(scene: _core.Scene, content_name: bytes, is_whole: bool) -> bytes:
@@ -556,7 +571,7 @@ def scene_of_ready(content: bytes) -> _core.Scene:
     with tempfile.TemporaryDirectory() as folder:
         file = Path(folder, "scene" + _READY)
         file.write_bytes(content)
-        return _core.Scene.read(path_bytes(file), "outside", 1.0, False, False, False)
+        return _core.Scene.read([path_bytes(file)], "outside", 1.0, False, False, False)
 
 
 def _files_of(path: bytes) -> Optional[list[tuple[bytes, bytes]]]:
@@ -569,6 +584,21 @@ def _files_of(path: bytes) -> Optional[list[tuple[bytes, bytes]]]:
             return None
         found.append((name, Path(os.fsdecode(file)).read_bytes()))
     return found
+
+
+def _files_of_all(paths: list[bytes]) -> Optional[list[list[tuple[bytes, bytes]]]]:
+    """The files of several models, each below a folder of its own; None if one lies elsewhere, or
+    where it is their paths that distinguish two models."""
+    if len({os.path.basename(path) for path in paths}) < len(paths):
+        return None
+    models = []
+    for number, path in enumerate(paths):
+        files = _files_of(path)
+        if files is None:
+            return None
+        folder = b"%d" % number
+        models.append([(os.path.join(folder, name), text) for name, text in files])
+    return models
 
 
 def _ragged(polygons: Any) -> tuple[npt.NDArray[np.int32], npt.NDArray[np.int64]]:

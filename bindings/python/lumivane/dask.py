@@ -5,16 +5,19 @@
     >>> lumivane.dask.map_views(client, scene, eyes, "sky_view_factor", folder="parts")
 
 Needs distributed, and this package wherever a worker runs. The scene goes to each worker once; with
-a folder, workers read it from there.
+a folder, workers read it from there. Workers that do nothing else are best started with
+`--preload lumivane.dask_lean`.
 """
 
 from __future__ import annotations
 
 import collections
+import contextlib
 import threading
-from typing import Any, Callable, Iterable, Optional, Sequence, Union
+from typing import Any, Callable, Iterable, Iterator, Optional, Sequence, Union
 
 import distributed
+import numpy as np
 import numpy.typing as npt
 
 from . import _core, parts
@@ -25,6 +28,7 @@ from ._store import Arrays, Store
 
 _SCENES_KEPT = 2  # by a worker
 _LOOK_UP_SECONDS = 1.0  # between two looks at whether the scheduler lives
+_SELDOM = 1000.0  # milliseconds between two looks of a worker at itself while it is at work
 
 
 def map_views(
@@ -127,14 +131,25 @@ class _Run:
         )
 
     def seconds_of(self, part: parts.Part) -> float:
-        outcome: Any = None
-        while not isinstance(outcome, float):
-            task = self.submit(_seconds, part)
-            self.finished({task})
-            outcome = self.outcome(task)
-            if isinstance(outcome, _Lacking):
-                self.send([outcome.worker])
-        return outcome
+        """How long a part takes one thread, found out by all workers together."""
+        count = min(self.slots(), len(part.eyes))
+        waiting = [part.some(np.arange(i, len(part.eyes), count)) for i in range(count)]
+        running: dict[Any, parts.Part] = {}
+        seconds = 0.0
+        while waiting or running:
+            while waiting:
+                some = waiting.pop()
+                running[self.submit(_seconds, some)] = some
+            lacking = set()
+            for task in self.finished(set(running)):
+                some, outcome = running.pop(task), self.outcome(task)
+                if isinstance(outcome, _Lacking):
+                    lacking.add(outcome.worker)
+                    waiting.append(some)
+                else:
+                    seconds += outcome
+            self.send(lacking)
+        return seconds
 
     def make(self, plan: parts.Plan, progress: Optional[parts.Progress]) -> dict[int, Arrays]:
         """Has all parts made that are not there; those that are not kept in the folder are
@@ -220,6 +235,33 @@ def _scene_of(name: str, folder: Optional[str]) -> Optional[Scene]:
         return scene
 
 
+_disturbances = threading.Lock()
+_usual: dict[Any, float] = {}  # of what a worker does regularly, while it does it seldom
+_at_work = 0
+
+
+@contextlib.contextmanager
+def _undisturbed() -> Iterator[None]:
+    """Lets a worker seldom sample stacks and watch its event loop. Usually it does so a hundred and
+    fifty times a second, to find the same look each time."""
+    global _at_work
+    regular = distributed.get_worker().periodic_callbacks
+    with _disturbances:
+        _at_work += 1
+        for name in ("profile", "tick"):
+            if name in regular and regular[name] not in _usual:
+                _usual[regular[name]] = regular[name].callback_time
+                regular[name].callback_time = max(_SELDOM, regular[name].callback_time)
+    try:
+        yield
+    finally:
+        with _disturbances:
+            _at_work -= 1
+            while not _at_work and _usual:
+                callback, milliseconds = _usual.popitem()
+                callback.callback_time = milliseconds
+
+
 def _check_version(version: str) -> None:
     if version != _core.__version__:
         raise _core.Error(
@@ -246,7 +288,8 @@ def _make(
     scene = _scene_of(part.scene, folder)
     if scene is None:
         return _Lacking()
-    result = part.make(scene)
+    with _undisturbed():
+        result = part.make(scene)
     if store is None:
         return result
     store.keep(part.name, result)

@@ -79,6 +79,16 @@ class Part:
         content = (self.scene, self.eyes, self.forwards, self.ups, asdict(self.wanted))
         return _short(content_name("part", _core.__version__, *content))
 
+    def some(self, positions: Union[slice, npt.NDArray[np.intp]]) -> Part:
+        """Some of its eyes, by position, as a part of their own."""
+        return Part(
+            self.scene,
+            self.eyes[positions],
+            self.forwards if len(self.forwards) == 1 else self.forwards[positions],
+            self.ups if len(self.ups) == 1 else self.ups[positions],
+            self.wanted,
+        )
+
     def make(self, scene: Scene, threads: int = 1, progress: Optional[Progress] = None) -> Arrays:
         """The result of the part: arrays by name, with a row for each eye."""
         wanted = self.wanted
@@ -126,7 +136,7 @@ class Plan:
 
     def part(self, number: int) -> Part:
         """The part at a position."""
-        return _some(self.whole, self.span(number))
+        return self.whole.some(self.span(number))
 
     @cached_property
     def part_names(self) -> list[str]:
@@ -295,7 +305,7 @@ def plan(
         raise ValueError(f'chunk: {chunk!r} is neither "auto" nor a number of eyes')
 
     order = curve_order(rows)
-    whole = _some(Part(scene.content_name, rows, forwards, ups, wanted), order)
+    whole = Part(scene.content_name, rows, forwards, ups, wanted).some(order)
     name = _short(content_name("plan", whole.name, order, str(chunk), even))
     if folder is not None and (path := Store(folder, _PLAN).path(name)).exists():
         return read(path)
@@ -335,7 +345,7 @@ def seconds_of(part: Part, scene: Scene) -> float:
     began = time.perf_counter()
     spent = 0.0
     for i in range(len(part.eyes)):
-        _some(part, np.array([i])).make(scene)
+        part.some(np.array([i])).make(scene)
         spent = time.perf_counter() - began
         if spent > _SAMPLE_SECONDS:
             return spent / (i + 1) * len(part.eyes)
@@ -373,7 +383,7 @@ def _check(scene: Scene, all_eyes: Part) -> None:
     is_good &= np.isfinite(all_eyes.ups).all(axis=1)
     one = np.flatnonzero(~is_good)[:1]
     if len(one):
-        _some(all_eyes, one).make(scene)
+        all_eyes.some(one).make(scene)
 
 
 def _measured(whole: Part, processes: int, seconds: Callable[[Part], float]) -> int:
@@ -385,7 +395,7 @@ def _measured(whole: Part, processes: int, seconds: Callable[[Part], float]) -> 
         return most
     # The golden section spreads any number of them well, if it ends early, too.
     positions = (np.arange(sample) * 0.6180339887498949 % 1.0 * count).astype(np.intp)
-    each = max(seconds(_some(whole, positions)) / sample, 1e-9)
+    each = max(seconds(whole.some(positions)) / sample, 1e-9)
     if each * most < LEAST_SECONDS:
         return most
     return max(1, round(SECONDS / each))
@@ -402,17 +412,6 @@ def _starts(count: int, size: int, processes: int) -> npt.NDArray[np.intp]:
         half = -(-(count - start) // (2 * processes))
         start += max(1, size // _LEAST_SHARE, min(size, half))
     return np.array(starts, np.intp)
-
-
-def _some(part: Part, positions: Union[slice, npt.NDArray[np.intp]]) -> Part:
-    """Some eyes of a part, by position."""
-    return Part(
-        part.scene,
-        part.eyes[positions],
-        part.forwards if len(part.forwards) == 1 else part.forwards[positions],
-        part.ups if len(part.ups) == 1 else part.ups[positions],
-        part.wanted,
-    )
 
 
 def _joined(arrays: list[npt.NDArray[Any]], kind: Any) -> npt.NDArray[Any]:

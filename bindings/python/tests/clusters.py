@@ -24,14 +24,16 @@ def _start(program, function, folder, name, *arguments):
 class Cluster:
     """A scheduler, its workers and a client."""
 
-    def __init__(self, folder, workers=2, nanny=False):
+    def __init__(self, folder, workers=2, nanny=False, lean=False):
         import distributed
 
         folder.mkdir(parents=True, exist_ok=True)
         self.folder, self.nanny, self.client = folder, nanny, None
+        self.lean = ["--preload", "lumivane.dask_lean"] if lean else []
         self.workers = []
         self.scheduler = _start(
-            "dask_scheduler", "main", folder, "scheduler", "--host", "127.0.0.1", "--port", 0
+            "dask_scheduler", "main", folder, "scheduler", "--host", "127.0.0.1", "--port", 0,
+            *self.lean,
         )
         try:
             for _ in range(workers):
@@ -49,7 +51,7 @@ class Cluster:
         self.workers.append(
             _start("dask_worker", "main", self.folder, f"worker-{len(self.workers)}",
                    "--host", "127.0.0.1", "--nthreads", 1, "--local-directory", self.folder,
-                   "--nanny" if self.nanny else "--no-nanny")
+                   "--nanny" if self.nanny else "--no-nanny", *self.lean)
         )  # fmt: skip
 
     def close(self):

@@ -17,7 +17,10 @@ distributed = None
 def _dask():
     global distributed
     distributed = pytest.importorskip("distributed")
+    import cloudpickle
     import lumivane.dask  # noqa: F401
+
+    cloudpickle.register_pickle_by_value(sys.modules[__name__])  # workers know no tests
 
 
 @pytest.fixture
@@ -190,6 +193,67 @@ def test_errors_of_workers_and_of_progress_come_through(small, cluster, tmp_path
     monkeypatch.setattr("lumivane._core.__version__", "0.0.0")
     with pytest.raises(lumivane.Error, match="has lumivane .*, but the client 0.0.0: use one version"):
         lumivane.dask.map_views(client, small, EYES, chunk=9)
+
+
+def regular(dask_worker):
+    """How often a worker watches its event loop and samples stacks, in milliseconds."""
+    callbacks = dask_worker.periodic_callbacks
+    return {name: callbacks[name].callback_time for name in ("tick", "profile")}
+
+
+def test_workers_watch_themselves_seldom_while_they_look_and_as_before_afterwards(street, cluster):
+    running = cluster(workers=1)
+    before = running.client.run(regular)
+    seen = []
+    half = AtHalf(lambda: seen.append(running.client.run(regular)))
+    lumivane.dask.map_views(running.client, street, EYES, chunk=1, progress=half)
+    assert running.client.run(regular) == before
+    assert list(before.values()) == [{"tick": 20, "profile": 10}]
+    # The worker may have been asked between two of its tasks.
+    assert list(seen[0].values()) in ([{"tick": 1000, "profile": 1000}], [{"tick": 20, "profile": 10}])
+
+
+def test_what_a_worker_does_regularly_is_as_before_after_the_last_of_tasks_at_once(monkeypatch):
+    class Callback:
+        def __init__(self, time):
+            self.callback_time = time
+
+    class Worker:
+        periodic_callbacks = {"tick": Callback(20), "profile": Callback(10)}
+
+    monkeypatch.setattr("distributed.get_worker", Worker)
+    with pytest.raises(LookupError):
+        with lumivane.dask._undisturbed():
+            with lumivane.dask._undisturbed():
+                pass
+            assert regular(Worker) == {"tick": 1000, "profile": 1000}
+            raise LookupError
+    assert regular(Worker) == {"tick": 20, "profile": 10}
+
+
+def loaded(dask_worker):
+    import sys
+
+    found = {name for name in ("pandas", "lumivane.dask") if name in sys.modules}
+    return found | {name for name in dask_worker.periodic_callbacks if "profile" in name}
+
+
+def test_a_lean_worker_knows_all_versions_without_pandas_and_samples_no_stacks(small, cluster):
+    running = cluster(workers=1, lean=True)
+    assert list(running.client.run(loaded).values()) == [{"lumivane.dask"}]
+    versions = running.client.get_versions(check=True)
+    (worker,) = versions["workers"].values()
+    assert worker["packages"] == versions["client"]["packages"]
+    assert same(small.shares(EYES), lumivane.dask.map_views(running.client, small, EYES))
+
+
+def test_a_local_cluster_takes_lean_workers_too(small):
+    with distributed.LocalCluster(
+        n_workers=1, threads_per_worker=1, dashboard_address=None, preload="lumivane.dask_lean"
+    ) as local, distributed.Client(local) as client:
+        found = client.run(loaded)
+        assert list(found.values()) == [{"lumivane.dask"}]
+        assert same(small.shares(EYES), lumivane.dask.map_views(client, small, EYES))
 
 
 def test_processes_of_workers_are_not_those_of_the_test(cluster):

@@ -73,6 +73,68 @@ def test_what_became_of_a_model_is_reported(house, small):
     assert small.import_report is None
 
 
+TILES = ("tile-west.city.json", "tile-east.city.jsonl")
+
+
+def test_several_models_are_one_scene_as_the_program_makes_it(models, program, tmp_path):
+    files = [models / name for name in TILES]
+    town = lumivane.Scene.read(*files)
+    assert "tile-west.city.json#ground" in town.objects
+    program("import", *files, "-o", tmp_path / "town.lumiscene")
+    same = lumivane.Scene.read(tmp_path / "town.lumiscene")
+    assert town.objects == same.objects and town.classes == same.classes
+    assert np.array_equal(town.shares([(1, -4, 2)])["view_factor"], same.shares([(1, -4, 2)])["view_factor"])
+    both = lumivane.Scene.read(*files, sides="both", center=True)
+    assert len(both) == 2 * len(town)
+
+    swapped = lumivane.Scene.read(*reversed(files))
+    assert swapped.objects != town.objects and set(swapped.objects) == set(town.objects)
+    assert swapped.content_name != town.content_name
+
+
+def test_several_models_are_pickled_with_all_their_files(models, tmp_path):
+    for name in (*TILES, "cube.obj", "cube.mtl"):
+        (tmp_path / name).write_bytes((models / name).read_bytes())
+    town = lumivane.Scene.read(*(tmp_path / name for name in (*TILES, "cube.obj")))
+    content = pickle.dumps(town)
+    for name in (*TILES, "cube.obj", "cube.mtl"):
+        (tmp_path / name).unlink()
+    again = pickle.loads(content)
+    assert again.objects == town.objects and again.content_name == town.content_name
+    eye = (1, -4, 2)
+    again.shot(eye).write(tmp_path / "again.json")
+    town.shot(eye).write(tmp_path / "town.json")
+    assert (tmp_path / "again.json").read_bytes() == (tmp_path / "town.json").read_bytes()
+    assert again.look(eye).to_json() == town.look(eye).to_json()
+
+
+def test_models_of_one_name_keep_their_paths_and_are_not_pickled(models, tmp_path):
+    (tmp_path / "other").mkdir()
+    shutil.copy(models / "cube.obj", tmp_path / "other")
+    shutil.copy(models / "cube.mtl", tmp_path / "other")
+    scene = lumivane.Scene.read(models / "cube.obj", tmp_path / "other/cube.obj")
+    assert any(name.startswith(str(tmp_path)) for name in scene.objects)
+    with pytest.raises(TypeError, match="two models have one name"):
+        pickle.dumps(scene)
+
+
+def test_what_cannot_be_one_of_several_files_is_refused_by_name(models, scenes, tmp_path):
+    west = models / TILES[0]
+    with pytest.raises(lumivane.Error, match="small.json: is no mesh and no city model, as each"):
+        lumivane.Scene.read(west, scenes / "small.json")
+    with pytest.raises(lumivane.Error, match="gone.obj: cannot be read"):
+        lumivane.Scene.read(west, tmp_path / "gone.obj")
+    with pytest.raises(lumivane.Error, match="tile-west.city.json: "):
+        lumivane.Scene.read(west, west)
+    city = json.loads(west.read_text())
+    city["metadata"] = {"referenceSystem": "https://www.opengis.net/def/crs/EPSG/0/25832"}
+    (tmp_path / "far.city.json").write_text(json.dumps(city))
+    with pytest.raises(lumivane.Error, match=r"(?s)far.city.json: .*25832"):
+        lumivane.Scene.read(west, tmp_path / "far.city.json")
+    with pytest.raises(TypeError):
+        lumivane.Scene.read(west, 17)
+
+
 def test_options_of_models_are_those_of_the_command_line(models):
     plain = lumivane.Scene.read(models / "cube.obj")
     twice = lumivane.Scene.read(models / "cube.obj", scale=2.0, center=True, sides="both")
