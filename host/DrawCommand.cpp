@@ -5,6 +5,7 @@
 #include "DrawOptions.h"
 #include "ExactScene.h"
 #include "HostError.h"
+#include "ImportWork.h"
 #include "Options.h"
 #include "OutputNames.h"
 #include "SceneSource.h"
@@ -19,7 +20,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -115,7 +115,7 @@ bool isCube(const DrawOptions& options) { return options.projection == "cube"; }
 
 DrawingOptions drawingOf(const DrawOptions& options) {
   DrawingOptions drawing = options.drawing;
-  drawing.title = std::filesystem::path(options.scene).filename().string();
+  drawing.title = titleOf(options.scene, options.import);
   const int dpi = options.dpi > 0 ? options.dpi : UsualDpi;
   // A tenth of a pixel.
   if (!options.png.empty()) drawing.flatness = std::min(drawing.flatness, 2.54 / dpi);

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <sstream>
 
 namespace Lumivane::Host {
@@ -81,6 +82,13 @@ std::vector<std::string> modelFiles(const std::string& path, const ImportSetting
                           "scene give the files that it was made of");
   }
   return files;
+}
+
+std::string titleOf(const std::string& path, const ImportSettings& settings) {
+  std::string title = std::filesystem::path(path).filename().string();
+  for (const std::string& file : settings.also)
+    title += ", " + std::filesystem::path(file).filename().string();
+  return title;
 }
 
 std::string reportText(const Importers::ImportReport& report) {

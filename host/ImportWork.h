@@ -17,6 +17,9 @@ Importers::ImportOptions importOptions(const ImportSettings& settings);
 /// is no mesh and no city model
 std::vector<std::string> modelFiles(const std::string& path, const ImportSettings& settings);
 
+/// What pictures and pages of a scene are called: the names of all its files, without folders.
+std::string titleOf(const std::string& path, const ImportSettings& settings);
+
 /// Imports a file, and those that are one scene with it, as the command line asks for.
 /// \throws Session::Error
 Importers::ImportedScene importFile(const std::string& path, const ImportSettings& settings);

@@ -7,6 +7,7 @@
 #include "EyeThreads.h"
 #include "FileMark.h"
 #include "HostError.h"
+#include "ImportWork.h"
 #include "OutputNames.h"
 #include "SceneSource.h"
 #include "SunJournal.h"
@@ -287,7 +288,7 @@ void addDiagrams(const SunOptions& options, const SourcedScene& source, const Vi
   const Size size = options.size.value_or(Size());
   how.width = size.width;
   how.height = size.height;
-  how.title = std::filesystem::path(options.scene).filename().string();
+  how.title = titleOf(options.scene, options.import);
   how.year = days.first.year;
   if (days.first == days.last && !eye.days.empty()) how.day = eye.days.front();
   const Pictures::MapColors colors = options.colorBy == "class" ? Pictures::MapColors::byClass(map)

@@ -249,8 +249,8 @@ void writeVisible(const ShotOptions& options, const Session::LoadedScene& scene,
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
                          const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds) {
   const Timer timer(seconds.vector);
-  writeVectorFiles(options.vector, scene, options.view, shot, shares, options.width,
-                   options.height);
+  writeVectorFiles(options.vector, scene, options.view, shot, shares,
+                   titleOf(options.scene, options.import), options.width, options.height);
 }
 
 Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,

@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -101,14 +100,14 @@ std::string firstPath(const VectorFiles& files) {
   return "";
 }
 
-Pictures::VectorOptions optionsOf(const VectorFiles& files, const Session::LoadedScene& scene,
-                                  int width, int height) {
+Pictures::VectorOptions optionsOf(const VectorFiles& files, const std::string& title, int width,
+                                  int height) {
   Pictures::VectorOptions options;
   options.width = width;
   options.height = height;
   options.extent = files.extent;
   options.axes = files.axes ? Pictures::VectorAxes::OfShot : Pictures::VectorAxes::None;
-  options.title = std::filesystem::path(scene.name()).filename().string();
+  options.title = title;
   return options;
 }
 
@@ -145,10 +144,10 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
 
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
                       const Session::ViewSettings& view, const Session::TakenShot& shot,
-                      ShotShares& shares, int width, int height) {
+                      ShotShares& shares, const std::string& title, int width, int height) {
   const std::string first = firstPath(files);
   if (first.empty()) return;
-  const Pictures::VectorOptions options = optionsOf(files, scene, width, height);
+  const Pictures::VectorOptions options = optionsOf(files, title, width, height);
   std::vector<Drawn> pictures;
   try {
     pictures = drawn(files, shot.shot(), options);

@@ -45,10 +45,11 @@ void setVectorOptions(CLI::App& command, VectorFiles& files);
 ///
 /// \param scene  what the shot was taken of; for a page with both cameras a second one is taken
 /// \param view   from where the shot was taken
+/// \param title   of pictures and pages
 /// \param shares  of the shot; measured here if a page is the first to ask
 /// \throws HostError that names the file
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
                       const Session::ViewSettings& view, const Session::TakenShot& shot,
-                      ShotShares& shares, int width, int height);
+                      ShotShares& shares, const std::string& title, int width, int height);
 
 }  // namespace Lumivane::Host

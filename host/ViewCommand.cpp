@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "ExactScene.h"
 #include "HostError.h"
+#include "ImportWork.h"
 #include "Options.h"
 #include "OutputNames.h"
 #include "ProgressBar.h"
@@ -25,7 +26,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -130,7 +130,7 @@ Pictures::MapPictureOptions pictureOptions(const ViewOptions& options) {
   const Size size = options.size ? *options.size : Size{static_cast<int>(Height * aspect), Height};
   result.width = size.width;
   result.height = size.height;
-  result.title = std::filesystem::path(options.scene).filename().string();
+  result.title = titleOf(options.scene, options.import);
   return result;
 }
 

@@ -9,9 +9,13 @@
 #include <lumivane/session/Error.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <cmath>
 #include <filesystem>
+#include <limits>
 #include <set>
+#include <sstream>
 #include <utility>
 
 namespace Lumivane::Importers {
@@ -71,6 +75,38 @@ std::string canonicalSystem(const std::string& name) {
   return upperCase(*(crs + 1) + ":" + parts.back());
 }
 
+// Files are far from each other if the gap is so many times their size.
+constexpr double FarTimes = 10.0;
+
+// The box around points, of which those that are not finite do not count.
+class Box {
+ public:
+  void add(const Kernel::Vec3& point) {
+    const std::array<double, 3> at = {point.x, point.y, point.z};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      if (!std::isfinite(at[axis])) continue;
+      low[axis] = std::min(low[axis], at[axis]);
+      high[axis] = std::max(high[axis], at[axis]);
+    }
+  }
+  bool isThere() const { return low[0] <= high[0] && low[1] <= high[1] && low[2] <= high[2]; }
+  // The longest edge.
+  double size() const { return std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]}); }
+  // The largest gap along an axis; below 0 where the boxes meet.
+  double gapTo(const Box& other) const {
+    double gap = -Infinite;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      gap = std::max({gap, other.low[axis] - high[axis], low[axis] - other.high[axis]});
+    return gap;
+  }
+
+ private:
+  static constexpr double Infinite = std::numeric_limits<double>::infinity();
+
+  std::array<double, 3> low = {Infinite, Infinite, Infinite};
+  std::array<double, 3> high = {-Infinite, -Infinite, -Infinite};
+};
+
 }  // namespace
 
 FileSum::FileSum(const std::vector<std::string>& paths) {
@@ -94,6 +130,7 @@ void FileSum::add(SourceModel model) {
   checkSystem(file, model);
   takeFormat(model.format);
   file.yUp = model.yUp;
+  file.hasSystem = !model.referenceSystem.empty();
   file.firstVertex = vertexCount;
   file.firstObject = objectCount;
   vertexCount += model.vertices.size();
@@ -120,6 +157,7 @@ SourceModel FileSum::take(bool turnsLater) {
     sum.warnings.push_back(withoutSystem.front() + moreFiles(withoutSystem.size()) +
                            ": no coordinate reference system is named, and that of " +
                            fileName(systemOwner) + " is assumed");
+  noteFarFiles(sum);
   return sum;
 }
 
@@ -166,6 +204,28 @@ void FileSum::turnFiles(SourceModel& sum) const {
       const Kernel::Vec3 at = sum.vertices[v];
       sum.vertices[v] = {at.x, -at.z, at.y};
     }
+  }
+}
+
+// A mesh beside a city model is likely to have coordinates of its own, and then lies where nobody
+// looks for it.
+void FileSum::noteFarFiles(SourceModel& sum) const {
+  std::vector<Box> boxes(files.size());
+  Box placed;  // of all files that name a coordinate reference system
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const std::size_t end = i + 1 < files.size() ? files[i + 1].firstVertex : sum.vertices.size();
+    Box& box = files[i].hasSystem ? placed : boxes[i];
+    for (std::size_t v = files[i].firstVertex; v < end; ++v) box.add(sum.vertices[v]);
+  }
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].hasSystem || !boxes[i].isThere() || !placed.isThere()) continue;
+    const double gap = boxes[i].gapTo(placed);
+    if (!(gap > FarTimes * std::max(boxes[i].size(), placed.size()))) continue;
+    std::ostringstream text;
+    text << files[i].label << ": lies " << gap << " from " << fileName(systemOwner)
+         << moreFiles(files.size() - withoutSystem.size()) << ", more than " << FarTimes
+         << " times the size of either: if its coordinates are in another system, convert them";
+    sum.warnings.push_back(text.str());
   }
 }
 

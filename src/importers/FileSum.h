@@ -33,6 +33,7 @@ class FileSum {
     std::string path;
     std::string label;  ///< the path as far as it is needed to know the file from the others
     bool yUp = false;
+    bool hasSystem = false;
     std::size_t firstVertex = 0;
     std::size_t firstObject = 0;
     std::map<std::string, std::string> wholes;
@@ -47,6 +48,7 @@ class FileSum {
   void noteName(const std::string& name);
   std::string nameIn(const File& file, const std::string& name) const;
   void turnFiles(SourceModel& sum) const;
+  void noteFarFiles(SourceModel& sum) const;
   void nameObjects(SourceModel& sum) const;
 
   std::vector<File> files;

@@ -112,6 +112,23 @@ TEST(ImportProgram, SeveralFilesAreOneScene) {
   EXPECT_EQ(expected, shares({folder.path("town.lumiscene")}));
 }
 
+TEST(ImportProgram, PicturesAndPagesNameAllFilesOfTheirScene) {
+  const TempFolder folder;
+  const std::string title = "<title>tile-west.city.json, tile-east.city.jsonl</title>";
+  const auto page = [&](const std::string& command, std::vector<std::string> more) {
+    const std::string file = folder.path(command + ".out");
+    more.insert(more.begin(), {command, West, East, "--eye", "1,-4,2"});
+    more.push_back(file);
+    const Result result = run(more);
+    EXPECT_EQ(0, result.status) << result.err;
+    return fileBytes(file);
+  };
+  EXPECT_NE(std::string::npos, page("view", {"--html"}).find(title));
+  EXPECT_NE(std::string::npos, page("draw", {"--html"}).find(title));
+  EXPECT_NE(std::string::npos,
+            page("shot", {"-o", folder.path("shot.json"), "--html"}).find(title));
+}
+
 TEST(ImportProgram, SeveralFilesAreOneSceneOfEachCommand) {
   const TempFolder folder;
   const auto done = [&](std::vector<std::string> arguments) {

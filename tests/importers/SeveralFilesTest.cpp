@@ -101,6 +101,31 @@ TEST_F(SeveralFiles, NamesThatSeveralHaveStartWithThatOfTheirFile) {
                       "that of the file, as \"tile-west.city.json#ground\""));
 }
 
+bool hasFarNote(const ImportReport& report) {
+  return std::any_of(report.warnings.begin(), report.warnings.end(), [](const std::string& note) {
+    return note.find(": lies ") != std::string::npos;
+  });
+}
+
+TEST_F(SeveralFiles, AMeshFarFromTheCityModelGetsANote) {
+  const std::string tile = write("tile.city.json", squareTile(0, "roof", "EPSG:7415"));
+  const std::string far = write("far.obj", "v 25 0 0\nv 27 0 0\nv 25 1 0\nf 1 2 3\n");
+  const std::string near = write("near.obj", "v 21 0 0\nv 23 0 0\nv 21 1 0\nf 1 2 3\n");
+  EXPECT_TRUE(hasNote(Importer::importFiles({far, tile}).report,
+                      "far.obj: lies 23 from tile.city.json, more than 10 times the size of "
+                      "either: if its coordinates are in another system, convert them"));
+  EXPECT_FALSE(hasFarNote(Importer::importFiles({near, tile}).report));
+}
+
+TEST_F(SeveralFiles, FarFilesWithoutAnyOrWithAllSystemsGetNone) {
+  const std::string tile = write("tile.city.json", squareTile(0, "roof", "EPSG:7415"));
+  const std::string away = write("away.city.json", squareTile(900, "roof", "EPSG:7415"));
+  const std::string far = write("far.obj", "v 25 0 0\nv 27 0 0\nv 25 1 0\nf 1 2 3\n");
+  const std::string plain = write("plain.city.json", squareTile(900, "roof", ""));
+  EXPECT_FALSE(hasFarNote(Importer::importFiles({tile, away}).report));
+  EXPECT_FALSE(hasFarNote(Importer::importFiles({far, plain}).report));
+}
+
 TEST_F(SeveralFiles, FilesOfOneNameAreKnownByTheirFolders) {
   std::filesystem::create_directory(folder.path("a"));
   std::filesystem::create_directory(folder.path("b"));
