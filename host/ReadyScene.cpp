@@ -110,11 +110,12 @@ Wholes ReadyScene::wholes() const {
 
 void writeReadyScene(const std::string& path, const SourcedScene& source) {
   Session::LoadedScene& scene = source.scene();
+  Visibility::SceneFile::Content content;
+  // Before there is an index beside the scene, since the text is made by way of a tree of its size.
+  content.texts[SceneText] = Importers::Importer::sceneText(scene.scene());
   const Visibility::SceneIndex index = sceneIndexOf(path, source);
   const Visibility::PolygonScene outlines = Visibility::polygonsOf(scene);
-  Visibility::SceneFile::Content content;
   content.outlines = &outlines;
-  content.texts[SceneText] = Importers::Importer::sceneText(scene.scene());
   content.texts[PlaceText] = placeText(source.place);
   content.texts[WholesText] = wholesText(source.wholes);
   if (source.import.isValid()) content.texts[ImportText] = jsonText(source.import);

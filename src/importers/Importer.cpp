@@ -352,7 +352,8 @@ std::string Importer::sceneText(Scene::Scene3D& scene) {
   }
   std::string text;
   Jzon::Writer(Jzon::Format{true, true, false, 0}).writeString(root, text);
-  return text + "\n";
+  text += '\n';
+  return text;
 }
 
 }  // namespace Lumivane::Importers
