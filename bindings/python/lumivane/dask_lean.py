@@ -22,7 +22,8 @@ import distributed.versions
 
 _HEAVY = "pandas"  # what Dask imports only to know its version
 
-_with_imports = distributed.versions.get_package_info
+_versions: Any = distributed.versions
+_with_imports = _versions.get_package_info
 
 
 def _with_fewer_imports(packages: Iterable[Any]) -> dict[str, Optional[str]]:
@@ -48,7 +49,7 @@ def dask_setup(server: Any) -> None:
         importlib.import_module("lumivane.dask")
 
 
-distributed.versions.get_package_info = _with_fewer_imports
+_versions.get_package_info = _with_fewer_imports
 dask.config.set(
     {
         "distributed.worker.profile.enabled": False,
