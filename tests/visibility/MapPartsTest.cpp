@@ -30,6 +30,14 @@ TEST(Link, HoldsAllOfAPiece) {
         EXPECT_EQ(link.inner(), inner);
         EXPECT_FALSE(link.shared());
       }
+  Link foreign({1, 2, 3, 4, 77, false, false, true});
+  EXPECT_TRUE(foreign.foreign());
+  EXPECT_EQ(foreign.source(), 77);
+  foreign.setSource(78, true, true);
+  EXPECT_FALSE(foreign.foreign());
+  EXPECT_EQ(foreign.source(), 78);
+  EXPECT_TRUE(foreign.inner() && foreign.shared());
+  EXPECT_EQ(foreign.right, 4);
   EXPECT_LE(sizeof(Link), 24u);
 }
 
