@@ -54,10 +54,19 @@ struct LookPolygon {
 /// Whether polygon a is seen where both cover a direction in which they are at one distance.
 inline bool paintedAfter(const LookPolygon& a, const LookPolygon& b) { return a.region > b.region; }
 
+/// 1 / distance on a face, times CubeHalf: a x + b y + c.
+struct FaceDepth {
+  double a, b, c;
+
+  double at(double x, double y) const { return a * x + b * y + c; }
+};
+inline FaceDepth faceDepth(const LookPolygon& p, const CubeFace& f) {
+  return {p.plane[f.u], p.plane[f.v], p.plane[f.axis] * (f.sign * static_cast<double>(CubeHalf))};
+}
+
 /// 1 / distance at a point of a face, times CubeHalf.
 inline double depthAt(const LookPolygon& p, const CubeFace& f, double x, double y) {
-  return p.plane[f.u] * x + p.plane[f.v] * y +
-         p.plane[f.axis] * (f.sign * static_cast<double>(CubeHalf));
+  return faceDepth(p, f).at(x, y);
 }
 
 /// More than what rounding does to the difference of two of `depthAt`.

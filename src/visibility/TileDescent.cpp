@@ -16,17 +16,17 @@ using Kernel::Vec3;
 constexpr double Half = static_cast<double>(CubeHalf);
 // A tile with so few segments is swept, and one with more of them if few have their ends in it: a
 // bundle of long lines is not divided by dividing the tile.
-constexpr size_t FewSegments = 112;
-constexpr size_t MostSegments = 400;
+constexpr size_t FewSegments = 400;
+constexpr size_t MostSegments = 800;
 constexpr size_t FewEnds = 96;
 constexpr size_t FewCovers = 8;
 // Boxes are opened that look larger than this many tiles: smaller ones hide no tile.
-constexpr double OpenedSize = 1.0;
+constexpr double OpenedSize = 0.7;
 constexpr Coordinate SmallestTile = 1 << 14;
 // What is left in the boxes of a tile is opened together if it is no more than this.
-constexpr size_t FewPolygons = 60;
+constexpr size_t FewPolygons = 120;
 // A screen is asked for where a tile may be swept because of what it hides, and every few levels.
-constexpr size_t MostScreened = 300;
+constexpr size_t MostScreened = 800;
 constexpr int UnscreenedLevels = 3;
 constexpr size_t FewestScreened = 6;  // polygons
 constexpr int StalledLevels = 8;

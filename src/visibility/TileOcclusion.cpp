@@ -14,16 +14,23 @@ namespace {
 
 constexpr double Half = static_cast<double>(CubeHalf);
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr int PlacesInRow = 8;
+constexpr int PlacesInRow = 16;
 constexpr size_t PlaceCount = PlacesInRow * PlacesInRow;
 // Edges that go no further into a gap do not go into it; units of the cube.
 constexpr double Touching = 8.0;
 // Corners of gaps are known to within this many units.
 constexpr double Doubt = 4.0 * static_cast<double>(Snap);
 
-using Bits = std::uint64_t;
-constexpr Bits ColumnOfPlaces = (Bits{1} << PlacesInRow) - 1;
-constexpr Bits AllPlaces = ~Bits{0} >> (64 - PlaceCount);
+// Places of a column, bit i for that in row i.
+using Column = std::uint32_t;
+constexpr Column WholeColumn = (Column{1} << PlacesInRow) - 1;
+using Columns = std::array<Column, PlacesInRow>;
+
+Columns allPlaces() {
+  Columns columns;
+  columns.fill(WholeColumn);
+  return columns;
+}
 
 // Rows and columns of places, spread evenly over a tile.
 struct Places {
@@ -50,10 +57,10 @@ struct Places {
   }
 };
 
-// Bit Places * column + row of the places that an entry covers, by doubles.
-Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const Places& places,
-                   const TileEntry& entry, const std::uint32_t* segments) {
-  Bits bits = entry.coversCorner ? AllPlaces : 0;
+// The places that an entry covers, by doubles.
+Columns placesCovered(const LookPolygons& polygons, const Tile& tile, const Places& places,
+                      const TileEntry& entry, const std::uint32_t* segments) {
+  Columns columns = entry.coversCorner ? allPlaces() : Columns{};
   const auto tileX0 = static_cast<double>(tile.x0);
   const auto tileY0 = static_cast<double>(tile.y0);
   for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
@@ -65,19 +72,20 @@ Bits placesCovered(const LookPolygons& polygons, const Tile& tile, const Places&
     if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
       const double run = (x1 - x0) / static_cast<double>(s.y1 - s.y0);
       const double crossing = x0 + run * (tileY0 - y0);
-      const int column = places.columnAfter(crossing);
-      if (crossing > tileX0 && column < PlacesInRow) bits ^= AllPlaces << (PlacesInRow * column);
+      if (crossing > tileX0)
+        for (int column = places.columnAfter(crossing); column < PlacesInRow; ++column)
+          columns[static_cast<size_t>(column)] ^= WholeColumn;
     }
     // What is above the edge.
     const int end = places.columnAfter(x1);
     for (int column = places.columnAfter(x0); column < end; ++column) {
       const double height = y0 + s.slope * (places.x[static_cast<size_t>(column)] - x0);
       if (!(height > tileY0)) continue;
-      const Bits above = (ColumnOfPlaces << places.rowAfter(height)) & ColumnOfPlaces;
-      bits ^= above << (PlacesInRow * column);
+      columns[static_cast<size_t>(column)] ^=
+          (WholeColumn << places.rowAfter(height)) & WholeColumn;
     }
   }
-  return bits;
+  return columns;
 }
 
 }  // namespace
@@ -90,18 +98,18 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
   std::array<std::int32_t, PlaceCount> inFront;  // entries, then covers; -1 for none
   nearest.fill(-Infinity);
   inFront.fill(-1);
-  const auto offer = [&](std::int32_t position, std::int32_t number, Bits bits) {
-    const LookPolygon& p = polygons[position];
-    for (; bits != 0; bits &= bits - 1) {
-      const auto place = static_cast<size_t>(__builtin_ctzll(bits));
-      const double value =
-          position == LookPolygons::Beyond
-              ? Infinity
-              : depthAt(p, face, places.x[place / PlacesInRow], places.y[place % PlacesInRow]);
-      if (!(value > nearest[place])) continue;
-      nearest[place] = value;
-      inFront[place] = number;
-    }
+  const auto offer = [&](std::int32_t position, std::int32_t number, const Columns& columns) {
+    const FaceDepth depth = position == LookPolygons::Beyond ? FaceDepth{0.0, 0.0, Infinity}
+                                                             : faceDepth(polygons[position], face);
+    for (size_t column = 0; column < PlacesInRow; ++column)
+      for (Column rest = columns[column]; rest != 0; rest &= rest - 1) {
+        const auto row = static_cast<size_t>(__builtin_ctz(rest));
+        const size_t place = PlacesInRow * column + row;
+        const double value = depth.at(places.x[column], places.y[row]);
+        if (!(value > nearest[place])) continue;
+        nearest[place] = value;
+        inFront[place] = number;
+      }
   };
   const auto entryCount = static_cast<std::int32_t>(content.entryCount);
   for (std::int32_t i = 0; i < entryCount; ++i) {
@@ -109,7 +117,7 @@ bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) 
     offer(entry.polygon, i, placesCovered(polygons, tile, places, entry, content.segments));
   }
   for (size_t i = 0; i < content.coverCount; ++i)
-    offer(content.covers[i], entryCount + static_cast<std::int32_t>(i), AllPlaces);
+    offer(content.covers[i], entryCount + static_cast<std::int32_t>(i), allPlaces());
   chosen.clear();
   chosenEntries.assign(content.entryCount, 0);
   chosenCovers.clear();
@@ -198,6 +206,8 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
   }
   g.slopes[0] = (g.below[1] - g.below[0]) / (g.x1 - g.x0);
   g.slopes[1] = (g.above[1] - g.above[0]) / (g.x1 - g.x0);
+  g.middle[0] = 0.5 * (g.x0 + g.x1);
+  g.middle[1] = 0.5 * (g.belowAt(g.middle[0]) + g.aboveAt(g.middle[0]));
   g.floor = -Infinity;
   g.layer = -1;
   // Of a polygon beside its layer, what is painted later may be farther.
@@ -243,45 +253,53 @@ bool TileOcclusion::touches(const ScreenGap& gap, const SeenRange& range) {
 // the gap all of it is covered, or nothing: a walk from the tile's corner to the middle of the gap
 // counts edges. Of those that pass its ends or its corner as near as rounding it cannot be said
 // whether they count, and then a part may lie in the gap.
-bool TileOcclusion::reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
-                            const std::uint32_t* segments) const {
-  const double middleX = 0.5 * (gap.x0 + gap.x1);
-  const double middleY = 0.5 * (gap.belowAt(middleX) + gap.aboveAt(middleX));
-  bool covers = entry.coversCorner;
+bool TileOcclusion::reaches(const ScreenGap& gap, double tileX, double tileY,
+                            bool coversCorner) const {
+  const double middleX = gap.middle[0];
+  const double middleY = gap.middle[1];
+  bool covers = coversCorner;
   const auto isDoubtful = [](double apart) { return std::fabs(apart) <= Touching; };
-  const auto lower = static_cast<double>(tile.y0);
-  for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
-    const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
-    const auto x0 = static_cast<double>(s.x0);
-    const auto x1 = static_cast<double>(s.x1);
-    const auto y0 = static_cast<double>(s.y0);
-    const auto y1 = static_cast<double>(s.y1);
-    const auto heightAt = [&](double x) {
-      return x <= x0 ? y0 : x >= x1 ? y1 : y0 + s.slope * (x - x0);
-    };
-    if (x1 > gap.x0 + Touching && x0 < gap.x1 - Touching) {
-      const double from = std::max(x0, gap.x0);
-      const double to = std::min(x1, gap.x1);
-      const double start = from == x0 ? y0 : heightAt(from);
-      const double end = to == x1 ? y1 : heightAt(to);
-      const double slack = Touching;
-      const bool isBelow = start <= gap.belowAt(from) + slack && end <= gap.belowAt(to) + slack;
-      const bool isAbove = start >= gap.aboveAt(from) - slack && end >= gap.aboveAt(to) - slack;
-      if (!isBelow && !isAbove) return true;
-    }
-    if ((s.y0 <= tile.y0) != (s.y1 <= tile.y0)) {
-      const double crossing = x0 + (x1 - x0) * ((lower - y0) / (y1 - y0));
-      if (isDoubtful(crossing - static_cast<double>(tile.x0)) || isDoubtful(crossing - middleX))
+  for (const Edge& e : edges) {
+    if (e.x1 > gap.x0 + Touching && e.x0 < gap.x1 - Touching) {
+      const bool startsBefore = e.x0 < gap.x0;
+      const bool endsBehind = e.x1 > gap.x1;
+      const double from = startsBefore ? gap.x0 : e.x0;
+      const double to = endsBehind ? gap.x1 : e.x1;
+      const double start = startsBefore ? e.y0 + e.slope * (from - e.x0) : e.y0;
+      const double end = endsBehind ? e.y0 + e.slope * (to - e.x0) : e.y1;
+      const bool isBelow =
+          start <= gap.belowAt(from) + Touching && end <= gap.belowAt(to) + Touching;
+      if (!isBelow && !(start >= gap.aboveAt(from) - Touching && end >= gap.aboveAt(to) - Touching))
         return true;
-      covers ^= crossing > static_cast<double>(tile.x0) && crossing < middleX;
     }
-    if (x0 <= middleX && middleX < x1) {
-      const double height = heightAt(middleX);
-      if (isDoubtful(height - lower)) return true;
-      covers ^= height > lower && height < middleY;
+    if (e.crosses) {
+      if (isDoubtful(e.crossing - tileX) || isDoubtful(e.crossing - middleX)) return true;
+      covers ^= e.crossing > tileX && e.crossing < middleX;
+    }
+    if (e.x0 <= middleX && middleX < e.x1) {
+      const double height = middleX <= e.x0 ? e.y0 : e.y0 + e.slope * (middleX - e.x0);
+      if (isDoubtful(height - tileY)) return true;
+      covers ^= height > tileY && height < middleY;
     }
   }
   return covers;
+}
+
+void TileOcclusion::readEdges(const Tile& tile, const TileEntry& entry,
+                              const std::uint32_t* segments) const {
+  const auto lower = static_cast<double>(tile.y0);
+  edges.resize(entry.segmentCount);
+  for (std::uint32_t k = 0; k < entry.segmentCount; ++k) {
+    const Segment& s = polygons.segment(segments[entry.firstSegment + k]);
+    Edge& e = edges[k];
+    e.x0 = static_cast<double>(s.x0);
+    e.y0 = static_cast<double>(s.y0);
+    e.x1 = static_cast<double>(s.x1);
+    e.y1 = static_cast<double>(s.y1);
+    e.slope = s.slope;
+    e.crosses = (s.y0 <= tile.y0) != (s.y1 <= tile.y0);
+    e.crossing = e.crosses ? e.x0 + (e.x1 - e.x0) * ((lower - e.y0) / (e.y1 - e.y0)) : 0.0;
+  }
 }
 
 // Everywhere in the gap, but for places so near to its border that they are none.
@@ -340,10 +358,15 @@ bool TileOcclusion::hides(const Screen& screen, const Tile& tile, const TileEntr
   const Frame turned = turnedFrame(range);
   const bool isOwn = screen.tile.x0 == tile.x0 && screen.tile.y0 == tile.y0 &&
                      screen.tile.x1 == tile.x1 && screen.tile.y1 == tile.y1;
+  const auto tileX = static_cast<double>(tile.x0);
+  const auto tileY = static_cast<double>(tile.y0);
+  edges.clear();
   return behindAll(screen, turned, [&](const ScreenGap& gap) {
     if (range.bound < gap.floor || !touches(gap, range)) return true;
     if (gap.floor > -Infinity && isBehind(gap, range, polygon, face)) return true;
-    return isOwn && !reaches(gap, tile, entry, segments);
+    if (!isOwn) return false;
+    if (edges.empty()) readEdges(tile, entry, segments);
+    return !reaches(gap, tileX, tileY, entry.coversCorner);
   });
 }
 

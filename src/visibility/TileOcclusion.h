@@ -42,6 +42,7 @@ class TileOcclusion {
     std::int32_t layer;
 
     double slopes[2];  // of the lines below and above
+    double middle[2];  // a point of it
 
     double belowAt(double x) const { return below[0] + slopes[0] * (x - x0); }
     double aboveAt(double x) const { return above[0] + slopes[1] * (x - x0); }
@@ -104,6 +105,13 @@ class TileOcclusion {
   bool hides(const Screen& screen, const SeenRange& range) const;
 
  private:
+  // An edge of the polygon that is being asked about.
+  struct Edge {
+    double x0, y0, x1, y1;
+    double slope;
+    double crossing;  // where it crosses the lower side of the tile
+    bool crosses;
+  };
   struct OpenGap {
     double since;
     std::int32_t slot;
@@ -116,8 +124,8 @@ class TileOcclusion {
   bool behindAll(const Screen& screen, const Frame& turned, IsBehind behind) const;
   static Frame turnedFrame(const SeenRange& range);
   static bool touches(const ScreenGap& gap, const SeenRange& range);
-  bool reaches(const ScreenGap& gap, const Tile& tile, const TileEntry& entry,
-               const std::uint32_t* segments) const;
+  void readEdges(const Tile& tile, const TileEntry& entry, const std::uint32_t* segments) const;
+  bool reaches(const ScreenGap& gap, double tileX, double tileY, bool coversCorner) const;
   bool isBehind(const ScreenGap& gap, const SeenRange& range, const LookPolygon& polygon,
                 const CubeFace& face) const;
 
@@ -126,6 +134,7 @@ class TileOcclusion {
   TileLines lines;
   std::vector<ScreenGap> gaps;
   std::vector<Frame> frames;          // of each gap
+  mutable std::vector<Edge> edges;    // scratch
   mutable std::size_t lastShown = 0;  // the gap in which something was seen last
   std::vector<OpenGap> open;
   std::vector<TileEntry> chosen;

@@ -385,6 +385,48 @@ TEST(Look, TwoLooksAtATimeDoNotDisturbEachOther) {
   EXPECT_TRUE(sameBytes(alone, second));
 }
 
+// A point in front of the eye at the origin, at a place of the plane x = 1.
+Vector placed(double x, double y, double z) { return {x, x * y, x * z}; }
+
+// A wall whose upper edge meets those of eight strips behind it at angles of half a thousandth.
+void addFlatMeetings(PolygonBuilder& builder) {
+  const auto wallTop = [](double y) { return 0.03 + 3e-4 * y; };
+  builder.add({placed(10, -0.6, -0.3), placed(10, 0.6, -0.3), placed(10, 0.6, wallTop(0.6)),
+               placed(10, -0.6, wallTop(-0.6))},
+              1);
+  for (int i = 0; i < 8; ++i) {
+    const double middle = -0.3 + 0.08 * i;
+    const double steeper = 5e-4 + 1e-4 * i;
+    const auto top = [&](double y) { return wallTop(y) + steeper * (y - middle); };
+    const double from = middle - 0.03;
+    const double to = middle + 0.02;
+    builder.add({placed(20, from, -0.2), placed(20, to, -0.2), placed(20, to, top(to)),
+                 placed(20, from, top(from))},
+                2 + i);
+  }
+}
+
+TEST(Look, WhatIsHiddenMovesNoVertexWhereLinesMeetAtSmallAngles) {
+  LookOptions options;
+  options.forward = {1, 0, 0};
+  options.twoSided = true;
+  PolygonBuilder few;
+  addFlatMeetings(few);
+  const VisibleMap map = SceneIndex(few.scene).look({0, 0, 0}, options);
+  for (const int row : {4, 9, 25}) {
+    PolygonBuilder many;
+    addFlatMeetings(many);
+    for (int i = 0; i < 60 * row; ++i) {
+      const double y = -0.5 + i / row / 60.0;
+      const double z = 0.025 - 0.2 * (i % row) / row;
+      many.add({placed(50, y, z), placed(50, y + 0.01, z), placed(50, y, z - 0.005)}, 10 + i);
+    }
+    const VisibleMap other = SceneIndex(many.scene).look({0, 0, 0}, options);
+    ASSERT_EQ(map.cells.size(), other.cells.size());
+    EXPECT_TRUE(map.vertices == other.vertices);
+  }
+}
+
 TEST(Look, AnEyeInTheMiddleOfAWallSeesNothingOfIt) {
   PolygonBuilder builder;
   builder.add({{0, -1, -1}, {0, -1, 1}, {0, 1, 1}, {0, 1, -1}}, 1);
