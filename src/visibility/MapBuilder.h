@@ -258,8 +258,8 @@ class MapBuilder {
   VisibleMap::EdgeKind kindOf(const Link& link) const;
   void orderMap();
   void orderVertices();
-  LargeVector<int> firstVertices();
-  void orderCells(const LargeVector<int>& firstVertex);
+  LargeVector<std::uint64_t> firstEdges();
+  void orderCells(const LargeVector<std::uint64_t>& firstEdge);
   void orderEdges();
   void makeRings();
   void placeEdge(const Link& edge, size_t place);

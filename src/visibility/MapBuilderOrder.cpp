@@ -1,5 +1,5 @@
 // The order of the map and its rings: vertices by their coordinates, cells by region and first
-// vertex, edges by their vertices, so that it does not depend on who has found what first. Each
+// edge, edges by their vertices, so that it does not depend on who has found what first. Each
 // edge has two halves, one for each side; a ring is what halves of one cell make, each followed by
 // the next one of that cell around their common vertex.
 #include "kernel/Planar.h"
@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <tuple>
@@ -17,6 +18,12 @@ namespace Lumivane::Visibility {
 
 using Kernel::Pi;
 using Kernel::Vec3;
+
+namespace {
+
+constexpr std::uint64_t NoEdge = std::numeric_limits<std::uint64_t>::max();
+
+}  // namespace
 
 // A docking edge that joins what is seen on its two sides: both have the edge, or lie in one
 // layer, as where pieces of a surface are divided otherwise. With another part of the object
@@ -56,10 +63,10 @@ VisibleMap::EdgeKind MapBuilder::kindOf(const Link& link) const {
   return link.shared() ? Kind::Crease : Kind::Silhouette;
 }
 
-// Vertices by their coordinates, cells by region and first vertex, edges by their vertices.
+// Vertices by their coordinates, cells by region and first edge, edges by their vertices.
 void MapBuilder::orderMap() {
   orderVertices();
-  orderCells(firstVertices());
+  orderCells(firstEdges());
   orderEdges();
 }
 
@@ -92,10 +99,11 @@ void MapBuilder::orderVertices() {
   }
 }
 
-// Gives edges the numbers of the map's vertices, the lower one first. \return the first vertex of
-// each cell
-LargeVector<int> MapBuilder::firstVertices() {
-  LargeVector<int> firstVertex(found.size(), std::numeric_limits<int>::max());
+// Gives edges the numbers of the map's vertices, the lower one first. \return the first edge of
+// each cell: its vertices and its side with the cell. The vertex alone would not do, as cells of
+// one region may meet in it.
+LargeVector<std::uint64_t> MapBuilder::firstEdges() {
+  LargeVector<std::uint64_t> firstEdge(found.size(), NoEdge);
   for (const size_t i : watch.upTo(edges.size())) {
     Link& edge = edges[i];
     edge.from = vertexNumbers[static_cast<size_t>(edge.from)];
@@ -104,14 +112,18 @@ LargeVector<int> MapBuilder::firstVertices() {
       std::swap(edge.from, edge.to);
       std::swap(edge.left, edge.right);
     }
-    for (const int cell : {edge.left, edge.right})
-      if (cell != NoCell) {
-        int& first = firstVertex[static_cast<size_t>(cell)];
-        first = std::min(first, edge.from);
-      }
+    const std::uint64_t vertices =
+        static_cast<std::uint64_t>(edge.from) << 32 | static_cast<std::uint64_t>(edge.to) << 1;
+    const auto lower = [&](int cell, std::uint64_t side) {
+      if (cell == NoCell) return;
+      std::uint64_t& first = firstEdge[static_cast<size_t>(cell)];
+      first = std::min(first, vertices | side);
+    };
+    lower(edge.left, 0);
+    lower(edge.right, 1);
   }
   release(vertexNumbers);
-  return firstVertex;
+  return firstEdge;
 }
 
 // Few edges leave a vertex, so that sorting those of each is quicker than sorting all.
@@ -145,13 +157,13 @@ void MapBuilder::placeEdge(const Link& edge, size_t place) {
   map.edgeSources[place] = source < 0 || isCrossing(source) ? -1 : static_cast<int>(source);
 }
 
-void MapBuilder::orderCells(const LargeVector<int>& firstVertex) {
+void MapBuilder::orderCells(const LargeVector<std::uint64_t>& firstEdge) {
   // A cell without edges is the whole sphere, or was nothing.
   const bool whole = edges.empty() && map.field == Field::Sphere;
-  LargeVector<std::tuple<std::int32_t, int, int>> order;
+  LargeVector<std::tuple<std::int32_t, std::uint64_t, int>> order;
   for (const size_t i : watch.upTo(found.size()))
-    if (firstVertex[i] != std::numeric_limits<int>::max() || (whole && order.empty()))
-      order.emplace_back(orderOf(found[i].region), firstVertex[i], static_cast<int>(i));
+    if (firstEdge[i] != NoEdge || (whole && order.empty()))
+      order.emplace_back(orderOf(found[i].region), firstEdge[i], static_cast<int>(i));
   auto ascending = watch.order(std::less<>());
   std::sort(order.begin(), order.end(), std::ref(ascending));
   LargeVector<int> cellNumbers(found.size(), NoCell);

@@ -17,6 +17,8 @@
 #include <map>
 #include <numeric>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -134,6 +136,23 @@ TEST_P(MapProperty, ThreadsChangeNoBit) {
     HardScene many = hard;
     many.options.threads = 8;
     EXPECT_TRUE(sameMap(lookAt(hard), lookAt(many)));
+  });
+}
+
+// Whoever has found them first: cells of one region may meet in their first vertex.
+TEST_P(MapProperty, CellsOfARegionStandInTheOrderOfTheirFirstEdges) {
+  each([](const HardScene& hard) {
+    const VisibleMap map = lookAt(hard);
+    std::vector<std::pair<std::size_t, bool>> first(map.cells.size(), {map.edges.size(), false});
+    for (std::size_t i = map.edges.size(); i-- > 0;) {
+      const VisibleMap::Edge& edge = map.edges[i];
+      if (edge.right >= 0) first[static_cast<std::size_t>(edge.right)] = {i, true};
+      if (edge.left >= 0) first[static_cast<std::size_t>(edge.left)] = {i, false};
+    }
+    for (std::size_t i = 1; i < map.cells.size(); ++i)
+      if (map.cells[i - 1].label == map.cells[i].label) {
+        EXPECT_LT(first[i - 1], first[i]) << "cells " << i - 1 << " and " << i;
+      }
   });
 }
 
