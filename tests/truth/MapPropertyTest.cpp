@@ -139,21 +139,46 @@ TEST_P(MapProperty, ThreadsChangeNoBit) {
   });
 }
 
-// Whoever has found them first: cells of one region may meet in their first vertex.
-TEST_P(MapProperty, CellsOfARegionStandInTheOrderOfTheirFirstEdges) {
-  each([](const HardScene& hard) {
-    const VisibleMap map = lookAt(hard);
-    std::vector<std::pair<std::size_t, bool>> first(map.cells.size(), {map.edges.size(), false});
-    for (std::size_t i = map.edges.size(); i-- > 0;) {
-      const VisibleMap::Edge& edge = map.edges[i];
-      if (edge.right >= 0) first[static_cast<std::size_t>(edge.right)] = {i, true};
-      if (edge.left >= 0) first[static_cast<std::size_t>(edge.left)] = {i, false};
+// Cells of one region in the order of their first edges, whoever has found them first.
+void expectCellsInOrder(const VisibleMap& map) {
+  std::vector<std::pair<std::size_t, bool>> first(map.cells.size(), {map.edges.size(), false});
+  for (std::size_t i = map.edges.size(); i-- > 0;) {
+    const VisibleMap::Edge& edge = map.edges[i];
+    if (edge.right >= 0) first[static_cast<std::size_t>(edge.right)] = {i, true};
+    if (edge.left >= 0) first[static_cast<std::size_t>(edge.left)] = {i, false};
+  }
+  for (std::size_t i = 1; i < map.cells.size(); ++i)
+    if (map.cells[i - 1].label == map.cells[i].label) {
+      EXPECT_LT(first[i - 1], first[i]) << "cells " << i - 1 << " and " << i;
     }
-    for (std::size_t i = 1; i < map.cells.size(); ++i)
-      if (map.cells[i - 1].label == map.cells[i].label) {
-        EXPECT_LT(first[i - 1], first[i]) << "cells " << i - 1 << " and " << i;
+}
+
+TEST_P(MapProperty, CellsOfARegionStandInTheOrderOfTheirFirstEdges) {
+  each([](const HardScene& hard) { expectCellsInOrder(lookAt(hard)); });
+}
+
+TEST(MapOrder, CellsThatMeetInTheirFirstVertexStandInTheOrderOfTheirEdges) {
+  Random random(5);
+  for (int trial = 0; trial < 20; ++trial) {
+    // Wedges of one polygon between its first corner, the leftmost one, and others.
+    const Vector tip{-1.0, random.between(-0.5, 0.5), 3.0};
+    Outline wedges;
+    for (int i = 0; i < 5; ++i) {
+      wedges.push_back(tip);
+      for (const double angle : {0.5 * i - 1.2, 0.5 * i - 1.0}) {
+        const double length = random.between(0.5, 3.0);
+        wedges.push_back(
+            {tip[0] + length * std::cos(angle), tip[1] + length * std::sin(angle), 3.0});
       }
-  });
+    }
+    LookOptions options;
+    options.field = Visibility::Field::Sphere;
+    options.twoSided = true;
+    const VisibleMap map =
+        SceneIndex(SceneBuilder().object().add(wedges).scene()).look({}, options);
+    EXPECT_GE(map.cells.size(), 6U);
+    expectCellsInOrder(map);
+  }
 }
 
 TEST_P(MapProperty, TheSphereHoldsTheHemisphere) {
