@@ -507,7 +507,7 @@ TEST(ShotProgram, FloorBelowTheEyeTakesLittleMemoryForEachPointReference) {
   for (const Json& region : shot["Regions"]) references += region["Points"].size();
   EXPECT_GT(references, 3'000'000u);
   const double bytes = Json::parse(fileBytes(stats))["peak_memory_bytes"];
-  EXPECT_LT(bytes / static_cast<double>(references), 64.0);  // once it was 150; huge pages round up
+  EXPECT_LT(bytes / static_cast<double>(references), 62.0);  // once it was 150
 }
 #endif
 
