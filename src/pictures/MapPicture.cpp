@@ -1,7 +1,7 @@
 // A map as a picture. Each cell is one region; what else is drawn are lines: those of the pens over
-// the cells, and under the cells a line of a cell's colour along each edge that has none. A
-// renderer that smooths edges mixes the two cells of an edge with what lies under them, which would
-// be the background.
+// the cells, and under the cells a line of a cell's colour along each edge that has none, or one
+// too thin to hide what smooth edges let through. A renderer that smooths edges mixes the two cells
+// of an edge with what lies under them, which would be the background.
 
 #include "pictures/MapLooks.h"
 #include "pictures/MapPlane.h"
@@ -27,6 +27,7 @@ using Visibility::VisibleMap;
 
 constexpr double LargestError = 0.1;   // pixels
 constexpr double UnderlayWidth = 1.5;  // pixels: what a smoothed edge reaches, on both sides
+constexpr double HidingWidth = 1.0;    // pixels: pens from here on leave nothing to see under them
 
 // Paths of equal looks as one.
 class PathsByPen {
@@ -89,8 +90,9 @@ class MapDrawing {
       if (edge.left < 0 || edge.right < 0) continue;
       const std::optional<Pen> pen = looks.pen(i);
       std::vector<Line> lines = inPixels(plane.arc(edge.from, edge.to));
-      const Pen drawn = pen ? *pen : underlayOf(edge, lines.size() == 1);
-      (pen ? result.over : result.under).add(drawn, i, std::move(lines));
+      if (!pen || pen->width < HidingWidth)
+        result.under.add(underlayOf(edge, lines.size() == 1), i, lines);
+      if (pen) result.over.add(*pen, i, std::move(lines));
     }
     return result;
   }

@@ -468,14 +468,14 @@ TEST(MapPicture, SvgNamesTheGroupsAndTheSky) {
   EXPECT_NE(std::string::npos, svg.find("<title>square, face 1, region 2</title>"));
 }
 
-// Pixels that differ from the colour in the middle by more than rounding makes.
-int strangePixels(const Image& image) {
+// Values of pixels that differ from the colour in the middle by more than rounding makes.
+int strangePixels(const Image& image, int rounding = 2) {
   const Rgb expected = image.at(image.width() / 2, image.height() / 2);
   int count = 0;
   for (int y = 0; y < image.height(); ++y)
     for (int x = 0; x < image.width(); ++x)
       for (std::size_t i = 0; i < 3; ++i)
-        if (std::abs(image.at(x, y)[i] - expected[i]) > 2) ++count;
+        if (std::abs(image.at(x, y)[i] - expected[i]) > rounding) ++count;
   return count;
 }
 
@@ -550,6 +550,26 @@ TEST(MapPicture, PngHasNoSeamBetweenCellsOfOneColour) {
   const VectorPicture picture = drawn(hand.map, options);
   for (const double scale : {1.0, 1.7, 3.0, 10.0})
     EXPECT_EQ(0, strangePixels(Image(Pictures::CairoWriter::png(picture, scale)))) << scale;
+}
+
+// Pens thinner than a pixel do not hide what smooth edges let through: where they have the colour
+// of the cells, nothing may be seen of either.
+TEST(MapPicture, PngHasNoSeamUnderThinPens) {
+  HandMap hand = cubeAroundTheEye();
+  turn(hand.map, {0.3, 0.5, -0.7}, {0.1, 0.9, 0.2});
+  for (VisibleMap::Cell& cell : hand.map.cells) cell.label = {1, 1, 1};
+  for (const char* const width : {"0.25", "0.5", "0.75"}) {
+    const auto scene = Session::LoadedScene::fromText(
+        R"({"Points":[[1,0,0],[1,1,0],[1,1,1]],"Brushes":[[90,100,110,255]],"Pens":[[90,100,110,255,)" +
+            std::string(width) +
+            R"(]],"Objects":[{"Id":"grey","Pen":1,"Faces":[{"Regions":[1]}],)" +
+            R"("Regions":[{"Brush":1,"Face":1,"Points":[1,2,3]}]}]})",
+        "grey");
+    const VectorPicture picture(hand.map, MapColors(scene.scene()),
+                                optionsOf(MapProjection::Equirectangular, 400, 200));
+    ASSERT_EQ(1U, picture.lines().size()) << width;
+    EXPECT_EQ(0, strangePixels(Image(Pictures::CairoWriter::png(picture)), 4)) << width;
+  }
 }
 
 }  // namespace
