@@ -198,7 +198,8 @@ void addJsonRow(JsonWriter& json, const ShareRow& row, Field field) {
   };
   json.beginObject().key("kind").text(row.kind);
   number("object", row.object);
-  if (row.object > 0) json.key("id").text(row.id);
+  // A row of what several objects are parts of has an id, too, and an object without one has "".
+  if (row.object > 0 || !row.id.empty()) json.key("id").text(row.id);
   number("face", row.face);
   number("region", row.region);
   number("source_region", row.sourceRegion);

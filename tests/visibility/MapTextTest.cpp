@@ -134,6 +134,17 @@ TEST(MapText, JsonHasTheSameNumbersAsTheTable) {
   EXPECT_EQ("sky", document.at("rows").at(4).at("kind"));
 }
 
+TEST(MapText, ARowOfNoObjectHasItsIdInBothTables) {
+  const VisibleMap map = plainMap();
+  Visibility::ShareRow row;
+  row.kind = "building";
+  row.id = "town hall";
+  const json document = json::parse(MapText::json(map, {row}));
+  EXPECT_EQ("town hall", document.at("rows").at(0).at("id"));
+  EXPECT_FALSE(document.at("rows").at(0).contains("object"));
+  EXPECT_EQ(0U, MapText::csvRows({row}, map.field).find("building,,town hall,"));
+}
+
 TEST(MapText, IdsOfAnyBytesGiveTextThatCanBeRead) {
   HandMap hand = squareInTheSky();
   hand.names().objectIds = {"\xFF\x01\n\"\\ \xC3\xA4", ""};
