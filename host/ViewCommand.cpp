@@ -24,6 +24,7 @@
 #include <lumivane/visibility/MapText.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <utility>
@@ -86,6 +87,21 @@ void checkEffects(const ViewOptions& options) {
     throw ArgumentError(ofPicture,
                         "is that of pictures: name one with --svg, --pdf, --png-vector, "
                         "--html or --report");
+}
+
+void checkFinite(const char* option, const Visibility::Vector& vector) {
+  for (const double coordinate : vector)
+    if (!std::isfinite(coordinate)) throw HostError(option, "is not finite: name numbers that are");
+}
+
+// What the look would refuse, too, but by the names of the options.
+void checkDirections(const ViewOptions& options) {
+  checkFinite("--eye", options.eye);
+  checkFinite("--forward", options.forward);
+  checkFinite("--up", options.up);
+  if (options.target) checkFinite("--target", *options.target);
+  if (!options.target && options.forward == Visibility::Vector{})
+    throw HostError("--forward", "is zero: name a direction");
 }
 
 bool isUnderGround(const ExactScene& scene, const Visibility::Vector& eye) {
@@ -219,6 +235,7 @@ void report(const ViewOptions& options, const VisibleMap& map, const MapShares& 
 void runView(const ViewOptions& options) {
   checkEffects(options);
   checkReport(options);
+  checkDirections(options);
   Session::checkReadable(options.scene);
   checkOutputs(options);
   ViewSeconds seconds;

@@ -174,10 +174,53 @@ TEST(ViewProgram, PicturesAreWrittenInEachProjectionAndField) {
 
 TEST(ViewProgram, MeshesAndCityModelsAreLookedAtAsTheyAre) {
   const TempFolder folder;
-  ASSERT_EQ(
-      0,
-      view(LUMIVANE_MODELS "/cube.obj", {"--shares", folder.path("a.csv")}, "-4,0.3,0.7").status);
-  EXPECT_LT(0.0, std::stod(table(folder.path("a.csv")).at(1).at(8)));
+  const std::string path = folder.path("a.csv");
+  ASSERT_EQ(0, view(LUMIVANE_MODELS "/cube.obj", {"--shares", path}, "-4,0.3,0.7").status);
+  EXPECT_LT(0.0, std::stod(table(path).at(1).at(8)));
+  ASSERT_EQ(0, view(LUMIVANE_MODELS "/house.city.json",
+                    {"--forward", "0.5,1,-0.3", "--shares", path}, "-8.3,-15.1,7.7")
+                   .status);
+  const auto rows = table(path);
+  EXPECT_NEAR(1.0, sum(rows, "view_factor"), 1e-9);
+  EXPECT_LT(0.0, std::stod(rows.at(1).at(8)));
+}
+
+TEST(ViewProgram, RowsOfClassesAndBuildingsAreSumsOfThoseOfObjects) {
+  const TempFolder folder;
+  const auto rowsBy = [&folder](const std::string& depth) {
+    const std::string path = folder.path(depth + ".json");
+    const Result result =
+        view(LUMIVANE_MODELS "/house.city.json",
+             {"--forward", "0.5,1,-0.3", "--shares", path, "--rows", depth}, "-8.3,-15.1,7.7");
+    EXPECT_EQ(0, result.status) << result.err;
+    return Json::parse(fileBytes(path)).at("rows");
+  };
+  const Json objects = rowsBy("object");
+  double house = 0.0;
+  double all = 0.0;
+  for (const Json& row : objects) {
+    if (row.at("kind") == "sky") continue;
+    const double share = row.at("view_factor").get<double>();
+    all += share;
+    if (row.at("id").get<std::string>().rfind("house", 0) == 0) house += share;
+  }
+  double byClass = 0.0;
+  bool hasRoof = false;
+  for (const Json& row : rowsBy("class")) {
+    if (row.at("kind") == "sky") continue;
+    EXPECT_EQ("class", row.at("kind"));
+    byClass += row.at("view_factor").get<double>();
+    hasRoof = hasRoof || row.value("class", "") == "Roof";
+  }
+  EXPECT_NEAR(all, byClass, 1e-12);
+  EXPECT_TRUE(hasRoof);
+  bool hasHouse = false;
+  for (const Json& row : rowsBy("building")) {
+    if (row.value("id", "") != "house") continue;
+    hasHouse = true;
+    EXPECT_NEAR(house, row.at("view_factor").get<double>(), 1e-12);
+  }
+  EXPECT_TRUE(hasHouse);
 }
 
 TEST(ViewProgram, WithoutOutputsItPrintsALine) {
@@ -240,8 +283,16 @@ TEST(ViewProgram, WrongArgumentsAreNamed) {
   EXPECT_EQ(2, view(Room, {"--rows", "pixel"}).status);
   EXPECT_EQ(2, view(Room, {"--shares", "a.txt"}).status);
   EXPECT_EQ(2, view(Room, {}, "1,2").status);
-  EXPECT_EQ(1, view(Room, {"--forward", "0,0,0"}).status);
-  EXPECT_EQ(1, view(Room, {}, "1,2,nan").status);
+  const auto expectRefused = [](const Result& result, const std::string& line) {
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("lumivane: " + line + "\n", result.err);
+  };
+  expectRefused(view(Room, {"--forward", "0,0,0"}), "--forward: is zero: name a direction");
+  const std::string notFinite = ": is not finite: name numbers that are";
+  expectRefused(view(Room, {}, "1,2,nan"), "--eye" + notFinite);
+  expectRefused(view(Room, {"--forward", "inf,0,0"}), "--forward" + notFinite);
+  expectRefused(view(Room, {"--up", "0,nan,0"}), "--up" + notFinite);
+  expectRefused(view(Room, {"--target", "1e999,0,0"}), "--target" + notFinite);
   const Result missing = view("nothing.json", {});
   EXPECT_EQ(1, missing.status);
   EXPECT_NE(std::string::npos, missing.err.find("nothing.json"));

@@ -1,3 +1,4 @@
+#include "support/Capture.h"
 #include "visibility/Polygons.h"
 
 #include <lumivane/visibility/MapShares.h>
@@ -370,6 +371,21 @@ TEST(Look, ProgressRisesFromNothingToAllAndItsExceptionsComeThrough) {
   EXPECT_TRUE(std::is_sorted(parts.begin(), parts.end()));
   options.progress = [](double) { throw std::runtime_error("no more"); };
   EXPECT_THROW(index.look({0, 0, 0}, options), std::runtime_error);
+}
+
+TEST(Look, NothingIsPrinted) {
+  const auto work = [] {
+    Random random(16);
+    const SceneIndex index(triangles(random, 50));
+    LookOptions options = wholeSphere();
+    options.threads = 2;
+    options.alone = true;
+    index.look({0, 0, 0}, options);
+    index.seenIn({0, 0, 0}, {{1, 0, 0}});
+    EXPECT_THROW(index.seenIn({0, 0, 0}, {{0, 0, 0}}), std::invalid_argument);
+  };
+  using Lumivane::Test::capturedStderr;
+  EXPECT_EQ("", Lumivane::Test::capturedStdout([&] { EXPECT_EQ("", capturedStderr(work)); }));
 }
 
 TEST(Look, TwoLooksAtATimeDoNotDisturbEachOther) {
