@@ -75,6 +75,8 @@ class TileLines {
   void dropCrossingLines();
   /// Adds the line on which two planes are at one distance.
   void addCrossingLine(const TilePlanes& planes, std::int32_t slotA, std::int32_t slotB);
+  /// Adds a stop at which all gaps change, until the crossing lines are dropped.
+  void addBreak(Coordinate x) { breaks.push_back(x); }
 
   /// Goes before the left side of the tile.
   void start();
@@ -183,7 +185,7 @@ class TileLines {
   std::vector<Line> lines;
   size_t edgeLines = 0;
   std::vector<MaskWord> toggles;   // `words` for each line
-  std::vector<Coordinate> breaks;  // where an upright crossing line cuts all gaps
+  std::vector<Coordinate> breaks;  // stops at which all gaps change
   std::vector<Course> courses;     // of the upper border, the lower one, and the lines
   // What waits, each by x.
   std::vector<std::pair<Coordinate, int>> starts;

@@ -61,6 +61,14 @@ class TilePlanes {
       if (!knownBehind(seen, w, mask[w]) && notBehind(seen, w, mask[w]) != 0) return false;
     return true;
   }
+  /// How near to the line in which two planes meet either may be found in front; in units, and
+  /// infinite for planes that do not meet.
+  double doubtAround(std::int32_t slotA, std::int32_t slotB) const {
+    const Slot& s = (*this)[slotA];
+    const Slot& t = (*this)[slotB];
+    return Doubt + (s.error + t.error) / (std::fabs(s.a - t.a) + std::fabs(s.b - t.b));
+  }
+
   /// Calls `visit(slot)` for all of a mask that may be in front of the slot `seen` in one of some
   /// points, which are known to within a few units.
   template <class Visit>
@@ -73,6 +81,8 @@ class TilePlanes {
   }
 
  private:
+  // Points are known to within this many units.
+  static constexpr double Doubt = 4.0 * static_cast<double>(Snap);
   struct Box {
     double x0, y0, x1, y1;
   };
@@ -116,8 +126,6 @@ class TilePlanes {
 template <class Visit>
 void TilePlanes::forCrossing(const MaskWord* mask, std::int32_t seen, const double (*points)[2],
                              int count, Visit visit) const {
-  // Points are known to within this many units.
-  constexpr double Doubt = 4.0 * static_cast<double>(Snap);
   const Slot& s = (*this)[seen];
   double least = valueAt(s, points[0][0], points[0][1]);
   for (int k = 1; k < count; ++k) {

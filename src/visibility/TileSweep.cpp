@@ -15,6 +15,7 @@ Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {
   planes.gather(tile, content);
   lines.gather(tile, content, planes);
   cuts.clear();
+  stopsBehind.clear();
   size_t knownCuts = 0;
   for (;;) {
     parts.clear();
@@ -25,6 +26,7 @@ Sides TileSweep::run(const Tile& sweptTile, const TileContent& content) {
     if (!planesCross) return append(allParts, parts, sides);
     lines.dropCrossingLines();
     for (const PlanePair& pair : cuts) lines.addCrossingLine(planes, pair.a, pair.b);
+    for (const Coordinate x : stopsBehind) lines.addBreak(x);
     knownCuts = cuts.size();
   }
 }
@@ -312,9 +314,11 @@ void TileSweep::joinAcross(const Change& change) {
     const int newHigh = newPoints[k - change.from + 1];
     const int from = std::max(oldLow, newLow);
     const int to = std::min(oldHigh, newHigh);
-    const int left = oldGaps[i - change.from].area;
-    const int right = gaps[k].area;
-    if (from < to && left >= 0 && right >= 0) {
+    if (from < to) {
+      const int left =
+          areaAcross([this](size_t gap) { return gapBefore(gap).area; }, lines.before(), i);
+      const int right =
+          areaAcross([this](size_t gap) { return gaps[gap].area; }, lines.behind(), k);
       if (parts.regionOf(left) == parts.regionOf(right)) {
         parts.areaSets.join(left, right);
       } else {
@@ -324,6 +328,16 @@ void TileSweep::joinAcross(const Change& change) {
     if (oldHigh <= newHigh) ++i;
     if (newHigh <= oldHigh) ++k;
   }
+}
+
+// What is seen in a gap. The lines around an empty one may be steep and have marks far apart: then
+// it is as above, since the wall of all lines with nothing between them is at the lowest.
+template <class AreaOf>
+int TileSweep::areaAcross(AreaOf areaOf, const TileLines::Order& order, size_t gap) {
+  for (size_t i = gap; i < order.gapCount(); ++i)
+    if (areaOf(i) >= 0) return areaOf(i);
+  while (gap > 0 && areaOf(gap) < 0) --gap;
+  return areaOf(gap);
 }
 
 void TileSweep::emitUpright(int from, int to, Coordinate x, int left, int right) {
@@ -367,12 +381,12 @@ void TileSweep::sideStretches(SideList& side, const std::vector<Gap>& allGaps,
     // Areas of one region may meet in a single point of the side.
     if (area < 0 || parts.areaSets.find(area) != parts.areaSets.find(here)) {
       if (area >= 0) add(begin, end, area);
-      begin = borders[i];
+      begin = area >= 0 ? end : borders.front();
       area = here;
     }
     end = borders[i + 1];
   }
-  if (area >= 0) add(begin, end, area);
+  if (area >= 0) add(begin, borders.back(), area);
 }
 
 // Visits the pairs of gaps that have nothing but empty ones between them, of which one gap at least
@@ -524,16 +538,32 @@ void TileSweep::closeGap(size_t gap) {
       ++count;
     }
   planes.forCrossing(lines.maskBefore(gap), seen, corners, count, [&](std::int32_t other) {
-    addCut(std::min(other, seen), std::max(other, seen));
+    const PlanePair pair{std::min(other, seen), std::max(other, seen)};
+    if (!addCut(pair)) addStopBehind(pair, closed.since);
   });
 }
 
-void TileSweep::addCut(std::int32_t slotA, std::int32_t slotB) {
+// \return false if it is known
+bool TileSweep::addCut(const PlanePair& pair) {
   const bool known = std::any_of(cuts.begin(), cuts.end(), [&](const PlanePair& cut) {
-    return cut.a == slotA && cut.b == slotB;
+    return cut.a == pair.a && cut.b == pair.b;
   });
-  if (known) return;
-  cuts.push_back({slotA, slotB});
+  if (known) return false;
+  cuts.push_back(pair);
+  planesCross = true;
+  return true;
+}
+
+// Where a gap begins as near to the line of two planes as rounding, either may be found in front,
+// and is shown up to where the gap ends. Behind that place it is found out again.
+void TileSweep::addStopBehind(const PlanePair& pair, Coordinate since) {
+  constexpr size_t MostStops = 32;
+  const double doubt = planes.doubtAround(pair.a, pair.b);
+  if (stopsBehind.size() == MostStops || !(doubt < static_cast<double>(lines.change().x - since)))
+    return;
+  const Coordinate stop = since + nearestWhole(doubt);
+  if (std::find(stopsBehind.begin(), stopsBehind.end(), stop) != stopsBehind.end()) return;
+  stopsBehind.push_back(stop);
   planesCross = true;
 }
 

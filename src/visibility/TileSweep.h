@@ -90,6 +90,8 @@ class TileSweep {
                        Coordinate x);
   void joinMarks(size_t oldCount);
   void joinAcross(const Change& change);
+  template <class AreaOf>
+  static int areaAcross(AreaOf areaOf, const TileLines::Order& order, size_t gap);
   void sideStretches(SideList& side, const std::vector<Gap>& gaps, const std::vector<int>& borders,
                      Coordinate x);
   template <class Visit>
@@ -102,7 +104,8 @@ class TileSweep {
   bool keepWall(size_t below, size_t above);
   void extendBorders(const Change& change);
   void closeGap(size_t gap);
-  void addCut(std::int32_t slotA, std::int32_t slotB);
+  bool addCut(const PlanePair& pair);
+  void addStopBehind(const PlanePair& pair, Coordinate since);
   void borderStretch(SideList& side, OpenStretch& open, int area, Coordinate x, int point);
   std::int32_t regionOf(std::int32_t slot) const {
     return slot < 0 ? SkyRegion : planes[slot].region;
@@ -120,8 +123,10 @@ class TileSweep {
   TileLines lines;
   Tile tile{};
   std::vector<PlanePair> cuts;
-  std::vector<Gap> gaps;     // behind the stop
-  std::vector<Gap> oldGaps;  // of those before it that change
+  std::vector<MaskWord> isCut;          // a mask for each slot, unless there are no cuts
+  std::vector<Coordinate> stopsBehind;  // at which what is seen is found out again
+  std::vector<Gap> gaps;                // behind the stop
+  std::vector<Gap> oldGaps;             // of those before it that change
   std::vector<Mark> marks;
   std::vector<TileLines::Heights> heights;  // scratch
   std::vector<Point> points;

@@ -280,6 +280,44 @@ TEST(AlignedScene, ASteepLineMeetsTheEndOfTheFieldWhereItIs) {
   EXPECT_TRUE(report.wrong.empty()) << report.text();
 }
 
+// Where the line of two planes is upright, it was found out within a unit beside it which of them
+// is in front, and what came out was shown as far as no other line ended.
+TEST(AlignedScene, WhatIsInFrontBesideAnUprightCrossingIsNotFoundOutOnIt) {
+  const double size = 1e6;
+  const auto point = [&](double x, double y, double z) {
+    const Vector p = fromCube({x, y, z});
+    return Vector{size * p[0], size * p[1], size * p[2]};
+  };
+  SceneBuilder builder;
+  builder.object().add({point(1, -1, 0), point(-1, 0, 0), point(1, 1, -1)});
+  builder.object().add({point(1, 1, 0), point(0, -1, -1), point(0, 0, -1)});
+  builder.object().add({point(0, 0, -1), point(1, 1, 0), point(0, -1, 1)});
+  builder.object().add({point(-1, 1, -1), point(1, -1, 0), point(0, 1, 0)});
+  expectRight(builder.scene());
+}
+
+// A steep line with nothing between it and the level one below had a mark of its own there, and the
+// part of the stop between the two was no border of anything.
+TEST(AlignedScene, TheEndOfASteepLineBesideALevelOneLeavesNoGap) {
+  const Vector eye{-1.79486, -1.354689, -0.711194};
+  const Vector a{0.650046, -0.398973, -2.813940};
+  const Vector b{1.083210, -1.082349, -1.550863};
+  const Vector c{0.134697, -1.098959, -1.234563};
+  const Vector d{1.148268, -0.637330, -1.332401};
+  SceneBuilder builder;
+  builder.object().add({a, b, c, {-0.298468, -0.415583, -2.497640}});
+  builder.add({{0.715103, 0.046046, -2.595478}, d, b, a});
+  builder.add({b, d, {0.199754, -0.653940, -1.016100}, c});
+  LookOptions options;
+  options.twoSided = true;
+  options.field = Visibility::Field::Sphere;
+  const SceneIndex index(builder.scene());
+  const VisibleMap map = index.look(eye, options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  EXPECT_EQ(faultText(map), "");
+  EXPECT_EQ(differencesFromSingle(index, map, 600, 3), 0U);
+}
+
 int countOf(const VisibleMap& map, VisibleMap::EdgeKind kind) {
   return static_cast<int>(
       std::count_if(map.edges.begin(), map.edges.end(),
