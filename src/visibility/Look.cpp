@@ -1,5 +1,6 @@
 #include "visibility/Look.h"
 
+#include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
 #include "visibility/InParallel.h"
 #include "visibility/IndexState.h"
@@ -174,14 +175,65 @@ class Looker {
 
 }  // namespace
 
-void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
-  if (options.progress) options.progress(0.0);
+namespace {
+
+// \return as `buildMap` does
+std::vector<std::int32_t> lookOnce(const LookSetup& setup, const LookOptions& options,
+                                   VisibleMap& map) {
   MapParts parts;
   joinFaces(parts, Looker(setup, options, parts).run());
   parts.forgetAllStretches();
   // What the looks at the tiles needed, which the map has no use for.
   if (parts.pieces.size() > ManyPieces) trimHeap();
-  buildMap(parts, setup, options, map);
+  return buildMap(parts, setup, options, map);
+}
+
+// The polygons of some regions that are looked at, in an order that follows from the regions: what
+// is hidden changes polygons' numbers.
+std::vector<std::int32_t> polygonsOf(const LookSetup& setup,
+                                     const std::vector<std::int32_t>& regions) {
+  const IndexState& state = *setup.state;
+  std::vector<std::int32_t> polygons;
+  const auto add = [&](std::int32_t polygon) {
+    const std::int32_t region = state.regions[static_cast<size_t>(polygon)];
+    if (std::binary_search(regions.begin(), regions.end(), region)) polygons.push_back(polygon);
+  };
+  if (setup.only != nullptr) {
+    for (const std::int32_t polygon : *setup.only) add(polygon);
+  } else {
+    for (size_t i = 0; i < state.polygonCount(); ++i) add(static_cast<std::int32_t>(i));
+  }
+  std::sort(polygons.begin(), polygons.end(), [&](std::int32_t a, std::int32_t b) {
+    const auto i = static_cast<size_t>(a);
+    const auto k = static_cast<size_t>(b);
+    return state.regions[i] != state.regions[k]
+               ? state.regions[i] < state.regions[k]
+               : isBefore(state.planes[i].point, state.planes[k].point);
+  });
+  return polygons;
+}
+
+// How far a look is reported to be before it looks again.
+constexpr double FirstShare = 0.995;
+
+}  // namespace
+
+// Where many lines all but coincide, the tiles and stops of hidden ones decide which of those that
+// are seen is found first. Then what is seen is looked at again as if nothing else were there, so
+// that what is hidden has no part in the map.
+void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
+  if (options.progress) options.progress(0.0);
+  const VisibleMap view = map;
+  const std::vector<std::int32_t> regions = lookOnce(setup, options, map);
+  if (regions.empty()) return;
+  const std::vector<std::int32_t> only = polygonsOf(setup, regions);
+  LookSetup again = setup;
+  again.only = &only;
+  LookOptions quiet = options;
+  if (options.progress)
+    quiet.progress = [&](double part) { options.progress(FirstShare + (1.0 - FirstShare) * part); };
+  map = VisibleMap(view);  // gives the memory of the first one back
+  lookOnce(again, quiet, map);
 }
 
 namespace {

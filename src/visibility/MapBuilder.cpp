@@ -1,6 +1,7 @@
 // From pieces to the map: the order of the steps, each of which stands in a chapter of its own.
 #include "visibility/MapBuilder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 
@@ -23,9 +24,20 @@ void MapBuilder::run() {
   }
 }
 
-void buildMap(MapParts& parts, const LookSetup& setup, const LookOptions& options,
-              VisibleMap& map) {
-  MapBuilder(parts, setup, options, map).run();
+std::vector<std::int32_t> MapBuilder::seenRegions() const {
+  std::vector<std::int32_t> regions;
+  for (const std::int32_t polygon : cellPolygons)
+    if (polygon >= 0) regions.push_back(setup.state->regions[static_cast<size_t>(polygon)]);
+  std::sort(regions.begin(), regions.end());
+  regions.erase(std::unique(regions.begin(), regions.end()), regions.end());
+  return regions;
+}
+
+std::vector<std::int32_t> buildMap(MapParts& parts, const LookSetup& setup,
+                                   const LookOptions& options, VisibleMap& map) {
+  MapBuilder builder(parts, setup, options, map);
+  builder.run();
+  return builder.hasDoubt() ? builder.seenRegions() : std::vector<std::int32_t>();
 }
 
 }  // namespace Lumivane::Visibility

@@ -13,6 +13,7 @@
 #include <lumivane/visibility/LookOptions.h>
 #include <lumivane/visibility/VisibleMap.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -23,8 +24,10 @@
 namespace Lumivane::Visibility {
 
 /// Makes the map of the joined parts of all faces: joins pieces of one edge, closes rings, measures
-/// cells. Fills all but the map's view and names. \throws Cancelled
-void buildMap(MapParts& parts, const LookSetup& setup, const LookOptions& options, VisibleMap& map);
+/// cells. Fills all but the map's view and names. \return the regions that are seen, if what is
+/// hidden may have changed a byte of the map; else none. \throws Cancelled
+std::vector<std::int32_t> buildMap(MapParts& parts, const LookSetup& setup,
+                                   const LookOptions& options, VisibleMap& map);
 
 /// Makes a map, step by step: pieces that follow each other on one edge of the scene, with the same
 /// cells on both sides, become one edge, so that neither the tiles nor what is hidden leaves a
@@ -41,6 +44,10 @@ class MapBuilder {
         map(theMap) {}
 
   void run();
+  /// Whether lines were so near to each other that what they show may depend on tiles and stops.
+  bool hasDoubt() const { return isDoubtful; }
+  /// The regions that are seen in the map, ascending.
+  std::vector<std::int32_t> seenRegions() const;
 
  private:
   // Gives its memory back: of millions of cells every list takes as much as the map.
@@ -225,7 +232,11 @@ class MapBuilder {
   template <class Chosen>
   void placeVertices(Chosen isChosen);
   void placeVertex(int vertex, const std::vector<Source>& lines);
-  Kernel::Vec3 normalOf(Source source) const;
+  // Of an edge that looks short, rounding does more to the usual normal.
+  enum class Exactness { Usual, Full };
+  Kernel::Vec3 meetingAt(Kernel::Vec3 place, const std::vector<Source>& lines,
+                         Exactness exactness) const;
+  Kernel::Vec3 normalOf(Source source, Exactness exactness = Exactness::Usual) const;
   double doubtOf(Source source) const;
   Kernel::Vec3 comparedNearness(Source polygon) const;
   void contractEdges();
@@ -316,6 +327,7 @@ class MapBuilder {
   const size_t threads;
   Watch watch;
   VisibleMap& map;
+  std::atomic<bool> isDoubtful{false};
   LargeVector<int> cellOfArea;  // positions in `found`, of areas that stand for their set
   BlockList<Link> links;        // pieces after joining, between cells
   LargeVector<Found> found;

@@ -1,5 +1,6 @@
 // Places come from the scene, not from tiles or what is hidden: a vertex is a corner of the scene,
-// the middle of a wide edge, or the meeting of two of the lines that end in it.
+// the middle of a wide edge, or the meeting of two of the lines that end in it. Where one stays as
+// the sweep has found it the map is doubtful.
 #include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
 #include "visibility/MapBuilder.h"
@@ -18,6 +19,8 @@ constexpr double SamePlace = 1e-13;
 constexpr double LineDoubt = 4e-15;
 // Where lines meet at a small angle the sweep may have found that as far off as this.
 constexpr double MostDoubt = 1e-7;
+// Beyond this, what has been found around it may be another than elsewhere in the cube.
+constexpr double SureDistance = 3e-9;
 
 }  // namespace
 
@@ -83,15 +86,29 @@ void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
     const Vec3 normal = normalOf(lines[0]);
     const double off = Kernel::dot(normal, place);
     if (std::fabs(off) < MostDoubt) place = unit(place - off * normal);
+    isDoubtful = true;
     return;
   }
+  for (const Exactness exactness : {Exactness::Usual, Exactness::Full}) {
+    const Vec3 meeting = meetingAt(place, lines, exactness);
+    if (meeting == Vec3{}) continue;
+    if (Kernel::distance(meeting, place) > SureDistance) isDoubtful = true;
+    place = meeting;
+    return;
+  }
+  isDoubtful = true;
+}
+
+// Where those two of some lines meet that do so at the largest angle; zero if that is nowhere near.
+Vec3 MapBuilder::meetingAt(Vec3 place, const std::vector<Source>& lines,
+                           Exactness exactness) const {
   double best = LineDoubt / MostDoubt;
   Vec3 meeting{};
   for (size_t i = 0; i < lines.size(); ++i)
     for (size_t k = i + 1; k < lines.size(); ++k) {
-      const Vec3 d = Kernel::cross(normalOf(lines[i]), normalOf(lines[k]));
+      const Vec3 d = Kernel::cross(normalOf(lines[i], exactness), normalOf(lines[k], exactness));
       const double sine = Kernel::length3(d);
-      if (sine <= best) continue;
+      if (!(sine > best)) continue;
       const double sign = Kernel::dot(d, place) < 0.0 ? -1.0 : 1.0;
       // Zeros have one sign, whichever line comes first.
       const Vec3 candidate = {sign * d.x / sine + 0.0, sign * d.y / sine + 0.0,
@@ -102,7 +119,7 @@ void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
       best = sine;
       meeting = candidate;
     }
-  if (!(meeting == Vec3{})) place = meeting;
+  return meeting;
 }
 
 // How far rounding may put the line in which two planes meet off its place, in rad.
@@ -122,7 +139,7 @@ Vec3 MapBuilder::comparedNearness(Source polygon) const {
 }
 
 // The normal of the plane through the eye and a line, up to its sign.
-Vec3 MapBuilder::normalOf(Source source) const {
+Vec3 MapBuilder::normalOf(Source source, Exactness exactness) const {
   if (source == FieldSource) return {map.forward[0], map.forward[1], map.forward[2]};
   if (isCrossing(source)) {
     constexpr Source Low = (Source{1} << 31) - 1;
@@ -131,7 +148,11 @@ Vec3 MapBuilder::normalOf(Source source) const {
   const auto [first, second] = orderedEnds(*setup.state, source);
   const Vec3 a = unit(fromEye(first));
   Vec3 b;
-  if (!middleOfWide(source, b)) b = unit(fromEye(second));
+  if (!middleOfWide(source, b)) {
+    if (exactness == Exactness::Full)
+      return unit(inRange(exactCross(fromEye(first), fromEye(second))));
+    b = unit(fromEye(second));
+  }
   return unit(Kernel::cross(a, b));
 }
 

@@ -145,6 +145,7 @@ bool MapBuilder::dropSliversOnce(BlockList<Link>& borders) {
     if (perhapsThin[i] != 0 && isSliver(static_cast<int>(i), extents[i]))
       slivers.push_back(static_cast<int>(i));
   if (slivers.empty()) return false;
+  isDoubtful = true;
   std::stable_sort(slivers.begin(), slivers.end(), [this](int a, int b) {
     return orderOf(found[static_cast<size_t>(a)].region) <
            orderOf(found[static_cast<size_t>(b)].region);

@@ -156,7 +156,9 @@ void MapBuilder::closeRings() {
   LargeVector<int> open;
   for (size_t i = 0; i < balance.size(); ++i)
     if (balance[i] != 0) open.push_back(static_cast<int>(i));
-  if (!open.empty()) joinOpen(open, balance);
+  if (open.empty()) return;
+  isDoubtful = true;
+  joinOpen(open, balance);
 }
 
 // Joins those of the open vertices that are close to each other.

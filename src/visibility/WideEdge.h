@@ -43,15 +43,18 @@ inline double differenceOfProducts(double a, double b, double c, double d) {
   return std::fma(a, b, -product) + lost;
 }
 
+/// a x b, each coordinate off by two units of its last place at most, however small the angle is.
+inline Kernel::Vec3 exactCross(Kernel::Vec3 a, Kernel::Vec3 b) {
+  return {differenceOfProducts(a.y, b.z, a.z, b.y), differenceOfProducts(a.z, b.x, a.x, b.z),
+          differenceOfProducts(a.x, b.y, a.y, b.x)};
+}
+
 /// The direction, not of unit length, of the point of a wide edge that is nearest to the eye; zero
 /// if the edge runs through the eye. It is as exact as doubles are, however near the eye.
 inline Kernel::Vec3 nearestOfWide(Kernel::Vec3 a, Kernel::Vec3 b) {
   const Kernel::Vec3 p = inRange(a);
   const Kernel::Vec3 q = inRange(b);
-  const Kernel::Vec3 normal = {differenceOfProducts(p.y, q.z, p.z, q.y),
-                               differenceOfProducts(p.z, q.x, p.x, q.z),
-                               differenceOfProducts(p.x, q.y, p.y, q.x)};
-  return inRange(Kernel::cross(inRange(b - a), inRange(normal)));
+  return inRange(Kernel::cross(inRange(b - a), inRange(exactCross(p, q))));
 }
 
 /// Whether an edge runs through the eye.

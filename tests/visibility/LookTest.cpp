@@ -443,6 +443,54 @@ TEST(Look, WhatIsHiddenMovesNoVertexWhereLinesMeetAtSmallAngles) {
   }
 }
 
+// A wall behind all that the next tests look at, and behind it as many rows of small triangles.
+PolygonScene withHidden(PolygonBuilder builder, int rows) {
+  const int wall = builder.scene.labels.back().object + 1;
+  builder.add(
+      {placed(40, -1.5, -1.5), placed(40, 1.5, -1.5), placed(40, 1.5, 1.5), placed(40, -1.5, 1.5)},
+      wall);
+  for (int i = 0; i < 60 * rows; ++i) {
+    const double y = -0.9 + i / rows * 0.03;
+    const double z = 0.7 - 1.4 * (i % rows) / rows;
+    builder.add({placed(50, y, z), placed(50, y + 0.02, z), placed(50, y, z - 0.01)}, wall + 1 + i);
+  }
+  return builder.scene;
+}
+
+// Strips behind each other of which all have an edge on one line, but for what they are apart.
+void addStrips(PolygonBuilder& builder, Random& random, double apart) {
+  constexpr int Strips = 60;
+  for (int i = 0; i < Strips; ++i) {
+    const double far = 1.0 + 0.01 * i;
+    const auto off = [&] { return apart * random.between(-1.0, 1.0) * Strips / 8; };
+    const double from = random.between(-1.0, 0.9);
+    const double to = random.between(from, 1.0);
+    const double height = random.between(0.1, 0.8) * (random.below(2) == 0 ? 1.0 : -1.0);
+    const double start = off();
+    const double end = off();
+    const auto at = [&](double y, double z) { return placed(far, y, 0.13 + 0.31 * y + z); };
+    builder.add({at(from, start), at(to, end), at(to, end + height), at(from, start + height)},
+                i + 1);
+  }
+}
+
+TEST(LookProperty, WhatIsHiddenHasNoPartInWhichOfLinesThatAllButCoincideIsSeen) {
+  LookOptions options;
+  options.forward = {1, 0, 0};
+  options.twoSided = true;
+  Random random(31);
+  for (int scene = 0; scene < 24; ++scene) {
+    PolygonBuilder builder;
+    addStrips(builder, random, std::pow(10.0, random.between(-15.0, -10.0)));
+    const VisibleMap map = SceneIndex(withHidden(builder, 0)).look({0, 0, 0}, options);
+    for (const int rows : {1, 12, 30}) {
+      options.threads = 1 + rows % 2;
+      EXPECT_TRUE(sameBytes(map, SceneIndex(withHidden(builder, rows)).look({0, 0, 0}, options)))
+          << "scene " << scene << ", " << rows << " rows";
+    }
+  }
+}
+
 TEST(Look, AnEyeInTheMiddleOfAWallSeesNothingOfIt) {
   PolygonBuilder builder;
   builder.add({{0, -1, -1}, {0, -1, 1}, {0, 1, 1}, {0, 1, -1}}, 1);
