@@ -1,6 +1,7 @@
 #include "visibility/LookPolygons.h"
 
 #include "kernel/Exact.h"
+#include "visibility/EdgeOrder.h"
 #include "visibility/EyePlane.h"
 #include "visibility/WideEdge.h"
 
@@ -217,16 +218,19 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
   const auto i = static_cast<size_t>(polygon.number);
   const auto begin = static_cast<size_t>(state.cornerOffsets[i]);
   const size_t count = static_cast<size_t>(state.cornerOffsets[i + 1]) - begin;
-  const auto vertexAt = [&](size_t k) { return state.cornerVertices[begin + k]; };
+  const auto vertexAt = [&](size_t k) {
+    return state.vertices[static_cast<size_t>(state.cornerVertices[begin + k])];
+  };
   cornerEnds.clear();
   for (size_t k = 0; k < count; ++k)
-    cornerEnds.push_back(
-        cornerAt(inRange(theSetup.directionTo(state.vertices[static_cast<size_t>(vertexAt(k))]))));
+    cornerEnds.push_back(cornerAt(inRange(theSetup.directionTo(vertexAt(k)))));
   corners.clear();
   for (size_t k = 0; k < count; ++k) {
     const size_t next = k + 1 == count ? 0 : k + 1;
     corners.push_back(cornerEnds[k].direction);
-    if (vertexAt(k) < vertexAt(next)) {
+    // Where an arc crosses borders of the cube depends, by rounding, on where it begins.
+    const bool isOnFace = cornerEnds[k].end.face == cornerEnds[next].end.face;
+    if (isOnFace || isBefore(vertexAt(k), vertexAt(next))) {
       addEdge(cornerEnds[k], cornerEnds[next], begin + k);
     } else {
       addEdge(cornerEnds[next], cornerEnds[k], begin + k);

@@ -96,5 +96,53 @@ TEST(LookPolygons, ThoseThatAreNeededAreAsTheyWereInTheirNewPlaces) {
   }
 }
 
+// A large triangle, and beside it small ones that share its corners or have their own: its corners
+// get other numbers so.
+PolygonScene triangleAmongOthers(const Outline& triangle, bool shared) {
+  PolygonBuilder builder;
+  for (std::size_t i = 3; i-- > 0;) {
+    const Vector at = shared ? triangle[i] : plus(triangle[i], {0.3, 0.4, 0.5});
+    builder.add({at, plus(at, {0.1, 0, 0}), plus(at, {0, 0.1, 0})});
+  }
+  builder.add(triangle);
+  return builder.scene;
+}
+
+TEST(LookPolygons, AnArcCrossesTheBordersOfTheCubeInTheSamePlacesWhateverNumbersItsEndsHave) {
+  const Tile face = {0, -CubeHalf, -CubeHalf, CubeHalf, CubeHalf};
+  Random random(8);
+  int others = 0;
+  for (int i = 0; i < 60; ++i) {
+    const Outline triangle = {random.vector(5.0), random.vector(5.0), random.vector(5.0)};
+    std::vector<Segment> found[2];
+    std::vector<bool> rises[2];
+    for (const std::size_t shared : {0U, 1U}) {
+      const TileScene tile(triangleAmongOthers(triangle, shared == 1), face);
+      const IndexState& state = tile.state;
+      std::int32_t number = 0;
+      while (state.regions[static_cast<std::size_t>(number)] != 3) ++number;
+      LookPolygons polygons(tile.setup);
+      const LookPolygon& polygon = polygons[polygons.find(number)];
+      for (std::uint32_t k = polygon.firstSegment[0]; k < polygon.firstSegment[FaceCount]; ++k)
+        found[shared].push_back(polygons.segment(k));
+      const auto first =
+          static_cast<std::size_t>(state.cornerOffsets[static_cast<std::size_t>(number)]);
+      for (const std::size_t k : {0U, 1U, 2U})
+        rises[shared].push_back(state.cornerVertices[first + k] <
+                                state.cornerVertices[first + (k + 1) % 3]);
+    }
+    if (rises[0] != rises[1]) ++others;
+    ASSERT_EQ(found[0].size(), found[1].size());
+    for (std::size_t k = 0; k < found[0].size(); ++k) {
+      EXPECT_EQ(found[0][k].face, found[1][k].face);
+      EXPECT_EQ(found[0][k].x0, found[1][k].x0);
+      EXPECT_EQ(found[0][k].y0, found[1][k].y0);
+      EXPECT_EQ(found[0][k].x1, found[1][k].x1);
+      EXPECT_EQ(found[0][k].y1, found[1][k].y1);
+    }
+  }
+  EXPECT_GT(others, 10);
+}
+
 }  // namespace
 }  // namespace Lumivane::Visibility
