@@ -70,6 +70,8 @@ void MapBuilder::orderMap() {
   orderEdges();
 }
 
+// Vertices are about evenly spread along the first axis, so that each sorts among the few of its
+// own slice of directions.
 void MapBuilder::orderVertices() {
   struct Placed {
     Vec3 at;
@@ -83,20 +85,34 @@ void MapBuilder::orderVertices() {
       if (number < 0) ++count;
       number = 0;
     }
-  LargeVector<Placed> used;
-  used.reserve(count);
-  for (const size_t i : watch.upTo(directions.size()))
-    if (vertexNumbers[i] >= 0) used.push_back({directions[i], static_cast<int>(i)});
+  const size_t sliceCount = 1 + count / 2;
+  // The same as or after that of a lesser coordinate, since no step of it swaps two values.
+  const auto sliceOf = [&](const Vec3& at) {
+    const double place = std::clamp((at.x + 1.0) / 2.0, 0.0, 1.0) * static_cast<double>(sliceCount);
+    return static_cast<int>(std::min(static_cast<size_t>(place), sliceCount - 1));
+  };
+  BasicBuckets<Placed> slices;
+  slices.fill(sliceCount, [&](auto add) {
+    for (const size_t i : watch.upTo(directions.size()))
+      if (vertexNumbers[i] >= 0)
+        add(sliceOf(directions[i]), Placed{directions[i], static_cast<int>(i)});
+  });
   release(directions);
-  sortInParallel(used, threads, watch.order([](const Placed& a, const Placed& b) {
-    if (a.at.x != b.at.x) return a.at.x < b.at.x;
-    return std::tie(a.at.y, a.at.z, a.vertex) < std::tie(b.at.y, b.at.z, b.vertex);
-  }));
-  map.vertices.reserve(used.size());
-  for (const Placed& placed : watch.over(used)) {
-    vertexNumbers[static_cast<size_t>(placed.vertex)] = static_cast<int>(map.vertices.size());
-    map.vertices.push_back({placed.at.x, placed.at.y, placed.at.z});
-  }
+  map.vertices.resize(count);
+  forEach(sliceCount, [&](size_t i) {
+    const int slice = static_cast<int>(i);
+    Placed* const first = slices.begin(slice);
+    Placed* const last = first + slices.size(slice);
+    std::sort(first, last, [](const Placed& a, const Placed& b) {
+      if (a.at.x != b.at.x) return a.at.x < b.at.x;
+      return std::tie(a.at.y, a.at.z, a.vertex) < std::tie(b.at.y, b.at.z, b.vertex);
+    });
+    size_t number = slices.placeOf(slice);
+    for (const Placed* placed = first; placed != last; ++placed, ++number) {
+      vertexNumbers[static_cast<size_t>(placed->vertex)] = static_cast<int>(number);
+      map.vertices[number] = {placed->at.x, placed->at.y, placed->at.z};
+    }
+  });
 }
 
 // Gives edges the numbers of the map's vertices, the lower one first. \return the first edge of
