@@ -14,7 +14,7 @@ namespace {
 
 constexpr double Half = static_cast<double>(CubeHalf);
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr int PlacesInRow = 16;
+constexpr int PlacesInRow = 20;
 constexpr size_t PlaceCount = PlacesInRow * PlacesInRow;
 // Edges that go no further into a gap do not go into it; units of the cube.
 constexpr double Touching = 8.0;
@@ -23,6 +23,7 @@ constexpr double Doubt = 4.0 * static_cast<double>(Snap);
 
 // Places of a column, bit i for that in row i.
 using Column = std::uint32_t;
+static_assert(PlacesInRow < 32, "a column has room for a carry");
 constexpr Column WholeColumn = (Column{1} << PlacesInRow) - 1;
 using Columns = std::array<Column, PlacesInRow>;
 
@@ -94,44 +95,46 @@ Columns placesCovered(const LookPolygons& polygons, const Tile& tile, const Plac
 bool TileOcclusion::chooseInFront(const Tile& tile, const TileContent& content) {
   const CubeFace& face = CubeFaces[static_cast<size_t>(tile.face)];
   const Places places(tile);
+  // Of each place: 1 / distance of what is in front there, and its number among entries, then
+  // covers, as a double, by which two places are looked at at once.
   std::array<double, PlaceCount> nearest;
-  std::array<std::int32_t, PlaceCount> inFront;  // entries, then covers; -1 for none
+  std::array<double, PlaceCount> numbers;
   nearest.fill(-Infinity);
-  inFront.fill(-1);
-  const auto offer = [&](std::int32_t position, std::int32_t number, const Columns& columns) {
+  numbers.fill(-1.0);
+  const auto offer = [&](std::int32_t position, size_t number, const Columns& columns) {
     const FaceDepth depth = position == LookPolygons::Beyond ? FaceDepth{0.0, 0.0, Infinity}
                                                              : faceDepth(polygons[position], face);
+    const auto own = static_cast<double>(number);
     for (size_t column = 0; column < PlacesInRow; ++column)
-      for (Column rest = columns[column]; rest != 0; rest &= rest - 1) {
-        const auto row = static_cast<size_t>(__builtin_ctz(rest));
-        const size_t place = PlacesInRow * column + row;
-        const double value = depth.at(places.x[column], places.y[row]);
-        if (!(value > nearest[place])) continue;
-        nearest[place] = value;
-        inFront[place] = number;
+      for (Column rest = columns[column]; rest != 0;) {
+        const auto first = static_cast<size_t>(__builtin_ctz(rest));
+        const Column carried = rest + (Column{1} << first);  // to the end of the lowest run
+        const auto end = static_cast<size_t>(__builtin_ctz(carried));
+        rest &= carried;
+        double* const near = &nearest[PlacesInRow * column];
+        double* const best = &numbers[PlacesInRow * column];
+        for (size_t row = first; row < end; ++row) {
+          const double value = depth.at(places.x[column], places.y[row]);
+          best[row] = value > near[row] ? own : best[row];
+          near[row] = value > near[row] ? value : near[row];
+        }
       }
   };
-  const auto entryCount = static_cast<std::int32_t>(content.entryCount);
-  for (std::int32_t i = 0; i < entryCount; ++i) {
+  for (size_t i = 0; i < content.entryCount; ++i) {
     const TileEntry& entry = content.entries[i];
     offer(entry.polygon, i, placesCovered(polygons, tile, places, entry, content.segments));
   }
   for (size_t i = 0; i < content.coverCount; ++i)
-    offer(content.covers[i], entryCount + static_cast<std::int32_t>(i), allPlaces());
+    offer(content.covers[i], content.entryCount + i, allPlaces());
+  chosenNumbers.assign(content.entryCount + content.coverCount, 0);
+  for (const double number : numbers)
+    if (number >= 0.0) chosenNumbers[static_cast<size_t>(number)] = 1;
   chosen.clear();
-  chosenEntries.assign(content.entryCount, 0);
+  for (size_t i = 0; i < content.entryCount; ++i)
+    if (isChosen(i)) chosen.push_back(content.entries[i]);
   chosenCovers.clear();
-  std::sort(inFront.begin(), inFront.end());
-  const auto end = std::unique(inFront.begin(), inFront.end());
-  for (auto i = inFront.begin(); i != end; ++i) {
-    if (*i < 0) continue;
-    if (*i < entryCount) {
-      chosen.push_back(content.entries[*i]);
-      chosenEntries[static_cast<size_t>(*i)] = 1;
-    } else {
-      chosenCovers.push_back(content.covers[*i - entryCount]);
-    }
-  }
+  for (size_t i = 0; i < content.coverCount; ++i)
+    if (isChosen(content.entryCount + i)) chosenCovers.push_back(content.covers[i]);
   return !chosen.empty() && 2 * chosen.size() <= content.entryCount;
 }
 
@@ -171,38 +174,94 @@ TileOcclusion::Screen TileOcclusion::add(const LoneScreen& other) {
 
 void TileOcclusion::sweep(Screen& screen) {
   lines.start();
-  open.clear();
+  frontSlots.clear();
+  bands.clear();
   while (lines.advance()) {
-    const TileLines::Change& change = lines.change();
-    const auto x = static_cast<double>(change.x);
-    for (size_t i = change.from; i < change.oldTo; ++i) close(i, open[i], x, screen);
-    const auto at = [this](size_t i) { return open.begin() + static_cast<std::ptrdiff_t>(i); };
-    if (change.newTo > change.oldTo)
-      open.insert(at(change.oldTo), change.newTo - change.oldTo, OpenGap{});
-    if (change.newTo < change.oldTo) open.erase(at(change.newTo), at(change.oldTo));
-    const double middle = 0.5 * (x + static_cast<double>(change.next));
-    const TileLines::Order& order = lines.behind();
-    for (size_t k = change.from; k < change.newTo; ++k) {
-      open[k] = {x, -1};
-      if (order.isEmpty(k)) continue;
-      const double y = 0.5 * (lines.exactHeightAt(order.below(k), middle) +
-                              lines.exactHeightAt(order.above(k), middle));
-      open[k].slot = planes.seenAt(lines.maskBehind(k), middle, y);
+    placeSlots(lines.change());
+    changeBands(lines.change(), screen);
+  }
+}
+
+// What is in front in the gaps that change.
+void TileOcclusion::placeSlots(const TileLines::Change& change) {
+  const auto at = [this](size_t i) { return frontSlots.begin() + static_cast<std::ptrdiff_t>(i); };
+  if (change.newTo > change.oldTo)
+    frontSlots.insert(at(change.oldTo), change.newTo - change.oldTo, 0);
+  if (change.newTo < change.oldTo) frontSlots.erase(at(change.newTo), at(change.oldTo));
+  const double middle = 0.5 * (static_cast<double>(change.x) + static_cast<double>(change.next));
+  const TileLines::Order& order = lines.behind();
+  for (size_t k = change.from; k < change.newTo; ++k) {
+    frontSlots[k] = EmptyGap;
+    if (order.isEmpty(k)) continue;
+    const double y = 0.5 * (lines.exactHeightAt(order.below(k), middle) +
+                            lines.exactHeightAt(order.above(k), middle));
+    frontSlots[k] = planes.seenAt(lines.maskBehind(k), middle, y);
+  }
+}
+
+// Bands that touch what changes at a stop end there, unless they go on behind it.
+void TileOcclusion::changeBands(const TileLines::Change& change, Screen& screen) {
+  const auto x = static_cast<double>(change.x);
+  const auto first = std::find_if(bands.begin(), bands.end(),
+                                  [&](const Band& band) { return band.to >= change.from; });
+  const auto last =
+      std::find_if(first, bands.end(), [&](const Band& band) { return band.from > change.oldTo; });
+  const auto moved = [&](size_t gap) { return gap - change.oldTo + change.newTo; };
+  size_t from = change.from;
+  size_t to = change.newTo;
+  if (first != last) {
+    from = std::min(from, first->from);
+    if ((last - 1)->to > change.oldTo) to = moved((last - 1)->to);
+  }
+  for (auto band = last; band != bands.end(); ++band) {
+    band->from = moved(band->from);
+    band->to = moved(band->to);
+  }
+  placeBands(from, to, x);
+  auto next = newBands.begin();
+  for (auto band = first; band != last; ++band) {
+    const auto same =
+        std::find_if(next, newBands.end(), [&](const Band& other) { return band->goesOn(other); });
+    if (same == newBands.end()) {
+      close(*band, x, screen);
+      continue;
+    }
+    same->since = band->since;
+    next = same + 1;
+  }
+  const auto kept = std::min(last - first, newBands.end() - newBands.begin());
+  const auto rest = std::copy_n(newBands.begin(), kept, first);
+  if (rest != last) {
+    bands.erase(rest, last);
+  } else {
+    bands.insert(last, newBands.begin() + kept, newBands.end());
+  }
+}
+
+// Of some gaps behind a stop.
+void TileOcclusion::placeBands(size_t from, size_t to, double x) {
+  const TileLines::Order& order = lines.behind();
+  newBands.clear();
+  for (size_t k = from; k < to; ++k) {
+    if (frontSlots[k] == EmptyGap) continue;
+    if (!newBands.empty() && newBands.back().to == k && newBands.back().slot == frontSlots[k]) {
+      newBands.back().to = k + 1;
+      newBands.back().above = order.above(k);
+    } else {
+      newBands.push_back({k, k + 1, frontSlots[k], order.below(k), order.above(k), x});
     }
   }
 }
 
-void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& screen) {
-  const TileLines::Order& order = lines.before();
-  if (order.isEmpty(gap)) return;
+void TileOcclusion::close(const Band& band, double to, Screen& screen) {
   ScreenGap g{};
-  g.x0 = opened.since;
+  g.x0 = band.since;
   g.x1 = to;
   if (!(g.x0 < g.x1)) return;
   for (const int i : {0, 1}) {
     const double x = i == 0 ? g.x0 : g.x1;
-    g.below[i] = lines.exactHeightAt(order.below(gap), x);
-    g.above[i] = lines.exactHeightAt(order.above(gap), x);
+    g.below[i] = lines.exactHeightAt(band.below, x);
+    g.above[i] = lines.exactHeightAt(band.above, x);
   }
   g.slopes[0] = (g.below[1] - g.below[0]) / (g.x1 - g.x0);
   g.slopes[1] = (g.above[1] - g.above[0]) / (g.x1 - g.x0);
@@ -211,8 +270,8 @@ void TileOcclusion::close(size_t gap, const OpenGap& opened, double to, Screen& 
   g.floor = -Infinity;
   g.layer = -1;
   // Of a polygon beside its layer, what is painted later may be farther.
-  if (opened.slot >= 0 && !polygons[planes[opened.slot].position].besideItsLayer) {
-    const TilePlanes::Slot& s = planes[opened.slot];
+  if (band.slot >= 0 && !polygons[planes[band.slot].position].besideItsLayer) {
+    const TilePlanes::Slot& s = planes[band.slot];
     g.a = s.a;
     g.b = s.b;
     g.c = s.c;
@@ -324,13 +383,22 @@ bool TileOcclusion::isBehind(const ScreenGap& gap, const SeenRange& range,
   return behind(x0, y0) && behind(x0, y1) && behind(x1, y0) && behind(x1, y1);
 }
 
-// What is seen is often seen where the polygon before it was, so that gap is asked first.
+// What is seen is often seen where the polygon before it was, so that gap is asked first. Gaps are
+// in the order in which they end.
 template <class IsBehind>
 bool TileOcclusion::behindAll(const Screen& screen, const Frame& turned, IsBehind behind) const {
-  const auto shows = [&](size_t i) { return frames[i].meets(turned) && !behind(gaps[i]); };
-  if (lastShown >= screen.first && lastShown < screen.end && shows(lastShown)) return false;
-  for (size_t i = screen.first; i < screen.end; ++i) {
-    if (!shows(i)) continue;
+  const Frame* const all = frames.data();
+  const size_t shown = lastShown;
+  if (shown >= screen.first && shown < screen.end && all[shown].meets(turned) &&
+      !behind(gaps[shown]))
+    return false;
+  const Frame* const end = all + screen.end;
+  const Frame* frame = std::partition_point(all + screen.first, end,
+                                            [&](const Frame& f) { return f.isBefore(turned); });
+  for (; frame != end; ++frame) {
+    if (!frame->meets(turned)) continue;
+    const auto i = static_cast<size_t>(frame - all);
+    if (i == shown || behind(gaps[i])) continue;
     lastShown = i;
     return false;
   }

@@ -62,6 +62,8 @@ class TileOcclusion {
              (least[2] <= turned.least[2]) & (least[3] <= turned.least[3]);
 #endif
     }
+    // Ends before that range begins.
+    bool isBefore(const Frame& turned) const { return least[2] > turned.least[2]; }
   };
 
  public:
@@ -99,7 +101,7 @@ class TileOcclusion {
   Screen add(const LoneScreen& other);
 
   /// Whether an entry of the tile, by its number, is in front at one of the places.
-  bool isChosen(std::size_t entry) const { return chosenEntries[entry] != 0; }
+  bool isChosen(std::size_t entry) const { return chosenNumbers[entry] != 0; }
   bool hides(const Screen& screen, const Tile& tile, const TileEntry& entry,
              const std::uint32_t* segments) const;
   bool hides(const Screen& screen, const SeenRange& range) const;
@@ -112,14 +114,29 @@ class TileOcclusion {
     double crossing;  // where it crosses the lower side of the tile
     bool crosses;
   };
-  struct OpenGap {
-    double since;
+  // Neighbouring gaps of the sweep in which the same is in front, for so long as the same lines are
+  // around them: what is hidden in front of nothing divides no gap of a screen.
+  struct Band {
+    std::size_t from;  // gaps of the sweep
+    std::size_t to;
     std::int32_t slot;
+    int below;  // the lines around it
+    int above;
+    double since;
+
+    bool goesOn(const Band& next) const {
+      return slot == next.slot && below == next.below && above == next.above;
+    }
   };
+
+  static constexpr std::int32_t EmptyGap = -2;
 
   bool chooseInFront(const Tile& tile, const TileContent& content);
   void sweep(Screen& screen);
-  void close(std::size_t gap, const OpenGap& open, double to, Screen& screen);
+  void placeSlots(const TileLines::Change& change);
+  void changeBands(const TileLines::Change& change, Screen& screen);
+  void placeBands(std::size_t from, std::size_t to, double x);
+  void close(const Band& band, double to, Screen& screen);
   template <class IsBehind>
   bool behindAll(const Screen& screen, const Frame& turned, IsBehind behind) const;
   static Frame turnedFrame(const SeenRange& range);
@@ -133,12 +150,14 @@ class TileOcclusion {
   TilePlanes planes;
   TileLines lines;
   std::vector<ScreenGap> gaps;
-  std::vector<Frame> frames;          // of each gap
-  mutable std::vector<Edge> edges;    // scratch
-  mutable std::size_t lastShown = 0;  // the gap in which something was seen last
-  std::vector<OpenGap> open;
+  std::vector<Frame> frames;             // of each gap
+  mutable std::vector<Edge> edges;       // scratch
+  mutable std::size_t lastShown = 0;     // the gap in which something was seen last
+  std::vector<std::int32_t> frontSlots;  // for each gap of the sweep, or EmptyGap
+  std::vector<Band> bands;               // from below
+  std::vector<Band> newBands;
   std::vector<TileEntry> chosen;
-  std::vector<char> chosenEntries;
+  std::vector<char> chosenNumbers;  // of entries, then covers
   std::vector<std::int32_t> chosenCovers;
 };
 

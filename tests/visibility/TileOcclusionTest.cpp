@@ -153,6 +153,22 @@ TEST(TileOcclusion, WithoutMuchBehindNoScreenIsMade) {
   EXPECT_TRUE(Occlusion(builder.scene).screen.isEmpty());
 }
 
+// Two upright walls before a wider one, of which they hide a part.
+TEST(TileOcclusion, WhatIsInFrontIsNotDividedByEdgesBehindIt) {
+  const auto gapsWithWall = [](double left, double right) {
+    PolygonBuilder builder;
+    builder.add(rectangle(-0.15, -0.2, -0.05, 0.2, 1.0));
+    builder.add(rectangle(0.05, -0.2, 0.15, 0.2, 1.0));
+    builder.add(rectangle(left, -0.1, right, 0.1, 1.5));
+    for (int i = 0; i < 8; ++i) builder.add(rectangle(-0.14, -0.05, -0.06, 0.05, 2.0 + i));
+    const Occlusion tile(builder.scene);
+    return tile.screen.end - tile.screen.first;
+  };
+  // Beside the wall nothing; where there is a wall, it and what is below and above it.
+  EXPECT_EQ(1u + 3u * 5u + 1u, gapsWithWall(-0.21875, 0.21875));
+  EXPECT_EQ(1u + 3u * 3u + 1u, gapsWithWall(-0.125, 0.125));
+}
+
 // Triangles at random, most of them behind a few large ones.
 PolygonScene randomScene(std::uint64_t seed) {
   Random random(seed);
