@@ -90,6 +90,7 @@ BROKEN = {
         lambda d: d["cells"][0].pop("solid_angle"),
         lambda d: d["cells"][0].__setitem__("object", -1),
         lambda d: d["cells"][0]["rings"][0].__setitem__(0, -1),
+        lambda d: d["cells"][0]["rings"][0].__setitem__(slice(2, None), []),
         lambda d: d["edges"][0]["cells"].pop(),
         lambda d: d["edges"][0].__setitem__("kind", "hem"),
     ],
