@@ -116,7 +116,9 @@ class Batch {
     // One that came ready has been checked; for shots of it each take does it again.
     if (options.shot.view.checkScene && !scenes.source().ready)
       refuseErrors(options.shot.scene, scenes.scene().scene());
-    if (isSceneFile(options.shot.scene)) warnOfFarCoordinates(options.shot.scene, scenes.scene());
+    // Of shots alone: a look computes in double precision.
+    if (!options.shot.noShots && isSceneFile(options.shot.scene))
+      warnOfFarCoordinates(options.shot.scene, scenes.scene());
     keepClasses(scenes);
     for (size_t i = 0; plan.views.hasFiles() && i < pieces.size(); ++i)
       for (const std::string& file : plan.views[pieces[i]].files)

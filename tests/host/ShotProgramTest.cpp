@@ -195,6 +195,21 @@ TEST(ShotProgram, CoordinatesFarFromTheOriginAreAWarning) {
   EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n'));
 }
 
+TEST(ShotProgram, BatchWarnsOfFarCoordinatesOnlyWhereItMakesShots) {
+  const TempFolder folder;
+  const FarScene far(folder);
+  const std::string views = folder.file("views.csv", "name,eye\na,\"4499997.5,5600000.25,1.75\"\n");
+  const auto hasWarning = [&](const std::string& out, const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {"batch", far.file, views, "--out-dir", folder.path(out)};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Result result = run(arguments);
+    EXPECT_EQ(0, result.status) << result.err;
+    return result.err.find("single precision") != std::string::npos;
+  };
+  EXPECT_TRUE(hasWarning("shots", {"--output", "{name}.json"}));
+  EXPECT_FALSE(hasWarning("looks", {"--no-shots"}));
+}
+
 TEST(ShotProgram, CenterMovesSceneAndEyeTogether) {
   const TempFolder folder;
   const FarScene far(folder);
