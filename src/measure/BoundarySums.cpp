@@ -39,7 +39,8 @@ std::vector<int> BoundarySums::inOrder() const {
   return order;
 }
 
-void BoundarySums::sumUp(Totals& totals) const {
+template <class Each>
+void BoundarySums::forEachJoined(const Each& each) const {
   Boundary whole;
   for (const int i : inOrder()) {
     const Boundary& boundary = boundaries[static_cast<size_t>(i)];
@@ -48,15 +49,31 @@ void BoundarySums::sumUp(Totals& totals) const {
     if (partedByTiles) {
       whole.y1 = boundary.y1;
     } else {
-      addTo(totals, whole);
+      if (whole.exists()) each(whole);
       whole = boundary;
     }
   }
-  addTo(totals, whole);
+  if (whole.exists()) each(whole);
+}
+
+void BoundarySums::sumUp(Totals& totals) const {
+  forEachJoined([&](const Boundary& boundary) { addTo(totals, boundary); });
+}
+
+std::vector<Stretch> BoundarySums::stretches() const {
+  std::vector<Stretch> all;
+  forEachJoined([&](const Boundary& boundary) {
+    const SweepEdge& edge = edges[static_cast<size_t>(boundary.edge)];
+    all.push_back({boundary.edge,
+                   boundary.left,
+                   boundary.right,
+                   {edge.xAt(boundary.y0), boundary.y0},
+                   {edge.xAt(boundary.y1), boundary.y1}});
+  });
+  return all;
 }
 
 void BoundarySums::addTo(Totals& totals, const Boundary& boundary) const {
-  if (!boundary.exists()) return;
   const SweepEdge& edge = edges[static_cast<size_t>(boundary.edge)];
   const double area =
       0.5 * (boundary.y1 - boundary.y0) * (edge.xAt(boundary.y0) + edge.xAt(boundary.y1));

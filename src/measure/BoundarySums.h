@@ -26,6 +26,15 @@ struct Boundary {
   bool exists() const { return left != None; }
 };
 
+/// The same as a line in the sweep's frame, from its lower to its upper end.
+struct Stretch {
+  int edge = 0;
+  RegionNumber left = 0;
+  RegionNumber right = 0;
+  Kernel::Vec2 low;
+  Kernel::Vec2 high;
+};
+
 /// Gathers the visible boundaries of all tiles and sums up what they enclose: by Green's theorem
 /// each stretch adds to the region on its left and takes from that on its right. Stretches of an
 /// edge that tiles have parted are joined first, so that sums do not depend on the tiles.
@@ -36,8 +45,12 @@ class BoundarySums {
   void add(const Boundary& boundary) { boundaries.push_back(boundary); }
   /// Adds what is enclosed, but the contents only where there is room.
   void sumUp(Totals& totals) const;
+  /// All boundaries, edge by edge and upwards along each.
+  std::vector<Stretch> stretches() const;
 
  private:
+  template <class Each>
+  void forEachJoined(const Each& each) const;
   std::vector<int> inOrder() const;
   void addTo(Totals& totals, const Boundary& boundary) const;
   Content contentOf(const Boundary& boundary) const;

@@ -53,6 +53,8 @@ Vec2 ContourRule::sweepPoint(Vec2 picture) const {
   return turned(intoSquare(picture));
 }
 
+Vec2 ContourRule::picturePoint(Vec2 sweep) { return turnedBack(sweep); }
+
 Vec2 ContourRule::angles(Vec2 sweep) const {
   const Vec2 p = turnedBack(sweep);
   return {QuarterTurn * p.x, QuarterTurn * p.y};

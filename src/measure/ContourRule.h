@@ -41,6 +41,9 @@ class ContourRule {
   /// A point of the picture, brought back onto its rim if it lies outside, in the sweep's frame.
   Kernel::Vec2 sweepPoint(Kernel::Vec2 picture) const;
 
+  /// The point of the picture that lies there in the sweep's frame.
+  static Kernel::Vec2 picturePoint(Kernel::Vec2 sweep);
+
   /// What the straight piece of an edge from height y0 up to y1 adds to what lies left of it.
   /// Summed along a closed outline it is what the outline encloses; a single one means nothing.
   Content line(const SweepEdge& edge, double y0, double y1) const;

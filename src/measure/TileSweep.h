@@ -34,6 +34,8 @@ class TileSweep {
 
   /// After all tiles: adds what the boundaries enclose, but the contents only where there is room.
   void sumUp(Totals& totals) const { sums.sumUp(totals); }
+  /// After all tiles: the boundaries themselves.
+  std::vector<Stretch> stretches() const { return sums.stretches(); }
   /// Of two sets, by their numbers.
   const RegionPairs& regionPairs() const { return intervals.regionPairs(); }
 

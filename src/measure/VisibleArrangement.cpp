@@ -103,7 +103,7 @@ Totals visibleTotals(const std::vector<SweepEdge>& edges, size_t regions, const 
 }
 
 std::vector<SharedArea> sharedAreas(const std::vector<SweepEdge>& edges, RegionNumber lastOfFirst,
-                                    const ContourRule& rule) {
+                                    const ContourRule& rule, std::vector<Stretch>* stretches) {
   Arrangement arrangement(edges, rule, lastOfFirst);
   arrangement.sweep(wholeTile(edges));
   const std::vector<RegionPairs::Pair>& pairs = arrangement.swept().regionPairs().all();
@@ -114,6 +114,7 @@ std::vector<SharedArea> sharedAreas(const std::vector<SweepEdge>& edges, RegionN
   areas.reserve(pairs.size());
   for (size_t i = 0; i < pairs.size(); ++i)
     areas.push_back({pairs[i].first, pairs[i].second, totals.areas[i]});
+  if (stretches != nullptr) *stretches = arrangement.swept().stretches();
   return areas;
 }
 

@@ -21,7 +21,9 @@ struct SharedArea {
 
 /// Lays two sets of regions over each other. The regions up to `lastOfFirst` are the first set, the
 /// others the second, each with its own order; their outlines are `edges`.
+/// \param stretches  if not null, what bounds the areas: left and right are positions among them
 std::vector<SharedArea> sharedAreas(const std::vector<SweepEdge>& edges, RegionNumber lastOfFirst,
-                                    const ContourRule& rule);
+                                    const ContourRule& rule,
+                                    std::vector<Stretch>* stretches = nullptr);
 
 }  // namespace Lumivane::Measure
