@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <iostream>
+#include <memory>
 
 namespace Lumivane::Host {
 namespace {
@@ -73,11 +74,12 @@ Jzon::Node auditNode(const ShotAudit& audit) {
 
 }  // namespace
 
-Jzon::Node auditShot(const std::string& subject, const Session::TakenShot& shot,
-                     const Session::LoadedScene& scene) {
-  const ShotAudit audit(shot, Visibility::SceneIndex(scene), AllProcessors);
-  warnIfWrong(subject, audit);
-  return auditNode(audit);
+AuditedShot auditShot(const std::string& subject, const Session::TakenShot& shot,
+                      const Session::LoadedScene& scene, Measure::WrongParts parts) {
+  const auto audit =
+      std::make_shared<const ShotAudit>(shot, Visibility::SceneIndex(scene), AllProcessors, parts);
+  warnIfWrong(subject, *audit);
+  return {auditNode(*audit), audit};
 }
 
 }  // namespace Lumivane::Host

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <lumivane/jzon/Node.h>
+#include "AuditedShot.h"
+
+#include <lumivane/measure/ShotAudit.h>
 
 #include <string>
 
@@ -15,8 +17,8 @@ namespace Lumivane::Host {
 /// more than a thousandth of what the picture covers is wrong.
 ///
 /// \param subject  the scene's file
-/// \return what statistics report of it
-Jzon::Node auditShot(const std::string& subject, const Session::TakenShot& shot,
-                     const Session::LoadedScene& scene);
+/// \param parts    whether it is to be shown where the picture is wrong
+AuditedShot auditShot(const std::string& subject, const Session::TakenShot& shot,
+                      const Session::LoadedScene& scene, Measure::WrongParts parts);
 
 }  // namespace Lumivane::Host

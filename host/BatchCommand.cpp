@@ -1,6 +1,7 @@
 // Many views of one scene. The parent reads table and scene and shares the views out to copies of
 // itself; it never draws, since what VTK has opened for drawing does not survive a copy.
 
+#include "AuditedShot.h"
 #include "BatchMaps.h"
 #include "BatchPlan.h"
 #include "BatchProgress.h"
@@ -195,7 +196,7 @@ class Batch {
     std::string row =
         summaryRow(view.name, shot, exact.look(placed), scenes.place().inFile(placed.view.eye),
                    classes, options.shot.csvSafe);
-    writeOutputs(placed, scene, shot, seconds);
+    writeOutputs(placed, scene, shot, AuditedShot(), seconds);
     return row;
   }
 

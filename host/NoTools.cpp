@@ -47,9 +47,9 @@ void addGridOptions(CLI::App&, GridOptions&) {}
 std::vector<Command> commands() { return {}; }
 void writeVisible(const ShotOptions&, const Session::LoadedScene&, ShotShares&, Seconds&) {}
 void writeVectorPictures(const ShotOptions&, Session::LoadedScene&, const Session::TakenShot&,
-                         ShotShares&, Seconds&) {}
-Jzon::Node audit(const ShotOptions&, const Session::TakenShot&, const Session::LoadedScene&,
-                 Seconds&) {
+                         ShotShares&, const AuditedShot&, Seconds&) {}
+AuditedShot audit(const ShotOptions&, const Session::TakenShot&, const Session::LoadedScene&,
+                  Seconds&) {
   return {};
 }
 std::vector<std::string> sourceFiles(const std::string& path) { return {path}; }

@@ -1,6 +1,7 @@
 // Read, take, warn, write, each timed. Outputs are checked before the work, and statistics are
 // written even if another output fails, since the shot itself is there.
 
+#include "AuditedShot.h"
 #include "Commands.h"
 #include "HostError.h"
 #include "Options.h"
@@ -83,11 +84,11 @@ void writeStats(const ShotOptions& options, const TakenShot& shot, const Seconds
 }  // namespace
 
 void writeOutputs(const ShotOptions& options, LoadedScene& scene, const TakenShot& shot,
-                  Seconds& seconds) {
+                  const AuditedShot& audited, Seconds& seconds) {
   ShotShares shares(shot);
   writeShot(options, shot, seconds);
   Tools::writeVisible(options, scene, shares, seconds);
-  Tools::writeVectorPictures(options, scene, shot, shares, seconds);
+  Tools::writeVectorPictures(options, scene, shot, shares, audited, seconds);
   writePicture(options, shot, seconds);
 }
 
@@ -105,14 +106,14 @@ void runShot(const ShotOptions& options) {
   static const TakenShot& shot = *new TakenShot(takeShot(placed, source.scene(), seconds));
   warnOfCycle(options.scene, shot);
   warnIfInside(options.scene, shot);
-  const Jzon::Node audited = Tools::audit(options, shot, source.scene(), seconds);
+  const AuditedShot audited = Tools::audit(options, shot, source.scene(), seconds);
   try {
-    writeOutputs(placed, source.scene(), shot, seconds);
+    writeOutputs(placed, source.scene(), shot, audited, seconds);
   } catch (const HostError&) {
-    writeStats(options, shot, seconds, source.import, audited);  // the shot itself is there
+    writeStats(options, shot, seconds, source.import, audited.report);  // the shot itself is there
     throw;
   }
-  writeStats(options, shot, seconds, source.import, audited);
+  writeStats(options, shot, seconds, source.import, audited.report);
 }
 
 }  // namespace Lumivane::Host

@@ -9,6 +9,7 @@ class TakenShot;
 
 namespace Lumivane::Host {
 
+struct AuditedShot;
 struct Seconds;
 struct ShotOptions;
 
@@ -16,6 +17,6 @@ struct ShotOptions;
 /// another shot of the scene.
 /// \throws HostError
 void writeOutputs(const ShotOptions& options, Session::LoadedScene& scene,
-                  const Session::TakenShot& shot, Seconds& seconds);
+                  const Session::TakenShot& shot, const AuditedShot& audited, Seconds& seconds);
 
 }  // namespace Lumivane::Host

@@ -146,7 +146,8 @@ void addShotOptions(CLI::App& command, ShotOptions& options) {
   addVisible(command, options.visible);
   command.add_flag("--audit", options.audit,
                    "compare the picture with the exact visibility map: how much of it is wrong "
-                   "stands in --stats, and on standard error if it is more than 0.1 %");
+                   "stands in --stats, and on standard error if it is more than 0.1 %; the page "
+                   "of --html shades where");
   setVectorOptions(command, options.vector);
 }
 
@@ -247,17 +248,20 @@ void writeVisible(const ShotOptions& options, const Session::LoadedScene& scene,
 }
 
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
-                         const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds) {
+                         const Session::TakenShot& shot, ShotShares& shares,
+                         const AuditedShot& audited, Seconds& seconds) {
   const Timer timer(seconds.vector);
-  writeVectorFiles(options.vector, scene, options.view, shot, shares,
+  writeVectorFiles(options.vector, scene, options.view, shot, shares, audited.audit.get(),
                    titleOf(options.scene, options.import), options.width, options.height);
 }
 
-Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,
-                 const Session::LoadedScene& scene, Seconds& seconds) {
+AuditedShot audit(const ShotOptions& options, const Session::TakenShot& shot,
+                  const Session::LoadedScene& scene, Seconds& seconds) {
   if (!options.audit) return {};
   const Timer timer(seconds.audit);
-  return auditShot(options.scene, shot, scene);
+  return auditShot(
+      options.scene, shot, scene,
+      options.vector.html.empty() ? Measure::WrongParts::NotKept : Measure::WrongParts::Kept);
 }
 
 std::vector<std::string> sourceFiles(const std::string& path) {

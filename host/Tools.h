@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AuditedShot.h"
 #include "Command.h"
 #include "FilePlace.h"
 #include "ImportSettings.h"
@@ -59,10 +60,12 @@ std::vector<Command> commands();
 void writeVisible(const ShotOptions& options, const Session::LoadedScene& scene, ShotShares& shares,
                   Seconds& seconds);
 void writeVectorPictures(const ShotOptions& options, Session::LoadedScene& scene,
-                         const Session::TakenShot& shot, ShotShares& shares, Seconds& seconds);
-/// What statistics report of the audit; an invalid node if it was not asked for.
-Jzon::Node audit(const ShotOptions& options, const Session::TakenShot& shot,
-                 const Session::LoadedScene& scene, Seconds& seconds);
+                         const Session::TakenShot& shot, ShotShares& shares,
+                         const AuditedShot& audited, Seconds& seconds);
+/// Compares the picture with what is seen, if that is asked for, and prints a warning if much of it
+/// is wrong. Where it is wrong is found out for a page.
+AuditedShot audit(const ShotOptions& options, const Session::TakenShot& shot,
+                  const Session::LoadedScene& scene, Seconds& seconds);
 
 /// All files that are read of a path: itself first, then those that it names.
 std::vector<std::string> sourceFiles(const std::string& path);

@@ -8,6 +8,7 @@
 #include "ShotShares.h"
 
 #include <lumivane/measure/ShareClasses.h>
+#include <lumivane/measure/ShotAudit.h>
 #include <lumivane/pictures/CairoWriter.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/SvgWriter.h>
@@ -19,6 +20,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -31,6 +33,7 @@ using Pictures::VectorPicture;
 
 constexpr const char* Group = "Vector pictures (need no display)";
 
+constexpr int AllProcessors = 0;
 constexpr double PageExtent = 1.02;  // so that no line of the rim is cut
 
 // Why a text is no extent; empty if it is one. A range check of the parser would take "nan".
@@ -60,19 +63,25 @@ std::vector<Drawn> drawn(const VectorFiles& files, Shot::Shot2d& shot,
   return result;
 }
 
-void addToPage(Pictures::HtmlPage& page, const Session::TakenShot& shot, ShotShares& shares,
-               Pictures::VectorOptions options, const Visibility::MapShares& exact,
-               const Measure::ShareClasses& classes) {
+struct PagedShot {
+  const Session::TakenShot& shot;
+  ShotShares& shares;
+  const Measure::ShotAudit* audit;
+};
+
+void addToPage(Pictures::HtmlPage& page, const PagedShot& paged, Pictures::VectorOptions options,
+               const Visibility::MapShares& exact, const Measure::ShareClasses& classes) {
   options.extent = std::max(options.extent, PageExtent);
-  page.add(VectorPicture(shot.shot(), options), shares.get(), &exact, classes);
+  page.add(VectorPicture(paged.shot.shot(), options), paged.shares.get(), &exact, classes);
+  if (paged.audit != nullptr) page.addAudit(*paged.audit, options);
 }
 
 // From where the shot was taken, which may be a little off from where it was to be taken: so the
 // two differ in nothing but the engine.
-Visibility::MapShares exactShares(const Session::LoadedScene& scene, Session::ViewSettings view,
+Visibility::MapShares exactShares(const ExactScene& scene, Session::ViewSettings view,
                                   const Session::TakenShot& shot) {
   view.eye = shot.eye();
-  return ExactScene(scene.name(), scene).look(view).shares;
+  return scene.look(view).shares;
 }
 
 Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
@@ -92,6 +101,24 @@ Session::ViewSettings withOtherCamera(Session::ViewSettings view) {
 Session::TakenShot otherShot(Session::LoadedScene& scene, const Session::ViewSettings& view) {
   Utils::StageTimes::enable(false);
   return scene.take(withOtherCamera(view));
+}
+
+std::string pageText(Session::LoadedScene& scene, const Session::ViewSettings& view,
+                     const PagedShot& paged, const Pictures::VectorOptions& options, bool both) {
+  Pictures::HtmlPage page(options.title);
+  const ExactScene exactScene(scene.name(), scene);
+  const Visibility::MapShares exact = exactShares(exactScene, view, paged.shot);
+  const Measure::ShareClasses classes(scene);
+  addToPage(page, paged, options, exact, classes);
+  if (!both) return page.text();
+  const Session::TakenShot other = otherShot(scene, view);
+  ShotShares othersShares(other);
+  std::optional<Measure::ShotAudit> othersAudit;
+  if (paged.audit != nullptr)
+    othersAudit.emplace(other, exactScene.sceneIndex(), AllProcessors, Measure::WrongParts::Kept);
+  addToPage(page, {other, othersShares, othersAudit ? &*othersAudit : nullptr}, options, exact,
+            classes);
+  return page.text();
 }
 
 std::string firstPath(const VectorFiles& files) {
@@ -144,25 +171,17 @@ void setVectorOptions(CLI::App& command, VectorFiles& files) {
 
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
                       const Session::ViewSettings& view, const Session::TakenShot& shot,
-                      ShotShares& shares, const std::string& title, int width, int height) {
+                      ShotShares& shares, const Measure::ShotAudit* audit, const std::string& title,
+                      int width, int height) {
   const std::string first = firstPath(files);
   if (first.empty()) return;
   const Pictures::VectorOptions options = optionsOf(files, title, width, height);
   std::vector<Drawn> pictures;
   try {
     pictures = drawn(files, shot.shot(), options);
-    if (!files.html.empty()) {
-      Pictures::HtmlPage page(options.title);
-      const Visibility::MapShares exact = exactShares(scene, view, shot);
-      const Measure::ShareClasses classes(scene);
-      addToPage(page, shot, shares, options, exact, classes);
-      if (files.htmlBoth) {
-        const Session::TakenShot other = otherShot(scene, view);
-        ShotShares othersShares(other);
-        addToPage(page, other, othersShares, options, exact, classes);
-      }
-      pictures.push_back({files.html, page.text()});
-    }
+    if (!files.html.empty())
+      pictures.push_back(
+          {files.html, pageText(scene, view, {shot, shares, audit}, options, files.htmlBoth)});
   } catch (const HostError&) {
     throw;
   } catch (const std::exception& error) {

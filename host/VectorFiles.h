@@ -7,6 +7,9 @@
 namespace CLI {
 class App;
 }
+namespace Lumivane::Measure {
+class ShotAudit;
+}
 namespace Lumivane::Session {
 class LoadedScene;
 class TakenShot;
@@ -47,9 +50,11 @@ void setVectorOptions(CLI::App& command, VectorFiles& files);
 /// \param view   from where the shot was taken
 /// \param title   of pictures and pages
 /// \param shares  of the shot; measured here if a page is the first to ask
+/// \param audit   of the shot, with its wrong parts: the page shades them; null without one
 /// \throws HostError that names the file
 void writeVectorFiles(const VectorFiles& files, Session::LoadedScene& scene,
                       const Session::ViewSettings& view, const Session::TakenShot& shot,
-                      ShotShares& shares, const std::string& title, int width, int height);
+                      ShotShares& shares, const Measure::ShotAudit* audit, const std::string& title,
+                      int width, int height);
 
 }  // namespace Lumivane::Host

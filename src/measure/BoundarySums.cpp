@@ -1,3 +1,6 @@
+// Boundaries come tile by tile. They are put in the order of their edges first, so that those which
+// only tiles have parted are joined, whatever is to be made of them.
+
 #include "measure/BoundarySums.h"
 
 #include <algorithm>

@@ -163,10 +163,17 @@ class WrongAreas {
 }  // namespace
 
 ShotAudit::ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index,
+                     int threads)
+    : ShotAudit(shot, index, threads, WrongParts::NotKept) {}
+
+ShotAudit::ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index,
                      int threads, WrongParts parts)
     : keepsParts(parts == WrongParts::Kept) {
   compare(shot.shot(), projectionOf(shot.shot()), lookOf(shot, index, threads));
 }
+
+ShotAudit::ShotAudit(const Shot::Shot2d& shot, ProjectionType projection, const VisibleMap& map)
+    : ShotAudit(shot, projection, map, WrongParts::NotKept) {}
 
 ShotAudit::ShotAudit(const Shot::Shot2d& shot, ProjectionType projection, const VisibleMap& map,
                      WrongParts parts)

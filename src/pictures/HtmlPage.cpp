@@ -8,11 +8,14 @@
 #include "pictures/PageSource.h"
 #include "pictures/SeenClasses.h"
 #include "pictures/SvgText.h"
+#include "pictures/WrongShading.h"
 
 #include <lumivane/measure/ShareClasses.h>
+#include <lumivane/measure/ShotAudit.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/SvgWriter.h>
+#include <lumivane/pictures/VectorOptions.h>
 #include <lumivane/pictures/VectorPicture.h>
 #include <lumivane/visibility/MapShares.h>
 #include <lumivane/visibility/ParallelMap.h>
@@ -20,6 +23,7 @@
 
 #include <cmath>
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -182,11 +186,43 @@ Json mapJson(const VectorPicture& picture, const Visibility::VisibleMap& map) {
   return result;
 }
 
+// Of an object, or of the sky.
+struct Wrong {
+  double all = 0.0;  // each place once
+  double shownWrongly = 0.0;
+  double missing = 0.0;
+};
+
+// Shares of what is covered. Objects that are right are left out; the sky is object 0, as in rows.
+Json auditJson(const Measure::ShotAudit& audit) {
+  double shaded = 0.0;
+  std::map<int, Wrong> wrongs;
+  for (const Measure::WrongPart& part : audit.wrongParts()) {
+    if (isShaded(part)) shaded += part.area;
+    Wrong& shown = wrongs[part.shown.object];
+    shown.shownWrongly += part.area;
+    shown.all += part.area;
+    Wrong& seen = wrongs[part.seen.object];
+    seen.missing += part.area;
+    if (part.seen.object != part.shown.object) seen.all += part.area;
+  }
+  const auto share = [&audit](double area) { return rounded(area / audit.covered()); };
+  Json objects = Json::array();
+  for (const auto& [number, wrong] : wrongs)
+    objects.push_back({number, share(wrong.all), share(wrong.shownWrongly), share(wrong.missing)});
+  return {{"share", rounded(audit.wrongShare())},
+          {"shaded", shaded > 0.0 ? share(shaded) : 0.0},
+          {"objects", std::move(objects)}};
+}
+
 std::string joined(const std::vector<std::string>& parts, const char* separator) {
   std::string result;
   for (const std::string& part : parts) result += (result.empty() ? "" : separator) + part;
   return result;
 }
+
+// In front of all ids of a picture. \param number  of the picture, from 1
+std::string idPrefix(std::size_t number) { return "p" + std::to_string(number) + "-"; }
 
 // The template with what belongs in the place of each "{{name}}".
 std::string filled(const std::string& text, const std::map<std::string, std::string>& values) {
@@ -219,6 +255,17 @@ void HtmlPage::add(const VectorPicture& picture, const Measure::VisibleShares& s
   add(picture, shares, nullptr);
 }
 
+void HtmlPage::addAudit(const Measure::ShotAudit& audit, const VectorOptions& options) {
+  if (pictures.empty()) throw std::logic_error("an audit is of a shot that the page has");
+  if (!audit.hasWrongParts())
+    throw std::invalid_argument("the audit has not kept where the shot is wrong");
+  audits.resize(pictures.size(), "null");
+  audits.back() = scriptJson(auditJson(audit));
+  std::string& svg = pictures.back();
+  svg.insert(svg.rfind("</svg>"),
+             wrongShading(audit, options, idPrefix(pictures.size()), decimalsFor(options.height)));
+}
+
 void HtmlPage::add(const VectorPicture& picture, const Visibility::VisibleMap& map,
                    const Visibility::MapShares& shares) {
   add(picture, map, shares, "map");
@@ -242,18 +289,20 @@ void HtmlPage::addSvg(const VectorPicture& picture) {
   SvgWriter::Options options;
   options.titles = false;
   options.declaration = false;
-  options.idPrefix = "p" + std::to_string(pictures.size() + 1) + "-";
+  options.idPrefix = idPrefix(pictures.size() + 1);
   options.decimals = decimalsFor(picture.height());
   pictures.push_back(SvgWriter::write(picture, options));
 }
 
 std::string HtmlPage::text() const {
+  std::string data = "{\"pictures\":[" + joined(tables, ",") + "]";
+  if (!audits.empty()) data += ",\"audits\":[" + joined(audits, ",") + "]";
   return filled(PageSource::Html, {{"title", htmlText(pageTitle)},
                                    {"style", PageSource::Style},
                                    {"map", PageSource::Map},
                                    {"script", PageSource::Script},
                                    {"pictures", joined(pictures, "")},
-                                   {"data", "{\"pictures\":[" + joined(tables, ",") + "]}"}});
+                                   {"data", data + "}"}});
 }
 
 }  // namespace Lumivane::Pictures

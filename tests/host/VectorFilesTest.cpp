@@ -4,6 +4,7 @@
 #include "host/Process.h"
 #include "support/TempFolder.h"
 #include "support/Vectors.h"
+#include "support/WorkingFolder.h"
 
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/session/LoadedScene.h>
@@ -90,6 +91,53 @@ TEST(VectorFiles, OptionsChangeThePicture) {
   EXPECT_NE(std::string::npos, svg({"--style", "half"}).find("fill-opacity=\".5\""));
   EXPECT_EQ(std::string::npos, svg({"--style", "outline"}).find("fill=\"#"));
   EXPECT_NE(svg({"--axes"}), svg({"--axes", "--camera", "normal"}));
+}
+
+// What the page says of how wrong its pictures are.
+Json auditsOf(const std::string& page) {
+  const std::string start = "id=\"data\">";
+  const size_t from = page.find(start) + start.size();
+  const Json data = Json::parse(page.substr(from, page.find("</script>", from) - from));
+  return data.contains("audits") ? data.at("audits") : Json::array();
+}
+
+TEST(VectorFiles, PageShadesWhereAnAuditedShotIsWrong) {
+  const Lumivane::Test::WorkingFolder work;  // for the report of cyclic overlaps
+  const TempFolder folder;
+  const std::string ring = LUMIVANE_SCENES "/ring.json";
+  const auto page = [&](const std::string& scene, const std::string& eye,
+                        const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {LUMIVANE_PROGRAM, "shot", scene, "--eye=" + eye};
+    arguments.insert(arguments.end(), {"--html", folder.path("a.html")});
+    arguments.insert(arguments.end(), {"--stats", folder.path("a.json")});
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    EXPECT_EQ(0, Lumivane::Test::runProcess(arguments, {{"DISPLAY", {}}}).status);
+    return fileBytes(folder.path("a.html"));
+  };
+  const std::string plain = page(ring, "-4,0,0", {});
+  EXPECT_EQ(0u, auditsOf(plain).size());
+  EXPECT_EQ(0u, count(plain, "data-shown=\""));
+
+  const std::string audited = page(ring, "-4,0,0", {"--audit"});
+  ASSERT_EQ(1u, auditsOf(audited).size());
+  const Json stats = Json::parse(fileBytes(folder.path("a.json"))).at("audit");
+  const Json audit = auditsOf(audited).at(0);
+  EXPECT_NEAR(stats.at("wrong_share"), audit.at("share"), 1e-9);
+  EXPECT_NEAR(stats.at("wrong_share"), audit.at("shaded"), 1e-4);
+  EXPECT_GT(audit.at("shaded"), 0.05);
+  EXPECT_EQ(1u, count(audited, "id=\"p1-wrong\""));
+  EXPECT_GT(count(audited, "data-shown=\""), 0u);
+
+  const std::string both = page(ring, "-4,0,0", {"--audit", "--html-both"});
+  EXPECT_EQ(audit, auditsOf(both).at(0));
+  ASSERT_EQ(2u, auditsOf(both).size());
+  EXPECT_GT(auditsOf(both).at(1).at("shaded"), 0.0);
+  EXPECT_EQ(1u, count(both, "id=\"p2-wrong\""));
+
+  const std::string right =
+      page(Small, "-2.6,0.35,1.9", {"--forward=1,-0.06,-0.45", "--audit", "--html-both"});
+  for (const Json& one : auditsOf(right)) EXPECT_EQ(0.0, one.at("shaded"));
+  EXPECT_EQ(0u, count(right, "data-shown=\""));
 }
 
 TEST(VectorFiles, PageHasOneProjectionOrBoth) {

@@ -1,7 +1,9 @@
 #include "pictures/PictureModels.h"
 #include "support/HandMap.h"
+#include "support/WorkingFolder.h"
 
 #include <lumivane/measure/ShareClasses.h>
+#include <lumivane/measure/ShotAudit.h>
 #include <lumivane/measure/VisibleShares.h>
 #include <lumivane/pictures/HtmlPage.h>
 #include <lumivane/pictures/MapPicture.h>
@@ -17,12 +19,16 @@
 
 #include <cmath>
 #include <cstddef>
+#include <map>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <pugixml.hpp>
 
 namespace Lumivane::Test {
 namespace {
@@ -239,6 +245,161 @@ TEST(HtmlPage, MapOfASphereHasNoViewFactors) {
   EXPECT_EQ((Json{"solidAngle", "share"}), picture.at("columns"));
   ASSERT_EQ(7U, picture.at("rows").size());
   EXPECT_NEAR(1.0 / 6.0, picture.at("rows").at(3).at(3).get<double>(), 1e-8);
+}
+
+// A scene's picture and how right it is.
+struct Audited {
+  explicit Audited(const std::string& file, const Session::ViewSettings& view)
+      : scene(Session::LoadedScene::fromFile(LUMIVANE_SCENES "/" + file)),
+        shot(take(scene, view)),
+        audit(shot, Visibility::SceneIndex(scene), 1, Measure::WrongParts::Kept) {}
+
+  static Session::TakenShot take(Session::LoadedScene& scene, const Session::ViewSettings& view) {
+    const WorkingFolder folder;  // for the report of cyclic overlaps
+    return scene.take(view);
+  }
+
+  void addTo(HtmlPage& page) const {
+    Pictures::VectorOptions options;
+    options.width = 900;
+    options.extent = 1.02;
+    page.add(VectorPicture(shot.shot(), options), Measure::VisibleShares(shot.shot()));
+    page.addAudit(audit, options);
+  }
+
+  std::string page() const {
+    HtmlPage page("audited");
+    addTo(page);
+    return page.text();
+  }
+
+  Session::LoadedScene scene;
+  Session::TakenShot shot;
+  Measure::ShotAudit audit;
+};
+
+Session::ViewSettings viewFrom(const Session::Vector& eye, Base::ViewCameraKind camera) {
+  Session::ViewSettings view;
+  view.eye = eye;
+  view.camera = camera;
+  return view;
+}
+
+// The drawings of a page, as the documents that they are.
+std::vector<pugi::xml_document> svgsOf(const std::string& page) {
+  std::vector<pugi::xml_document> svgs;
+  for (size_t at = page.find("<svg xmlns"); at != std::string::npos;
+       at = page.find("<svg xmlns", at + 1)) {
+    const size_t end = page.find("</svg>", at) + 6;
+    EXPECT_TRUE(svgs.emplace_back().load_string(page.substr(at, end - at).c_str()));
+  }
+  return svgs;
+}
+
+// What path data enclose, in units of the picture's plane.
+double areaOf(const std::string& data) {
+  constexpr double PixelsPerUnit = 400.0 / 1.02;
+  double twice = 0.0;
+  for (size_t at = data.find('M'); at != std::string::npos; at = data.find('M', at + 1)) {
+    std::istringstream numbers(data.substr(at + 1, data.find('z', at) - at - 1));
+    std::vector<double> line;
+    for (double value = 0.0; numbers >> value;) line.push_back(value);
+    for (size_t i = 0; i + 1 < line.size(); i += 2) {
+      const size_t next = (i + 2) % line.size();
+      twice += line[i] * line[next + 1] - line[next] * line[i + 1];
+    }
+  }
+  return -0.5 * twice / (PixelsPerUnit * PixelsPerUnit);  // y runs down
+}
+
+TEST(HtmlPage, ShadesWhereAShotIsWrongByTheVeryPiecesThatAreWrong) {
+  for (const Base::ViewCameraKind camera :
+       {Base::ViewCameraKind::Spherical, Base::ViewCameraKind::Normal}) {
+    const Audited ring("ring.json", viewFrom({-4, 0, 0}, camera));
+    const std::string page = ring.page();
+    const std::vector<pugi::xml_document> svgs = svgsOf(page);
+    ASSERT_EQ(1u, svgs.size());
+    const pugi::xml_node group = svgs[0].child("svg").last_child();
+    EXPECT_STREQ("p1-wrong", group.attribute("id").value());
+    EXPECT_STREQ("url(#p1-hatch)", group.attribute("fill").value());
+    EXPECT_STREQ("p1-hatch", group.child("pattern").attribute("id").value());
+    double shaded = 0.0;
+    std::map<int, double> shownWrongly;
+    for (const pugi::xml_node path : group.children("path")) {
+      const double area = areaOf(path.attribute("d").value());
+      EXPECT_GT(area, 0.0);
+      shaded += area;
+      shownWrongly[path.attribute("data-shown").as_int()] += area;
+    }
+    EXPECT_GT(ring.audit.wrong(), 0.004);
+    EXPECT_NEAR(ring.audit.wrong(), shaded, 1e-4);  // strips along edges are not shaded
+    for (const Measure::ObjectAudit& object : ring.audit.objects())
+      EXPECT_NEAR(object.shownWrongly, shownWrongly[object.objectNumber], 1e-4);
+    const Json audit = dataOf(page).at("audits").at(0);
+    EXPECT_NEAR(ring.audit.wrongShare(), audit.at("share").get<double>(), 1e-9);
+    EXPECT_NEAR(shaded / ring.audit.covered(), audit.at("shaded").get<double>(), 1e-4);
+    EXPECT_LE(audit.at("shaded"), audit.at("share"));
+  }
+}
+
+TEST(HtmlPage, KnowsHowWrongAShotIsAtEachObjectAndAtTheSky) {
+  const Audited ring("ring.json", viewFrom({-4, 0, 0}, Base::ViewCameraKind::Spherical));
+  const Json objects = dataOf(ring.page()).at("audits").at(0).at("objects");
+  const double covered = ring.audit.covered();
+  double shown = 0.0;
+  double missing = 0.0;
+  for (const Json& row : objects) {
+    shown += row.at(2).get<double>();
+    missing += row.at(3).get<double>();
+    EXPECT_LE(row.at(1).get<double>(), row.at(2).get<double>() + row.at(3).get<double>() + 1e-9);
+    const int number = row.at(0);
+    if (number == 0) continue;
+    const Measure::ObjectAudit& object = ring.audit.objects().at(static_cast<size_t>(number) - 1);
+    EXPECT_NEAR(object.shownWrongly / covered, row.at(2).get<double>(), 1e-8);
+    EXPECT_NEAR(object.missing / covered, row.at(3).get<double>(), 1e-8);
+  }
+  // Each wrong place is shown wrongly once, and missing once; the sky counts.
+  EXPECT_EQ(0, objects.at(0).at(0));
+  EXPECT_NEAR(ring.audit.wrongShare(), shown, 1e-8);
+  EXPECT_NEAR(ring.audit.wrongShare(), missing, 1e-8);
+}
+
+TEST(HtmlPage, ShadesNothingOfAShotThatIsRight) {
+  const Audited small("small.json", viewFrom({-2.6, 0.35, 1.9}, Base::ViewCameraKind::Spherical));
+  EXPECT_GT(small.audit.wrong(), 0.0);  // by its chords
+  const std::string page = small.page();
+  EXPECT_EQ(0u, count(page, "-wrong\" class"));
+  EXPECT_EQ(0u, count(page, "data-shown=\""));
+  const Json audit = dataOf(page).at("audits").at(0);
+  EXPECT_EQ(0.0, audit.at("shaded"));
+  EXPECT_LT(audit.at("share"), 1e-4);
+}
+
+TEST(HtmlPage, ShadesOnlyThePictureThatTheAuditIsOf) {
+  const Audited first("small.json", viewFrom({-2.6, 0.35, 1.9}, Base::ViewCameraKind::Spherical));
+  const Audited second("ring.json", viewFrom({-4, 0, 0}, Base::ViewCameraKind::Spherical));
+  HtmlPage page("Two");
+  page.add(VectorPicture(first.shot.shot()), Measure::VisibleShares(first.shot.shot()));
+  second.addTo(page);
+  const std::string text = page.text();
+  EXPECT_TRUE(dataOf(text).at("audits").at(0).is_null());
+  EXPECT_FALSE(dataOf(text).at("audits").at(1).is_null());
+  const std::vector<pugi::xml_document> svgs = svgsOf(text);
+  ASSERT_EQ(2u, svgs.size());
+  EXPECT_TRUE(svgs[0].select_nodes("//path[@data-shown]").empty());
+  EXPECT_FALSE(svgs[1].select_nodes("//g[@id='p2-wrong']/path[@data-shown]").empty());
+}
+
+TEST(HtmlPage, AnAuditIsOfAShotOfThePageAndHasKeptWhereItIsWrong) {
+  const Audited small("small.json", viewFrom({-2.6, 0.35, 1.9}, Base::ViewCameraKind::Spherical));
+  HtmlPage page("none");
+  EXPECT_THROW(page.addAudit(small.audit, {}), std::logic_error);
+  page.add(VectorPicture(small.shot.shot()), Measure::VisibleShares(small.shot.shot()));
+  const std::string before = page.text();
+  EXPECT_EQ(0u, dataOf(before).count("audits"));
+  const Measure::ShotAudit sums(small.shot, Visibility::SceneIndex(small.scene));
+  EXPECT_THROW(page.addAudit(sums, {}), std::invalid_argument);
+  EXPECT_EQ(before, page.text());
 }
 
 }  // namespace

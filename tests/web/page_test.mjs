@@ -497,6 +497,127 @@ test("what is marked stays marked in another projection", async (t) => {
   await page.keyboard.press("Escape");
 });
 
+// Where a shot is wrong --------------------------------------------------------------------------------
+
+// A shot of a scene with its audit.
+function auditedPage(scene, name, ...view) {
+  // Reports of cyclic overlaps belong nowhere but there.
+  execFileSync(LUMIVANE_PROGRAM, ["shot", join(LUMIVANE_SCENES, scene), ...view, "--audit", "--html",
+    inFolder(name)], { stdio: "ignore", cwd: folder });
+}
+
+// A place of the window where an object is shown and another one is seen.
+const wrongPlace = async (page, shown, seen) => page.evaluate(([first, second]) => {
+  for (const path of document.querySelectorAll(
+    `#stage svg:not([hidden]) [data-shown="${first}"][data-seen="${second}"]`)) {
+    const box = path.getBoundingClientRect();
+    for (let i = 1; i < 20; ++i) {
+      for (let k = 1; k < 20; ++k) {
+        const [x, y] = [box.left + (box.width * i) / 20, box.top + (box.height * k) / 20];
+        const isInside = [[0, 0], [3, 0], [-3, 0], [0, 3], [0, -3]].every(([dx, dy]) =>
+          document.elementFromPoint(x + dx, y + dy) === path);
+        if (isInside) return { x, y };
+      }
+    }
+  }
+  return null;
+}, [await numberOf(page, shown), await numberOf(page, seen)]);
+
+test("where a shot is wrong it is shaded, and pointing there says what is seen", async (t) => {
+  auditedPage("street.json", "wrong.html", "--eye=-5.3,-1.37,3.4");
+  const page = await open(t, "wrong.html");
+  await page.screenshot({ path: picture("wrong") });
+  assert.equal((await page.locator("#wrong-choice").textContent()).trim(), "Wrong parts:");
+  assert.equal(await page.locator("#wrong-share").textContent(), "1.31 % of what the picture covers");
+  assert.match(await page.locator("#wrong-more").textContent(),
+    /most of it at house right 03\. Strips along edges, too narrow to be shaded: 0\.01\d+ %\.$/);
+  const place = await wrongPlace(page, "house right 04", "house right 03");
+  assert.ok(place);
+  await page.mouse.move(place.x, place.y);
+  assert.equal(await status(page),
+    "Wrong part: the picture shows house right 04, but house right 03 is seen here.");
+  await page.locator("#shown tr.hovered td:first-child", { hasText: "house right 04" }).waitFor();
+  await page.mouse.click(place.x, place.y);
+  await selectedRow(page).waitFor();
+  assert.equal(await selectedRow(page).textContent(), "house right 04");
+});
+
+test("shading is turned off and on by its box and by a key, and off shows what is below", async (t) => {
+  auditedPage("street.json", "off.html", "--eye=-5.3,-1.37,3.4");
+  const page = await open(t, "off.html");
+  const box = page.getByLabel("Wrong parts:");
+  assert.equal(await box.isChecked(), true);
+  assert.match(await box.evaluate((input) =>
+    document.getElementById(input.getAttribute("aria-describedby")).textContent), /^1\.31 %/);
+  const place = await wrongPlace(page, "house right 04", "house right 03");
+  await box.uncheck();
+  assert.equal(await wrongPlace(page, "house right 04", "house right 03"), null);
+  await page.mouse.move(place.x, place.y);
+  assert.match(await status(page), /^house right 04, face \d+, region \d+: view factor .* shown wrongly on 1\.\d+ %/);
+  await page.locator("#stage").focus();
+  await page.keyboard.press("w");
+  assert.equal(await box.isChecked(), true);
+  assert.deepEqual(await wrongPlace(page, "house right 04", "house right 03"), place);
+  assert.equal(await page.locator("#announced").textContent(), "Wrong parts are shaded.");
+  await page.keyboard.press("/");
+  await page.keyboard.type("w");
+  assert.equal(await box.isChecked(), true); // typed into the search
+});
+
+test("the hatch of wrong parts is as wide at any zoom", async (t) => {
+  auditedPage("street.json", "hatch.html", "--eye=-5.3,-1.37,3.4");
+  const page = await open(t, "hatch.html");
+  const hatch = page.locator("#p1-hatch");
+  for (let i = 0; i < 3; ++i) await page.keyboard.press("+");
+  await page.waitForFunction(() =>
+    document.getElementById("p1-hatch").getAttribute("patternTransform").includes("scale(0.29"));
+  await page.screenshot({ path: picture("wrong-near") });
+  await page.keyboard.press("0");
+  await page.waitForFunction(() =>
+    document.getElementById("p1-hatch").getAttribute("patternTransform").includes("scale(1)"));
+  assert.equal(await hatch.count(), 1);
+});
+
+test("the table has a column of wrong parts, and no number in it is cut off", async (t) => {
+  auditedPage("models/delft.city.json", "roof.html", "--eye=112.89,-34.97,7.06", "--forward=0.87,-0.49,-1");
+  const page = await open(t, "roof.html");
+  await page.screenshot({ path: picture("wrong-roof") });
+  await page.locator("th[data-column=wrong] button").click();
+  assert.equal(await page.locator("th[data-column=wrong]").getAttribute("aria-sort"), "descending");
+  const rows = await page.locator("#shown tr").evaluateAll((all) => all.slice(0, 3).map((row) =>
+    [...row.cells].map((cell) => cell.textContent)));
+  const column = await page.locator("th:not([hidden])").evaluateAll((all) =>
+    all.findIndex((header) => header.dataset.column === "wrong"));
+  const wrongs = rows.map((cells) => Number(cells[column]));
+  assert.ok(wrongs[0] > 23 && wrongs[1] > 23 && wrongs[2] < 1, wrongs.join());
+  const cut = await page.locator("#shown td:not(:first-child):not(.text)").evaluateAll((all) =>
+    all.filter((cell) => cell.scrollWidth > cell.clientWidth).length);
+  assert.equal(cut, 0);
+});
+
+test("of a shot that is right the page says so and has nothing to turn off", async (t) => {
+  auditedPage("small.json", "right.html", "--eye=-2.6,0.35,1.9", "--forward=1,-0.06,-0.45",
+              "--html-both");
+  const page = await open(t, "right.html");
+  await page.screenshot({ path: picture("right") });
+  for (const name of ["radial", "square"]) {
+    await page.getByLabel(name).check();
+    assert.equal(await page.locator("#wrong-choice").isVisible(), false);
+    assert.equal(await page.locator("#wrong-key").isVisible(), false);
+    assert.equal(await page.locator("#wrong-share").textContent(),
+      "No wrong part: the picture shows what is seen.");
+    assert.match(await page.locator("#wrong-more").textContent(), /: 0\.00\d+ % of what it covers\.$/);
+  }
+  await page.keyboard.press("w");
+  assert.equal(await page.locator("#show-wrong").isChecked(), true);
+});
+
+test("a page without an audit says nothing of wrong parts", async (t) => {
+  const page = await open(t, "room.html");
+  assert.equal(await page.locator("#wrong").isVisible(), false);
+  assert.equal(await page.locator("th[data-column=wrong]").isVisible(), false);
+});
+
 // The page of drawings ---------------------------------------------------------------------------------
 
 // The number of the object at places of an SVG file of `draw`, from -1 to 1 in what is drawn; of

@@ -73,16 +73,20 @@ class LUMIVANE_MEASURE_EXPORT ShotAudit {
   /// Looks from where the shot was really taken, into the hemisphere in front of it, and compares.
   /// \param index  of the scene that the shot was taken of
   /// \param threads  how many of them look; 0 for all processors. Results do not depend on it.
-  /// \param parts  whether `wrongParts` is to be known, which takes memory for each of its points
   /// \throws std::invalid_argument if the eye or a direction is not one to look from
-  ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index, int threads = 1,
-            WrongParts parts = WrongParts::NotKept);
+  ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index, int threads = 1);
+  /// The same, also with the wrong parts. \param parts  they take memory for each of their points
+  ShotAudit(const Session::TakenShot& shot, const Visibility::SceneIndex& index, int threads,
+            WrongParts parts);
 
   /// Compares with a map that was made from the shot's eye, of the hemisphere in front of it and
   /// with its direction upwards. The shot's lists may be null. \throws std::invalid_argument for a
   /// map of the whole sphere \throws std::out_of_range for a point number that is not in the shot
   ShotAudit(const Shot::Shot2d& shot, Algorithm::ProjectionType projection,
-            const Visibility::VisibleMap& map, WrongParts parts = WrongParts::NotKept);
+            const Visibility::VisibleMap& map);
+  /// The same, also with the wrong parts.
+  ShotAudit(const Shot::Shot2d& shot, Algorithm::ProjectionType projection,
+            const Visibility::VisibleMap& map, WrongParts parts);
 
   /// The area where the picture or the map has a region.
   double covered() const { return theCovered; }

@@ -8,6 +8,7 @@
 
 namespace Lumivane::Measure {
 class ShareClasses;
+class ShotAudit;
 class VisibleShares;
 }  // namespace Lumivane::Measure
 
@@ -20,6 +21,7 @@ struct VisibleMap;
 namespace Lumivane::Pictures {
 
 class VectorPicture;
+struct VectorOptions;
 
 /// A page to explore a shot or a visibility map: the picture beside the table of its objects with
 /// their view factors, in one file that loads nothing from anywhere. See docs/shot-page.md for what
@@ -42,6 +44,16 @@ class LUMIVANE_PICTURES_EXPORT HtmlPage {
   void add(const VectorPicture& picture, const Measure::VisibleShares& shares,
            const Visibility::MapShares* exact);  ///< Without classes.
   void add(const VectorPicture& picture, const Measure::VisibleShares& shares);  ///< Without both.
+  /// Shades, in the shot added last, where it shows another region than is really seen, and says
+  /// how much of it that is, altogether and by object. Parts that are less than 1/10000 of half the
+  /// picture wide, as the strips between chords and arcs, are counted but not shaded.
+  ///
+  /// \param audit    of that shot, with its wrong parts
+  /// \param options  those that its picture was drawn with
+  /// \throws std::invalid_argument if the audit has not kept the wrong parts
+  /// \throws std::logic_error if no shot was added
+  void addAudit(const Measure::ShotAudit& audit, const VectorOptions& options);
+
   /// Adds a map. Between maps of one scene the page switches too, and it shows each in any
   /// projection. What the map knows of classes is a column. Of cells that the picture leaves out
   /// nothing is shown in others, either
@@ -71,6 +83,7 @@ class LUMIVANE_PICTURES_EXPORT HtmlPage {
 
   std::vector<std::string> pictures;  // SVG
   std::vector<std::string> tables;    // JSON
+  std::vector<std::string> audits;    // JSON, "null" for pictures without one; may be shorter
 };
 
 }  // namespace Lumivane::Pictures

@@ -27,15 +27,21 @@
   };
 
   // How a value is shown, in the order of the columns. A page has the columns that its pictures
-  // have values for; exact solid angles have no room in the table, only under the picture.
+  // have values for; what has no room in the table stands under the picture.
   const texts = {
     viewFactor: (value) => value.toFixed(5),
     exactFactor: (value) => value.toFixed(5),
+    wrong: (value) => (100 * value).toFixed(2),
+    shownWrongly: (value) => (100 * value).toFixed(2),
+    missing: (value) => (100 * value).toFixed(2),
     solidAngle: (value) => value.toFixed(4),
     exactAngle: (value) => value.toFixed(4),
     area: (value) => String(Number(value.toPrecision(5))),
     share: (value) => (100 * value).toFixed(2),
   };
+
+  const OnlyUnderPicture = ["exactAngle", "shownWrongly", "missing"];
+  const OnlyInTable = ["wrong"];
 
   // The rows of a picture as objects with names for their columns. Of scenes with classes a page has
   // a class for each row but that of the sky.
@@ -43,14 +49,13 @@
     name,
     field,
     map,
+    audit: null,
     projection: map?.opening?.projection ?? map?.projection, // that is shown
     angle: map?.opening?.angle ?? 90, // its field of view, degrees
     prefix: `p${i + 1}-`,
-    values: Object.keys(texts).filter((column) => columns.includes(column)),
-    columns: Object.keys(texts).filter((column) =>
-      columns.includes(column) && column !== "exactAngle"),
     main: columns[0],
     hasClasses: Boolean(classes),
+    known: columns,
     rows: rows.map(([number, id, ...values], i) => ({
       number, id,
       ...Object.fromEntries(columns.map((column, k) => [column, values[k]])),
@@ -59,7 +64,22 @@
       keys: { id: id.toLowerCase(), class: (classes?.[i] ?? "").toLowerCase() },
     })),
   }));
+  // How wrong a picture is, altogether and by object, as shares of what it covers.
+  (data.audits ?? []).forEach((audit, i) => {
+    if (!audit) return;
+    const picture = pictures[i];
+    const wrongs = new Map(audit.objects.map(([number, ...values]) => [number, values]));
+    for (const row of picture.rows) {
+      const [wrong, shownWrongly, missing] = wrongs.get(row.number) ?? [0, 0, 0];
+      Object.assign(row, { wrong, shownWrongly, missing });
+    }
+    picture.audit = audit;
+    picture.known = [...picture.known, "wrong", "shownWrongly", "missing"];
+  });
   for (const picture of pictures) {
+    const known = Object.keys(texts).filter((column) => picture.known.includes(column));
+    picture.values = known.filter((column) => !OnlyInTable.includes(column));
+    picture.columns = known.filter((column) => !OnlyUnderPicture.includes(column));
     picture.byNumber = new Map(picture.rows.map((row) => [row.number, row]));
     picture.most = picture.rows.reduce((most, row) => Math.max(most, row[picture.main]), 1e-12);
   }
@@ -114,13 +134,27 @@
       exactAngle: (text) => `exactly ${text} sr`,
       area: (text) => `area ${text}`,
       share: (text) => `${text} % of the ${field}`,
+      shownWrongly: (text) => `shown wrongly on ${text} % of what the picture covers`,
+      missing: (text) => `missing on ${text} %`,
     };
-    return values.map((column) => parts[column](texts[column](row[column]))).join(", ");
+    const isRight = (column) =>
+      (column === "shownWrongly" || column === "missing") && texts[column](row[column]) === "0.00";
+    return values.filter((column) => !isRight(column)).map((column) => parts[column](texts[column](row[column]))).join(", ");
   };
 
   const described = (row) => row.class === "" ? figures(row) : `${row.class}, ${figures(row)}`;
 
-  function tell(path) {
+  const nameOf = (number) => (number === 0 ? "the sky" : rowOf(number)?.label ?? `object ${number}`);
+
+  // A wrong part hides the region below it: it says itself what is shown.
+  function tell(path, part) {
+    if (part) {
+      const { shown, seen } = part.dataset;
+      byId("status").textContent = shown === seen
+        ? `Wrong part: the picture shows ${nameOf(Number(shown))}, but not the face of it that is seen here.`
+        : `Wrong part: the picture shows ${nameOf(Number(shown))}, but ${nameOf(Number(seen))} is seen here.`;
+      return;
+    }
     const row = rowOf(state.hovered ?? state.selected);
     if (!row) {
       byId("status").textContent = "Point at an object, or choose one in the table.";
@@ -130,12 +164,12 @@
     byId("status").textContent = `${row.label}${place}: ${described(row)}`;
   }
 
-  function hover(number, path) {
+  function hover(number, path, part) {
     if (number !== state.hovered) {
       state.hovered = number;
       mark(isLarge);
     }
-    tell(path);
+    tell(path, part);
   }
 
   function select(number, options = {}) {
@@ -241,7 +275,10 @@
   function place() {
     stage.classList.add("moving");
     clearTimeout(rest);
-    rest = setTimeout(() => stage.classList.remove("moving"), 200);
+    rest = setTimeout(() => {
+      stage.classList.remove("moving");
+      hatch();
+    }, 200);
     const { width, height } = stage.getBoundingClientRect();
     const within = (value, size) => Math.min(0.5 * size, Math.max((0.5 - state.zoom) * size, value));
     state.x = within(state.x, width);
@@ -249,6 +286,12 @@
     for (const svg of svgs)
       svg.style.transform = `translate(${state.x}px,${state.y}px) scale(${state.zoom})`;
     byId("zoom").textContent = `${Math.round(100 * state.zoom)} %`;
+  }
+
+  // The hatch is as wide at any zoom.
+  function hatch() {
+    for (const pattern of stage.querySelectorAll(".hatch"))
+      pattern.setAttribute("patternTransform", `rotate(45) scale(${1 / state.zoom})`);
   }
 
   // Keeps the place under (x, y) of the stage where it is.
@@ -298,7 +341,13 @@
   // What the user does -----------------------------------------------------------------------------
 
   const regionAt = (target) => target instanceof Element ? target.closest("path[data-region]") : null;
+  const wrongAt = (target) => target instanceof Element ? target.closest("path[data-shown]") : null;
   const numberOf = (path) => Number(/\bo(-?\d+)/.exec(path.getAttribute("class"))[1]);
+  // The object that is shown there; shots have no object for the sky.
+  const objectAt = (target) => {
+    const path = regionAt(target);
+    return path ? numberOf(path) : Number(wrongAt(target)?.dataset.shown ?? 0) || null;
+  };
   const rowAt = (target) => target.closest("#shown tr");
 
   const pointers = new Map(); // those that are down, by their id
@@ -307,7 +356,7 @@
   stage.addEventListener("pointerover", (event) => {
     if (pointers.size > 0) return;
     const path = regionAt(event.target);
-    hover(path ? numberOf(path) : null, path);
+    hover(path ? numberOf(path) : objectAt(event.target), path, wrongAt(event.target));
   });
   stage.addEventListener("pointerleave", () => hover(null));
   stage.addEventListener("pointerdown", (event) => {
@@ -331,7 +380,7 @@
       if (!pointers.delete(event.pointerId) || name === "pointercancel") return;
       if (travelled >= ClickDistance) return;
       const path = regionAt(event.target);
-      select(path ? numberOf(path) : null);
+      select(path ? numberOf(path) : objectAt(event.target));
     });
   }
 
@@ -415,6 +464,11 @@
       byId("search").focus();
     } else if (!isTyping && zoomKeys[event.key]) {
       zoomKeys[event.key]();
+    } else if (!isTyping && event.key.toLowerCase() === "w" && hasShading()) {
+      byId("show-wrong").checked = !byId("show-wrong").checked;
+      shade();
+      byId("announced").textContent =
+        byId("show-wrong").checked ? "Wrong parts are shaded." : "Wrong parts are not shaded.";
     }
   });
 
@@ -425,6 +479,49 @@
     place();
     showRows();
   });
+
+  // Wrong parts ------------------------------------------------------------------------------------
+
+  const shadingOf = (picture) => svgs[picture].querySelector(".wrong");
+  const hasShading = () => Boolean(shadingOf(state.picture));
+
+  // As many digits as matter; less than that is as good as nothing.
+  const percent = (share) => {
+    const value = 100 * share;
+    if (value === 0) return "0 %";
+    return value < 0.001 ? "less than 0.001 %" : `${Number(value.toPrecision(3))} %`;
+  };
+
+  // What there is to say of a picture, shortly and more of it.
+  function verdict({ rows, audit }) {
+    const { share, shaded } = audit;
+    const narrow = Math.max(0, share - shaded);
+    if (!hasShading())
+      return ["No wrong part: the picture shows what is seen.", share === 0 ? ""
+        : `Strips along edges, too narrow to be shaded: ${percent(share)} of what it covers.`];
+    const wrongOf = (row) => (row.number > 0 ? row.shownWrongly + row.missing : 0);
+    const worst = rows.reduce((most, row) => (wrongOf(row) > wrongOf(most) ? row : most));
+    return [`${percent(share)} of what the picture covers`,
+      "There something else is seen than the picture shows" +
+      (wrongOf(worst) > 0 ? `, most of it at ${worst.label}.` : ".") +
+      (narrow > 0 ? ` Strips along edges, too narrow to be shaded: ${percent(narrow)}.` : "")];
+  }
+
+  function shade() {
+    stage.classList.toggle("without-wrong", !byId("show-wrong").checked);
+    if (state.hovered === null) tell();
+  }
+
+  function listWrong() {
+    const picture = pictures[state.picture];
+    byId("wrong").hidden = !picture.audit;
+    byId("wrong-choice").hidden = byId("wrong-key").hidden = !hasShading();
+    const [short, more] = picture.audit ? verdict(picture) : ["", ""];
+    byId("wrong-share").textContent = short;
+    byId("wrong-more").textContent = more;
+  }
+
+  byId("show-wrong").addEventListener("change", shade);
 
   // Projections ------------------------------------------------------------------------------------
 
@@ -481,6 +578,7 @@
       shown += header.hidden ? 0 : 1;
     }
     byId("objects").classList.toggle("wide", shown > 5);
+    byId("objects").classList.toggle("widest", shown > 6);
     for (const space of ["before", "after"]) byId(space).rows[0].cells[0].colSpan = shown;
     const sum = (column) => rows.reduce((total, row) => total + row[column], 0);
     const factor = columns.includes("viewFactor")
@@ -491,6 +589,7 @@
     if (!isShown(pictures[picture], state.column))
       state.column = pictures[picture].main;
     listProjections();
+    listWrong();
     listRows();
     mark();
     tell();
