@@ -152,7 +152,6 @@ void LookPolygons::addBeyond() {
         c[f.v] = y;
         return n[0] * c[0] + n[1] * c[1] + n[2] * c[2];
       };
-      if (at(-1, -1) < 0.0) beyond.cornerParity |= static_cast<std::uint8_t>(1 << face);
       // Where the circle crosses the four sides; on a side shared by two faces in the same point.
       Coordinate ends[4][2];
       int count = 0;
@@ -179,6 +178,8 @@ void LookPolygons::addBeyond() {
     }
     sortByFace(beyond, first);
     beyond.onlyFace = LookPolygon::NoFace;
+    // Corners on the circle itself are on that side of its segments on which these leave them.
+    findCornerParity(beyond, [&](const FrameVector& d) { return dotFrame(n, d) < 0.0; });
   }
   polygons.push_back(beyond);
 }
@@ -237,7 +238,7 @@ void LookPolygons::addSegments(LookPolygon& polygon) {
     }
   }
   sortByFace(polygon, first);
-  findCornerParity(polygon);
+  findCornerParity(polygon, [&](const FrameVector& d) { return coversDirection(polygon, d); });
 }
 
 LookPolygons::Corner LookPolygons::cornerAt(Vec3 fromEye) const {
@@ -291,16 +292,19 @@ void LookPolygons::sortByFace(LookPolygon& polygon, std::uint32_t first) {
 
 // A polygon is seen within less than a hemisphere, so one that touches a single face covers none of
 // its corners, unless its outline runs through the lower left one.
-void LookPolygons::findCornerParity(LookPolygon& polygon) const {
+template <class Covers>
+void LookPolygons::findCornerParity(LookPolygon& polygon, Covers covers) const {
   const bool hasCorner = polygon.box[0] <= -CubeHalf && polygon.box[1] <= -CubeHalf;
   if (polygon.onlyFace != LookPolygon::NoFace && !hasCorner) return;
   for (int face = 0; face < FaceCount; ++face)
-    if (parityOfCorner(polygon, face)) polygon.cornerParity |= static_cast<std::uint8_t>(1 << face);
+    if (parityOfCorner(polygon, face, covers))
+      polygon.cornerParity |= static_cast<std::uint8_t>(1 << face);
 }
 
 // From a point of the face that is far from all segments, where doubles decide inside and outside,
 // the exact count of crossings leads to the corner.
-bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
+template <class Covers>
+bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face, Covers covers) const {
   const CubeFace& f = CubeFaces[static_cast<size_t>(face)];
   const std::uint32_t from = polygon.firstSegment[face];
   const std::uint32_t to = polygon.firstSegment[face + 1];
@@ -325,8 +329,8 @@ bool LookPolygons::parityOfCorner(const LookPolygon& polygon, int face) const {
       bestY = y;
     }
   }
-  const bool inside = coversDirection(
-      polygon, directionOn(f, static_cast<double>(bestX), static_cast<double>(bestY)));
+  const bool inside =
+      covers(directionOn(f, static_cast<double>(bestX), static_cast<double>(bestY)));
   std::vector<std::uint32_t> all;
   for (std::uint32_t s = from; s < to; ++s) all.push_back(s);
   return inside != crossingParity(

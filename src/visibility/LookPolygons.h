@@ -166,9 +166,11 @@ class LookPolygons {
   Corner cornerAt(Kernel::Vec3 fromEye) const;
   void addEdge(const Corner& from, const Corner& to, std::size_t corner);
   void sortByFace(LookPolygon& polygon, std::uint32_t first);
-  void findCornerParity(LookPolygon& polygon) const;
+  template <class Covers>
+  void findCornerParity(LookPolygon& polygon, Covers covers) const;
   bool coversDirection(const LookPolygon& polygon, const FrameVector& direction) const;
-  bool parityOfCorner(const LookPolygon& polygon, int face) const;
+  template <class Covers>
+  bool parityOfCorner(const LookPolygon& polygon, int face, Covers covers) const;
 
   LookSetup theSetup;
   std::vector<LookPolygon> polygons;

@@ -318,6 +318,25 @@ TEST(AlignedScene, TheEndOfASteepLineBesideALevelOneLeavesNoGap) {
   EXPECT_EQ(differencesFromSingle(index, map, 600, 3), 0U);
 }
 
+// Where the field ends in an edge of the cube, a third of it was lost.
+TEST(AlignedScene, TheFieldMayEndAlongTheBordersOfTheCube) {
+  const Visibility::PolygonScene scene =
+      SceneBuilder().object().addFacing({{2, -1, -1}, {2, 1, -1}, {2, 0, 2}}, Eye).scene();
+  const SceneIndex index(scene);
+  for (int x : {-1, 0, 1})
+    for (int y : {-1, 0, 1})
+      for (int z : {-1, 0, 1}) {
+        if (x == 0 && y == 0 && z == 0) continue;
+        for (const double off : {0.0, 1e-16, -1e-16, 1e-15}) {
+          LookOptions options;
+          options.forward = fromCube({x + off, y - off, z + 2.0 * off});
+          const VisibleMap map = index.look(Eye, options);
+          EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+          EXPECT_EQ(faultText(map), "") << x << y << z << ' ' << off;
+        }
+      }
+}
+
 int countOf(const VisibleMap& map, VisibleMap::EdgeKind kind) {
   return static_cast<int>(
       std::count_if(map.edges.begin(), map.edges.end(),
