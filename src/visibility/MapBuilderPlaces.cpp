@@ -82,21 +82,28 @@ void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
     place = middle;
     return;
   }
-  if (lines.size() == 1) {
-    const Vec3 normal = normalOf(lines[0]);
+  const auto moveOnto = [&](Source line, double least) {
+    const Vec3 normal = normalOf(line);
     const double off = Kernel::dot(normal, place);
-    if (std::fabs(off) < MostDoubt) place = unit(place - off * normal);
+    if (std::fabs(off) >= least && std::fabs(off) < MostDoubt) place = unit(place - off * normal);
+  };
+  if (lines.size() == 1) {
+    moveOnto(lines[0], 0.0);
     isDoubtful = true;
     return;
   }
+  // Where an edge meets the end of the field at a small angle rounding takes the place off that.
+  const bool isOfField = std::find(lines.begin(), lines.end(), FieldSource) != lines.end();
   for (const Exactness exactness : {Exactness::Usual, Exactness::Full}) {
     const Vec3 meeting = meetingAt(place, lines, exactness);
     if (meeting == Vec3{}) continue;
     if (Kernel::distance(meeting, place) > SureDistance) isDoubtful = true;
     place = meeting;
+    if (isOfField) moveOnto(FieldSource, SamePlace);
     return;
   }
   isDoubtful = true;
+  if (isOfField) moveOnto(FieldSource, SamePlace);
 }
 
 // Where those two of some lines meet that do so at the largest angle; zero if that is nowhere near.

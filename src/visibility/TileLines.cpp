@@ -362,13 +362,22 @@ void TileLines::touch(size_t below, size_t above) {
   sameAbove = std::min(sameAbove, above);
 }
 
+// Where a line begins or ends. A steep one may pass others on the last unit before a side of the
+// tile: of a line of two planes nothing else says that these gaps show another polygon behind it.
+void TileLines::touchEnd(int line, Coordinate y, size_t place) {
+  const bool isCrossing = (*this)[line].crossed[0] >= 0;
+  const size_t above = now.lines.size() - place;
+  touch(isCrossing && y == tile.y0 ? 0 : place, isCrossing && y == tile.y1 ? 0 : above);
+}
+
 void TileLines::removeLines(Coordinate x) {
   std::vector<int>& order = now.lines;
   for (; nextEnd < ends.size() && ends[nextEnd].first <= x; ++nextEnd) {
-    const auto at = std::find(order.begin(), order.end(), ends[nextEnd].second);
+    const int line = ends[nextEnd].second;
+    const auto at = std::find(order.begin(), order.end(), line);
     const auto place = static_cast<size_t>(at - order.begin());
     order.erase(at);
-    touch(place, order.size() - place);
+    touchEnd(line, (*this)[line].yb, place);
   }
 }
 
@@ -380,7 +389,7 @@ void TileLines::insertLines(Coordinate x) {
     const auto at = std::partition_point(
         order.begin(), order.end(), [&](int other) { return goesAbove(line, other, position); });
     const auto place = static_cast<size_t>(at - order.begin());
-    touch(place, order.size() - place);
+    touchEnd(line, (*this)[line].ya, place);
     order.insert(at, line);
   }
 }

@@ -163,6 +163,7 @@ class TileLines {
   Coordinate steepMeeting(int below, int above, Coordinate x) const;
   void swapLines(size_t below);
   void touch(size_t below, size_t above);
+  void touchEnd(int line, Coordinate y, size_t place);
   bool findChange(bool sameLower);
   size_t countNarrow(size_t from, size_t to, double x) const;
   void changeWidths();

@@ -557,7 +557,7 @@ bool TileSweep::addCut(const PlanePair& pair) {
 // Where a gap begins as near to the line of two planes as rounding, either may be found in front,
 // and is shown up to where the gap ends. Behind that place it is found out again.
 void TileSweep::addStopBehind(const PlanePair& pair, Coordinate since) {
-  constexpr size_t MostStops = 32;
+  constexpr size_t MostStops = 16;
   const double doubt = planes.doubtAround(pair.a, pair.b);
   if (stopsBehind.size() == MostStops || !(doubt < static_cast<double>(lines.change().x - since)))
     return;

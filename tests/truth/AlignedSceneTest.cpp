@@ -337,6 +337,50 @@ TEST(AlignedScene, TheFieldMayEndAlongTheBordersOfTheCube) {
       }
 }
 
+// On the last unit before the lower side of the face it passes the edges there, below which the
+// same was shown on both sides of it.
+TEST(AlignedScene, AnAllButUprightCrossingIsOneBelowTheLastEdgesToo) {
+  SceneBuilder builder;
+  builder.object().add({{-0.38471117213533623, -0.8710961801902566, 0.4219021002156321},
+                        {-0.21789738759991129, 0.2699777778375673, 0.9820617858491313},
+                        {-0.7909246612309961, 1.1485636693196217, -0.13110963819915156},
+                        {-1.015260440433809, -0.38598406733848634, -0.8844278361200643}});
+  builder.object().add({{-0.36153580031995447, -0.8186205066848193, 0.39648631104601556},
+                        {-0.32067917420364306, 0.39732578625151416, 1.4452984772874005},
+                        {-0.865540195309392, 1.2569187324629822, -0.14347847199152436},
+                        {-0.7094591029537458, -0.26972380609195423, -0.6180339095778762}});
+  builder.object().add({{-0.7247948070071937, -0.9172132205517038, 0.9398895657366219},
+                        {-0.47211100646647436, 0.5849518519813959, 2.127800536006451},
+                        {-0.7748040203310647, -0.29456678823200266, -0.674958085460049}});
+  builder.object().add({{-0.4478727078590481, -1.0141119709677613, 0.49116960920625813},
+                        {-0.22072722380250742, 0.2734839827445487, 0.994815835016003},
+                        {-1.239827847335075, 1.8004511573118394, -0.20552321663650785},
+                        {-2.18092983500596, -0.8291509594678597, -1.8998820183319902}});
+  builder.object().add({{-0.9679829492437492, -2.1917903888658072, 1.0615601231232035},
+                        {-0.414536493482758, 0.5136162602763477, 1.8683126657617621},
+                        {-0.5663411154493552, 0.822428306426396, -0.09388097550062707},
+                        {-0.8293676837346609, -0.31531092824834095, -0.722490344999489}});
+  builder.object().add({{-0.8439954124333287, -0.43037155886945816, -0.1674764542333572},
+                        {-0.2786228890621816, 0.34521748641525, 1.2557511360038072},
+                        {-1.154609912650214, -0.438962272659455, -1.0058198920581123}});
+  expectRight(builder.scene());
+}
+
+// Rounding took the places where edges meet the end of the field at a millionth of a radian off it.
+TEST(AlignedScene, EdgesThatAllButRunAlongTheEndOfTheFieldMeetItThere) {
+  SceneBuilder builder;
+  builder.object().add({{0.195733, 0.534749, -0.528581},
+                        {0.147367, 1.070277, -0.710803},
+                        {0.319918, 1.011789, -0.928493},
+                        {0.368284, 0.476261, -0.746271}});
+  LookOptions options;
+  options.twoSided = true;
+  options.forward = {1.3674048282429647, 0.45106357987364915, 0.96267627646231613};
+  const VisibleMap map = SceneIndex(builder.scene()).look(Eye, options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  EXPECT_EQ(faultText(map), "");
+}
+
 int countOf(const VisibleMap& map, VisibleMap::EdgeKind kind) {
   return static_cast<int>(
       std::count_if(map.edges.begin(), map.edges.end(),
