@@ -314,6 +314,7 @@ class MapBuilder {
   Kernel::Vec3 planeOf(std::int32_t polygon) const;
   void measureDistances(size_t cell, const Arcs& arcs);
   static void reach(Reach& r, Kernel::Vec3 plane, Kernel::Vec3 a, Kernel::Vec3 b);
+  Reach reachOfCorners(std::int32_t polygon) const;
   static bool contains(const Arcs& arcs, Kernel::Vec3 d);
   bool containsAround(const VisibleMap::Cell& cell, const Arcs& arcs, Kernel::Vec3 d) const;
   static double quarterTurns(double x, double y);

@@ -79,6 +79,7 @@ void MapBuilder::measureDistances(size_t number, const Arcs& arcs) {
       const bool turned = isBefore(arc.to, arc.from);
       reach(reached, plane, turned ? arc.to : arc.from, turned ? arc.from : arc.to);
     }
+    if (!(reached.greatest > 0.0)) reached = reachOfCorners(polygon);
   }
   cell.minDistance = reached.least;
   cell.maxDistance = reached.greatest;
@@ -99,6 +100,22 @@ void MapBuilder::reach(Reach& r, Vec3 plane, Vec3 a, Vec3 b) {
   const double least = distanceToSegment(distanceA * a, distanceB * b);
   r.least = r.least == 0.0 ? least : std::min(r.least, least);
   r.greatest = std::max({r.greatest, distanceA, distanceB});
+}
+
+// For an eye that is nearer to the plane than the corners are off it, which lie on both sides of it
+// for the eye, so that it is met nowhere along the border.
+MapBuilder::Reach MapBuilder::reachOfCorners(std::int32_t polygon) const {
+  const IndexState& state = *setup.state;
+  const auto begin = state.cornerOffsets[static_cast<size_t>(polygon)];
+  const auto end = state.cornerOffsets[static_cast<size_t>(polygon) + 1];
+  Reach r;
+  for (auto i = begin; i < end; ++i) {
+    const double distance =
+        lengthInRange(offsetFromEye(state.cornerVertices[static_cast<size_t>(i)]));
+    r.least = i == begin ? distance : std::min(r.least, distance);
+    r.greatest = std::max(r.greatest, distance);
+  }
+  return r;
 }
 
 bool MapBuilder::contains(const Arcs& arcs, Vec3 d) {

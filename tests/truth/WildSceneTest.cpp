@@ -155,6 +155,23 @@ TEST(Look, SeesNothingOfATriangleInWhosePlaneItIsFarFromTheOrigin) {
       "");
 }
 
+// The plane of a polygon that is not quite flat is met behind an eye so near to it.
+TEST(Look, APolygonHasADistanceThoughItsCornersLieOnBothSidesOfThePlaneBesideTheEye) {
+  SceneBuilder builder;
+  builder.object().add({{0.041121, -2.259494, -3.891400},
+                        {2.014460, -2.328717, -3.573378},
+                        {2.395061, -0.974884, -5.640327},
+                        {0.421721, -0.905660, -5.958350}});
+  Visibility::LookOptions options;
+  options.field = Visibility::Field::Sphere;
+  const VisibleMap map =
+      SceneIndex(builder.scene()).look({1.577493, -2.996981, -2.579656}, options);
+  ASSERT_EQ(map.cells.size(), 2U);
+  EXPECT_EQ(faultText(map), "");
+  EXPECT_NEAR(map.cells[0].minDistance, 1.27475, 1e-4);
+  EXPECT_NEAR(map.cells[0].maxDistance, 4.13824, 1e-4);
+}
+
 // It became a part of what lies beyond, and left the field's border off its place.
 TEST(Look, ASliverAtTheEndOfTheFieldIsTakenUpWithinIt) {
   HardScene scene;
