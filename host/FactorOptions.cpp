@@ -42,6 +42,7 @@ void setFactorsOptions(CLI::App& command, FactorsOptions& options) {
       ->capture_default_str();
   addClasses(command, options.import);
   addCsvSafe(command, options.csvSafe);
+  command.get_option("--csv-safe")->needs("--elements");
   command.footer(
       "Rows are kept in a file beside the output, named FILE.rows, until it is written: the same\n"
       "command goes on where it was ended.");

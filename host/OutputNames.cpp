@@ -4,6 +4,8 @@
 
 #include <lumivane/session/Files.h>
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace Lumivane::Host {
@@ -18,6 +20,16 @@ void OutputNames::add(const std::string& option, const std::string& path) {
     if (Session::sameFile(path, other))
       throw ArgumentError(option, "\"" + path + "\" is already named for another file");
   taken.push_back(path);
+}
+
+void checkCsvSafe(bool isSafe, const std::vector<std::string>& tables, const std::string& options) {
+  const auto isCsv = [](const std::string& path) {
+    constexpr std::string_view Ending = ".csv";
+    return path.size() > Ending.size() &&
+           path.compare(path.size() - Ending.size(), Ending.size(), Ending) == 0;
+  };
+  if (isSafe && std::none_of(tables.begin(), tables.end(), isCsv))
+    throw ArgumentError("--csv-safe", "is for texts in tables: name one (.csv) with " + options);
 }
 
 }  // namespace Lumivane::Host

@@ -21,4 +21,10 @@ class OutputNames {
   std::vector<std::string> taken;
 };
 
+/// Texts are kept from being taken for formulas in tables of comma-separated values alone.
+/// \param tables   the files of those that are written, or empty
+/// \param options  that name them, for the error
+/// \throws ArgumentError if `isSafe`, and none of them is such a table
+void checkCsvSafe(bool isSafe, const std::vector<std::string>& tables, const std::string& options);
+
 }  // namespace Lumivane::Host

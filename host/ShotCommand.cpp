@@ -35,6 +35,7 @@ bool showsClasses(const ShotOptions& options) {
 }
 
 void checkOutputs(const ShotOptions& options) {
+  checkCsvSafe(options.csvSafe, {options.visible}, "--visible");
   if (!options.import.classes.empty() && !showsClasses(options))
     throw ArgumentError("--classes",
                         "is for a column of classes: name an output that has one with --visible "

@@ -130,6 +130,9 @@ void checkArguments(const SunOptions& options) {
   if (!options.views.empty() && !options.html.empty())
     throw ArgumentError("--html", "is of one eye: use --eye in place of --views");
   checkEffects(options);
+  checkCsvSafe(options.csvSafe,
+               {options.intervals, options.days, options.months, options.totals, options.skyValues},
+               "--intervals, --days, --months, --totals or --sky-values");
   const double steps = 360.0 / options.horizonStep;
   if (std::abs(steps - std::round(steps)) > 1e-6 * steps)
     throw ArgumentError("--horizon-step", "does not divide 360 degrees");

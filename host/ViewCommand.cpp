@@ -75,6 +75,7 @@ void checkOutputs(const ViewOptions& options) {
 
 // Options that would change nothing are mistakes.
 void checkEffects(const ViewOptions& options) {
+  checkCsvSafe(options.csvSafe, {options.shares}, "--shares");
   for (const std::string& picture :
        {options.svg, options.pdf, options.png, options.html, options.report})
     if (!picture.empty()) return;

@@ -70,6 +70,29 @@ TEST(UselessOptions, OfModelsAreRefusedForSceneFiles) {
   EXPECT_EQ(0, run({"view", Small, "--eye=-4,0.35,1.9", "--import-scale", "1", "--center"}).status);
 }
 
+TEST(UselessOptions, ToKeepTextsOfTablesSafeIsRefusedWithoutATableThatHasThem) {
+  const TempFolder folder;
+  const std::string start = "--csv-safe: is for texts in tables: name one (.csv) with ";
+  const std::vector<std::string> shot = {"shot", Small, "--eye=-4,0.35,1.9", "--csv-safe"};
+  const std::vector<std::string> view = {"view", Small, "--eye=-4,0.35,1.9", "--csv-safe"};
+  const auto with = [](std::vector<std::string> command, const std::string& option,
+                       const std::string& path) {
+    command.insert(command.end(), {option, path});
+    return command;
+  };
+  expectRefused(shot, start + "--visible");
+  expectRefused(with(shot, "--visible", folder.path("a.json")), start + "--visible");
+  EXPECT_EQ(0, run(with(shot, "--visible", folder.path("a.csv"))).status);
+  expectRefused(view, start + "--shares");
+  expectRefused(with(view, "--svg", folder.path("a.svg")), start + "--shares");
+  EXPECT_EQ(0, run(with(view, "--shares", folder.path("a.csv"))).status);
+  expectRefused({"factors", Small, "-o", folder.path("f.csv"), "--csv-safe"},
+                "--csv-safe requires --elements (see --help)");
+  expectRefused({"sun", Small, "--eye=-4,0.35,1.9", "--latitude", "52", "--longitude", "4",
+                 "--north", "90", "--horizon", folder.path("a.hor"), "--csv-safe"},
+                start + "--intervals, --days, --months, --totals or --sky-values");
+}
+
 TEST(UselessOptions, OfGridAndFactorsAreRefused) {
   const TempFolder folder;
   expectRefused({"grid", Small, "--spacing", "1", "--height", "1", "--rows", "class"},
