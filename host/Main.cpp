@@ -32,7 +32,7 @@ enum ExitStatus : int { Done = 0, Failed = 1, WrongArguments = 2 };
 int fail(ExitStatus status, const std::string& text) {
   std::cout.flush();
   std::fflush(stdout);
-  std::cerr << "lumivane: " << oneLine(text) << std::endl;
+  std::cerr << "lumivane: " << oneLine(withStandardOutputNamed(text)) << std::endl;
   return status;
 }
 
@@ -122,11 +122,14 @@ int run(const std::vector<std::string>& arguments) {
       "lumivane");
   app.set_version_flag("--version", "lumivane " LUMIVANE_VERSION);
   app.require_subcommand(1);
+  app.footer("\"-\" in place of the name of one file to write stands for standard output.");
   const std::vector<Command> commands = allCommands();
   for (const Command& entry : commands) {
     CLI::App& command = *app.add_subcommand(entry.name, entry.help);
     // Options of commands that are not named take milliseconds of each start.
-    if (std::count(arguments.begin(), arguments.end(), entry.name) > 0) entry.declare(command);
+    if (std::count(arguments.begin(), arguments.end(), entry.name) == 0) continue;
+    entry.declare(command);
+    if (entry.name != "batch") addStandardOutput(command);  // its outputs are names in a folder
   }
 
   for (size_t i = 0; i < arguments.size(); ++i)

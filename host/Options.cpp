@@ -4,6 +4,7 @@
 #include "Options.h"
 
 #include "OptionParts.h"
+#include "Streams.h"
 #include "Tools.h"
 
 #include <algorithm>
@@ -463,6 +464,19 @@ void setJson5Options(CLI::App& command, Json5Options& options) {
   command.add_option("FILE", options.file, "text to convert (JSON5)")->required()->type_name("");
   command.add_option("-o,--output", options.out, "file to write; standard output without it")
       ->type_name("OUT");
+}
+
+void addStandardOutput(CLI::App& command) {
+  const auto path = [](const std::string& text) {
+    if (text != "-") return text;
+    const std::string name = takeStandardOutput();
+    if (name.empty())
+      throw CLI::ValidationError("\"-\" stands for standard output, which has room for one output");
+    return name;
+  };
+  for (const char* const name : {"--output", "--map", "--stats", "--elements", "--svg", "--pdf",
+                                 "--eps", "--png", "--png-vector", "--dxf", "--html", "--report"})
+    if (CLI::Option* const option = command.get_option_no_throw(name)) option->transform(path);
 }
 
 bool viewWasGiven(const CLI::App& command) {

@@ -179,6 +179,10 @@ void setCheckOptions(CLI::App& command, CheckOptions& options);
 /// The scene of a command, and how it is imported where the program is built with importers.
 void addScene(CLI::App& command, std::string& scene, ImportSettings& import);
 
+/// Lets "-" stand for standard output where the command writes a file whose format no ending says.
+/// What the program prints goes to standard error then.
+void addStandardOutput(CLI::App& command);
+
 bool viewWasGiven(const CLI::App& command);
 
 /// The options of `shot` that stand on the command line, as "--name=value", after the parse.
