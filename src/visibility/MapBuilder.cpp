@@ -9,12 +9,12 @@ namespace Lumivane::Visibility {
 
 void MapBuilder::run() {
   constexpr void (MapBuilder::*Steps[])() = {
-      &MapBuilder::joinVertices,      &MapBuilder::findSources,     &MapBuilder::numberCells,
-      &MapBuilder::findBentCells,     &MapBuilder::makeLinks,       &MapBuilder::numberVertices,
-      &MapBuilder::closeRings,        &MapBuilder::dropSliverLinks, &MapBuilder::chainLinks,
-      &MapBuilder::placeVertices,     &MapBuilder::contractEdges,   &MapBuilder::dropSliverEdges,
-      &MapBuilder::orderMap,          &MapBuilder::makeRings,       &MapBuilder::measureCells,
-      &MapBuilder::settleWholeSpheres};
+      &MapBuilder::joinVertices,  &MapBuilder::findSources,       &MapBuilder::numberCells,
+      &MapBuilder::findBentCells, &MapBuilder::makeLinks,         &MapBuilder::numberVertices,
+      &MapBuilder::closeRings,    &MapBuilder::dropSliverLinks,   &MapBuilder::chainLinks,
+      &MapBuilder::placeVertices, &MapBuilder::contractEdges,     &MapBuilder::dropSliverEdges,
+      &MapBuilder::chainEdges,    &MapBuilder::orderMap,          &MapBuilder::makeRings,
+      &MapBuilder::measureCells,  &MapBuilder::settleWholeSpheres};
   double done = 0.0;
   for (const auto step : Steps) {
     watch.setPart(PartsShare + (1.0 - PartsShare) * done / static_cast<double>(std::size(Steps)));

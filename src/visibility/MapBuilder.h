@@ -215,6 +215,7 @@ class MapBuilder {
   bool middleOfWide(Source source, Kernel::Vec3& middle) const;
   bool passes(int vertex) const;
   void chainLinks();
+  void chainEdges();
   void follow(int first, int start);
   bool isLongOfField(double turned, int start, int end) const;
   void addEdges(const std::vector<int>& rings);
@@ -232,7 +233,10 @@ class MapBuilder {
   template <class Chosen>
   void placeVertices(Chosen isChosen);
   void placeVertex(int vertex, const std::vector<Source>& lines);
-  // Of an edge that looks short, rounding does more to the usual normal.
+  bool placeAtEnd(Kernel::Vec3& place, const std::vector<Source>& lines) const;
+  bool placeAtMeeting(Kernel::Vec3& place, const std::vector<Source>& lines) const;
+  // Of an edge that looks short, rounding does more to the usual normal. What has no place by that
+  // is asked for again, and may be as far off as where the sweep takes lines for one.
   enum class Exactness { Usual, Full };
   Kernel::Vec3 meetingAt(Kernel::Vec3 place, const std::vector<Source>& lines,
                          Exactness exactness) const;
@@ -340,6 +344,7 @@ class MapBuilder {
   std::unique_ptr<const LinkPairs> atVertex;
   std::vector<std::pair<int, Link>> fieldArcs;  // by the link that begins them
   BlockList<Link> edges;
+  bool edgesAreFewer = false;  // than chainLinks has made
   LargeVector<int> vertexNumbers;
   LargeVector<int> bentNumbers;  // of cells of the map, positions in `bent`; empty as above
   LargeVector<std::int32_t> cellPolygons;

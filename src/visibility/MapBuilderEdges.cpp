@@ -88,6 +88,35 @@ void MapBuilder::chainLinks() {
   release(fieldArcs);
 }
 
+// A vertex at which others have vanished may be one that two edges pass: they become one.
+void MapBuilder::chainEdges() {
+  if (!edgesAreFewer) return;
+  const LinkPairs pairs(directions.size(), edges, watch);
+  JoinedSets chains;
+  for (size_t i = 0; i < edges.size(); ++i) chains.add();
+  for (const size_t i : watch.upTo(foundVertices)) {
+    const int vertex = static_cast<int>(i);
+    if (!pairs.isPair(vertex)) continue;
+    const int first = std::min(chains.find(pairs.first(vertex)), chains.find(pairs.second(vertex)));
+    const int second =
+        std::max(chains.find(pairs.first(vertex)), chains.find(pairs.second(vertex)));
+    Link& edge = edges[static_cast<size_t>(first)];
+    const Link& next = edges[static_cast<size_t>(second)];
+    if (first == second || edge.source() == FieldSource || !continues(vertex, edge, next) ||
+        isMiddleOfWide(edge.source(), directions[i]))
+      continue;
+    const int end = next.from == vertex ? next.to : next.from;
+    const int start = edge.from == vertex ? edge.to : edge.from;
+    if (start == end) continue;
+    (edge.from == vertex ? edge.from : edge.to) = end;
+    chains.join(first, second);
+  }
+  size_t kept = 0;
+  for (const size_t i : watch.upTo(edges.size()))
+    if (chains.find(static_cast<int>(i)) == static_cast<int>(i)) edges[kept++] = edges[i];
+  edges.truncate(kept);
+}
+
 // From a vertex along a link to the end of its edge.
 void MapBuilder::follow(int first, int start) {
   const Link& head = links[static_cast<size_t>(first)];

@@ -17,6 +17,8 @@ namespace {
 constexpr double SamePlace = 1e-13;
 // How far off its place the sweep may have taken a line to be, in rad.
 constexpr double LineDoubt = 4e-15;
+// The same where it has taken two for one until they are apart by its tolerance.
+constexpr double JoinedDoubt = 6e-14;
 // Where lines meet at a small angle the sweep may have found that as far off as this.
 constexpr double MostDoubt = 1e-7;
 // Beyond this, what has been found around it may be another than elsewhere in the cube.
@@ -58,6 +60,29 @@ void MapBuilder::placeVertices(Chosen isChosen) {
 
 void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
   Vec3& place = directions[static_cast<size_t>(vertex)];
+  if (placeAtEnd(place, lines)) return;
+  const auto moveOnto = [&](Source line, double least) {
+    const Vec3 normal = normalOf(line);
+    const double off = Kernel::dot(normal, place);
+    if (std::fabs(off) >= least && std::fabs(off) < MostDoubt) place = unit(place - off * normal);
+  };
+  if (lines.size() == 1) {
+    moveOnto(lines[0], 0.0);
+    isDoubtful = true;
+    return;
+  }
+  const Vec3 before = place;
+  const bool isFound = placeAtMeeting(place, lines);
+  const double moved = Kernel::distance(place, before);
+  if (!isFound || moved > SureDistance) isDoubtful = true;
+  if (moved > LineDoubt && placeAtEnd(place, lines)) return;
+  // Where an edge meets the end of the field at a small angle rounding takes the place off that.
+  const bool isOfField = std::find(lines.begin(), lines.end(), FieldSource) != lines.end();
+  if (isOfField) moveOnto(FieldSource, SamePlace);
+}
+
+// At an end of one of some lines, or in the middle of a wide one. \return false if none is nearby
+bool MapBuilder::placeAtEnd(Vec3& place, const std::vector<Source>& lines) const {
   const auto isClose = [&](Vec3 d) { return Kernel::distance(d, place) < PlaceTolerance; };
   const auto point = [this](std::int32_t i) {
     return setup.state->vertices[static_cast<size_t>(i)];
@@ -74,41 +99,35 @@ void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
   }
   if (corner >= 0) {
     place = unit(fromEye(corner));
-    return;
+    return true;
   }
   for (const Source source : lines) {
     Vec3 middle;
     if (!middleOfWide(source, middle) || !isClose(middle)) continue;
     place = middle;
-    return;
+    return true;
   }
-  const auto moveOnto = [&](Source line, double least) {
-    const Vec3 normal = normalOf(line);
-    const double off = Kernel::dot(normal, place);
-    if (std::fabs(off) >= least && std::fabs(off) < MostDoubt) place = unit(place - off * normal);
-  };
-  if (lines.size() == 1) {
-    moveOnto(lines[0], 0.0);
-    isDoubtful = true;
-    return;
+  return false;
+}
+
+// \return false if no two of some lines meet nearby
+bool MapBuilder::placeAtMeeting(Vec3& place, const std::vector<Source>& lines) const {
+  Vec3 meeting = meetingAt(place, lines, Exactness::Usual);
+  if (meeting == Vec3{}) {
+    meeting = meetingAt(place, lines, Exactness::Full);
+    if (meeting == Vec3{}) return false;
+    // From there it is found as from anywhere near it.
+    const Vec3 usual = meetingAt(meeting, lines, Exactness::Usual);
+    if (!(usual == Vec3{})) meeting = usual;
   }
-  // Where an edge meets the end of the field at a small angle rounding takes the place off that.
-  const bool isOfField = std::find(lines.begin(), lines.end(), FieldSource) != lines.end();
-  for (const Exactness exactness : {Exactness::Usual, Exactness::Full}) {
-    const Vec3 meeting = meetingAt(place, lines, exactness);
-    if (meeting == Vec3{}) continue;
-    if (Kernel::distance(meeting, place) > SureDistance) isDoubtful = true;
-    place = meeting;
-    if (isOfField) moveOnto(FieldSource, SamePlace);
-    return;
-  }
-  isDoubtful = true;
-  if (isOfField) moveOnto(FieldSource, SamePlace);
+  place = meeting;
+  return true;
 }
 
 // Where those two of some lines meet that do so at the largest angle; zero if that is nowhere near.
 Vec3 MapBuilder::meetingAt(Vec3 place, const std::vector<Source>& lines,
                            Exactness exactness) const {
+  const double lineDoubt = exactness == Exactness::Usual ? LineDoubt : JoinedDoubt;
   double best = LineDoubt / MostDoubt;
   Vec3 meeting{};
   for (size_t i = 0; i < lines.size(); ++i)
@@ -120,7 +139,7 @@ Vec3 MapBuilder::meetingAt(Vec3 place, const std::vector<Source>& lines,
       // Zeros have one sign, whichever line comes first.
       const Vec3 candidate = {sign * d.x / sine + 0.0, sign * d.y / sine + 0.0,
                               sign * d.z / sine + 0.0};
-      const double doubt = LineDoubt + doubtOf(lines[i]) + doubtOf(lines[k]);
+      const double doubt = lineDoubt + doubtOf(lines[i]) + doubtOf(lines[k]);
       if (Kernel::distance(candidate, place) > std::min(PlaceTolerance + doubt / sine, MostDoubt))
         continue;
       best = sine;
@@ -195,6 +214,7 @@ void MapBuilder::contractEdges() {
     if (edge.from != edge.to) edges[kept++] = edge;
   }
   edges.truncate(kept);
+  edgesAreFewer = true;
   placeVertices([&](size_t i) { return joined[i] != 0; });
 }
 

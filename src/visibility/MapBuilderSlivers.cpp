@@ -179,6 +179,7 @@ bool MapBuilder::dropSliversOnce(BlockList<Link>& borders) {
     borders[kept++] = link;
   }
   borders.truncate(kept);
+  edgesAreFewer = &borders == &edges;
   return isLeft;
 }
 

@@ -1,4 +1,5 @@
 #include "support/Capture.h"
+#include "visibility/CubeFaces.h"
 #include "visibility/Polygons.h"
 
 #include <lumivane/visibility/MapShares.h>
@@ -8,6 +9,7 @@
 #include <atomic>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
 #include <thread>
@@ -489,6 +491,68 @@ TEST(LookProperty, WhatIsHiddenHasNoPartInWhichOfLinesThatAllButCoincideIsSeen) 
           << "scene " << scene << ", " << rows << " rows";
     }
   }
+}
+
+// A point that an eye in the origin sees on the first face of its cube, 2^50 units wide on either
+// side, so many of them from another place.
+Vector onCube(double x, double y, double unitsAside) {
+  const CubeFace& f = CubeFaces[0];
+  FrameVector v{};
+  v.c[f.axis] = f.sign;
+  v.c[f.u] = x + unitsAside * 0x1p-50;
+  v.c[f.v] = y;
+  const Kernel::Vec3 p = toScene(v);
+  return {p.x, p.y, p.z};
+}
+
+TEST(Look, ACornerIsOneAlsoWhereAnotherLiesBesideItBeforeItsEdgesHaveParted) {
+  for (const double units : {250.0, 350.0, 450.0, 550.0}) {
+    PolygonBuilder builder;
+    const Vector corner = onCube(0.1, 0.1, 0.0);
+    builder.add({corner, onCube(0.5, 0.1, 0.0), onCube(0.5, 0.14, 0.0)}, 1);
+    builder.add({onCube(0.1, -0.4, units), onCube(0.4, -0.4, 0.0), onCube(0.3, -0.2, 0.0)}, 2);
+    LookOptions options = wholeSphere();
+    options.twoSided = true;
+    const VisibleMap map = SceneIndex(builder.scene).look({0, 0, 0}, options);
+    ASSERT_EQ(6U, map.vertices.size());
+    double nearest = 1.0;
+    for (const Vector& vertex : map.vertices) {
+      const Vector apart = Samples::minus(vertex, Samples::unit(corner));
+      nearest = std::min(nearest, std::sqrt(Samples::dot(apart, apart)));
+    }
+    EXPECT_LE(nearest, 4e-16) << units;
+  }
+}
+
+// Two walls of a tower from far below, and a far larger one in front, whose edges run along those
+// of the tower: slivers arise between them and are dropped.
+TEST(Look, AnEdgeIsWholeWhereOnlySliversHadEndedOnIt) {
+  const Vector walls[3][4] = {{{-1.0786285241620563, -0.90664780269047707, -0.12062449477827303},
+                               {-1.0135711481932406, -0.46162895905962575, 0.097837782618791641},
+                               {-0.065057375968815723, -0.44501884363085131, -0.21846227739706467},
+                               {-0.13011475193763145, -0.89003768726170263, -0.43692455479412934}},
+                              {{-1.2087432760996877, -1.7966854899521798, -0.55754904957240237},
+                               {-1.0135711481932406, -0.46162895905962575, 0.097837782618791641},
+                               {-1.3023474893792877, -0.0060446975675476633, -0.74421400049903863},
+                               {-1.4975196172857348, -1.3411012284601016, -1.3996008326902327}},
+                              {{-7.1086696467840849, -12.260088577642996, 6.492845595056016},
+                               {-4.7666041119067177, 3.760589793067652, 14.357487581350343},
+                               {-9.9645782532555618, 11.961106499925057, -0.79944451477060108},
+                               {-12.306643788132929, -4.0595718707855912, -8.6640865010649293}}};
+  PolygonBuilder builder;
+  for (int i = 0; i < 3; ++i) builder.add(Outline(std::begin(walls[i]), std::end(walls[i])), 1 + i);
+  LookOptions options = wholeSphere();
+  options.edgeSources = true;
+  const VisibleMap map =
+      SceneIndex(builder.scene)
+          .look({2.3675665357024691, 0.0079368662779016885, 1.5675030160020413}, options);
+  std::vector<std::vector<size_t>> edgesAt(map.vertices.size());
+  for (size_t i = 0; i < map.edges.size(); ++i)
+    for (const int vertex : {map.edges[i].from, map.edges[i].to})
+      edgesAt[static_cast<size_t>(vertex)].push_back(i);
+  for (const std::vector<size_t>& edges : edgesAt)
+    EXPECT_FALSE(edges.size() == 2 && map.edgeSources[edges[0]] >= 0 &&
+                 map.edgeSources[edges[0]] == map.edgeSources[edges[1]]);
 }
 
 TEST(Look, AnEyeInTheMiddleOfAWallSeesNothingOfIt) {
