@@ -37,7 +37,7 @@ void addScene(CLI::App& command, std::string& scene, ImportSettings&) {
   command.add_option("SCENE", scene, "scene file (JSON)")->required()->type_name("");
 }
 void addSceneBeforeOthers(CLI::App& command, std::string& scene, ImportSettings& import) {
-  addScene(command, scene, import);
+  Tools::addScene(command, scene, import);
 }
 void addShotOptions(CLI::App&, ShotOptions&) {}
 void addShotSceneOptions(CLI::App&, ShotOptions&) {}
