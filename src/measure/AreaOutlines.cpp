@@ -187,7 +187,7 @@ std::vector<OutlinedArea> outlinedAreas(const std::vector<BorderPiece>& pieces) 
       one.area += areaOf(hole);
       one.rings.push_back(std::move(hole));
     }
-    areas.push_back(std::move(one));
+    if (one.area > LeastArea) areas.push_back(std::move(one));
   }
   return areas;
 }

@@ -109,6 +109,10 @@ TEST(AreaOutlines, LinesAroundNothingButRoundingAreLeftOut) {
   addRing(pieces, {{2, 2}, {2.5, 2.1}, {2.5, 2.1 + 1e-16}});
   addRing(pieces, {{3, 3}, {3.1, 3.2}});
   EXPECT_EQ(1u, outlinedAreas(pieces).size());
+  Pieces strip;  // around which another one is cut out, but for rounding
+  addRing(strip, {{0, 0}, {0.5, 0.1}, {0.6, 0.2}});
+  addRing(strip, {{0.6, 0.2}, {0.5, 0.1}, {0, 0}});
+  EXPECT_TRUE(outlinedAreas(strip).empty());
 }
 
 }  // namespace
