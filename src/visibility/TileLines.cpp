@@ -215,8 +215,10 @@ void TileLines::addCrossingLine(const TilePlanes& planes, std::int32_t slotA, st
   line.xa = std::clamp(nearestWhole(from), tile.x0, tile.x1);
   line.xb = std::clamp(nearestWhole(to), tile.x0, tile.x1);
   if (line.xa >= line.xb) return;
-  line.ya = nearestWhole(std::clamp(at(from), y0, y1));
-  line.yb = nearestWhole(std::clamp(at(to), y0, y1));
+  // On the lower and upper side exactly, where rounding may take a steep line far from it.
+  line.ya =
+      from > x0 ? (slope > 0.0 ? tile.y0 : tile.y1) : nearestWhole(std::clamp(at(from), y0, y1));
+  line.yb = to < x1 ? (slope > 0.0 ? tile.y1 : tile.y0) : nearestWhole(std::clamp(at(to), y0, y1));
   line.x0 = line.xa;
   line.y0 = line.ya;
   line.slope = slope;

@@ -381,6 +381,30 @@ TEST(AlignedScene, EdgesThatAllButRunAlongTheEndOfTheFieldMeetItThere) {
   EXPECT_EQ(faultText(map), "");
 }
 
+// Of an eye at a wall, far from the origin: rounding kept the end of a steep crossing off the lower
+// side of the face, and so from what lies between it and that.
+TEST(AlignedScene, ASteepCrossingEndsOnTheSideOfTheFace) {
+  SceneBuilder builder;
+  builder.object().add({{-480644.7361985089, 771057.6764176004, 417674.6632925432},
+                        {-480643.6290231474, 771056.3474057671, 417674.7521197115},
+                        {-480643.08001730236, 771057.6718968801, 417676.4680206042}});
+  builder.object().add({{-480644.4474221677, 771057.2208333389, 417675.5053443263},
+                        {-480643.65756998473, 771058.583065403, 417674.783917038},
+                        {-480642.391733034, 771055.908431621, 417675.27787143464}});
+  builder.object().add({{-480642.26161828206, 771056.7984693083, 417675.7147959894},
+                        {-480642.6805093752, 771056.3640158825, 417674.43581965147},
+                        {-480644.28876057843, 771055.8752113902, 417675.9104715546}});
+  LookOptions options;
+  options.twoSided = true;
+  options.field = Visibility::Field::Sphere;
+  const SceneIndex index(builder.scene());
+  const VisibleMap map =
+      index.look({-480643.49890839547, 771057.23744345433, 417675.1890442663}, options);
+  EXPECT_NEAR(areaError(map), 0.0, 1e-9);
+  EXPECT_EQ(faultText(map), "");
+  EXPECT_EQ(differencesFromSingle(index, map, 6000, 3), 0U);
+}
+
 int countOf(const VisibleMap& map, VisibleMap::EdgeKind kind) {
   return static_cast<int>(
       std::count_if(map.edges.begin(), map.edges.end(),
