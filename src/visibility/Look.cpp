@@ -213,27 +213,37 @@ std::vector<std::int32_t> polygonsOf(const LookSetup& setup,
   return polygons;
 }
 
+// Of looks at what has been seen in the one before.
+constexpr int MostRounds = 3;
 // How far a look is reported to be before it looks again.
 constexpr double FirstShare = 0.995;
 
 }  // namespace
 
 // Where many lines all but coincide, the tiles and stops of hidden ones decide which of those that
-// are seen is found first. Then what is seen is looked at again as if nothing else were there, so
-// that what is hidden has no part in the map.
+// are seen is found first. Then what is seen is looked at again as if nothing else were there,
+// until it is what is seen then, too, so that what is hidden has no part in the map.
 void lookAround(const LookSetup& setup, const LookOptions& options, VisibleMap& map) {
   if (options.progress) options.progress(0.0);
   const VisibleMap view = map;
-  const std::vector<std::int32_t> regions = lookOnce(setup, options, map);
+  std::vector<std::int32_t> regions = lookOnce(setup, options, map);
   if (regions.empty()) return;
-  const std::vector<std::int32_t> only = polygonsOf(setup, regions);
-  LookSetup again = setup;
-  again.only = &only;
   LookOptions quiet = options;
+  double reached = FirstShare;
   if (options.progress)
-    quiet.progress = [&](double part) { options.progress(FirstShare + (1.0 - FirstShare) * part); };
-  map = VisibleMap(view);  // gives the memory of the first one back
-  lookOnce(again, quiet, map);
+    quiet.progress = [&](double part) {
+      reached = std::max(reached, FirstShare + (1.0 - FirstShare) * part);
+      options.progress(reached);
+    };
+  for (int round = 0; round < MostRounds && !regions.empty(); ++round) {
+    const std::vector<std::int32_t> only = polygonsOf(setup, regions);
+    LookSetup again = setup;
+    again.only = &only;
+    map = VisibleMap(view);  // gives the memory of the one before back
+    std::vector<std::int32_t> seen = lookOnce(again, quiet, map);
+    if (seen == regions) return;
+    regions = std::move(seen);
+  }
 }
 
 namespace {

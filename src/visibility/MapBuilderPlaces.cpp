@@ -74,8 +74,9 @@ void MapBuilder::placeVertex(int vertex, const std::vector<Source>& lines) {
   const Vec3 before = place;
   const bool isFound = placeAtMeeting(place, lines);
   const double moved = Kernel::distance(place, before);
-  if (!isFound || moved > SureDistance) isDoubtful = true;
-  if (moved > LineDoubt && placeAtEnd(place, lines)) return;
+  const bool isAtEnd = moved > LineDoubt && placeAtEnd(place, lines);
+  if (!isFound || (moved > SureDistance && !isAtEnd)) isDoubtful = true;
+  if (isAtEnd) return;
   // Where an edge meets the end of the field at a small angle rounding takes the place off that.
   const bool isOfField = std::find(lines.begin(), lines.end(), FieldSource) != lines.end();
   if (isOfField) moveOnto(FieldSource, SamePlace);

@@ -145,7 +145,10 @@ bool MapBuilder::dropSliversOnce(BlockList<Link>& borders) {
     if (perhapsThin[i] != 0 && isSliver(static_cast<int>(i), extents[i]))
       slivers.push_back(static_cast<int>(i));
   if (slivers.empty()) return false;
-  isDoubtful = true;
+  // One whose borders lie on each other leaves no trace.
+  if (std::any_of(slivers.begin(), slivers.end(),
+                  [&](int cell) { return extents[static_cast<size_t>(cell)].area != 0.0; }))
+    isDoubtful = true;
   std::stable_sort(slivers.begin(), slivers.end(), [this](int a, int b) {
     return orderOf(found[static_cast<size_t>(a)].region) <
            orderOf(found[static_cast<size_t>(b)].region);

@@ -480,8 +480,8 @@ TEST(LookProperty, WhatIsHiddenHasNoPartInWhichOfLinesThatAllButCoincideIsSeen) 
   LookOptions options;
   options.forward = {1, 0, 0};
   options.twoSided = true;
-  Random random(31);
   for (int scene = 0; scene < 24; ++scene) {
+    Random random(static_cast<std::uint64_t>(scene));
     PolygonBuilder builder;
     addStrips(builder, random, std::pow(10.0, random.between(-15.0, -10.0)));
     const VisibleMap map = SceneIndex(withHidden(builder, 0)).look({0, 0, 0}, options);
@@ -491,6 +491,22 @@ TEST(LookProperty, WhatIsHiddenHasNoPartInWhichOfLinesThatAllButCoincideIsSeen) 
           << "scene " << scene << ", " << rows << " rows";
     }
   }
+}
+
+TEST(LookProperty, WhatIsHiddenHasNoPartEitherWhereLooksFindOtherRegionsThanTheOneBefore) {
+  LookOptions options;
+  options.forward = {1, 0, 0};
+  options.twoSided = true;
+  Random random(31);
+  PolygonBuilder builder;
+  // Of these the last needs more than two looks.
+  for (int scene = 0; scene <= 220; ++scene) {
+    builder = PolygonBuilder();
+    addStrips(builder, random, std::pow(10.0, random.between(-15.0, -10.0)));
+  }
+  const VisibleMap map = SceneIndex(withHidden(builder, 0)).look({0, 0, 0}, options);
+  for (const int rows : {12, 30})
+    EXPECT_TRUE(sameBytes(map, SceneIndex(withHidden(builder, rows)).look({0, 0, 0}, options)));
 }
 
 // A point that an eye in the origin sees on the first face of its cube, 2^50 units wide on either
