@@ -25,7 +25,8 @@ constexpr double OpenedSize = 0.7;
 constexpr Coordinate SmallestTile = 1 << 14;
 // What is left in the boxes of a tile is opened together if it is no more than this.
 constexpr size_t FewPolygons = 120;
-// A screen is asked for where a tile may be swept because of what it hides, and every few levels.
+// A screen is asked for where a tile may be swept because of what it hides, and every few levels;
+// not in the halves of a tile in which nearly everything is in front.
 constexpr size_t MostScreened = 800;
 constexpr int UnscreenedLevels = 3;
 constexpr size_t FewestScreened = 6;  // polygons
@@ -393,19 +394,20 @@ void TileDescent::dropHidden(const Tile& tile, Content& content, Screening scree
   content.nodesEnd = nodes.size();
 }
 
-// Of what several polygons hide together.
-void TileDescent::placeScreen(const Tile& tile, Content& content) {
-  if (content.entriesEnd - content.entries < FewestScreened) return;
+// Of what several polygons hide together. \return whether there is any
+bool TileDescent::placeScreen(const Tile& tile, Content& content) {
+  if (content.entriesEnd - content.entries < FewestScreened) return false;
   const size_t mark = occlusion.size();
   const TileOcclusion::Screen screen = occlusion.screenOf(
       tile, {entries.data() + content.entries, content.entriesEnd - content.entries,
              segments.data(), covers.data() + content.covers, content.coversEnd - content.covers});
   if (screen.isEmpty()) {
     occlusion.truncate(mark);
-    return;
+    return false;
   }
   content.screen = screen;
   dropHidden(tile, content, Screening::New);
+  return true;
 }
 
 size_t TileDescent::polygonsIn(const Content& content, size_t limit) {
@@ -453,9 +455,9 @@ Sides TileDescent::descend(const Tile& tile, Content content, Progress progress,
     count = segments.size() - content.segments;
     opened = true;
   }
-  if ((opened && count <= MostScreened) || progress.unscreened > UnscreenedLevels) {
-    placeScreen(tile, content);
-    progress.unscreened = 0;
+  if ((opened && count <= MostScreened && progress.unscreened > 0) ||
+      progress.unscreened > UnscreenedLevels) {
+    progress.unscreened = placeScreen(tile, content) ? 0 : -1;
     count = segments.size() - content.segments;
   }
   if (content.nodes == content.nodesEnd) {

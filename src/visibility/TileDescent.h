@@ -90,7 +90,7 @@ class TileDescent final : private PolygonUser {
   void addPolygon(const Tile& tile, Content& content, std::int32_t number);
   void addCover(const Tile& tile, Content& content, std::int32_t position);
   void dropHidden(const Tile& tile, Content& content, Screening screening);
-  void placeScreen(const Tile& tile, Content& content);
+  bool placeScreen(const Tile& tile, Content& content);
   SeenRange rangeOf(const SeenBox& box) const;
   bool hiddenByCover(const Tile& tile, const Content& content, std::int32_t position) const;
   bool hidden(const Tile& tile, const Content& content, const TileEntry& entry) const;

@@ -41,7 +41,7 @@ struct DescentProgress {
   int level;
   std::size_t segments;  // in the last tile above that had twice as many
   int stalled;           // levels since
-  int unscreened;        // levels since the last screen
+  int unscreened;        // levels since the last screen; less after one that hid nothing
 };
 
 /// What may be seen in a tile, for a thread that knows polygons by other positions than the one
