@@ -349,6 +349,11 @@ PolygonScene withFirstObject(const PolygonScene& scene, const std::vector<Outlin
   return result;
 }
 
+VisibleMap withoutDistances(VisibleMap map) {
+  for (VisibleMap::Cell& cell : map.cells) cell.minDistance = cell.maxDistance = 0.0;
+  return map;
+}
+
 /// The same cells, with the numbers of objects raised, and measures that differ by rounding at
 /// most.
 void expectNearlySame(const VisibleMap& map, const VisibleMap& other, int raised) {
@@ -359,10 +364,17 @@ void expectNearlySame(const VisibleMap& map, const VisibleMap& other, int raised
     EXPECT_EQ(label, other.cells[i].label);
     EXPECT_NEAR(map.cells[i].solidAngle, other.cells[i].solidAngle, 1e-12);
     EXPECT_NEAR(map.cells[i].viewFactor, other.cells[i].viewFactor, 1e-12);
+    EXPECT_NEAR(map.cells[i].minDistance, other.cells[i].minDistance,
+                1e-9 * map.cells[i].minDistance);
+    EXPECT_NEAR(map.cells[i].maxDistance, other.cells[i].maxDistance,
+                1e-9 * map.cells[i].maxDistance);
   }
 }
 
 TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbers) {
+  // Least and greatest distances of regions that are bent, and of layers far from the origin,
+  // differ in their last digits.
+  const bool inLastDigits = GetParam() == BentOrTwoSided || GetParam() == FarAway;
   each([&](const HardScene& hard) {
     const VisibleMap map = lookAt(hard);
     for (const std::size_t count : {2U, 120U}) {
@@ -373,7 +385,9 @@ TEST_P(MapProperty, AHiddenObjectChangesNothingButNumbers) {
       more.scene = withFirstObject(hard.scene, triangles);
       const VisibleMap other = lookAt(more);
       expectNearlySame(map, other, 1);
-      EXPECT_TRUE(sameMap(map, other, 1)) << count << " triangles";
+      EXPECT_TRUE(inLastDigits ? sameMap(withoutDistances(map), withoutDistances(other), 1)
+                               : sameMap(map, other, 1))
+          << count << " triangles";
     }
   });
 }
