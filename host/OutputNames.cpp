@@ -5,7 +5,7 @@
 #include <lumivane/session/Files.h>
 
 #include <algorithm>
-#include <string_view>
+#include <filesystem>
 #include <utility>
 
 namespace Lumivane::Host {
@@ -24,9 +24,7 @@ void OutputNames::add(const std::string& option, const std::string& path) {
 
 void checkCsvSafe(bool isSafe, const std::vector<std::string>& tables, const std::string& options) {
   const auto isCsv = [](const std::string& path) {
-    constexpr std::string_view Ending = ".csv";
-    return path.size() > Ending.size() &&
-           path.compare(path.size() - Ending.size(), Ending.size(), Ending) == 0;
+    return std::filesystem::path(path).extension() == ".csv";
   };
   if (isSafe && std::none_of(tables.begin(), tables.end(), isCsv))
     throw ArgumentError("--csv-safe", "is for texts in tables: name one (.csv) with " + options);

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cstddef>
 #include <exception>
-#include <functional>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -71,26 +70,6 @@ void forEachInParallel(size_t count, size_t threads, Visit visit, size_t worthAT
   struct Nothing {};
   forEachInParallelWith<Nothing>(
       count, threads, [&](size_t i, Nothing) { visit(i); }, worthAThread);
-}
-
-/// Sorts by several threads, each with a copy of the order, which may count what it is asked. The
-/// result does not depend on them if no two items are equal.
-template <class Items, class Less>
-void sortInParallel(Items& items, size_t threads, Less less) {
-  const size_t runs =
-      std::clamp<size_t>(items.size() / ManyQuickItems, 1, std::max<size_t>(1, threads));
-  const auto at = [&](size_t run) {
-    return items.begin() + static_cast<std::ptrdiff_t>(items.size() * std::min(run, runs) / runs);
-  };
-  std::atomic<size_t> next{0};
-  inParallel(runs, [&](bool) {
-    Less own = less;
-    for (size_t i = next.fetch_add(1); i < runs; i = next.fetch_add(1))
-      std::sort(at(i), at(i + 1), std::ref(own));
-  });
-  for (size_t width = 1; width < runs; width *= 2)
-    for (size_t i = 0; i + width < runs; i += 2 * width)
-      std::inplace_merge(at(i), at(i + width), at(i + 2 * width), std::ref(less));
 }
 
 }  // namespace Lumivane::Visibility

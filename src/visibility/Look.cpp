@@ -173,10 +173,6 @@ class Looker {
   std::array<Sides, FaceCount> sides;
 };
 
-}  // namespace
-
-namespace {
-
 // \return as `buildMap` does
 std::vector<std::int32_t> lookOnce(const LookSetup& setup, const LookOptions& options,
                                    VisibleMap& map) {

@@ -115,7 +115,7 @@ class TileOcclusion {
     bool crosses;
   };
   // Neighbouring gaps of the sweep in which the same is in front, for so long as the same lines are
-  // around them: what is hidden in front of nothing divides no gap of a screen.
+  // around them: edges that are hidden behind it divide no gap of a screen.
   struct Band {
     std::size_t from;  // gaps of the sweep
     std::size_t to;
